@@ -1,0 +1,1 @@
+# No sources yet: the panel comes with its own control table.

@@ -1,0 +1,2 @@
+target_sources(tavora_module PRIVATE
+)
