@@ -1,0 +1,28 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <vector>
+
+namespace tavora::studio {
+
+/// Where to look for the module "tavora.so": `option` (a file or a folder) when
+/// not empty, else the folders and files of TAVORA_PLUGIN_PATH (':' between
+/// them), else beside the running program. Returns the first that exists.
+/// Throws LinkError that names every place it looked.
+std::filesystem::path findModule(const std::string& option);
+
+/// What a module says of itself.
+struct ModuleSummary {
+    std::filesystem::path file;
+    unsigned long descriptorVersion = 0;
+    struct Class {
+        std::string className;
+        std::string serverName;
+        int version = 0;          ///< that it was activated with
+        std::string description;  ///< of a new instance; handlers only
+    };
+    std::vector<Class> classes;
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// How physical light units become the 0..1 that a gradient of zones wants.
+struct LightingOptions {
+    std::optional<Imath::V3d> ambient;  ///< display-referred; overrides the scene's
+    std::optional<double> exposure;     ///< factor on physical units; empty: brightest light = 1
+    bool falloff = false;               ///< inverse square and range, instead of even light
+};
+
+/// One light with its level settled.
+struct LitLight {
+    const Light* light = nullptr;
+    Imath::V3d color;  ///< display-referred, level counted in, before cone and falloff
+    double scale = 1;  ///< with falloff: factor on 1 / distance^2; else unused
+};
+
+/// The lights of one render. Its lights point into the scene or into `own`.
+struct LightRig {
+    std::vector<LitLight> lights;
+    Imath::V3d ambient{0, 0, 0};
+    bool falloff = false;
+    std::vector<std::unique_ptr<const Light>> own;  ///< lights the file lacked
+};
+
+/// Settles levels: relative strengths at the centre of the scene are kept, and
+/// the brightest counts as 1 unless a fixed exposure is given. A scene without
+/// lights gets a key light seen from `camera` and an ambient of kDefaultAmbient.
+LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options);
+
+/// Light that arrives at `position` from `light`, shadows aside: fills the unit
+/// direction in which it travels and its colour, and returns the distance to
+/// the light (infinite for directional ones), or a negative number when the
+/// cone or range leaves the position dark.
+double arrivingLight(const LightRig& rig, const LitLight& light, const Imath::V3d& position,
+                     Imath::V3d& direction, Imath::V3d& color);
+
+}  // namespace tavora::studio

@@ -1,0 +1,34 @@
+#pragma once
+
+#include <ImathVec.h>
+#include <vector>
+
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// An image ready to be looked up at any size: its pyramid of halved levels,
+/// averaged in linear light and stored sRGB-encoded.
+class TexturePyramid {
+  public:
+    explicit TexturePyramid(const Image& image);
+
+    /// RGBA at `uv` (after the texture transform; v grows downwards), each 0..1,
+    /// as stored (colour sRGB-encoded). `footprint` is the width in UV units that
+    /// the result should average over; 0 asks for the finest level.
+    /// Any number of threads.
+    Imath::V4d lookUp(const TextureUse& use, Imath::V2d uv, double footprint) const;
+
+  private:
+    struct Level {
+        int width;
+        int height;
+        std::vector<std::uint8_t> rgba;
+    };
+    std::vector<Level> levels_;
+};
+
+/// The UV at which `use` reads its image for a vertex coordinate.
+Imath::V2d transformUv(const TextureUse& use, Imath::V2d uv);
+
+}  // namespace tavora::studio
