@@ -1,2 +1,5 @@
 target_sources(tavora_module PRIVATE
+  ${CMAKE_SOURCE_DIR}/zones/preview_grid.cpp
+  ${CMAKE_SOURCE_DIR}/zones/zone_list.cpp
+  ${CMAKE_SOURCE_DIR}/zones/zone_lookup.cpp
 )
