@@ -3,17 +3,19 @@
 #include <cstddef>
 #include <filesystem>
 #include <functional>
-#include <string>
 
 namespace tavora::studio {
 
 /// A file that appears under its name complete or not at all: it is written
 /// under a temporary name in the same folder, every write checked, flushed to
 /// disk, and renamed by commit(). Destroyed without commit, it leaves nothing;
-/// so does a signal, through removeUnfinishedFiles(). One thread at a time.
+/// so does a signal, through removeUnfinishedFiles(). A link is followed: the
+/// file it points at is replaced. A file that stood there keeps its
+/// permissions. One thread at a time.
 class AtomicFile {
   public:
-    /// Throws OutputError when the temporary file cannot be made.
+    /// Throws OutputError when the temporary file cannot be made, or when
+    /// something other than a writable plain file stands at `target`.
     explicit AtomicFile(const std::filesystem::path& target);
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
@@ -21,23 +23,27 @@ class AtomicFile {
 
     /// Throws OutputError (disk full and the like), then and at every later call.
     void write(const void* data, std::size_t size);
-    void seek(std::size_t offset);
-    std::size_t position() const { return position_; }
 
     /// The file while it is being written, for reading back.
     const std::filesystem::path& temporaryPath() const { return temporary_; }
 
     /// Flushes, lets `readBack` look at the temporary file (it throws when the
     /// file is not as it should be), renames, flushes the folder.
+    /// Throws OutputError, and what `readBack` throws.
     void commit(const std::function<void(const std::filesystem::path&)>& readBack = {});
 
   private:
-    [[noreturn]] void fail(const char* doing);
+    void create(unsigned permissions);
+    void close();
+    void flushFolder() const;
+    [[noreturn]] void fail(const char* doing, int error);
 
-    std::filesystem::path target_;
+    std::filesystem::path asked_;   ///< as the caller named it, for messages
+    std::filesystem::path target_;  ///< absolute, links followed
     std::filesystem::path temporary_;
     int descriptor_ = -1;
-    std::size_t position_ = 0;
+    int slot_ = -1;  ///< in the list that a signal handler reads
+    int error_ = 0;  ///< of the first write that failed
 };
 
 /// Removes the temporary files of all AtomicFiles that are open.

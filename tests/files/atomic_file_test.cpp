@@ -1,0 +1,217 @@
+#include "studio/files/atomic_file.h"
+
+#include <csignal>
+#include <functional>
+#include <gtest/gtest.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include "studio/files/output_error.h"
+#include "studio/files/whole_file.h"
+#include "tests/files/temporary_folder.h"
+
+namespace tavora::studio {
+namespace {
+
+namespace fs = std::filesystem;
+using Names = std::set<std::string>;
+
+std::string messageOf(const fs::path& target) {
+    try {
+        AtomicFile file(target);
+    } catch (const OutputError& error) {
+        return error.what();
+    }
+    return {};
+}
+
+unsigned permissionsOf(const fs::path& file) {
+    struct stat status {};
+    ::stat(file.c_str(), &status);
+    return status.st_mode & 0777U;
+}
+
+TEST(AtomicFile, AppearsOnlyAtCommit) {
+    const TemporaryFolder folder;
+    putBytes(folder / "a.txt", "old");
+    {
+        AtomicFile file(folder / "a.txt");
+        file.write("new", 3);
+        EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
+        file.commit();
+        EXPECT_EQ(bytesOf(folder / "a.txt"), "new");
+    }
+    EXPECT_EQ(folder.names(), Names{"a.txt"});
+}
+
+TEST(AtomicFile, LeavesNothingWithoutCommit) {
+    const TemporaryFolder folder;
+    {
+        AtomicFile file(folder / "a.txt");
+        file.write("new", 3);
+        EXPECT_TRUE(fs::exists(file.temporaryPath()));
+        EXPECT_EQ(file.temporaryPath().parent_path(), folder.path());
+    }
+    EXPECT_EQ(folder.names(), Names{});
+}
+
+TEST(AtomicFile, ReadBackThatThrowsKeepsTheOldFile) {
+    const TemporaryFolder folder;
+    putBytes(folder / "a.txt", "old");
+    {
+        AtomicFile file(folder / "a.txt");
+        file.write("new", 3);
+        EXPECT_THROW(file.commit([](const fs::path& written) {
+            EXPECT_EQ(bytesOf(written), "new");
+            throw OutputError("no good");
+        }),
+                     OutputError);
+    }
+    EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
+    EXPECT_EQ(folder.names(), Names{"a.txt"});
+}
+
+TEST(AtomicFile, PermissionsComeFromTheOldFileOrTheMask) {
+    const TemporaryFolder folder;
+    const mode_t mask = ::umask(027);
+    putBytes(folder / "old.txt", "");
+    ::chmod((folder / "old.txt").c_str(), 0666);
+    writeWholeFile(folder / "old.txt", "x");
+    writeWholeFile(folder / "new.txt", "x");
+    ::umask(mask);
+    EXPECT_EQ(permissionsOf(folder / "old.txt"), 0666U);
+    EXPECT_EQ(permissionsOf(folder / "new.txt"), 0640U);
+}
+
+TEST(AtomicFile, FollowsLinksToTheFileTheyMean) {
+    const TemporaryFolder folder;
+    fs::create_directory(folder / "real");
+    putBytes(folder / "real/a.txt", "old");
+    fs::create_symlink("real/a.txt", folder / "link");
+    fs::create_symlink("real/b.txt", folder / "dangling");
+    fs::create_symlink("loop", folder / "loop");
+    writeWholeFile(folder / "link", "new");
+    writeWholeFile(folder / "dangling", "made");
+    EXPECT_TRUE(fs::is_symlink(folder / "link"));
+    EXPECT_EQ(bytesOf(folder / "real/a.txt"), "new");
+    EXPECT_EQ(bytesOf(folder / "real/b.txt"), "made");
+    EXPECT_NE(messageOf(folder / "loop").find("links"), std::string::npos);
+}
+
+TEST(AtomicFile, RefusesWhatIsNoPlainFile) {
+    const TemporaryFolder folder;
+    fs::create_directory(folder / "sub");
+    ::mkfifo((folder / "pipe").c_str(), 0600);
+    putBytes(folder / "file", "");
+    EXPECT_NE(messageOf(folder / "sub").find("name a file, not a folder"), std::string::npos);
+    EXPECT_NE(messageOf(folder / "sub/").find("name a file, not a folder"), std::string::npos);
+    EXPECT_NE(messageOf(folder / "pipe").find("device or pipe"), std::string::npos);
+    EXPECT_NE(messageOf("/dev/null").find("device or pipe"), std::string::npos);
+    EXPECT_NE(messageOf(folder / "none/a.txt").find("create the folder"), std::string::npos);
+    EXPECT_NE(messageOf(folder / "file/a.txt").find("name a folder"), std::string::npos);
+    EXPECT_NE(messageOf(folder / std::string(300, 'x')).find("shorter name"), std::string::npos);
+}
+
+TEST(AtomicFile, TakesTheLongestName) {
+    const TemporaryFolder folder;
+    const std::string name(255, 'x');
+    writeWholeFile(folder / name, "x");
+    EXPECT_EQ(folder.names(), Names{name});
+}
+
+/// Exit status of `body` run in a process of its own.
+int inChild(const std::function<int()>& body) {
+    const pid_t child = ::fork();
+    if (child == 0) ::_exit(body());
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+TEST(AtomicFile, RefusesWithoutPermission) {
+    const TemporaryFolder folder;
+    fs::create_directory(folder / "closed");
+    putBytes(folder / "a.txt", "old");
+    ::chmod(folder.path().c_str(), 0777);
+    ::chmod((folder / "a.txt").c_str(), 0444);
+    ::chmod((folder / "closed").c_str(), 0555);
+    const int status = inChild([&] {
+        constexpr uid_t kNobody = 65534;
+        if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) return 1;
+        if (messageOf(folder / "a.txt").find("cannot be replaced") == std::string::npos) return 2;
+        if (messageOf(folder / "closed/b").find("may write to") == std::string::npos) return 3;
+        return 0;
+    });
+    EXPECT_EQ(status, 0);
+}
+
+/// A process whose files may grow to `bytes`, the way a disk fills up: the
+/// write that crosses the limit is cut short, the next one fails.
+class SmallDisk {
+  public:
+    explicit SmallDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
+        ::getrlimit(RLIMIT_FSIZE, &before_);
+        const rlimit small{bytes, before_.rlim_max};
+        ::setrlimit(RLIMIT_FSIZE, &small);
+    }
+    ~SmallDisk() {
+        ::setrlimit(RLIMIT_FSIZE, &before_);
+        std::signal(SIGXFSZ, handler_);
+    }
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+
+  private:
+    rlimit before_{};
+    void (*handler_)(int);
+};
+
+TEST(AtomicFile, FullDiskLeavesTheOldFileAndFailsForGood) {
+    const TemporaryFolder folder;
+    putBytes(folder / "a.txt", "old");
+    const std::string large(10000, 'x');
+    {
+        const SmallDisk disk(4096);
+        AtomicFile file(folder / "a.txt");
+        EXPECT_THROW(file.write(large.data(), large.size()), OutputError);
+        EXPECT_THROW(file.write("x", 1), OutputError);
+        EXPECT_THROW(file.commit(), OutputError);
+        EXPECT_THROW(writeWholeFile(folder / "b.txt", large), OutputError);
+    }
+    EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
+    EXPECT_EQ(folder.names(), Names{"a.txt"});
+}
+
+TEST(AtomicFile, SignalHandlerRemovesAllThatIsUnfinished) {
+    const TemporaryFolder folder;
+    const int status = inChild([&]() -> int {
+        const AtomicFile first(folder / "a.txt");
+        const AtomicFile second(folder / "b.txt");
+        writeWholeFile(folder / "c.txt", "kept");
+        std::signal(SIGTERM, [](int) {
+            removeUnfinishedFiles();
+            ::_exit(7);
+        });
+        ::raise(SIGTERM);
+        return 1;
+    });
+    EXPECT_EQ(status, 7);
+    EXPECT_EQ(folder.names(), Names{"c.txt"});
+}
+
+TEST(WholeFile, ReadsPlainFilesUpToALimit) {
+    const TemporaryFolder folder;
+    const std::string bytes("a\0b\n", 4);
+    writeWholeFile(folder / "a", bytes);
+    ::mkfifo((folder / "pipe").c_str(), 0600);
+    EXPECT_EQ(readWholeFile(folder / "a", 4), bytes);
+    EXPECT_THROW(readWholeFile(folder / "a", 3), std::system_error);
+    EXPECT_THROW(readWholeFile(folder.path(), 100), std::system_error);
+    EXPECT_THROW(readWholeFile(folder / "pipe", 100), std::system_error);
+    EXPECT_THROW(readWholeFile(folder / "none", 100), std::system_error);
+}
+
+}  // namespace
+}  // namespace tavora::studio
