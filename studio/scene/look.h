@@ -2,6 +2,8 @@
 
 #include <filesystem>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include <nlohmann/json.hpp>
 
@@ -13,15 +15,22 @@ namespace tavora::studio {
 struct Look {
     std::string name;
     std::string description;
-    nlohmann::ordered_json settings;  ///< for applySettings
+    nlohmann::ordered_json settings;  ///< for applySettings; every name and value checked
 };
 
 /// Reads a look, checking every field name and value. `nameOrFile` is a file,
 /// or the bare name of a look that ships ("noir").
-/// Throws SceneError with file and line.
+/// Throws SceneError with file, line and column.
 Look readLook(const std::string& nameOrFile);
 
-/// Names of the looks that ship, sorted.
+/// The same from the text of a file; `where` is its name in messages.
+Look parseLook(std::string_view text, const std::string& where);
+
+/// Names of the looks that ship, sorted; none when their folder is missing.
 std::vector<std::string> shippedLooks();
+
+/// The folder of the looks that ship: share/tavora/looks beside the bin folder
+/// of the running program.
+std::filesystem::path shippedLooksFolder();
 
 }  // namespace tavora::studio

@@ -2,6 +2,7 @@
 
 #include <optional>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include <nlohmann/json.hpp>
@@ -21,7 +22,10 @@ std::optional<StoredShader> shaderFromExtras(const nlohmann::ordered_json& extra
                                              const std::string& where,
                                              std::vector<std::string>& warnings);
 
-/// Puts `shader` into `extras`, leaving everything else there as it was.
-void shaderToExtras(const StoredShader& shader, nlohmann::ordered_json& extras);
+/// The JSON text of `extras` with `shader` first among its shaders, in place of
+/// one of the same server; everything else as it stands. `extras` is the text
+/// of a valid JSON value, or empty for a material without any.
+/// Throws SceneError for extras that are no object.
+std::string extrasWithShader(std::string_view extras, const StoredShader& shader);
 
 }  // namespace tavora::studio

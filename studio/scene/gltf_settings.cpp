@@ -1,0 +1,110 @@
+#include "studio/scene/gltf_settings.h"
+
+#include <algorithm>
+#include <cctype>
+#include <fmt/format.h>
+
+#include "studio/files/whole_file.h"
+#include "studio/scene/gltf_container.h"
+#include "studio/scene/json_text.h"
+#include "studio/scene/scene_error.h"
+#include "studio/scene/shader_extras.h"
+
+namespace tavora::studio {
+namespace fs = std::filesystem;
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+
+std::string lowerSuffix(const fs::path& file) {
+    std::string suffix = file.extension();
+    std::transform(suffix.begin(), suffix.end(), suffix.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return suffix;
+}
+
+void checkSuffix(const fs::path& input, const fs::path& output) {
+    if (lowerSuffix(input) == lowerSuffix(output)) return;
+    throw SceneError(fmt::format("{}: must end in {} like {}, since only settings change",
+                                 output.string(), input.extension().string(), input.string()));
+}
+
+bool namesAnotherFile(const Json& item) {
+    if (!item.is_object() || !item.contains("uri") || !item["uri"].is_string()) return false;
+    return !item["uri"].get_ref<const std::string&>().starts_with("data:");
+}
+
+// The first file that the document refers to, or empty.
+std::string referredFile(const Json& document) {
+    for (const char* list : {"buffers", "images"}) {
+        if (!document.contains(list) || !document[list].is_array()) continue;
+        for (const Json& item : document[list]) {
+            if (namesAnotherFile(item)) return item["uri"];
+        }
+    }
+    return {};
+}
+
+bool sameFolder(const fs::path& a, const fs::path& b) {
+    std::error_code error;
+    return fs::equivalent(fs::absolute(a).parent_path(), fs::absolute(b).parent_path(), error);
+}
+
+void checkReferences(const Json& document, const fs::path& input, const fs::path& output) {
+    const std::string uri = referredFile(document);
+    if (uri.empty() || sameFolder(input, output)) return;
+    throw SceneError(fmt::format("{}: refers to {} beside it; write the result to the same folder",
+                                 input.string(), uri));
+}
+
+std::string materialWith(std::string_view material, const StoredShader& shader,
+                         const std::string& where) {
+    try {
+        return withMember(material, "extras",
+                          extrasWithShader(jsonMember(material, "extras"), shader));
+    } catch (const SceneError& error) {
+        throw SceneError(fmt::format("{}: {}", where, error.what()));
+    }
+}
+
+// From the last material to the first, so that places found stay right.
+std::string documentWith(std::string_view document, const std::map<int, StoredShader>& shaders,
+                         const std::string& where) {
+    const std::string_view materials = jsonMember(document, "materials");
+    std::vector<std::string_view> elements;
+    if (!materials.empty() && materials.front() == '[') elements = jsonElements(materials);
+    std::string text(document);
+    for (auto entry = shaders.rbegin(); entry != shaders.rend(); ++entry) {
+        const auto& [index, shader] = *entry;
+        const bool there = index >= 0 && static_cast<std::size_t>(index) < elements.size();
+        if (!there || elements[static_cast<std::size_t>(index)].front() != '{') {
+            throw SceneError(fmt::format("{}: has no material {} to hold settings", where, index));
+        }
+        const std::string_view old = elements[static_cast<std::size_t>(index)];
+        text.replace(static_cast<std::size_t>(old.data() - document.data()), old.size(),
+                     materialWith(old, shader, fmt::format("{}: material {}", where, index)));
+    }
+    return text;
+}
+
+}  // namespace
+
+void writeGltfSettings(const fs::path& input, const fs::path& output,
+                       const std::map<int, StoredShader>& shaders) {
+    checkSuffix(input, output);
+    GltfContainer container = readContainer(input);
+    const std::string where = input.string();
+    std::string_view document = container.json;
+    const bool marked = document.starts_with(kByteOrderMark);
+    if (marked) document.remove_prefix(kByteOrderMark.size());
+    const Json parsed = parseJson(document, where);
+    if (!parsed.is_object()) throw SceneError(where + ": is no glTF document; name a glTF file");
+    checkReferences(parsed, input, output);
+    container.json = (marked ? std::string(kByteOrderMark) : std::string()) +
+                     documentWith(document, shaders, where);
+    writeWholeFile(output, containerBytes(container));
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,39 @@
+#include "studio/scene/setting_names.h"
+
+#include <array>
+#include <fmt/format.h>
+#include <utility>
+#include <vector>
+
+#include "studio/scene/nearest_name.h"
+#include "studio/scene/scene_error.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr std::array<std::pair<std::string_view, std::string_view>, 2> kShortNames{{
+    {"zones", "zoneList"},
+    {"lights", "lightList"},
+}};
+
+std::string_view fullName(std::string_view name) {
+    for (const auto& [shorter, full] : kShortNames) {
+        if (name == shorter) return full;
+    }
+    return name;
+}
+
+}  // namespace
+
+const StoredField& findField(std::span<const StoredField> table, std::string_view name,
+                             const std::string& where) {
+    std::vector<std::string> known;
+    for (const StoredField& field : table) {
+        if (field.name == fullName(name)) return field;
+        known.emplace_back(field.name);
+    }
+    throw SceneError(
+        fmt::format("{}: unknown setting \"{}\"{}", where, name, nearestNames(name, known)));
+}
+
+}  // namespace tavora::studio
