@@ -8,11 +8,11 @@ namespace {
 
 thread_local bool watching = false;
 thread_local int seen = 0;
-thread_local int limit = 0;
+thread_local int failingNumber = -1;
 std::atomic<long> live{0};
 
 void* allocate(std::size_t size) noexcept {
-    if (watching && seen++ >= limit) return nullptr;
+    if (watching && seen++ == failingNumber) return nullptr;
     void* memory = std::malloc(size == 0 ? 1 : size);
     if (memory != nullptr) ++live;
     return memory;
@@ -44,10 +44,10 @@ void operator delete(void* memory, const std::nothrow_t&) noexcept {
 
 namespace tavora::testing {
 
-AllocationWatch::AllocationWatch(int allowed) {
+AllocationWatch::AllocationWatch(int failing) {
     watching = true;
     seen = 0;
-    limit = allowed;
+    failingNumber = failing;
 }
 
 AllocationWatch::~AllocationWatch() {

@@ -1,14 +1,12 @@
 #pragma once
 
-#include <climits>
-
 namespace tavora::testing {
 
-/// Counts this thread's allocations while it lives, and fails every one from
-/// number `allowed` (counted from 0) on. Of two at a time the inner one counts.
+/// Counts this thread's allocations while it lives, and fails the one of number
+/// `failing` (counted from 0). One at a time.
 class AllocationWatch {
   public:
-    explicit AllocationWatch(int allowed = INT_MAX);
+    explicit AllocationWatch(int failing = -1);
     ~AllocationWatch();
     AllocationWatch(const AllocationWatch&) = delete;
     AllocationWatch& operator=(const AllocationWatch&) = delete;
