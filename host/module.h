@@ -17,11 +17,7 @@ enum {
 #define HOST_MODULE_SYMBOL "_mod_descrip"
 
 /* Results of an activation. */
-enum {
-    HOST_ACTIVATION_OK = 0,
-    HOST_ACTIVATION_BAD_VERSION = 1,
-    HOST_ACTIVATION_NO_SERVICE = 2
-};
+enum { HOST_ACTIVATION_OK = 0, HOST_ACTIVATION_BAD_VERSION = 1, HOST_ACTIVATION_NO_SERVICE = 2 };
 
 /* Activates one plug-in class: fills `classRecord` (its type depends on the
  * class) for the class version that the host offers. Returns one of the results

@@ -29,7 +29,7 @@ typedef double HostTraceAndShade(const double position[3], const double directio
 
 typedef struct HostSample {
     int32_t reserved0[2];
-    double objectPosition[3];  /* in the object's own space */
+    double objectPosition[3]; /* in the object's own space */
     double worldPosition[3];
     double geometricNormal[3]; /* unit, world space, of the flat polygon, towards the viewer */
     double spotSize;           /* diameter of the sample's footprint at the hit, scene units */
@@ -54,9 +54,9 @@ typedef struct HostSample {
     int32_t reserved400[9];
     double bumpHeight;
     int32_t reserved444[10];
-    HostPointId vertexIds[4];      /* the polygon's vertices; null beyond the third of a triangle */
-    float vertexWeights[4];        /* barycentric, sum 1 */
-    float vertexPositions[4][3];   /* world space */
+    HostPointId vertexIds[4];    /* the polygon's vertices; null beyond the third of a triangle */
+    float vertexWeights[4];      /* barycentric, sum 1 */
+    float vertexPositions[4][3]; /* world space */
     HostPolygonId polygonId;
     int32_t reserved568[62];
 } HostSample;

@@ -43,11 +43,7 @@ enum {
 };
 
 /* Item type codes of the item-information service. */
-enum {
-    HOST_ITEM_OBJECT = 0,
-    HOST_ITEM_LIGHT = 1,
-    HOST_ITEM_CAMERA = 2
-};
+enum { HOST_ITEM_OBJECT = 0, HOST_ITEM_LIGHT = 1, HOST_ITEM_CAMERA = 2 };
 
 /* Byte offsets of records are part of the contract for the 32-bit layout, in
  * which doubles are packed on 4-byte boundaries. */
