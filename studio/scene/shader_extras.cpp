@@ -47,9 +47,12 @@ std::string textOf(const StateItem& item) {
 
 std::string textOf(const StateBlock& state) {
     std::string text = "[";
-    for (const StateItem& item : state)
-        text += (text.size() > 1 ? "," : "") + textOf(item);
-    return text + "]";
+    for (const StateItem& item : state) {
+        if (text.size() > 1) text += ',';
+        text += textOf(item);
+    }
+    text += ']';
+    return text;
 }
 
 const Json* memberOf(const Json& object, const char* key) {
