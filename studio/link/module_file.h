@@ -4,6 +4,8 @@
 #include <string>
 #include <vector>
 
+#include "host/types.h"
+
 namespace tavora::studio {
 
 /// Where to look for the module "tavora.so": `option` (a file or a folder) when
@@ -24,5 +26,10 @@ struct ModuleSummary {
     };
     std::vector<Class> classes;
 };
+
+/// Loads `file`, activates every class that this host knows with its `lookup`,
+/// and unloads it again. Throws LinkError for what ModuleCopy throws it for;
+/// classes of other kinds are listed with version 0.
+ModuleSummary summarize(const std::filesystem::path& file, HostLookup* lookup);
 
 }  // namespace tavora::studio

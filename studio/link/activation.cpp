@@ -1,0 +1,83 @@
+#include "studio/link/activation.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <vector>
+
+#include "studio/link/link_error.h"
+
+namespace tavora::studio {
+namespace {
+
+/// The lookup and its misses while the module is asked again what it needs.
+/// HostLookup has no data of its own, hence per thread.
+thread_local HostLookup* askedLookup = nullptr;
+thread_local std::vector<std::string> missing;
+
+void* noteMissing(const char* service, int useMode) {
+    void* found = askedLookup(service, useMode);
+    if (found == nullptr && std::find(missing.begin(), missing.end(), service) == missing.end()) {
+        missing.emplace_back(service);
+    }
+    return found;
+}
+
+std::vector<std::string> missingServices(const HostServerRecord& server, int version,
+                                         HostLookup* lookup, void* classRecord) {
+    askedLookup = lookup;
+    missing.clear();
+    server.activate(version, noteMissing, classRecord, nullptr);
+    return std::move(missing);
+}
+
+bool isEnd(const HostServerRecord& record) {
+    return record.className == nullptr || record.serverName == nullptr ||
+           record.activate == nullptr;
+}
+
+std::string describe(const std::string& className, const std::string& server) {
+    return server.empty() ? className : fmt::format("{} \"{}\"", className, server);
+}
+
+}  // namespace
+
+const HostServerRecord& findServer(const HostModuleDescriptor& module,
+                                   const std::filesystem::path& file, const std::string& className,
+                                   const std::string& server) {
+    std::vector<std::string> offered;
+    for (const HostServerRecord* record = module.servers; !isEnd(*record); ++record) {
+        if (record->className == className && (server.empty() || record->serverName == server)) {
+            return *record;
+        }
+        offered.push_back(describe(record->className, record->serverName));
+    }
+    throw LinkError(
+        fmt::format("{}: the plug-in module has no class {}; it has {}", file.string(),
+                    describe(className, server),
+                    offered.empty() ? "none" : fmt::format("{}", fmt::join(offered, ", "))));
+}
+
+void activate(const HostServerRecord& server, int version, HostLookup* lookup, void* classRecord,
+              const std::filesystem::path& file) {
+    const int result = server.activate(version, lookup, classRecord, nullptr);
+    if (result == HOST_ACTIVATION_OK) return;
+    const std::string which = describe(server.className, server.serverName);
+    if (result == HOST_ACTIVATION_BAD_VERSION) {
+        throw LinkError(
+            fmt::format("{}: {} does not work with version {} of its class, the one "
+                        "that this host offers",
+                        file.string(), which, version));
+    }
+    if (result == HOST_ACTIVATION_NO_SERVICE) {
+        const auto services = missingServices(server, version, lookup, classRecord);
+        throw LinkError(
+            fmt::format("{}: {} needs services that this host lacks; it asked in vain "
+                        "for {}",
+                        file.string(), which, fmt::join(services, ", ")));
+    }
+    throw LinkError(
+        fmt::format("{}: {} did not activate (result {})", file.string(), which, result));
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,68 @@
+#include "studio/link/module_file.h"
+
+#include <algorithm>
+#include <cstdlib>
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+#include <system_error>
+
+#include "studio/link/link_error.h"
+
+namespace tavora::studio {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kFileName = "tavora.so";
+constexpr const char* kPathVariable = "TAVORA_PLUGIN_PATH";
+
+/// A place names the module's file, or the folder that holds it.
+fs::path fileAt(const fs::path& place) {
+    std::error_code error;
+    return fs::is_directory(place, error) ? place / kFileName : place;
+}
+
+void addPlacesOfPath(const std::string& path, std::vector<fs::path>& places) {
+    for (std::size_t start = 0; start <= path.size();) {
+        const std::size_t end = std::min(path.find(':', start), path.size());
+        if (end > start) places.push_back(fileAt(path.substr(start, end - start)));
+        start = end + 1;
+    }
+}
+
+void addPlaceBesideProgram(std::vector<fs::path>& places) {
+    std::error_code error;
+    const fs::path program = fs::read_symlink("/proc/self/exe", error);
+    if (!error) places.push_back(program.parent_path() / kFileName);
+}
+
+/// In the order in which they count.
+std::vector<fs::path> placesToLook(const std::string& option) {
+    std::vector<fs::path> places;
+    if (!option.empty()) {
+        places.push_back(fileAt(option));
+        return places;
+    }
+    const char* path = std::getenv(kPathVariable);
+    if (path != nullptr) addPlacesOfPath(path, places);
+    addPlaceBesideProgram(places);
+    return places;
+}
+
+}  // namespace
+
+fs::path findModule(const std::string& option) {
+    const std::vector<fs::path> places = placesToLook(option);
+    std::vector<std::string> names;
+    for (const fs::path& place : places) {
+        std::error_code error;
+        if (fs::exists(place, error) && !fs::is_directory(place, error)) return place;
+        names.push_back(place.string());
+    }
+    throw LinkError(
+        fmt::format("no plug-in module {} found; looked for {}; name one with --plugin "
+                    "or {}",
+                    kFileName, fmt::join(names, ", "), kPathVariable));
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,168 @@
+#include "studio/link/module_image.h"
+
+#include <cstdlib>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <string>
+#include <sys/mman.h>
+#include <sys/sendfile.h>
+#include <sys/stat.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "studio/link/link_error.h"
+
+namespace tavora::studio {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr const char* kReinstall = "reinstall it or name another with --plugin";
+
+/// Copies all bytes of `file` to `target`; false on any read or write error.
+bool copyBytes(const fs::path& file, int target) {
+    const int source = open(file.c_str(), O_RDONLY | O_CLOEXEC);
+    if (source < 0) return false;
+    struct stat info {};
+    off_t done = 0;
+    bool good = fstat(source, &info) == 0;
+    while (good && done < info.st_size) {
+        const auto left = static_cast<std::size_t>(info.st_size - done);
+        good = sendfile(target, source, &done, left) > 0;
+    }
+    close(source);
+    return good;
+}
+
+void* loadImage(const std::string& path) {
+    return dlopen(path.c_str(), RTLD_LOCAL | RTLD_NOW);
+}
+
+/// A name for descriptor `number` that the loader does not know yet: an image
+/// that never left memory may still hold the plain one.
+std::string freshName(int number) {
+    std::string folder = "/proc/self/fd/";
+    for (;;) {
+        std::string name = folder + std::to_string(number);
+        void* known = dlopen(name.c_str(), RTLD_LOCAL | RTLD_NOW | RTLD_NOLOAD);
+        if (known == nullptr) return name;
+        dlclose(known);
+        folder += "./";
+    }
+}
+
+/// The loader's last message, without the name under which it saw the file.
+std::string loaderMessage() {
+    const char* text = dlerror();
+    std::string message = text == nullptr ? "unknown reason" : text;
+    if (!message.empty() && message.front() == '/') {
+        const auto colon = message.find(": ");
+        if (colon != std::string::npos) message.erase(0, colon + 2);
+    }
+    return message;
+}
+
+void checkFile(const fs::path& file) {
+    std::error_code error;
+    const fs::file_status status = fs::status(file, error);
+    if (!fs::exists(status)) {
+        throw LinkError(
+            fmt::format("{}: no such plug-in module; name one with --plugin or "
+                        "TAVORA_PLUGIN_PATH",
+                        file.string()));
+    }
+    if (!fs::is_regular_file(status)) {
+        throw LinkError(
+            fmt::format("{}: not a plug-in module but a folder or device; name the "
+                        "module's own file",
+                        file.string()));
+    }
+    if (access(file.c_str(), R_OK) != 0) {
+        throw LinkError(fmt::format("{}: the plug-in module cannot be read; check its permissions",
+                                    file.string()));
+    }
+}
+
+}  // namespace
+
+ModuleImage::ModuleImage(const fs::path& file) : file_(file) {
+    checkFile(file_);
+    try {
+        load();
+        findDescriptor();
+    } catch (...) {
+        if (image_ != nullptr) dlclose(image_);
+        if (memory_ >= 0) close(memory_);
+        throw;
+    }
+}
+
+ModuleImage::~ModuleImage() {
+    dlclose(image_);
+    if (memory_ >= 0) close(memory_);
+}
+
+void ModuleImage::load() {
+    image_ = loadFromMemory();
+    // Some systems forbid running code from memory files.
+    if (image_ == nullptr) image_ = loadFromTemporaryFile();
+    if (image_ == nullptr) {
+        throw LinkError(fmt::format("{}: not a loadable plug-in module ({}); {}", file_.string(),
+                                    loaderMessage(), kReinstall));
+    }
+}
+
+void* ModuleImage::loadFromMemory() {
+    memory_ = memfd_create("plugin", MFD_CLOEXEC);
+    if (memory_ < 0 || !copyBytes(file_, memory_)) return nullptr;
+    return loadImage(freshName(memory_));
+}
+
+void* ModuleImage::loadFromTemporaryFile() {
+    std::error_code error;
+    std::string name = (fs::temp_directory_path(error) / "tavora-plugin-XXXXXX").string();
+    const int file = error ? -1 : mkostemp(name.data(), O_CLOEXEC);
+    if (file < 0) {
+        throw LinkError(
+            fmt::format("{}: the plug-in module cannot be loaded: no room for a "
+                        "temporary file; set TMPDIR to a folder with space",
+                        file_.string()));
+    }
+    const bool copied = copyBytes(file_, file);
+    close(file);
+    void* image = copied ? loadImage(name) : nullptr;
+    unlink(name.c_str());
+    return image;
+}
+
+void ModuleImage::findDescriptor() {
+    descriptor_ = static_cast<const HostModuleDescriptor*>(dlsym(image_, HOST_MODULE_SYMBOL));
+    if (descriptor_ == nullptr) {
+        throw LinkError(fmt::format("{}: not a plug-in module: it has no symbol {}", file_.string(),
+                                    HOST_MODULE_SYMBOL));
+    }
+    if (descriptor_->sync != HOST_MODULE_SYNC) {
+        throw LinkError(
+            fmt::format("{}: not a plug-in module: its descriptor starts with {:#x}, "
+                        "not {:#x}",
+                        file_.string(), descriptor_->sync, int{HOST_MODULE_SYNC}));
+    }
+    if (descriptor_->version != HOST_MODULE_VERSION ||
+        descriptor_->machine != HOST_MODULE_MACHINE) {
+        throw LinkError(
+            fmt::format("{}: made for another host: descriptor version {} for machine "
+                        "{:#x}, this host takes version {} for machine {:#x}",
+                        file_.string(), descriptor_->version, descriptor_->machine,
+                        int{HOST_MODULE_VERSION}, int{HOST_MODULE_MACHINE}));
+    }
+    if (descriptor_->startup == nullptr || descriptor_->shutdown == nullptr ||
+        descriptor_->servers == nullptr) {
+        throw LinkError(
+            fmt::format("{}: a damaged plug-in module: its descriptor lacks functions; "
+                        "{}",
+                        file_.string(), kReinstall));
+    }
+}
+
+}  // namespace tavora::studio

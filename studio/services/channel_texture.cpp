@@ -1,0 +1,27 @@
+#include "studio/services/channel_texture.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr std::uintptr_t kChannels = 2;
+
+}  // namespace
+
+const std::optional<TextureUse>& ChannelTexture::use() const {
+    return channel == Channel::BaseColor ? surface->baseColorTexture : surface->translucencyTexture;
+}
+
+HostTextureId textureId(std::size_t surface, Channel channel) {
+    // One more than the number: no texture's identity is null.
+    return reinterpret_cast<HostTextureId>(surface * kChannels +
+                                           static_cast<std::uintptr_t>(channel) + 1);
+}
+
+ChannelTexture findTexture(const Scene& scene, HostTextureId id) {
+    const std::uintptr_t number = reinterpret_cast<std::uintptr_t>(id) - 1;  // wraps for null
+    const std::uintptr_t surface = number / kChannels;
+    if (surface >= scene.surfaces.size()) return {};
+    return {&scene.surfaces[surface], static_cast<Channel>(number % kChannels)};
+}
+
+}  // namespace tavora::studio

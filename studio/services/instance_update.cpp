@@ -1,0 +1,22 @@
+#include "studio/services/instance_update.h"
+
+#include <utility>
+
+#include "studio/services/service_tables.h"
+
+namespace tavora::studio {
+namespace {
+
+InstanceListener currentListener;
+
+}  // namespace
+
+void setInstanceListener(InstanceListener listener) {
+    currentListener = std::move(listener);
+}
+
+void instanceUpdate(const char* className, HostInstance instance) {
+    if (currentListener) currentListener(className, instance);
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,45 @@
+#include "studio/services/service_binding.h"
+#include "studio/services/service_tables.h"
+
+namespace tavora::studio {
+namespace {
+
+void fill(const Imath::V3d& from, double to[3]) {
+    to[0] = from.x;
+    to[1] = from.y;
+    to[2] = from.z;
+}
+
+const LitLight* find(HostItemId light) {
+    const ServiceBinding* binding = ServiceBinding::current();
+    if (binding == nullptr) return nullptr;
+    const std::ptrdiff_t index = lightIndex(binding->lights(), light);
+    return index < 0 ? nullptr : &binding->lights().lights[static_cast<std::size_t>(index)];
+}
+
+/// Lights are those of the frame: a rig is settled for one time.
+void ambient(double /*seconds*/, double color[3]) {
+    const ServiceBinding* binding = ServiceBinding::current();
+    fill(binding == nullptr ? Imath::V3d(0) : binding->lights().ambient, color);
+}
+
+int flags(HostItemId light) {
+    const LitLight* lit = find(light);
+    if (lit == nullptr) return 0;
+    int bits = 0;
+    const bool limited = lit->light->range < std::numeric_limits<float>::infinity();
+    if (limited && ServiceBinding::current()->lights().falloff) bits |= HOST_LIGHT_LIMITED_RANGE;
+    if (!lit->light->makesHighlights) bits |= HOST_LIGHT_NO_SPECULAR;
+    return bits;
+}
+
+void color(HostItemId light, double /*seconds*/, double result[3]) {
+    const LitLight* lit = find(light);
+    fill(lit == nullptr ? Imath::V3d(0) : lit->color, result);
+}
+
+}  // namespace
+
+const HostLightInfo kLightInfo = {ambient, flags, color};
+
+}  // namespace tavora::studio

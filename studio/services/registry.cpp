@@ -1,0 +1,45 @@
+#include "studio/services/registry.h"
+
+#include <cstring>
+
+#include "studio/services/service_tables.h"
+
+namespace tavora::studio {
+namespace {
+
+struct Entry {
+    const char* name;
+    void* service;
+};
+
+template <typename Table>
+void* table(const Table& service) {
+    return const_cast<Table*>(&service);
+}
+
+template <typename Result, typename... Arguments>
+void* function(Result (*service)(Arguments...)) {
+    return reinterpret_cast<void*>(service);
+}
+
+}  // namespace
+
+void* findService(const char* name, int /*useMode*/) {
+    static const Entry entries[] = {
+        {HOST_MULTITHREADING_SERVICE, table(kMultithreading)},
+        {HOST_ITEM_INFO_SERVICE, table(kItemInfo)},
+        {HOST_LIGHT_INFO_SERVICE, table(kLightInfo)},
+        {HOST_MESSAGES_SERVICE, table(kMessages)},
+        {HOST_DIRECTORY_INFO_SERVICE, function(directoryInfo)},
+        {HOST_FILE_IO_SERVICE, table(kFileIo)},
+        {HOST_INSTANCE_UPDATE_SERVICE, function(instanceUpdate)},
+        {HOST_SURFACE_SERVICE, table(kSurfaceFunctions)},
+        {HOST_TEXTURE_SERVICE, table(kTextureFunctions)},
+    };
+    for (const Entry& entry : entries) {
+        if (name != nullptr && std::strcmp(name, entry.name) == 0) return entry.service;
+    }
+    return nullptr;
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,70 @@
+#include "studio/services/scene_index.h"
+
+namespace tavora::studio {
+namespace {
+
+/// Polygon identities: mesh number + 1 in the upper half, triangle in the lower.
+constexpr unsigned kMeshShift = 32;
+
+static_assert(sizeof(std::uintptr_t) == 8, "polygon identities need 64 bits");
+
+}  // namespace
+
+SceneIndex::SceneIndex(const Scene& scene) : scene_(&scene), pyramids_(scene.images.size()) {
+    for (const auto& object : scene.objects) {
+        objects_.emplace(object.get(), static_cast<std::ptrdiff_t>(objects_.size()));
+        for (const Part& part : object->parts) {
+            const auto& surface = scene.surfaces[static_cast<std::size_t>(part.surface)];
+            meshes_.push_back({object.get(), &part, part.mesh.get(), &surface, part.surface});
+        }
+    }
+    for (const Surface& surface : scene.surfaces) {
+        addPyramid(surface.baseColorTexture);
+        addPyramid(surface.emissiveTexture);
+        addPyramid(surface.translucencyTexture);
+    }
+}
+
+void SceneIndex::addPyramid(const std::optional<TextureUse>& use) {
+    if (!use || use->image < 0 || static_cast<std::size_t>(use->image) >= pyramids_.size()) return;
+    const auto number = static_cast<std::size_t>(use->image);
+    const Image& image = scene_->images[number];
+    if (pyramids_[number] != nullptr || image.rgba.empty()) return;
+    pyramids_[number] = std::make_unique<TexturePyramid>(image);
+}
+
+const TexturePyramid* SceneIndex::pyramid(const TextureUse& use) const {
+    const auto image = static_cast<std::size_t>(use.image);
+    return use.image >= 0 && image < pyramids_.size() ? pyramids_[image].get() : nullptr;
+}
+
+std::ptrdiff_t SceneIndex::objectIndex(HostItemId id) const {
+    const auto found = objects_.find(id);
+    return found == objects_.end() ? -1 : found->second;
+}
+
+std::ptrdiff_t SceneIndex::surfaceIndex(HostSurfaceId id) const {
+    const auto first = reinterpret_cast<std::uintptr_t>(scene_->surfaces.data());
+    const auto offset = reinterpret_cast<std::uintptr_t>(id) - first;  // wraps for others
+    if (id == nullptr || offset % sizeof(Surface) != 0) return -1;
+    const std::uintptr_t index = offset / sizeof(Surface);
+    return index < scene_->surfaces.size() ? static_cast<std::ptrdiff_t>(index) : -1;
+}
+
+HostSurfaceId SceneIndex::surfaceId(std::size_t surface) const {
+    return reinterpret_cast<HostSurfaceId>(const_cast<Surface*>(&scene_->surfaces[surface]));
+}
+
+HostPolygonId SceneIndex::polygonId(std::size_t mesh, std::uint32_t triangle) const {
+    return reinterpret_cast<HostPolygonId>((mesh + 1) << kMeshShift | triangle);
+}
+
+SceneTriangle SceneIndex::triangle(HostPolygonId id) const {
+    const auto word = reinterpret_cast<std::uintptr_t>(id);
+    const std::size_t mesh = (word >> kMeshShift) - 1;  // wraps for null
+    const auto number = static_cast<std::uint32_t>(word);
+    if (mesh >= meshes_.size() || number >= meshes_[mesh].mesh->triangles.size()) return {};
+    return {&meshes_[mesh], number};
+}
+
+}  // namespace tavora::studio

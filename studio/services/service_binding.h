@@ -1,0 +1,43 @@
+#pragma once
+
+#include "studio/scene/light_levels.h"
+#include "studio/services/scene_index.h"
+
+namespace tavora::studio {
+
+/// While it lives, services called on this thread answer about its scene and
+/// lights; the binding before it returns when it goes. Both must outlive it.
+class ServiceBinding {
+  public:
+    ServiceBinding(const SceneIndex& scene, const LightRig& lights);
+    ~ServiceBinding();
+    ServiceBinding(const ServiceBinding&) = delete;
+    ServiceBinding& operator=(const ServiceBinding&) = delete;
+
+    /// This thread's binding, or null.
+    static const ServiceBinding* current();
+
+    const SceneIndex& scene() const { return *scene_; }
+    const LightRig& lights() const { return *lights_; }
+
+  private:
+    const SceneIndex* scene_;
+    const LightRig* lights_;
+    const ServiceBinding* before_;
+};
+
+/// Identity of a light: the address of its entry in the rig.
+inline HostItemId itemId(const LitLight& light) {
+    return reinterpret_cast<HostItemId>(const_cast<LitLight*>(&light));
+}
+
+/// Where in `lights.lights` the light stands, or -1 when it is none of them.
+inline std::ptrdiff_t lightIndex(const LightRig& lights, HostItemId id) {
+    const auto first = reinterpret_cast<std::uintptr_t>(lights.lights.data());
+    const auto offset = reinterpret_cast<std::uintptr_t>(id) - first;  // wraps for others
+    if (id == nullptr || offset % sizeof(LitLight) != 0) return -1;
+    const std::uintptr_t index = offset / sizeof(LitLight);
+    return index < lights.lights.size() ? static_cast<std::ptrdiff_t>(index) : -1;
+}
+
+}  // namespace tavora::studio
