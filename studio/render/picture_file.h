@@ -8,18 +8,23 @@ namespace tavora::studio {
 
 enum class PictureDepth { Default, Eight, Sixteen, Half, Float };
 
-/// Whether `file`'s suffix (.png, .exr) and `depth` go together; an error text
-/// or empty. Default: 8 bit for PNG, half for EXR.
+/// How a picture is kept in a file.
 struct PictureFormat {
     enum class Kind { Png, Exr } kind = Kind::Png;
-    PictureDepth depth = PictureDepth::Default;
-    bool alpha = false;  ///< keep the alpha channel
+    PictureDepth depth = PictureDepth::Eight;  ///< never Default; 8 or 16 for PNG
+    bool alpha = false;                        ///< keep the alpha channel
 };
+
+/// The format that `file`'s suffix (.png, .exr) and `depth` make together.
+/// Default: 8 bit for PNG, half for EXR. Throws std::invalid_argument with one
+/// line for another suffix and for a depth that the format has not.
+PictureFormat pictureFormat(const std::filesystem::path& file, PictureDepth depth, bool alpha);
 
 /// Writes a picture: PNG encoded for display (alpha not premultiplied, only the
 /// window's pixels), EXR scene-linear (alpha premultiplied, display window
 /// kept, no date). The file is complete or absent: temporary name in the same
-/// folder, every write checked, flushed to disk, read back, renamed.
+/// folder, every write checked, flushed to disk, read back, renamed. Equal
+/// pictures are equal files.
 /// Throws OutputError.
 void writePicture(const Picture& picture, const std::filesystem::path& file,
                   const PictureFormat& format);
