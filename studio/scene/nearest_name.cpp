@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cctype>
-#include <utility>
 #include <fmt/format.h>
+#include <utility>
 #include <vector>
 
 namespace tavora::studio {

@@ -111,8 +111,8 @@ std::vector<std::string> settleLightList(Settings& settings,
     if (list == "all") list = std::vector<std::string>(sceneLights.begin(), sceneLights.end());
     std::vector<std::string> unknown;
     for (const Settings& name : list) {
-        const bool known = std::find(sceneLights.begin(), sceneLights.end(), name) !=
-                           sceneLights.end();
+        const bool known =
+            std::find(sceneLights.begin(), sceneLights.end(), name) != sceneLights.end();
         if (!known && name != kAmbientLight) unknown.push_back(name);
     }
     return unknown;

@@ -24,7 +24,16 @@ class TexturePyramid {
         int width;
         int height;
         std::vector<std::uint8_t> rgba;
+
+        const std::uint8_t* texel(int x, int y) const {
+            const auto row = static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
+            return &rgba[(row + static_cast<std::size_t>(x)) * 4];
+        }
     };
+    static Level halved(const Level& from);
+    static Imath::V4d nearest(const Level& level, const TextureUse& use, Imath::V2d uv);
+    static Imath::V4d bilinear(const Level& level, const TextureUse& use, Imath::V2d uv);
+
     std::vector<Level> levels_;
 };
 

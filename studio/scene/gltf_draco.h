@@ -1,0 +1,27 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <map>
+#include <string>
+#include <vector>
+
+#include "studio/scene/gltf_accessor.h"
+
+namespace tavora::studio {
+
+/// A primitive that was stored compressed: its triangles and, by attribute
+/// name, one value a vertex.
+struct DracoPrimitive {
+    std::vector<std::uint32_t> indices;
+    std::map<std::string, FloatTable> attributes;
+};
+
+/// Whether the primitive is stored with KHR_draco_mesh_compression.
+bool isDraco(const tinygltf::Primitive& primitive);
+
+/// Decodes it. Throws SceneError that starts with `where`.
+DracoPrimitive readDraco(const GltfSource& source, const tinygltf::Primitive& primitive,
+                         const std::string& where);
+
+}  // namespace tavora::studio

@@ -1,0 +1,120 @@
+#include "studio/scene/light_levels.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+#include "studio/scene/color.h"
+#include "studio/scene/default_view.h"
+
+namespace tavora::studio {
+namespace {
+
+using Imath::V3d;
+
+constexpr double kNearest = 0.05;  // of the scene's size: lights no nearer to its centre
+
+double sizeOf(const Scene& scene) {
+    return scene.bounds.isEmpty() ? 1.0 : std::max(scene.bounds.size().length(), 1e-30);
+}
+
+V3d centreOf(const Scene& scene) {
+    return scene.bounds.isEmpty() ? V3d(0) : scene.bounds.center();
+}
+
+/// Squared distance at which a light's level is taken.
+double levelDistance2(const Light& light, const Scene& scene) {
+    const double nearest = kNearest * sizeOf(scene);
+    return std::max((light.position - centreOf(scene)).length2(), nearest * nearest);
+}
+
+/// Physical strength at the centre of the scene, for the brightest channel.
+double strengthAtCentre(const Light& light, const Scene& scene) {
+    const double peak = std::max({light.color.x, light.color.y, light.color.z, 0.0F});
+    const double strength = std::max(0.0, static_cast<double>(light.intensity)) * peak;
+    return light.kind == LightKind::Directional ? strength
+                                                : strength / levelDistance2(light, scene);
+}
+
+/// The light's hue, display-referred, its brightest channel 1.
+V3d hueOf(const Light& light) {
+    const V3d color(std::max(light.color.x, 0.0F), std::max(light.color.y, 0.0F),
+                    std::max(light.color.z, 0.0F));
+    const double peak = std::max({color.x, color.y, color.z});
+    if (!(peak > 0)) return V3d(0);
+    return V3d(toEncoded(color.x / peak), toEncoded(color.y / peak), toEncoded(color.z / peak));
+}
+
+LitLight settle(const Light& light, const Scene& scene, double exposure) {
+    LitLight lit;
+    lit.light = &light;
+    lit.color = hueOf(light) * (strengthAtCentre(light, scene) * exposure);
+    lit.scale = light.kind == LightKind::Directional ? 1.0 : levelDistance2(light, scene);
+    return lit;
+}
+
+double automaticExposure(const std::vector<const Light*>& lights, const Scene& scene) {
+    double brightest = 0;
+    for (const Light* light : lights)
+        brightest = std::max(brightest, strengthAtCentre(*light, scene));
+    return brightest > 0 && std::isfinite(brightest) ? 1.0 / brightest : 1.0;
+}
+
+double smoothCone(const Light& light, double cosine) {
+    const double inner = std::cos(static_cast<double>(light.innerCone));
+    const double outer = std::cos(static_cast<double>(light.outerCone));
+    const double t = (cosine - outer) / std::max(inner - outer, 1e-3);
+    const double clamped = std::clamp(t, 0.0, 1.0);
+    return clamped * clamped;
+}
+
+/// The range window of KHR_lights_punctual.
+double rangeWindow(const Light& light, double distance) {
+    if (!std::isfinite(light.range)) return 1.0;
+    const double ratio = distance / static_cast<double>(light.range);
+    return std::clamp(1.0 - ratio * ratio * ratio * ratio, 0.0, 1.0);
+}
+
+}  // namespace
+
+LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options) {
+    LightRig rig;
+    rig.falloff = options.falloff;
+    std::vector<const Light*> lights;
+    for (const auto& light : scene.lights)
+        lights.push_back(light.get());
+    double defaultAmbient = 0;
+    if (lights.empty()) {
+        rig.own.push_back(std::make_unique<const Light>(keyLight(camera)));
+        lights.push_back(rig.own.back().get());
+        defaultAmbient = kDefaultAmbient;
+    }
+    const double exposure = options.exposure.value_or(automaticExposure(lights, scene));
+    for (const Light* light : lights)
+        rig.lights.push_back(settle(*light, scene, exposure));
+    rig.ambient = options.ambient.value_or(scene.ambient.value_or(V3d(defaultAmbient)));
+    return rig;
+}
+
+double arrivingLight(const LightRig& rig, const LitLight& lit, const V3d& position, V3d& direction,
+                     V3d& color) {
+    const Light& light = *lit.light;
+    color = lit.color;
+    if (light.kind == LightKind::Directional) {
+        direction = light.direction;
+        return std::numeric_limits<double>::infinity();
+    }
+    const V3d way = position - light.position;
+    const double distance = way.length();
+    direction = distance > 0 ? way / distance : light.direction;
+    double level = 1;
+    if (light.kind == LightKind::Spot) level *= smoothCone(light, direction.dot(light.direction));
+    if (rig.falloff) {
+        level *= rangeWindow(light, distance) * lit.scale / std::max(distance * distance, 1e-12);
+    }
+    if (!(level > 0)) return -1;
+    color *= level;
+    return distance;
+}
+
+}  // namespace tavora::studio
