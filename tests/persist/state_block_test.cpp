@@ -13,11 +13,6 @@
 namespace tavora::testing {
 namespace {
 
-/// The record's own bits, pointers included.
-std::string stateOf(const ShaderInstance& record) {
-    return std::string(reinterpret_cast<const char*>(&record), sizeof record);
-}
-
 // All settings are values of 32 bits without gaps, in the record and in a zone.
 constexpr std::size_t settingsSize =
     offsetof(ShaderInstance, activeTab) - offsetof(ShaderInstance, highlightOutlineEnable);
@@ -87,12 +82,12 @@ TEST_F(StateBlock, EveryPrefixLeavesTheRecordAsItWas) {
     chooseLights(*record, {"Own"});
     record->zoneCursor = nullptr;
     host.errors.reserve(1);
-    const std::string before = stateOf(*record);
+    const std::string before = bytesOf(*record);
     const long live = liveAllocations();
     for (std::size_t length = 0; length < block.size(); ++length) {
         host.errors.clear();
         load(record.get(), block, length);
-        ASSERT_EQ(stateOf(*record), before) << length;
+        ASSERT_EQ(bytesOf(*record), before) << length;
         ASSERT_EQ(host.errors.size(), 1u) << length;
     }
     host.errors.clear();
@@ -100,14 +95,14 @@ TEST_F(StateBlock, EveryPrefixLeavesTheRecordAsItWas) {
     EXPECT_EQ(lightsOf(*record), std::vector<std::string>{"Own"});
     EXPECT_EQ(zonesOf(*record).size(), 5u);
     load(record.get(), block);
-    EXPECT_NE(stateOf(*record), before);
+    EXPECT_NE(bytesOf(*record), before);
 }
 
 TEST_F(StateBlock, WithoutMemoryTheRecordStaysAsItWas) {
     Record source = newRecord();
     chooseLights(*source, {"Key", "Rim"});
     const StateItems block = save(source.get());
-    const std::string before = stateOf(*record);
+    const std::string before = bytesOf(*record);
     host.errors.reserve(1);
     for (int failing = 0; failing < 7; ++failing) {  // five zones, two lights
         const long live = liveAllocations();
@@ -115,7 +110,7 @@ TEST_F(StateBlock, WithoutMemoryTheRecordStaysAsItWas) {
             const AllocationWatch watch(failing);
             load(record.get(), block);
         }
-        EXPECT_EQ(stateOf(*record), before) << failing;
+        EXPECT_EQ(bytesOf(*record), before) << failing;
         EXPECT_EQ(host.errors.size(), 1u);
         host.errors.clear();
         EXPECT_EQ(liveAllocations(), live);

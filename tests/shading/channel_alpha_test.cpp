@@ -1,19 +1,12 @@
 #include "shading/channel_alpha.h"
 
 #include <algorithm>
-#include <cstring>
 #include <gtest/gtest.h>
 
 #include "tests/support/fake_host.h"
 
 namespace tavora::testing {
 namespace {
-
-/// Whether two fields of one type hold the same bits.
-template <class Field>
-bool same(const Field& a, const Field& b) {
-    return std::memcmp(&a, &b, sizeof a) == 0;
-}
 
 /// A sample with a different value in every byte's neighbourhood.
 HostSample distinctSample() {
@@ -56,16 +49,16 @@ TEST(ChannelAlpha, DescribesThePointToTheTexture) {
     EXPECT_EQ(cb_getCOLRApha(record.get(), &sample), -0.5) << "not clamped";
     EXPECT_EQ(host.textureSurface, record->context);
     const HostTexturePoint& point = host.texturePoint;
-    EXPECT_TRUE(same(point.objectPosition, sample.objectPosition));
-    EXPECT_TRUE(same(point.worldPosition, sample.worldPosition));
-    EXPECT_TRUE(same(point.geometricNormal, sample.geometricNormal));
-    EXPECT_TRUE(same(point.worldNormal, sample.worldNormal));
-    EXPECT_TRUE(same(point.raySource, sample.raySource));
-    EXPECT_TRUE(same(point.objectTransform, sample.objectTransform));
-    EXPECT_TRUE(same(point.worldTransform, sample.worldTransform));
-    EXPECT_TRUE(same(point.vertexIds, sample.vertexIds));
-    EXPECT_TRUE(same(point.vertexWeights, sample.vertexWeights));
-    EXPECT_TRUE(same(point.vertexPositions, sample.vertexPositions));
+    EXPECT_EQ(bytesOf(point.objectPosition), bytesOf(sample.objectPosition));
+    EXPECT_EQ(bytesOf(point.worldPosition), bytesOf(sample.worldPosition));
+    EXPECT_EQ(bytesOf(point.geometricNormal), bytesOf(sample.geometricNormal));
+    EXPECT_EQ(bytesOf(point.worldNormal), bytesOf(sample.worldNormal));
+    EXPECT_EQ(bytesOf(point.raySource), bytesOf(sample.raySource));
+    EXPECT_EQ(bytesOf(point.objectTransform), bytesOf(sample.objectTransform));
+    EXPECT_EQ(bytesOf(point.worldTransform), bytesOf(sample.worldTransform));
+    EXPECT_EQ(bytesOf(point.vertexIds), bytesOf(sample.vertexIds));
+    EXPECT_EQ(bytesOf(point.vertexWeights), bytesOf(sample.vertexWeights));
+    EXPECT_EQ(bytesOf(point.vertexPositions), bytesOf(sample.vertexPositions));
     EXPECT_TRUE(std::equal(layerScale.begin(), layerScale.end(), point.objectScale));
     EXPECT_EQ(Vec({point.rayDirection[0], point.rayDirection[1], point.rayDirection[2]}),
               (Vec{1, 0, 0}));

@@ -234,12 +234,12 @@ TEST_F(Evaluation, WritesNothingElseAndNothingWithoutItems) {
     after.diffuse = before.diffuse;
     after.specular = before.specular;
     after.transparency = before.transparency;
-    EXPECT_EQ(std::memcmp(&after, &before, sizeof after), 0);
+    EXPECT_EQ(bytesOf(after), bytesOf(before));
 
     iteminfo = nullptr;
     host.lockLog.clear();
     after = evaluated(sample);
-    EXPECT_EQ(std::memcmp(&after, &before, sizeof after), 0);
+    EXPECT_EQ(bytesOf(after), bytesOf(before));
     EXPECT_EQ(host.lockLog, "");
 }
 

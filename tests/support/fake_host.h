@@ -83,6 +83,12 @@ Zone greyZone(float position, float grey);
 HostSample upwardSample(Vec color = {0.2, 0.4, 0.6});
 Vec colorOf(const HostSample& sample);
 
+/// The bits of a value, to compare all of it, whatever they mean.
+template <class Value>
+std::string bytesOf(const Value& value) {
+    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
 /// An identity that stands for nothing.
 template <class Id>
 Id identity(std::uintptr_t number) {
