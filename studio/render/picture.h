@@ -24,10 +24,14 @@ struct Picture {
     PixelBox window;          ///< the part that `rgba` holds
     std::vector<float> rgba;  ///< rows of the window from the top, 4 floats a pixel
 
-    const float* pixel(int x, int y) const {
+    const float* pixel(int x, int y) const { return &rgba[offset(x, y)]; }
+    float* pixel(int x, int y) { return &rgba[offset(x, y)]; }
+
+  private:
+    std::size_t offset(int x, int y) const {
         const auto row = static_cast<std::size_t>(y - window.top);
         const auto column = static_cast<std::size_t>(x - window.left);
-        return &rgba[(row * static_cast<std::size_t>(window.width()) + column) * 4];
+        return (row * static_cast<std::size_t>(window.width()) + column) * 4;
     }
 };
 

@@ -1,0 +1,101 @@
+#include "studio/render/lanes.h"
+
+#include <chrono>
+#include <condition_variable>
+#include <exception>
+#include <mutex>
+#include <thread>
+#include <vector>
+
+namespace tavora::studio {
+namespace {
+
+constexpr std::chrono::milliseconds kWatchInterval{50};
+
+/// What the threads share.
+class Crew {
+  public:
+    Crew(std::size_t lanes, std::size_t jobs) : working_(lanes), jobs_(jobs) {}
+
+    void work(std::size_t lane, const std::function<void(std::size_t, std::size_t)>& job) {
+        try {
+            for (;;) {
+                const std::size_t next = next_.fetch_add(1);
+                if (next >= jobs_ || stopped_) break;
+                job(lane, next);
+                finished(1, 0);
+            }
+        } catch (...) {
+            fail(std::current_exception());
+        }
+        finished(0, 1);
+    }
+
+    /// Returns when no thread works any more.
+    void watch(const std::function<bool(std::size_t)>& report) {
+        std::unique_lock lock(mutex_);
+        while (working_ > 0) {
+            changed_.wait_for(lock, kWatchInterval);
+            const std::size_t done = done_;
+            lock.unlock();
+            callWatch(report, done);
+            lock.lock();
+        }
+    }
+
+    void rethrow() const {
+        if (error_) std::rethrow_exception(error_);
+    }
+
+    bool allDone() const { return done_ == jobs_; }
+
+  private:
+    void finished(std::size_t jobs, std::size_t lanes) {
+        const std::lock_guard lock(mutex_);
+        done_ += jobs;
+        working_ -= lanes;
+        changed_.notify_one();
+    }
+
+    void fail(const std::exception_ptr& error) {
+        const std::lock_guard lock(mutex_);
+        if (!error_) error_ = error;
+        stopped_ = true;
+    }
+
+    void callWatch(const std::function<bool(std::size_t)>& report, std::size_t done) {
+        if (stopped_) return;
+        try {
+            if (!report(done)) stopped_ = true;
+        } catch (...) {
+            fail(std::current_exception());
+        }
+    }
+
+    std::mutex mutex_;
+    std::condition_variable changed_;
+    std::size_t working_;
+    std::size_t done_ = 0;
+    const std::size_t jobs_;
+    std::exception_ptr error_;
+    std::atomic<std::size_t> next_{0};
+    std::atomic<bool> stopped_{false};
+};
+
+}  // namespace
+
+bool runLanes(std::size_t lanes, std::size_t jobs,
+              const std::function<void(std::size_t lane, std::size_t job)>& work,
+              const std::function<bool(std::size_t done)>& watch) {
+    Crew crew(lanes, jobs);
+    {
+        std::vector<std::jthread> threads;
+        for (std::size_t lane = 0; lane < lanes; ++lane)
+            threads.emplace_back([&crew, &work, lane] { crew.work(lane, work); });
+        crew.watch(watch);
+    }
+    crew.rethrow();
+    return crew.allDone();
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,96 @@
+#include "studio/render/light_arrivals.h"
+
+#include <cmath>
+
+namespace tavora::studio {
+namespace {
+
+/// Shadow rays end a little before the light.
+constexpr double kAlmost = 1 - 1e-6;
+
+}  // namespace
+
+LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
+    : scene_(&scene), lights_(&lights), slots_(lights.lights.size()) {}
+
+void LightArrivals::start(const SurfacePoint& point) {
+    point_ = &point;
+    ++sample_;
+}
+
+void LightArrivals::prepare() {
+    for (std::size_t light = 0; light < slots_.size(); ++light) {
+        if (cosine(light) > 0) settle(slots_[light]);
+    }
+}
+
+double LightArrivals::cosine(std::size_t light) {
+    const Slot& slot = meet(light);
+    return slot.distance >= 0 ? -slot.arrival.direction.dot(point_->normal) : 0;
+}
+
+const LightArrival& LightArrivals::at(std::size_t light) {
+    Slot& slot = meet(light);
+    settle(slot);
+    return slot.arrival;
+}
+
+LightArrival LightArrivals::elsewhere(std::size_t light, const Imath::V3d& position) {
+    Slot slot;
+    slot.distance = arrivingLight(*lights_, lights_->lights[light], position,
+                                  slot.arrival.direction, slot.arrival.color);
+    if (!(slot.distance >= 0)) return slot.arrival;
+    const double nearest = 4 * roundingMargin(magnitudeOf(position));
+    const double share = passing(position, position, slot, nearest, 0);
+    slot.arrival.lit = share > 0;
+    slot.arrival.color *= share;
+    return slot.arrival;
+}
+
+LightArrivals::Slot& LightArrivals::meet(std::size_t light) {
+    Slot& slot = slots_[light];
+    if (slot.metAt == sample_) return slot;
+    slot.metAt = sample_;
+    slot.arrival.lit = false;
+    slot.distance = arrivingLight(*lights_, lights_->lights[light], point_->position,
+                                  slot.arrival.direction, slot.arrival.color);
+    return slot;
+}
+
+void LightArrivals::settle(Slot& slot) {
+    if (slot.settledAt == sample_) return;
+    slot.settledAt = sample_;
+    if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return;
+    if (startFoundAt_ != sample_) {
+        start_ = shadowStart(*point_);
+        startFoundAt_ = sample_;
+    }
+    const double share = passing(start_, point_->position, slot, 0, point_->spotSize);
+    slot.arrival.lit = share > 0;
+    slot.arrival.color *= share;
+}
+
+bool LightArrivals::isBehind(const Imath::V3d& direction) const {
+    return direction.dot(point_->normal) >= 0 && direction.dot(point_->geometricNormal) >= 0;
+}
+
+/// Share of the light that comes from the light that reaches `lit` to `start`.
+double LightArrivals::passing(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot,
+                              double nearest, double spot) {
+    Ray ray;
+    ray.origin = start;
+    ray.direction = -slot.arrival.direction;
+    ray.nearest = nearest;
+    ray.spot = spot;
+    if (std::isfinite(slot.distance)) {
+        const Imath::V3d toLight = lit - slot.arrival.direction * slot.distance - start;
+        const double length = toLight.length();
+        if (!(length > nearest)) return 1;
+        ray.direction = toLight / length;
+        ray.farthest = length * kAlmost;
+    }
+    ++shadowRays_;
+    return scene_->transmittance(ray);
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,73 @@
+#pragma once
+
+#include <ImathVec.h>
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "studio/render/ray_scene.h"
+#include "studio/render/surface_point.h"
+#include "studio/scene/light_levels.h"
+
+namespace tavora::studio {
+
+/// What one light brings to one place, shadows counted in.
+struct LightArrival {
+    bool lit = false;         ///< the light reaches the place; else the rest is unspecified
+    Imath::V3d direction{0};  ///< unit, the way the light travels
+    Imath::V3d color{0};      ///< display-referred
+};
+
+/// The lights at one sample after the other. Each light is worked out at most
+/// once a sample. One thread at a time.
+///
+/// A light behind both the polygon and its interpolated normal does not reach
+/// the side that is seen: the surface itself is in the way.
+class LightArrivals {
+  public:
+    /// Both must outlive it.
+    LightArrivals(const RayScene& scene, const LightRig& lights);
+
+    /// Forgets the sample before. `point` must outlive the sample.
+    void start(const SurfacePoint& point);
+
+    /// Works out all lights that the interpolated normal faces.
+    void prepare();
+
+    /// How far the interpolated normal faces the light: 1 straight, 0 and below
+    /// not, or where the light is dark anyway. Traces nothing.
+    double cosine(std::size_t light);
+
+    /// The light at a place of LightRig::lights.
+    const LightArrival& at(std::size_t light);
+
+    /// The light at any place in the world, which need not be on a surface;
+    /// nothing is kept.
+    LightArrival elsewhere(std::size_t light, const Imath::V3d& position);
+
+    std::uint64_t shadowRays() const { return shadowRays_; }
+
+  private:
+    struct Slot {
+        LightArrival arrival;
+        double distance = 0;          ///< to the light; negative where it is dark
+        std::uint64_t metAt = 0;      ///< sample in which direction and distance were found
+        std::uint64_t settledAt = 0;  ///< sample in which the shadow was
+    };
+    Slot& meet(std::size_t light);
+    void settle(Slot& slot);
+    bool isBehind(const Imath::V3d& direction) const;
+    double passing(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot, double nearest,
+                   double spot);
+
+    const RayScene* scene_;
+    const LightRig* lights_;
+    std::vector<Slot> slots_;
+    const SurfacePoint* point_ = nullptr;
+    Imath::V3d start_;
+    std::uint64_t sample_ = 0;
+    std::uint64_t startFoundAt_ = 0;
+    std::uint64_t shadowRays_ = 0;
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,54 @@
+#include "studio/render/mesh_geometry.h"
+
+namespace tavora::studio {
+namespace {
+
+Imath::V3d row(const Imath::M44d& matrix, int i) {
+    return {matrix[i][0], matrix[i][1], matrix[i][2]};
+}
+
+/// The cofactors of the upper left part, which transform normals also where
+/// the matrix flattens space and has no inverse.
+Imath::M33d normalMatrix(const Imath::M44d& matrix, bool mirrored) {
+    const double sign = mirrored ? -1 : 1;
+    const Imath::V3d x = row(matrix, 1).cross(row(matrix, 2)) * sign;
+    const Imath::V3d y = row(matrix, 2).cross(row(matrix, 0)) * sign;
+    const Imath::V3d z = row(matrix, 0).cross(row(matrix, 1)) * sign;
+    return {x.x, x.y, x.z, y.x, y.y, y.z, z.x, z.y, z.z};
+}
+
+/// Imath multiplies row vectors; the records of modules hold one row for each
+/// component of the result.
+void fillRows(const Imath::M44d& matrix, double rows[9]) {
+    for (int i = 0; i < 3; ++i) {
+        for (int j = 0; j < 3; ++j)
+            rows[3 * i + j] = matrix[j][i];
+    }
+}
+
+std::vector<Imath::V3f> worldVertices(const Mesh& mesh, const Imath::M44d& objectToWorld) {
+    std::vector<Imath::V3f> vertices;
+    vertices.reserve(mesh.positions.size() + 1);
+    for (const Imath::V3f& position : mesh.positions)
+        vertices.emplace_back(Imath::V3d(position) * objectToWorld);
+    vertices.emplace_back(0.0F);
+    return vertices;
+}
+
+}  // namespace
+
+MeshGeometry placeMesh(const SceneMesh& source, std::size_t number) {
+    const Object& object = *source.object;
+    MeshGeometry geometry;
+    geometry.source = &source;
+    geometry.number = number;
+    geometry.vertices = worldVertices(*source.mesh, object.objectToWorld);
+    geometry.worldToObject = object.objectToWorld.inverse();
+    geometry.normalToWorld = normalMatrix(object.objectToWorld, object.mirrored);
+    geometry.facing = object.mirrored ? -1 : 1;
+    fillRows(geometry.worldToObject, geometry.objectTransform);
+    fillRows(object.objectToWorld, geometry.worldTransform);
+    return geometry;
+}
+
+}  // namespace tavora::studio

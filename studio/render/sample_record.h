@@ -1,0 +1,35 @@
+#pragma once
+
+#include "host/sample.h"
+#include "studio/render/ray_scene.h"
+#include "studio/render/surface_point.h"
+#include "studio/render/surface_traits.h"
+
+namespace tavora::studio {
+
+/// Where a viewing or traced ray starts, as modules see it.
+struct Viewpoint {
+    Imath::V3d position{0, 0, 0};
+    Imath::V3d direction{0, 0, -1};  ///< unit, of the ray
+};
+
+/// Fills every field of `record` but the callbacks.
+void fillRecord(const RayScene& scene, const SurfacePoint& point, const Viewpoint& from,
+                const OwnColor& own, double specular, HostSample& record);
+
+/// What a shader may change in a record.
+struct SampleValues {
+    Imath::V3d color{0, 0, 0};
+    double luminosity = 0;
+    double diffuse = 0;
+    double specular = 0;
+    double transparency = 0;  ///< 0..1
+};
+
+SampleValues valuesOf(const HostSample& record);
+
+/// What remains in `record` of a shader's work: only what its `flags` name, the
+/// rest as `before`; and no value that is not a number or infinite.
+void takeBack(const SampleValues& before, unsigned flags, HostSample& record);
+
+}  // namespace tavora::studio

@@ -1,0 +1,186 @@
+#include "studio/render/sample_shader.h"
+
+#include <cmath>
+
+#include "host/handler.h"
+#include "studio/render/light_arrivals.h"
+#include "studio/render/scattering.h"
+#include "studio/render/surface_point.h"
+#include "studio/services/service_binding.h"
+
+namespace tavora::studio {
+namespace {
+
+/// The shader that works on this thread: callbacks of records carry no data.
+thread_local SampleShader* working = nullptr;
+
+Imath::V3d vector(const double v[3]) {
+    return {v[0], v[1], v[2]};
+}
+
+void fill(const Imath::V3d& from, double to[3]) {
+    to[0] = from.x;
+    to[1] = from.y;
+    to[2] = from.z;
+}
+
+/// The last ray that a sample's shader traced. Shaders may ask for the same
+/// one again and again, and each answer may cost as many inside.
+struct Traced {
+    bool valid = false;
+    Viewpoint from;
+    double distance = -1;
+    HostSample hit{};
+};
+
+/// Directions that differ by rounding only.
+bool isSameDirection(const Imath::V3d& a, const Imath::V3d& b) {
+    return a.dot(b) > 1 - 1e-10;
+}
+
+}  // namespace
+
+/// One sample at work, and what is kept at hand for its callbacks.
+struct SampleShader::Level {
+    Level(const RayScene& scene, const LightRig& rig) : lights(scene, rig) {}
+
+    Ray ray;
+    HitKey hit;
+    SurfacePoint point;
+    LightArrivals lights;
+    HostSample record{};  ///< of camera samples; traced ones belong to their caller
+    bool mayTrace = false;
+    Traced traced;
+};
+
+SampleShader::SampleShader(const RayScene& scene, const LightRig& lights,
+                           const LaneShaders& shaders)
+    : scene_(&scene), lights_(&lights), shaders_(&shaders) {
+    for (std::size_t depth = 0; depth <= kDeepestTrace; ++depth)
+        levels_.push_back(std::make_unique<Level>(scene, lights));
+}
+
+SampleShader::~SampleShader() = default;
+
+std::uint64_t SampleShader::shadowRays() const {
+    std::uint64_t sum = 0;
+    for (const auto& level : levels_)
+        sum += level->lights.shadowRays();
+    return sum;
+}
+
+bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
+                             Appearance& appearance) {
+    working = this;
+    Level& level = *levels_.front();
+    level.ray = ray;
+    OwnColor own;
+    if (!findVisible(level, after, own)) return false;
+    hit = level.hit;
+    appearance = shade(level, {ray.origin, ray.direction}, own, level.record);
+    return true;
+}
+
+bool SampleShader::findVisible(Level& level, HitKey after, OwnColor& own) const {
+    while (scene_->nextHit(level.ray, after, level.hit)) {
+        level.point = surfacePoint(*scene_, level.ray, level.hit);
+        const int surface = level.point.geometry->source->surfaceIndex;
+        own = ownColor(scene_->index(), scene_->traits(surface), level.point.texturePlace());
+        if (own.alpha > 0) return true;
+        after = level.hit;
+    }
+    return false;
+}
+
+Appearance SampleShader::shade(Level& level, const Viewpoint& from, const OwnColor& own,
+                               HostSample& record) {
+    const int surface = level.point.geometry->source->surfaceIndex;
+    const SurfaceTraits& traits = scene_->traits(surface);
+    const ActiveShader active = shaders_->of(surface);
+    const double specular = active.shader != nullptr ? traits.specular : 0;
+    level.lights.start(level.point);
+    fillRecord(*scene_, level.point, from, own, specular, record);
+    record.illuminate = illuminate;
+    record.traceAndShade = traceAndShade;
+    if (active.shader != nullptr) evaluate(level, active, record);
+
+    const SampleValues values = valuesOf(record);
+    const Imath::V3d shown =
+        shownColor(values, traits.exponent, level.point, -from.direction, *lights_, level.lights);
+    const bool sound = std::isfinite(shown.x + shown.y + shown.z);
+    return {sound ? shown : Imath::V3d(0), values.transparency};
+}
+
+void SampleShader::evaluate(Level& level, const ActiveShader& active, HostSample& record) {
+    level.lights.prepare();
+    level.mayTrace = (active.flags & HOST_SHADER_RAYTRACE) != 0;
+    level.traced.valid = false;
+    const SampleValues before = valuesOf(record);
+    ++evaluations_;
+    active.shader->evaluate(record);
+    takeBack(before, active.flags, record);
+}
+
+int SampleShader::illuminate(HostItemId light, const double position[3], double direction[3],
+                             double color[3]) {
+    Level& level = *working->levels_[working->depth_];
+    const std::ptrdiff_t index = lightIndex(*working->lights_, light);
+    if (index < 0) return 0;
+    const auto number = static_cast<std::size_t>(index);
+    const bool here = vector(position) == level.point.position;
+    const LightArrival arrival =
+        here ? level.lights.at(number) : level.lights.elsewhere(number, vector(position));
+    if (!arrival.lit) return 0;
+    fill(arrival.direction, direction);
+    fill(arrival.color, color);
+    return 1;
+}
+
+double SampleShader::traceAndShade(const double position[3], const double direction[3],
+                                   HostSample* hit) {
+    const Imath::V3d along = vector(direction);
+    const double length = along.length();
+    if (!(length > 0 && std::isfinite(length))) return -1;
+    return working->trace({vector(position), along / length}, *hit);
+}
+
+double SampleShader::trace(const Viewpoint& from, HostSample& hit) {
+    Level& outer = *levels_[depth_];
+    if (!outer.mayTrace || depth_ >= kDeepestTrace) return -1;
+    Traced& traced = outer.traced;
+    const bool known = traced.valid && traced.from.position == from.position &&
+                       traced.from.direction == from.direction;
+    if (!known) {
+        traced.from = from;
+        ++depth_;
+        traced.distance = traceAnew(outer, from, traced.hit);
+        --depth_;
+        traced.valid = true;
+    }
+    if (traced.distance >= 0) hit = traced.hit;
+    return traced.distance;
+}
+
+double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSample& hit) {
+    Level& level = *levels_[depth_];
+    HitKey after;
+    if (from.position == outer.point.position &&
+        isSameDirection(from.direction, outer.ray.direction)) {
+        // The viewing ray goes on: what it passed is known exactly.
+        level.ray = outer.ray;
+        after = outer.hit;
+    } else {
+        level.ray = Ray{};
+        level.ray.origin = from.position;
+        level.ray.direction = from.direction;
+        level.ray.nearest = 4 * roundingMargin(magnitudeOf(from.position));
+        level.ray.spot = outer.point.spotSize;
+        level.ray.spread = outer.ray.spread;
+    }
+    OwnColor own;
+    if (!findVisible(level, after, own)) return -1;
+    fill(shade(level, from, own, hit).color, hit.color);
+    return (level.point.position - from.position).length();
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,69 @@
+#pragma once
+
+#include <ImathVec.h>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "host/sample.h"
+#include "studio/render/lane_shaders.h"
+#include "studio/render/ray_scene.h"
+#include "studio/render/sample_record.h"
+#include "studio/render/surface_traits.h"
+#include "studio/scene/light_levels.h"
+
+namespace tavora::studio {
+
+/// How a surface shows along a ray, display-referred.
+struct Appearance {
+    Imath::V3d color{0, 0, 0};
+    double transparency = 0;  ///< 0..1
+};
+
+/// Rays that shaders trace may meet surfaces whose shaders trace again, so deep.
+inline constexpr std::size_t kDeepestTrace = 8;
+
+/// Shades samples for one render thread: fills the record, lets the surface's
+/// shader work on it, answers its callbacks, adds what light the surface
+/// scatters. Used on one thread, with its ServiceBinding in place. Allocates
+/// nothing once made.
+class SampleShader {
+  public:
+    /// All must outlive it.
+    SampleShader(const RayScene& scene, const LightRig& lights, const LaneShaders& shaders);
+    ~SampleShader();
+    SampleShader(const SampleShader&) = delete;
+    SampleShader& operator=(const SampleShader&) = delete;
+
+    /// Shades the first surface along `ray` after the hit `after` that is not
+    /// wholly clear where it is hit, and says in `hit` which one it was.
+    /// False when there is none.
+    bool shadeNext(const Ray& ray, const HitKey& after, HitKey& hit, Appearance& appearance);
+
+    std::uint64_t evaluations() const { return evaluations_; }
+    std::uint64_t shadowRays() const;
+
+  private:
+    struct Level;
+
+    bool findVisible(Level& level, HitKey after, OwnColor& own) const;
+    Appearance shade(Level& level, const Viewpoint& from, const OwnColor& own, HostSample& record);
+    void evaluate(Level& level, const ActiveShader& active, HostSample& record);
+
+    /// The callbacks of records reach the shader that works on their thread.
+    static int illuminate(HostItemId light, const double position[3], double direction[3],
+                          double color[3]);
+    static double traceAndShade(const double position[3], const double direction[3],
+                                HostSample* hit);
+    double trace(const Viewpoint& from, HostSample& hit);
+    double traceAnew(const Level& outer, const Viewpoint& from, HostSample& hit);
+
+    const RayScene* scene_;
+    const LightRig* lights_;
+    const LaneShaders* shaders_;
+    std::vector<std::unique_ptr<Level>> levels_;  ///< the camera's sample, then nested ones
+    std::size_t depth_ = 0;                       ///< of the sample being shaded
+    std::uint64_t evaluations_ = 0;
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,19 @@
+#pragma once
+
+#include <ImathVec.h>
+
+#include "studio/render/light_arrivals.h"
+#include "studio/render/sample_record.h"
+#include "studio/render/surface_point.h"
+#include "studio/scene/light_levels.h"
+
+namespace tavora::studio {
+
+/// What a sample's values show, display-referred: its colour by its own
+/// luminosity and by the light it scatters (Lambert), and the glossy reflection
+/// of the lights (Blinn, "Models of light reflection", 1977, with the cosine
+/// lobe `exponent`). `toViewer` is a unit vector.
+Imath::V3d shownColor(const SampleValues& values, double exponent, const SurfacePoint& point,
+                      const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights);
+
+}  // namespace tavora::studio

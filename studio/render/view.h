@@ -1,0 +1,28 @@
+#pragma once
+
+#include "studio/render/ray_scene.h"
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// From places in the picture to viewing rays. Immutable; any thread.
+class View {
+  public:
+    /// A picture of `width` x `height` pixels, upright field as the camera's,
+    /// with `samples` samples a pixel.
+    View(const Camera& camera, int width, int height, int samples);
+
+    /// `x` to the right and `y` down, in pixels from the upper left corner.
+    Ray rayThrough(double x, double y) const;
+
+  private:
+    Imath::V3d right_;   ///< one pixel to the right, at distance 1 or in the plane of view
+    Imath::V3d down_;    ///< one pixel down
+    Imath::V3d corner_;  ///< from the eye to the upper left corner
+    Imath::V3d eye_;
+    Imath::V3d forward_;  ///< unit
+    bool orthographic_;
+    double footprint_;  ///< of a sample, at distance 1 or everywhere
+};
+
+}  // namespace tavora::studio
