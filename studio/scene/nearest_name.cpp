@@ -60,8 +60,9 @@ std::string nearestNames(std::string_view name, std::span<const std::string> kno
     for (const std::string& candidate : known) {
         const std::string lower = lowered(candidate.substr(0, kMostCompared));
         const std::size_t away = distance(wanted, lower);
-        const std::size_t tolerated = 2 + std::max(wanted.size(), lower.size()) / 4;
-        if (away <= tolerated && away <= lower.size()) near.emplace_back(away, candidate);
+        // One slip, and one more for every four letters beyond the first four.
+        const std::size_t tolerated = 1 + std::max<std::size_t>(1, wanted.size() / 4);
+        if (away <= tolerated) near.emplace_back(away, candidate);
     }
     std::stable_sort(near.begin(), near.end(),
                      [](const auto& a, const auto& b) { return a.first < b.first; });

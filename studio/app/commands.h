@@ -1,0 +1,15 @@
+#pragma once
+
+#include "studio/app/report.h"
+#include "studio/app/requests.h"
+
+/// One function a command. Each throws UsageError, SceneError, OutputError,
+/// LinkError or RenderStopped when it cannot do what was asked.
+namespace tavora::studio {
+
+void render(const RenderRequest& request, Report& report);
+void showInfo(const InfoRequest& request, Report& report);
+void showOrStoreSettings(const SettingsRequest& request, Report& report);
+void listLooks(const LooksRequest& request, Report& report);
+
+}  // namespace tavora::studio

@@ -1,0 +1,17 @@
+#include "studio/app/commands.h"
+#include "studio/app/describe.h"
+#include "studio/scene/gltf_reader.h"
+
+namespace tavora::studio {
+
+void showInfo(const InfoRequest& request, Report& report) {
+    const Scene scene = readGltf(request.scene);
+    for (const std::string& warning : scene.warnings)
+        report.warning(warning);
+    const nlohmann::ordered_json module = describeModule(request.plugin);
+    if (!request.json) return writeOut(sceneText(scene, module));
+    const auto keepGoing = nlohmann::ordered_json::error_handler_t::replace;
+    writeOut(sceneJson(scene, module).dump(2, ' ', false, keepGoing) + "\n");
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,225 @@
+#include "studio/app/option_values.h"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <cmath>
+#include <filesystem>
+#include <fmt/format.h>
+#include <limits>
+#include <span>
+#include <string_view>
+#include <vector>
+
+#include "studio/app/usage_error.h"
+
+namespace tavora::studio {
+namespace {
+
+[[noreturn]] void refuse(const std::string& option, const std::string& wanted,
+                         const std::string& text) {
+    throw UsageError(fmt::format("{} must be {}, not \"{}\"", option, wanted, text));
+}
+
+template <class Number>
+std::optional<Number> numberOf(std::string_view text) {
+    Number number{};
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, number);
+    if (error != std::errc() || stop != end || text.empty()) return {};
+    if constexpr (std::is_floating_point_v<Number>) {
+        if (!std::isfinite(number)) return {};
+    }
+    return number;
+}
+
+std::vector<std::string_view> split(std::string_view text, char separator) {
+    std::vector<std::string_view> parts;
+    while (true) {
+        const std::size_t end = text.find(separator);
+        parts.push_back(text.substr(0, end));
+        if (end == std::string_view::npos) return parts;
+        text.remove_prefix(end + 1);
+    }
+}
+
+// `count` numbers between commas; none when it is anything else.
+template <class Number>
+std::optional<std::vector<Number>> numbersOf(std::string_view text, std::size_t count) {
+    std::vector<Number> numbers;
+    for (const std::string_view part : split(text, ',')) {
+        const std::optional<Number> number = numberOf<Number>(part);
+        if (!number) return {};
+        numbers.push_back(*number);
+    }
+    if (numbers.size() != count) return {};
+    return numbers;
+}
+
+template <class Value>
+struct Named {
+    std::string_view name;
+    Value value;
+};
+
+template <class Value>
+Value chosen(const std::string& option, const std::string& text,
+             std::span<const Named<Value>> choices) {
+    std::string names;
+    for (const auto& [name, value] : choices) {
+        if (name == text) return value;
+        names += fmt::format("{}{}", names.empty() ? "" : ", ", name);
+    }
+    refuse(option, "one of " + names, text);
+}
+
+constexpr std::array<Named<Imath::V3d>, 4> kNamedColors{{
+    {"black", Imath::V3d(0)},
+    {"grey", Imath::V3d(0.5)},
+    {"gray", Imath::V3d(0.5)},
+    {"white", Imath::V3d(1)},
+}};
+
+std::optional<Imath::V3d> hexColor(std::string_view text) {
+    unsigned rgb = 0;
+    if (text.size() != 7 || text[0] != '#') return {};
+    const char* end = text.data() + text.size();
+    if (std::from_chars(text.data() + 1, end, rgb, 16).ptr != end) return {};
+    return Imath::V3d(rgb >> 16, (rgb >> 8) & 0xffU, rgb & 0xffU) / 255.0;
+}
+
+std::optional<Imath::V3d> numberColor(std::string_view text) {
+    if (const auto grey = numbersOf<double>(text, 1)) return Imath::V3d((*grey)[0]);
+    if (const auto rgb = numbersOf<double>(text, 3)) {
+        return Imath::V3d((*rgb)[0], (*rgb)[1], (*rgb)[2]);
+    }
+    return {};
+}
+
+bool isShare(double value) {
+    return value >= 0 && value <= 1;
+}
+
+}  // namespace
+
+int wholeNumber(const std::string& option, const std::string& text, int min, int max) {
+    const std::optional<int> number = numberOf<int>(text);
+    if (number && *number >= min && *number <= max) return *number;
+    refuse(option, fmt::format("a whole number from {} to {}", min, max), text);
+}
+
+double realNumber(const std::string& option, const std::string& text, double min, double max) {
+    const std::optional<double> number = numberOf<double>(text);
+    if (number && *number >= min && *number <= max) return *number;
+    refuse(option, fmt::format("a number from {} to {}", min, max), text);
+}
+
+std::pair<int, int> resolution(const std::string& option, const std::string& text) {
+    constexpr int kMostSide = 65536;
+    const std::vector<std::string_view> sides = split(text, 'x');
+    if (sides.size() == 2) {
+        const std::optional<int> width = numberOf<int>(sides[0]);
+        const std::optional<int> height = numberOf<int>(sides[1]);
+        const bool fits = width && height && *width >= 1 && *height >= 1 && *width <= kMostSide &&
+                          *height <= kMostSide;
+        if (fits) return {*width, *height};
+    }
+    refuse(option, fmt::format("WIDTHxHEIGHT like 1280x720, each 1 to {}", kMostSide), text);
+}
+
+double percentage(const std::string& option, const std::string& text) {
+    const std::string number = text.ends_with('%') ? text.substr(0, text.size() - 1) : text;
+    return realNumber(option, number, 0.01, 10000) / 100;
+}
+
+CropShares cropShares(const std::string& option, const std::string& text) {
+    if (const auto crop = numbersOf<double>(text, 4)) {
+        const CropShares shares{(*crop)[0], (*crop)[1], (*crop)[2], (*crop)[3]};
+        const bool inside =
+            isShare(shares[0]) && isShare(shares[1]) && isShare(shares[2]) && isShare(shares[3]);
+        if (inside && shares[0] < shares[2] && shares[1] < shares[3]) return shares;
+    }
+    refuse(option, "LEFT,TOP,RIGHT,BOTTOM from 0 to 1 like 0.25,0,0.75,0.5", text);
+}
+
+PixelBox cropPixels(const std::string& option, const std::string& text) {
+    if (const auto crop = numbersOf<int>(text, 4)) {
+        const PixelBox box{(*crop)[0], (*crop)[1], (*crop)[2], (*crop)[3]};
+        if (box.left >= 0 && box.top >= 0 && box.left < box.right && box.top < box.bottom) {
+            return box;
+        }
+    }
+    refuse(option, "LEFT,TOP,RIGHT,BOTTOM in pixels like 100,100,200,150", text);
+}
+
+Imath::V3d color(const std::string& option, const std::string& text) {
+    for (const auto& [name, value] : kNamedColors) {
+        if (name == text) return value;
+    }
+    if (const auto rgb = hexColor(text)) return *rgb;
+    const std::optional<Imath::V3d> rgb = numberColor(text);
+    if (rgb && isShare(rgb->x) && isShare(rgb->y) && isShare(rgb->z)) return *rgb;
+    refuse(option, "a colour: #rrggbb, R,G,B from 0 to 1, black, grey or white", text);
+}
+
+std::optional<Imath::V3d> background(const std::string& option, const std::string& text) {
+    if (text == "transparent") return {};
+    return color(option, text);
+}
+
+std::optional<double> exposure(const std::string& option, const std::string& text) {
+    if (text == "auto") return {};
+    const std::optional<double> factor = numberOf<double>(text);
+    if (factor && *factor > 0) return factor;
+    refuse(option, "auto or a number above 0", text);
+}
+
+bool falloff(const std::string& option, const std::string& text) {
+    static constexpr std::array<Named<bool>, 2> kChoices{{{"none", false}, {"physical", true}}};
+    return chosen<bool>(option, text, kChoices);
+}
+
+PictureDepth depth(const std::string& option, const std::string& text) {
+    static constexpr std::array<Named<PictureDepth>, 4> kChoices{{
+        {"8", PictureDepth::Eight},
+        {"16", PictureDepth::Sixteen},
+        {"half", PictureDepth::Half},
+        {"float", PictureDepth::Float},
+    }};
+    return chosen<PictureDepth>(option, text, kChoices);
+}
+
+ProgressKind progressKind(const std::string& option, const std::string& text) {
+    static constexpr std::array<Named<ProgressKind>, 4> kChoices{{
+        {"auto", ProgressKind::Auto},
+        {"none", ProgressKind::None},
+        {"bar", ProgressKind::Bar},
+        {"json", ProgressKind::Json},
+    }};
+    return chosen<ProgressKind>(option, text, kChoices);
+}
+
+LookChoice lookChoice(const std::string& text) {
+    std::error_code ignored;
+    const std::size_t equals = text.find('=');
+    const bool whole = equals == std::string::npos || std::filesystem::exists(text, ignored);
+    const LookChoice choice =
+        whole ? LookChoice{{}, text} : LookChoice{text.substr(0, equals), text.substr(equals + 1)};
+    if (!choice.look.empty() && (whole || !choice.surfaces.empty())) return choice;
+    refuse("--look", "LOOK or SURFACE=LOOK", text);
+}
+
+SettingChange settingChange(const std::string& text) {
+    const std::size_t equals = text.find('=');
+    const std::string left = text.substr(0, equals);
+    // "zones[1].color" has a dot of its own.
+    std::size_t dot = std::min(left.rfind(".zones["), left.rfind(".zoneList["));
+    if (dot == std::string::npos) dot = left.rfind('.');
+    const bool whole = equals != std::string::npos && dot != std::string::npos && dot > 0;
+    if (!whole || dot + 1 == left.size()) {
+        refuse("--set", "SURFACE.SETTING=VALUE like '*.edgeEnable=true'", text);
+    }
+    return {left.substr(0, dot), left.substr(dot + 1), text.substr(equals + 1)};
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,50 @@
+#include "studio/app/picture_area.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+
+#include "studio/app/usage_error.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr double kMostPixels = 400e6;  // 6.4 GB while it renders
+
+int scaled(int side, double scale) {
+    return std::max(1, static_cast<int>(std::lround(side * scale)));
+}
+
+int edge(double share, int side) {
+    return static_cast<int>(std::lround(share * side));
+}
+
+// Shares that meet make boxes that meet: both round the same edge.
+PixelBox boxOf(const CropShares& shares, const PictureArea& area) {
+    PixelBox box{edge(shares[0], area.width), edge(shares[1], area.height),
+                 edge(shares[2], area.width), edge(shares[3], area.height)};
+    if (box.width() > 0 && box.height() > 0) return box;
+    throw UsageError(fmt::format("--crop leaves no pixel of {}x{}; take more of the picture",
+                                 area.width, area.height));
+}
+
+}  // namespace
+
+PictureArea pictureArea(const RenderRequest& request) {
+    PictureArea area{
+        scaled(request.width, request.scale), scaled(request.height, request.scale), {}};
+    if (request.cropShares) area.crop = boxOf(*request.cropShares, area);
+    if (request.cropPixels) area.crop = request.cropPixels;
+    if (area.crop && (area.crop->right > area.width || area.crop->bottom > area.height)) {
+        throw UsageError(fmt::format("--crop-pixels reaches beyond the picture of {}x{}",
+                                     area.width, area.height));
+    }
+    const PixelBox box = area.crop.value_or(PixelBox{0, 0, area.width, area.height});
+    if (static_cast<double>(box.width()) * box.height() > kMostPixels) {
+        throw UsageError(fmt::format("{}x{} pixels are too many at once; render crops of it",
+                                     box.width(), box.height()));
+    }
+    return area;
+}
+
+}  // namespace tavora::studio

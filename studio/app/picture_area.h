@@ -1,0 +1,17 @@
+#pragma once
+
+#include "studio/app/requests.h"
+
+namespace tavora::studio {
+
+/// The pixels that a render makes.
+struct PictureArea {
+    int width = 0;  ///< of the whole picture, scale counted in
+    int height = 0;
+    std::optional<PixelBox> crop;
+};
+
+/// Throws UsageError for a picture too large and for a crop outside of it.
+PictureArea pictureArea(const RenderRequest& request);
+
+}  // namespace tavora::studio

@@ -1,0 +1,84 @@
+#include "studio/app/progress.h"
+
+#include <algorithm>
+#include <cmath>
+#include <fmt/format.h>
+#include <sys/ioctl.h>
+#include <unistd.h>
+
+namespace tavora::studio {
+namespace {
+
+constexpr double kFirstEstimate = 0.01;  // share done before the time left means anything
+
+ProgressKind settled(ProgressKind kind, bool quiet) {
+    if (kind != ProgressKind::Auto) return kind;
+    return !quiet && ::isatty(STDERR_FILENO) == 1 ? ProgressKind::Bar : ProgressKind::None;
+}
+
+int terminalWidth() {
+    constexpr int kUsual = 80;
+    winsize size{};
+    if (::ioctl(STDERR_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUsual;
+    return size.ws_col;
+}
+
+double secondsLeft(double done, double elapsed) {
+    return elapsed * (1 - done) / done;
+}
+
+std::string clockText(double seconds) {
+    const auto whole = static_cast<long>(std::ceil(seconds));
+    if (whole >= 3600) {
+        return fmt::format("{}:{:02}:{:02}", whole / 3600, whole / 60 % 60, whole % 60);
+    }
+    return fmt::format("{}:{:02}", whole / 60, whole % 60);
+}
+
+}  // namespace
+
+std::string progressBar(double done, double elapsed, int width) {
+    const std::string left = done >= kFirstEstimate
+                                 ? fmt::format(" {} left", clockText(secondsLeft(done, elapsed)))
+                                 : std::string();
+    const std::string percent = fmt::format(" {:3.0f}%", std::floor(done * 100));
+    const auto taken = static_cast<int>(percent.size() + left.size()) + 3;
+    const int room = std::clamp(width - taken, 0, 50);
+    const auto full = static_cast<int>(done * room);
+    return fmt::format("[{}{}]{}{}", std::string(static_cast<std::size_t>(full), '#'),
+                       std::string(static_cast<std::size_t>(room - full), '.'), percent, left);
+}
+
+std::string progressJson(double done, double elapsed) {
+    const std::string left = done >= kFirstEstimate
+                                 ? fmt::format(",\"left\":{:.3f}", secondsLeft(done, elapsed))
+                                 : std::string();
+    return fmt::format("{{\"event\":\"progress\",\"done\":{:.4f},\"elapsed\":{:.3f}{}}}", done,
+                       elapsed, left);
+}
+
+Progress::Progress(ProgressKind kind, bool quiet)
+    : kind_(settled(kind, quiet)), start_(Clock::now()) {}
+
+Progress::~Progress() {
+    if (barShown_) fmt::print(stderr, "\r\x1b[K");
+}
+
+void Progress::update(double done) {
+    constexpr std::chrono::milliseconds kPause(100);
+    if (kind_ == ProgressKind::None) return;
+    const Clock::time_point now = Clock::now();
+    if (now - shown_ < kPause && done < 1) return;
+    shown_ = now;
+    done = std::clamp(done, 0.0, 1.0);
+    const double elapsed = std::chrono::duration<double>(now - start_).count();
+    if (kind_ == ProgressKind::Json) {
+        fmt::print(stderr, "{}\n", progressJson(done, elapsed));
+    } else {
+        fmt::print(stderr, "\r\x1b[K{}", progressBar(done, elapsed, terminalWidth()));
+        barShown_ = true;
+    }
+    std::fflush(stderr);
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,132 @@
+#include <algorithm>
+#include <fmt/format.h>
+#include <stdexcept>
+
+#include "studio/app/commands.h"
+#include "studio/app/interruption.h"
+#include "studio/app/picture_area.h"
+#include "studio/app/progress.h"
+#include "studio/app/scene_view.h"
+#include "studio/app/shading_plan.h"
+#include "studio/app/usage_error.h"
+#include "studio/render/picture_file.h"
+#include "studio/render/renderer.h"
+#include "studio/scene/gltf_reader.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr const char* kDefaultLook = "two-tone";
+
+void listCameras(const Scene& scene) {
+    std::string text;
+    for (std::size_t i = 0; i < scene.cameras.size(); ++i) {
+        text += fmt::format("{}  {}\n", i, oneLine(scene.cameras[i].name));
+    }
+    writeOut(text);
+}
+
+// Fails before anything is rendered for a file that could not be written after.
+PictureFormat checkedFormat(const RenderRequest& request) {
+    if (request.output.empty()) throw UsageError("render needs -o FILE, the picture to write");
+    try {
+        const PictureFormat format =
+            pictureFormat(request.output, request.depth, !request.background);
+        checkWritable(request.output);
+        return format;
+    } catch (const std::invalid_argument& error) {
+        throw UsageError(error.what());
+    }
+}
+
+Scene readScene(const RenderRequest& request, Report& report) {
+    Scene scene = readGltf(request.scene);
+    for (const std::string& warning : scene.warnings)
+        report.warning(warning);
+    return scene;
+}
+
+// A scene that says nothing of shading still makes a picture worth keeping.
+ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report) {
+    if (!request.looks.empty() || storesShaders(scene)) return request;
+    request.looks.push_back({{}, kDefaultLook});
+    report.note(
+        1, fmt::format("no look given and none stored: {} goes on every surface", kDefaultLook));
+    return request;
+}
+
+bool allPlain(const ShadingRequest& request) {
+    return std::find(request.plain.begin(), request.plain.end(), "*") != request.plain.end();
+}
+
+struct Shading {
+    std::vector<SurfaceShading> surfaces;
+    std::filesystem::path module;  ///< empty when no surface has a shader
+};
+
+Shading settleShading(const Scene& scene, const RenderRequest& request, const LightRig& rig,
+                      Report& report) {
+    Shading shading{std::vector<SurfaceShading>(scene.surfaces.size()), {}};
+    if (allPlain(request.shading)) return shading;
+    const ShaderClass shader = openShaderClass(request.shading.plugin);
+    report.note(1, fmt::format("module {}", shader.module.string()));
+    const ShadingRequest asked = withDefaultLook(scene, request.shading, report);
+    const std::vector<PlannedSurface> planned =
+        planSurfaces(scene, asked, shader, lightNames(rig), report);
+    for (std::size_t i = 0; i < planned.size(); ++i) {
+        if (!planned[i].settings || !planned[i].enabled) continue;
+        shading.surfaces[i].shader = blockOf(*planned[i].settings);
+        shading.module = shader.module;
+    }
+    return shading;
+}
+
+RenderOptions optionsOf(const RenderRequest& request, const PictureArea& area) {
+    RenderOptions options;
+    options.width = area.width;
+    options.height = area.height;
+    options.crop = area.crop;
+    options.samples = request.samples;
+    options.threads = request.threads;
+    options.background = request.background;
+    return options;
+}
+
+void noteStats(const RenderStats& stats, Report& report) {
+    report.note(1, fmt::format("built in {:.2f} s, rendered in {:.2f} s", stats.buildSeconds,
+                               stats.renderSeconds));
+    report.note(
+        2, fmt::format("{} triangles, {} primary rays, {} shadow rays, {} evaluations",
+                       stats.triangles, stats.primaryRays, stats.shadowRays, stats.evaluations));
+}
+
+Picture renderPicture(const Scene& scene, const Camera& camera, const RenderRequest& request,
+                      const PictureArea& area, Report& report) {
+    const LightRig rig = settleLights(scene, camera, request.lighting);
+    const Shading shading = settleShading(scene, request, rig, report);
+    RenderStats stats;
+    const PoliteStop stop;
+    Progress progress(request.progress, request.report.quiet);
+    const RenderWatch watch{[&](double done) { progress.update(done); }, &stop.asked()};
+    Renderer renderer(scene);
+    Picture picture = renderer.render(camera, rig, shading.surfaces, shading.module,
+                                      optionsOf(request, area), watch, &stats);
+    noteStats(stats, report);
+    return picture;
+}
+
+}  // namespace
+
+void render(const RenderRequest& request, Report& report) {
+    if (request.listCameras) return listCameras(readScene(request, report));
+    const PictureArea area = pictureArea(request);
+    const PictureFormat format = checkedFormat(request);
+    const Scene scene = readScene(request, report);
+    const double aspect = static_cast<double>(area.width) / area.height;
+    const Camera camera = chooseCamera(scene, request.camera, aspect);
+    report.note(1, fmt::format("camera \"{}\"", camera.name));
+    writePicture(renderPicture(scene, camera, request, area, report), request.output, format);
+    report.note(1, fmt::format("{} written", request.output));
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,97 @@
+#pragma once
+
+#include <ImathVec.h>
+#include <array>
+#include <optional>
+#include <string>
+#include <variant>
+#include <vector>
+
+#include "studio/render/picture.h"
+#include "studio/render/picture_file.h"
+#include "studio/scene/light_levels.h"
+
+/// What the user asked for: the command line read and checked, as plain data.
+namespace tavora::studio {
+
+struct ReportOptions {
+    int verbosity = 0;
+    bool quiet = false;
+    std::string logFile;
+};
+
+enum class ProgressKind { Auto, None, Bar, Json };
+
+/// --look [SURFACE=]FILE
+struct LookChoice {
+    std::string surfaces;  ///< name or glob; empty: all
+    std::string look;
+};
+
+/// --set SURFACE.field=value
+struct SettingChange {
+    std::string surfaces;  ///< name or glob
+    std::string setting;   ///< "edgeCoverage", "zones[1].color"
+    std::string value;     ///< as typed
+};
+
+/// What goes on which surface.
+struct ShadingRequest {
+    std::vector<LookChoice> looks;
+    std::vector<SettingChange> changes;
+    std::vector<std::string> plain;  ///< names or globs of surfaces without shader
+    std::string plugin;              ///< where to look for the module; empty: the usual places
+};
+
+/// Left, top, right, bottom as shares of the picture, 0..1.
+using CropShares = std::array<double, 4>;
+
+struct RenderRequest {
+    ReportOptions report;
+    std::string scene;
+    std::string output;
+    int width = 1280;
+    int height = 720;
+    double scale = 1;
+    std::optional<CropShares> cropShares;
+    std::optional<PixelBox> cropPixels;
+    int samples = 16;
+    int threads = 0;  ///< 0: one a core
+    std::string camera;
+    bool listCameras = false;
+    ShadingRequest shading;
+    std::optional<Imath::V3d> background;  ///< display-referred; empty: transparent
+    LightingOptions lighting;
+    PictureDepth depth = PictureDepth::Default;
+    ProgressKind progress = ProgressKind::Auto;
+};
+
+struct InfoRequest {
+    ReportOptions report;
+    std::string scene;
+    std::string plugin;
+    bool json = false;
+};
+
+struct SettingsRequest {
+    ReportOptions report;
+    std::string scene;
+    std::string output;                 ///< empty: print
+    std::vector<std::string> surfaces;  ///< names or globs; empty: all
+    ShadingRequest shading;
+};
+
+struct LooksRequest {
+    ReportOptions report;
+    bool json = false;
+};
+
+/// --help and --version: nothing but text.
+struct TextRequest {
+    std::string text;
+};
+
+using Request =
+    std::variant<TextRequest, RenderRequest, InfoRequest, SettingsRequest, LooksRequest>;
+
+}  // namespace tavora::studio

@@ -1,0 +1,113 @@
+#include <fmt/format.h>
+#include <map>
+#include <set>
+
+#include "studio/app/commands.h"
+#include "studio/app/scene_view.h"
+#include "studio/app/shading_plan.h"
+#include "studio/app/surface_names.h"
+#include "studio/app/usage_error.h"
+#include "studio/files/output_place.h"
+#include "studio/scene/gltf_reader.h"
+#include "studio/scene/gltf_settings.h"
+#include "studio/scene/scene_error.h"
+
+namespace tavora::studio {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+std::set<std::size_t> chosenSurfaces(const Scene& scene, const std::vector<std::string>& patterns) {
+    std::set<std::size_t> chosen;
+    for (const std::string& pattern : patterns) {
+        for (const std::size_t i : matchingSurfaces(scene, pattern, "--surface"))
+            chosen.insert(i);
+    }
+    if (!patterns.empty()) return chosen;
+    for (std::size_t i = 0; i < scene.surfaces.size(); ++i)
+        chosen.insert(i);
+    return chosen;
+}
+
+// A look without a surface of its own goes on the chosen ones.
+ShadingRequest narrowed(const ShadingRequest& request, const std::vector<std::string>& patterns) {
+    ShadingRequest narrow = request;
+    narrow.looks.clear();
+    for (const LookChoice& choice : request.looks) {
+        if (!choice.surfaces.empty() || patterns.empty()) {
+            narrow.looks.push_back(choice);
+            continue;
+        }
+        for (const std::string& pattern : patterns)
+            narrow.looks.push_back({pattern, choice.look});
+    }
+    return narrow;
+}
+
+Json described(const Surface& surface, const PlannedSurface& planned, const std::string& server) {
+    Json json{{"surface", surface.name}};
+    json["server"] = planned.settings ? Json(server) : Json();
+    json["enabled"] = planned.settings && planned.enabled;
+    json["settings"] = planned.settings ? *planned.settings : Json();
+    return json;
+}
+
+void print(const Scene& scene, const std::vector<PlannedSurface>& planned,
+           const std::set<std::size_t>& chosen, const std::string& server) {
+    Json list = Json::array();
+    for (const std::size_t i : chosen) {
+        list.push_back(described(scene.surfaces[i], planned[i], server));
+    }
+    writeOut(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
+}
+
+int materialOf(const Scene& scene, const Surface& surface) {
+    if (surface.materialIndex >= 0) return surface.materialIndex;
+    throw SceneError(
+        fmt::format("{}: surface \"{}\" has no material in the file to hold settings; "
+                    "give it one in your modeller",
+                    scene.path, surface.name));
+}
+
+void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
+           const std::set<std::size_t>& chosen, const std::string& server,
+           const SettingsRequest& request, Report& report) {
+    std::map<int, StoredShader> shaders;
+    for (const std::size_t i : chosen) {
+        if (!planned[i].touched) continue;
+        const int material = materialOf(scene, scene.surfaces[i]);
+        shaders[material] = {server, planned[i].enabled, blockOf(*planned[i].settings)};
+    }
+    if (shaders.empty()) throw UsageError("settings: nothing to store; give --look or --set");
+    writeGltfSettings(request.scene, request.output, shaders);
+    report.note(
+        1, fmt::format("settings of {} surfaces stored in {}", shaders.size(), request.output));
+}
+
+}  // namespace
+
+void showOrStoreSettings(const SettingsRequest& request, Report& report) {
+    if (!request.output.empty()) outputPlace(request.output);
+    const Scene scene = readGltf(request.scene);
+    for (const std::string& warning : scene.warnings)
+        report.warning(warning);
+    const std::set<std::size_t> chosen = chosenSurfaces(scene, request.surfaces);
+    const bool needsModule = storesShaders(scene) || !request.shading.looks.empty();
+    const bool changes = !request.shading.changes.empty();
+    std::vector<PlannedSurface> planned(scene.surfaces.size());
+    std::string server;
+    if (needsModule || changes) {
+        const ShaderClass shader = openShaderClass(request.shading.plugin);
+        const LightRig rig = settleLights(scene, chooseCamera(scene, {}, 1), {});
+        planned = planSurfaces(scene, narrowed(request.shading, request.surfaces), shader,
+                               lightNames(rig), report);
+        server = shader.server;
+    }
+    if (request.output.empty()) {
+        print(scene, planned, chosen, server);
+    } else {
+        store(scene, planned, chosen, server, request, report);
+    }
+}
+
+}  // namespace tavora::studio

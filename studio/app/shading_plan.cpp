@@ -1,0 +1,172 @@
+#include "studio/app/shading_plan.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <map>
+
+#include "studio/app/surface_names.h"
+#include "studio/app/usage_error.h"
+#include "studio/scene/look.h"
+#include "studio/scene/nearest_name.h"
+#include "studio/scene/scene_error.h"
+
+namespace tavora::studio {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+class Planner {
+  public:
+    Planner(const Scene& scene, const ShaderClass& shader, Report& report)
+        : scene_(scene),
+          server_(shader.server),
+          defaults_(settingsOf(shader.defaults)),
+          report_(report),
+          surfaces_(scene.surfaces.size()) {}
+
+    void takeStored() {
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            const Surface& surface = scene_.surfaces[i];
+            if (surface.shader && isOurs(surface)) {
+                surfaces_[i].settings = storedSettings(surface);
+                surfaces_[i].enabled = surface.shader->enabled;
+            }
+        }
+    }
+
+    void takeLooks(const std::vector<LookChoice>& choices) {
+        std::vector<const LookChoice*> last(surfaces_.size(), nullptr);
+        std::map<std::string, Look> looks;
+        for (const LookChoice& choice : choices) {
+            looks.try_emplace(choice.look, readLook(choice.look));
+            const std::string pattern = choice.surfaces.empty() ? "*" : choice.surfaces;
+            for (const std::size_t i : matchingSurfaces(scene_, pattern, "--look")) {
+                last[i] = &choice;
+            }
+        }
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            if (last[i] != nullptr) wear(surfaces_[i], looks.at(last[i]->look));
+        }
+    }
+
+    void takeChanges(const std::vector<SettingChange>& changes) {
+        std::vector<Json> collected(surfaces_.size(), Json::object());
+        for (const SettingChange& change : changes) {
+            bool taken = false;
+            for (const std::size_t i : matchingSurfaces(scene_, change.surfaces, "--set")) {
+                if (!surfaces_[i].settings) continue;
+                collected[i][change.setting] = valueOf(change.value);
+                taken = true;
+            }
+            if (!taken) {
+                throw UsageError(fmt::format("--set: \"{}\" has no shader; give it one with --look",
+                                             change.surfaces));
+            }
+        }
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            if (!collected[i].empty()) change(surfaces_[i], collected[i]);
+        }
+    }
+
+    void takePlain(const std::vector<std::string>& patterns) {
+        for (const std::string& pattern : patterns) {
+            for (const std::size_t i : matchingSurfaces(scene_, pattern, "--no-shader")) {
+                surfaces_[i].settings.reset();
+            }
+        }
+    }
+
+    void settleLights(std::span<const std::string> lightNames) {
+        std::map<std::string, std::string> unknown;  // with a surface that names it
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            if (!surfaces_[i].settings) continue;
+            for (const std::string& name : settleLightList(*surfaces_[i].settings, lightNames)) {
+                unknown.try_emplace(name, scene_.surfaces[i].name);
+            }
+        }
+        for (const auto& [light, surface] : unknown) {
+            report_.warning(fmt::format("surface \"{}\": its light \"{}\" is not in the scene{}",
+                                        surface, light, nearestNames(light, lightNames)));
+        }
+    }
+
+    std::vector<PlannedSurface> take() { return std::move(surfaces_); }
+
+  private:
+    bool isOurs(const Surface& surface) {
+        if (surface.shader->server == server_) return true;
+        report_.warning(
+            fmt::format("surface \"{}\": no module has its shader \"{}\"; it stays plain",
+                        surface.name, surface.shader->server));
+        return false;
+    }
+
+    Settings storedSettings(const Surface& surface) {
+        try {
+            return settingsOf(surface.shader->state, defaults_);
+        } catch (const SceneError& error) {
+            report_.warning(fmt::format("surface \"{}\": {}; a new shader's settings stand in",
+                                        surface.name, error.what()));
+            return defaults_;
+        }
+    }
+
+    void wear(PlannedSurface& surface, const Look& look) {
+        if (!surface.settings) surface.settings = defaults_;
+        applySettings(*surface.settings, look.settings, look.name);
+        surface.enabled = true;
+        surface.touched = true;
+    }
+
+    static void change(PlannedSurface& surface, const Json& changes) {
+        try {
+            applySettings(*surface.settings, changes, "--set");
+        } catch (const SceneError& error) {
+            throw UsageError(error.what());
+        }
+        surface.touched = true;
+    }
+
+    // JSON as it stands; else a list of such between commas, or a text.
+    static Json valueOf(const std::string& text) {
+        Json value = Json::parse(text, nullptr, false);
+        if (!value.is_discarded()) return value;
+        if (text.find(',') == std::string::npos) return text;
+        Json list = Json::array();
+        for (std::size_t start = 0; start <= text.size();) {
+            const std::size_t end = std::min(text.find(',', start), text.size());
+            const std::string part = text.substr(start, end - start);
+            Json element = Json::parse(part, nullptr, false);
+            list.push_back(element.is_discarded() ? Json(part) : element);
+            start = end + 1;
+        }
+        return list;
+    }
+
+    const Scene& scene_;
+    std::string server_;
+    Settings defaults_;
+    Report& report_;
+    std::vector<PlannedSurface> surfaces_;
+};
+
+}  // namespace
+
+bool storesShaders(const Scene& scene) {
+    return std::any_of(scene.surfaces.begin(), scene.surfaces.end(),
+                       [](const Surface& surface) { return surface.shader.has_value(); });
+}
+
+std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingRequest& request,
+                                         const ShaderClass& shader,
+                                         std::span<const std::string> lightNames, Report& report) {
+    Planner planner(scene, shader, report);
+    planner.takeStored();
+    planner.takeLooks(request.looks);
+    planner.takeChanges(request.changes);
+    planner.takePlain(request.plain);
+    planner.settleLights(lightNames);
+    return planner.take();
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,35 @@
+#pragma once
+
+#include <optional>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "studio/app/report.h"
+#include "studio/app/requests.h"
+#include "studio/app/shader_class.h"
+#include "studio/scene/scene.h"
+#include "studio/scene/settings.h"
+
+namespace tavora::studio {
+
+/// What goes on one surface.
+struct PlannedSurface {
+    std::optional<Settings> settings;  ///< none: no shader
+    bool enabled = true;               ///< as the scene file says; a look turns it on
+    bool touched = false;              ///< by a look or a change on the command line
+};
+
+/// Whether the scene file keeps a shader on any surface.
+bool storesShaders(const Scene& scene);
+
+/// Settles the settings of every surface: the shader's defaults, over them what
+/// the scene stores, over that the last look that names the surface, over that
+/// the single changes; plain where asked. Damaged settings and lights that the
+/// scene has not are reported as warnings. Throws UsageError for names that
+/// match nothing, SceneError for looks.
+std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingRequest& request,
+                                         const ShaderClass& shader,
+                                         std::span<const std::string> lightNames, Report& report);
+
+}  // namespace tavora::studio
