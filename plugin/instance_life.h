@@ -10,7 +10,7 @@ namespace tavora {
 /// when memory runs out, and leaves `*error` alone otherwise. [interface]
 HostInstance Create(void* privateData, HostSurfaceId context, HostError* error);
 
-/// Frees a record with its zones and lights. [interface]
+/// Frees a record with its zones and lights; null is ignored. [interface]
 void Destroy(HostInstance instance);
 
 /// Makes `to` an independent copy of `from`, except that `to` keeps its own

@@ -86,6 +86,7 @@ TEST(InstanceLife, EverythingIsFreed) {
         chooseLights(*record, {"Key", "Rim"});
         Record empty = newRecord();
         replaceZones(*empty, {});
+        Destroy(nullptr);
     }
     EXPECT_EQ(liveAllocations(), live);
 }

@@ -138,23 +138,18 @@ TEST_F(Evaluation, TintsByTheShiftedLightColour) {
 }
 
 TEST_F(Evaluation, ColourTextureCoversOrShades) {
-    Zone zone = greyZone(0.0f, 0.5f);
-    zone.color[0] = 1.0f;
-    zone.color[1] = 0.0f;  // mean 0.5
+    Zone zone = greyZone(0.0f, 0.25f);
+    zone.color[0] = 1.0f;  // mean 0.5
     onlyZone(zone);
     const struct {
         int use;
         double alpha;
         Vec color;
     } cases[] = {
-        {0, 0.5, {1, 0, 0.5}},
-        {1, 0.0, base},
-        {1, 0.25, {0.4375, 0.375, 0.6875}},
-        {1, 1.0, {1, 0, 0.5}},
-        {2, 0.0, {0.125, 0.25, 0.375}},
-        {2, 0.5, {0.3125, 0.125, 0.3125}},
-        {2, 1.0, {0.5, 0, 0.25}},
-        {3, 0.5, {1, 0, 0.5}},
+        {0, 0.5, {1, 0.25, 0.25}},          {1, 0.0, base},
+        {1, 0.25, {0.4375, 0.4375, 0.625}}, {1, 1.0, {1, 0.25, 0.25}},
+        {2, 0.0, {0.125, 0.25, 0.375}},     {2, 0.5, {0.3125, 0.1875, 0.25}},
+        {2, 1.0, {0.5, 0.125, 0.125}},      {3, 0.5, {1, 0.25, 0.25}},
     };
     for (const auto& c : cases) {
         record->colorTextureUse = c.use;
@@ -188,6 +183,8 @@ TEST_F(Evaluation, StagesFollowTheirOrder) {
     EXPECT_EQ(shade(), (Vec{0, 1, 0}));
     record->highlightEnable = 1;
     record->highlightSize = 0.5f;
+    EXPECT_EQ(shade(), (Vec{1, 1, 1}));
+    record->highlightOutlineEnable = 0;
     EXPECT_EQ(shade(), (Vec{1, 1, 1}));
     record->edgeEnable = 1;
     record->edgeCoverage = 2.0f;

@@ -100,11 +100,14 @@ TEST_F(InkOver, SeeThroughBlendsByTheTextureAtTheHit) {
     EXPECT_EQ(host.texturePoint.objectId, nullptr) << "evaluated where the ray hit";
     distance = 0.0;
     EXPECT_EQ(draw(), (Vec{0.625, 0.4375, 0.75})) << "a hit at no distance counts here";
+    host.channelAlpha = {{"Translucency", 0.0}};
+    hitColor = {nan, nan, nan};
+    EXPECT_EQ(draw(), surface) << "nothing shows, so nothing is blended";
     for (const double missed : {-1e-300, nan}) {
         distance = missed;
         EXPECT_EQ(draw(), surface);
     }
-    EXPECT_EQ(host.traces, 5);
+    EXPECT_EQ(host.traces, 6);
 }
 
 TEST_F(InkOver, WithoutMemoryTheSampleStays) {

@@ -97,6 +97,8 @@ TEST_F(LightIntensity, ChosenLightsCountByNameAndByEntry) {
         {{"key", "key"}, 1.0, 2},
         // Above 1.0 an entry asks no further, but the next entry still asks.
         {{"key", "key", "Key", "key"}, 1.0, 4},
+        // 1.0 after the first of both: not above, the second still counts.
+        {{"key", "Ambient", "Ambient", "Key"}, 1.0, 3.25},
     };
     for (const auto& c : cases) {
         chooseLights(*record, c.chosen);
@@ -135,6 +137,10 @@ TEST_F(LightIntensity, WeighsByTheWholeSumOfAColour) {
         const double cosine = values.real();
         host.add({.arriving = k, .direction = {0, -cosine, 0}});
         EXPECT_EQ(measure(), (k[0] + k[1] + k[2]) * cosine / 3.0);
+        host.lights.clear();
+        host.ambient = k;
+        EXPECT_EQ(measure(), (k[0] + k[1] + k[2]) / 3.0);
+        host.ambient = {0, 0, 0};
     }
 }
 

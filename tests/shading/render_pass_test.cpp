@@ -47,6 +47,7 @@ TEST(RenderPass, ReportsAMutexThatCannotBeMade) {
     FakeHost host;
     Record record = newRecord();
     Init(record.get(), 0);
+    EXPECT_TRUE(host.errors.empty());
     host.mutexesWork = false;
     EXPECT_EQ(Init(record.get(), 0), nullptr);
     EXPECT_EQ(host.liveMutexes, 0);
