@@ -1,6 +1,7 @@
 #include <array>
 
 #include "studio/app/describe.h"
+#include "studio/app/surface_names.h"
 #include "studio/link/link_error.h"
 #include "studio/link/module_file.h"
 #include "studio/services/registry.h"
@@ -116,7 +117,10 @@ Json sceneJson(const Scene& scene, const Json& module) {
     json["extents"] = scene.bounds.isEmpty() ? Json()
                                              : Json{{"min", vectorOf(scene.bounds.min)},
                                                     {"max", vectorOf(scene.bounds.max)}};
-    json["surfaces"] = describeAll(scene.surfaces);
+    json["surfaces"] = Json::array();
+    for (const std::size_t i : listedSurfaces(scene)) {
+        json["surfaces"].push_back(describe(scene.surfaces[i]));
+    }
     json["lights"] = describeAll(scene.lights);
     json["cameras"] = describeAll(scene.cameras);
     json["animations"] = describeAll(scene.animations);

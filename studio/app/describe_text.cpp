@@ -2,6 +2,7 @@
 
 #include "studio/app/describe.h"
 #include "studio/app/report.h"
+#include "studio/app/surface_names.h"
 
 namespace tavora::studio {
 namespace {
@@ -57,6 +58,13 @@ std::string section(const char* title, const List& list, const char* none) {
     return text;
 }
 
+std::vector<const Surface*> surfacesOf(const Scene& scene) {
+    std::vector<const Surface*> surfaces;
+    for (const std::size_t i : listedSurfaces(scene))
+        surfaces.push_back(&scene.surfaces[i]);
+    return surfaces;
+}
+
 std::string extentsText(const Imath::Box3d& bounds) {
     if (bounds.isEmpty()) return "nothing to see";
     const Imath::V3d size = bounds.size();
@@ -90,7 +98,7 @@ std::string sceneText(const Scene& scene, const Json& module) {
            fmt::format("{:<11}{}\n", "extents", extentsText(scene.bounds)) +
            fmt::format("{:<11}{} in {} objects\n", "triangles", triangleCount(scene),
                        scene.objects.size()) +
-           section("surfaces", scene.surfaces, "none") +
+           section("surfaces", surfacesOf(scene), "none") +
            section("lights", scene.lights, "none; a key light is added") +
            section("cameras", scene.cameras, "none; one that frames the scene is added") +
            section("animations", scene.animations, "none") + moduleText(module);

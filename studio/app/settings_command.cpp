@@ -24,9 +24,8 @@ std::set<std::size_t> chosenSurfaces(const Scene& scene, const std::vector<std::
             chosen.insert(i);
     }
     if (!patterns.empty()) return chosen;
-    for (std::size_t i = 0; i < scene.surfaces.size(); ++i)
-        chosen.insert(i);
-    return chosen;
+    const std::vector<std::size_t> all = listedSurfaces(scene);
+    return {all.begin(), all.end()};
 }
 
 // A look without a surface of its own goes on the chosen ones.
@@ -61,12 +60,18 @@ void print(const Scene& scene, const std::vector<PlannedSurface>& planned,
     writeOut(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
-int materialOf(const Scene& scene, const Surface& surface) {
-    if (surface.materialIndex >= 0) return surface.materialIndex;
-    throw SceneError(
-        fmt::format("{}: surface \"{}\" has no material in the file to hold settings; "
-                    "give it one in your modeller",
-                    scene.path, surface.name));
+// Geometry without a material has nowhere to keep settings: an error where it
+// was asked for by name, else a warning.
+bool canHold(const Scene& scene, const Surface& surface, const SettingsRequest& request,
+             Report& report) {
+    if (surface.materialIndex >= 0) return true;
+    const std::string problem = fmt::format(
+        "{}: surface \"{}\" has no material in the file to hold settings; give it one "
+        "in your modeller",
+        scene.path, surface.name);
+    if (!request.surfaces.empty()) throw SceneError(problem);
+    report.warning(problem);
+    return false;
 }
 
 void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
@@ -74,9 +79,10 @@ void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
            const SettingsRequest& request, Report& report) {
     std::map<int, StoredShader> shaders;
     for (const std::size_t i : chosen) {
-        if (!planned[i].touched) continue;
-        const int material = materialOf(scene, scene.surfaces[i]);
-        shaders[material] = {server, planned[i].enabled, blockOf(*planned[i].settings)};
+        const Surface& surface = scene.surfaces[i];
+        if (!planned[i].touched || !canHold(scene, surface, request, report)) continue;
+        shaders[surface.materialIndex] = {server, planned[i].enabled,
+                                          blockOf(*planned[i].settings)};
     }
     if (shaders.empty()) throw UsageError("settings: nothing to store; give --look or --set");
     writeGltfSettings(request.scene, request.output, shaders);

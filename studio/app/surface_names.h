@@ -8,7 +8,11 @@
 
 namespace tavora::studio {
 
-/// The surfaces of that name, or else those that the glob ("Glass*") matches,
+/// The surfaces that count, by index: those of the file, and one for geometry
+/// without a material when there is such geometry.
+std::vector<std::size_t> listedSurfaces(const Scene& scene);
+
+/// The listed surfaces of that name, or else those that the glob ("Glass*") matches,
 /// by index. Throws UsageError that opens with `option` and lists near names
 /// when there is none.
 std::vector<std::size_t> matchingSurfaces(const Scene& scene, const std::string& pattern,

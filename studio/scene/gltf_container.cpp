@@ -42,9 +42,8 @@ GltfContainer takeApart(const std::filesystem::path& file, std::string_view byte
     if (bytes.size() < kHeaderSize + kChunkHeaderSize) damaged(file, "is a truncated .glb");
     if (wordAt(bytes, 4) != 2) damaged(file, "is a .glb of another version than 2");
     const std::size_t length = wordAt(bytes, 8);
-    if (length > bytes.size() || length < kHeaderSize + kChunkHeaderSize) {
-        damaged(file, "is a .glb with a length that is not its own");
-    }
+    if (length > bytes.size()) damaged(file, "is a truncated .glb");
+    if (length < kHeaderSize + kChunkHeaderSize) damaged(file, "is a .glb with a wrong length");
     bytes = bytes.substr(0, length);
     const std::size_t jsonSize = wordAt(bytes, kHeaderSize);
     const std::size_t jsonStart = kHeaderSize + kChunkHeaderSize;

@@ -191,10 +191,9 @@ TEST(GltfSettings, SayWhatCannotBeStored) {
 
 /// Model files to try, when the machine has them.
 std::vector<fs::path> modelFiles() {
-    const char* folder = std::getenv("TAVORA_TEST_MODELS");
     std::vector<fs::path> files;
     std::error_code none;
-    for (const auto& entry : fs::recursive_directory_iterator(folder ? folder : "", none)) {
+    for (const auto& entry : fs::recursive_directory_iterator(TAVORA_MODELS, none)) {
         const fs::path suffix = entry.path().extension();
         if (suffix == ".glb" || suffix == ".gltf") files.push_back(entry.path());
     }
@@ -203,7 +202,7 @@ std::vector<fs::path> modelFiles() {
 
 TEST(GltfSettings, RealModelsKeepAllButTheirExtras) {
     const std::vector<fs::path> files = modelFiles();
-    if (files.empty()) GTEST_SKIP() << "TAVORA_TEST_MODELS names no folder with models";
+    if (files.empty()) GTEST_SKIP() << "no models in " TAVORA_MODELS;
     for (const fs::path& file : files) {
         const TemporaryFolder folder;
         const fs::path input = folder / file.filename();

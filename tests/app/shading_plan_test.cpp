@@ -1,0 +1,129 @@
+#include "studio/app/shading_plan.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "studio/app/usage_error.h"
+#include "tests/files/temporary_folder.h"
+#include "tests/scene/settings_samples.h"
+
+namespace tavora::studio {
+namespace {
+
+using testing::HasSubstr;
+
+class ShadingPlan : public testing::Test {
+  protected:
+    ShadingPlan() {
+        for (const char* name : {"Body", "Glass.001", "Glass.002", "[odd]*"}) {
+            Surface& surface = scene_.surfaces.emplace_back();
+            surface.name = name;
+            surface.materialIndex = 0;
+        }
+        putBytes(folder_ / "a.json", look(R"({"edgeCoverage": 0.3, "edgeEnable": false})"));
+        putBytes(folder_ / "b.json", look(R"({"edgeCoverage": 0.4, "lights": "all"})"));
+    }
+
+    static std::string look(const std::string& settings) {
+        return R"({"tavora": "look", "version": 1, "settings": )" + settings + "}";
+    }
+
+    std::string file(const char* name) const { return folder_ / name; }
+
+    std::vector<PlannedSurface> plan() {
+        testing::internal::CaptureStderr();
+        const std::vector<std::string> lights{"Key", "F\xc3\xbcll"};
+        std::vector<PlannedSurface> planned;
+        try {
+            planned = planSurfaces(scene_, request_, shader_, lights, report_);
+        } catch (...) {
+            testing::internal::GetCapturedStderr();
+            throw;
+        }
+        said_ = testing::internal::GetCapturedStderr();
+        return planned;
+    }
+
+    TemporaryFolder folder_;
+    Scene scene_;
+    ShaderClass shader_{"tavora.so", "TAVO", sampleBlock()};
+    Report report_{ReportOptions{}};
+    ShadingRequest request_;
+    std::string said_;
+};
+
+TEST_F(ShadingPlan, LooksGoOnTheSurfacesTheyName) {
+    request_.looks = {{"", file("a.json")}, {"Glass*", file("b.json")}};
+    const auto planned = plan();
+    EXPECT_EQ((*planned[0].settings)["edgeCoverage"].dump(), "0.3");
+    EXPECT_EQ((*planned[1].settings)["edgeCoverage"].dump(), "0.4");
+    EXPECT_EQ((*planned[1].settings)["edgeEnable"], true) << "the last look alone counts";
+    EXPECT_EQ((*planned[2].settings)["lightList"].dump(), "[\"Key\",\"F\xc3\xbcll\"]");
+    EXPECT_EQ((*planned[0].settings)["maxTraceDepth"], 3) << "the rest is the shader's default";
+    EXPECT_EQ(said_, "");
+}
+
+TEST_F(ShadingPlan, ANameIsNotAPattern) {
+    request_.looks = {{"[odd]*", file("a.json")}};
+    const auto planned = plan();
+    EXPECT_TRUE(planned[3].settings);
+    EXPECT_FALSE(planned[0].settings);
+}
+
+TEST_F(ShadingPlan, ChangesLieOverLooksOverStoredSettings) {
+    StateBlock stored = sampleBlock();
+    stored[2] = 0.5F;
+    scene_.surfaces[0].shader = StoredShader{"TAVO", false, stored};
+    auto planned = plan();
+    EXPECT_FALSE(planned[0].enabled);
+    EXPECT_FALSE(planned[0].touched);
+    EXPECT_EQ(blockOf(*planned[0].settings), stored);
+
+    request_.looks = {{"Body", file("a.json")}};
+    request_.changes = {{"*", "edgeCoverage", "0.9"},
+                        {"Body", "zones[0].color", "1,0,0"},
+                        {"Body", "lights", "Key,Ambient"},
+                        {"Body", "highlightEnable", "off"}};
+    planned = plan();
+    EXPECT_TRUE(planned[0].enabled);
+    EXPECT_TRUE(planned[0].touched);
+    const Settings& settings = *planned[0].settings;
+    EXPECT_EQ(settings["highlightOutlineSize"], 0.5);
+    EXPECT_EQ(settings["edgeCoverage"].dump(), "0.9");
+    EXPECT_EQ(settings["zoneList"][0]["color"].dump(), "[1.0,0.0,0.0]");
+    EXPECT_EQ(settings["lightList"].dump(), R"(["Key","Ambient"])");
+    EXPECT_EQ(settings["highlightEnable"], "Off");
+    EXPECT_FALSE(planned[1].settings) << "a change alone puts no shader on a plain surface";
+}
+
+TEST_F(ShadingPlan, PlainWinsAndNamesMustMatch) {
+    request_.looks = {{"", file("a.json")}};
+    request_.plain = {"Glass*"};
+    const auto planned = plan();
+    EXPECT_TRUE(planned[0].settings);
+    EXPECT_FALSE(planned[1].settings);
+    request_.plain = {"Glas"};
+    EXPECT_THROW(plan(), UsageError);
+    request_ = {};
+    request_.changes = {{"Body", "edgeEnable", "true"}};
+    EXPECT_THROW(plan(), UsageError);
+}
+
+TEST_F(ShadingPlan, WhatCannotBeUsedIsSaidOnce) {
+    StateBlock damaged = sampleBlock();
+    damaged.pop_back();
+    scene_.surfaces[0].shader = StoredShader{"TAVO", true, damaged};
+    scene_.surfaces[1].shader = StoredShader{"ELSE", true, {}};
+    scene_.surfaces[2].shader = StoredShader{"TAVO", true, sampleBlock({}, 0, {"Gone"})};
+    scene_.surfaces[3].shader = StoredShader{"TAVO", true, sampleBlock({}, 0, {"Gone"})};
+    const auto planned = plan();
+    EXPECT_EQ(blockOf(*planned[0].settings), sampleBlock());
+    EXPECT_FALSE(planned[1].settings);
+    EXPECT_THAT(said_, HasSubstr("surface \"Body\": stored settings are damaged"));
+    EXPECT_THAT(said_, HasSubstr("no module has its shader \"ELSE\""));
+    EXPECT_THAT(said_, HasSubstr("its light \"Gone\" is not in the scene; there are: Key"));
+    EXPECT_EQ(std::count(said_.begin(), said_.end(), '\n'), 3);
+}
+
+}  // namespace
+}  // namespace tavora::studio
