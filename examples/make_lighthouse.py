@@ -263,7 +263,7 @@ def hull():
     for j in range(stations):
         for i in range(rows):
             k = j * row + i
-            triangles += [(k, k + 1, k + row), (k + 1, k + row + 1, k + row)]
+            triangles += [(k, k + row, k + 1), (k + 1, k + row, k + row + 1)]
     normals = [(0.0, 0.0, 0.0)] * len(positions)
     for a, b, c in triangles:
         n = cross(sub(positions[b], positions[a]), sub(positions[c], positions[a]))
@@ -276,7 +276,7 @@ def hull():
         deck_points += [add(positions[k], (0.0, -0.06, 0)), add(positions[k + rows], (0.0, -0.06, 0))]
     for j in range(stations):
         k = 2 * j
-        deck_faces += [(k, k + 2, k + 1), (k + 1, k + 2, k + 3)]
+        deck_faces += [(k, k + 1, k + 2), (k + 1, k + 3, k + 2)]
     deck = deck_points, [(0, 1, 0)] * len(deck_points), None, deck_faces
     stern = stations * row
     transom_faces = [(stern, stern + i, stern + i + 1) for i in range(1, rows)]
@@ -561,17 +561,29 @@ def materials(glb):
     glb.material('Gull', '#ffffff', doubleSided=True)
 
 
+EYE, LOOK = (7.9, 3.4, 16.2), (0.75, 3.0, 0.0)
+
+
+def across(distance, reach, low, high):
+    """A wall across the view at a distance from the eye."""
+    away = unit((LOOK[0] - EYE[0], 0, LOOK[2] - EYE[2]))
+    side = mul(cross(away, (0, 1, 0)), reach)
+    foot = add((EYE[0], 0, EYE[2]), mul(away, distance))
+    left, right = sub(foot, side), add(foot, side)
+    return quad((left[0], low, left[2]), (right[0], low, right[2]),
+                (right[0], high, right[2]), (left[0], high, left[2]))
+
+
 def landscape(glb):
-    glb.node('Backdrop', mesh=glb.mesh('Backdrop', ('Sky', quad(
-        (-190, -6, -120), (150, -6, -120), (150, 110, -120), (-190, 110, -120)))))
+    glb.node('Backdrop', mesh=glb.mesh('Backdrop', ('Sky', across(620, 420, -20, 330))))
     glb.node('Sea', mesh=glb.mesh('Sea', ('Sea', quad(
-        (-180, 0, 40), (140, 0, 40), (140, 0, -120), (-180, 0, -120), (46, 23)))))
+        (-800, 0, 120), (800, 0, 120), (800, 0, -800), (-800, 0, -800), (230, 131)))))
     glb.node('Island', mesh=glb.mesh('Island', ('Grass', island(0.0, 0.76, 26, 0.09)),
                                      ('Sand', island(0.70, 1.12, 12, 0.0))))
     hills = [placed(rounded_lathe([(r, 1 - r * r if r < 1 else 0) for r in
                                    [1 - k / 20 for k in range(21)]], 64), at, 0, size)
-             for at, size in (((-46, -0.4, -92), (26, 7.5, 8)), ((-24, -0.4, -98), (20, 4.6, 7)),
-                              ((34, -0.4, -100), (30, 6.0, 8)))]
+             for at, size in (((-128, -0.6, -190), (56, 17, 18)), ((-78, -0.6, -200), (44, 10, 16)),
+                              ((12, -0.6, -230), (50, 9, 16)))]
     glb.node('Hills', mesh=glb.mesh('Hills', ('Far Hills', merged(*hills))))
     places = [(-4.7, 0.0, 2.5, 0.95, 1), (-5.5, -0.05, 1.3, 0.7, 2), (-3.9, -0.05, 3.6, 0.55, 3),
               (4.7, 0.05, -1.6, 1.1, 4), (5.6, -0.1, -0.5, 0.7, 5), (3.9, 0.0, 2.5, 0.6, 6),
@@ -656,15 +668,15 @@ def boat(glb):
     boom_points = lathe([(0.02, -1.1), (0.02, 0.1)], 12)
     p, n, t, f = boom_points
     boom = ([(v[0], v[2] + 0.6, v[1]) for v in p], [(v[0], v[2], v[1]) for v in n], t, [tri[::-1] for tri in f])
-    angle = math.radians(-64) / 2
-    glb.node('Boat', translation=[5.0, 0.1, 4.6], rotation=[0, math.sin(angle), 0, math.cos(angle)],
-             scale=[1.15, 1.15, 1.15],
+    angle = math.radians(62) / 2
+    glb.node('Boat', translation=[6.9, 0.12, 3.0], rotation=[0, math.sin(angle), 0, math.cos(angle)],
+             scale=[0.92, 0.92, 0.92],
              mesh=glb.mesh('Boat', ('Hull', skin), ('Deck', deck), ('Wood', merged(mast, boom, stripe_mast)),
                            ('Sail', main), ('Jib', jib)))
     float_body = rounded_lathe([(0.0, -0.3), (0.3, -0.2), (0.36, 0.0), (0.3, 0.2), (0.16, 0.3), (0.12, 0.6),
                                 (0.10, 0.85), (0.0, 0.92)], 48)
     ring = lathe([(0.165, 0.40), (0.165, 0.62)], 48)
-    glb.node('Buoy', translation=[-3.4, 0.05, 6.6], rotation=[0.05, 0, -0.08, 0.995],
+    glb.node('Buoy', translation=[-1.6, 0.05, 7.0], rotation=[0.05, 0, -0.08, 0.995],
              mesh=glb.mesh('Buoy', ('Buoy', float_body), ('Trim', ring)))
 
 
@@ -677,22 +689,22 @@ def sky_things(glb):
             r = size * (1.15 - 0.62 * abs(t)) * rng.uniform(0.85, 1.1)
             puffs.append(placed(sphere(r, 40, 20), (t * size * 2.4, r * 0.55, rng.uniform(-0.3, 0.3) * size), 0, (1, 0.82, 1)))
         return merged(*puffs)
-    for number, (seed, size, at) in enumerate(((1, 2.6, (-27, 12.5, -62)), (5, 2.0, (12, 15.5, -66)),
-                                               (9, 1.5, (27, 10.0, -60)), (12, 1.2, (-6, 17.5, -70))), 1):
+    for number, (seed, size, at) in enumerate(((1, 6.6, (-84, 34, -150)), (5, 5.6, (6, 30, -150)),
+                                               (9, 3.2, (34, 47, -150)), (12, 3.4, (-62, 52, -170))), 1):
         glb.node('Cloud %d' % number, translation=list(at), mesh=glb.mesh('Cloud %d' % number, ('Cloud', cloud(seed, size))))
-    mesh = glb.mesh('Gull', ('Gull', gull(0.42)))
+    mesh = glb.mesh('Gull', ('Gull', gull(0.62)))
     for number, (at, turn) in enumerate((((1.3, 5.2, 0.5), 30), ((2.4, 5.75, -1.0), 10), ((0.6, 6.3, -2.0), 50)), 1):
         a = math.radians(turn) / 2
         glb.node('Gull %d' % number, mesh=mesh, translation=list(at), rotation=[0, math.sin(a), 0, math.cos(a)])
 
 
 def lights_and_cameras(glb, lantern):
-    target = (4.6, 0.0, 4.4)
+    target = (6.4, 0.0, 4.0)
     beam = unit(sub(target, lantern))
     glb.doc['extensions'] = {'KHR_lights_punctual': {'lights': [
         {'name': 'Sun', 'type': 'directional', 'color': linear('#fff4d6')[:3], 'intensity': 3.0},
         {'name': 'Sky Fill', 'type': 'directional', 'color': linear('#b8d8ff')[:3], 'intensity': 0.75},
-        {'name': 'Lantern', 'type': 'spot', 'color': linear('#ffd98a')[:3], 'intensity': 5200.0,
+        {'name': 'Lantern', 'type': 'spot', 'color': linear('#ffd98a')[:3], 'intensity': 420000.0,
          'spot': {'innerConeAngle': 0.11, 'outerConeAngle': 0.2}}]}}
     def light(name, index, at, direction):
         glb.node(name, translation=list(at), rotation=aimed(direction),
@@ -701,10 +713,9 @@ def lights_and_cameras(glb, lantern):
     light('Sky Fill', 1, (20, 12, 20), (-0.75, -0.28, -0.55))
     light('Lantern', 2, add(lantern, mul(beam, 0.6)), beam)
     glb.doc['cameras'] = [
-        {'name': 'Shore', 'type': 'perspective', 'perspective': {'yfov': 0.52, 'znear': 0.1, 'zfar': 400}},
+        {'name': 'Shore', 'type': 'perspective', 'perspective': {'yfov': 0.525, 'znear': 0.1, 'zfar': 2000}},
         {'name': 'Chart', 'type': 'orthographic', 'orthographic': {'xmag': 12, 'ymag': 7, 'znear': 0.1, 'zfar': 60}}]
-    eye, look = (7.6, 3.3, 15.2), (0.25, 2.75, 0.0)
-    glb.node('Shore', translation=list(eye), rotation=aimed(sub(look, eye)), camera=0)
+    glb.node('Shore', translation=list(EYE), rotation=aimed(sub(LOOK, EYE)), camera=0)
     glb.node('Chart', translation=[0.5, 30, 2], rotation=aimed((0, -1, 0)), camera=1)
     glb.doc['scenes'][0]['extras'] = {'tavora': {'ambient': [0.16, 0.17, 0.2]}}
 
