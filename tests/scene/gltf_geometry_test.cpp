@@ -1,0 +1,230 @@
+// Triangles, vertices and normals as files store them in their many ways.
+
+#include <gtest/gtest.h>
+
+#include "tests/scene/gltf_builder.h"
+
+namespace tavora::studio {
+namespace {
+
+using Imath::V2f;
+using Imath::V3f;
+using Imath::V4f;
+
+const Mesh& firstMesh(const Scene& scene) {
+    return *scene.objects.at(0)->parts.at(0).mesh;
+}
+
+/// A square of four corners, counter-clockwise, in the plane z = 0.
+const std::vector<float> kSquare = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
+const std::vector<float> kSquareStrip = {0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 1, 0};
+
+Scene readPrimitive(GltfBuilder& file, const Json& members) {
+    const int mesh = file.mesh(members["attributes"]);
+    file.primitive(mesh).update(members);
+    file.root({{"mesh", mesh}});
+    return file.read();
+}
+
+/// Twice the area of the triangles, along +z when they wind counter-clockwise.
+float windingZ(const Mesh& mesh) {
+    float sum = 0;
+    for (const auto& t : mesh.triangles) {
+        const V3f a = mesh.positions[t[0]];
+        sum += (mesh.positions[t[1]] - a).cross(mesh.positions[t[2]] - a).z;
+    }
+    return sum;
+}
+
+TEST(GltfGeometry, StripsAndFansWindLikeLists) {
+    struct Case {
+        int mode;
+        std::vector<float> positions;
+        std::vector<std::uint16_t> indices;
+        std::size_t triangles;
+        float winding;
+    };
+    const Case cases[] = {
+        {4, kSquare, {0, 1, 2, 0, 2, 3}, 2, 2},
+        {5, kSquareStrip, {}, 2, 2},
+        {5, kSquareStrip, {0, 1, 2, 2, 3, 3, 2, 1}, 3, 1},  // stitched: empty triangles go
+        {6, kSquare, {}, 2, 2},
+        {6, kSquare, {3, 0, 1, 2}, 2, 2},
+        {4, kSquare, {0, 1, 2, 0}, 1, 1},  // a rest of no three corners goes
+    };
+    for (const Case& c : cases) {
+        GltfBuilder file;
+        Json members = {{"mode", c.mode},
+                        {"attributes", {{"POSITION", file.accessor(c.positions, "VEC3")}}}};
+        if (!c.indices.empty()) members["indices"] = file.accessor(c.indices, "SCALAR");
+        const Scene scene = readPrimitive(file, members);
+        EXPECT_EQ(firstMesh(scene).triangles.size(), c.triangles) << "mode " << c.mode;
+        EXPECT_FLOAT_EQ(windingZ(firstMesh(scene)), c.winding) << "mode " << c.mode;
+    }
+}
+
+TEST(GltfGeometry, PointsAndLinesAreLeftOutWithAWarning) {
+    GltfBuilder file;
+    const Scene scene = readPrimitive(
+        file, {{"mode", 1}, {"attributes", {{"POSITION", file.accessor(kSquare, "VEC3")}}}});
+    EXPECT_TRUE(scene.objects.empty());
+    ASSERT_EQ(scene.warnings.size(), 2U);
+    EXPECT_NE(scene.warnings[0].find("points and lines are not drawn"), std::string::npos);
+}
+
+TEST(GltfGeometry, AbsentNormalsAreFlat) {
+    GltfBuilder file;
+    // Two triangles that share an edge, folded by a right angle.
+    const std::vector<float> folded = {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1};
+    const std::vector<std::uint8_t> indices = {0, 1, 2, 0, 2, 3};
+    const Scene scene =
+        readPrimitive(file, {{"attributes", {{"POSITION", file.accessor(folded, "VEC3")}}},
+                             {"indices", file.accessor(indices, "SCALAR")}});
+    const Mesh& mesh = firstMesh(scene);
+    EXPECT_FALSE(mesh.smooth);
+    ASSERT_EQ(mesh.triangles.size(), 2U);
+    for (std::uint32_t i : mesh.triangles[0])
+        EXPECT_EQ(mesh.normals[i], V3f(0, 0, 1));
+    for (std::uint32_t i : mesh.triangles[1])
+        EXPECT_EQ(mesh.normals[i], V3f(1, 0, 0));
+}
+
+TEST(GltfGeometry, NormalsBecomeUnitAndTellSmoothFromFlat) {
+    GltfBuilder file;
+    const std::vector<float> up = {0, 0, 2, 0, 0, 5, 0, 0, 0.001F};
+    const Scene flat = readPrimitive(
+        file, {{"attributes",
+                {{"POSITION", file.accessor(GltfBuilder::corners(), "VEC3")},
+                 {"NORMAL", file.accessor(up, "VEC3")}}}});
+    for (const V3f& n : firstMesh(flat).normals)
+        EXPECT_EQ(n, V3f(0, 0, 1));
+    EXPECT_FALSE(firstMesh(flat).smooth) << "stored normals that are the flat ones";
+
+    GltfBuilder bulged;
+    const std::vector<float> apart = {0, 0, 1, 0.6F, 0, 0.8F, 0, 0, 0};
+    const Scene smooth = readPrimitive(
+        bulged, {{"attributes",
+                  {{"POSITION", bulged.accessor(GltfBuilder::corners(), "VEC3")},
+                   {"NORMAL", bulged.accessor(apart, "VEC3")}}}});
+    EXPECT_TRUE(firstMesh(smooth).smooth);
+    EXPECT_EQ(firstMesh(smooth).normals[2], V3f(0, 0, 1)) << "no length: the triangle's own";
+}
+
+TEST(GltfGeometry, TrianglesWithoutAreaGiveUnitNormals) {
+    const std::vector<std::vector<float>> shapes = {
+        {1, 2, 3, 1, 2, 3, 1, 2, 3},
+        {0, 0, 0, 1, 1, 1, 2, 2, 2},
+        {0, 0, 0, 1e-30F, 0, 0, 0, 1e-30F, 0},
+        {0, 0, 0, 1e30F, 0, 0, 0, 1e30F, 0},
+    };
+    for (const auto& shape : shapes) {
+        GltfBuilder file;
+        const Scene scene =
+            readPrimitive(file, {{"attributes", {{"POSITION", file.accessor(shape, "VEC3")}}}});
+        for (const V3f& n : firstMesh(scene).normals)
+            EXPECT_NEAR(n.length(), 1, 1e-5);
+    }
+}
+
+TEST(GltfGeometry, SparseAccessorsReplaceTheirBaseOrZeros) {
+    for (const bool based : {true, false}) {
+        GltfBuilder file;
+        const std::vector<std::uint16_t> which = {1, 2};
+        const std::vector<float> values = {3, 0, 0, 0, 4, 0};
+        Json accessor = {{"componentType", 5126},
+                         {"count", 3},
+                         {"type", "VEC3"},
+                         {"sparse",
+                          {{"count", 2},
+                           {"indices", {{"bufferView", file.view(which)}, {"componentType", 5123}}},
+                           {"values", {{"bufferView", file.view(values)}}}}}};
+        const std::vector<float> base = {7, 7, 0, 1, 1, 1, 2, 2, 2};
+        if (based) accessor["bufferView"] = file.view(base);
+        const int index = file.add("accessors", accessor);
+        const Scene scene = readPrimitive(file, {{"attributes", {{"POSITION", index}}}});
+        const Mesh& mesh = firstMesh(scene);
+        EXPECT_EQ(mesh.positions[0], based ? V3f(7, 7, 0) : V3f(0));
+        EXPECT_EQ(mesh.positions[1], V3f(3, 0, 0));
+        EXPECT_EQ(mesh.positions[2], V3f(0, 4, 0));
+    }
+}
+
+TEST(GltfGeometry, NormalizedIntegersBecomeFractions) {
+    GltfBuilder file;
+    const std::vector<std::int16_t> positions = {-32768, 0, 0, 32767, 0, 0, 0, 32767, 0};
+    const std::vector<std::int8_t> normals = {0, 0, 127, 0, 0, 127, 0, 0, 127};
+    const std::vector<std::uint16_t> uvs = {0, 65535, 65535, 0, 32768, 0};
+    const std::vector<std::uint8_t> colors = {255, 0, 51, 255, 255, 255, 0, 0, 0};
+    const Scene scene =
+        readPrimitive(file, {{"attributes",
+                              {{"POSITION", file.accessor(positions, "VEC3", true)},
+                               {"NORMAL", file.accessor(normals, "VEC3", true)},
+                               {"TEXCOORD_0", file.accessor(uvs, "VEC2", true)},
+                               {"COLOR_0", file.accessor(colors, "VEC3", true)}}}});
+    const Mesh& mesh = firstMesh(scene);
+    EXPECT_EQ(mesh.positions[0], V3f(-1, 0, 0)) << "never below -1";
+    EXPECT_EQ(mesh.positions[1], V3f(1, 0, 0));
+    EXPECT_EQ(mesh.normals[0], V3f(0, 0, 1));
+    EXPECT_EQ(mesh.uvs[0][0], V2f(0, 1));
+    EXPECT_EQ(mesh.colors[0], V4f(1, 0, 0.2F, 1));
+}
+
+TEST(GltfGeometry, PlainIntegersStayWholeAndStridesAreStepped) {
+    GltfBuilder file;
+    // Interleaved: position (3 shorts, 1 of padding), UV (2 shorts).
+    const std::vector<std::int16_t> mixed = {0, 0, 0, 99, 5, 6, 10, 0, 0, 99, 7, 8, 0, 20, 0, 99, 9, 10};
+    const int view = file.view(mixed);
+    file.document["bufferViews"][0]["byteStride"] = 12;
+    const auto part = [&](int offset, const char* type) {
+        return file.add("accessors", {{"bufferView", view}, {"byteOffset", offset},
+                                      {"componentType", 5122}, {"count", 3}, {"type", type}});
+    };
+    const int positions = part(0, "VEC3");
+    const int uvs = part(8, "VEC2");
+    const Scene scene = readPrimitive(
+        file, {{"attributes", {{"POSITION", positions}, {"TEXCOORD_1", uvs}}}});
+    const Mesh& mesh = firstMesh(scene);
+    EXPECT_EQ(mesh.positions[1], V3f(10, 0, 0));
+    EXPECT_EQ(mesh.positions[2], V3f(0, 20, 0));
+    EXPECT_TRUE(mesh.uvs[0].empty());
+    EXPECT_EQ(mesh.uvs[1][2], V2f(9, 10));
+}
+
+TEST(GltfGeometry, MeshesAreSharedBetweenNodesAndSkippedVerticesDropped) {
+    GltfBuilder file;
+    std::vector<float> pool(3000, 5.0F);
+    const std::vector<float> corners = GltfBuilder::corners();
+    std::copy(corners.begin(), corners.end(), pool.begin() + 300);
+    const std::vector<std::uint16_t> indices = {100, 101, 102};
+    const int mesh = file.mesh({{"POSITION", file.accessor(pool, "VEC3")},
+                                {"NORMAL", file.accessor(pool, "VEC3")}},
+                               file.accessor(indices, "SCALAR"));
+    file.root({{"mesh", mesh}});
+    file.root({{"mesh", mesh}, {"translation", {5, 0, 0}}});
+    const Scene scene = file.read();
+    ASSERT_EQ(scene.objects.size(), 2U);
+    EXPECT_EQ(scene.objects[0]->parts[0].mesh, scene.objects[1]->parts[0].mesh);
+    EXPECT_EQ(firstMesh(scene).positions.size(), 3U);
+    EXPECT_EQ(firstMesh(scene).positions[1], V3f(1, 0, 0));
+    EXPECT_EQ(scene.bounds.max, Imath::V3d(6, 1, 0));
+}
+
+TEST(GltfGeometry, PartsNumberTheirPolygonsThroughTheObject) {
+    GltfBuilder file;
+    const int positions = file.accessor(kSquareStrip, "VEC3");
+    const int mesh = file.mesh({{"POSITION", positions}});
+    file.primitive(mesh)["mode"] = 5;
+    Json second = file.primitive(mesh);
+    second["material"] = file.add("materials", {{"name", "Red"}});
+    file.document["meshes"][0]["primitives"].push_back(second);
+    file.root({{"mesh", mesh}});
+    const Scene scene = file.read();
+    const auto& parts = scene.objects.at(0)->parts;
+    ASSERT_EQ(parts.size(), 2U);
+    EXPECT_EQ(parts[1].firstPolygon, 2);
+    EXPECT_EQ(scene.surfaces.at(static_cast<std::size_t>(parts[0].surface)).name, "Default");
+    EXPECT_EQ(scene.surfaces.at(static_cast<std::size_t>(parts[1].surface)).name, "Red");
+}
+
+}  // namespace
+}  // namespace tavora::studio
