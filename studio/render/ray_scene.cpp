@@ -60,6 +60,20 @@ bool isCutOut(const RayContext& context, const MeshGeometry& geometry, const RTC
     return alpha < static_cast<double>(geometry.source->surface->alphaCutoff);
 }
 
+/// Rays through the edge between two triangles meet both, though they pass the
+/// surface once.
+bool isOnEdge(const RTCHit& hit) {
+    constexpr float kEdge = 1e-6F;
+    return hit.u <= kEdge || hit.v <= kEdge || 1.0F - hit.u - hit.v <= kEdge;
+}
+
+/// Whether a hit is the same passage as one before, met by the other triangle.
+bool isSamePassage(const HitKey& before, const HitKey& key, const RTCHit& hit) {
+    constexpr float kRounding = 1e-6F;
+    return key.mesh == before.mesh && isOnEdge(hit) &&
+           key.distance - before.distance <= kRounding * key.distance;
+}
+
 bool isUnseenBack(const MeshGeometry& geometry, const RTCRay& ray, const RTCHit& hit) {
     if (geometry.source->surface->doubleSided) return false;
     const float along = ray.dir_x * hit.Ng_x + ray.dir_y * hit.Ng_y + ray.dir_z * hit.Ng_z;
@@ -69,7 +83,8 @@ bool isUnseenBack(const MeshGeometry& geometry, const RTCRay& ray, const RTCHit&
 bool isSeen(RayContext& context, const MeshGeometry& geometry, const RTCRay& ray,
             const RTCHit& hit) {
     const HitKey key{ray.tfar, hit.geomID, hit.primID};
-    if (key <= context.after || key > context.best || isUnseenBack(geometry, ray, hit)) {
+    if (key <= context.after || key > context.best || isSamePassage(context.after, key, hit) ||
+        isUnseenBack(geometry, ray, hit)) {
         return false;
     }
     const Cover cover = context.scene->traits(geometry.source->surfaceIndex).cover;
@@ -84,7 +99,9 @@ bool stopsLight(RayContext& context, const MeshGeometry& geometry, const RTCRay&
     if (cover == Cover::CutOut) return !isCutOut(context, geometry, hit, ray.tfar);
     const double alpha = alphaOfHit(context, geometry, hit, static_cast<double>(ray.tfar));
     if (alpha >= 1) return true;
-    context.darkening += std::llround(-std::log2(1 - alpha) * kLogUnit);
+    // Each of the two triangles at an edge takes half.
+    const double share = isOnEdge(hit) ? 0.5 : 1.0;
+    context.darkening += std::llround(-std::log2(1 - alpha) * share * kLogUnit);
     return context.darkening > kDarkest;
 }
 

@@ -1,0 +1,227 @@
+// Surfaces without a shader: light, shadows, clear and cut-out surfaces, with
+// answers that can be worked out on paper.
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <numbers>
+
+#include "studio/scene/color.h"
+#include "tests/render/test_scene.h"
+
+namespace tavora::studio {
+namespace {
+
+using Imath::V3d;
+
+constexpr double kClose = 2e-6;
+
+void expectColor(const V3d& actual, const V3d& expected) {
+    EXPECT_NEAR(actual.x, expected.x, kClose);
+    EXPECT_NEAR(actual.y, expected.y, kClose);
+    EXPECT_NEAR(actual.z, expected.z, kClose);
+}
+
+const V3d kDown(0, 0, -1);  // straight at a quad
+
+/// One quad that fills the picture, and its surface.
+struct QuadScene : TestScene {
+    QuadScene() {
+        addSurface();
+        addQuad({0, 0, 0}, 1, 0);
+    }
+    Surface& surface() { return scene.surfaces[0]; }
+    V3d color() const {
+        return displayed(renderPlain(*this, frontCamera({0, 0, 5}, 0.5), squareOptions(1)), 0, 0);
+    }
+};
+
+TEST(PlainShading, ScattersLightByTheCosine) {
+    QuadScene test;
+    test.surface().baseColor = {0.5F, 0.25F, 1, 1};
+    test.rig.ambient = {0.25, 0.25, 0.25};
+    const double angle = std::numbers::pi / 3;
+    test.addSun({std::sin(angle), 0, -std::cos(angle)});
+    expectColor(test.color(), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
+    // From behind, nothing is added.
+    test.addSun({0, 0, 1});
+    expectColor(test.color(), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
+}
+
+TEST(PlainShading, PointLightsShineFromWhereTheyAre) {
+    QuadScene test;
+    test.addLight(LightKind::Point, {1, 0.5, 0}).position = {0, 3, 4};
+    const double cosine = 4.0 / 5.0;
+    expectColor(test.color(), V3d(1, 0.5, 0) * cosine);
+    // Level 1 at distance 1 with falloff.
+    test.rig.falloff = true;
+    expectColor(test.color(), V3d(1, 0.5, 0) * cosine / 25);
+}
+
+TEST(PlainShading, SpotsLightTheirConeAlone) {
+    TestScene test;
+    test.addSurface();
+    test.addQuad({0, 0, 0}, 10, 0);
+    Light& spot = test.addLight(LightKind::Spot);
+    spot.position = {0, 0, 1};
+    spot.innerCone = 0.5F;
+    spot.outerCone = static_cast<float>(std::numbers::pi / 4);
+    const Picture picture = renderPlain(test, frontCamera({0, 0, 5}, 2), squareOptions(41));
+    const double step = 4.0 / 41;
+    for (int x = 0; x < 41; ++x) {
+        const double away = std::abs((x - 20) * step);
+        const double shown = displayed(picture, x, 20).x;
+        if (away > 1.001) {
+            EXPECT_EQ(shown, 0) << x;
+        } else if (away < std::tan(0.5)) {
+            EXPECT_NEAR(shown, 1 / std::hypot(1, away), kClose) << x;
+        } else {
+            EXPECT_GT(shown, 0) << x;
+            EXPECT_LT(shown, 1 / std::hypot(1, away)) << x;
+        }
+    }
+}
+
+TEST(PlainShading, ShadowsAreWhereTheBlockerIs) {
+    TestScene test;
+    test.addSurface();
+    test.addQuad({0, 0, 0}, 10, 0);
+    // The camera looks from under the blocker, whose shadow the sun throws
+    // two to the right.
+    test.addQuad({0, 0, 2}, 0.5, 0);
+    test.addSun({1, 0, -1});
+    const Picture picture = renderPlain(test, frontCamera({0, 0, 1}, 4), squareOptions(81));
+    const double lit = std::cos(std::numbers::pi / 4);
+    for (int x = 0; x < 81; ++x) {
+        const double at = (x - 40) * 8.0 / 81;
+        if (std::abs(std::abs(at - 2) - 0.5) < 1e-3) continue;
+        const bool shadowed = std::abs(at - 2) < 0.5;
+        EXPECT_NEAR(displayed(picture, x, 40).x, shadowed ? 0 : lit, kClose) << at;
+    }
+}
+
+TEST(PlainShading, SinglesidedBacksAreUnseenButThrowShadows) {
+    TestScene test;
+    test.addSurface();
+    test.addSurface().doubleSided = true;
+    test.addSun(kDown);
+    const Imath::M44d turned = Imath::M44d().rotate(V3d(0, std::numbers::pi, 0));
+    test.addObject(quadMesh(1), 0, turned * Imath::M44d().translate(V3d(0, 0, 1)));
+    const auto color = [&] {
+        return displayed(renderPlain(test, frontCamera({0, 0, 5}, 0.5), squareOptions(1)), 0, 0);
+    };
+    expectColor(color(), V3d(0));
+    test.addQuad({0, 0, 0}, 1, 0);  // seen through the back, in its shadow
+    expectColor(color(), V3d(0));
+    test.addObject(quadMesh(1), 1, turned * Imath::M44d().translate(V3d(0, 0, 2)));
+    expectColor(color(), V3d(1));  // turned to the viewer, and so to the sun
+    // Mirrored, a front stays a front.
+    test.addObject(quadMesh(1), 0,
+                   Imath::M44d().scale(V3d(-1, 1, 1)) * Imath::M44d().translate(V3d(0, 0, 3)));
+    test.scene.surfaces[0].baseColor = {1, 0, 0, 1};
+    expectColor(color(), V3d(1, 0, 0));
+}
+
+TEST(PlainShading, ClearSurfacesLieOverWhatIsBehind) {
+    TestScene test;
+    test.rig.ambient = V3d(1);
+    test.addSurface().baseColor = {0, 1, 0, 1};
+    const auto clear = [&](const Imath::V4f& color) {
+        Surface& surface = test.addSurface();
+        surface.alphaMode = AlphaMode::Blend;
+        surface.baseColor = color;
+    };
+    clear({1, 0, 0, 0.25F});
+    clear({0, 0, 1, 0.5F});
+    const auto render = [&](const std::optional<V3d>& background) {
+        RenderOptions options = squareOptions(1);
+        options.background = background;
+        return renderPlain(test, frontCamera({0, 0, 5}, 0.5), options);
+    };
+    // The nearer one is added first: order must come from distance.
+    test.addQuad({0, 0, 2}, 1, 2);
+    test.addQuad({0, 0, 1}, 1, 1);
+    const Picture open = render(std::nullopt);
+    EXPECT_NEAR(static_cast<double>(open.pixel(0, 0)[3]), 1 - 0.75 * 0.5, kClose);
+    expectColor(displayed(open, 0, 0), V3d(0.5 * 0.25, 0, 0.5) / 0.625);
+    expectColor(displayed(render(V3d(0, 0.5, 0)), 0, 0), V3d(0.125, 0.1875, 0.5));
+    test.addQuad({0, 0, 0}, 1, 0);
+    expectColor(displayed(render(std::nullopt), 0, 0), V3d(0.125, 0.375, 0.5));
+}
+
+TEST(PlainShading, ClearSurfacesLetLightThrough) {
+    TestScene test;
+    test.addSurface();
+    test.addSun(kDown);
+    test.addQuad({0, 0, 0}, 1, 0);
+    for (const float alpha : {0.25F, 0.5F, 0.3F}) {
+        Surface& surface = test.addSurface();
+        surface.alphaMode = AlphaMode::Blend;
+        surface.baseColor = {1, 1, 1, alpha};
+        test.addQuad({0, 0, 3.0 + alpha}, 1, static_cast<int>(test.scene.surfaces.size()) - 1);
+    }
+    const Picture picture = renderPlain(test, frontCamera({0, 0, 2}, 0.5), squareOptions(1));
+    expectColor(displayed(picture, 0, 0), V3d(0.75 * 0.5 * 0.7));
+}
+
+TEST(PlainShading, CutOutsHaveHolesAlsoInTheirShadows) {
+    TestScene test;
+    test.addSurface();
+    // Left half there, right half not.
+    const int image = test.addImage(2, 1, {255, 0, 0, 255, 255, 0, 0, 100});
+    Surface& cutOut = test.addSurface();
+    cutOut.alphaMode = AlphaMode::Mask;
+    cutOut.alphaCutoff = 0.4F;
+    cutOut.baseColorTexture = TextureUse{};
+    cutOut.baseColorTexture->image = image;
+    cutOut.baseColorTexture->magnify = cutOut.baseColorTexture->minify = Filter::Nearest;
+    cutOut.baseColorTexture->mipmaps = false;
+    test.addQuad({0, 0, 0}, 2, 0);
+    test.addQuad({0, 0, 2}, 1, 1);
+    test.addSun(kDown);
+    const auto shownAt = [&](double height, int x) {
+        const Picture picture = renderPlain(test, frontCamera({0, 0, height}, 1), squareOptions(4));
+        return displayed(picture, x, 1);
+    };
+    expectColor(shownAt(5, 0), V3d(1, 0, 0));
+    expectColor(shownAt(5, 3), V3d(1));  // 100 of 255 is just under the cut-off
+    expectColor(shownAt(1, 0), V3d(0));  // from under it: its shadow
+    expectColor(shownAt(1, 3), V3d(1));
+    test.scene.surfaces[1].alphaCutoff = 0.39F;
+    expectColor(shownAt(1, 3), V3d(0));
+}
+
+TEST(PlainShading, EmissionAndUnlitShowWithoutLight) {
+    QuadScene test;
+    test.surface().baseColor = {0.5F, 0.5F, 0.5F, 1};
+    test.surface().unlit = true;
+    expectColor(test.color(), V3d(toEncoded(0.5)));
+    test.addSun(kDown);
+    expectColor(test.color(), V3d(toEncoded(0.5)));
+    test.surface().unlit = false;
+    // Half emission: half-way to its hue, half luminous, fully lit by the sun.
+    const float half = static_cast<float>(toLinear(0.5));
+    test.surface().emissive = {half, 0, 0};
+    const double grey = toEncoded(0.5);
+    expectColor(test.color(), V3d(0.5 * grey + 0.5, 0.5 * grey, 0.5 * grey) * 1.5);
+}
+
+TEST(PlainShading, MultipliesTextureFactorAndVertexColorAsLight) {
+    TestScene test;
+    Surface& surface = test.addSurface();
+    surface.unlit = true;
+    surface.baseColorTexture = TextureUse{};
+    surface.baseColorTexture->image = test.addImage(1, 1, {188, 188, 188, 255});
+    auto mesh = quadMesh(1);
+    test.addObject(mesh, 0);
+    const auto color = [&] {
+        return displayed(renderPlain(test, frontCamera({0, 0, 5}, 0.5), squareOptions(1)), 0, 0);
+    };
+    expectColor(color(), V3d(188 / 255.0));
+    surface.baseColor = {0.5F, 1, 1, 1};
+    mesh->colors.assign(4, {1, 1, 0.5F, 1});
+    const double texel = toLinear(188 / 255.0);
+    expectColor(color(), V3d(toEncoded(texel / 2), toEncoded(texel), toEncoded(texel / 2)));
+}
+
+}  // namespace
+}  // namespace tavora::studio
