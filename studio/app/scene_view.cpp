@@ -23,7 +23,7 @@ bool isIndex(const std::string& text, std::size_t count, std::size_t& index) {
 Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect) {
     const std::vector<Camera>& cameras = scene.cameras;
     if (choice.empty()) {
-        return cameras.empty() ? framingCamera(scene.bounds, aspect) : cameras.front();
+        return cameras.empty() ? framingCamera(scene, aspect) : cameras.front();
     }
     std::vector<std::string> names;
     for (const Camera& camera : cameras) {

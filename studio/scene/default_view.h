@@ -4,10 +4,11 @@
 
 namespace tavora::studio {
 
-/// A camera that frames `bounds` from the front, a little from above and from
-/// the right, for a picture of width / height = `aspect`. Empty bounds are
-/// framed as a unit cube.
-Camera framingCamera(const Imath::Box3d& bounds, double aspect);
+/// A perspective camera named "Framing" that sees the whole scene from the
+/// front, a little from above and from the right, as close as a margin of 4%
+/// on the tightest side lets it, for a picture of width / height = `aspect`.
+/// A scene without triangles is framed as a unit cube. Any thread.
+Camera framingCamera(const Scene& scene, double aspect);
 
 /// A directional light from over the camera's left shoulder, named "Key".
 Light keyLight(const Camera& camera);
