@@ -3,6 +3,7 @@
 #include "host/handler.h"
 #include "host/interface.h"
 #include "host/module.h"
+#include "persist/state_block.h"
 #include "plugin/services.h"
 #include "tests/support/fake_host.h"
 
@@ -11,15 +12,15 @@ extern "C" const HostModuleDescriptor _mod_descrip;
 namespace tavora::testing {
 namespace {
 
-const std::vector<std::string> serviceOrder = {"MultiThreading Utilities 2",
-                                               "LW Item Info 5",
-                                               "LW Light Info 5",
-                                               "Info Messages 2",
-                                               "Directory Info",
-                                               "File IO 2",
-                                               "Instance Update",
-                                               "Surface Functions 4",
-                                               "Texture Functions 3"};
+const Names serviceOrder = {"MultiThreading Utilities 2",
+                            "LW Item Info 5",
+                            "LW Light Info 5",
+                            "Info Messages 2",
+                            "Directory Info",
+                            "File IO 2",
+                            "Instance Update",
+                            "Surface Functions 4",
+                            "Texture Functions 3"};
 
 struct HandlerRecord {
     HostInstanceCallbacks instance = {};
@@ -87,13 +88,13 @@ TEST(Activation, HandlerFillsWhatTheHostCalls) {
     HostError error = nullptr;
     HostInstance first = record.instance.create(nullptr, nullptr, &error);
     HostInstance second = record.instance.create(nullptr, nullptr, &error);
-    ASSERT_NE(first, nullptr);
     EXPECT_EQ(error, nullptr);
     const char* line = record.instance.descriptionLine(first);
     EXPECT_STREQ(line, "Tavora v1.1");
     EXPECT_NE(line, record.instance.descriptionLine(second));
     EXPECT_EQ(record.handler.flags(first), 0x41Eu);
     EXPECT_EQ(record.instance.copy(second, first), nullptr);
+    EXPECT_TRUE(record.instance.load == Load && record.instance.save == Save);
     EXPECT_EQ(record.render.init(first, 0), nullptr);
     EXPECT_EQ(record.render.newTime(first, 1, 0.5), nullptr);
     HostSample sample = upwardSample();

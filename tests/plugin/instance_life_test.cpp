@@ -1,51 +1,49 @@
 #include "plugin/instance_life.h"
 
+#include <bit>
 #include <cstring>
 #include <gtest/gtest.h>
+#include <sstream>
 
-#include "tests/support/allocations.h"
-#include "tests/support/fake_host.h"
-#include "tests/support/state_items.h"
+#include "tests/support/heap.h"
+#include "tests/support/records.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {
 namespace {
 
 TEST(InstanceLife, ANewRecordHoldsTheDefaults) {
-    Record record = newRecord(identity<HostSurfaceId>(7));
+    const Record record = newRecord(identity<HostSurfaceId>(7));
     EXPECT_EQ(record->context, identity<HostSurfaceId>(7));
     EXPECT_EQ(record->selectedZone, record->zoneList);
     EXPECT_EQ(record->activeTab, 0);
     EXPECT_EQ(record->transparencyUsed, 0);
-    EXPECT_STREQ(record->description, "");
 
-    // All stored settings at once, in block order.
-    std::string text;
-    for (const StateItem& item : save(record.get())) {
-        float number;
-        std::memcpy(&number, &item.bits, sizeof number);
-        char buffer[32];
-        if (item.kind == 'i') {
-            std::snprintf(buffer, sizeof buffer, "%d ", static_cast<int>(item.bits));
+    std::ostringstream settings;  // all stored ones, in block order
+    for (const std::string& value : save(record.get())) {
+        const auto bits = static_cast<std::uint32_t>(std::stoul(value.substr(1)));
+        if (value[0] == 'i') {
+            settings << bits << ' ';
         } else {
-            std::snprintf(buffer, sizeof buffer, "%.9g ", static_cast<double>(number));
+            settings << std::bit_cast<float>(bits) << ' ';
         }
-        text += buffer;
     }
-    const std::string zoneEnd = "1 0 1 1 0 0 1 0 0 ";
-    EXPECT_EQ(text,
-              "6 0 0.0199999996 1 0 0 0 0 0.119999997 1 1 1 1 "       // outline, highlight
-              "0 0.200000003 0.5 0 0 0 0 1 1 1 0 0 0 0.5 0.5 0 0.5 "  // edge, slope
+    const std::string plain = "1 0 1 1 0 0 1 0 0 ";
+    EXPECT_EQ(settings.str(),
+              "6 0 0.02 1 0 0 0 0 0.12 1 1 1 1 "  // outline, highlight
+              "0 0.2 0.5 0 0 0 "                  // edge
+              "0 1 1 1 0 0 0 0.5 0.5 0 0.5 "      // slope
               "5 0 0 0 0 " +
-                  zoneEnd + "0 0 1 0.25 " + zoneEnd + "0 1 0 0.5 " + zoneEnd + "1 0 0 0.75 " +
-                  zoneEnd + "1 1 1 1 " + zoneEnd +
-                  "0 1 0 0 0 0 0 0 0 1 1 0 0 1 "  // lights, force, ink-over, use
+                  plain + "0 0 1 0.25 " + plain +  // zones
+                  "0 1 0 0.5 " + plain + "1 0 0 0.75 " + plain + "1 1 1 1 " + plain +
+                  "0 1 "                      // lights, force
+                  "0 0 0 0 0 0 0 1 1 0 0 1 "  // ink-over, uses
                   "0 0 0 0 0 0 0 ");
 }
 
 TEST(InstanceLife, CopiesAreIndependent) {
-    Record source = newRecord(identity<HostSurfaceId>(1)),
-           target = newRecord(identity<HostSurfaceId>(2));
+    const Record source = newRecord(identity<HostSurfaceId>(1));
+    const Record target = newRecord(identity<HostSurfaceId>(2));
     addZone(source.get(), 0.6, 1);
     chooseLights(*source, {"Key", "Ambient"});
     chooseLights(*target, {"Old"});
@@ -64,34 +62,20 @@ TEST(InstanceLife, CopiesAreIndependent) {
     EXPECT_EQ(target->selectedZone, target->zoneList);
     EXPECT_EQ(target->zoneCursor, target->zoneList);
     EXPECT_EQ(target->lightCursor, target->lightList);
-    EXPECT_EQ(source->zoneCursor, nullptr);
-    EXPECT_EQ(source->lightCursor, nullptr);
+    EXPECT_TRUE(!source->zoneCursor && !source->lightCursor);
     EXPECT_NE(source->selectedZone, source->zoneList);
-    const StateItems copied = save(target.get());
+    const Block copied = save(target.get());
     EXPECT_EQ(copied, save(source.get()));
+    zonesOf(*target);  // linked among its own
 
     deleteZone(source.get(), 0.6);
-    source->zoneList->color[0] = 0.5f;
     std::strcpy(source->lightList->name, "Rim");
     EXPECT_EQ(save(target.get()), copied);
-    zonesOf(*target);  // its links stay among its own
     EXPECT_EQ(Copy(target.get(), target.get()), nullptr);
     EXPECT_EQ(save(target.get()), copied);
 }
 
-TEST(InstanceLife, EverythingIsFreed) {
-    const long live = liveAllocations();
-    {
-        Record record = newRecord();
-        chooseLights(*record, {"Key", "Rim"});
-        Record empty = newRecord();
-        replaceZones(*empty, {});
-        Destroy(nullptr);
-    }
-    EXPECT_EQ(liveAllocations(), live);
-}
-
-TEST(InstanceLife, WithoutMemoryNothingChanges) {
+TEST(InstanceLife, FreesEverythingAndChangesNothingWithoutMemory) {
     const long live = liveAllocations();
     for (int failing = 0; failing < 6; ++failing) {  // the record and five zones
         HostError error = nullptr;
@@ -99,21 +83,20 @@ TEST(InstanceLife, WithoutMemoryNothingChanges) {
         EXPECT_EQ(Create(nullptr, nullptr, &error), nullptr);
         EXPECT_NE(error, nullptr);
     }
-    EXPECT_EQ(liveAllocations(), live);
-
-    Record source = newRecord(), target = newRecord();
-    chooseLights(*source, {"Key", "Rim"});
-    chooseLights(*target, {"Old"});
-    const StateItems before = save(target.get());
-    for (int failing = 0; failing < 7; ++failing) {
+    {
+        const Record source = newRecord(), target = newRecord();
+        chooseLights(*source, {"Key", "Rim"});
+        const std::string before = bytesOf(*target);
         const long copies = liveAllocations();
-        {
+        for (int failing = 0; failing < 7; ++failing) {
             const AllocationWatch watch(failing);
             EXPECT_EQ(Copy(target.get(), source.get()), nullptr);
+            EXPECT_EQ(liveAllocations(), copies);
         }
-        EXPECT_EQ(liveAllocations(), copies);
-        EXPECT_EQ(save(target.get()), before);
+        EXPECT_EQ(bytesOf(*target), before);
     }
+    Destroy(nullptr);
+    EXPECT_EQ(liveAllocations(), live);
 }
 
 }  // namespace

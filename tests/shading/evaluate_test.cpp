@@ -1,232 +1,111 @@
+// An evaluation as the host sees it: what it reads, writes, locks and allocates.
+
 #include "shading/evaluate.h"
 
 #include <algorithm>
-#include <cmath>
-#include <cstring>
 #include <gtest/gtest.h>
 #include <limits>
 
+#include "plugin/description.h"
 #include "plugin/services.h"
-#include "shading/light_intensity.h"
 #include "shading/render_pass.h"
-#include "tests/support/allocations.h"
 #include "tests/support/fake_host.h"
-#include "tests/support/single.h"
+#include "tests/support/heap.h"
 
 namespace tavora::testing {
 namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-const Vec base = {0.25, 0.5, 0.75};
+constexpr double least = std::numeric_limits<double>::denorm_min();
 
-class Evaluation : public ::testing::Test {
-  protected:
-    Evaluation() { Init(record.get(), 0); }
-    ~Evaluation() override { Cleanup(record.get()); }
-    Evaluation(const Evaluation&) = delete;
-    Evaluation& operator=(const Evaluation&) = delete;
-
-    /// The gradient becomes this one zone at every intensity; the list's last
-    /// zone is never reached.
-    Zone& onlyZone(const Zone& zone) {
-        Zone last = greyZone(1.0f, 0.0f);
-        last.trans = 9.0f;
-        replaceZones(*record, {zone, last});
-        return *record->zoneList;
+struct Evaluation : ::testing::Test {
+    Evaluation() {
+        Init(record.get(), 0);
+        zone = greyZone(0.0f, 0.5f);
     }
-    HostSample evaluated(HostSample sample) {
+    ~Evaluation() override { Cleanup(record.get()); }
+
+    HostSample evaluated(HostSample sample = upwardSample()) {
         Evaluate(record.get(), &sample);
         return sample;
     }
-    Vec shade(Vec color = base) { return colorOf(evaluated(upwardSample(color))); }
+    /// The same, with `zone` as the only zone that a sample can meet.
+    HostSample evaluatedIn(HostSample sample = upwardSample()) {
+        replaceZones(*record, {zone, greyZone(1.0f, 0.0f)});
+        return evaluated(sample);
+    }
 
     FakeHost host;
     Record record = newRecord(identity<HostSurfaceId>(5));
+    Zone zone;
 };
 
 TEST_F(Evaluation, AnOpaquePlainZoneComesOutAsItIs) {
-    Zone zone = greyZone(0.0f, 0.0f);
     zone.color[0] = 128.0f / 255.0f;
     zone.color[1] = 64.0f / 255.0f;
-    onlyZone(zone);
-    const HostSample sample = evaluated(upwardSample());
-    EXPECT_EQ(colorOf(sample), (Vec{zone.color[0], zone.color[1], 0}));
-    EXPECT_EQ(sample.luminosity, 1.0);
-    EXPECT_EQ(sample.diffuse, 0.0);
-    EXPECT_EQ(sample.specular, 0.0);
+    const HostSample sample = evaluatedIn();
+    EXPECT_EQ(colorOf(sample), (Vec{zone.color[0], zone.color[1], 0.5}));
+    EXPECT_EQ((Vec{sample.luminosity, sample.diffuse, sample.specular}), (Vec{1, 0, 0}));
 }
 
 TEST_F(Evaluation, LooksUpIntensityPlusLuminosityCappedAtOne) {
-    host.add({.direction = {0, -0.5, 0}});
-    const auto shadeAt = [&](double luminosity) {
+    host.lights = {{.direction = {0, -0.5, 0}}};
+    const auto at = [&](double luminosity) {
         HostSample sample = upwardSample();
         sample.luminosity = luminosity;
         return colorOf(evaluated(sample));
     };
-    EXPECT_EQ(shadeAt(0.0), (Vec{0, 0, 1}));
-    EXPECT_EQ(shadeAt(0.125), (Vec{0, 1, 0}));
-    EXPECT_EQ(shadeAt(7.0), (Vec{1, 0, 0})) << "never above the last zone";
-    EXPECT_EQ(shadeAt(nan), (Vec{1, 0, 0}));
-    EXPECT_EQ(shadeAt(-7.0), (Vec{0, 0, 0}));
-}
-
-TEST_F(Evaluation, MixesOverTheBaseTwiceThenSaturatesAndBrightens) {
-    Values values(16);
-    for (int round = 0; round < 300; ++round) {
-        Zone zone = greyZone(0.0f, 0.0f);
-        for (float& channel : zone.color)
-            channel = values.fraction();
-        zone.opacity = values.fraction();
-        zone.sat = values.fraction(0.0, 2.0);
-        zone.bright = values.fraction(0.0, 2.0);
-        onlyZone(zone);
-        const Vec color = {values.real(), values.real(), values.real()};
-        const double a = zone.opacity, s = zone.sat;
-        Vec mixed;
-        for (unsigned i = 0; i < 3; ++i) {
-            const double kept = single(1.0 - a) * color[i];
-            mixed[i] = single(kept + a * single(kept + single(a * zone.color[i])));
-        }
-        const double mean = single(single(single(mixed[1] + mixed[0]) + mixed[2]) / 3.0);
-        const Vec result = shade(color);
-        for (unsigned i = 0; i < 3; ++i) {
-            EXPECT_EQ(result[i], zone.bright * (single(1.0 - s) * mean + single(s * mixed[i])));
-        }
-    }
+    EXPECT_EQ(at(0.0), (Vec{0, 0, 1}));
+    EXPECT_EQ(at(0.125), (Vec{0, 1, 0}));
+    EXPECT_EQ(at(7.0), (Vec{1, 0, 0})) << "never above the last zone";
+    EXPECT_EQ(at(nan), (Vec{1, 0, 0}));
+    EXPECT_EQ(at(-7.0), (Vec{0, 0, 0}));
 }
 
 TEST_F(Evaluation, AddsTheZonesTransparencyUpToOne) {
-    Zone& zone = onlyZone(greyZone(0.0f, 0.0f));
-    zone.trans = 0.5f;
-    const auto transparency = [&](double before) {
+    const auto transparency = [&](double before, int used) {
         HostSample sample = upwardSample();
         sample.transparency = before;
-        return evaluated(sample).transparency;
+        record->transparencyUsed = used;
+        return evaluatedIn(sample).transparency;
     };
-    record->transparencyUsed = 0;
-    EXPECT_EQ(transparency(0.25), 0.25);
-    record->transparencyUsed = 1;
-    EXPECT_EQ(transparency(0.25), 0.75);
-    EXPECT_EQ(transparency(0.75), 1.0);
-    EXPECT_EQ(transparency(nan), 1.0);
     zone.trans = 0.1f;
-    EXPECT_EQ(transparency(0.0), static_cast<double>(0.1f));
+    EXPECT_EQ(transparency(0.25, 0), 0.25);
+    EXPECT_EQ(transparency(0.25, 1), static_cast<double>(0.1f) + 0.25);
+    EXPECT_EQ(transparency(0.95, 1), 1.0);
+    EXPECT_EQ(transparency(nan, 1), 1.0);
 }
 
-TEST_F(Evaluation, TintsByTheShiftedLightColour) {
-    Values values(17);
-    Zone& zone = onlyZone(greyZone(0.0f, 1.0f));
+TEST_F(Evaluation, TintsOnlyWhereThereIsLight) {
     zone.accountLights = 1;
-    for (int round = 0; round < 100; ++round) {
-        host.ambient = {values.real(), values.real(), values.real()};
-        zone.color[0] = values.fraction();
-        zone.accountLightOpac = values.fraction();
-        const double o = zone.accountLightOpac, c = zone.color[0];
-        const double mean = (host.ambient[0] + host.ambient[1] + host.ambient[2]) / 3.0;
-        EXPECT_EQ(shade()[0], single(1.0 - o) * c + o * c * (host.ambient[0] + (1.0 - mean)));
-    }
-    // Light colours that sum to nothing do not tint.
-    zone.color[0] = 0.5f;
-    zone.accountLightOpac = 1.0f;
-    host.ambient = {1, -1, 0};
-    EXPECT_EQ(shade()[0], 0.5);
+    host.ambient = {1, -1, 0};  // colours that sum to nothing
+    EXPECT_EQ(evaluatedIn().color[0], 0.5);
     HostSample lit = upwardSample();
-    lit.luminosity = std::numeric_limits<double>::denorm_min();
-    EXPECT_EQ(evaluated(lit).color[0], 1.0);
+    lit.luminosity = least;
+    EXPECT_EQ(evaluatedIn(lit).color[0], 1.0);
     zone.accountLights = 0;
-    EXPECT_EQ(evaluated(lit).color[0], 0.5);
+    EXPECT_EQ(evaluatedIn(lit).color[0], 0.5);
 }
 
-TEST_F(Evaluation, ColourTextureCoversOrShades) {
-    Zone zone = greyZone(0.0f, 0.25f);
-    zone.color[0] = 1.0f;  // mean 0.5
-    onlyZone(zone);
-    const struct {
-        int use;
-        double alpha;
-        Vec color;
-    } cases[] = {
-        {0, 0.5, {1, 0.25, 0.25}},          {1, 0.0, base},
-        {1, 0.25, {0.4375, 0.4375, 0.625}}, {1, 1.0, {1, 0.25, 0.25}},
-        {2, 0.0, {0.125, 0.25, 0.375}},     {2, 0.5, {0.3125, 0.1875, 0.25}},
-        {2, 1.0, {0.5, 0.125, 0.125}},      {3, 0.5, {1, 0.25, 0.25}},
-    };
-    for (const auto& c : cases) {
-        record->colorTextureUse = c.use;
-        host.channelAlpha = {{"BaseColor", c.alpha}};
-        EXPECT_EQ(shade(), c.color) << c.use << ", " << c.alpha;
-    }
-    host.channelAlpha.clear();
+TEST_F(Evaluation, WithoutAColourTextureTheBaseColourShows) {
     record->colorTextureUse = 1;
-    EXPECT_EQ(shade(), base);
-}
-
-TEST_F(Evaluation, StagesFollowTheirOrder) {
-    onlyZone(greyZone(0.0f, 1.0f));
-    host.add({.direction = {0.2, -0.98, 0}});
-    chooseLights(*record, {"Key"});
-    const auto paint = [](float color[3], Vec value) {
-        for (unsigned i = 0; i < 3; ++i)
-            color[i] = static_cast<float>(value[i]);
-    };
-    // Each stage paints over the one before it, whole.
-    record->colorTextureUse = 1;
-    EXPECT_EQ(shade(), base) << "decal without a texture";
-    record->slopeEnable = record->slopeStyle = 1;
-    record->slopeTopOpacity = 1.0f;
-    paint(record->slopeTopColor, {0, 0, 1});
-    EXPECT_EQ(shade(), (Vec{0, 0, 1}));
-    record->highlightOutlineEnable = 1;  // the ring alone runs the stage, too
-    record->highlightSize = 0.0f;
-    record->highlightOutlineSize = 0.5f;
-    paint(record->highlightOutlineColor, {0, 1, 0});
-    EXPECT_EQ(shade(), (Vec{0, 1, 0}));
-    record->highlightEnable = 1;
-    record->highlightSize = 0.5f;
-    EXPECT_EQ(shade(), (Vec{1, 1, 1}));
-    record->highlightOutlineEnable = 0;
-    EXPECT_EQ(shade(), (Vec{1, 1, 1}));
-    record->edgeEnable = 1;
-    record->edgeCoverage = 2.0f;
-    paint(record->edgeColor, {1, 0, 0});
-    EXPECT_EQ(shade(), (Vec{1, 0, 0}));
-    record->inkoverEnable = 1;
-    record->inkoverTranslucent = 1;
-    host.channelAlpha = {{"Translucency", 0.5}};
-    host.onTrace = [](const double*, const double*, HostSample*) { return 1.0; };
-    host.lockLog.clear();
-    EXPECT_EQ(shade(), (Vec{0.5, 0, 0}));
-    EXPECT_EQ(host.lockLog, "(iit)") << "one lock around everything";
-}
-
-// Diffuse and luminosity are neighbours in the record. g++ 12's block
-// vectoriser, if it is let at them, stores both without the rounding.
-TEST_F(Evaluation, ForceColourRoundsEachResponseToSingle) {
-    Values values(18);
-    for (int round = 0; round < 100; ++round) {
-        HostSample sample = upwardSample();
-        sample.diffuse = values.real();
-        sample.luminosity = values.real();
-        sample.specular = values.real();
-        const double f = record->forceColor = round == 0 ? 0.0f : values.fraction();
-        const double keep = single(1.0 - f);
-        const HostSample result = evaluated(sample);
-        EXPECT_EQ(result.diffuse, single(keep * sample.diffuse));
-        EXPECT_EQ(result.luminosity, single(keep * sample.luminosity + f));
-        EXPECT_EQ(result.specular, single(keep * sample.specular));
-    }
+    EXPECT_EQ(colorOf(evaluatedIn()), colorOf(upwardSample()));
+    record->colorTextureUse = 2;
+    EXPECT_EQ(colorOf(evaluatedIn()), (Vec{0.125, 0.25, 0.375})) << "times the zone's grey";
+    host.channelAlpha = {{"BaseColor", 0.5}};
+    record->colorTextureUse = 3;
+    EXPECT_EQ(colorOf(evaluatedIn()), (Vec{0.5, 0.5, 0.5})) << "an unknown use is none";
 }
 
 TEST_F(Evaluation, WritesNothingElseAndNothingWithoutItems) {
-    HostSample sample;
-    std::memset(&sample, 0x3e, sizeof sample);
-    const HostSample like = upwardSample();
-    sample.illuminate = like.illuminate;
-    const HostSample before = sample;
-    record->transparencyUsed = 1;
-    HostSample after = evaluated(sample);
-    EXPECT_NE(colorOf(after), colorOf(before));
-    std::memcpy(after.color, before.color, sizeof after.color);
+    std::mt19937 random;
+    HostSample before;
+    scramble(&before, sizeof before, random);
+    before.illuminate = upwardSample().illuminate;
+    record->slopeEnable = record->edgeEnable = record->transparencyUsed = 1;
+    HostSample after = evaluated(before);
+    EXPECT_NE(bytesOf(after), bytesOf(before));
+    std::copy_n(before.color, 3, after.color);
     after.luminosity = before.luminosity;
     after.diffuse = before.diffuse;
     after.specular = before.specular;
@@ -234,98 +113,109 @@ TEST_F(Evaluation, WritesNothingElseAndNothingWithoutItems) {
     EXPECT_EQ(bytesOf(after), bytesOf(before));
 
     iteminfo = nullptr;
-    host.lockLog.clear();
-    after = evaluated(sample);
-    EXPECT_EQ(bytesOf(after), bytesOf(before));
-    EXPECT_EQ(host.lockLog, "");
+    host.log.clear();
+    EXPECT_EQ(bytesOf(evaluated(before)), bytesOf(before));
+    EXPECT_EQ(host.log, "");
 }
 
-TEST_F(Evaluation, RunsUnlockedWithoutAMutex) {
-    Cleanup(record.get());
-    EXPECT_EQ(shade(), (Vec{0, 0, 0}));
-    EXPECT_EQ(host.lockLog, "");
-}
-
-TEST_F(Evaluation, ATracedRayMayEvaluateTheSameRecord) {
+TEST_F(Evaluation, HoldsTheMutexFromStartToEndAndLetsTracedRaysBackIn) {
     host.ambient = {0.25, 0.5, 0.75};
-    host.add({.direction = {0, -0.25, 0}});
+    host.lights = {{.direction = {0, -0.25, 0}}};
     chooseLights(*record, {"Key", "Ambient"});
     record->useAllLights = 0;
     record->inkoverEnable = record->inkoverTranslucent = 1;
+    record->forceColor = 0.5f;
     host.channelAlpha = {{"Translucency", 0.5}};
     int depth = 0;
-    HostSample inner = upwardSample({1, 1, 1});
     host.onTrace = [&](const double*, const double*, HostSample* hit) {
-        if (++depth <= 8) {
-            *hit = inner;
-            Evaluate(record.get(), hit);
-        }
-        const bool missed = depth-- > 8;
-        return missed ? -1.0 : 1.0;
+        if (++depth > 2) return -1.0;
+        *hit = evaluated();
+        return 1.0;
     };
     HostSample sample = upwardSample();
     sample.luminosity = 0.125;
-    record->forceColor = 0.5f;
-    // Outside and inside meet other zones: red over green.
-    const HostSample result = evaluated(sample);
-    EXPECT_EQ(colorOf(result), (Vec{0.5, 0.5, 0}));
-    EXPECT_EQ(result.luminosity, 0.5625);
-    EXPECT_EQ(host.traces, 9);
-    EXPECT_EQ(std::count(host.lockLog.begin(), host.lockLog.end(), '('),
-              std::count(host.lockLog.begin(), host.lockLog.end(), ')'));
+    sample = evaluated(sample);
+    EXPECT_EQ(host.log, "(it(it(it)p)p)");
+    EXPECT_EQ(colorOf(sample), (Vec{0.5, 0.5, 0})) << "red outside, green inside";
+    EXPECT_EQ(sample.luminosity, 0.5625);
+
+    Cleanup(record.get());
+    host.log.clear();
+    evaluated();
+    EXPECT_EQ(host.log, "it") << "without a mutex it runs unlocked";
 }
 
 TEST_F(Evaluation, AllocatesNothingButTheHitOfInkOver) {
-    host.add({});
+    host.lights = {{}};
     chooseLights(*record, {"Key"});
     record->highlightEnable = record->slopeEnable = record->edgeEnable = 1;
-    host.lockLog.reserve(100);
-    host.asked.reserve(100);
+    host.log.reserve(100);
     host.queryTimes.reserve(100);
-    HostSample sample = upwardSample();
-    {
-        const AllocationWatch watch;
-        Evaluate(record.get(), &sample);
-        EXPECT_EQ(watch.count(), 0);
-    }
-    record->inkoverEnable = 1;
     const long live = liveAllocations();
-    const AllocationWatch watch;
-    Evaluate(record.get(), &sample);
-    EXPECT_EQ(watch.count(), 1);
-    EXPECT_EQ(liveAllocations(), live);
+    for (const int inkOver : {0, 1}) {
+        record->inkoverEnable = inkOver;
+        const AllocationWatch watch;
+        evaluated();
+        EXPECT_EQ(watch.count(), inkOver);
+        EXPECT_EQ(liveAllocations(), live);
+    }
 }
 
 TEST_F(Evaluation, SurvivesAnyValues) {
-    Values values(19);
-    host.add({.arriving = {nan, 1, 1}});
+    std::mt19937 random;
+    const auto upTo = [&](unsigned most) { return static_cast<int>(random() % (most + 1)); };
+    host.lights = {{.arriving = {nan, 1, 1}}};
     host.channelAlpha = {{"BaseColor", nan}, {"Translucency", nan}};
-    host.onTrace = [&](const double*, const double*, HostSample*) { return values.real(-1, 1); };
+    host.onTrace = [&](const double*, const double*, HostSample*) { return upTo(2) - 1.0; };
     for (int round = 0; round < 2000; ++round) {
-        std::vector<Zone> zones(static_cast<unsigned>(values.integer(0, 4)));
-        for (Zone& zone : zones) {
-            for (float* field : {&zone.position, &zone.opacity, &zone.bright, &zone.trans}) {
-                *field = values.anyFloat();
-            }
-            zone.blend = values.integer(0, 1);
-            zone.accountLights = values.integer(0, 1);
+        std::vector<Zone> zones(static_cast<unsigned>(upTo(4)));
+        for (Zone& any : zones) {
+            scramble(&any, offsetof(Zone, next), random);
+            any.blend = upTo(1);
         }
+        scramble(
+            &record->highlightOutlineEnable,
+            offsetof(ShaderInstance, lightList) - offsetof(ShaderInstance, highlightOutlineEnable),
+            random);
+        record->colorTextureUse = upTo(3);
+        record->lightPower = upTo(3);
+        record->useAllLights = upTo(1);
+        record->inkoverTranslucent = upTo(1);
+        record->maxTraceDepth = upTo(3) - 1;
         replaceZones(*record, zones);
         chooseLights(*record, {"Ambient", round % 2 ? "Key" : ""});
-        for (std::int32_t* field :
-             {&record->slopeStyle, &record->lightPower, &record->colorTextureUse,
-              &record->highlightEnable, &record->useAllLights, &record->inkoverTranslucent}) {
-            *field = round % 5 ? values.integer(0, 2) : values.anyInteger();
-        }
-        for (float* field : {&record->slopeCenter, &record->edgeCoverage, &record->forceColor,
-                             &record->edgeSharpness, &record->highlightSize}) {
-            *field = values.anyFloat();
-        }
-        record->slopeEnable = record->edgeEnable = record->inkoverEnable = 1;
-        record->maxTraceDepth = values.integer(-2, 3);
         Init(record.get(), 0);
-        shade();
+        evaluated();
         EXPECT_EQ(record->zoneCursor == nullptr, zones.empty());
+    }
+}
+
+TEST_F(Evaluation, PassFindsTransparencyAboveAMillionth) {
+    const auto flagsWith = [&](float trans) {
+        record->zoneList->next->trans = trans;
+        EXPECT_EQ(Init(record.get(), 0), nullptr);
+        EXPECT_EQ(record->zoneCursor, record->zoneList);
+        return Flags(record.get());
+    };
+    EXPECT_EQ(flagsWith(1.00000011e-6f), 0x45Eu) << "the next single above";
+    EXPECT_EQ(flagsWith(9.99999997e-7f), 0x41Eu) << "and below";
+    EXPECT_EQ(flagsWith(-1.0f), 0x41Eu);
+}
+
+TEST_F(Evaluation, PassKeepsOneMutexForAllRecords) {
+    const Record second = newRecord();
+    const HostMutexId before = mtid;
+    Init(second.get(), 0);
+    EXPECT_NE(mtid, before);
+    EXPECT_EQ(host.liveMutexes, 1);
+    EXPECT_TRUE(host.errors.empty());
+    host.mutexesWork = false;
+    EXPECT_EQ(Init(second.get(), 0), nullptr);
+    EXPECT_EQ(host.errors, Names{"Cound not create mutex"});
+    for (int twice = 0; twice < 2; ++twice) {
+        EXPECT_EQ(host.liveMutexes, 0);
+        EXPECT_EQ(mtid, nullptr);
+        Cleanup(second.get());
     }
 }
 

@@ -4,13 +4,11 @@ namespace tavora::testing {
 
 /// Counts this thread's allocations while it lives, and fails the one of number
 /// `failing` (counted from 0). One at a time.
-class AllocationWatch {
-  public:
+struct AllocationWatch {
     explicit AllocationWatch(int failing = -1);
     ~AllocationWatch();
     AllocationWatch(const AllocationWatch&) = delete;
     AllocationWatch& operator=(const AllocationWatch&) = delete;
-
     int count() const;
 };
 

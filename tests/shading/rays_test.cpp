@@ -1,0 +1,168 @@
+// Ink-over, and what textures get to know of a point.
+
+#include <algorithm>
+#include <gtest/gtest.h>
+#include <limits>
+
+#include "shading/channel_alpha.h"
+#include "shading/ink_over.h"
+#include "tests/support/fake_host.h"
+#include "tests/support/heap.h"
+
+namespace tavora::testing {
+namespace {
+
+constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+constexpr double least = std::numeric_limits<double>::denorm_min();
+const Vec surface = {0.5, 0.25, 1.0}, paint = {0.25, 0.5, 0.75};
+
+struct InkOver : ::testing::Test {
+    InkOver() {
+        std::copy(paint.begin(), paint.end(), record->inkoverPaintColor);
+        sample.objectId = own;
+        host.onTrace = [this](const double*, const double*, HostSample* hit) {
+            std::copy(hitColor.begin(), hitColor.end(), hit->color);
+            hit->objectId = hitObject;
+            return distance;
+        };
+    }
+    Vec draw() {
+        std::copy(surface.begin(), surface.end(), sample.color);
+        host.log.clear();
+        drawInkOver(record.get(), &sample);
+        return colorOf(sample);
+    }
+    Vec drawAt(double hitDistance) {
+        distance = hitDistance;
+        return draw();
+    }
+
+    const HostItemId own = identity<HostItemId>(8);
+    FakeHost host;
+    Record record = newRecord(identity<HostSurfaceId>(16));
+    HostSample sample = upwardSample();
+    double distance = 2.0;
+    Vec hitColor = {0, 0, 0};
+    HostItemId hitObject = own;
+};
+
+TEST_F(InkOver, PaintsWhereExactlyTheInkLiesBehind) {
+    EXPECT_EQ(drawAt(least), paint);
+    for (const double missed : {0.0, -1.0, nan})
+        EXPECT_EQ(drawAt(missed), surface) << missed;
+    distance = 1.0;
+    hitObject = nullptr;
+    EXPECT_EQ(draw(), surface) << "another object";
+    record->inkoverObject = 0;
+    EXPECT_EQ(draw(), paint);
+    hitColor[2] = least;
+    EXPECT_EQ(draw(), surface);
+    for (float& channel : record->inkoverColor)
+        channel = 0.1f;
+    hitColor = {0.1, 0.1, 0.1};
+    EXPECT_EQ(draw(), surface) << "the setting is a single";
+    hitColor.fill(static_cast<double>(0.1f));
+    EXPECT_EQ(draw(), paint);
+}
+
+TEST_F(InkOver, TracesTheSameRayUpToItsDepthOrTheFirstMatch) {
+    sample.raySource[0] = 3.0;
+    sample.worldPosition[1] = 1.0;  // the ray comes along (-3, -4, 0)
+    host.onTrace = [this](const double* from, const double* along, HostSample* hit) {
+        EXPECT_EQ(Vec({from[0], from[1], from[2]}), (Vec{0, 1, 0}));
+        EXPECT_EQ(Vec({along[0], along[1], along[2]}), (Vec{-0.6, -0.8, 0}));
+        hit->objectId = own;
+        hit->color[0] = host.log.size() == 4 ? 0.0 : 1.0;
+        return 1.0;
+    };
+    const struct {
+        int depth;
+        const char* log;
+        Vec color;
+    } cases[] = {{-5, "", surface}, {0, "", surface}, {3, "ttt", surface}, {9, "tttt", paint}};
+    for (const auto& c : cases) {
+        record->maxTraceDepth = c.depth;
+        EXPECT_EQ(draw(), c.color) << c.depth;
+        EXPECT_EQ(host.log, c.log);
+    }
+}
+
+TEST_F(InkOver, SeeThroughBlendsByTheTextureAtTheHit) {
+    record->inkoverTranslucent = 1;
+    record->maxTraceDepth = 0;
+    hitObject = nullptr;
+    hitColor = {1, 1, 0};
+    EXPECT_EQ(draw(), surface) << "no translucency texture";
+    host.channelAlpha = {{"Translucency", 0.25}};
+    const Vec blended = {0.625, 0.4375, 0.75};
+    EXPECT_EQ(draw(), blended);
+    EXPECT_EQ(host.log, "tp");
+    EXPECT_EQ(host.textureSurface, record->context);
+    EXPECT_EQ(host.texturePoint.objectId, nullptr) << "evaluated where the ray hit";
+    EXPECT_EQ(drawAt(0.0), blended) << "no distance is a hit here";
+    for (const double missed : {-least, nan})
+        EXPECT_EQ(drawAt(missed), surface) << missed;
+    host.channelAlpha = {{"Translucency", 0.0}};
+    hitColor.fill(nan);
+    EXPECT_EQ(drawAt(1.0), surface) << "nothing shows, so nothing is blended";
+}
+
+TEST_F(InkOver, WithoutMemoryTheSampleStays) {
+    const AllocationWatch noMemory(0);
+    drawInkOver(record.get(), &sample);
+    EXPECT_EQ(noMemory.count(), 1);
+    EXPECT_EQ(host.log, "");
+}
+
+TEST(ChannelAlpha, DescribesThePointToTheTextureOfTheRecordsSurface) {
+    using Point = HostTexturePoint;
+    using Sample = HostSample;
+    FakeHost host;
+    const Record record = newRecord(identity<HostSurfaceId>(77));
+    std::mt19937 random;
+    Sample sample;
+    scramble(&sample, sizeof sample, random);
+    for (int i = 0; i < 3; ++i)
+        sample.worldPosition[i] = sample.raySource[i] = 0.5;
+    sample.raySource[1] = -1.5;  // the ray comes along (0, 2, 0)
+
+    EXPECT_EQ(cb_getCOLRApha(record.get(), &sample), 0.0) << "no texture";
+    host.channelAlpha = {{"BaseColor", -0.5}, {"Translucency", 7.0}};
+    EXPECT_EQ(cb_getTRANSLUCENTalpha(record.get(), &sample), 7.0) << "not clamped";
+    EXPECT_EQ(cb_getCOLRApha(record.get(), &sample), -0.5);
+    EXPECT_EQ(host.textureSurface, record->context);
+    const Point& point = host.texturePoint;
+    const auto same = [&](auto inPoint, auto inSample) {
+        EXPECT_EQ(bytesOf(point.*inPoint), bytesOf(sample.*inSample));
+    };
+    same(&Point::objectPosition, &Sample::objectPosition);
+    same(&Point::worldPosition, &Sample::worldPosition);
+    same(&Point::geometricNormal, &Sample::geometricNormal);
+    same(&Point::worldNormal, &Sample::worldNormal);
+    same(&Point::bumpHeight, &Sample::bumpHeight);
+    same(&Point::spotSize, &Sample::spotSize);
+    same(&Point::raySource, &Sample::raySource);
+    same(&Point::rayLength, &Sample::rayLength);
+    same(&Point::cosine, &Sample::cosine);
+    same(&Point::objectTransform, &Sample::objectTransform);
+    same(&Point::worldTransform, &Sample::worldTransform);
+    same(&Point::objectId, &Sample::objectId);
+    same(&Point::vertexIds, &Sample::vertexIds);
+    same(&Point::vertexWeights, &Sample::vertexWeights);
+    same(&Point::vertexPositions, &Sample::vertexPositions);
+    same(&Point::polygonNumber, &Sample::polygonNumber);
+    same(&Point::polygonId, &Sample::polygonId);
+    EXPECT_EQ(bytesOf(point.objectScale), bytesOf(layerScale));
+    EXPECT_EQ(bytesOf(point.rayDirection), bytesOf(Vec{0, 1, 0}));
+    EXPECT_EQ(point.surfaceId, record->context);
+    EXPECT_EQ(point.textureValue, 0.0);
+    EXPECT_EQ(point.context, 0);
+
+    record->context = nullptr;
+    host.log.clear();
+    EXPECT_EQ(cb_getCOLRApha(record.get(), &sample), 0.0);
+    EXPECT_EQ(host.log, "");
+}
+
+}  // namespace
+}  // namespace tavora::testing

@@ -1,0 +1,128 @@
+#include "tests/support/records.h"
+
+#include <algorithm>
+#include <bit>
+#include <cstring>
+#include <gtest/gtest.h>
+
+#include "persist/state_block.h"
+#include "zones/zone_list.h"
+
+namespace tavora::testing {
+namespace {
+
+struct Source {
+    const Block& block;
+    std::size_t next, end;
+
+    /// The next value without its kind, or null.
+    const char* take(char kind) {
+        return next < end && block[next][0] == kind ? block[next++].c_str() + 1 : nullptr;
+    }
+};
+
+template <class Number>
+void write(void* data, const Number* values, int count) {
+    for (int i = 0; i < count; ++i)
+        static_cast<Block*>(data)->push_back(item(values[i]));
+}
+
+template <class Number, char kind>
+int read(void* data, Number* values, int count) {
+    for (int i = 0; i < count; ++i) {
+        const char* bits = static_cast<Source*>(data)->take(kind);
+        if (bits == nullptr) return i;
+        values[i] = std::bit_cast<Number>(static_cast<std::uint32_t>(std::stoul(bits)));
+    }
+    return count;
+}
+
+int readText(void* data, char* buffer, int capacity) {
+    EXPECT_EQ(capacity, 150);
+    const char* text = static_cast<Source*>(data)->take('s');
+    if (text == nullptr) return 0;
+    std::strncpy(buffer, text, static_cast<std::size_t>(capacity - 1));
+    return 1;
+}
+
+}  // namespace
+
+std::string item(std::int32_t value) {
+    return "i" + std::to_string(static_cast<std::uint32_t>(value));
+}
+std::string item(float value) {
+    return "f" + std::to_string(std::bit_cast<std::uint32_t>(value));
+}
+
+Block save(HostInstance instance) {
+    Block block;
+    const HostSaveState state = {HOST_IO_SCENE, &block, write<std::int32_t>, write<float>,
+                                 [](void* data, const char* text) {
+                                     static_cast<Block*>(data)->push_back("s" + std::string(text));
+                                 }};
+    EXPECT_EQ(Save(instance, &state), nullptr);
+    return block;
+}
+
+void load(HostInstance instance, const Block& block, std::size_t length) {
+    Source source{block, 0, std::min(length, block.size())};
+    const HostLoadState state = {HOST_IO_SCENE, &source, read<std::int32_t, 'i'>, read<float, 'f'>,
+                                 readText};
+    EXPECT_EQ(Load(instance, &state), nullptr);
+}
+
+Record newRecord(HostSurfaceId context) {
+    HostError error = nullptr;
+    return Record(static_cast<ShaderInstance*>(Create(nullptr, context, &error)));
+}
+
+std::vector<Zone> zonesOf(const ShaderInstance& record) {
+    std::vector<Zone> zones;
+    const Zone* previous = nullptr;
+    for (const Zone* zone = record.zoneList; zone != nullptr; zone = zone->next) {
+        EXPECT_EQ(zone->prev, previous);
+        zones.push_back(*(previous = zone));
+    }
+    return zones;
+}
+
+void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones) {
+    ZoneListBuilder builder;
+    for (const Zone& zone : zones)
+        builder.append(zone);
+    freeZones(record.zoneList);
+    record.zoneList = record.zoneCursor = record.selectedZone = builder.take();
+}
+
+Zone greyZone(float position, float grey, int blend) {
+    Zone zone;
+    zone.position = position;
+    zone.blend = blend;
+    std::fill(std::begin(zone.color), std::end(zone.color), grey);
+    return zone;
+}
+
+Names lightsOf(const ShaderInstance& record) {
+    Names names;
+    for (const LightEntry* entry = record.lightList; entry != nullptr; entry = entry->next) {
+        names.emplace_back(entry->name);
+    }
+    return names;
+}
+
+void chooseLights(ShaderInstance& record, const Names& names) {
+    LightListBuilder builder;
+    for (const std::string& name : names)
+        builder.append(name.c_str());
+    freeLights(record.lightList);
+    record.lightList = builder.take();
+}
+
+void scramble(void* start, std::size_t size, std::mt19937& random) {
+    for (std::size_t at = 0; at < size; at += sizeof(std::uint32_t)) {
+        const auto bits = static_cast<std::uint32_t>(random());
+        std::memcpy(static_cast<char*>(start) + at, &bits, sizeof bits);
+    }
+}
+
+}  // namespace tavora::testing

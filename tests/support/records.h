@@ -1,0 +1,59 @@
+#pragma once
+
+#include <array>
+#include <memory>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "plugin/instance_life.h"
+#include "plugin/shader_instance.h"
+#include "zones/zone.h"
+
+namespace tavora::testing {
+
+using Vec = std::array<double, 3>;
+using Names = std::vector<std::string>;
+
+struct DestroyInstance {
+    void operator()(ShaderInstance* record) const { Destroy(record); }
+};
+using Record = std::unique_ptr<ShaderInstance, DestroyInstance>;
+
+/// A record as the host gets it.
+Record newRecord(HostSurfaceId context = nullptr);
+
+/// The record's zones in order, checked to be linked alike in both directions.
+std::vector<Zone> zonesOf(const ShaderInstance& record);
+void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones);
+Zone greyZone(float position, float grey, int blend = 0);
+
+Names lightsOf(const ShaderInstance& record);
+void chooseLights(ShaderInstance& record, const Names& names);
+
+/// The values of a state block, written out: 'i' or 'f' and the bits, so that
+/// values that are not numbers compare too, or 's' and the text.
+using Block = std::vector<std::string>;
+std::string item(std::int32_t value);
+std::string item(float value);
+Block save(HostInstance instance);
+/// Lets Load read the first `length` values. Another kind of value than asked
+/// for ends the block.
+void load(HostInstance instance, const Block& block, std::size_t length = SIZE_MAX);
+
+/// The bits of a value, to compare all of it, whatever they mean.
+template <class Value>
+std::string bytesOf(const Value& value) {
+    return std::string(reinterpret_cast<const char*>(&value), sizeof value);
+}
+
+/// Overwrites `size` bytes with values of any bits, not-a-numbers included.
+void scramble(void* start, std::size_t size, std::mt19937& random);
+
+/// An identity that stands for nothing.
+template <class Id>
+Id identity(std::uintptr_t number) {
+    return reinterpret_cast<Id>(number);
+}
+
+}  // namespace tavora::testing
