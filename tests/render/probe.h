@@ -7,6 +7,8 @@ enum ProbeBehaviour {
     kMeasureLight,  ///< colours by the light here and, by the numbers, elsewhere
     kPassOn,        ///< traces onward, as often as the first number says
     kLook,          ///< tells what lies along the numbers, changes nothing
+    kGreet,         ///< tells once when it has read its settings
     kScribble,      ///< overwrites the whole record
-    kSpoil          ///< returns values that are none, of the kind of the first number
+    kJudge,  ///< red: faces light that travels along the numbers and gets none; green: gets it
+    kSpoil   ///< returns values that are none, of the kind of the first number
 };

@@ -139,6 +139,17 @@ void look(const Probe& probe, HostSample& s) {
     tellId("hitObject", hit.objectId);
 }
 
+void judge(const Probe& probe, HostSample& s) {
+    double cosine = 0;
+    for (int i = 0; i < 3; ++i)
+        cosine -= s.worldNormal[i] * static_cast<double>(probe.numbers[i]);
+    HostItemId light = items->first(HOST_ITEM_LIGHT, nullptr);
+    double direction[3];
+    double color[3];
+    const bool lit = s.illuminate(light, s.worldPosition, direction, color) != 0;
+    paint(s, cosine > 0 && !lit ? 1 : 0, cosine > 0 && lit ? 1 : 0, 1);
+}
+
 void scribble(HostSample& s) {
     std::memset(static_cast<void*>(&s), 0x55, sizeof s);
     paint(s, 0.25, 0.5, 0.75);
@@ -171,6 +182,8 @@ void evaluate(HostInstance instance, HostSample* sample) {
             return passOn(probe, *sample);
         case kLook:
             return look(probe, *sample);
+        case kJudge:
+            return judge(probe, *sample);
         case kScribble:
             return scribble(*sample);
         case kSpoil:
@@ -193,7 +206,7 @@ HostError load(HostInstance instance, const HostLoadState* state) {
     state->readInt(state->data, &probe.behaviour, 1);
     state->readInt(state->data, &probe.flags, 1);
     state->readFloat(state->data, probe.numbers, 4);
-    messages->info("loaded", nullptr);
+    if (probe.behaviour == kGreet) messages->info("loaded", nullptr);
     return nullptr;
 }
 

@@ -176,10 +176,10 @@ TEST(ShaderResults, GlossRemainsWithItsShare) {
     test.scene.surfaces[0].baseColor = {0, 0, 0, 1};
     test.addSun({0, 0, -1}, {1, 0.5, 0});
     // Mirrored straight back: the lobe's peak.
-    expectColor(colorOf(test, probe(kDescribe, 0)), V3d(0.25, 0.125, 0));
+    expectColor(colorOf(test, probe(kPaint, 0)), V3d(0.25, 0.125, 0));
     test.rig.lights.clear();
     test.addLight(LightKind::Directional).makesHighlights = false;
-    expectColor(colorOf(test, probe(kDescribe, 0)), V3d(0));
+    expectColor(colorOf(test, probe(kPaint, 0)), V3d(0));
 }
 
 TEST(Illumination, AnswersHereAndElsewhere) {
@@ -255,7 +255,7 @@ TEST(Modules, SayWhatTheyHaveToSayOnce) {
     Told told;
     RenderOptions options = squareOptions(100);
     options.threads = 4;
-    renderWith(test, frontCamera({0, 0, 5}, 0.5), options, PROBE_MODULE, probe(kPaint));
+    renderWith(test, frontCamera({0, 0, 5}, 0.5), options, PROBE_MODULE, probe(kGreet));
     EXPECT_EQ(told.count("loaded"), 1);
 }
 

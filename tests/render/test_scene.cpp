@@ -84,6 +84,31 @@ std::shared_ptr<Mesh> sphereMesh(double radius, int segments, int rings) {
     return mesh;
 }
 
+std::shared_ptr<Mesh> torusMesh(double major, double minor, int segments, int sides) {
+    auto mesh = std::make_shared<Mesh>();
+    mesh->smooth = true;
+    for (int segment = 0; segment < segments; ++segment) {
+        for (int side = 0; side < sides; ++side) {
+            const double around = 2 * std::numbers::pi * segment / segments;
+            const double tube = 2 * std::numbers::pi * side / sides;
+            const Imath::V3d out(0, std::cos(around), std::sin(around));
+            const Imath::V3d normal = out * std::cos(tube) + Imath::V3d(std::sin(tube), 0, 0);
+            mesh->positions.emplace_back(out * major + normal * minor);
+            mesh->normals.emplace_back(normal);
+        }
+    }
+    const auto at = [&](int segment, int side) {
+        return static_cast<std::uint32_t>(segment % segments * sides + side % sides);
+    };
+    for (int i = 0; i < segments; ++i) {
+        for (int j = 0; j < sides; ++j) {
+            mesh->triangles.push_back({at(i, j), at(i, j + 1), at(i + 1, j)});
+            mesh->triangles.push_back({at(i + 1, j), at(i, j + 1), at(i + 1, j + 1)});
+        }
+    }
+    return mesh;
+}
+
 Camera frontCamera(const Imath::V3d& eye, double halfHeight) {
     Camera camera;
     camera.orthographic = true;

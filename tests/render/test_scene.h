@@ -38,6 +38,8 @@ struct TestScene {
 std::shared_ptr<Mesh> quadMesh(double halfSide);
 /// A smooth sphere around the origin, normals as its surface's.
 std::shared_ptr<Mesh> sphereMesh(double radius, int segments, int rings);
+/// A smooth ring around the x axis, of a tube of radius `minor`.
+std::shared_ptr<Mesh> torusMesh(double major, double minor, int segments, int sides);
 
 /// Looks along -z from `eye`; the picture is `halfHeight` x 2 high.
 Camera frontCamera(const Imath::V3d& eye, double halfHeight);

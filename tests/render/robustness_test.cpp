@@ -1,0 +1,220 @@
+// What no picture may show: terminator zigzag, acne, a dependence on threads or
+// on the order in which triangles come.
+
+#include <algorithm>
+#include <atomic>
+#include <cmath>
+#include <gtest/gtest.h>
+#include <stdexcept>
+#include <utility>
+
+#include "host/handler.h"
+#include "studio/link/module_copy.h"
+#include "studio/link/shader.h"
+#include "studio/scene/settings.h"
+#include "studio/services/registry.h"
+#include "tests/render/probe.h"
+#include "tests/render/test_scene.h"
+
+namespace tavora::studio {
+namespace {
+
+using Imath::V3d;
+
+StateBlock tavoraDefaults() {
+    return newShaderSettings(ModuleCopy(TAVORA_MODULE, findService));
+}
+
+/// The default look with all zones in one opaque colour.
+StateBlock oneColor(const V3d& color) {
+    Settings settings = settingsOf(tavoraDefaults());
+    for (auto& zone : settings["zoneList"])
+        zone["color"] = {color.x, color.y, color.z};
+    return blockOf(settings);
+}
+
+/// Quads, a coarse and a fine sphere, a clear pane, three kinds of lights.
+struct StillLife : TestScene {
+    StillLife() {
+        addSurface();
+        Surface& pane = addSurface();
+        pane.alphaMode = AlphaMode::Blend;
+        pane.baseColor = {0.2F, 0.6F, 1, 0.4F};
+        pane.doubleSided = true;
+        addQuad({0, 0, -2}, 5, 0);
+        addQuad({0.5, 0.3, 1.5}, 0.8, 1);
+        addObject(sphereMesh(1, 16, 8), 0, Imath::M44d().translate(V3d(-1, 0, 0)));
+        addObject(sphereMesh(0.7, 64, 32), 0, Imath::M44d().translate(V3d(1, 0.5, 0)));
+        addSun({0.5, -1, -1}, V3d(0.7, 0.6, 0.5));
+        addLight(LightKind::Point, V3d(0.2, 0.3, 0.5)).position = {2, 3, 4};
+        addLight(LightKind::Spot, V3d(0.5)).position = {0, 0, 6};
+        rig.ambient = V3d(0.1);
+    }
+};
+
+TEST(Robustness, PicturesAreTheSameOnAnyNumberOfThreads) {
+    const StillLife test;
+    RenderOptions options;
+    options.width = 150;
+    options.height = 110;
+    options.samples = 5;
+    const Camera camera = frontCamera({0.1, 0, 8}, 2);
+    std::vector<Picture> pictures;
+    for (const int threads : {1, 2, 7, 7}) {
+        options.threads = threads;
+        RenderStats stats;
+        pictures.push_back(
+            renderWith(test, camera, options, TAVORA_MODULE, tavoraDefaults(), &stats));
+        EXPECT_EQ(stats.primaryRays, 150U * 110U * 5U);
+        EXPECT_GT(stats.evaluations, 20000U);
+        EXPECT_GT(stats.shadowRays, stats.evaluations);
+        EXPECT_EQ(pictures.back().rgba, pictures.front().rgba) << threads;
+    }
+    // And a crop is a part of the whole.
+    options.crop = PixelBox{40, 31, 99, 77};
+    const Picture crop = renderWith(test, camera, options, TAVORA_MODULE, tavoraDefaults());
+    EXPECT_EQ(crop.window, *options.crop);
+    for (int y = 31; y < 77; ++y) {
+        EXPECT_TRUE(std::equal(crop.pixel(40, y), crop.pixel(40, y) + 59 * 4,
+                               pictures.front().pixel(40, y)))
+            << y;
+    }
+}
+
+TEST(Robustness, WhatIsPickedIsWhatIsShown) {
+    const StillLife test;
+    RenderOptions options = squareOptions(40);
+    options.samples = 7;
+    const V3d picked(128 / 255.0, 64 / 255.0, 0);
+    const Picture picture =
+        renderWith(test, frontCamera({0, 0, 1}, 0.3), options, TAVORA_MODULE, oneColor(picked));
+    for (int y = 0; y < 40; ++y) {
+        for (int x = 0; x < 40; ++x) {
+            const V3d shown = displayed(picture, x, y) * 255;
+            ASSERT_NEAR(shown.x, 128, 1e-4);
+            ASSERT_NEAR(shown.y, 64, 1e-4);
+            ASSERT_EQ(shown.z, 0);
+        }
+    }
+}
+
+/// Lights a shape from many sides: how many samples face the light by their
+/// interpolated normals and get none of it, and how many get it.
+struct Verdict {
+    int dark = 0;
+    int lit = 0;
+};
+
+Verdict judge(const std::shared_ptr<Mesh>& mesh, double scale) {
+    TestScene test;
+    test.addSurface();
+    test.addObject(mesh, 0, Imath::M44d().scale(V3d(scale)));
+    test.addSun({0, 0, -1});
+    auto& sun = const_cast<Light&>(*test.rig.lights[0].light);
+    Renderer renderer(test.scene);
+    Verdict verdict;
+    for (int turn = 0; turn < 9; ++turn) {
+        const double angle = 0.1 + 0.33 * turn;
+        sun.direction = V3d(-std::sin(angle), -0.3, -std::cos(angle)).normalized();
+        const Imath::V3f along(sun.direction);
+        const StateBlock block{
+            int{kJudge}, int{HOST_SHADER_COLOR | HOST_SHADER_LUMINOUS | HOST_SHADER_DIFFUSE},
+            along.x,     along.y,
+            along.z,     0.0F};
+        const Picture picture =
+            renderer.render(frontCamera({0, 0, 2 * scale}, 1.1 * scale), test.rig,
+                            shadingFor(test, block), PROBE_MODULE, squareOptions(96), {}, nullptr);
+        for (std::size_t i = 0; i < picture.rgba.size(); i += 4) {
+            if (picture.rgba[i] > 0) ++verdict.dark;
+            if (picture.rgba[i + 1] > 0) ++verdict.lit;
+        }
+    }
+    return verdict;
+}
+
+TEST(Robustness, RoundMeshesThrowNoShadowsOnThemselves) {
+    for (const auto& [segments, rings] : {std::pair(16, 8), std::pair(7, 5), std::pair(64, 48)}) {
+        for (const double scale : {1.0, 1e-3, 1e6}) {
+            const Verdict verdict = judge(sphereMesh(1, segments, rings), scale);
+            EXPECT_EQ(verdict.dark, 0) << segments << " at " << scale;
+            EXPECT_GT(verdict.lit, 10000);
+        }
+    }
+}
+
+TEST(Robustness, TrueShadowsOfAShapeOnItselfStay) {
+    const Verdict fine = judge(torusMesh(0.7, 0.3, 400, 200), 1);
+    const Verdict coarse = judge(torusMesh(0.7, 0.3, 48, 24), 1);
+    EXPECT_GT(fine.dark, 300);
+    EXPECT_GT(fine.lit, 8000);
+    EXPECT_NEAR(coarse.dark, fine.dark, 0.1 * fine.dark);
+}
+
+TEST(Robustness, FloorsHaveNoAcneAtAnyScale) {
+    for (const double scale : {1e-3, 1.0, 1e6}) {
+        // A floor, lit at a flat angle, seen at a flat angle, far from the origin.
+        TestScene test;
+        test.addSurface();
+        test.addObject(quadMesh(20 * scale), 0, Imath::M44d().translate(V3d(3, 7, 5) * scale));
+        test.addSun({1, 0.3, -0.02});
+        Camera camera;
+        camera.verticalFov = 0.3;
+        camera.cameraToWorld = Imath::M44d().rotate(V3d(1.4, 0, 0)) *
+                               Imath::M44d().translate(V3d(3.1, 2.2, 6) * scale);
+        const Picture picture = renderPlain(test, camera, squareOptions(64));
+        int seen = 0;
+        for (int y = 32; y < 64; ++y) {
+            for (int x = 0; x < 64; ++x) {
+                ASSERT_GT(picture.pixel(x, y)[0], 0.001F) << scale << ' ' << x << ' ' << y;
+                ++seen;
+            }
+        }
+        EXPECT_EQ(seen, 32 * 64);
+    }
+}
+
+TEST(Robustness, OfTwoSurfacesInOnePlaceTheFirstIsSeen) {
+    // A hundred coloured quads on top of one another, in small triangles.
+    TestScene test;
+    for (int i = 0; i < 100; ++i) {
+        Surface& surface = test.addSurface();
+        surface.unlit = true;
+        surface.baseColor = i == 0 ? Imath::V4f(1, 0, 0, 1) : Imath::V4f(0, 1, 0, 1);
+        for (int cell = 0; cell < 16; ++cell)
+            test.addQuad(V3d(cell % 4 - 1.5, cell / 4 - 1.5, 0) * 0.5, 0.25, i);
+    }
+    const Picture picture = renderPlain(test, frontCamera({0, 0, 5}, 1), squareOptions(61));
+    for (int y = 0; y < 61; ++y) {
+        for (int x = 0; x < 61; ++x)
+            ASSERT_EQ(picture.pixel(x, y)[1], 0) << x << ' ' << y;
+    }
+}
+
+TEST(Robustness, StoppingAndWatching) {
+    const StillLife test;
+    Renderer renderer(test.scene);
+    const std::vector<SurfaceShading> plain(2);
+    RenderOptions options = squareOptions(200);
+    options.threads = 2;
+    double last = 0;
+    RenderWatch watch;
+    watch.progress = [&](double done) {
+        EXPECT_GE(done, last);
+        last = done;
+    };
+    renderer.render(frontCamera({0, 0, 8}, 2), test.rig, plain, {}, options, watch, nullptr);
+    EXPECT_EQ(last, 1);
+    const std::atomic<bool> stop = true;
+    watch.stop = &stop;
+    EXPECT_THROW(
+        renderer.render(frontCamera({0, 0, 8}, 2), test.rig, plain, {}, options, watch, nullptr),
+        RenderStopped);
+    watch.stop = nullptr;
+    watch.progress = [](double) { throw std::runtime_error("enough"); };
+    EXPECT_THROW(
+        renderer.render(frontCamera({0, 0, 8}, 2), test.rig, plain, {}, options, watch, nullptr),
+        std::runtime_error);
+}
+
+}  // namespace
+}  // namespace tavora::studio
