@@ -9,18 +9,16 @@
 namespace tavora::testing {
 namespace {
 
-/// One loaded copy of the module file, its handler active and one record made.
-class LoadedCopy {
-  public:
-    explicit LoadedCopy(const std::string& name)
-        : file_(std::filesystem::path(::testing::TempDir()) / name) {
-        std::filesystem::copy_file(TAVORA_MODULE, file_,
+/// A copy of the module file, loaded, its handler active, one record in a pass.
+struct LoadedCopy {
+    explicit LoadedCopy(const char* name) : file(::testing::TempDir() + name) {
+        std::filesystem::copy_file(TAVORA_MODULE, file,
                                    std::filesystem::copy_options::overwrite_existing);
-        library_ = dlopen(file_.c_str(), RTLD_NOW | RTLD_LOCAL);
-        if (library_ == nullptr) throw std::runtime_error(dlerror());
-        const auto* descriptor =
-            static_cast<const HostModuleDescriptor*>(dlsym(library_, HOST_MODULE_SYMBOL));
-        descriptor->servers[0].activate(6, FakeHost::lookup, &handler, nullptr);
+        library = dlopen(file.c_str(), RTLD_NOW | RTLD_LOCAL);
+        if (library == nullptr) throw std::runtime_error(dlerror());
+        const void* symbol = dlsym(library, HOST_MODULE_SYMBOL);
+        static_cast<const HostModuleDescriptor*>(symbol)->servers[0].activate(6, FakeHost::lookup,
+                                                                              &handler, nullptr);
         HostError error = nullptr;
         record = instance.create(nullptr, nullptr, &error);
         render.init(record, 0);
@@ -28,23 +26,19 @@ class LoadedCopy {
     ~LoadedCopy() {
         render.cleanup(record);
         instance.destroy(record);
-        dlclose(library_);
-        std::filesystem::remove(file_);
+        dlclose(library);
+        std::filesystem::remove(file);
     }
     LoadedCopy(const LoadedCopy&) = delete;
     LoadedCopy& operator=(const LoadedCopy&) = delete;
 
-    void evaluate(HostSample sample) const { handler.evaluate(record, &sample); }
-
+    std::string file;
+    void* library = nullptr;
     HostInstanceCallbacks instance = {};
     HostItemCallbacks item = {};
     HostRenderCallbacks render = {};
     HostShaderHandler handler = {&instance, &item, &render, nullptr, nullptr};
     HostInstance record = nullptr;
-
-  private:
-    std::filesystem::path file_;
-    void* library_ = nullptr;
 };
 
 TEST(LoadedModule, EveryCopyHasItsOwnGlobals) {
@@ -53,9 +47,10 @@ TEST(LoadedModule, EveryCopyHasItsOwnGlobals) {
     EXPECT_EQ(host.liveMutexes, 2) << "a mutex each";
     first.render.newTime(first.record, 0, 1.5);
     second.render.newTime(second.record, 0, 7.0);
-    first.evaluate(upwardSample());
-    second.evaluate(upwardSample());
-    first.evaluate(upwardSample());
+    for (const LoadedCopy* copy : {&first, &second, &first}) {
+        HostSample sample = upwardSample();
+        copy->handler.evaluate(copy->record, &sample);
+    }
     EXPECT_EQ(host.queryTimes, (std::vector<double>{1.5, 7.0, 1.5}));
 }
 

@@ -15,10 +15,9 @@ namespace {
 
 constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
-using Change = void (*)(ShaderInstance&, HostSample&);
 struct WorkedExample {
     const char* what;
-    Change change;
+    void (*change)(ShaderInstance&, HostSample&);
     Vec color;
 };
 
@@ -26,127 +25,81 @@ struct WorkedExample {
 // arithmetic and then rounded to double or to single as it must be. They hold
 // to the last bit. Never record them anew from the code.
 const WorkedExample workedExamples[] = {
-    {"lower half of a blend",
-     [](auto&, auto&) {},
-     {0x1.c68116349724ap-2, 0x1.ceaed3d319c98p-2, 0x1.af87bd5d92760p-2}},
-    {"upper half",
-     [](auto&, auto& s) { s.luminosity = 0.05; },
-     {0x1.6d929d3ed1915p-2, 0x1.27bf4c78c3410p-1, 0x1.fe14a2c5eba47p-2}},
-    {"above the last zone",
-     [](auto&, auto& s) { s.luminosity = 0.4; },
-     {0x1.40a418c961f17p-3, 0x1.6fa493ce15b46p-1, 0x1.861567a30b886p-1}},
-    {"shaded texture",
-     [](auto& r, auto&) { r.colorTextureUse = 2; },
-     {0x1.9e589b8047351p-3, 0x1.470525fec614bp-2, 0x1.7cb32071ff471p-2}},
-    {"decal, chosen lights, squared",
-     [](auto& r, auto& s) {
-         r.colorTextureUse = r.lightPower = 1;
-         r.useAllLights = 0;
-         s.luminosity = -0.4;
-     },
-     {0x1.2ac821aaa47cep-2, 0x1.1450d5520eeddp-1, 0x1.404941cad6e44p-1}},
-    {"chosen lights, cubed",
-     [](auto& r, auto& s) {
-         r.lightPower = 2;
-         r.useAllLights = 0;
-         s.luminosity = -0.4;
-     },
-     {0x1.93efbfce9a045p-2, 0x1.15d3553ac2c6ep-1, 0x1.d6b5bbd99fdbap-2}},
-    {"slope mixed above its centre",
-     [](auto& r, auto&) { r.slopeEnable = 1; },
-     {0x1.12c8c78f1c2cfp-1, 0x1.9e317aa9a5cacp-2, 0x1.d5a71b710eef4p-2}},
-    {"slope mixed below",
-     [](auto& r, auto&) {
-         r.slopeEnable = 1;
-         r.slopeCenter = 0.9f;
-     },
-     {0x1.d5c93359dc49cp-2, 0x1.d11bc16221083p-2, 0x1.b7f8e1b5507a0p-2}},
-    {"slope stepped above its centre",
-     [](auto& r, auto&) { r.slopeEnable = r.slopeStyle = 1; },
-     {0x1.29510564f4caap-1, 0x1.81516b1da2491p-2, 0x1.e664236b31c65p-2}},
-    {"slope stepped below",
-     [](auto& r, auto&) {
-         r.slopeEnable = r.slopeStyle = 1;
-         r.slopeCenter = 0.9f;
-     },
-     {0x1.39a99d955b1eep-2, 0x1.1a2a35b577806p-1, 0x1.7dcc53e4c15f6p-2}},
-    {"highlight disc",
-     [](auto& r, auto&) { r.highlightEnable = 1; },
-     {0x1.478b203d1a380p-1, 0x1.658b2cd6fd476p-1, 0x1.2636dc6b2e426p-1}},
-    {"highlight in the light's colour",
-     [](auto& r, auto&) { r.highlightEnable = 2; },
-     {0x1.63b415d195194p-1, 0x1.4962377ad451cp-1, 0x1.6b260ae099f5ap-2}},
-    {"highlight ring",
-     [](auto& r, auto&) {
-         r.highlightOutlineEnable = 1;
-         r.highlightSize = 0.05f;
-     },
-     {0x1.02ea9fc83555bp-2, 0x1.867024ec511cfp-3, 0x1.3d6f828d5cc1ep-2}},
-    {"edge",
-     [](auto& r, auto&) { r.edgeEnable = 1; },
-     {0x1.2191fe430b0a2p-1, 0x1.6bb21baba58d6p-3, 0x1.96c41d2a7351ep-1}},
-    {"see-through ink-over",
-     [](auto& r, auto&) { r.inkoverEnable = r.inkoverTranslucent = 1; },
-     {0x1.a84129fec9472p-2, 0x1.42aa6eb5f4d92p-2, 0x1.3fec4e504baebp-1}},
-    {"all stages, in their order",
+    {"lower half of a blend; slope mixed above its centre, disc, edge, see-through, in this order",
      [](auto& r, auto&) {
          r.slopeEnable = r.highlightEnable = r.edgeEnable = 1;
          r.inkoverEnable = r.inkoverTranslucent = 1;
-         r.slopeCenter = 0.5f;
      },
-     {0x1.09d73b21cce66p-1, 0x1.70c678d3c3cccp-3, 0x1.be1ef929e0a1ep-1}},
+     {0x1.03b9cd4e4d9ddp-1, 0x1.88a7f041482dcp-3, 0x1.b2ea3cd54a736p-1}},
+    {"upper half; slope mixed below its centre, ring",
+     [](auto& r, auto& s) {
+         r.slopeEnable = r.highlightOutlineEnable = 1;
+         r.slopeCenter = 0.9f;
+         r.highlightSize = 0.05f;
+         s.luminosity = 0.05;
+     },
+     {0x1.27dfac7bf01bfp-2, 0x1.1a6f3ad536ed7p-2, 0x1.6afce1c5ac559p-2}},
+    {"above the last zone; shaded texture, slope stepped above its centre, the light's disc",
+     [](auto& r, auto& s) {
+         r.slopeEnable = r.slopeStyle = 1;
+         r.colorTextureUse = r.highlightEnable = 2;
+         s.luminosity = 0.4;
+     },
+     {0x1.502587f0a147fp-1, 0x1.0bbb0afb1e878p-1, 0x1.8005c00bf9712p-2}},
+    {"chosen lights, squared; decal, slope stepped below its centre, edge",
+     [](auto& r, auto& s) {
+         r.useAllLights = 0;
+         r.lightPower = r.colorTextureUse = r.slopeEnable = r.slopeStyle = r.edgeEnable = 1;
+         r.slopeCenter = 0.9f;
+         s.luminosity = -0.4;
+     },
+     {0x1.e87f510b64c4ep-2, 0x1.f43508a79d056p-3, 0x1.8d983195aee8fp-1}},
+    {"chosen lights, cubed",
+     [](auto& r, auto& s) {
+         r.useAllLights = 0;
+         r.lightPower = 2;
+         s.luminosity = -0.4;
+     },
+     {0x1.2ddd01687c178p-2, 0x1.721db337be7b4p-2, 0x1.8ffb4534ebf18p-2}},
 };
 
-void set(double* vector, Vec value) {
-    std::copy(value.begin(), value.end(), vector);
-}
-void set(float* color, float r, float g, float b) {
-    color[0] = r;
-    color[1] = g;
-    color[2] = b;
-}
-
-Zone zoneOf(Vec color, std::array<float, 5> settings, int blend) {
-    Zone zone = greyZone(settings[0], 0.0f, blend);
+template <class Number>
+void set(Number* vector, Vec value) {
     for (unsigned i = 0; i < 3; ++i)
-        zone.color[i] = static_cast<float>(color[i]);
-    zone.opacity = settings[1];
-    zone.bright = settings[2];
-    zone.sat = settings[3];
-    zone.accountLights = settings[4] < 1.0f ? 1 : 0;
-    zone.accountLightOpac = settings[4];
-    return zone;
+        vector[i] = static_cast<Number>(value[i]);
 }
 
 /// The record that the examples change.
 Record exampleRecord() {
     Record record = newRecord(identity<HostSurfaceId>(1));
-    replaceZones(*record, {zoneOf({0.9, 0.3, 0.1}, {0.1f, 0.7f, 0.9f, 0.6f, 0.35f}, 0),
-                           zoneOf({0.5, 0.5, 0.5}, {0.45f, 0.6f, 0.2f, 0.3f, 0.8f}, 1),
-                           zoneOf({0.2, 0.8, 0.4}, {0.8f, 0.45f, 1.1f, 1.3f, 1.0f}, 0)});
+    replaceZones(*record, {zoneOf(0.1f, {0.46, 0.88, 0.75}, 0.42f, 0.61f, 0.28f),
+                           zoneOf(0.45f, {0.5, 0.5, 0.5}, 0.24f, 0.2f, 0.3f, 1),
+                           zoneOf(0.8f, {0.52, 0.43, 0.68}, 0.11f, 0.68f, 0.32f)});
+    Zone& low = *record->zoneList;
+    low.accountLights = low.next->accountLights = 1;
+    low.accountLightOpac = 0.35f;
+    low.next->accountLightOpac = 0.28f;
     chooseLights(*record, {"Rim", "Ambient", "Key"});
-    set(record->slopeTopColor, 0.9f, 0.2f, 0.6f);
-    set(record->slopeBottomColor, 0.1f, 0.7f, 0.3f);
+    set(record->slopeTopColor, {0.9, 0.2, 0.6});
+    set(record->slopeBottomColor, {0.1, 0.7, 0.3});
     record->slopeTopOpacity = 0.3f;
     record->slopeBottomOpacity = 0.4f;
     record->slopeCenter = 0.55f;
-    record->highlightOpacity = 0.55f;
-    set(record->highlightColor, 0.8f, 0.9f, 0.7f);
-    record->highlightOutlineOpacity = 0.65f;
-    set(record->highlightOutlineColor, 0.15f, 0.05f, 0.25f);
-    record->edgeSharpness = 0.3f;
-    set(record->edgeColor, 0.6f, 0.1f, 0.9f);
+    record->highlightOpacity = 0.45f;
+    set(record->highlightColor, {0.8, 0.9, 0.7});
+    record->highlightOutlineOpacity = 0.35f;
+    set(record->highlightOutlineColor, {0.15, 0.05, 0.25});
+    record->edgeCoverage = 0.16f;
+    record->edgeSharpness = 0.31f;
+    set(record->edgeColor, {0.6, 0.1, 0.9});
     return record;
 }
 
 TEST(Arithmetic, WorkedExamplesHoldToTheLastBit) {
     FakeHost host;
     host.ambient = {0.11, 0.13, 0.17};
-    host.lights = {{.name = "Key",
-                    .arriving = {0.31, 0.27, 0.22},
-                    .direction = {-0.36, -0.48, -0.8},
-                    .color = {0.9, 0.8, 0.3}},
-                   {.name = "Rim", .arriving = {0.13, 0.19, 0.29}, .direction = {0.6, -0.8, 0.0}}};
+    host.lights = {{"Key", {0.31, 0.27, 0.22}, {-0.36, -0.48, -0.8}, true, {0.9, 0.8, 0.3}},
+                   {"Rim", {0.13, 0.19, 0.29}, {0.6, -0.8, 0.0}}};
     host.channelAlpha = {{"BaseColor", 0.3}, {"Translucency", 0.4}};
     host.onTrace = [](const double*, const double*, HostSample* hit) {
         set(hit->color, {0.37, 0.11, 0.93});

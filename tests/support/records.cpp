@@ -94,12 +94,20 @@ void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones) {
     record.zoneList = record.zoneCursor = record.selectedZone = builder.take();
 }
 
-Zone greyZone(float position, float grey, int blend) {
+Zone zoneOf(float position, Vec color, float opacity, float bright, float sat, int blend) {
     Zone zone;
     zone.position = position;
+    for (unsigned i = 0; i < 3; ++i)
+        zone.color[i] = static_cast<float>(color[i]);
+    zone.opacity = opacity;
+    zone.bright = bright;
+    zone.sat = sat;
     zone.blend = blend;
-    std::fill(std::begin(zone.color), std::end(zone.color), grey);
     return zone;
+}
+
+Zone greyZone(float position, float grey, int blend) {
+    return zoneOf(position, {grey, grey, grey}, 1.0f, 1.0f, 1.0f, blend);
 }
 
 Names lightsOf(const ShaderInstance& record) {

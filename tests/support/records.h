@@ -26,6 +26,7 @@ Record newRecord(HostSurfaceId context = nullptr);
 /// The record's zones in order, checked to be linked alike in both directions.
 std::vector<Zone> zonesOf(const ShaderInstance& record);
 void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones);
+Zone zoneOf(float position, Vec color, float opacity, float bright, float sat, int blend = 0);
 Zone greyZone(float position, float grey, int blend = 0);
 
 Names lightsOf(const ShaderInstance& record);

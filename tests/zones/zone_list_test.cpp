@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <random>
 #include <gtest/gtest.h>
+#include <random>
 
 #include "tests/support/heap.h"
 #include "tests/support/records.h"
