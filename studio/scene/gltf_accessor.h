@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "studio/scene/gltf_source.h"
+#include "studio/scene/vertex_picks.h"
 
 namespace tavora::studio {
 
@@ -19,17 +20,24 @@ struct FloatTable {
     }
 };
 
-/// Reads accessor `index`, which must hold `least` to `most` components.
-/// Throws SceneError for anything out of range or not a number.
-FloatTable readFloats(const GltfSource& source, int index, int least, int most);
+/// Reads accessor `index`, which must hold `least` to `most` components: the
+/// elements that `picks` names, or all. Throws SceneError for anything out of
+/// range or not a number.
+FloatTable readFloats(const GltfSource& source, int index, int least, int most,
+                      const VertexPicks* picks = nullptr);
 
-/// Reads accessor `index` as unsigned integers of `components` each. Throws SceneError.
-std::vector<std::uint32_t> readIntegers(const GltfSource& source, int index, int components);
+/// Reads accessor `index` as single unsigned integers. Throws SceneError.
+std::vector<std::uint32_t> readIntegers(const GltfSource& source, int index);
 
-/// `values[index]`, or SceneError that says "KIND INDEX does not exist".
-template <typename T>
-const T& element(const GltfSource& source, const std::vector<T>& values, int index,
-                 const char* kind);
+/// How many elements accessor `index` claims to have.
+std::size_t elementCount(const GltfSource& source, int index);
+
+/// Throws SceneError when accessor `index` claims more elements than the file's
+/// bytes account for, before memory is set aside for them.
+void checkBacked(const GltfSource& source, int index);
+
+/// The picked elements of a table.
+FloatTable picked(const FloatTable& table, const VertexPicks& picks);
 
 /// The bytes of a buffer view, checked. Throws SceneError.
 struct ByteRange {
@@ -42,6 +50,7 @@ ByteRange viewBytes(const GltfSource& source, int index);
 [[noreturn]] void failMissing(const GltfSource& source, const char* kind, int index,
                               std::size_t count);
 
+/// `values[index]`, or SceneError that says "KIND INDEX does not exist".
 template <typename T>
 const T& element(const GltfSource& source, const std::vector<T>& values, int index,
                  const char* kind) {

@@ -49,13 +49,16 @@ bool isDraco(const tinygltf::Primitive& primitive) {
     return primitive.extensions.count(kExtension) != 0;
 }
 
+int dracoView(const tinygltf::Primitive& primitive) {
+    return isDraco(primitive)
+               ? primitive.extensions.at(kExtension).Get("bufferView").GetNumberAsInt()
+               : -1;
+}
+
 DracoPrimitive readDraco(const GltfSource& source, const tinygltf::Primitive& primitive,
                          const std::string& where) {
     const tinygltf::Value& extension = primitive.extensions.at(kExtension);
-    const bool whole = extension.IsObject() && extension.Has("bufferView") &&
-                       extension.Has("attributes") && extension.Get("attributes").IsObject();
-    if (!whole) source.fail(where + ": its compression names no data: export the file again");
-    const auto mesh = decode(source, extension.Get("bufferView").GetNumberAsInt(), where);
+    const auto mesh = decode(source, dracoView(primitive), where);
 
     DracoPrimitive result;
     result.indices.reserve(std::size_t{mesh->num_faces()} * 3);

@@ -20,6 +20,9 @@ struct DracoPrimitive {
 /// Whether the primitive is stored with KHR_draco_mesh_compression.
 bool isDraco(const tinygltf::Primitive& primitive);
 
+/// The buffer view with the compressed mesh; -1 when it is not compressed.
+int dracoView(const tinygltf::Primitive& primitive);
+
 /// Decodes it. Throws SceneError that starts with `where`.
 DracoPrimitive readDraco(const GltfSource& source, const tinygltf::Primitive& primitive,
                          const std::string& where);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <cmath>
 #include <fmt/format.h>
+#include <limits>
 #include <map>
 
 #include "studio/scene/gltf_accessor.h"
@@ -16,6 +17,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr double kLargestFloat = std::numeric_limits<float>::max();
+constexpr std::size_t kLastUvSet = 3;
+
 const Json& member(const Json& object, const char* key) {
     static const Json none;
     if (!object.is_object()) return none;
@@ -26,11 +30,12 @@ const Json& member(const Json& object, const char* key) {
 double numberOr(const Json& value, double otherwise) {
     if (!value.is_number()) return otherwise;
     const double number = value.get<double>();
-    return std::isfinite(number) ? number : otherwise;
+    return std::abs(number) <= kLargestFloat ? number : otherwise;
 }
 
-int indexOr(const Json& value, int otherwise) {
-    return value.is_number_integer() ? static_cast<int>(value.get<std::int64_t>()) : otherwise;
+/// A whole number from 0 to `most`; -1 for anything else.
+int indexOf(const Json& value, std::size_t most) {
+    return value.is_number_unsigned() && value.get<std::uint64_t>() <= most ? value.get<int>() : -1;
 }
 
 double componentOr(const Json& list, std::size_t i, double otherwise) {
@@ -44,10 +49,8 @@ class MaterialReader {
 
     void readAll() {
         const Json& materials = member(source_.document, "materials");
-        for (std::size_t i = 0; i < source_.model.materials.size(); ++i) {
-            read(materials.is_array() && i < materials.size() ? materials[i] : Json(),
-                 static_cast<int>(i));
-        }
+        for (std::size_t i = 0; i < materials.size(); ++i)
+            read(materials[i], static_cast<int>(i));
         Surface plain;
         plain.name = names_.unique("Default");
         scene_.surfaces.push_back(plain);
@@ -90,8 +93,9 @@ class MaterialReader {
             member(member(member(material, "extensions"), "KHR_materials_emissive_strength"),
                    "emissiveStrength");
         for (std::size_t i = 0; i < 3; ++i) {
+            const double level = componentOr(factor, i, 0.0) * numberOr(strength, 1.0);
             surface.emissive[static_cast<int>(i)] =
-                static_cast<float>(componentOr(factor, i, 0.0) * numberOr(strength, 1.0));
+                static_cast<float>(std::clamp(level, 0.0, kLargestFloat));
         }
         if (surface.emissive != Imath::V3f(0)) {
             surface.emissiveTexture = texture(member(material, "emissiveTexture"));
@@ -140,18 +144,27 @@ class MaterialReader {
     std::optional<TextureUse> texture(const Json& info) {
         if (!info.is_object()) return std::nullopt;
         TextureUse use;
-        const int index = indexOr(member(info, "index"), -1);
+        const int index = indexOf(member(info, "index"), source_.model.textures.size());
         const tinygltf::Texture& texture =
             element(source_, source_.model.textures, index, "texture");
         use.image = imageOf(texture, index);
-        use.uvSet = indexOr(member(info, "texCoord"), 0);
+        use.uvSet = uvSetOf(info, index);
         readTransform(member(member(info, "extensions"), "KHR_texture_transform"), use);
-        if (use.uvSet < 0 || use.uvSet > 3) {
-            source_.fail(fmt::format("texture {} uses UV set {}: only 0 to 3 can be read", index,
-                                     use.uvSet));
-        }
         if (texture.sampler >= 0) readSampler(texture.sampler, use);
         return use;
+    }
+
+    int uvSetOf(const Json& info, int texture) const {
+        const Json& moved =
+            member(member(member(info, "extensions"), "KHR_texture_transform"), "texCoord");
+        const Json& set = moved.is_null() ? member(info, "texCoord") : moved;
+        if (set.is_null()) return 0;
+        const int index = indexOf(set, kLastUvSet);
+        if (index < 0) {
+            source_.fail(fmt::format("texture {} uses the UV set {}: only 0 to {} can be read",
+                                     texture, set.dump().substr(0, 40), kLastUvSet));
+        }
+        return index;
     }
 
     static void readTransform(const Json& transform, TextureUse& use) {
@@ -163,7 +176,6 @@ class MaterialReader {
         use.scale = {static_cast<float>(componentOr(scale, 0, 1)),
                      static_cast<float>(componentOr(scale, 1, 1))};
         use.rotation = static_cast<float>(numberOr(member(transform, "rotation"), 0.0));
-        use.uvSet = indexOr(member(transform, "texCoord"), use.uvSet);
     }
 
     void readSampler(int index, TextureUse& use) {
@@ -201,19 +213,15 @@ class MaterialReader {
     }
 
     Image decode(int index) {
-        const tinygltf::Image& image = element(source_, source_.model.images, index, "image");
-        std::string name =
-            image.uri.empty() || image.uri.substr(0, 5) == "data:" ? image.name : image.uri;
-        if (name.empty()) name = fmt::format("image {}", index);
-        const std::vector<std::uint8_t>& file = source_.imageFiles[static_cast<std::size_t>(index)];
-        if (file.empty()) {
-            source_.fail(
-                fmt::format("the texture \"{}\" is missing: put it beside the scene", name));
+        const SourceImage& image = element(source_, source_.images, index, "image");
+        if (!image.problem.empty()) {
+            source_.fail(fmt::format("the texture \"{}\" {}", image.name, image.problem));
         }
         try {
-            return decodeImage(file, name);
+            return decodeImage(image.bytes, image.name);
         } catch (const SceneError& error) {
-            source_.fail(fmt::format("the texture \"{}\" {}: export it again", name, error.what()));
+            source_.fail(
+                fmt::format("the texture \"{}\" {}: export it again", image.name, error.what()));
         }
     }
 

@@ -1,36 +1,47 @@
 #pragma once
 
-#include <array>
-#include <cstdint>
+#include <map>
 #include <memory>
+#include <string>
+#include <tuple>
 #include <vector>
 
+#include "studio/scene/gltf_primitive.h"
 #include "studio/scene/gltf_source.h"
-#include "studio/scene/scene.h"
 
 namespace tavora::studio {
 
-/// One primitive as read: its vertices before morphing and skinning.
+/// A primitive of a mesh with its material.
 struct SourcePrimitive {
-    Mesh mesh;  ///< normals may be empty yet
+    std::shared_ptr<const PrimitiveGeometry> geometry;
     int material = -1;
-    struct Target {
-        std::vector<Imath::V3f> positions;  ///< displacements; empty or one a vertex
-        std::vector<Imath::V3f> normals;
-    };
-    std::vector<Target> targets;
-    std::vector<std::array<std::uint32_t, 4>> joints;  ///< up to 8 influences in two sets
-    std::vector<Imath::V4f> weights;
-    std::vector<std::array<std::uint32_t, 4>> joints1;
-    std::vector<Imath::V4f> weights1;
 };
 
-/// Reads all triangle primitives of mesh `index`; others are left out with a
-/// line in `warnings`. Throws SceneError.
-std::vector<SourcePrimitive> readMesh(const GltfSource& source, int index,
-                                      std::vector<std::string>& warnings);
+/// The meshes of a file, each read when first asked for. Primitives made of the
+/// same accessors share their geometry. One thread at a time.
+class MeshStore {
+  public:
+    /// `source` must outlive the store.
+    explicit MeshStore(const GltfSource& source) : source_(source) {}
 
-/// Gives a mesh without normals flat ones, splitting shared vertices.
-void makeFlatNormals(Mesh& mesh);
+    /// All triangle primitives of mesh `index`; others are left out with a line
+    /// in `warnings`. Valid as long as the store. Throws SceneError.
+    const std::vector<SourcePrimitive>& primitives(int index, std::vector<std::string>& warnings);
+
+  private:
+    using Attributes = std::map<std::string, int>;
+    using Key = std::tuple<Attributes, int, int, std::vector<Attributes>, int>;
+
+    std::vector<SourcePrimitive> read(int index, std::vector<std::string>& warnings);
+    std::shared_ptr<const PrimitiveGeometry> geometryOf(const tinygltf::Primitive& primitive,
+                                                        const std::string& name,
+                                                        const std::string& where);
+    void spend(const PrimitiveGeometry& geometry, const std::string& where);
+
+    const GltfSource& source_;
+    std::map<int, std::vector<SourcePrimitive>> meshes_;
+    std::map<Key, std::shared_ptr<const PrimitiveGeometry>> geometries_;
+    std::size_t values_ = 0;  // unpacked so far
+};
 
 }  // namespace tavora::studio

@@ -7,8 +7,8 @@
 namespace tavora::studio {
 
 /// Reads a glTF 2.0 file (.gltf or .glb) with all it refers to and poses it at
-/// rest. Cameras and lights are those of the file; see default_view.h and
-/// default_light.h for what a file may lack.
+/// rest. Cameras and lights are those of the file; see default_view.h
+/// for what a file may lack.
 /// Throws SceneError for anything that cannot be rendered as the file says.
 /// Any thread.
 Scene readGltf(const std::filesystem::path& file);

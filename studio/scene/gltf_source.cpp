@@ -2,13 +2,13 @@
 
 #include <algorithm>
 #include <array>
-#include <cctype>
+#include <cstring>
 #include <fmt/format.h>
-#include <fstream>
-#include <optional>
 #include <string_view>
 
 #include "studio/scene/gltf_container.h"
+#include "studio/scene/gltf_resources.h"
+#include "studio/scene/gltf_shape.h"
 #include "studio/scene/json_text.h"
 #include "studio/scene/scene_error.h"
 
@@ -20,7 +20,8 @@ namespace fs = std::filesystem;
 
 constexpr int kDeepestJson = 128;
 
-constexpr std::array<std::string_view, 17> kSupported = {
+// What is drawn as the extension says, or looks right without it.
+constexpr std::array<std::string_view, 18> kSupported = {
     "EXT_texture_webp",
     "KHR_draco_mesh_compression",
     "KHR_lights_punctual",
@@ -38,6 +39,7 @@ constexpr std::array<std::string_view, 17> kSupported = {
     "KHR_materials_volume",
     "KHR_mesh_quantization",
     "KHR_texture_transform",
+    "KHR_xmp_json_ld",
 };
 
 /// Brackets inside brackets, before any parser walks into them.
@@ -61,50 +63,20 @@ int depthOf(std::string_view json) {
     return deepest;
 }
 
-std::optional<std::string> percentDecoded(std::string_view uri) {
-    std::string plain;
-    for (std::size_t i = 0; i < uri.size(); ++i) {
-        if (uri[i] != '%') {
-            plain += uri[i];
-            continue;
-        }
-        if (i + 2 >= uri.size() || !std::isxdigit(static_cast<unsigned char>(uri[i + 1])) ||
-            !std::isxdigit(static_cast<unsigned char>(uri[i + 2]))) {
-            return std::nullopt;
-        }
-        plain += static_cast<char>(std::stoi(std::string(uri.substr(i + 1, 2)), nullptr, 16));
-        i += 2;
-    }
-    return plain;
-}
-
-/// Whether a URI names a file in the scene's folder or below it.
-bool staysInside(std::string_view uri) {
-    const std::optional<std::string> plain = percentDecoded(uri);
-    if (!plain || plain->empty() || plain->front() == '/' || plain->front() == '~') return false;
-    if (plain->find_first_of(std::string_view(":\\\0", 3)) != std::string::npos) return false;
-    const fs::path path(*plain);
-    return std::none_of(path.begin(), path.end(), [](const fs::path& p) { return p == ".."; });
-}
-
-bool isData(std::string_view uri) {
-    return uri.substr(0, 5) == "data:";
-}
-
-void checkUris(const GltfSource& source, const char* kind) {
-    const auto list = source.document.find(kind);
-    if (list == source.document.end() || !list->is_array()) return;
-    for (std::size_t i = 0; i < list->size(); ++i) {
-        const Json& entry = (*list)[i];
-        if (!entry.is_object() || !entry.contains("uri")) continue;
-        const Json& uri = entry["uri"];
-        const std::string text = uri.is_string() ? uri.get<std::string>() : "";
-        if (isData(text) || staysInside(text)) continue;
+Json parseDocument(const GltfSource& source, const std::string& text) {
+    if (text.empty()) source.fail("is empty: export the file again");
+    if (depthOf(text) > kDeepestJson) {
         source.fail(
-            fmt::format("{}[{}] names the file \"{}\": only files in the scene's own folder are "
-                        "read, copy it there",
-                        kind, i, text.substr(0, 80)));
+            fmt::format("its JSON is nested deeper than {}: export the file again", kDeepestJson));
     }
+    Json document;
+    try {
+        document = parseJson(text, source.path);
+    } catch (const SceneError& error) {
+        throw SceneError(oneLine(error.what()) + ": export the file again");
+    }
+    if (!document.is_object()) source.fail("is not glTF: its JSON is no object");
+    return document;
 }
 
 void checkExtensions(const GltfSource& source) {
@@ -124,122 +96,85 @@ void checkVersion(const GltfSource& source) {
                        asset->contains("version") && (*asset)["version"].is_string();
     const std::string version = known ? (*asset)["version"].get<std::string>() : "";
     if (version.substr(0, 2) == "2.") return;
-    source.fail(version.empty() ? "is not glTF: it has no asset.version"
-                                : "is glTF " + version + ", only 2.x can be read: convert it");
+    source.fail(version.empty()
+                    ? "is not glTF: it has no asset.version, choose another file"
+                    : "is glTF " + version + ", only 2.x can be read: convert it to 2.0");
 }
 
-// --- what tinygltf reads files through ---
-
-bool fileExists(const std::string& file, void* /*user*/) {
-    std::error_code error;
-    return fs::is_regular_file(file, error);
-}
-
-std::string sameName(const std::string& file, void* /*user*/) {
-    return file;
-}
-
-bool readWholeFile(std::vector<unsigned char>* bytes, std::string* error, const std::string& file,
-                   void* /*user*/) {
-    std::ifstream in(file, std::ios::binary);
-    bytes->assign(std::istreambuf_iterator<char>(in), {});
-    if (in && !bytes->empty()) return true;
-    if (error != nullptr) *error += "cannot read " + file;
-    return false;
-}
-
-bool writeNothing(std::string* /*error*/, const std::string& /*file*/,
-                  const std::vector<unsigned char>& /*bytes*/, void* /*user*/) {
-    return false;
-}
-
-/// Keeps an image file's bytes for later.
-bool keepImageFile(tinygltf::Image* /*image*/, int index, std::string* /*error*/,
-                   std::string* /*warning*/, int /*width*/, int /*height*/,
-                   const unsigned char* bytes, int size, void* user) {
-    auto& files = *static_cast<std::vector<std::vector<std::uint8_t>>*>(user);
-    if (index < 0 || size < 0) return false;
-    const auto at = static_cast<std::size_t>(index);
-    if (files.size() <= at) files.resize(at + 1);
-    files[at].assign(bytes, bytes + size);
-    return true;
-}
-
-std::string firstLine(const std::string& text) {
-    const std::string line = text.substr(0, text.find('\n'));
-    return line.empty() ? "the file is damaged" : line;
+/// The first chunk after the JSON, when it is the binary one.
+std::string_view binaryChunk(const GltfSource& source, std::string_view chunks) {
+    constexpr std::size_t kHeader = 8;
+    if (chunks.size() < kHeader || chunks.substr(4, 4) != std::string_view("BIN\0", 4)) return {};
+    std::uint32_t size = 0;
+    for (std::size_t i = 4; i-- > 0;)
+        size = size << 8U | static_cast<unsigned char>(chunks[i]);
+    if (size > chunks.size() - kHeader) {
+        source.fail("its binary chunk is truncated: export or copy the file again");
+    }
+    return chunks.substr(kHeader, size);
 }
 
 bool isCompressed(const Json& primitive) {
-    return primitive.is_object() && primitive.contains("extensions") &&
-           primitive["extensions"].is_object() &&
-           primitive["extensions"].contains("KHR_draco_mesh_compression");
+    const auto extensions = primitive.find("extensions");
+    return extensions != primitive.end() && extensions->contains("KHR_draco_mesh_compression");
 }
 
-/// The document as tinygltf takes it: it refuses index accessors without a
-/// buffer view, which compressed primitives have. Their indices are not needed.
-void dropCompressedIndices(const Json& document, GltfContainer& container) {
-    if (!document.contains("meshes") || !document["meshes"].is_array()) return;
-    Json changed = document;
-    bool any = false;
-    for (Json& mesh : changed["meshes"]) {
-        if (!mesh.is_object() || !mesh.contains("primitives")) continue;
+/// The members that the model is made from. Compressed primitives lose their
+/// indices: their accessors have no buffer view, which tinygltf refuses, and
+/// the indices come out of the compressed mesh.
+Json modelDocument(const Json& document) {
+    Json reduced = {{"asset", {{"version", "2.0"}}}};
+    for (const char* name : {"bufferViews", "accessors", "meshes", "nodes", "scenes", "scene",
+                             "skins", "samplers", "textures", "cameras", "animations"}) {
+        const auto found = document.find(name);
+        if (found != document.end() && !found->is_null()) reduced[name] = *found;
+    }
+    const auto lights = "/extensions/KHR_lights_punctual"_json_pointer;
+    if (document.contains(lights)) reduced[lights] = document.at(lights);
+    if (!reduced.contains("meshes")) return reduced;
+    for (Json& mesh : reduced["meshes"]) {
         for (Json& primitive : mesh["primitives"]) {
-            if (isCompressed(primitive)) any = primitive.erase("indices") != 0 || any;
+            if (isCompressed(primitive)) primitive.erase("indices");
         }
     }
-    if (any) container.json = changed.dump();
+    return reduced;
 }
 
-void parse(GltfSource& source, const GltfContainer& container, const fs::path& file) {
+void makeModel(GltfSource& source) {
+    const std::string text = modelDocument(source.document).dump();
     tinygltf::TinyGLTF loader;
-    loader.SetImageLoader(keepImageFile, &source.imageFiles);
-    loader.SetFsCallbacks({fileExists, sameName, readWholeFile, writeNothing, nullptr});
     std::string error;
     std::string warning;
-    bool read = false;
-    if (container.binary) {
-        const std::string bytes = containerBytes(container);
-        read = loader.LoadBinaryFromMemory(
-            &source.model, &error, &warning, reinterpret_cast<const unsigned char*>(bytes.data()),
-            static_cast<unsigned>(bytes.size()), file.parent_path().string());
-    } else {
-        read = loader.LoadASCIIFromString(&source.model, &error, &warning, container.json.data(),
-                                          static_cast<unsigned>(container.json.size()),
-                                          file.parent_path().string());
-    }
-    if (!read) source.fail(firstLine(error) + ": export the file again");
-    source.imageFiles.resize(source.model.images.size());
+    const bool read = loader.LoadASCIIFromString(&source.model, &error, &warning, text.data(),
+                                                 static_cast<unsigned>(text.size()), "");
+    if (read) return;
+    const std::string line = error.substr(0, error.find('\n'));
+    source.fail((line.empty() ? "is damaged" : line) + ": export the file again");
 }
 
 }  // namespace
 
+std::string oneLine(std::string text) {
+    std::replace_if(
+        text.begin(), text.end(), [](unsigned char c) { return c < 0x20 || c == 0x7f; }, ' ');
+    return text;
+}
+
 void GltfSource::fail(const std::string& what) const {
-    throw SceneError(path + ": " + what);
+    throw SceneError(oneLine(path + ": " + what));
 }
 
 GltfSource readGltfSource(const fs::path& file) {
     GltfSource source;
     source.path = file.string();
-    GltfContainer container = readContainer(file);
-    if (depthOf(container.json) > kDeepestJson) {
-        source.fail(
-            fmt::format("its JSON is nested deeper than {}: export the file again", kDeepestJson));
-    }
-    source.document = parseJson(container.json, source.path);
-    if (!source.document.is_object()) source.fail("is not glTF: its JSON is no object");
+    const GltfContainer container = readContainer(file);
+    source.document = parseDocument(source, container.json);
     checkVersion(source);
     checkExtensions(source);
-    checkUris(source, "buffers");
-    checkUris(source, "images");
-    dropCompressedIndices(source.document, container);
-    try {
-        parse(source, container, file);
-    } catch (const SceneError&) {
-        throw;
-    } catch (const std::exception& error) {
-        source.fail(std::string("cannot be read (") + error.what() + "): export the file again");
-    }
+    checkShape(source);
+    makeModel(source);
+    readBuffers(source, file.parent_path(), binaryChunk(source, container.chunks));
+    readImageFiles(source, file.parent_path());
     return source;
 }
 

@@ -10,20 +10,32 @@
 
 namespace tavora::studio {
 
-/// A glTF file as read: the parsed document, its buffers, and the bytes of its
-/// image files, nothing posed or decoded yet.
+/// A picture file of a scene, not decoded.
+struct SourceImage {
+    std::string name;                 ///< for messages: its file, its name or its number
+    std::vector<std::uint8_t> bytes;  ///< empty when `problem` is not
+    std::string problem;              ///< why it cannot be had, and what to do
+};
+
+/// A glTF file as read: the document, its buffers, and the bytes of its image
+/// files, nothing posed or decoded yet. checkShape() passed the document.
 struct GltfSource {
     std::string path;                 ///< for messages
-    nlohmann::ordered_json document;  ///< for extras and extensions
-    tinygltf::Model model;
-    std::vector<std::vector<std::uint8_t>> imageFiles;  ///< per image; empty when not found
+    nlohmann::ordered_json document;  ///< all of it; for materials, extras and extensions
+    tinygltf::Model model;            ///< the rest, without buffers, images and materials
+    std::vector<std::vector<std::uint8_t>> buffers;  ///< each as long as it declares
+    std::vector<SourceImage> images;
 
-    /// Throws SceneError "PATH: WHAT".
+    /// Throws SceneError "PATH: WHAT", brought to one line.
     [[noreturn]] void fail(const std::string& what) const;
 };
 
 /// Throws SceneError when the file, or a buffer of it, cannot be read, when a
 /// URI leads out of the file's folder, or a required extension is not supported.
+/// An image that cannot be had is no error before something uses it. Any thread.
 GltfSource readGltfSource(const std::filesystem::path& file);
+
+/// `text` with a space for every control character.
+std::string oneLine(std::string text);
 
 }  // namespace tavora::studio
