@@ -10,6 +10,7 @@ double decode(double v) {
 }
 
 double encode(double v) {
+    if (v == 1) return 1;  // where 1.055 - 0.055 is a little less
     return v <= 0.0031308 ? v * 12.92 : 1.055 * std::pow(v, 1.0 / 2.4) - 0.055;
 }
 

@@ -12,7 +12,8 @@ namespace {
 
 using Imath::V3d;
 
-constexpr double kNearest = 0.05;  // of the scene's size: lights no nearer to its centre
+constexpr double kNearest = 0.05;   // of the scene's size: lights no nearer to its centre
+constexpr double kMostLevel = 1e6;  // what a fixed exposure can make of a light
 
 double sizeOf(const Scene& scene) {
     return scene.bounds.isEmpty() ? 1.0 : std::max(scene.bounds.size().length(), 1e-30);
@@ -45,22 +46,24 @@ V3d hueOf(const Light& light) {
     return V3d(toEncoded(color.x / peak), toEncoded(color.y / peak), toEncoded(color.z / peak));
 }
 
-LitLight settle(const Light& light, const Scene& scene, double exposure) {
+LitLight settle(const Light& light, const Scene& scene, double unit) {
     LitLight lit;
     lit.light = &light;
-    lit.color = hueOf(light) * (strengthAtCentre(light, scene) * exposure);
+    lit.color = hueOf(light) * std::clamp(strengthAtCentre(light, scene) / unit, 0.0, kMostLevel);
     lit.scale = light.kind == LightKind::Directional ? 1.0 : levelDistance2(light, scene);
     return lit;
 }
 
-double automaticExposure(const std::vector<const Light*>& lights, const Scene& scene) {
-    double brightest = 0;
+/// The strength that counts as 1: that of the brightest light.
+double brightest(const std::vector<const Light*>& lights, const Scene& scene) {
+    double most = 0;
     for (const Light* light : lights)
-        brightest = std::max(brightest, strengthAtCentre(*light, scene));
-    return brightest > 0 && std::isfinite(brightest) ? 1.0 / brightest : 1.0;
+        most = std::max(most, strengthAtCentre(*light, scene));
+    return most > 0 ? most : 1.0;
 }
 
-double smoothCone(const Light& light, double cosine) {
+/// 1 inside the inner cone, falling to 0 at the outer one.
+double coneShare(const Light& light, double cosine) {
     const double inner = std::cos(static_cast<double>(light.innerCone));
     const double outer = std::cos(static_cast<double>(light.outerCone));
     const double t = (cosine - outer) / std::max(inner - outer, 1e-3);
@@ -68,7 +71,7 @@ double smoothCone(const Light& light, double cosine) {
     return clamped * clamped;
 }
 
-/// The range window of KHR_lights_punctual.
+/// Fades a light out towards its range.
 double rangeWindow(const Light& light, double distance) {
     if (!std::isfinite(light.range)) return 1.0;
     const double ratio = distance / static_cast<double>(light.range);
@@ -89,9 +92,9 @@ LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOp
         lights.push_back(rig.own.back().get());
         defaultAmbient = kDefaultAmbient;
     }
-    const double exposure = options.exposure.value_or(automaticExposure(lights, scene));
+    const double unit = options.exposure ? 1.0 / *options.exposure : brightest(lights, scene);
     for (const Light* light : lights)
-        rig.lights.push_back(settle(*light, scene, exposure));
+        rig.lights.push_back(settle(*light, scene, unit));
     rig.ambient = options.ambient.value_or(scene.ambient.value_or(V3d(defaultAmbient)));
     return rig;
 }
@@ -108,7 +111,7 @@ double arrivingLight(const LightRig& rig, const LitLight& lit, const V3d& positi
     const double distance = way.length();
     direction = distance > 0 ? way / distance : light.direction;
     double level = 1;
-    if (light.kind == LightKind::Spot) level *= smoothCone(light, direction.dot(light.direction));
+    if (light.kind == LightKind::Spot) level *= coneShare(light, direction.dot(light.direction));
     if (rig.falloff) {
         level *= rangeWindow(light, distance) * lit.scale / std::max(distance * distance, 1e-12);
     }

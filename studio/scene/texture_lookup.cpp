@@ -22,8 +22,46 @@ const std::array<double, 256>& linearOfByte() {
     return table;
 }
 
-std::uint8_t toByte(double v) {
-    return static_cast<std::uint8_t>(std::lround(std::clamp(v, 0.0, 1.0) * 255.0));
+/// Byte of a linear value 0..1: exact for all that linearOfByte() holds, since
+/// the darkest of those lie 20 steps of the table apart.
+std::uint8_t encodedByte(double linear) {
+    constexpr std::size_t kSteps = 65536;
+    static const std::vector<std::uint8_t> table = [] {
+        std::vector<std::uint8_t> t(kSteps);
+        for (std::size_t i = 0; i < kSteps; ++i)
+            t[i] = static_cast<std::uint8_t>(
+                std::lround(255.0 * toEncoded(static_cast<double>(i) / (kSteps - 1))));
+        return t;
+    }();
+    return table[static_cast<std::size_t>(linear * (kSteps - 1) + 0.5)];
+}
+
+/// The texels of a row or column that one texel of half the size covers: two,
+/// or parts of up to four where the size is odd.
+struct Cover {
+    int first = 0;
+    int count = 0;
+    double weights[4] = {};  ///< sum 1
+};
+
+std::vector<Cover> covers(int from, int to) {
+    std::vector<Cover> all(static_cast<std::size_t>(to));
+    const double width = static_cast<double>(from) / to;
+    for (int i = 0; i < to; ++i) {
+        Cover& cover = all[static_cast<std::size_t>(i)];
+        const double start = i * width;
+        const double end = (i + 1) * width;
+        cover.first = static_cast<int>(start);
+        for (int k = cover.first; k < from && k < end && cover.count < 4; ++k) {
+            const double share = std::min<double>(end, k + 1) - std::max<double>(start, k);
+            if (share > 1e-9) {
+                cover.weights[cover.count++] = share / width;
+            } else if (cover.count == 0) {
+                ++cover.first;  // a rounding error of the one before
+            }
+        }
+    }
+    return all;
 }
 
 int wrapped(Wrap wrap, long i, int size) {
@@ -49,37 +87,42 @@ double tamed(double v) {
 
 TexturePyramid::TexturePyramid(const Image& image) {
     levels_.push_back({image.width, image.height, image.rgba});
-    while (levels_.back().width > 1 || levels_.back().height > 1) {
-        levels_.push_back(halved(levels_.back()));
-    }
+    while (levels_.back().width > 1 || levels_.back().height > 1)
+        addHalved();
 }
 
-TexturePyramid::Level TexturePyramid::halved(const Level& from) {
-    Level to{std::max(1, from.width / 2), std::max(1, from.height / 2), {}};
-    to.rgba.resize(static_cast<std::size_t>(to.width) * static_cast<std::size_t>(to.height) * 4);
+void TexturePyramid::addHalved() {
+    const Level& from = levels_.back();
+    const int width = std::max(1, from.width / 2);
+    const int height = std::max(1, from.height / 2);
+    const std::vector<Cover> columns = covers(from.width, width);
+    const std::vector<Cover> rows = covers(from.height, height);
     const std::array<double, 256>& linear = linearOfByte();
-    for (int y = 0; y < to.height; ++y) {
-        for (int x = 0; x < to.width; ++x) {
-            const int x0 = std::min(2 * x, from.width - 1);
-            const int x1 = std::min(2 * x + 1, from.width - 1);
-            const int y0 = std::min(2 * y, from.height - 1);
-            const int y1 = std::min(2 * y + 1, from.height - 1);
-            const std::uint8_t* four[] = {from.texel(x0, y0), from.texel(x1, y0),
-                                          from.texel(x0, y1), from.texel(x1, y1)};
-            std::uint8_t* out =
-                &to.rgba[(static_cast<std::size_t>(y) * static_cast<std::size_t>(to.width) +
-                          static_cast<std::size_t>(x)) *
-                         4];
-            for (int c = 0; c < 4; ++c) {
-                double sum = 0;
-                for (const std::uint8_t* texel : four) {
-                    sum += c < 3 ? linear[texel[c]] : texel[c] / 255.0;
+    std::vector<std::uint8_t> rgba;
+    rgba.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
+    for (const Cover& row : rows) {
+        for (const Cover& column : columns) {
+            double sum[4] = {};
+            for (int y = 0; y < row.count; ++y) {
+                for (int x = 0; x < column.count; ++x) {
+                    const double weight = row.weights[y] * column.weights[x];
+                    const std::uint8_t* texel = from.texel(column.first + x, row.first + y);
+                    for (int c = 0; c < 3; ++c)
+                        sum[c] += weight * linear[texel[c]];
+                    sum[3] += weight * texel[3];
                 }
-                out[c] = toByte(c < 3 ? toEncoded(sum / 4) : sum / 4);
             }
+            for (int c = 0; c < 3; ++c)
+                rgba.push_back(encodedByte(std::min(sum[c], 1.0)));
+            rgba.push_back(static_cast<std::uint8_t>(std::lround(std::min(sum[3], 255.0))));
         }
     }
-    return to;
+    halves_.push_back(std::move(rgba));
+    levels_.push_back({width, height, halves_.back()});
+}
+
+V4d TexturePyramid::sample(const Level& level, Filter filter, const TextureUse& use, V2d uv) {
+    return filter == Filter::Nearest ? nearest(level, use, uv) : bilinear(level, use, uv);
 }
 
 V4d TexturePyramid::nearest(const Level& level, const TextureUse& use, V2d uv) {
@@ -114,19 +157,15 @@ V4d TexturePyramid::lookUp(const TextureUse& use, V2d uv, double footprint) cons
     const V2d at(tamed(uv.x), tamed(uv.y));
     const Level& finest = levels_.front();
     const double texels = footprint * std::max(finest.width, finest.height);
-    if (!(texels > 1)) {
-        return use.magnify == Filter::Nearest ? nearest(finest, use, at)
-                                              : bilinear(finest, use, at);
-    }
-    if (!use.mipmaps) {
-        return use.minify == Filter::Nearest ? nearest(finest, use, at) : bilinear(finest, use, at);
-    }
+    if (!(texels > 1)) return sample(finest, use.magnify, use, at);
+    if (!use.mipmaps) return sample(finest, use.minify, use, at);
     const double last = static_cast<double>(levels_.size() - 1);
     const double depth = std::min(std::log2(texels), last);
     const auto lower = static_cast<std::size_t>(depth);
     const std::size_t upper = std::min(lower + 1, levels_.size() - 1);
     const double t = depth - static_cast<double>(lower);
-    return bilinear(levels_[lower], use, at) * (1 - t) + bilinear(levels_[upper], use, at) * t;
+    return sample(levels_[lower], use.minify, use, at) * (1 - t) +
+           sample(levels_[upper], use.minify, use, at) * t;
 }
 
 V2d transformUv(const TextureUse& use, V2d uv) {

@@ -1,6 +1,8 @@
 #pragma once
 
 #include <ImathVec.h>
+#include <cstdint>
+#include <span>
 #include <vector>
 
 #include "studio/scene/scene.h"
@@ -11,7 +13,11 @@ namespace tavora::studio {
 /// averaged in linear light and stored sRGB-encoded.
 class TexturePyramid {
   public:
+    /// `image` must hold a pixel and outlive the pyramid, which reads its finest
+    /// level there.
     explicit TexturePyramid(const Image& image);
+    TexturePyramid(const TexturePyramid&) = delete;
+    TexturePyramid& operator=(const TexturePyramid&) = delete;
 
     /// RGBA at `uv` (after the texture transform; v grows downwards), each 0..1,
     /// as stored (colour sRGB-encoded). `footprint` is the width in UV units that
@@ -23,18 +29,21 @@ class TexturePyramid {
     struct Level {
         int width;
         int height;
-        std::vector<std::uint8_t> rgba;
+        std::span<const std::uint8_t> rgba;
 
         const std::uint8_t* texel(int x, int y) const {
             const auto row = static_cast<std::size_t>(y) * static_cast<std::size_t>(width);
             return &rgba[(row + static_cast<std::size_t>(x)) * 4];
         }
     };
-    static Level halved(const Level& from);
+    void addHalved();
+    static Imath::V4d sample(const Level& level, Filter filter, const TextureUse& use,
+                             Imath::V2d uv);
     static Imath::V4d nearest(const Level& level, const TextureUse& use, Imath::V2d uv);
     static Imath::V4d bilinear(const Level& level, const TextureUse& use, Imath::V2d uv);
 
     std::vector<Level> levels_;
+    std::vector<std::vector<std::uint8_t>> halves_;  ///< what the levels after the first hold
 };
 
 /// The UV at which `use` reads its image for a vertex coordinate.

@@ -1,0 +1,188 @@
+// Physical light units to the levels that a gradient wants.
+
+#include "studio/scene/light_levels.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+
+#include "studio/scene/color.h"
+#include "studio/scene/default_view.h"
+
+namespace tavora::studio {
+namespace {
+
+using Imath::V3d;
+
+/// A scene of size 2 around the origin with these lights.
+Scene sceneWith(const std::vector<Light>& lights) {
+    Scene scene;
+    scene.bounds = Imath::Box3d(V3d(-1), V3d(1));
+    for (const Light& light : lights)
+        scene.lights.push_back(std::make_unique<const Light>(light));
+    return scene;
+}
+
+Light directional(float lux) {
+    Light light;
+    light.intensity = lux;
+    return light;
+}
+
+Light point(float candela, V3d position) {
+    Light light;
+    light.kind = LightKind::Point;
+    light.intensity = candela;
+    light.position = position;
+    return light;
+}
+
+/// Pointing down from above the origin.
+Light spot(float candela, double height) {
+    Light light = point(candela, {0, height, 0});
+    light.kind = LightKind::Spot;
+    light.direction = {0, -1, 0};
+    light.innerCone = 0.2F;
+    light.outerCone = 0.5F;
+    return light;
+}
+
+struct Arrival {
+    double distance;
+    V3d direction;
+    V3d color;
+};
+
+Arrival arrive(const LightRig& rig, const V3d& at, std::size_t light = 0) {
+    Arrival arrival{};
+    arrival.distance = arrivingLight(rig, rig.lights[light], at, arrival.direction, arrival.color);
+    return arrival;
+}
+
+TEST(LightLevels, TheBrightestAtTheCentreIsOneAndRelationsAreKept) {
+    // 100 cd from 5 m are 4 lux.
+    const Scene scene = sceneWith({directional(2), point(100, {0, 3, 4}), spot(36, 6)});
+    const LightRig rig = settleLights(scene, {}, {});
+    ASSERT_EQ(rig.lights.size(), 3U);
+    EXPECT_DOUBLE_EQ(rig.lights[0].color.x, 0.5);
+    EXPECT_DOUBLE_EQ(rig.lights[1].color.x, 1.0);
+    EXPECT_DOUBLE_EQ(rig.lights[2].color.x, 0.25);
+    EXPECT_EQ(rig.ambient, V3d(0));
+    EXPECT_TRUE(rig.own.empty());
+}
+
+TEST(LightLevels, AFixedExposureTakesTheUnitsAsTheyAre) {
+    const Scene scene = sceneWith({directional(2), point(100, {0, 3, 4})});
+    LightingOptions options;
+    options.exposure = 0.1;
+    const LightRig rig = settleLights(scene, {}, options);
+    EXPECT_NEAR(rig.lights[0].color.x, 0.2, 1e-12);
+    EXPECT_NEAR(rig.lights[1].color.x, 0.4, 1e-12);
+    options.exposure = 0;
+    EXPECT_EQ(settleLights(scene, {}, options).lights[0].color, V3d(0));
+}
+
+TEST(LightLevels, HueIsDisplayReferredAndLevelMultipliesIt) {
+    Light orange = directional(3);
+    orange.color = {2, 0.5F, 0};  // brightest channel counts: 6 lux
+    const Scene scene = sceneWith({orange, directional(12)});
+    const LightRig rig = settleLights(scene, {}, {});
+    EXPECT_DOUBLE_EQ(rig.lights[0].color.x, 0.5);
+    EXPECT_NEAR(rig.lights[0].color.y, toEncoded(0.25) * 0.5, 1e-12);
+    EXPECT_EQ(rig.lights[0].color.z, 0);
+}
+
+TEST(LightLevels, ALightInTheMiddleOfTheSceneOutshinesNobodyWithoutEnd) {
+    // No nearer than a twentieth of the scene's size, which is sqrt(12).
+    const Scene scene = sceneWith({point(3, V3d(0)), directional(100)});
+    const LightRig rig = settleLights(scene, {}, {});
+    EXPECT_NEAR(rig.lights[0].color.x, 1.0, 1e-12);
+    EXPECT_NEAR(rig.lights[1].color.x, 100 / (3 / (12 * 0.05 * 0.05)), 1e-12);
+}
+
+TEST(LightLevels, OddIntensitiesGiveNumbers) {
+    Light black = directional(5);
+    black.color = {0, 0, 0};
+    for (float wild : {0.0F, -3.0F, 1e-45F, 3e38F}) {
+        const Scene scene = sceneWith({directional(wild), black});
+        const LightRig rig = settleLights(scene, {}, {});
+        EXPECT_EQ(rig.lights[0].color.x, wild > 0 ? 1 : 0) << wild;
+        EXPECT_EQ(rig.lights[1].color, V3d(0));
+    }
+    Scene empty = sceneWith({point(1, V3d(0))});
+    empty.bounds.makeEmpty();
+    EXPECT_EQ(settleLights(empty, {}, {}).lights[0].color.x, 1);
+}
+
+TEST(LightLevels, EvenLightHasConesButNeitherRangeNorFalloff) {
+    Light near = point(1, {0, 4, 0});
+    near.range = 0.5F;
+    const Scene scene = sceneWith({near, spot(1, 4)});
+    const LightRig rig = settleLights(scene, {}, {});
+    const Arrival far = arrive(rig, {0, -100, 0});
+    EXPECT_DOUBLE_EQ(far.distance, 104);
+    EXPECT_EQ(far.direction, V3d(0, -1, 0));
+    EXPECT_EQ(far.color.x, 1);
+    EXPECT_EQ(arrive(rig, {0, 0, 0}, 1).color.x, 1);
+    EXPECT_LT(arrive(rig, {4, 0, 0}, 1).distance, 0);  // 45 degrees off the axis
+    // In between: by the square of where the cosine stands between the cones.
+    const double angle = 0.35;
+    const double share = (std::cos(angle) - std::cos(0.5F)) / (std::cos(0.2F) - std::cos(0.5F));
+    EXPECT_NEAR(arrive(rig, {4 * std::tan(angle), 0, 0}, 1).color.x, share * share, 1e-6);
+}
+
+TEST(LightLevels, FalloffIsRelativeToTheCentreAndEndsAtTheRange) {
+    Light lamp = point(50, {0, 4, 0});
+    lamp.range = 8;
+    LightingOptions options;
+    options.falloff = true;
+    const Scene scene = sceneWith({lamp});
+    const LightRig rig = settleLights(scene, {}, options);
+    const auto window = [](double d) { return 1 - std::pow(d / 8, 4); };
+    EXPECT_NEAR(arrive(rig, {0, 0, 0}).color.x, window(4), 1e-12);
+    EXPECT_NEAR(arrive(rig, {0, 2, 0}).color.x, 4 * window(2), 1e-12);
+    EXPECT_NEAR(arrive(rig, {0, -2, 0}).color.x, window(6) * 16 / 36, 1e-12);
+    EXPECT_LT(arrive(rig, {0, -4, 0}).distance, 0);
+    const Arrival inside = arrive(rig, {0, 4, 0});
+    EXPECT_EQ(inside.distance, 0);
+    EXPECT_TRUE(std::isfinite(inside.color.x) && std::isfinite(inside.direction.length()));
+}
+
+TEST(LightLevels, DirectionalLightComesFromEverywhereTheSame) {
+    Light sun = directional(7);
+    sun.direction = {0, -1, 0};
+    LightingOptions options;
+    options.falloff = true;
+    const Scene scene = sceneWith({sun});
+    const LightRig rig = settleLights(scene, {}, options);
+    const Arrival there = arrive(rig, {5, 900, 2});
+    EXPECT_EQ(there.distance, HUGE_VAL);
+    EXPECT_EQ(there.direction, V3d(0, -1, 0));
+    EXPECT_EQ(there.color, V3d(1));
+}
+
+TEST(LightLevels, ASceneWithoutLightsGetsAKeyAndAmbient) {
+    Camera camera;  // looks along -z, right is +x
+    const Scene scene = sceneWith({});
+    const LightRig rig = settleLights(scene, camera, {});
+    ASSERT_EQ(rig.lights.size(), 1U);
+    const Light& key = *rig.lights[0].light;
+    EXPECT_EQ(key.name, "Key");
+    EXPECT_EQ(rig.lights[0].color, V3d(1));
+    EXPECT_EQ(rig.ambient, V3d(kDefaultAmbient));
+    EXPECT_GT(key.direction.x, 0.3);   // from the left,
+    EXPECT_LT(key.direction.y, -0.3);  // from above,
+    EXPECT_LT(key.direction.z, -0.3);  // from behind the camera
+    EXPECT_NEAR(key.direction.length(), 1, 1e-12);
+}
+
+TEST(LightLevels, AmbientIsTheCallersThenTheScenes) {
+    Scene scene = sceneWith({});
+    scene.ambient = V3d(0.1, 0.2, 0.3);
+    LightingOptions options;
+    EXPECT_EQ(settleLights(scene, {}, options).ambient, V3d(0.1, 0.2, 0.3));
+    options.ambient = V3d(0.7);
+    EXPECT_EQ(settleLights(scene, {}, options).ambient, V3d(0.7));
+}
+
+}  // namespace
+}  // namespace tavora::studio

@@ -1,0 +1,215 @@
+// Picture files to pixels: values as they stand in the file, damage as one line.
+
+#include <algorithm>
+#include <array>
+#include <csetjmp>
+#include <cstdio>
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <jpeglib.h>
+#include <png.h>
+#include <webp/encode.h>
+
+#include "studio/scene/image_decoder.h"
+#include "studio/scene/scene_error.h"
+
+namespace tavora::studio {
+namespace {
+
+using ::testing::HasSubstr;
+using Bytes = std::vector<std::uint8_t>;
+
+struct PngOptions {
+    int depth = 8;
+    int colorType = PNG_COLOR_TYPE_RGBA;
+    int interlace = PNG_INTERLACE_NONE;
+    double gamma = 0;  ///< 0: says nothing of it
+    std::vector<png_color> palette = {};
+    Bytes clear = {};  ///< alpha of the palette's colours
+};
+
+void append(png_structp png, png_bytep data, std::size_t size) {
+    auto* out = static_cast<Bytes*>(png_get_io_ptr(png));
+    out->insert(out->end(), data, data + size);
+}
+
+Bytes pngOf(unsigned width, unsigned height, const Bytes& pixels, const PngOptions& options = {}) {
+    Bytes out;
+    png_structp png = png_create_write_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
+    png_infop info = png_create_info_struct(png);
+    png_set_write_fn(png, &out, append, nullptr);
+    png_set_IHDR(png, info, width, height, options.depth, options.colorType, options.interlace,
+                 PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
+    if (options.gamma != 0) png_set_gAMA(png, info, options.gamma);
+    if (!options.palette.empty()) {
+        png_set_PLTE(png, info, options.palette.data(), static_cast<int>(options.palette.size()));
+        png_set_tRNS(png, info, options.clear.data(), static_cast<int>(options.clear.size()),
+                     nullptr);
+    }
+    png_write_info(png, info);
+    std::vector<png_bytep> rows(height);
+    const std::size_t row = pixels.size() / height;
+    for (unsigned y = 0; y < height; ++y)
+        rows[y] = const_cast<png_bytep>(pixels.data() + y * row);
+    png_write_image(png, rows.data());
+    png_write_end(png, nullptr);
+    png_destroy_write_struct(&png, &info);
+    return out;
+}
+
+Bytes jpegOf(unsigned width, unsigned height, std::array<std::uint8_t, 3> color) {
+    jpeg_error_mgr errors;
+    jpeg_compress_struct jpeg{};
+    jpeg.err = jpeg_std_error(&errors);
+    jpeg_create_compress(&jpeg);
+    unsigned char* memory = nullptr;
+    unsigned long size = 0;
+    jpeg_mem_dest(&jpeg, &memory, &size);
+    jpeg.image_width = width;
+    jpeg.image_height = height;
+    jpeg.input_components = 3;
+    jpeg.in_color_space = JCS_RGB;
+    jpeg_set_defaults(&jpeg);
+    jpeg_set_quality(&jpeg, 100, TRUE);
+    jpeg_start_compress(&jpeg, TRUE);
+    Bytes row;
+    for (unsigned x = 0; x < width; ++x)
+        row.insert(row.end(), color.begin(), color.end());
+    while (jpeg.next_scanline < height) {
+        JSAMPROW rows[] = {row.data()};
+        jpeg_write_scanlines(&jpeg, rows, 1);
+    }
+    jpeg_finish_compress(&jpeg);
+    jpeg_destroy_compress(&jpeg);
+    Bytes out(memory, memory + size);
+    std::free(memory);
+    return out;
+}
+
+Bytes webpOf(int width, int height, const Bytes& rgba) {
+    std::uint8_t* memory = nullptr;
+    const std::size_t size = WebPEncodeLosslessRGBA(rgba.data(), width, height, width * 4, &memory);
+    Bytes out(memory, memory + size);
+    WebPFree(memory);
+    return out;
+}
+
+std::string refusal(const Bytes& file) {
+    try {
+        decodeImage(file, "picture");
+    } catch (const SceneError& error) {
+        return error.what();
+    }
+    return "";
+}
+
+const Bytes kFour = {255, 0, 0, 255, 0, 128, 0, 128, 1, 2, 3, 0, 200, 100, 50, 255};
+
+TEST(TextureImage, ValuesAreThoseOfTheFile) {
+    EXPECT_EQ(decodeImage(pngOf(2, 2, kFour), "a").rgba, kFour);
+    EXPECT_EQ(
+        decodeImage(webpOf(2, 2, {255, 0, 0, 255, 0, 128, 0, 128, 1, 2, 3, 255, 9, 8, 7, 1}), "a")
+            .rgba,
+        (Bytes{255, 0, 0, 255, 0, 128, 0, 128, 1, 2, 3, 255, 9, 8, 7, 1}));
+    const Image jpeg = decodeImage(jpegOf(17, 9, {200, 100, 50}), "a");
+    ASSERT_EQ(jpeg.width, 17);
+    ASSERT_EQ(jpeg.height, 9);
+    for (std::size_t i = 0; i < jpeg.rgba.size(); i += 4) {
+        EXPECT_NEAR(jpeg.rgba[i], 200, 2);
+        EXPECT_NEAR(jpeg.rgba[i + 1], 100, 2);
+        EXPECT_NEAR(jpeg.rgba[i + 2], 50, 2);
+        EXPECT_EQ(jpeg.rgba[i + 3], 255);
+    }
+}
+
+TEST(TextureImage, GammaInThePngDoesNotCount) {
+    EXPECT_EQ(decodeImage(pngOf(2, 2, kFour, {.gamma = 1.0}), "a").rgba, kFour);
+    // Sixteen bits without a word about gamma, and with one.
+    const Bytes wide = {0x80, 0x80, 0x40, 0x40, 0x01, 0x01};
+    for (double gamma : {0.0, 1.0}) {
+        const PngOptions options{.depth = 16, .colorType = PNG_COLOR_TYPE_RGB, .gamma = gamma};
+        EXPECT_EQ(decodeImage(pngOf(1, 1, wide, options), "a").rgba, (Bytes{0x80, 0x40, 1, 255}));
+    }
+}
+
+TEST(TextureImage, EveryKindOfPngBecomesRgba) {
+    const PngOptions gray{.colorType = PNG_COLOR_TYPE_GRAY};
+    EXPECT_EQ(decodeImage(pngOf(1, 1, {7}, gray), "a").rgba, (Bytes{7, 7, 7, 255}));
+    const PngOptions bits{.depth = 1, .colorType = PNG_COLOR_TYPE_GRAY};
+    EXPECT_EQ(decodeImage(pngOf(2, 1, {0x40}, bits), "a").rgba,
+              (Bytes{0, 0, 0, 255, 255, 255, 255, 255}));
+    const PngOptions palette{
+        .colorType = PNG_COLOR_TYPE_PALETTE, .palette = {{1, 2, 3}, {4, 5, 6}}, .clear = {9}};
+    EXPECT_EQ(decodeImage(pngOf(2, 1, {0, 1}, palette), "a").rgba,
+              (Bytes{1, 2, 3, 9, 4, 5, 6, 255}));
+    Bytes many;
+    for (int i = 0; i < 13 * 11 * 4; ++i)
+        many.push_back(static_cast<std::uint8_t>(i * 7));
+    const PngOptions interlaced{.interlace = PNG_INTERLACE_ADAM7};
+    EXPECT_EQ(decodeImage(pngOf(13, 11, many, interlaced), "a").rgba, many);
+}
+
+TEST(TextureImage, EveryPrefixIsRefused) {
+    const Bytes files[] = {pngOf(2, 2, kFour), jpegOf(20, 20, {1, 2, 3}), webpOf(2, 2, kFour)};
+    for (const Bytes& file : files) {
+        for (std::size_t size = 0; size < file.size(); ++size) {
+            const Bytes prefix(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size));
+            EXPECT_NE(refusal(prefix), "") << size << " of " << file.size();
+        }
+    }
+}
+
+TEST(TextureImage, DamageInsideIsRefusedWhereItCanBeSeen) {
+    Bytes png = pngOf(2, 2, kFour);
+    png[png.size() - 20] ^= 0xffU;  // in the compressed pixels: their checksum fails
+    EXPECT_THAT(refusal(png), HasSubstr("is a damaged PNG ("));
+    Bytes jpeg = jpegOf(64, 64, {200, 10, 90});
+    jpeg.resize(jpeg.size() - 12);
+    jpeg.insert(jpeg.end(), {0xff, 0xd9});
+    EXPECT_THAT(refusal(jpeg), HasSubstr("is a damaged JPEG ("));
+    EXPECT_EQ(refusal({'G', 'I', 'F', '8'}), "is neither PNG, JPEG nor WebP");
+}
+
+TEST(TextureImage, HarmlessOddityIsForgiven) {
+    // A stray byte between two markers, as old cameras write it.
+    Bytes jpeg = jpegOf(8, 8, {200, 10, 90});
+    const std::uint8_t marker[] = {0xff, 0xdb};
+    const auto tables = std::search(jpeg.begin(), jpeg.end(), std::begin(marker), std::end(marker));
+    ASSERT_NE(tables, jpeg.end());
+    jpeg.insert(tables, {0x00, 0x11});
+    EXPECT_EQ(refusal(jpeg), "");
+}
+
+/// The checksum of a PNG chunk at `start` (its type) of `size` bytes, mended.
+void mendChecksum(Bytes& png, std::size_t start, std::size_t size) {
+    std::uint32_t crc = 0xffffffffU;
+    for (std::size_t i = start; i < start + size; ++i) {
+        crc ^= png[i];
+        for (int bit = 0; bit < 8; ++bit)
+            crc = (crc >> 1U) ^ ((crc & 1U) != 0 ? 0xedb88320U : 0U);
+    }
+    crc = ~crc;
+    for (std::size_t i = 0; i < 4; ++i)
+        png[start + size + i] = static_cast<std::uint8_t>(crc >> (24 - 8 * i));
+}
+
+TEST(TextureImage, WildSizesAreRefusedBeforeMemoryIsAsked) {
+    Bytes png = pngOf(2, 2, kFour);
+    const std::array<std::uint8_t, 8> sizes = {0, 0, 0xff, 0xff, 0, 0, 0xff, 0xff};
+    std::copy(sizes.begin(), sizes.end(), png.begin() + 16);
+    mendChecksum(png, 12, 17);
+    EXPECT_THAT(refusal(png), HasSubstr("claims 65535 x 65535 pixels"));
+    png[17] = 1;  // 131071 wide: beyond what the library is told to take
+    mendChecksum(png, 12, 17);
+    EXPECT_THAT(refusal(png), HasSubstr("is a damaged PNG"));
+
+    Bytes jpeg = jpegOf(8, 8, {1, 2, 3});
+    const std::uint8_t frame[] = {0xff, 0xc0};
+    const auto at = std::search(jpeg.begin(), jpeg.end(), std::begin(frame), std::end(frame));
+    ASSERT_NE(at, jpeg.end());
+    std::fill_n(at + 5, 4, std::uint8_t{0xfd});
+    EXPECT_THAT(refusal(jpeg), HasSubstr("claims 65021 x 65021 pixels"));
+}
+
+}  // namespace
+}  // namespace tavora::studio
