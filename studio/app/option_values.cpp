@@ -96,6 +96,19 @@ std::optional<Imath::V3d> numberColor(std::string_view text) {
     return {};
 }
 
+// The dot between surface and setting. "zones[1].color" has one of its own, and
+// names of surfaces may look like that.
+std::size_t settingDot(const std::string& left) {
+    std::size_t found = left.rfind('.');
+    for (const char* list : {".zones[", ".zoneList["}) {
+        const std::size_t dot = left.rfind(list);
+        if (dot == std::string::npos) continue;
+        const std::string_view rest = std::string_view(left).substr(left.find('[', dot));
+        if (std::count(rest.begin(), rest.end(), '.') <= 1) found = dot;
+    }
+    return found;
+}
+
 bool isShare(double value) {
     return value >= 0 && value <= 1;
 }
@@ -203,7 +216,7 @@ LookChoice lookChoice(const std::string& text) {
     std::error_code ignored;
     const std::size_t equals = text.find('=');
     const bool whole = equals == std::string::npos || std::filesystem::exists(text, ignored);
-    const LookChoice choice =
+    LookChoice choice =
         whole ? LookChoice{{}, text} : LookChoice{text.substr(0, equals), text.substr(equals + 1)};
     if (!choice.look.empty() && (whole || !choice.surfaces.empty())) return choice;
     refuse("--look", "LOOK or SURFACE=LOOK", text);
@@ -212,9 +225,7 @@ LookChoice lookChoice(const std::string& text) {
 SettingChange settingChange(const std::string& text) {
     const std::size_t equals = text.find('=');
     const std::string left = text.substr(0, equals);
-    // "zones[1].color" has a dot of its own.
-    std::size_t dot = std::min(left.rfind(".zones["), left.rfind(".zoneList["));
-    if (dot == std::string::npos) dot = left.rfind('.');
+    const std::size_t dot = settingDot(left);
     const bool whole = equals != std::string::npos && dot != std::string::npos && dot > 0;
     if (!whole || dot + 1 == left.size()) {
         refuse("--set", "SURFACE.SETTING=VALUE like '*.edgeEnable=true'", text);

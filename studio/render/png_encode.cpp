@@ -92,8 +92,9 @@ bool encode(Encoder& encoder, const Picture& picture, const Layout& layout,
                  PNG_INTERLACE_NONE, PNG_COMPRESSION_TYPE_DEFAULT, PNG_FILTER_TYPE_DEFAULT);
     png_set_sRGB_gAMA_and_cHRM(encoder.png, encoder.info, PNG_sRGB_INTENT_PERCEPTUAL);
     png_write_info(encoder.png, encoder.info);
-    for (png_uint_32 row = 0; row < height; ++row) {
-        png_write_row(encoder.png, pixels + row * width * layout.pixelBytes());
+    const std::size_t rowBytes = width * layout.pixelBytes();
+    for (std::size_t row = 0; row < height; ++row) {
+        png_write_row(encoder.png, pixels + row * rowBytes);
     }
     png_write_end(encoder.png, nullptr);
     return true;

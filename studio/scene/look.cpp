@@ -105,6 +105,7 @@ const JsonMember* memberOf(const std::vector<JsonMember>& members, const char* k
 
 void checkKeys(const Source& source, const std::vector<JsonMember>& members) {
     std::vector<std::string> known;
+    known.reserve(kMembers.size());
     for (const MemberHandler& handler : kMembers)
         known.emplace_back(handler.key);
     for (const JsonMember& member : members) {

@@ -95,7 +95,8 @@ void writeBoolean(const StoredField& field, const Settings& value, StateBlock& b
 
 Settings checkBoolean(const StoredField& field, const Settings& value, const std::string& where) {
     if (value.is_boolean()) return value;
-    if (value == 0 || value == 1) return value == 1;
+    const std::optional<std::int32_t> number = integerOf(value);
+    if (number && (*number == 0 || *number == 1)) return *number == 1;
     if (value.is_string() && equalIgnoringCase(value.get<std::string>(), "on")) return true;
     if (value.is_string() && equalIgnoringCase(value.get<std::string>(), "off")) return false;
     refuse(where, field, "true or false", value);
@@ -132,7 +133,7 @@ Settings checkChoice(const StoredField& field, const Settings& value, const std:
     std::optional<std::int32_t> index = integerOf(value);
     if (value.is_string()) index = indexOfChoice(field, value.get<std::string>());
     if (index) {
-        const Settings label = choiceOf(field, *index);
+        Settings label = choiceOf(field, *index);
         if (label.is_string()) return label;
     }
     std::string labels;
@@ -261,7 +262,7 @@ void writeLights(const StoredField& field, const Settings& value, StateBlock& bl
 
 Settings checkLights(const StoredField& field, const Settings& value, const std::string& where) {
     if (value == "all") return value;
-    const Settings names = value.is_string() ? Settings::array({value}) : value;
+    Settings names = value.is_string() ? Settings::array({value}) : value;
     const auto fits = [](const Settings& name) {
         return name.is_string() && name.get_ref<const std::string&>().size() <= kMostNameBytes;
     };

@@ -66,6 +66,7 @@ TEST(OptionValues, TellSurfacesFromLooksAndSettings) {
         {"Mat.001.edgeColor=#ff0000", "Mat.001", "edgeColor", "#ff0000"},
         {"*.zones[1].color=1,0,0", "*", "zones[1].color", "1,0,0"},
         {"a.zones[0].b.zoneList[2].sat=0", "a.zones[0].b", "zoneList[2].sat", "0"},
+        {"a.zones[0].b.edgeEnable=1", "a.zones[0].b", "edgeEnable", "1"},
         {"Body.zones=[]", "Body", "zones", "[]"},
         {"Body.lights=a=b", "Body", "lights", "a=b"},
     };

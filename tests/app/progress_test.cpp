@@ -12,7 +12,7 @@ namespace {
 TEST(Progress, BarFitsItsTerminal) {
     EXPECT_EQ(progressBar(0, 5, 30), "[......................]   0%");
     EXPECT_EQ(progressBar(0.25, 10, 30), "[###.........]  25% 0:30 left");
-    EXPECT_EQ(progressBar(0.5, 4000, 40).substr(20), " 50% 1:06:40 left");
+    EXPECT_EQ(progressBar(0.5, 4000, 40).substr(20), "]  50% 1:06:40 left");
     for (const int width : {0, 10, 20, 40, 200}) {
         EXPECT_LE(progressBar(1, 1, width).size(), static_cast<std::size_t>(std::max(width, 20)));
     }
