@@ -116,8 +116,8 @@ class PrimitiveReader {
     std::vector<std::uint32_t> readOrder() const {
         if (compressed_) return draco_.indices;
         if (primitive_.indices >= 0) return readIntegers(source_, primitive_.indices);
-        if (vertices_ > kMostCorners) fail("has more vertices than can be drawn");
         checkBacked(source_, primitive_.attributes.at("POSITION"));
+        if (vertices_ > kMostCorners) fail("has more vertices than can be drawn");
         std::vector<std::uint32_t> order(vertices_);
         for (std::size_t i = 0; i < vertices_; ++i)
             order[i] = static_cast<std::uint32_t>(i);

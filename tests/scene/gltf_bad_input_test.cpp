@@ -1,0 +1,404 @@
+// Files that cannot be read: each is refused in one line that names the file
+// and the place and says what to do.
+
+#include <functional>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <limits>
+
+#include "tests/scene/gltf_builder.h"
+
+namespace tavora::studio {
+namespace {
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::Not;
+
+/// Expects one line about `file` with `says` in it.
+void expectRefused(const std::filesystem::path& file, const std::string& says,
+                   const std::string& what) {
+    const std::string line = refusalOf(file);
+    EXPECT_THAT(line, HasSubstr(file.filename().string())) << what;
+    EXPECT_THAT(line, HasSubstr(says)) << what;
+    EXPECT_THAT(line, Not(HasSubstr("\n"))) << what;
+    const std::string afterPath = line.substr(std::min(line.size(), file.string().size()));
+    EXPECT_THAT(afterPath, testing::ContainsRegex("[:;,] [a-z]")) << what << ": no advice";
+}
+
+struct Container {
+    const char* what;
+    std::string bytes;
+    const char* says;
+};
+
+TEST(GltfBadInput, FilesThatAreNotGltf) {
+    const std::string json = R"({"asset": {"version": "2.0"}})";
+    const std::string whole = GltfBuilder::glb(json, "1234");
+    std::string otherType = whole;
+    otherType.replace(16, 4, "XXXX");
+    std::string longChunk = whole;
+    longChunk.replace(12, 4, "\xff\xff\xff\x7f");
+    std::string longBinary = whole;
+    longBinary.replace(whole.size() - 12, 4, "\xff\xff\xff\x7f");
+    const Container cases[] = {
+        {"empty", "", "is empty"},
+        {"text", "hello", "not valid JSON"},
+        {"a list", "[1, 2]", "is not glTF"},
+        {"an object of something else", R"({"a": 1})", "is not glTF"},
+        {"truncated", R"({"asset": {"version": "2.0")", "not valid JSON"},
+        {"the old version", R"({"asset": {"version": "1.0"}})", "is glTF 1.0"},
+        {"a version of another type", R"({"asset": {"version": 2.0}})", "is not glTF"},
+        {"a newline in the version", "{\"asset\": {\"version\": \"1\\n2\"}}", "is glTF 1 2"},
+        {"a number beyond all", R"({"asset": {"version": "2.0"}, "scene": 1e999})", "number"},
+        {"bytes that are not UTF-8", "{\"asset\": {\"version\": \"\xff\"}}", "not valid JSON"},
+        {"deep lists", std::string(100000, '['), "nested deeper"},
+        {"deep objects in place",
+         [] {
+             std::string deep = R"({"asset": {"version": "2.0"}, "extras": )";
+             for (int i = 0; i < 100000; ++i)
+                 deep += R"({"a":)";
+             return deep + "1" + std::string(100001, '}');
+         }(),
+         "nested deeper"},
+        {"a lone header", whole.substr(0, 12), "truncated"},
+        {"half a .glb", whole.substr(0, whole.size() / 2), "truncated"},
+        {"all but a word", whole.substr(0, whole.size() - 4), "truncated"},
+        {"another chunk first", otherType, "JSON chunk"},
+        {"a JSON chunk past the end", longChunk, "JSON chunk"},
+        {"a binary chunk past the end", longBinary, "binary chunk is truncated"},
+    };
+    for (const Container& c : cases) {
+        const TemporaryFolder folder;
+        putBytes(folder / "odd.gltf", c.bytes);
+        expectRefused(folder / "odd.gltf", c.says, c.what);
+    }
+}
+
+TEST(GltfBadInput, PathsThatAreNoFile) {
+    const TemporaryFolder folder;
+    expectRefused(folder / "none.gltf", "No such file", "missing");
+    std::filesystem::create_directory(folder / "dir.gltf");
+    expectRefused(folder / "dir.gltf", "directory", "a folder");
+}
+
+/// A change to a whole scene that must make it unreadable.
+struct Change {
+    const char* at;  ///< JSON pointer; "-" as the last token erases
+    std::string value;
+    const char* says;
+};
+
+/// A scene in which every part that is read occurs.
+GltfBuilder fullScene() {
+    GltfBuilder file;
+    const std::vector<float> z = {0, 0, 1, 0, 0, 1, 0, 0, 1};
+    const std::vector<float> uv = {0, 0, 1, 0, 0, 1};
+    const std::vector<std::uint8_t> joints = {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0};
+    const std::vector<float> weights = {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0};
+    const std::vector<std::uint16_t> indices = {0, 1, 2};
+    const std::vector<float> unit = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1};
+    const std::vector<float> times = {0, 1};
+    const std::vector<float> moves = {0, 0, 0, 1, 0, 0};
+    const int positions = file.accessor(GltfBuilder::corners(), "VEC3");  // accessor 0
+    Json attributes = {{"POSITION", positions}};
+    attributes["NORMAL"] = file.accessor(z, "VEC3");                               // 1
+    attributes["TEXCOORD_0"] = file.accessor(uv, "VEC2");                          // 2
+    attributes["JOINTS_0"] = file.accessor(joints, "VEC4");                        // 3
+    attributes["WEIGHTS_0"] = file.accessor(weights, "VEC4");                      // 4
+    const int mesh = file.mesh(attributes, file.accessor(indices, "SCALAR"));      // 5
+    file.primitive(mesh)["targets"] = {{{"POSITION", file.accessor(z, "VEC3")}}};  // 6
+    file.primitive(mesh)["material"] = 0;
+    file.document["meshes"][0]["weights"] = {0.5};
+    file.root({{"mesh", 0}, {"skin", 0}});
+    file.root({{"translation", {0, 0, 0}},
+               {"rotation", {0, 0, 0, 1}},
+               {"scale", {1, 1, 1}},
+               {"extensions", {{"KHR_lights_punctual", {{"light", 0}}}}}});
+    file.root({{"matrix", unit}, {"camera", 0}});
+    file.add("skins",
+             {{"joints", {1}}, {"inverseBindMatrices", file.accessor(unit, "MAT4")}});  // 7
+    file.add("cameras",
+             {{"type", "perspective"}, {"perspective", {{"yfov", 0.8}, {"znear", 0.1}}}});
+    file.document["extensions"] =
+        R"({"KHR_lights_punctual": {"lights": [{"type": "spot", "color": [1, 1, 1], "spot": {}}]}})"_j;
+    file.add("images", {{"uri", "a.png"}});
+    file.add("samplers", Json::object());
+    file.add("textures", {{"source", 0}, {"sampler", 0}});
+    file.add("materials", {{"pbrMetallicRoughness", {{"baseColorFactor", {1, 1, 1, 1}}}}});
+    file.add("animations",
+             {{"channels", {{{"sampler", 0}, {"target", {{"node", 1}, {"path", "translation"}}}}}},
+              {"samplers",
+               {{{"input", file.accessor(times, "SCALAR")},      // 8
+                 {"output", file.accessor(moves, "VEC3")}}}}});  // 9
+    file.document["buffers"] = {{{"uri", "scene.bin"}, {"byteLength", file.bytes.size()}}};
+    return file;
+}
+
+TEST(GltfBadInput, TheSceneThatIsChangedBelowReads) {
+    const Scene scene = fullScene().read();
+    EXPECT_EQ(scene.objects.size(), 1U);
+    EXPECT_EQ(scene.lights.size(), 1U);
+    EXPECT_EQ(scene.cameras.size(), 1U);
+    EXPECT_EQ(scene.animations.at(0).end, 1);
+}
+
+void expectChangesRefused(const std::vector<Change>& changes) {
+    for (const Change& change : changes) {
+        GltfBuilder file = fullScene();
+        const Json::json_pointer at(change.at);
+        if (change.value.empty()) {
+            file.document.at(at.parent_pointer()).erase(at.back());
+        } else {
+            file.document[at] = Json::parse(change.value);
+        }
+        const TemporaryFolder folder;
+        expectRefused(file.write(folder), change.says, change.at + (" = " + change.value));
+    }
+}
+
+TEST(GltfBadInput, ValuesOfAnotherTypeAreNamedByTheirPlace) {
+    expectChangesRefused({
+        {"/nodes", "5", "nodes is 5 but must be a list"},
+        {"/nodes/0", "\"x\"", "nodes[0] is \"x\" but must be an object"},
+        {"/nodes/0/mesh", "\"0\"", "nodes[0].mesh is \"0\""},
+        {"/nodes/0/mesh", "0.5", "nodes[0].mesh is 0.5"},
+        {"/nodes/0/mesh", "-1", "nodes[0].mesh is -1"},
+        {"/nodes/0/name", "[\"a\\nb\"]", "nodes[0].name"},
+        {"/nodes/0/children", "{}", "nodes[0].children is {} but must be a list"},
+        {"/nodes/1/translation", "[0, 0]", "must be a list of 3 numbers"},
+        {"/nodes/1/translation", "[0, 0, \"1\"]", "nodes[1].translation[2]"},
+        {"/nodes/1/scale", "[1e300, 1, 1]", "nodes[1].scale[0]"},
+        {"/nodes/1/rotation", "7", "nodes[1].rotation"},
+        {"/nodes/2/matrix", "[1, 2, 3]", "must be a list of 16 numbers"},
+        {"/nodes/1/extensions/KHR_lights_punctual", "[]", "must be an object"},
+        {"/nodes/1/extensions/KHR_lights_punctual/light", "", "light is missing"},
+        {"/scene", "\"first\"", "scene is \"first\""},
+        {"/scenes/0/nodes", "\"all\"", "scenes[0].nodes"},
+        {"/meshes/0/primitives", "", "meshes[0].primitives is missing"},
+        {"/meshes/0/primitives/0/attributes", "[0]", "attributes is [0] but must be an object"},
+        {"/meshes/0/primitives/0/attributes/POSITION", "true", "attributes.POSITION"},
+        {"/meshes/0/primitives/0/attributes/a\nb", "true", "attributes.a b"},
+        {"/meshes/0/primitives/0/targets", "[5]", "targets[0]"},
+        {"/meshes/0/primitives/0/mode", "\"strip\"", "mode"},
+        {"/meshes/0/weights", "[null]", "weights[0]"},
+        {"/accessors/0/count", "\"3\"", "accessors[0].count"},
+        {"/accessors/0/count", "-3", "accessors[0].count"},
+        {"/accessors/0/count", "1e3", "accessors[0].count"},
+        {"/accessors/0/type", "3", "accessors[0].type"},
+        {"/accessors/0/componentType", "", "componentType is missing"},
+        {"/accessors/0/normalized", "1", "must be true or false"},
+        {"/accessors/0/sparse", "{\"count\": 1}", "sparse.indices is missing"},
+        {"/bufferViews/0/byteLength", "{}", "bufferViews[0].byteLength"},
+        {"/buffers/0/byteLength", "", "buffers[0].byteLength is missing"},
+        {"/buffers/0/uri", "5", "buffers[0].uri"},
+        {"/cameras/0/perspective/yfov", "\"wide\"", "yfov"},
+        {"/cameras/0/perspective", "", "amera"},
+        {"/cameras/0/type", "\"fisheye\"", "fisheye"},
+        {"/extensions/KHR_lights_punctual/lights", "{}", "lights"},
+        {"/extensions/KHR_lights_punctual/lights/0/type", "\"area\"", "\"area\""},
+        {"/extensions/KHR_lights_punctual/lights/0/color", "\"red\"", "color"},
+        {"/extensions/KHR_lights_punctual/lights/0/intensity", "[]", "intensity"},
+        {"/materials/0/doubleSided", "\"yes\"", "doubleSided"},
+        {"/materials/0/alphaMode", "1", "alphaMode"},
+        {"/materials/0/pbrMetallicRoughness/baseColorFactor", "[1, 1, 1]", "list of 4"},
+        {"/samplers/0/wrapS", "\"repeat\"", "wrapS"},
+        {"/images/0/uri", "{}", "images[0].uri"},
+        {"/animations/0/samplers/0/input", "\"t\"", "input"},
+        {"/animations/0/channels/0/target", "", "target is missing"},
+        {"/extensionsRequired", "[\"XYZ_new\"]", "needs the extension XYZ_new"},
+        {"/extensionsRequired", "[5]", "needs the extension 5"},
+    });
+}
+
+TEST(GltfBadInput, NumbersOutOfRange) {
+    expectChangesRefused({
+        {"/nodes/0/mesh", "1", "nodes[0].mesh is 1 but must be one of its 1 meshes"},
+        {"/nodes/0/skin", "4294967296", "nodes[0].skin"},
+        {"/nodes/2/camera", "18446744073709551615", "nodes[2].camera"},
+        {"/nodes/1/extensions/KHR_lights_punctual/light", "1", "one of its 1 lights"},
+        {"/scene", "1", "scene is 1"},
+        {"/scenes/0/nodes", "[99]", "scenes[0].nodes[0]"},
+        {"/skins/0/joints", "[3]", "skins[0].joints[0]"},
+        {"/meshes/0/primitives/0/material", "1", "material"},
+        {"/meshes/0/primitives/0/indices", "10", "indices"},
+        {"/meshes/0/primitives/0/indices", "0", "single unsigned integers"},
+        {"/meshes/0/primitives/0/attributes/POSITION", "2", "components"},
+        {"/meshes/0/primitives/0/attributes/NORMAL", "2", "components"},
+        {"/meshes/0/primitives/0/attributes/NORMAL", "8", "another length"},
+        {"/accessors/0/bufferView", "77", "accessors[0].bufferView"},
+        {"/accessors/0/count", "4", "reads 4 elements past the end"},
+        {"/accessors/0/count", "9007199254740991", "past the end"},
+        {"/accessors/0/count", "18446744073709551615", "accessors[0].count"},
+        {"/accessors/0/byteOffset", "4", "past the end"},
+        {"/accessors/0/byteOffset", "9007199254740991", "past the end"},
+        {"/accessors/0/componentType", "5124", "unknown type"},
+        {"/accessors/0/componentType", "5130", "unknown type"},
+        {"/accessors/0/componentType", "1", "componentType"},
+        {"/accessors/0/type", "\"VEC9\"", "VEC9"},
+        {"/accessors/5/componentType", "5125", "past the end"},
+        {"/bufferViews/0/byteStride", "252", "past the end"},
+        {"/bufferViews/0/byteStride", "3", "byteStride"},
+        {"/bufferViews/0/byteStride", "9007199254740988", "byteStride"},
+        {"/bufferViews/0/byteLength", "9007199254740991", "reaches past the end of buffer 0"},
+        {"/bufferViews/0/byteOffset", "9007199254740991", "reaches past the end of buffer 0"},
+        {"/bufferViews/0/buffer", "1", "bufferViews[0].buffer"},
+        {"/buffers/0/byteLength", "2147483648", "declares 2147483648 bytes but has"},
+        {"/cameras/0/perspective/yfov", "0", "field of view"},
+        {"/cameras/0/perspective/yfov", "4", "field of view"},
+        {"/cameras/0/perspective/aspectRatio", "-1", "field of view"},
+        {"/textures/0/source", "1", "textures[0].source"},
+        {"/textures/0/sampler", "1", "textures[0].sampler"},
+        {"/nodes/1/scale", "[3e38, 1, 1]", "metres"},
+    });
+}
+
+TEST(GltfBadInput, CountsWithoutDataAreNotBelieved) {
+    GltfBuilder file;
+    file.mesh({{"POSITION",
+                file.add("accessors",
+                         {{"componentType", 5126}, {"count", 4000000000U}, {"type", "VEC3"}})}});
+    file.root({{"mesh", 0}});
+    const TemporaryFolder folder;
+    expectRefused(file.write(folder), "without data", "4 billion zeros");
+}
+
+TEST(GltfBadInput, OverlappingAccessorsDoNotUnpackToAnySize) {
+    GltfBuilder file;
+    const int view = file.view(std::vector<float>(60000, 1.0F));
+    for (int i = 0; i < 2000; ++i) {
+        const int accessor = file.add("accessors", {{"bufferView", view},
+                                                    {"byteOffset", 4 * i},
+                                                    {"componentType", 5126},
+                                                    {"count", 19000},
+                                                    {"type", "VEC3"},
+                                                    {"name", "overlapping"}});
+        file.root({{"mesh", file.mesh({{"POSITION", accessor}})}});
+    }
+    const TemporaryFolder folder;
+    expectRefused(file.write(folder), "far more than the file holds", "overlap");
+}
+
+TEST(GltfBadInput, ValuesThatAreNotNumbers) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float infinite = std::numeric_limits<float>::infinity();
+    // Accessors of fullScene: positions, normals, UVs, weights, morph target,
+    // bind matrix, times.
+    for (const std::size_t accessor : {0U, 1U, 2U, 4U, 6U, 7U, 8U}) {
+        for (const float odd : {nan, infinite}) {
+            GltfBuilder file = fullScene();
+            const Json& entry = file.document["accessors"][accessor];
+            const auto view = entry["bufferView"].get<std::size_t>();
+            const auto at = file.document["bufferViews"][view]["byteOffset"].get<std::size_t>();
+            std::memcpy(&file.bytes[at + 4], &odd, sizeof odd);
+            const TemporaryFolder folder;
+            expectRefused(file.write(folder), "not a finite number",
+                          "accessor " + std::to_string(accessor));
+        }
+    }
+}
+
+TEST(GltfBadInput, IndicesAndJointsThatDoNotExist) {
+    GltfBuilder file = fullScene();
+    const auto view = [&](std::size_t accessor) {
+        const auto index = file.document["accessors"][accessor]["bufferView"].get<std::size_t>();
+        return file.document["bufferViews"][index]["byteOffset"].get<std::size_t>();
+    };
+    const TemporaryFolder folder;
+    file.bytes[view(5)] = 3;
+    expectRefused(file.write(folder), "mesh 0 \"\", primitive 0: uses vertex 3 of 3", "index");
+    file = fullScene();
+    file.bytes[view(3)] = 1;
+    expectRefused(file.write(folder), "joint that skin 0 does not have", "joint");
+}
+
+TEST(GltfBadInput, NodesThatAreNoTree) {
+    const std::vector<std::pair<const char*, std::string>> trees = {
+        {"its own child", R"([{"children": [0]}])"},
+        {"a circle", R"([{"children": [1]}, {"children": [2]}, {"children": [0]}])"},
+        {"two parents", R"([{"children": [1, 2]}, {"children": [2]}, {}])"},
+        {"twice a child", R"([{"children": [1, 1]}, {}])"},
+    };
+    for (const auto& [what, nodes] : trees) {
+        GltfBuilder file;
+        file.document["nodes"] = Json::parse(nodes);
+        file.document["scenes"] = R"([{"nodes": [0]}])"_j;
+        const TemporaryFolder folder;
+        expectRefused(file.write(folder), "has two parents or is its own", what);
+    }
+}
+
+TEST(GltfBadInput, AChainOfTenThousandNodesIsFine) {
+    GltfBuilder file;
+    for (int i = 0; i < 10000; ++i)
+        file.add("nodes", {{"children", {i + 1}}, {"translation", {0, 0, 1}}});
+    file.add("nodes",
+             {{"mesh", file.mesh({{"POSITION", file.accessor(GltfBuilder::corners(), "VEC3")}})}});
+    file.document["scenes"] = R"([{"nodes": [0]}])"_j;
+    EXPECT_EQ(file.read().bounds.max.z, 10000);
+}
+
+TEST(GltfBadInput, UrisThatLeaveTheFolder) {
+    const std::vector<std::string> uris = {
+        "../scene.bin",
+        "a/../../scene.bin",
+        "%2e%2e/scene.bin",
+        "%2E%2E%2Fscene.bin",
+        "/etc/passwd",
+        "%2Fetc%2Fpasswd",
+        "http://example.com/a.bin",
+        "file:///etc/passwd",
+        "..\\scene.bin",
+        "C:\\a.bin",
+        "~/a.bin",
+        "a%00.bin",
+        "a%zz.bin",
+        "a%2",
+    };
+    for (const char* list : {"buffers", "images"}) {
+        for (const std::string& uri : uris) {
+            GltfBuilder file = fullScene();
+            file.document[list][0]["uri"] = uri;
+            const TemporaryFolder folder;
+            expectRefused(file.write(folder), "only files in the scene's own folder", uri);
+        }
+    }
+}
+
+TEST(GltfBadInput, FilesBesideTheSceneThatAreMissingOrShort) {
+    const TemporaryFolder folder;
+    GltfBuilder file = fullScene();
+    file.document["buffers"][0]["uri"] = "none.bin";
+    expectRefused(file.write(folder), "buffers[0] cannot be had from the file \"none.bin\"",
+                  "none");
+    file.document["buffers"][0]["uri"] = ".";
+    expectRefused(file.write(folder), "put it beside the scene", "a folder");
+    file.document["buffers"][0]["uri"] = "data:application/octet-stream;base64,AAAA";
+    expectRefused(file.write(folder), "bytes but has 3", "short data");
+    file.document["buffers"][0]["uri"] = "data:;base64,A***";
+    expectRefused(file.write(folder), "damaged data URI", "no base64");
+    file.document["buffers"][0].erase("uri");
+    expectRefused(file.write(folder), "bytes but has 0", "no data at all");
+}
+
+TEST(GltfBadInput, FilesAreNotTakenFromTheWorkingFolder) {
+    const TemporaryFolder folder;
+    const TemporaryFolder elsewhere;
+    const std::filesystem::path before = std::filesystem::current_path();
+    std::filesystem::current_path(elsewhere.path());
+    GltfBuilder file = fullScene();
+    file.document["buffers"][0]["uri"] = "other.bin";
+    putBytes("other.bin", file.bytes);
+    expectRefused(file.write(folder), "put it beside the scene", "other.bin");
+    std::filesystem::current_path(before);
+}
+
+TEST(GltfBadInput, TheLastOfTwoEqualKeysCounts) {
+    const TemporaryFolder folder;
+    putBytes(folder / "a.gltf", R"({"asset": {"version": "1.0"}, "asset": {"version": "2.0"},
+        "cameras": 5, "cameras": []})");
+    EXPECT_EQ(refusalOf(folder / "a.gltf"), "");
+}
+
+}  // namespace
+}  // namespace tavora::studio
