@@ -5,6 +5,7 @@
 #include <memory>
 #include <new>
 
+#include "persist/default_settings.h"
 #include "plugin/shader_instance.h"
 #include "zones/preview_grid.h"
 #include "zones/zone.h"
@@ -65,6 +66,7 @@ HostInstance Create(void* /*privateData*/, HostSurfaceId context, HostError* err
         return nullptr;
     }
     record->context = context;
+    cb_getDefault(nullptr, record.get());
     fillPreviewGrid();
     return record.release();
 }
@@ -77,21 +79,24 @@ void Destroy(HostInstance instance) {
     delete record;
 }
 
-HostError Copy(HostInstance to, HostInstance from) {
-    auto& target = *static_cast<ShaderInstance*>(to);
-    auto& source = *static_cast<ShaderInstance*>(from);
+bool copyRecord(ShaderInstance& to, ShaderInstance& from) {
     ZoneListBuilder zones;
     LightListBuilder lights;
-    if (!copyZones(source, zones) || !copyLights(source, lights)) return nullptr;
+    if (!copyZones(from, zones) || !copyLights(from, lights)) return false;
 
-    freeZones(target.zoneList);
-    freeLights(target.lightList);
+    freeZones(to.zoneList);
+    freeLights(to.lightList);
     // Texture channels are those of the target's own surface.
-    HostSurfaceId context = target.context;
-    target = source;
-    target.context = context;
-    target.zoneList = target.zoneCursor = target.selectedZone = zones.take();
-    target.lightList = target.lightCursor = lights.take();
+    HostSurfaceId context = to.context;
+    to = from;
+    to.context = context;
+    to.zoneList = to.zoneCursor = to.selectedZone = zones.take();
+    to.lightList = to.lightCursor = lights.take();
+    return true;
+}
+
+HostError Copy(HostInstance to, HostInstance from) {
+    copyRecord(*static_cast<ShaderInstance*>(to), *static_cast<ShaderInstance*>(from));
     return nullptr;
 }
 

@@ -1,6 +1,7 @@
 #include "plugin/interface_activation.h"
 
 #include "host/interface.h"
+#include "panel/settings_panel.h"
 #include "plugin/services.h"
 
 namespace tavora {
@@ -10,8 +11,7 @@ int Interface(int version, HostLookup* lookup, void* classRecord, void* /*server
 
     auto* interface = static_cast<HostShaderInterface*>(classRecord);
     interface->panel = nullptr;
-    // There is no panel yet: the host offers no options for the shader.
-    interface->options = nullptr;
+    interface->options = iteminfo != nullptr ? UI_callback : nullptr;
     interface->command = nullptr;
     global = lookup;
     return HOST_ACTIVATION_OK;

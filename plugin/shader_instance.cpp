@@ -30,10 +30,16 @@ LightListBuilder::~LightListBuilder() {
     freeLights(head_);
 }
 
+void copyLightName(const char* name, char (&room)[lightNameSize]) {
+    const std::size_t length = fittingLength(name);
+    std::memcpy(room, name, length);
+    room[length] = '\0';
+}
+
 bool LightListBuilder::append(const char* name) {
     auto* entry = new (std::nothrow) LightEntry{};
     if (entry == nullptr) return false;
-    std::memcpy(entry->name, name, fittingLength(name));
+    copyLightName(name, entry->name);
     (tail_ == nullptr ? head_ : tail_->next) = entry;
     tail_ = entry;
     return true;

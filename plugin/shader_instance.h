@@ -18,6 +18,10 @@ struct LightEntry {
     LightEntry* next;
 };
 
+/// Writes a light's name into an entry's room. A longer one is cut, never inside
+/// a UTF-8 character.
+void copyLightName(const char* name, char (&room)[lightNameSize]);
+
 /// All settings of one surface that uses the shader.
 ///
 /// Fractions and colour channels run from 0 to 1, but any value may stand in a
@@ -84,8 +88,8 @@ class LightListBuilder {
     LightListBuilder& operator=(const LightListBuilder&) = delete;
     ~LightListBuilder();
 
-    /// Appends a light. A name longer than an entry holds is cut, never inside
-    /// a UTF-8 character. False when memory runs out; the list is then as it was.
+    /// Appends a light, its name cut by copyLightName(). False when memory runs out; the list is
+    /// then as it was.
     bool append(const char* name);
 
     /// The list, from now on the caller's to free with freeLights().

@@ -95,7 +95,8 @@ TEST(Activation, HandlerFillsWhatTheHostCalls) {
     record.instance.destroy(second);
 }
 
-TEST(Activation, InterfaceOffersNoOptionsYet) {
+TEST(Activation, InterfaceOffersThePanelWhereItCanListLights) {
+    FakeHost host;
     const HostShaderInterface before = {identity<void*>(8), identity<HostPanelId>(9),
                                         [](HostInstance) -> HostError { return nullptr; }, nullptr};
     HostShaderInterface record = before;
@@ -109,8 +110,12 @@ TEST(Activation, InterfaceOffersNoOptionsYet) {
     EXPECT_EQ(global, nullptr);
     EXPECT_EQ(activate(4), 0);
     EXPECT_EQ(record.instance, before.instance);
-    EXPECT_TRUE(!record.panel && !record.options && !record.command);
+    EXPECT_TRUE(!record.panel && record.options != nullptr && !record.command);
     EXPECT_EQ(global, FakeHost::lookup);
+    host.missingServices = {"LW Item Info 5"};
+    acquireServices(FakeHost::lookup);
+    EXPECT_EQ(activate(4), 0);
+    EXPECT_EQ(record.options, nullptr);
 }
 
 }  // namespace

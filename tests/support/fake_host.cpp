@@ -1,6 +1,7 @@
 #include "tests/support/fake_host.h"
 
 #include <algorithm>
+#include <gtest/gtest.h>
 
 #include "plugin/services.h"
 
@@ -38,8 +39,11 @@ HostLightInfo lightInfo = {[](double seconds, double* color) {
                                host->queryTimes.push_back(seconds);
                                answer(lightOf(light).color, color);
                            }};
-HostMessages messages = {
-    nullptr, [](const char* line, const char*) { host->errors.emplace_back(line); }, nullptr};
+HostMessages messages = {nullptr,
+                         [](const char* line, const char*) { host->errors.emplace_back(line); },
+                         [](const char* line1, const char* line2) {
+                             host->warnings.push_back(std::string(line1) + " / " + line2);
+                         }};
 int note(char event) {
     host->log += event;
     return 1;
@@ -69,11 +73,34 @@ HostTextureFunctions textures = {
         host->texturePoint = *point;
         return reinterpret_cast<std::pair<const std::string, double>*>(texture)->second;
     }};
-HostFileIo files = {};
-const char* noDirectory(const char*) {
-    return nullptr;
+const HostSaveState* openSave(const char* path, int ioMode) {
+    if (!host->filesCanBeWritten || ioMode != HOST_IO_OBJECT) return nullptr;
+    ++host->openFiles;
+    host->files[path].clear();
+    return new HostSaveState(savingInto(host->files[path]));
 }
-void noUpdate(const char*, HostInstance) {}
+const HostLoadState* openLoad(const char* path, int ioMode) {
+    const auto found = host->files.find(path);
+    if (found == host->files.end() || ioMode != HOST_IO_OBJECT) return nullptr;
+    ++host->openFiles;
+    static BlockSource source;
+    source = {&found->second, 0, found->second.size()};
+    return new HostLoadState(loadingFrom(source));
+}
+template <class State>
+void closeFile(const State* state) {
+    --host->openFiles;
+    delete state;
+}
+HostFileIo fileIo = {openSave, closeFile<HostSaveState>, openLoad, closeFile<HostLoadState>};
+const char* directory(const char* name) {
+    const bool known = std::string(name) == "Settings" && !host->settingsFolder.empty();
+    return known ? host->settingsFolder.c_str() : nullptr;
+}
+void update(const char* className, HostInstance instance) {
+    EXPECT_STREQ(className, "ShaderHandler");
+    host->updates.push_back(instance);
+}
 
 int illuminate(HostItemId id, const double*, double* direction, double* color) {
     note('i');
@@ -104,14 +131,15 @@ void* FakeHost::lookup(const char* serviceName, int useMode) {
         {"LW Item Info 5", &items},
         {"LW Light Info 5", &lightInfo},
         {"Info Messages 2", &messages},
-        {"Directory Info", reinterpret_cast<void*>(noDirectory)},
-        {"File IO 2", &files},
-        {"Instance Update", reinterpret_cast<void*>(noUpdate)},
+        {"Directory Info", reinterpret_cast<void*>(directory)},
+        {"File IO 2", &fileIo},
+        {"Instance Update", reinterpret_cast<void*>(update)},
         {"Surface Functions 4", &surfaces},
         {"Texture Functions 3", &textures}};
     host->lookedUp.emplace_back(serviceName);
-    const bool offered = useMode == 0 && host->missingServices.count(serviceName) == 0;
-    return offered ? services.at(serviceName) : nullptr;
+    if (useMode != 0 || host->missingServices.count(serviceName) != 0) return nullptr;
+    const auto more = host->moreServices.find(serviceName);
+    return more != host->moreServices.end() ? more->second : services.at(serviceName);
 }
 
 HostSample upwardSample(Vec color) {

@@ -36,9 +36,16 @@ struct FakeHost {
     std::function<double(const double* from, const double* along, HostSample* hit)> onTrace;
     bool mutexesWork = true;
     std::set<std::string> missingServices;
+    std::map<std::string, void*> moreServices;  ///< by name, beside its own
+    std::string settingsFolder;                 ///< empty: the host has none
+    std::map<std::string, Block> files;         ///< by path
+    bool filesCanBeWritten = true;
 
     Names lookedUp;
-    Names errors;                      ///< first lines
+    Names errors;                       ///< first lines
+    Names warnings;                     ///< both lines, with " / " between
+    std::vector<HostInstance> updates;  ///< records that the module said it changed
+    int openFiles = 0;
     std::vector<double> queryTimes{};  ///< of every light query
     int liveMutexes = 0;
     std::string log;  ///< '(' lock, ')' unlock, 'i' illuminate, 't' trace, 'p' layer parameter

@@ -11,15 +11,13 @@
 namespace tavora::testing {
 namespace {
 
-struct Source {
-    const Block& block;
-    std::size_t next, end;
-
-    /// The next value without its kind, or null.
-    const char* take(char kind) {
-        return next < end && block[next][0] == kind ? block[next++].c_str() + 1 : nullptr;
-    }
-};
+/// The next value without its kind, or null.
+const char* take(void* data, char kind) {
+    auto& source = *static_cast<BlockSource*>(data);
+    const Block& block = *source.block;
+    const bool fits = source.next < source.end && block[source.next][0] == kind;
+    return fits ? block[source.next++].c_str() + 1 : nullptr;
+}
 
 template <class Number>
 void write(void* data, const Number* values, int count) {
@@ -30,7 +28,7 @@ void write(void* data, const Number* values, int count) {
 template <class Number, char kind>
 int read(void* data, Number* values, int count) {
     for (int i = 0; i < count; ++i) {
-        const char* bits = static_cast<Source*>(data)->take(kind);
+        const char* bits = take(data, kind);
         if (bits == nullptr) return i;
         values[i] = std::bit_cast<Number>(static_cast<std::uint32_t>(std::stoul(bits)));
     }
@@ -39,7 +37,7 @@ int read(void* data, Number* values, int count) {
 
 int readText(void* data, char* buffer, int capacity) {
     EXPECT_EQ(capacity, 150);
-    const char* text = static_cast<Source*>(data)->take('s');
+    const char* text = take(data, 's');
     if (text == nullptr) return 0;
     std::strncpy(buffer, text, static_cast<std::size_t>(capacity - 1));
     return 1;
@@ -54,20 +52,27 @@ std::string item(float value) {
     return "f" + std::to_string(std::bit_cast<std::uint32_t>(value));
 }
 
+HostSaveState savingInto(Block& block) {
+    return {HOST_IO_SCENE, &block, write<std::int32_t>, write<float>,
+            [](void* data, const char* text) {
+                static_cast<Block*>(data)->push_back("s" + std::string(text));
+            }};
+}
+
+HostLoadState loadingFrom(BlockSource& source) {
+    return {HOST_IO_SCENE, &source, read<std::int32_t, 'i'>, read<float, 'f'>, readText};
+}
+
 Block save(HostInstance instance) {
     Block block;
-    const HostSaveState state = {HOST_IO_SCENE, &block, write<std::int32_t>, write<float>,
-                                 [](void* data, const char* text) {
-                                     static_cast<Block*>(data)->push_back("s" + std::string(text));
-                                 }};
+    const HostSaveState state = savingInto(block);
     EXPECT_EQ(Save(instance, &state), nullptr);
     return block;
 }
 
 void load(HostInstance instance, const Block& block, std::size_t length) {
-    Source source{block, 0, std::min(length, block.size())};
-    const HostLoadState state = {HOST_IO_SCENE, &source, read<std::int32_t, 'i'>, read<float, 'f'>,
-                                 readText};
+    BlockSource source{&block, 0, std::min(length, block.size())};
+    const HostLoadState state = loadingFrom(source);
     EXPECT_EQ(Load(instance, &state), nullptr);
 }
 

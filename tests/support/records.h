@@ -6,6 +6,7 @@
 #include <string>
 #include <vector>
 
+#include "host/state.h"
 #include "plugin/instance_life.h"
 #include "plugin/shader_instance.h"
 #include "zones/zone.h"
@@ -37,9 +38,19 @@ void chooseLights(ShaderInstance& record, const Names& names);
 using Block = std::vector<std::string>;
 std::string item(std::int32_t value);
 std::string item(float value);
+/// A save-state record that appends to `block`.
+HostSaveState savingInto(Block& block);
+/// A block on its way into a record, up to `end`.
+struct BlockSource {
+    const Block* block = nullptr;
+    std::size_t next = 0;
+    std::size_t end = 0;
+};
+/// A load-state record that reads on in `source`. Another kind of value than
+/// asked for ends the block.
+HostLoadState loadingFrom(BlockSource& source);
 Block save(HostInstance instance);
-/// Lets Load read the first `length` values. Another kind of value than asked
-/// for ends the block.
+/// Lets Load read the first `length` values.
 void load(HostInstance instance, const Block& block, std::size_t length = SIZE_MAX);
 
 /// The bits of a value, to compare all of it, whatever they mean.

@@ -1,0 +1,80 @@
+#pragma once
+
+namespace tavora {
+
+/// Room in the control table; some slots stay empty.
+inline constexpr int controlSlots = 75;
+
+/// Where each control of the settings panel stands in the control table.
+namespace slot {
+enum Slot : int {
+    about = 1,
+    spread = 2,
+    position = 3,
+    highlightSwatch = 4,
+    opacity = 5,
+    outlineSwatch = 6,
+    edgeSwatch = 7,
+    bright = 8,
+    sat = 9,
+    highlightColor = 10,
+    highlightOpacity = 11,
+    highlightMode = 12,
+    highlightSize = 14,
+    zoneTitle = 15,
+    highlightTitle = 16,
+    outlineTitle = 17,
+    outlineSize = 18,
+    outlineOpacity = 19,
+    outlineEnable = 20,
+    outlineEnableText = 21,
+    outlineColor = 22,
+    forceColor = 23,
+    tabs = 24,
+    accountLights = 25,
+    clearToDefault = 27,
+    setAsDefault = 28,
+    edgeColor = 30,
+    edgeEnable = 31,
+    edgeCoverage = 32,
+    edgeSharpness = 33,
+    accountLume = 35,
+    allLights = 36,
+    noLights = 37,
+    slopeTopOpacity = 38,
+    slopeBottomOpacity = 39,
+    slopeTopColor = 40,
+    slopeBottomColor = 41,
+    slopeCenter = 42,
+    slopeEnable = 43,
+    slopeStyle = 44,
+    edgeEnableText = 45,
+    slopeEnableText = 46,
+    lights = 48,
+    zoneMode = 50,
+    gradientStrip = 51,
+    markerStrip = 52,
+    slopeTopSwatch = 53,
+    slopeBottomSwatch = 54,
+    shift = 55,
+    scale = 56,
+    inkColor = 57,
+    inkSwatch = 58,
+    inkPaintColor = 59,
+    inkPaintSwatch = 60,
+    inkEnable = 61,
+    inkEnableText = 62,
+    inkObject = 63,
+    inkObjectText = 64,
+    inkColorText = 65,
+    inkPaintText = 66,
+    lightPower = 68,
+    colorTextureUse = 69,
+    maxTraceDepth = 70,
+    useAllLights = 71,
+    accountLightOpac = 72,
+    trans = 74
+};
+}  // namespace slot
+
+}  // namespace tavora

@@ -1,0 +1,145 @@
+#include "persist/default_settings.h"
+
+#include <cstring>
+
+#include "panel/bindings.h"
+#include "panel/controls.h"
+#include "panel/tabs.h"
+#include "persist/state_block.h"
+#include "plugin/notify.h"
+#include "plugin/services.h"
+#include "zones/gradient_painter.h"
+
+namespace tavora {
+namespace {
+
+constexpr const char* directoryMissing = "Settings directory not found";
+constexpr const char* notLoaded = "Default settings not loaded!";
+
+/// The file's path, where there is one. The directory service must be there.
+class DefaultPath {
+  public:
+    DefaultPath() {
+        const char* directory = dirinfo(HOST_DIRECTORY_SETTINGS);
+        // A path that does not fit counts as none.
+        if (directory == nullptr || std::strlen(directory) + sizeof fileName > sizeof text_) return;
+        std::strcpy(text_, directory);
+        std::strcat(text_, fileName);
+    }
+    bool exists() const { return text_[0] != '\0'; }
+    const char* text() const { return text_; }
+
+  private:
+    static constexpr char fileName[] = ":tavo.default";
+    char text_[1024] = {};
+};
+
+// What the panel shows of the record, in the order it is refreshed. "Max Trace
+// Depth", "Use All Lights" and the light list keep what they showed.
+constexpr int refreshed[] = {slot::position,
+                             slot::opacity,
+                             slot::bright,
+                             slot::sat,
+                             slot::trans,
+                             slot::highlightColor,
+                             slot::highlightMode,
+                             slot::highlightSize,
+                             slot::highlightOpacity,
+                             slot::outlineSize,
+                             slot::outlineOpacity,
+                             slot::outlineEnable,
+                             slot::outlineColor,
+                             slot::forceColor,
+                             slot::accountLights,
+                             slot::edgeColor,
+                             slot::edgeEnable,
+                             slot::edgeCoverage,
+                             slot::edgeSharpness,
+                             slot::accountLume,
+                             slot::slopeTopOpacity,
+                             slot::slopeBottomOpacity,
+                             slot::slopeTopColor,
+                             slot::slopeBottomColor,
+                             slot::slopeCenter,
+                             slot::slopeEnable,
+                             slot::slopeStyle,
+                             slot::inkColor,
+                             slot::inkPaintColor,
+                             slot::inkEnable,
+                             slot::inkObject,
+                             slot::lightPower,
+                             slot::colorTextureUse,
+                             slot::accountLightOpac};
+
+void refreshPanel(ShaderInstance* instance) {
+    showSettings(refreshed, *instance);
+    tab1_event(nullptr, instance);
+    drawGradient(instance);
+    drawGradCon(instance);
+}
+
+/// Reads the file into the record. False when it is there to be opened but
+/// does not open.
+bool loadFile(ShaderInstance* instance) {
+    const DefaultPath path;
+    if (!path.exists()) return true;
+    const HostLoadState* state = fiof->openLoad(path.text(), HOST_IO_OBJECT);
+    if (state == nullptr) return false;
+    Load(instance, state);
+    fiof->closeLoad(state);
+    return true;
+}
+
+bool opens(const DefaultPath& path) {
+    const HostLoadState* state = fiof->openLoad(path.text(), HOST_IO_OBJECT);
+    if (state == nullptr) return false;
+    fiof->closeLoad(state);
+    return true;
+}
+
+}  // namespace
+
+int cb_setDefault(HostControlId /*control*/, ShaderInstance* instance) {
+    if (fiof == nullptr) return 2;
+    if (dirinfo == nullptr) {
+        msg->warning(directoryMissing, "Default settings not saved!");
+        return 0;
+    }
+    const DefaultPath path;
+    if (!path.exists()) return 1;
+    const HostSaveState* state = fiof->openSave(path.text(), HOST_IO_OBJECT);
+    if (state == nullptr) {
+        msg->error("Cound not open file for save", "Creating file");
+        return 1;
+    }
+    Save(instance, state);
+    fiof->closeSave(state);
+    return 1;
+}
+
+int cb_getDefault(HostControlId button, ShaderInstance* instance) {
+    if (fiof == nullptr) return 2;
+    if (dirinfo == nullptr) {
+        msg->warning(directoryMissing, notLoaded);
+    } else if (!loadFile(instance)) {
+        return 0;
+    }
+    instance->zoneCursor = instance->zoneList;
+    if (button != nullptr) refreshPanel(instance);
+    notifyHost(instance);
+    return 1;
+}
+
+void ensureDefaultSettings(ShaderInstance* instance) {
+    if (iteminfo == nullptr) return;
+    if (dirinfo == nullptr) {
+        msg->warning(directoryMissing, notLoaded);
+        return;
+    }
+    const DefaultPath path;
+    if (!path.exists() || opens(path)) return;
+    msg->warning("Default settings file not found", "Creating default file.");
+    cb_setDefault(nullptr, instance);
+}
+
+}  // namespace tavora

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "host/types.h"
+#include "plugin/shader_instance.h"
+
+/// The file "tavo.default" in the host's settings directory: one state block
+/// that every new record starts from. [interface]
+namespace tavora {
+
+/// Writes the record as the default file. `control` is not used.
+/// Returns 2 without the file service, 0 without the directory service, else 1,
+/// also when the file could not be opened; the user is told.
+int cb_setDefault(HostControlId control, ShaderInstance* instance);
+
+/// Loads the default file into the record. With a control also refreshes the
+/// open panel; null leaves the panel alone. Tells the host.
+/// Returns 2 without the file service, 0 when the file does not open (nothing
+/// is done then, and nothing said), else 1.
+int cb_getDefault(HostControlId control, ShaderInstance* instance);
+
+/// Writes the default file from the record if there is none, with a warning.
+void ensureDefaultSettings(ShaderInstance* instance);
+
+}  // namespace tavora

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/handler.h"
+#include "plugin/services.h"
+#include "plugin/shader_instance.h"
+
+namespace tavora {
+
+/// Tells the host that the record changed. [interface]
+inline void notifyHost(ShaderInstance* instance) {
+    if (lwupdate != nullptr) lwupdate(HOST_SHADER_HANDLER_CLASS, instance);
+}
+
+}  // namespace tavora
