@@ -191,7 +191,10 @@ class MaterialReader {
         if (sampler.magFilter == TINYGLTF_TEXTURE_FILTER_NEAREST) use.magnify = Filter::Nearest;
         use.mipmaps = sampler.minFilter != TINYGLTF_TEXTURE_FILTER_NEAREST &&
                       sampler.minFilter != TINYGLTF_TEXTURE_FILTER_LINEAR;
-        if (sampler.minFilter == TINYGLTF_TEXTURE_FILTER_NEAREST) use.minify = Filter::Nearest;
+        const bool nearest = sampler.minFilter == TINYGLTF_TEXTURE_FILTER_NEAREST ||
+                             sampler.minFilter == TINYGLTF_TEXTURE_FILTER_NEAREST_MIPMAP_NEAREST ||
+                             sampler.minFilter == TINYGLTF_TEXTURE_FILTER_NEAREST_MIPMAP_LINEAR;
+        if (nearest) use.minify = Filter::Nearest;
     }
 
     /// The scene's image for a texture, decoded at its first use.
