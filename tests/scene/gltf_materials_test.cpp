@@ -1,0 +1,170 @@
+// Materials and what they take from images.
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "tests/scene/gltf_builder.h"
+
+namespace tavora::studio {
+namespace {
+
+using Imath::V2f;
+using Imath::V3f;
+using Imath::V4f;
+using testing::HasSubstr;
+
+// One pixel each, the PNG half-transparent red.
+constexpr const char* kRedPng =
+    "data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mP8z8BQDwAEhQGA"
+    "hKmMIQAAAABJRU5ErkJggg==";
+constexpr const char* kWebp =
+    "data:image/webp;base64,UklGRhoAAABXRUJQVlA4TA0AAAAvAAAAEAcQERGIiP4HAA==";
+
+GltfBuilder withMaterial(const Json& material) {
+    GltfBuilder file;
+    file.triangle();
+    file.add("materials", material);
+    return file;
+}
+
+Surface surfaceOf(const Json& material) {
+    return withMaterial(material).read().surfaces.at(0);
+}
+
+TEST(GltfMaterials, FactorsAndModesHaveTheirDefaults) {
+    const Surface plain = surfaceOf(Json::object());
+    EXPECT_EQ(plain.name, "Material 0");
+    EXPECT_EQ(plain.baseColor, V4f(1));
+    EXPECT_EQ(plain.emissive, V3f(0));
+    EXPECT_EQ(plain.alphaMode, AlphaMode::Opaque);
+    EXPECT_EQ(plain.alphaCutoff, 0.5F);
+    EXPECT_FALSE(plain.doubleSided || plain.unlit);
+    const Surface full = surfaceOf(R"({"name": "Glass", "doubleSided": true, "alphaMode": "MASK",
+        "alphaCutoff": 0.25, "emissiveFactor": [0.5, 0, 1],
+        "pbrMetallicRoughness": {"baseColorFactor": [0.1, 0.2, 0.3, 0.4], "metallicFactor": 0.5,
+                                 "roughnessFactor": 0.75},
+        "extensions": {"KHR_materials_unlit": {},
+                       "KHR_materials_emissive_strength": {"emissiveStrength": 4},
+                       "KHR_materials_transmission": {"transmissionFactor": 0.5}}})"_j);
+    EXPECT_EQ(full.name, "Glass");
+    EXPECT_EQ(full.baseColor, V4f(0.1F, 0.2F, 0.3F, 0.4F));
+    EXPECT_EQ(full.emissive, V3f(2, 0, 4));
+    EXPECT_EQ(full.metallic, 0.5F);
+    EXPECT_EQ(full.roughness, 0.75F);
+    EXPECT_EQ(full.alphaMode, AlphaMode::Mask);
+    EXPECT_EQ(full.alphaCutoff, 0.25F);
+    EXPECT_EQ(full.translucencyFactor, 0.5F);
+    EXPECT_TRUE(full.doubleSided && full.unlit);
+    EXPECT_EQ(surfaceOf({{"alphaMode", "BLEND"}}).alphaMode, AlphaMode::Blend);
+}
+
+/// A material with a base-colour texture from `image`; `info` beside its index.
+GltfBuilder textured(const Json& image, Json info = Json::object()) {
+    info["index"] = 0;
+    GltfBuilder file = withMaterial({{"pbrMetallicRoughness", {{"baseColorTexture", info}}}});
+    file.add("textures", {{"source", 0}, {"sampler", 0}});
+    file.add("samplers", Json::object());
+    file.add("images", image);
+    return file;
+}
+
+TEST(GltfMaterials, SamplersSayHowToWrapAndFilter) {
+    GltfBuilder file = textured({{"uri", kRedPng}});
+    const TextureUse plain = *file.read().surfaces.at(0).baseColorTexture;
+    EXPECT_EQ(plain.wrapS, Wrap::Repeat);
+    EXPECT_TRUE(plain.mipmaps);
+    file.document["samplers"][0] =
+        R"({"wrapS": 33071, "wrapT": 33648, "magFilter": 9728, "minFilter": 9728})"_j;
+    const TextureUse sharp = *file.read().surfaces.at(0).baseColorTexture;
+    EXPECT_EQ(sharp.wrapS, Wrap::ClampToEdge);
+    EXPECT_EQ(sharp.wrapT, Wrap::MirroredRepeat);
+    EXPECT_EQ(sharp.magnify, Filter::Nearest);
+    EXPECT_EQ(sharp.minify, Filter::Nearest);
+    EXPECT_FALSE(sharp.mipmaps);
+}
+
+TEST(GltfMaterials, TextureTransformsMayChooseAnotherUvSet) {
+    const Json info = R"({"texCoord": 1, "extensions": {"KHR_texture_transform":
+        {"offset": [0.5, 0.25], "rotation": 1.5, "scale": [2, 3], "texCoord": 2}}})"_j;
+    const TextureUse use =
+        *textured({{"uri", kRedPng}}, info).read().surfaces.at(0).baseColorTexture;
+    EXPECT_EQ(use.uvSet, 2);
+    EXPECT_EQ(use.offset, V2f(0.5F, 0.25F));
+    EXPECT_EQ(use.rotation, 1.5F);
+    EXPECT_EQ(use.scale, V2f(2, 3));
+    EXPECT_EQ(
+        textured({{"uri", kRedPng}}, {{"texCoord", 1}}).read().surfaces[0].baseColorTexture->uvSet,
+        1);
+}
+
+TEST(GltfMaterials, ImagesComeFromUrisFilesAndViewsAndAreDecodedOnce) {
+    const std::vector<std::uint8_t> red = {255, 0, 0, 127};
+    GltfBuilder file = textured({{"uri", kRedPng}});
+    Json second = file.document["materials"][0];
+    second["emissiveFactor"] = {1, 1, 1};
+    second["emissiveTexture"] = {{"index", 0}};
+    file.add("materials", second);
+    file.add("images", {{"uri", "unused-and-missing.png"}});
+    const Scene scene = file.read();
+    ASSERT_EQ(scene.images.size(), 1U);
+    EXPECT_EQ(scene.images[0].rgba, red);
+
+    const TemporaryFolder folder;
+    const std::string encoded = std::string(kRedPng).substr(std::strlen("data:image/png;base64,"));
+    GltfBuilder inside = textured(Json::object());
+    const auto decoded = [&] {
+        static const std::string digits =
+            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
+        std::string bytes;
+        unsigned held = 0;
+        int bits = 0;
+        for (char c : encoded.substr(0, encoded.find('='))) {
+            held = (held << 6U) | static_cast<unsigned>(digits.find(c));
+            bits += 6;
+            if (bits >= 8)
+                bytes += static_cast<char>((held >> static_cast<unsigned>(bits -= 8)) & 0xffU);
+        }
+        return bytes;
+    }();
+    const int view = inside.view(std::vector<char>(decoded.begin(), decoded.end()));
+    inside.document["images"][0] = {{"bufferView", view}, {"mimeType", "image/png"}};
+    EXPECT_EQ(readGltf(inside.writeBinary(folder)).images.at(0).rgba, red);
+
+    putBytes(folder / "with space.png", decoded);
+    const Scene beside = readGltf(textured({{"uri", "with%20space.png"}}).write(folder));
+    EXPECT_EQ(beside.images.at(0).rgba, red);
+}
+
+TEST(GltfMaterials, WebpIsPreferredWhereItIsOffered) {
+    GltfBuilder file = textured({{"uri", kRedPng}});
+    file.add("images", {{"uri", kWebp}, {"name", "better"}});
+    file.document["textures"][0]["extensions"]["EXT_texture_webp"]["source"] = 1;
+    file.document["extensionsRequired"] = {"EXT_texture_webp"};
+    EXPECT_EQ(file.read().images.at(0).name, "better");
+}
+
+TEST(GltfMaterials, TexturesThatCannotBeUsedAreNamed) {
+    const TemporaryFolder folder;
+    const auto refusal = [&](const GltfBuilder& file) { return refusalOf(file.write(folder)); };
+    EXPECT_THAT(refusal(textured({{"uri", "gone.png"}})),
+                HasSubstr("the texture \"gone.png\" cannot be read"));
+    putBytes(folder / "none.png", "");
+    EXPECT_THAT(refusal(textured({{"uri", "none.png"}})), HasSubstr("\"none.png\" is empty"));
+    putBytes(folder / "text.png", "hello, I am no picture");
+    EXPECT_THAT(refusal(textured({{"uri", "text.png"}})),
+                HasSubstr("\"text.png\" is neither PNG, JPEG nor WebP"));
+    EXPECT_THAT(refusal(textured({{"name", "Bark"}})), HasSubstr("\"Bark\" is empty"));
+    EXPECT_THAT(refusal(textured({{"uri", kRedPng}}, {{"texCoord", 4}})), HasSubstr("UV set 4"));
+    EXPECT_THAT(refusal(textured({{"uri", kRedPng}}, {{"texCoord", "1"}})), HasSubstr("UV set"));
+    GltfBuilder file = textured({{"uri", kRedPng}});
+    file.document["textures"][0].erase("source");
+    EXPECT_THAT(refusal(file), HasSubstr("texture 0 names no image"));
+    file.document["materials"][0]["pbrMetallicRoughness"]["baseColorTexture"] = {{"index", "0"}};
+    EXPECT_THAT(refusal(file), HasSubstr("texture"));
+    GltfBuilder view = textured({{"bufferView", 0}});
+    view.document["bufferViews"][0]["byteOffset"] = 1U << 30U;
+    EXPECT_THAT(refusal(view), HasSubstr("reaches past the end"));
+}
+
+}  // namespace
+}  // namespace tavora::studio
