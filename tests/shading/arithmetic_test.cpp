@@ -30,7 +30,7 @@ const WorkedExample workedExamples[] = {
          r.slopeEnable = r.highlightEnable = r.edgeEnable = 1;
          r.inkoverEnable = r.inkoverTranslucent = 1;
      },
-     {0x1.03b9cd4e4d9ddp-1, 0x1.88a7f041482dcp-3, 0x1.b2ea3cd54a736p-1}},
+     {0x1.025d3a85f8f89p-1, 0x1.805e0fc65d6eep-3, 0x1.b1eb98dfc2cdcp-1}},
     {"upper half; slope mixed below its centre, ring",
      [](auto& r, auto& s) {
          r.slopeEnable = r.highlightOutlineEnable = 1;
@@ -45,7 +45,7 @@ const WorkedExample workedExamples[] = {
          r.colorTextureUse = r.highlightEnable = 2;
          s.luminosity = 0.4;
      },
-     {0x1.502587f0a147fp-1, 0x1.0bbb0afb1e878p-1, 0x1.8005c00bf9712p-2}},
+     {0x1.4714b6b9e2f74p-1, 0x1.0169b1eeebf5cp-1, 0x1.859c0c3e073d4p-2}},
     {"chosen lights, squared; decal, slope stepped below its centre, edge",
      [](auto& r, auto& s) {
          r.useAllLights = 0;
@@ -85,7 +85,7 @@ Record exampleRecord() {
     record->slopeTopOpacity = 0.3f;
     record->slopeBottomOpacity = 0.4f;
     record->slopeCenter = 0.55f;
-    record->highlightOpacity = 0.45f;
+    record->highlightOpacity = 0.41f;
     set(record->highlightColor, {0.8, 0.9, 0.7});
     record->highlightOutlineOpacity = 0.35f;
     set(record->highlightOutlineColor, {0.15, 0.05, 0.25});

@@ -51,6 +51,14 @@ TEST_F(Lights, CountWhereTheyReachTheFront) {
     }
 }
 
+// Worked out outside this program: a cosine meets the sum of the channels, and
+// the division by 3 comes last.
+TEST_F(Lights, AddUpToTheLastBit) {
+    host.ambient = {0.12, 0.38, 0.21};
+    host.lights = {{.arriving = {0.3, 0.29, 0.39}, .direction = {0, -0.23, 0}}};
+    EXPECT_EQ(measure(), 0x1.3f487fcb923a3p-2);
+}
+
 TEST_F(Lights, AreNotAskedOnceTheSumIsAboveOne) {
     host.ambient = {0.5, 0.5, 0.5};
     host.lights = {{.direction = {0, -0.5, 0}},  // the sum is 1.0: not above
