@@ -31,11 +31,13 @@ class Crew {
         finished(0, 1);
     }
 
-    /// Returns when no thread works any more.
+    /// Returns when no thread works any more. The last report counts all jobs
+    /// that were done.
     void watch(const std::function<bool(std::size_t)>& report) {
         std::unique_lock lock(mutex_);
-        while (working_ > 0) {
-            changed_.wait_for(lock, kWatchInterval);
+        for (bool working = true; working;) {
+            changed_.wait_for(lock, kWatchInterval, [this] { return working_ == 0; });
+            working = working_ > 0;
             const std::size_t done = done_;
             lock.unlock();
             callWatch(report, done);
