@@ -69,9 +69,9 @@ class MaterialReader {
         readAlpha(material, surface);
         readExtensions(member(material, "extensions"), surface);
         surface.doubleSided = member(material, "doubleSided") == true;
-        surface.shader = shaderFromExtras(member(material, "extras"),
-                                          fmt::format("{}: surface {}", source_.path, surface.name),
-                                          scene_.warnings);
+        surface.shader = shaderFromExtras(
+            member(material, "extras"),
+            oneLine(fmt::format("{}: surface {}", source_.path, surface.name)), scene_.warnings);
         scene_.surfaces.push_back(std::move(surface));
     }
 

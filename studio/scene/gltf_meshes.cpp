@@ -34,8 +34,8 @@ std::vector<SourcePrimitive> MeshStore::read(int index, std::vector<std::string>
         const tinygltf::Primitive& primitive = mesh.primitives[i];
         const std::string where = fmt::format("mesh {} \"{}\", primitive {}", index, mesh.name, i);
         if (!isTriangles(primitive.mode)) {
-            warnings.push_back(
-                fmt::format("{}: {}: points and lines are not drawn", source_.path, where));
+            warnings.push_back(oneLine(
+                fmt::format("{}: {}: points and lines are not drawn", source_.path, where)));
             continue;
         }
         result.push_back({geometryOf(primitive, mesh.name, where), primitive.material});

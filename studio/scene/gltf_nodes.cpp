@@ -135,13 +135,14 @@ std::array<V3d, 3> axesOf(const M44d& m) {
             V3d(m[2][0], m[2][1], m[2][2])};
 }
 
-/// At right angles to all three, unit; none when they lie on one line.
-std::optional<V3d> normalOf(const std::array<V3d, 3>& v) {
+/// At right angles to all three, unit; none when they lie on one line, seen
+/// beside the square of the longest.
+std::optional<V3d> normalOf(const std::array<V3d, 3>& v, double longest) {
     std::array<V3d, 3> crosses = {v[0].cross(v[1]), v[1].cross(v[2]), v[2].cross(v[0])};
     const V3d& most =
         *std::max_element(crosses.begin(), crosses.end(),
                           [](const V3d& a, const V3d& b) { return a.length2() < b.length2(); });
-    if (!(most.length2() > 0)) return std::nullopt;
+    if (!(most.length() > kFlat * longest * longest)) return std::nullopt;
     return most.normalized();
 }
 
@@ -194,18 +195,21 @@ M44d rigid(const M44d& m) {
 std::optional<M44d> unflattened(const M44d& m) {
     const std::array<V3d, 3> axes = axesOf(m);
     const double longest = std::max({axes[0].length(), axes[1].length(), axes[2].length()});
-    const double volume = std::abs(axes[0].dot(axes[1].cross(axes[2])));
-    if (volume > kFlat * longest * longest * longest) return m;
-    if (volume > 0) return m;
-    const auto out = normalOf(axes);
-    const auto squeezed = normalOf(axesOf(m.transposed()));
+    const double volume = axes[0].dot(axes[1].cross(axes[2]));
+    if (std::abs(volume) > kFlat * longest * longest * longest) return m;
+    const auto out = normalOf(axes, longest);
+    const auto squeezed = normalOf(axesOf(m.transposed()), longest);
     if (!out || !squeezed) return std::nullopt;
-    M44d thick = m;
-    for (int r = 0; r < 3; ++r) {
-        for (int c = 0; c < 3; ++c)
-            thick[r][c] += kThickness * longest * (*squeezed)[r] * (*out)[c];
-    }
-    return thick;
+    const auto thickened = [&](double thickness) {
+        M44d thick = m;
+        for (int r = 0; r < 3; ++r) {
+            for (int c = 0; c < 3; ++c)
+                thick[r][c] += thickness * (*squeezed)[r] * (*out)[c];
+        }
+        return thick;
+    };
+    const M44d thick = thickened(kThickness * longest);
+    return thick.determinant() > 0 ? thick : thickened(-kThickness * longest);
 }
 
 }  // namespace tavora::studio
