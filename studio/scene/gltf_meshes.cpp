@@ -58,13 +58,17 @@ std::shared_ptr<const PrimitiveGeometry> MeshStore::geometryOf(const tinygltf::P
     return geometry;
 }
 
-void MeshStore::spend(const PrimitiveGeometry& geometry, const std::string& where) {
+std::size_t MeshStore::mostValues() const {
     std::size_t bytes = 0;
     for (const auto& buffer : source_.buffers)
         bytes += buffer.size();
+    return kMostValuesPerByte * bytes + kValuesOfSmallFiles;
+}
+
+void MeshStore::spend(const PrimitiveGeometry& geometry, const std::string& where) {
     values_ += geometry.mesh.positions.size() * (1 + geometry.targets.size()) +
                geometry.mesh.triangles.size();
-    if (values_ <= kMostValuesPerByte * bytes + kValuesOfSmallFiles) return;
+    if (values_ <= mostValues()) return;
     source_.fail(where + ": unpacks to far more than the file holds: export the file again");
 }
 

@@ -28,6 +28,9 @@ class MeshStore {
     /// in `warnings`. Valid as long as the store. Throws SceneError.
     const std::vector<SourcePrimitive>& primitives(int index, std::vector<std::string>& warnings);
 
+    /// How many vertices and triangles the file's bytes may stand for.
+    std::size_t mostValues() const;
+
   private:
     using Attributes = std::map<std::string, int>;
     using Key = std::tuple<Attributes, int, int, std::vector<Attributes>, int>;

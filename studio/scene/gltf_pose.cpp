@@ -17,6 +17,7 @@ using Imath::M44d;
 using Imath::V3d;
 
 constexpr std::size_t kLongestLightName = 79;  // bytes; longer ones are cut by what reads them
+constexpr std::size_t kCrowd = std::size_t{1} << 24;  // vertices and triangles of a large one
 
 std::string nameOr(const std::string& name, const std::string& second, const char* kind,
                    int index) {
@@ -98,6 +99,16 @@ class Posing {
                             : element(source_, source_.model.meshes, node.mesh, "mesh").weights;
     }
 
+    /// Accounts for a bent copy: a small file could ask for any number of them.
+    void spend(const Mesh& mesh, int node) {
+        bent_ += mesh.positions.size() + mesh.triangles.size();
+        if (bent_ <= meshes_.mostValues() + kCrowd) return;
+        source_.fail(
+            fmt::format("node {} is one too many with a mesh of its own shape: use fewer "
+                        "skinned or morphed nodes",
+                        node));
+    }
+
     /// The mesh as stored where nothing bends it, else a copy that is bent.
     std::shared_ptr<const Mesh> posedMesh(const tinygltf::Node& node, int index,
                                           const PrimitiveGeometry& geometry,
@@ -110,6 +121,7 @@ class Posing {
         const auto key = std::make_pair(&geometry, weights);
         if (node.skin < 0 && morphed_.count(key) != 0) return morphed_[key];
 
+        spend(geometry.mesh, index);
         auto mesh = std::make_shared<Mesh>(geometry.mesh);
         morph(geometry, weights, *mesh);
         if (!geometry.flat) repairNormals(*mesh);
@@ -183,6 +195,7 @@ class Posing {
     std::map<std::pair<const PrimitiveGeometry*, std::vector<double>>, std::shared_ptr<const Mesh>>
         morphed_;
     std::map<int, JointPose> joints_;
+    std::size_t bent_ = 0;  // vertices and triangles in bent copies
 };
 
 }  // namespace

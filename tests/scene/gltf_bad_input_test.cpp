@@ -279,6 +279,18 @@ TEST(GltfBadInput, OverlappingAccessorsDoNotUnpackToAnySize) {
     expectRefused(file.write(folder), "far more than the file holds", "overlap");
 }
 
+TEST(GltfBadInput, ManyNodesThatBendOneMeshDoNotUnpackToAnySize) {
+    GltfBuilder file;
+    const int corners = file.accessor(GltfBuilder::corners(), "VEC3");
+    const int mesh = file.mesh({{"POSITION", corners}, {"NORMAL", corners}},
+                               file.accessor(std::vector<std::uint8_t>(90000, 1), "SCALAR"));
+    file.primitive(mesh)["targets"] = {{{"POSITION", corners}}};
+    for (int i = 1; i <= 2000; ++i)
+        file.root({{"mesh", mesh}, {"weights", {i}}});
+    const TemporaryFolder folder;
+    expectRefused(file.write(folder), "fewer skinned or morphed nodes", "crowd");
+}
+
 TEST(GltfBadInput, ValuesThatAreNotNumbers) {
     const float nan = std::numeric_limits<float>::quiet_NaN();
     const float infinite = std::numeric_limits<float>::infinity();
