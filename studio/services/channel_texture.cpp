@@ -1,5 +1,7 @@
 #include "studio/services/channel_texture.h"
 
+#include <bit>
+
 namespace tavora::studio {
 namespace {
 
@@ -13,8 +15,8 @@ const std::optional<TextureUse>& ChannelTexture::use() const {
 
 HostTextureId textureId(std::size_t surface, Channel channel) {
     // One more than the number: no texture's identity is null.
-    return reinterpret_cast<HostTextureId>(surface * kChannels +
-                                           static_cast<std::uintptr_t>(channel) + 1);
+    return std::bit_cast<HostTextureId>(surface * kChannels + static_cast<std::uintptr_t>(channel) +
+                                        1);
 }
 
 ChannelTexture findTexture(const Scene& scene, HostTextureId id) {

@@ -19,6 +19,12 @@ fs::path fromEnvironment(const char* variable) {
     return value == nullptr ? fs::path() : fs::path(value);
 }
 
+std::string withoutEndSlash(std::string path) {
+    while (path.size() > 1 && path.back() == '/')
+        path.pop_back();
+    return path;
+}
+
 }  // namespace
 
 void setSettingsFolder(const fs::path& folder) {
@@ -45,9 +51,7 @@ const char* directoryInfo(const char* directoryName) {
     }
     const std::optional<fs::path> folder = settingsFolder();
     if (!folder) return nullptr;
-    answer = folder->string();
-    while (answer.size() > 1 && answer.back() == '/')
-        answer.pop_back();
+    answer = withoutEndSlash(folder->string());
     return answer.c_str();
 }
 

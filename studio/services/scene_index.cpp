@@ -1,5 +1,7 @@
 #include "studio/services/scene_index.h"
 
+#include <bit>
+
 namespace tavora::studio {
 namespace {
 
@@ -56,7 +58,7 @@ HostSurfaceId SceneIndex::surfaceId(std::size_t surface) const {
 }
 
 HostPolygonId SceneIndex::polygonId(std::size_t mesh, std::uint32_t triangle) const {
-    return reinterpret_cast<HostPolygonId>((mesh + 1) << kMeshShift | triangle);
+    return std::bit_cast<HostPolygonId>((mesh + 1) << kMeshShift | triangle);
 }
 
 SceneTriangle SceneIndex::triangle(HostPolygonId id) const {
