@@ -19,7 +19,7 @@ struct SurfacePoint {
     std::array<std::uint32_t, 3> vertices{};  ///< in the mesh
     std::array<Imath::V3d, 3> corners{};
     std::array<Imath::V3d, 3> cornerNormals{};  ///< all `geometricNormal` on flat meshes
-    double weights[3] = {1, 0, 0};            ///< barycentric, sum 1
+    double weights[3] = {1, 0, 0};              ///< barycentric, sum 1
     Imath::V3d position{0, 0, 0};
     Imath::V3d geometricNormal{0, 0, 0};
     Imath::V3d normal{0, 0, 0};  ///< interpolated
