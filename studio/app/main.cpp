@@ -2,6 +2,8 @@
 #include <exception>
 #include <fmt/format.h>
 #include <new>
+#include <set>
+#include <string>
 
 #include "studio/app/command_line.h"
 #include "studio/app/commands.h"
@@ -70,8 +72,11 @@ int explained(Report& report) {
     return kInternal;
 }
 
+// What several records have to say alike, the user reads once.
 void takeModuleMessages(Report& report) {
-    setMessageSink([&report](MessageKind kind, const std::string& text) {
+    setMessageSink([&report, said = std::set<std::string>()](MessageKind kind,
+                                                             const std::string& text) mutable {
+        if (!said.insert(text).second) return;
         if (kind == MessageKind::Info) {
             report.note(1, text);
         } else {
