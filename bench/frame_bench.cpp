@@ -316,11 +316,12 @@ int main(int count, char** arguments) {
         std::fprintf(stderr, "usage: frame_bench MODULE [ROUNDS] [THREADS]\n");
         return 2;
     }
-    const int rounds = count > 2 ? std::max(std::atoi(arguments[2]), 1) : 5;
-    const int threads = count > 3 ? std::atoi(arguments[3]) : 0;
-    const unsigned cores = std::max(std::thread::hardware_concurrency(), 1U);
+    const long rounds = count > 2 ? std::strtol(arguments[2], nullptr, 10) : 5;
+    const long threads = count > 3 ? std::strtol(arguments[3], nullptr, 10)
+                                   : static_cast<long>(std::thread::hardware_concurrency());
     try {
-        run(arguments[1], rounds, threads > 0 ? static_cast<std::size_t>(threads) : cores);
+        run(arguments[1], static_cast<int>(std::max(rounds, 1L)),
+            static_cast<std::size_t>(std::max(threads, 1L)));
     } catch (const std::exception& error) {
         std::fprintf(stderr, "frame_bench: %s\n", error.what());
         return 1;

@@ -1,11 +1,11 @@
 #pragma once
 
 #include <ImathVec.h>
-#include <compare>
 #include <cstdint>
 #include <embree3/rtcore.h>
 #include <limits>
 #include <memory>
+#include <tuple>
 #include <vector>
 
 #include "studio/render/mesh_geometry.h"
@@ -33,7 +33,10 @@ struct HitKey {
     std::uint32_t mesh = 0;
     std::uint32_t triangle = 0;
 
-    auto operator<=>(const HitKey&) const = default;
+    friend bool operator>(const HitKey& a, const HitKey& b) {
+        return std::tie(a.distance, a.mesh, a.triangle) > std::tie(b.distance, b.mesh, b.triangle);
+    }
+    friend bool operator<=(const HitKey& a, const HitKey& b) { return !(a > b); }
 };
 
 /// The scene's triangles, ready for rays. Any number of threads may trace.

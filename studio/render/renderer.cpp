@@ -106,6 +106,15 @@ PixelBox windowOf(const RenderOptions& options) {
             std::clamp(options.crop->bottom, 0, whole.bottom)};
 }
 
+/// Throws std::invalid_argument for what no caller may ask.
+void check(const Scene& scene, const std::vector<SurfaceShading>& shading,
+           const RenderOptions& options) {
+    if (shading.size() != scene.surfaces.size()) {
+        throw std::invalid_argument("every surface needs its shading");
+    }
+    if (options.samples < 1) throw std::invalid_argument("a pixel needs a sample");
+}
+
 Picture emptyPicture(const RenderOptions& options) {
     Picture picture;
     picture.width = options.width;
@@ -156,6 +165,7 @@ Picture Renderer::render(const Camera& camera, const LightRig& lights,
                          const std::filesystem::path& module, const RenderOptions& options,
                          const RenderWatch& watch, RenderStats* stats) {
     const auto start = Clock::now();
+    check(parts_->index.scene(), shading, options);
     Picture picture = emptyPicture(options);
     const Job job{parts_->rays,
                   lights,

@@ -62,7 +62,8 @@ class Renderer {
 
     /// `shading` has one entry a surface of the scene; `module` may be empty
     /// when no entry has a shader. One module copy is loaded per thread.
-    /// Throws LinkError when the module cannot be used, RenderStopped.
+    /// Throws LinkError when the module cannot be used, RenderStopped, and
+    /// std::invalid_argument for a picture without pixels or samples.
     Picture render(const Camera& camera, const LightRig& lights,
                    const std::vector<SurfaceShading>& shading, const std::filesystem::path& module,
                    const RenderOptions& options, const RenderWatch& watch, RenderStats* stats);

@@ -1,50 +1,78 @@
 #include <array>
+#include <atomic>
+#include <mutex>
 #include <new>
-#include <pthread.h>
+#include <thread>
 
 #include "studio/services/service_tables.h"
 
-/// pthread mutexes, because unlocking one that the thread does not hold is an
-/// error there and undefined for std::recursive_mutex.
+namespace tavora::studio {
+namespace {
+
+/// A recursive mutex that knows its holder, so that unlocking another thread's
+/// is refused; std::recursive_mutex leaves that undefined.
+class HeldMutex {
+  public:
+    void lock() {
+        if (!isMine()) {
+            mutex_.lock();
+            holder_ = std::this_thread::get_id();
+        }
+        ++depth_;
+    }
+
+    /// False when this thread does not hold it.
+    bool unlock() {
+        if (!isMine()) return false;
+        if (--depth_ == 0) {
+            holder_ = std::thread::id();
+            mutex_.unlock();
+        }
+        return true;
+    }
+
+  private:
+    /// No other thread can make or unmake this one the holder.
+    bool isMine() const { return holder_ == std::this_thread::get_id(); }
+
+    std::mutex mutex_;
+    std::atomic<std::thread::id> holder_;
+    int depth_ = 0;  ///< the holder's
+};
+
+}  // namespace
+}  // namespace tavora::studio
+
 struct HostMutex {
-    std::array<pthread_mutex_t, HOST_MUTEXES_PER_OBJECT> mutexes;
+    std::array<tavora::studio::HeldMutex, HOST_MUTEXES_PER_OBJECT> mutexes;
 };
 
 namespace tavora::studio {
 namespace {
 
 HostMutexId create() {
-    auto* object = new (std::nothrow) HostMutex;
-    if (object == nullptr) return nullptr;
-    pthread_mutexattr_t recursive;
-    pthread_mutexattr_init(&recursive);
-    pthread_mutexattr_settype(&recursive, PTHREAD_MUTEX_RECURSIVE);
-    for (pthread_mutex_t& mutex : object->mutexes)
-        pthread_mutex_init(&mutex, &recursive);
-    pthread_mutexattr_destroy(&recursive);
-    return object;
+    return new (std::nothrow) HostMutex;
 }
 
 void destroy(HostMutexId object) {
-    if (object == nullptr) return;
-    for (pthread_mutex_t& mutex : object->mutexes)
-        pthread_mutex_destroy(&mutex);
     delete object;
 }
 
-pthread_mutex_t* find(HostMutexId object, int number) {
+HeldMutex* find(HostMutexId object, int number) {
     if (object == nullptr || number < 0 || number >= HOST_MUTEXES_PER_OBJECT) return nullptr;
     return &object->mutexes[static_cast<std::size_t>(number)];
 }
 
 int lock(HostMutexId object, int number) {
-    pthread_mutex_t* mutex = find(object, number);
-    return mutex != nullptr && pthread_mutex_lock(mutex) == 0 ? 1 : 0;
+    HeldMutex* mutex = find(object, number);
+    if (mutex == nullptr) return 0;
+    mutex->lock();
+    return 1;
 }
 
 int unlock(HostMutexId object, int number) {
-    pthread_mutex_t* mutex = find(object, number);
-    return mutex != nullptr && pthread_mutex_unlock(mutex) == 0 ? 1 : 0;
+    HeldMutex* mutex = find(object, number);
+    return mutex != nullptr && mutex->unlock() ? 1 : 0;
 }
 
 }  // namespace
