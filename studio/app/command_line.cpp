@@ -17,11 +17,13 @@
 namespace tavora::studio {
 namespace {
 
-constexpr const char* kProgramText = "Renders glTF scenes with the Tavora cel-look shader.";
+constexpr const char* kProgramText =
+    "Renders glTF scenes with the Tavora cel-look shader, and edits how they look.";
 
 constexpr const char* kProgramExamples = R"(Examples:
   tavora render model.glb -o picture.png
   tavora render model.glb -o picture.png --look comic
+  tavora edit model.glb
   tavora COMMAND --help
 
 Exit status: 0 done, 1 internal, 2 usage, 3 scene, 4 write, 6 plug-in,
@@ -50,6 +52,14 @@ constexpr const char* kSettingsExamples = R"(Examples:
 constexpr const char* kLooksExamples = R"(Examples:
   tavora looks
   tavora render model.glb -o out.png --look noir)";
+
+constexpr const char* kEditExamples = R"(Examples:
+  tavora edit model.glb
+  tavora edit model.glb --look comic)";
+
+constexpr const char* kPanelExamples = R"(Examples:
+  tavora panel model.glb -o panel.png
+  tavora panel model.glb --surface Body --tab 3 -o slope.png --scale 200 --theme dark)";
 
 using Texts = std::vector<std::string>;
 
@@ -173,16 +183,28 @@ void addPictureSize(Command& command, RenderRequest& request) {
                    into(request.cropPixels, cropPixels));
 }
 
+void addThreads(Command& command, int& target) {
+    const auto threads = [](const std::string& option, const std::string& text) {
+        return wholeNumber(option, text, 0, 1024);
+    };
+    command.option("-t,--threads", "N", "Threads; 0 for one a core (0)", into(target, threads));
+}
+
+void addLighting(Command& command, LightingOptions& lighting) {
+    command.option("--ambient", "COLOUR", "Light from everywhere (the scene's own)",
+                   into(lighting.ambient, color));
+    command.option("--exposure", "auto|FACTOR", "auto: the brightest light counts as 1",
+                   into(lighting.exposure, exposure));
+    command.option("--falloff", "none|physical", "How light weakens with distance (none)",
+                   into(lighting.falloff, falloff));
+}
+
 void addQuality(Command& command, RenderRequest& request) {
     const auto samples = [](const std::string& option, const std::string& text) {
         return wholeNumber(option, text, 1, 65536);
     };
-    const auto threads = [](const std::string& option, const std::string& text) {
-        return wholeNumber(option, text, 0, 1024);
-    };
     command.option("-s,--samples", "N", "Samples a pixel (16)", into(request.samples, samples));
-    command.option("-t,--threads", "N", "Threads; 0 for one a core (0)",
-                   into(request.threads, threads));
+    addThreads(command, request.threads);
     command.option("--depth", "DEPTH", "8 or 16 for .png, half or float for .exr",
                    into(request.depth, depth));
 }
@@ -193,12 +215,7 @@ void addView(Command& command, RenderRequest& request) {
     command.flag("--list-cameras", request.listCameras, "List the scene's cameras and stop");
     command.option("--background", "COLOUR", "#rrggbb, R,G,B, a grey, or transparent",
                    into(request.background, background));
-    command.option("--ambient", "COLOUR", "Light from everywhere (the scene's own)",
-                   into(request.lighting.ambient, color));
-    command.option("--exposure", "auto|FACTOR", "auto: the brightest light counts as 1",
-                   into(request.lighting.exposure, exposure));
-    command.option("--falloff", "none|physical", "How light weakens with distance (none)",
-                   into(request.lighting.falloff, falloff));
+    addLighting(command, request.lighting);
 }
 
 void addRender(Command& command, RenderRequest& request) {
@@ -240,6 +257,32 @@ void addLooks(Command& command, LooksRequest& request) {
     addReport(command, request.report);
 }
 
+void addEdit(Command& command, EditRequest& request) {
+    addScene(command, request.scene);
+    addShading(command, request.shading);
+    addLighting(command, request.lighting);
+    addThreads(command, request.threads);
+    addReport(command, request.report);
+}
+
+void addPanel(Command& command, PanelRequest& request) {
+    const auto tab = [](const std::string& option, const std::string& text) {
+        return wholeNumber(option, text, 0, 5);
+    };
+    addScene(command, request.scene);
+    command.option("-o,--output", "FILE", "Picture to write, .png", into(request.output));
+    command.option("--surface", "NAME", "Whose settings (the first surface)",
+                   into(request.surface));
+    command.option("--tab", "0..5", "Zones, CelSpec, Edges, Slope, InkOver or Advanced (0)",
+                   into(request.tab, tab));
+    command.option("--scale", "PCT", "Scale the panel, in percent",
+                   into(request.scale, percentage));
+    command.option("--theme", "light|dark", "Colours of the panel (light)",
+                   into(request.theme, theme));
+    addShading(command, request.shading);
+    addReport(command, request.report);
+}
+
 // What the line holds beyond what the command knows.
 void checkExtras(const CLI::App& app, const std::string& command) {
     const std::vector<std::string> extras = app.remaining();
@@ -260,10 +303,10 @@ void checkExtras(const CLI::App& app, const std::string& command) {
     throw UsageError(fmt::format("{}: unknown option {}{}", command, name, near));
 }
 
-void readEnvironment(RenderRequest& request) {
+void readEnvironment(int& target) {
     const char* threads = std::getenv("TAVORA_THREADS");
     if (threads == nullptr || *threads == '\0') return;
-    request.threads = wholeNumber("TAVORA_THREADS", threads, 0, 1024);
+    target = wholeNumber("TAVORA_THREADS", threads, 0, 1024);
 }
 
 void requireScene(const std::string& command, const std::string& scene) {
@@ -272,12 +315,15 @@ void requireScene(const std::string& command, const std::string& scene) {
                                  command, command));
 }
 
+void checkConflicts(const ReportOptions& report) {
+    if (report.quiet && report.verbosity > 0) {
+        throw UsageError("-v and --quiet exclude each other; give one");
+    }
+}
+
 void checkConflicts(const RenderRequest& request) {
     if (request.cropShares && request.cropPixels) {
         throw UsageError("--crop and --crop-pixels exclude each other; give one");
-    }
-    if (request.report.quiet && request.report.verbosity > 0) {
-        throw UsageError("-v and --quiet exclude each other; give one");
     }
 }
 
@@ -293,6 +339,8 @@ class Parser {
         addInfo(info_, infoRequest_);
         addSettings(settings_, settingsRequest_);
         addLooks(looks_, looksRequest_);
+        addEdit(edit_, editRequest_);
+        addPanel(panel_, panelRequest_);
     }
 
     Request parse(int argc, char** argv) {
@@ -315,7 +363,7 @@ class Parser {
   private:
     Request chosenRequest() {
         if (render_.chosen()) {
-            readEnvironment(renderRequest_);
+            readEnvironment(renderRequest_.threads);
             finish(render_, "render", renderRequest_);
             checkConflicts(renderRequest_);
             return renderRequest_;
@@ -323,6 +371,11 @@ class Parser {
         if (info_.chosen()) return finish(info_, "info", infoRequest_);
         if (settings_.chosen()) return finish(settings_, "settings", settingsRequest_);
         if (looks_.chosen()) return finish(looks_, "looks", looksRequest_);
+        if (edit_.chosen()) {
+            readEnvironment(editRequest_.threads);
+            return finish(edit_, "edit", editRequest_);
+        }
+        if (panel_.chosen()) return finish(panel_, "panel", panelRequest_);
         refuseCommand();
     }
 
@@ -330,15 +383,20 @@ class Parser {
     static Asked& finish(const Command& command, const std::string& name, Asked& request) {
         checkExtras(command.app(), name);
         command.convert();
-        if constexpr (requires { request.scene; }) requireScene(name, request.scene);
+        checkConflicts(request.report);
+        // The edit window can ask for its scene.
+        if constexpr (requires { request.scene; } && !std::is_same_v<Asked, EditRequest>) {
+            requireScene(name, request.scene);
+        }
         return request;
     }
 
     [[noreturn]] void refuseCommand() const {
         const std::vector<std::string> rest = app_.remaining();
-        const Texts known{"render", "info", "settings", "looks"};
+        const Texts known{"render", "edit", "panel", "info", "settings", "looks"};
         if (rest.empty()) {
-            throw UsageError("name a command: render, info, settings or looks; see tavora --help");
+            throw UsageError(
+                "name a command: render, edit, panel, info, settings or looks; see tavora --help");
         }
         throw UsageError(fmt::format("unknown command \"{}\"{}", rest.front(),
                                      nearestNames(rest.front(), known)));
@@ -349,7 +407,12 @@ class Parser {
     InfoRequest infoRequest_;
     SettingsRequest settingsRequest_;
     LooksRequest looksRequest_;
+    EditRequest editRequest_;
+    PanelRequest panelRequest_;
     Command render_{app_, "render", "Render a scene to a picture", kRenderExamples};
+    Command edit_{app_, "edit", "Edit the shaders of a scene in a window with a live picture",
+                  kEditExamples};
+    Command panel_{app_, "panel", "Draw the shader's settings panel to a picture", kPanelExamples};
     Command info_{app_, "info", "List what is in a scene, and the module", kInfoExamples};
     Command settings_{app_, "settings", "Print the shader settings of a scene, or store some in it",
                       kSettingsExamples};

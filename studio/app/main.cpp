@@ -1,117 +1,29 @@
 #include <cerrno>
-#include <exception>
+#include <cstring>
+#include <filesystem>
 #include <fmt/format.h>
-#include <new>
-#include <set>
-#include <string>
+#include <unistd.h>
 
-#include "studio/app/command_line.h"
-#include "studio/app/commands.h"
-#include "studio/app/exit_status.h"
-#include "studio/app/interruption.h"
-#include "studio/app/report.h"
-#include "studio/app/usage_error.h"
-#include "studio/files/output_error.h"
+#include "studio/app/program.h"
 #include "studio/link/link_error.h"
-#include "studio/render/renderer.h"
-#include "studio/scene/scene_error.h"
-#include "studio/services/messages.h"
 
-namespace tavora::studio {
 namespace {
 
-// Runs each kind of request with its report.
-struct Runner {
-    Report& report;
+namespace fs = std::filesystem;
 
-    void operator()(const TextRequest& request) const { writeOut(request.text); }
-    void operator()(const RenderRequest& request) const { render(request, report); }
-    void operator()(const InfoRequest& request) const { showInfo(request, report); }
-    void operator()(const SettingsRequest& request) const { showOrStoreSettings(request, report); }
-    void operator()(const LooksRequest& request) const { listLooks(request, report); }
-};
-
-ReportOptions reportOptions(const Request& request) {
-    return std::visit(
-        [](const auto& asked) -> ReportOptions {
-            if constexpr (requires { asked.report; }) {
-                return asked.report;
-            } else {
-                return {};
-            }
-        },
-        request);
-}
-
-// The one place that turns what went wrong into a line and an exit status.
-int explained(Report& report) {
-    try {
-        throw;
-    } catch (const UsageError& error) {
-        report.error(error.what());
-        return kUsage;
-    } catch (const SceneError& error) {
-        report.error(error.what());
-        return kScene;
-    } catch (const OutputError& error) {
-        report.error(error.what());
-        return kWrite;
-    } catch (const LinkError& error) {
-        report.error(error.what());
-        return kPlugin;
-    } catch (const RenderStopped&) {
-        report.error("stopped by a signal; nothing was written");
-        return kSignal + stopSignal();
-    } catch (const std::bad_alloc&) {
-        report.error("not enough memory; render a smaller picture or a crop of it");
-    } catch (const std::exception& error) {
-        report.error(fmt::format("internal fault: {}; please report it", error.what()));
-    } catch (...) {
-        report.error("internal fault; please report it");
-    }
-    return kInternal;
-}
-
-// What several records have to say alike, the user reads once.
-void takeModuleMessages(Report& report) {
-    setMessageSink([&report, said = std::set<std::string>()](MessageKind kind,
-                                                             const std::string& text) mutable {
-        if (!said.insert(text).second) return;
-        if (kind == MessageKind::Info) {
-            report.note(1, text);
-        } else {
-            report.warning(text);
-        }
-    });
-}
-
-int run(const Request& request, Report& report) {
-    takeModuleMessages(report);
-    int status = kDone;
-    try {
-        std::visit(Runner{report}, request);
-    } catch (...) {
-        status = explained(report);
-    }
-    setMessageSink({});
-    return status;
-}
-
-int start(int argc, char** argv) {
-    Report plain{ReportOptions{}};
-    try {
-        const Request request = parseCommandLine(argc, argv);
-        Report report(reportOptions(request));
-        return run(request, report);
-    } catch (...) {
-        return explained(plain);
-    }
+// The program with the window stands beside this one and reads the same command
+// line: whoever only renders never waits for the window's libraries to load.
+[[noreturn]] void becomeWindowProgram(char** argv) {
+    const fs::path program = fs::read_symlink("/proc/self/exe").parent_path() / "tavora-window";
+    execv(program.c_str(), argv);
+    throw tavora::studio::LinkError(
+        fmt::format("{}: cannot start the program with the window: {}; install Tavora again",
+                    program.string(), std::strerror(errno)));
 }
 
 }  // namespace
-}  // namespace tavora::studio
 
 int main(int argc, char** argv) {
-    tavora::studio::watchSignals();
-    return tavora::studio::start(argc, argv);
+    const auto become = [argv](const auto&, auto&) { becomeWindowProgram(argv); };
+    return tavora::studio::runProgram(argc, argv, {become, become});
 }

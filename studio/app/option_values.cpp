@@ -212,6 +212,14 @@ ProgressKind progressKind(const std::string& option, const std::string& text) {
     return chosen<ProgressKind>(option, text, kChoices);
 }
 
+Theme theme(const std::string& option, const std::string& text) {
+    static constexpr std::array<Named<Theme>, 2> kChoices{{
+        {"light", Theme::Light},
+        {"dark", Theme::Dark},
+    }};
+    return chosen<Theme>(option, text, kChoices);
+}
+
 LookChoice lookChoice(const std::string& text) {
     std::error_code ignored;
     const std::size_t equals = text.find('=');

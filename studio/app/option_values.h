@@ -37,6 +37,7 @@ std::optional<double> exposure(const std::string& option, const std::string& tex
 bool falloff(const std::string& option, const std::string& text);
 PictureDepth depth(const std::string& option, const std::string& text);
 ProgressKind progressKind(const std::string& option, const std::string& text);
+Theme theme(const std::string& option, const std::string& text);
 
 /// "[SURFACE=]FILE"; a text that names a file as it stands is one.
 LookChoice lookChoice(const std::string& text);

@@ -86,12 +86,35 @@ struct LooksRequest {
     bool json = false;
 };
 
+/// The edit window.
+struct EditRequest {
+    ReportOptions report;
+    std::string scene;  ///< empty: the window asks
+    int threads = 0;    ///< 0: one a core
+    ShadingRequest shading;
+    LightingOptions lighting;
+};
+
+enum class Theme { Light, Dark };
+
+/// The shader's panel as a picture.
+struct PanelRequest {
+    ReportOptions report;
+    std::string scene;
+    std::string output;
+    std::string surface;  ///< empty: the first
+    int tab = 0;          ///< 0..5
+    double scale = 1;     ///< device pixels a panel pixel
+    Theme theme = Theme::Light;
+    ShadingRequest shading;
+};
+
 /// --help and --version: nothing but text.
 struct TextRequest {
     std::string text;
 };
 
-using Request =
-    std::variant<TextRequest, RenderRequest, InfoRequest, SettingsRequest, LooksRequest>;
+using Request = std::variant<TextRequest, RenderRequest, InfoRequest, SettingsRequest, LooksRequest,
+                             EditRequest, PanelRequest>;
 
 }  // namespace tavora::studio

@@ -3,6 +3,7 @@
 #include <cstring>
 
 #include "studio/services/service_tables.h"
+#include "studio/services/window_services.h"
 
 namespace tavora::studio {
 namespace {
@@ -11,6 +12,8 @@ struct Entry {
     const char* name;
     void* service;
 };
+
+WindowServices windowServices;
 
 template <typename Table>
 void* table(const Table& service) {
@@ -24,8 +27,15 @@ void* function(Result (*service)(Arguments...)) {
 
 }  // namespace
 
+void offerWindowServices(const WindowServices& services) {
+    windowServices = services;
+}
+
 void* findService(const char* name, int /*useMode*/) {
-    static const Entry entries[] = {
+    const Entry entries[] = {
+        {HOST_PANELS_SERVICE, const_cast<HostPanelServices*>(windowServices.panels)},
+        {HOST_RASTER_SERVICE, const_cast<HostRasterServices*>(windowServices.raster)},
+        {HOST_COLOR_PICKER_SERVICE, function(windowServices.colorPicker)},
         {HOST_MULTITHREADING_SERVICE, table(kMultithreading)},
         {HOST_ITEM_INFO_SERVICE, table(kItemInfo)},
         {HOST_LIGHT_INFO_SERVICE, table(kLightInfo)},

@@ -1,0 +1,119 @@
+#include "studio/app/program.h"
+
+#include <cerrno>
+#include <exception>
+#include <fmt/format.h>
+#include <new>
+#include <set>
+#include <string>
+
+#include "studio/app/command_line.h"
+#include "studio/app/commands.h"
+#include "studio/app/exit_status.h"
+#include "studio/app/interruption.h"
+#include "studio/app/report.h"
+#include "studio/app/usage_error.h"
+#include "studio/files/output_error.h"
+#include "studio/link/link_error.h"
+#include "studio/render/renderer.h"
+#include "studio/scene/scene_error.h"
+#include "studio/services/messages.h"
+
+namespace tavora::studio {
+namespace {
+
+// Runs each kind of request with its report.
+struct Runner {
+    const WindowCommands& window;
+    Report& report;
+
+    void operator()(const TextRequest& request) const { writeOut(request.text); }
+    void operator()(const RenderRequest& request) const { render(request, report); }
+    void operator()(const InfoRequest& request) const { showInfo(request, report); }
+    void operator()(const SettingsRequest& request) const { showOrStoreSettings(request, report); }
+    void operator()(const LooksRequest& request) const { listLooks(request, report); }
+    void operator()(const EditRequest& request) const { window.edit(request, report); }
+    void operator()(const PanelRequest& request) const { window.drawPanel(request, report); }
+};
+
+ReportOptions reportOptions(const Request& request) {
+    return std::visit(
+        [](const auto& asked) -> ReportOptions {
+            if constexpr (requires { asked.report; }) {
+                return asked.report;
+            } else {
+                return {};
+            }
+        },
+        request);
+}
+
+// The one place that turns what went wrong into a line and an exit status.
+int explained(Report& report) {
+    try {
+        throw;
+    } catch (const UsageError& error) {
+        report.error(error.what());
+        return kUsage;
+    } catch (const SceneError& error) {
+        report.error(error.what());
+        return kScene;
+    } catch (const OutputError& error) {
+        report.error(error.what());
+        return kWrite;
+    } catch (const LinkError& error) {
+        report.error(error.what());
+        return kPlugin;
+    } catch (const RenderStopped&) {
+        report.error("stopped by a signal; nothing was written");
+        return kSignal + stopSignal();
+    } catch (const std::bad_alloc&) {
+        report.error("not enough memory; render a smaller picture or a crop of it");
+    } catch (const std::exception& error) {
+        report.error(fmt::format("internal fault: {}; please report it", error.what()));
+    } catch (...) {
+        report.error("internal fault; please report it");
+    }
+    return kInternal;
+}
+
+// What several records have to say alike, the user reads once.
+void takeModuleMessages(Report& report) {
+    setMessageSink([&report, said = std::set<std::string>()](MessageKind kind,
+                                                             const std::string& text) mutable {
+        if (!said.insert(text).second) return;
+        if (kind == MessageKind::Info) {
+            report.note(1, text);
+        } else {
+            report.warning(text);
+        }
+    });
+}
+
+int run(const Request& request, const WindowCommands& window, Report& report) {
+    takeModuleMessages(report);
+    int status = kDone;
+    try {
+        std::visit(Runner{window, report}, request);
+    } catch (...) {
+        status = explained(report);
+    }
+    setMessageSink({});
+    return status;
+}
+
+}  // namespace
+
+int runProgram(int argc, char** argv, const WindowCommands& window) {
+    watchSignals();
+    Report plain{ReportOptions{}};
+    try {
+        const Request request = parseCommandLine(argc, argv);
+        Report report(reportOptions(request));
+        return run(request, window, report);
+    } catch (...) {
+        return explained(plain);
+    }
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,112 @@
+#pragma once
+
+#include <cstdint>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "studio/app/report.h"
+#include "studio/app/requests.h"
+#include "studio/link/shader.h"
+#include "studio/link/state_block.h"
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// What a surface wears.
+struct SurfaceSettings {
+    bool enabled = false;             ///< whether the shader works on it
+    std::optional<StateBlock> block;  ///< none: the surface never had the shader
+
+    bool operator==(const SurfaceSettings&) const = default;
+};
+
+/// Steps of the user: changes with the same gesture on the same surface are
+/// undone together. 0 is never joined with anything.
+using Gesture = std::uint64_t;
+
+/// A scene that is being edited: the settings of its surfaces, what was done to
+/// them and can be undone, what is saved and what is not. Holds the records that
+/// panels edit, on a module copy of its own. GUI thread. Knows no window.
+class Document {
+  public:
+    /// Reads the scene and settles what is on its surfaces, as `tavora render`
+    /// does: stored settings, over them the request's looks and changes, and
+    /// two-tone on all when nothing is stored and nothing asked.
+    /// Throws SceneError, LinkError, UsageError.
+    Document(const std::filesystem::path& scene, const ShadingRequest& shading, Report& report);
+    ~Document();
+    Document(const Document&) = delete;
+    Document& operator=(const Document&) = delete;
+
+    const std::filesystem::path& path() const;  ///< where save() writes
+    const Scene& scene() const;
+    const std::filesystem::path& module() const;
+    const ModuleCopy& moduleCopy() const;
+
+    /// Indices into Scene::surfaces of those that the user sees, in order.
+    const std::vector<std::size_t>& surfaces() const;
+    const SurfaceSettings& settings(std::size_t surface) const;
+    const SurfaceSettings& savedSettings(std::size_t surface) const;
+
+    /// The record that panels edit, made on first use and kept in step with
+    /// settings() by undo and redo. Stays at its place while the document lives.
+    Shader& record(std::size_t surface);
+
+    /// Takes over what a panel wrote into the record. Nothing when it says what
+    /// settings() says. A surface without the shader wears it from now on.
+    void takeRecord(std::size_t surface, Gesture gesture);
+    /// The surface whose record this is; none for others.
+    std::optional<std::size_t> surfaceOf(HostInstance instance) const;
+
+    void setEnabled(std::size_t surface, bool enabled);
+    /// One step for all. Also loads the records.
+    void setSettings(const std::vector<std::pair<std::size_t, SurfaceSettings>>& changes,
+                     std::string what);
+    /// Lays a look (a name or file) over the surfaces. Throws SceneError.
+    void wearLook(const std::string& look, const std::vector<std::size_t>& surfaces);
+    /// Writes the surface's settings as a look. Throws SceneError, OutputError.
+    void saveLook(std::size_t surface, const std::filesystem::path& file) const;
+
+    bool canUndo() const;
+    bool canRedo() const;
+    std::string undoText() const;  ///< "edit of Body", for menus; empty when there is none
+    std::string redoText() const;
+    void undo();
+    void redo();
+    /// Changes after this are a step of their own, whatever their gesture.
+    void endStep();
+
+    /// Whether settings differ from what the file holds.
+    bool isModified() const;
+    /// Writes into the scene's file, whole or not at all; the changes stay
+    /// unsaved when it throws OutputError or SceneError. Notices a file that
+    /// changed on disk since it was read: throws SceneError unless `overwrite`.
+    void save(bool overwrite = false);
+    /// Saves to another file of the same suffix and goes on with that.
+    void saveAs(const std::filesystem::path& file);
+
+    /// Writes unsaved work where a later start finds it; removes the recovery
+    /// file when all is saved. Cheap when nothing changed since the last call.
+    /// Throws OutputError.
+    void writeRecovery();
+    /// Unsaved work of a session on this scene that did not end well.
+    bool hasRecovery() const;
+    /// Takes it over as one step; throws SceneError when it is damaged.
+    void recover();
+    void discardRecovery();
+
+    /// Heard after every change of settings(), by surface.
+    std::function<void(std::size_t surface)> settingsChanged;
+    /// Heard when what can be undone, or whether it is saved, may have changed.
+    std::function<void()> stateChanged;
+
+  private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// The camera of an edit window: turns around a point of interest, slides and
+/// comes nearer, as a hand moves it. Starts as, and goes back to, a camera of
+/// the scene. Plain values; one thread.
+class Orbit {
+  public:
+    /// The point of interest is where the camera's axis passes the scene's
+    /// middle at its nearest.
+    Orbit(const Camera& start, const Imath::Box3d& bounds);
+
+    /// Camera::aspect is 0: the picture's own.
+    const Camera& camera() const { return camera_; }
+    bool isAtStart() const;
+
+    /// Drags in shares of the picture's height, x to the right, y down.
+    void turn(double x, double y);
+    void pan(double x, double y);
+    /// Above 1 comes nearer by that factor; a perspective camera never passes
+    /// its point of interest, an orthographic one changes its half height.
+    void zoom(double factor);
+    /// Aims at the middle of `box` and sees all of it.
+    void frame(const Imath::Box3d& box);
+    void reset();
+
+  private:
+    Camera start_;
+    Camera camera_;
+    double startDistance_;
+    double distance_;  ///< to the point of interest, metres
+    double size_;      ///< of the scene, metres
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,47 @@
+#pragma once
+
+#include <functional>
+#include <memory>
+
+class QWidget;
+
+namespace tavora::studio {
+
+/// How the program around the panels takes part. GUI thread.
+struct PanelHooks {
+    /// A modal panel is shown, placed where its module asked; may move it.
+    std::function<void(QWidget& panel)> opened;
+    /// It is closed; its controls live until the module destroys the panel.
+    std::function<void(QWidget& panel)> closed;
+    /// When set, opening a panel shows no window: it is laid out and painted at
+    /// its full size, handed over, and then closed as by Cancel.
+    std::function<void(QWidget& panel)> insteadOfShowing;
+};
+
+/// Offers modules "LWPanelServices", "RasterServices" and "Color Picker" on
+/// Qt Widgets as long as it lives. One at a time, after the QApplication; GUI
+/// thread. Modal panels run an event loop of their own inside the module's call.
+class Panels {
+  public:
+    /// `window` is the parent of panels and dialogs; may be null; must outlive it.
+    explicit Panels(QWidget* window, PanelHooks hooks = {});
+    ~Panels();
+    Panels(const Panels&) = delete;
+    Panels& operator=(const Panels&) = delete;
+
+    /// The innermost modal panel, or null.
+    QWidget* openPanel() const;
+    /// Closes every open panel, from the innermost, as if its OK (or Cancel)
+    /// were pressed. The event loops end after the call returns.
+    void close(bool confirm);
+
+  private:
+    struct Parts;
+    std::unique_ptr<Parts> parts_;
+};
+
+/// Brings a page of the panel's tab control to the front, as a click on its tab
+/// does. False when the panel has no such tab.
+bool selectTab(QWidget& panel, int tab);
+
+}  // namespace tavora::studio
