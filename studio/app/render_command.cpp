@@ -16,8 +16,6 @@
 namespace tavora::studio {
 namespace {
 
-constexpr const char* kDefaultLook = "two-tone";
-
 void listCameras(const Scene& scene) {
     std::string text;
     for (std::size_t i = 0; i < scene.cameras.size(); ++i) {
@@ -44,15 +42,6 @@ Scene readScene(const RenderRequest& request, Report& report) {
     for (const std::string& warning : scene.warnings)
         report.warning(warning);
     return scene;
-}
-
-// A scene that says nothing of shading still makes a picture worth keeping.
-ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report) {
-    if (!request.looks.empty() || storesShaders(scene)) return request;
-    request.looks.push_back({{}, kDefaultLook});
-    report.note(
-        1, fmt::format("no look given and none stored: {} goes on every surface", kDefaultLook));
-    return request;
 }
 
 bool allPlain(const ShadingRequest& request) {

@@ -15,6 +15,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr const char* kDefaultLook = "two-tone";
+
 class Planner {
   public:
     Planner(const Scene& scene, const ShaderClass& shader, Report& report)
@@ -155,6 +157,14 @@ class Planner {
 bool storesShaders(const Scene& scene) {
     return std::any_of(scene.surfaces.begin(), scene.surfaces.end(),
                        [](const Surface& surface) { return surface.shader.has_value(); });
+}
+
+ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report) {
+    if (!request.looks.empty() || storesShaders(scene)) return request;
+    request.looks.push_back({{}, kDefaultLook});
+    report.note(
+        1, fmt::format("no look given and none stored: {} goes on every surface", kDefaultLook));
+    return request;
 }
 
 std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingRequest& request,

@@ -1,32 +1,24 @@
 #pragma once
 
-#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "studio/app/report.h"
 #include "studio/app/requests.h"
+#include "studio/edit/step_list.h"
+#include "studio/edit/surface_settings.h"
+#include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
-#include "studio/link/state_block.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
 
-/// What a surface wears.
-struct SurfaceSettings {
-    bool enabled = false;             ///< whether the shader works on it
-    std::optional<StateBlock> block;  ///< none: the surface never had the shader
-
-    bool operator==(const SurfaceSettings&) const = default;
-};
-
-/// Steps of the user: changes with the same gesture on the same surface are
-/// undone together. 0 is never joined with anything.
-using Gesture = std::uint64_t;
+struct SavePlan;
 
 /// A scene that is being edited: the settings of its surfaces, what was done to
 /// them and can be undone, what is saved and what is not. Holds the records that
@@ -50,6 +42,7 @@ class Document {
     /// Indices into Scene::surfaces of those that the user sees, in order.
     const std::vector<std::size_t>& surfaces() const;
     const SurfaceSettings& settings(std::size_t surface) const;
+    /// What the file holds.
     const SurfaceSettings& savedSettings(std::size_t surface) const;
 
     /// The record that panels edit, made on first use and kept in step with
@@ -62,11 +55,14 @@ class Document {
     /// The surface whose record this is; none for others.
     std::optional<std::size_t> surfaceOf(HostInstance instance) const;
 
+    /// One step. A surface that never had the shader wears a new one's settings.
     void setEnabled(std::size_t surface, bool enabled);
-    /// One step for all. Also loads the records.
+    /// One step for all, named `what` in menus. Also loads the records. Throws
+    /// SceneError for a damaged block, and then changes nothing.
     void setSettings(const std::vector<std::pair<std::size_t, SurfaceSettings>>& changes,
                      std::string what);
-    /// Lays a look (a name or file) over the surfaces. Throws SceneError.
+    /// Lays a look (a name or file) over the surfaces and turns them on: one
+    /// step. Throws SceneError.
     void wearLook(const std::string& look, const std::vector<std::size_t>& surfaces);
     /// Writes the surface's settings as a look. Throws SceneError, OutputError.
     void saveLook(std::size_t surface, const std::filesystem::path& file) const;
@@ -80,23 +76,39 @@ class Document {
     /// Changes after this are a step of their own, whatever their gesture.
     void endStep();
 
-    /// Whether settings differ from what the file holds.
+    /// Whether there is work to save: settings differ from what the file holds.
+    /// A look that merely stands in for a file without any is no work; it is
+    /// saved together with the first change.
     bool isModified() const;
+    /// Whether another program changed the file since it was read or saved.
+    /// False for one that is gone: save() says so.
+    bool changedOnDisk() const;
     /// Writes into the scene's file, whole or not at all; the changes stay
     /// unsaved when it throws OutputError or SceneError. Notices a file that
-    /// changed on disk since it was read: throws SceneError unless `overwrite`.
+    /// changed on disk since it was read: throws SceneError unless `overwrite`,
+    /// with which the settings go into the changed file, by the names of its
+    /// materials. See warnings().
     void save(bool overwrite = false);
-    /// Saves to another file of the same suffix and goes on with that.
+    /// Saves to another file of the same suffix and goes on with that. The file
+    /// that was open stays as it is.
     void saveAs(const std::filesystem::path& file);
+    /// What the last save() or recover() could not do, a line for each: surfaces
+    /// that the file has no material for, whose settings it cannot hold.
+    const std::vector<std::string>& warnings() const;
 
     /// Writes unsaved work where a later start finds it; removes the recovery
     /// file when all is saved. Cheap when nothing changed since the last call.
+    /// The file outlives the document unless it is saved or discarded.
     /// Throws OutputError.
     void writeRecovery();
-    /// Unsaved work of a session on this scene that did not end well.
+    /// Unsaved work of a session on this scene that did not end well; what open
+    /// windows of any program keep does not count.
     bool hasRecovery() const;
-    /// Takes it over as one step; throws SceneError when it is damaged.
+    /// Takes it over as one step; throws SceneError when it is damaged, and keeps
+    /// the damaged file under another name. Surfaces that the scene no longer has
+    /// are told in warnings().
     void recover();
+    /// Removes it, and what this session wrote: for unsaved work nobody wants.
     void discardRecovery();
 
     /// Heard after every change of settings(), by surface.
@@ -106,6 +118,10 @@ class Document {
 
   private:
     struct Parts;
+    void take(Step step, bool inRecords = true);
+    void show(const std::vector<SurfaceChange>& changes, bool after, bool inRecords = true);
+    void finishSave(const SavePlan& plan);
+
     std::unique_ptr<Parts> parts_;
 };
 

@@ -17,17 +17,23 @@ class Orbit {
     const Camera& camera() const { return camera_; }
     bool isAtStart() const;
 
-    /// Drags in shares of the picture's height, x to the right, y down.
+    /// Drags in shares of the picture's height, x to the right, y down: the scene
+    /// follows. Turning keeps the camera's roll and stops short of the poles.
     void turn(double x, double y);
     void pan(double x, double y);
     /// Above 1 comes nearer by that factor; a perspective camera never passes
     /// its point of interest, an orthographic one changes its half height.
     void zoom(double factor);
-    /// Aims at the middle of `box` and sees all of it.
+    /// Aims at the middle of `box` and sees all of it in a picture that is no
+    /// higher than wide. An empty box changes nothing.
     void frame(const Imath::Box3d& box);
     void reset();
 
   private:
+    Imath::V3d interest() const;
+    /// Puts the camera at its distance from there.
+    void lookAt(const Imath::V3d& interest);
+
     Camera start_;
     Camera camera_;
     double startDistance_;

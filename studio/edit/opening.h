@@ -1,0 +1,29 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "studio/app/report.h"
+#include "studio/app/requests.h"
+#include "studio/edit/records.h"
+#include "studio/edit/surface_settings.h"
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// What is on the surfaces when a scene is opened, by surface.
+struct OpenedSurfaces {
+    std::vector<SurfaceSettings> saved;  ///< what the file holds
+    std::vector<SurfaceSettings> shown;  ///< what they wear: saved, looks, changes
+    bool asked = true;  ///< what differs is the user's wish, not a look that stands in
+};
+
+/// Names of the lights that shaders of this scene may name.
+std::vector<std::string> lightNamesOf(const Scene& scene);
+
+/// Settles it as planSurfaces() does, to the bit as a record keeps it. A shader
+/// that the request leaves out is turned off. Throws what planSurfaces() throws.
+OpenedSurfaces openSurfaces(const Scene& scene, const ShadingRequest& request, Records& records,
+                            Report& report);
+
+}  // namespace tavora::studio

@@ -1,0 +1,44 @@
+#pragma once
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "studio/app/shader_class.h"
+#include "studio/edit/surface_settings.h"
+#include "studio/link/module_copy.h"
+#include "studio/link/shader.h"
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// The records that panels edit, one a surface, made on first use, on a module
+/// copy of their own. One thread.
+class Records {
+  public:
+    /// Finds and loads the module, `option` first. `scene` must outlive it.
+    /// Throws LinkError.
+    Records(const std::string& option, const Scene& scene);
+
+    const ModuleCopy& module() const { return module_; }
+    ShaderClass shaderClass() const;
+    /// Settings of a new shader, as of now: a panel may store others.
+    StateBlock defaults() const { return newShaderSettings(module_); }
+    /// What a record saves after it loaded this complete block of any version.
+    StateBlock settled(const StateBlock& block);
+
+    /// Made with these settings when it is not there yet. Throws LinkError.
+    Shader& at(std::size_t surface, const SurfaceSettings& settings);
+    /// Loads the settings into the record if it is there.
+    void show(std::size_t surface, const SurfaceSettings& settings);
+    std::optional<std::size_t> surfaceOf(HostInstance instance) const;
+
+  private:
+    const Scene* scene_;
+    ModuleCopy module_;
+    Shader scratch_;
+    std::vector<std::unique_ptr<Shader>> records_;  ///< by surface; null: not made
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,79 @@
+#include "studio/edit/recovery_text.h"
+
+#include <ctime>
+#include <fmt/chrono.h>
+#include <fmt/format.h>
+
+#include "studio/scene/json_text.h"
+#include "studio/scene/scene_error.h"
+#include "studio/scene/settings.h"
+#include "studio/scene/shader_extras.h"
+
+namespace tavora::studio {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int kVersion = 1;
+
+std::string quoted(const std::string& text) {
+    return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
+}
+
+std::string surfaceText(const std::string& name, const SurfaceSettings& settings,
+                        const std::string& server) {
+    if (!settings.block) return fmt::format("  {{\"name\": {}}}", quoted(name));
+    const std::string extras =
+        extrasWithShader({}, StoredShader{server, settings.enabled, *settings.block});
+    return fmt::format("  {{\"name\": {}, \"extras\": {}}}", quoted(name), extras);
+}
+
+SurfaceSettings settingsIn(const Json& extras, const std::string& where) {
+    std::vector<std::string> damage;
+    std::optional<StoredShader> shader = shaderFromExtras(extras, where, damage);
+    if (!shader) throw SceneError(where + ": no settings");
+    settingsOf(shader->state);  // throws for a damaged block
+    return {shader->enabled, std::move(shader->state)};
+}
+
+UnsavedWork workIn(const Json& document, const std::string& where) {
+    if (document.at("tavora") != "recovery" || document.at("version") != kVersion) {
+        throw SceneError(where + ": no recovery file of this version");
+    }
+    UnsavedWork work;
+    work.scene = document.at("scene").get<std::string>();
+    work.sceneSize = document.at("size").get<std::uintmax_t>();
+    work.sceneHash = std::stoull(document.at("hash").get<std::string>(), nullptr, 16);
+    for (const Json& entry : document.at("surfaces")) {
+        SurfaceSettings settings;
+        if (entry.contains("extras")) settings = settingsIn(entry["extras"], where);
+        work.surfaces.emplace_back(entry.at("name").get<std::string>(), std::move(settings));
+    }
+    return work;
+}
+
+}  // namespace
+
+std::string textOfUnsavedWork(const UnsavedWork& work, const std::string& server) {
+    std::string surfaces;
+    for (const auto& [name, settings] : work.surfaces) {
+        surfaces += (surfaces.empty() ? "" : ",\n") + surfaceText(name, settings, server);
+    }
+    return fmt::format(
+        "{{\"tavora\": \"recovery\", \"version\": {},\n \"scene\": {},\n \"time\": "
+        "\"{:%Y-%m-%dT%H:%M:%SZ}\",\n \"size\": {}, \"hash\": \"{:016x}\",\n \"surfaces\": "
+        "[\n{}\n]}}\n",
+        kVersion, quoted(work.scene.string()), fmt::gmtime(std::time(nullptr)), work.sceneSize,
+        work.sceneHash, surfaces);
+}
+
+UnsavedWork readUnsavedWork(std::string_view text, const std::string& where) {
+    const Json document = parseJson(text, where);
+    try {
+        return workIn(document, where);
+    } catch (const std::exception&) {
+        throw SceneError(where + ": is damaged");
+    }
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,31 @@
+#pragma once
+
+#include <filesystem>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "studio/edit/file_stamp.h"
+#include "studio/edit/surface_settings.h"
+
+namespace tavora::studio {
+
+/// Unsaved work on a scene.
+struct UnsavedWork {
+    std::filesystem::path scene;  ///< absolute
+    std::uintmax_t sceneSize = 0;
+    std::uint64_t sceneHash = 0;  ///< of the file that it belongs to
+    std::vector<std::pair<std::string, SurfaceSettings>> surfaces;  ///< by name
+
+    bool operator==(const UnsavedWork&) const = default;
+};
+
+/// A text that readUnsavedWork() reads back to the bit; it also tells the time, for people.
+std::string textOfUnsavedWork(const UnsavedWork& work, const std::string& server);
+
+/// Throws SceneError for what is damaged; `where` opens the message. Blocks are
+/// complete ones.
+UnsavedWork readUnsavedWork(std::string_view text, const std::string& where);
+
+}  // namespace tavora::studio
