@@ -13,24 +13,31 @@ Imath::V3d linear(const Sight& sight) {
 
 }  // namespace
 
-void PixelFilm::add(const Sight& sight) {
+void PixelSum::develop(int count, float rgba[4]) const {
+    const Imath::V3d average = color / count;
+    rgba[0] = static_cast<float>(average.x);
+    rgba[1] = static_cast<float>(average.y);
+    rgba[2] = static_cast<float>(average.z);
+    rgba[3] = static_cast<float>(alpha / count);
+}
+
+void LightMeter::add(const Sight& sight, PixelSum& sum) {
     if (sight.color != last_.color || sight.alpha != last_.alpha) {
         last_ = sight;
         lastLinear_ = linear(sight);
     }
-    color_ += lastLinear_;
-    alpha_ += sight.alpha;
+    sum.color += lastLinear_;
+    sum.alpha += sight.alpha;
+}
+
+void PixelFilm::add(const Sight& sight) {
+    meter_.add(sight, sum_);
     ++count_;
 }
 
 void PixelFilm::develop(float rgba[4]) {
-    const Imath::V3d color = color_ / count_;
-    rgba[0] = static_cast<float>(color.x);
-    rgba[1] = static_cast<float>(color.y);
-    rgba[2] = static_cast<float>(color.z);
-    rgba[3] = static_cast<float>(alpha_ / count_);
-    color_ = Imath::V3d(0);
-    alpha_ = 0;
+    sum_.develop(count_, rgba);
+    sum_ = {};
     count_ = 0;
 }
 

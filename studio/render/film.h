@@ -6,6 +6,26 @@
 
 namespace tavora::studio {
 
+/// Samples of a pixel, summed in linear light, in the order in which they come.
+struct PixelSum {
+    Imath::V3d color{0, 0, 0};  ///< scene-linear, premultiplied
+    double alpha = 0;
+
+    /// Writes the average of `count` samples: scene-linear RGB, premultiplied,
+    /// and alpha.
+    void develop(int count, float rgba[4]) const;
+};
+
+/// Adds samples to sums. One thread at a time.
+class LightMeter {
+  public:
+    void add(const Sight& sight, PixelSum& sum);
+
+  private:
+    Sight last_;  ///< neighbouring samples often see the same
+    Imath::V3d lastLinear_{0, 0, 0};
+};
+
 /// Gathers the samples of a pixel: averages them in linear light.
 class PixelFilm {
   public:
@@ -16,11 +36,9 @@ class PixelFilm {
     void develop(float rgba[4]);
 
   private:
-    Imath::V3d color_{0, 0, 0};
-    double alpha_ = 0;
+    PixelSum sum_;
     int count_ = 0;
-    Sight last_;  ///< neighbouring samples often see the same
-    Imath::V3d lastLinear_{0, 0, 0};
+    LightMeter meter_;
 };
 
 }  // namespace tavora::studio

@@ -1,6 +1,7 @@
 #include "studio/render/lane_shaders.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "studio/services/registry.h"
 
@@ -12,36 +13,62 @@ constexpr int kRenderMode = 0;
 constexpr int kFrame = 0;
 constexpr double kSeconds = 0;
 
+std::vector<SurfaceChange> allOf(const std::vector<SurfaceShading>& shading) {
+    std::vector<SurfaceChange> changes;
+    for (std::size_t surface = 0; surface < shading.size(); ++surface)
+        changes.push_back({surface, &shading[surface]});
+    return changes;
+}
+
 }  // namespace
+
+LaneShaders::LaneShaders(const SceneIndex& scene, std::filesystem::path module)
+    : scene_(&scene),
+      file_(std::move(module)),
+      shaders_(scene.scene().surfaces.size()),
+      active_(scene.scene().surfaces.size()) {}
 
 LaneShaders::LaneShaders(const SceneIndex& scene, const std::vector<SurfaceShading>& shading,
                          const std::filesystem::path& module)
-    : active_(shading.size()) {
-    const bool any = std::any_of(shading.begin(), shading.end(),
-                                 [](const SurfaceShading& one) { return one.shader.has_value(); });
-    if (any) make(scene, shading, module);
+    : LaneShaders(scene, module) {
+    change(allOf(shading));
 }
 
 LaneShaders::~LaneShaders() {
-    for (Shader& shader : shaders_)
-        shader.endPass();
+    endPass();
 }
 
-void LaneShaders::make(const SceneIndex& scene, const std::vector<SurfaceShading>& shading,
-                       const std::filesystem::path& module) {
-    module_.emplace(module, findService);
-    shaders_.reserve(shading.size());
-    for (std::size_t surface = 0; surface < shading.size(); ++surface) {
-        if (!shading[surface].shader) continue;
-        Shader& shader = shaders_.emplace_back(*module_, scene.surfaceId(surface));
-        shader.load(*shading[surface].shader);
-        active_[surface].shader = &shader;
+void LaneShaders::change(std::span<const SurfaceChange> changes) {
+    endPass();
+    for (const SurfaceChange& change : changes)
+        put(change);
+    beginPass();
+}
+
+void LaneShaders::put(const SurfaceChange& change) {
+    std::optional<Shader>& shader = shaders_[change.surface];
+    if (!change.shading->shader) return shader.reset();
+    if (!module_) module_.emplace(file_, findService);
+    if (!shader) shader.emplace(*module_, scene_->surfaceId(change.surface));
+    shader->load(*change.shading->shader);
+}
+
+void LaneShaders::beginPass() {
+    for (std::size_t surface = 0; surface < shaders_.size(); ++surface) {
+        if (!shaders_[surface]) continue;
+        shaders_[surface]->beginPass(kRenderMode, kFrame, kSeconds);
+        active_[surface].shader = &*shaders_[surface];
     }
-    for (Shader& shader : shaders_)
-        shader.beginPass(kRenderMode, kFrame, kSeconds);
     for (ActiveShader& active : active_) {
         if (active.shader != nullptr) active.flags = active.shader->flags();
     }
+}
+
+void LaneShaders::endPass() {
+    for (const ActiveShader& active : active_) {
+        if (active.shader != nullptr) active.shader->endPass();
+    }
+    std::fill(active_.begin(), active_.end(), ActiveShader{});
 }
 
 }  // namespace tavora::studio

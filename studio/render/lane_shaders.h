@@ -1,8 +1,8 @@
 #pragma once
 
 #include <filesystem>
-#include <memory>
 #include <optional>
+#include <span>
 #include <vector>
 
 #include "studio/link/module_copy.h"
@@ -18,11 +18,20 @@ struct ActiveShader {
     unsigned flags = 0;        ///< HOST_SHADER_... bits
 };
 
+/// What is on a surface from now on. `shading` belongs to the caller.
+struct SurfaceChange {
+    std::size_t surface = 0;
+    const SurfaceShading* shading = nullptr;
+};
+
 /// One render thread's own copy of the module and its shaders, from the start
 /// of a pass to its end. The thread's ServiceBinding must be in place where it
 /// is made and used. One thread at a time.
 class LaneShaders {
   public:
+    /// All surfaces plain; the module is loaded when the first one is not.
+    /// `scene` must outlive it.
+    LaneShaders(const SceneIndex& scene, std::filesystem::path module);
     /// `shading` has one entry a surface. Throws LinkError.
     LaneShaders(const SceneIndex& scene, const std::vector<SurfaceShading>& shading,
                 const std::filesystem::path& module);
@@ -31,15 +40,22 @@ class LaneShaders {
     LaneShaders(const LaneShaders&) = delete;
     LaneShaders& operator=(const LaneShaders&) = delete;
 
+    /// Ends the pass, loads the settings of those surfaces alone, begins a pass.
+    /// Throws LinkError and std::bad_alloc; it can then only be destroyed.
+    void change(std::span<const SurfaceChange> changes);
+
     ActiveShader of(int surface) const { return active_[static_cast<std::size_t>(surface)]; }
 
   private:
-    void make(const SceneIndex& scene, const std::vector<SurfaceShading>& shading,
-              const std::filesystem::path& module);
+    void put(const SurfaceChange& change);
+    void beginPass();
+    void endPass();
 
+    const SceneIndex* scene_;
+    std::filesystem::path file_;
     std::optional<ModuleCopy> module_;
-    std::vector<Shader> shaders_;       ///< after `module_`: they go first
-    std::vector<ActiveShader> active_;  ///< by surface
+    std::vector<std::optional<Shader>> shaders_;  ///< by surface; after `module_`: they go first
+    std::vector<ActiveShader> active_;            ///< by surface
 };
 
 }  // namespace tavora::studio

@@ -1,6 +1,5 @@
 #include "studio/render/png_encode.h"
 
-#include <cmath>
 #include <csetjmp>
 #include <cstdint>
 #include <new>
@@ -8,7 +7,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "studio/scene/color.h"
+#include "studio/render/display_levels.h"
 
 namespace tavora::studio {
 namespace {
@@ -20,13 +19,6 @@ struct Layout {
     std::size_t pixelBytes() const { return static_cast<std::size_t>(channels * bits / 8); }
 };
 
-// `value` in 0..1; what is no number counts as 0.
-unsigned quantized(double value, int bits) {
-    const double top = bits == 8 ? 255 : 65535;
-    if (!(value > 0)) return 0;
-    return static_cast<unsigned>(std::floor(std::min(value, 1.0) * top + 0.5));
-}
-
 std::uint8_t* put(std::uint8_t* to, unsigned value, int bits) {
     if (bits == 16) *to++ = static_cast<std::uint8_t>(value >> 8);
     *to++ = static_cast<std::uint8_t>(value & 0xffU);
@@ -34,14 +26,10 @@ std::uint8_t* put(std::uint8_t* to, unsigned value, int bits) {
 }
 
 void putPixel(std::uint8_t* to, const float* rgba, const Layout& layout) {
-    const bool alpha = layout.channels == 4;
-    const double coverage = rgba[3];
-    for (int i = 0; i < 3; ++i) {
-        const double linear = alpha ? rgba[i] / coverage : static_cast<double>(rgba[i]);
-        const bool seen = !alpha || coverage > 0;
-        to = put(to, quantized(seen ? toEncoded(linear) : 0, layout.bits), layout.bits);
-    }
-    if (alpha) put(to, quantized(coverage, layout.bits), layout.bits);
+    unsigned levels[4];
+    displayLevels(rgba, layout.channels == 4, layout.bits == 8 ? 255 : 65535, levels);
+    for (int i = 0; i < layout.channels; ++i)
+        to = put(to, levels[i], layout.bits);
 }
 
 std::vector<std::uint8_t> quantizedPixels(const Picture& picture, const Layout& layout) {

@@ -81,8 +81,13 @@ bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
     return true;
 }
 
-bool SampleShader::findVisible(Level& level, HitKey after, OwnColor& own) const {
-    while (scene_->nextHit(level.ray, after, level.hit)) {
+bool SampleShader::nextHit(Level& level, const HitKey& after) {
+    ++viewingRays_;
+    return scene_->nextHit(level.ray, after, level.hit);
+}
+
+bool SampleShader::findVisible(Level& level, HitKey after, OwnColor& own) {
+    while (nextHit(level, after)) {
         level.point = surfacePoint(*scene_, level.ray, level.hit);
         const int surface = level.point.geometry->source->surfaceIndex;
         own = ownColor(scene_->index(), scene_->traits(surface), level.point.texturePlace());
@@ -95,6 +100,7 @@ bool SampleShader::findVisible(Level& level, HitKey after, OwnColor& own) const 
 Appearance SampleShader::shade(Level& level, const Viewpoint& from, const OwnColor& own,
                                HostSample& record) {
     const int surface = level.point.geometry->source->surfaceIndex;
+    shaded_.add(static_cast<std::size_t>(surface));
     const SurfaceTraits& traits = scene_->traits(surface);
     const ActiveShader active = shaders_->of(surface);
     const double specular = active.shader != nullptr ? traits.specular : 0;

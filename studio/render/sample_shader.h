@@ -3,12 +3,14 @@
 #include <ImathVec.h>
 #include <cstdint>
 #include <memory>
+#include <utility>
 #include <vector>
 
 #include "host/sample.h"
 #include "studio/render/lane_shaders.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_record.h"
+#include "studio/render/surface_set.h"
 #include "studio/render/surface_traits.h"
 #include "studio/scene/light_levels.h"
 
@@ -40,13 +42,19 @@ class SampleShader {
     /// False when there is none.
     bool shadeNext(const Ray& ray, const HitKey& after, HitKey& hit, Appearance& appearance);
 
+    /// The surfaces shaded since the last call, those that shaders' rays met
+    /// included: what was shaded depends on the settings of no others.
+    SurfaceSet takeShaded() { return std::exchange(shaded_, {}); }
+
     std::uint64_t evaluations() const { return evaluations_; }
+    std::uint64_t viewingRays() const { return viewingRays_; }  ///< and those that shaders traced
     std::uint64_t shadowRays() const;
 
   private:
     struct Level;
 
-    bool findVisible(Level& level, HitKey after, OwnColor& own) const;
+    bool nextHit(Level& level, const HitKey& after);
+    bool findVisible(Level& level, HitKey after, OwnColor& own);
     Appearance shade(Level& level, const Viewpoint& from, const OwnColor& own, HostSample& record);
     void evaluate(Level& level, const ActiveShader& active, HostSample& record);
 
@@ -63,7 +71,9 @@ class SampleShader {
     const LaneShaders* shaders_;
     std::vector<std::unique_ptr<Level>> levels_;  ///< the camera's sample, then nested ones
     std::size_t depth_ = 0;                       ///< of the sample being shaded
+    SurfaceSet shaded_;
     std::uint64_t evaluations_ = 0;
+    std::uint64_t viewingRays_ = 0;
 };
 
 }  // namespace tavora::studio

@@ -1,0 +1,11 @@
+#pragma once
+
+namespace tavora::studio {
+
+/// A pixel as files and displays take it: sRGB-encoded, in whole steps
+/// 0..`top`. `rgba` is scene-linear, premultiplied. With `alpha` the colour is
+/// not premultiplied, and black where nothing covers; without, it stays as it
+/// is and levels[3] is untouched. What is no number counts as 0.
+void displayLevels(const float rgba[4], bool alpha, unsigned top, unsigned levels[4]);
+
+}  // namespace tavora::studio

@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "studio/render/film.h"
+#include "studio/render/live_picture.h"
+#include "studio/render/picture.h"
+#include "studio/render/surface_set.h"
+
+namespace tavora::studio {
+
+/// A pixel at work: its first `count` samples, summed.
+struct LivePixel {
+    PixelSum sum;
+    SurfaceSet shaded;  ///< surfaces whose shading went into `sum`
+    int count = 0;
+};
+
+/// The pixels of a live picture, in tiles. Any number of threads may work on
+/// it, each on tiles of its own.
+class LiveCanvas {
+  public:
+    /// Throws std::bad_alloc.
+    LiveCanvas(int width, int height);
+
+    int width() const { return width_; }
+    int height() const { return height_; }
+    std::size_t bytes() const { return pixels_.size() * (sizeof(LivePixel) + 4); }
+    const std::vector<PixelBox>& tiles() const { return tiles_; }
+
+    LivePixel& pixel(int x, int y) { return pixels_[place(x, y)]; }
+    /// What a pixel shows, 4 bytes as in LiveFrame.
+    std::uint8_t* shown(int x, int y) { return &shown_[place(x, y) * 4]; }
+
+    std::size_t pixels() const { return pixels_.size(); }
+
+    struct Tally {
+        std::uint64_t samples = 0;
+        std::uint64_t emptyPixels = 0;
+    };
+    /// Empties the pixels of a tile into which the shading of `surfaces` went.
+    /// Returns what the tile then holds.
+    Tally empty(const PixelBox& tile, SurfaceSet surfaces);
+    /// Empties all pixels.
+    void clear();
+
+    /// The picture as it stands. Pixels without a sample show the upper left
+    /// one of their block of `coarseness` x `coarseness`. No thread may work on
+    /// the canvas meanwhile.
+    LiveFrame frame(int coarseness) const;
+
+  private:
+    std::size_t place(int x, int y) const {
+        return static_cast<std::size_t>(y) * static_cast<std::size_t>(width_) +
+               static_cast<std::size_t>(x);
+    }
+
+    int width_;
+    int height_;
+    std::vector<PixelBox> tiles_;
+    std::vector<LivePixel> pixels_;
+    std::vector<std::uint8_t> shown_;
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,87 @@
+#include "studio/render/live_lane.h"
+
+#include "studio/render/display_levels.h"
+#include "studio/render/sight.h"
+#include "studio/services/messages.h"
+#include "studio/services/service_binding.h"
+
+namespace tavora::studio {
+
+LiveLane::LiveLane(const RayScene& scene, const std::filesystem::path& module, bool speaks)
+    : scene_(&scene), speaks_(speaks), shaders_(scene.index(), module) {
+    const auto plain = std::make_shared<const SurfaceShading>();
+    worn_.assign(scene.index().scene().surfaces.size(), plain);
+}
+
+SurfaceSet LiveLane::adopt(const LiveWish& wish) {
+    const ServiceBinding binding(scene_->index(), *wish.lights);
+    std::optional<QuietMessages> quiet;
+    if (!speaks_) quiet.emplace();
+    SurfaceSet changed;
+    const std::vector<SurfaceChange> changes = changesIn(wish);
+    for (const SurfaceChange& change : changes)
+        changed.add(change.surface);
+    if (!changes.empty()) shaders_.change(changes);
+    worn_ = wish.shading;
+    if (wish.lights != lights_) {
+        tracedBefore_ = tracedRays();
+        evaluationsBefore_ = evaluations();
+        shader_.emplace(*scene_, *wish.lights, shaders_);
+        lights_ = wish.lights;
+    }
+    return changed;
+}
+
+std::vector<SurfaceChange> LiveLane::changesIn(const LiveWish& wish) const {
+    std::vector<SurfaceChange> changes;
+    for (std::size_t surface = 0; surface < worn_.size(); ++surface) {
+        const auto& wished = wish.shading[surface];
+        const bool same = wished == worn_[surface] || wished->shader == worn_[surface]->shader;
+        if (!same) changes.push_back({surface, wished.get()});
+    }
+    return changes;
+}
+
+std::uint64_t LiveLane::renderTile(const PixelBox& tile, const LivePass& pass, const LiveShot& shot,
+                                   const std::function<bool()>& overtaken, LiveCanvas& canvas) {
+    const ServiceBinding binding(scene_->index(), *lights_);
+    std::uint64_t samples = 0;
+    for (int y = tile.top; y < tile.bottom && !overtaken(); y += pass.step) {
+        for (int x = tile.left; x < tile.right; x += pass.step) {
+            LivePixel& pixel = canvas.pixel(x, y);
+            if (pixel.count >= pass.target) continue;
+            samples += static_cast<std::uint64_t>(pass.target - pixel.count);
+            refine(x, y, pass.target, shot, pixel);
+            show(pixel, canvas.shown(x, y));
+        }
+    }
+    return samples;
+}
+
+void LiveLane::refine(int x, int y, int target, const LiveShot& shot, LivePixel& pixel) {
+    for (; pixel.count < target; ++pixel.count) {
+        const Imath::V2d& place = shot.pattern[static_cast<std::size_t>(pixel.count)];
+        const Ray ray = shot.view.rayThrough(x + place.x, y + place.y);
+        meter_.add(see(*shader_, ray, shot.background), pixel.sum);
+        pixel.shaded.add(shader_->takeShaded());
+    }
+}
+
+std::uint64_t LiveLane::tracedRays() const {
+    return tracedBefore_ + (shader_ ? shader_->viewingRays() + shader_->shadowRays() : 0);
+}
+
+std::uint64_t LiveLane::evaluations() const {
+    return evaluationsBefore_ + (shader_ ? shader_->evaluations() : 0);
+}
+
+void LiveLane::show(const LivePixel& pixel, std::uint8_t* bytes) {
+    float rgba[4];
+    pixel.sum.develop(pixel.count, rgba);
+    unsigned levels[4];
+    displayLevels(rgba, true, 255, levels);
+    for (int i = 0; i < 4; ++i)
+        bytes[i] = static_cast<std::uint8_t>(levels[i]);
+}
+
+}  // namespace tavora::studio
