@@ -1,23 +1,50 @@
 #include "studio/panels/panels.h"
 
-#include <QWidget>
+#include <QTabBar>
+#include <utility>
+
+#include "studio/panels/host_tables.h"
 
 namespace tavora::studio {
 
-struct Panels::Parts {};
+struct Panels::Parts {
+    PanelWorld world;
+};
 
-Panels::Panels(QWidget* /*window*/, PanelHooks /*hooks*/) : parts_(std::make_unique<Parts>()) {}
-
-Panels::~Panels() = default;
-
-QWidget* Panels::openPanel() const {
-    return nullptr;
+Panels::Panels(QWidget* window, PanelHooks hooks) : parts_(std::make_unique<Parts>()) {
+    parts_->world.hooks = std::move(hooks);
+    parts_->world.window = window;
+    setPanelWorld(&parts_->world);
+    offerWindowServices(panelServices());
 }
 
-void Panels::close(bool /*confirm*/) {}
+Panels::~Panels() {
+    offerWindowServices({});
+    setPanelWorld(nullptr);
+    for (const auto& [id, panel] : parts_->world.panels.all())
+        panel->retire();
+}
 
-bool selectTab(QWidget& /*panel*/, int /*tab*/) {
-    return false;
+QWidget* Panels::openPanel() const {
+    const auto& open = parts_->world.open;
+    return open.empty() ? nullptr : open.back().data();
+}
+
+void Panels::close(bool confirm) {
+    const int result = confirm ? QDialog::Accepted : QDialog::Rejected;
+    if (parts_->world.picker != nullptr) parts_->world.picker->done(result);
+    const auto open = parts_->world.open;  // closing may change it
+    for (auto panel = open.rbegin(); panel != open.rend(); ++panel) {
+        if (panel->isNull()) continue;
+        confirm ? (*panel)->accept() : (*panel)->reject();
+    }
+}
+
+bool selectTab(QWidget& panel, int tab) {
+    auto* tabs = panel.findChild<QTabBar*>();
+    if (tabs == nullptr || tabs->isHidden() || tab < 0 || tab >= tabs->count()) return false;
+    tabs->setCurrentIndex(tab);
+    return true;
 }
 
 }  // namespace tavora::studio

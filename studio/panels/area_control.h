@@ -1,0 +1,49 @@
+#pragma once
+
+#include "studio/panels/control.h"
+
+namespace tavora::studio {
+
+/// A transparent place to press, by mouse, or by a caret that the arrow keys
+/// move.
+class AreaWidget : public QWidget {
+    Q_OBJECT
+  public:
+    explicit AreaWidget(QWidget* parent);
+
+    /// Of the last press, from the upper left corner.
+    QPoint mouse() const { return mouse_; }
+    /// How far the caret goes; 0: there is nothing to choose from.
+    void setReach(int reach) { reach_ = reach; }
+
+  signals:
+    void pressed();
+
+  protected:
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
+    void keyPressEvent(QKeyEvent* event) override;
+    void paintEvent(QPaintEvent* event) override;
+
+  private:
+    void press(QPoint mouse);
+    void moveCaret(int distance);
+
+    QPoint mouse_;
+    int caret_ = -1;  ///< -1: not yet moved
+    int reach_ = 0;
+};
+
+/// "AreaControl": fires once a press and reports where.
+class AreaControl : public PanelControl {
+  public:
+    explicit AreaControl(const ControlSeed& seed);
+
+  protected:
+    QPoint mouse() const override { return area_->mouse(); }
+
+  private:
+    AreaWidget* area_;
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,80 @@
+#pragma once
+
+#include <QStringList>
+
+#include "studio/panels/control.h"
+
+class QButtonGroup;
+class QComboBox;
+class QTabBar;
+
+namespace tavora::studio {
+
+/// One of several texts. The value is what the module gave until the user
+/// chooses, also where no item has that number.
+class OneOfControl : public PanelControl {
+  public:
+    using PanelControl::PanelControl;
+
+  protected:
+    ControlValue value() const override { return chosen_; }
+    void show(const ControlValue& value) override;
+    virtual void showItem(int item) = 0;
+    /// The user chose an item: fires when it is another.
+    void choose(int item);
+    int chosen() const { return chosen_; }
+
+  private:
+    int chosen_ = 0;
+};
+
+/// "PopupControl".
+class PopupControl : public OneOfControl {
+  public:
+    explicit PopupControl(const ControlSeed& seed);
+
+  protected:
+    void showItem(int item) override;
+
+  private:
+    QComboBox* list_;
+};
+
+/// "ChoiceControl": buttons in a row, of which one is down.
+class ChoiceControl : public OneOfControl {
+  public:
+    explicit ChoiceControl(const ControlSeed& seed);
+
+    std::vector<QWidget*> focusWidgets() const override;
+
+  protected:
+    void showItem(int item) override;
+
+  private:
+    QButtonGroup* group_;
+};
+
+/// "TabChoiceControl": tabs that stand on a frame which the module draws.
+class TabChoiceControl : public OneOfControl {
+  public:
+    explicit TabChoiceControl(const ControlSeed& seed);
+
+    void place(const LayoutItem& item) override;
+
+  protected:
+    void showItem(int item) override;
+
+  private:
+    QTabBar* tabs_;
+};
+
+/// "BoolControl": the value counts as checked unless it is 0.
+class BoolControl : public OneOfControl {
+  public:
+    explicit BoolControl(const ControlSeed& seed);
+
+  protected:
+    void showItem(int item) override;
+};
+
+}  // namespace tavora::studio

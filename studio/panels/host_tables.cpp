@@ -1,0 +1,131 @@
+#include "studio/panels/host_tables.h"
+
+#include <QScreen>
+
+#include "studio/panels/color_dialog.h"
+#include "studio/panels/display.h"
+
+namespace tavora::studio {
+namespace {
+
+PanelWorld* world = nullptr;
+
+PanelDialog* panelOf(HostPanelId id) {
+    return world != nullptr ? world->panels.find(id) : nullptr;
+}
+
+PanelControl* controlOf(HostControlId id) {
+    return world != nullptr ? world->controls.find(id) : nullptr;
+}
+
+HostPanelId createPanel(const char* title, void* data) {
+    if (world == nullptr) return nullptr;
+    const HostPanelId id = world->panels.next();
+    auto* panel = new PanelDialog(id, QString::fromUtf8(title), data, world->top());
+    world->panels.add(id, *panel);
+    return id;
+}
+
+void destroyPanel(HostPanelId id) {
+    PanelDialog* panel = panelOf(id);
+    if (panel == nullptr) return;
+    for (const PanelControl* control : panel->controls())
+        world->controls.remove(control->id());
+    world->panels.remove(id);
+    panel->retire();
+}
+
+int openPanel(HostPanelId id, int mode) {
+    PanelDialog* panel = panelOf(id);
+    if (panel == nullptr || panel->isOpen()) return 0;
+    world->open.emplace_back(panel);
+    const bool confirmed = panel->run(mode, world->hooks);
+    if (world != nullptr) world->open.pop_back();
+    return confirmed ? 1 : 0;
+}
+
+HostControlId addControl(HostPanelId id, const char* controlClass,
+                         const HostControlDescription* description, const char* label) {
+    PanelDialog* panel = panelOf(id);
+    const ControlClass* type = controlClass != nullptr ? findControlClass(controlClass) : nullptr;
+    if (panel == nullptr || type == nullptr) return nullptr;
+    const HostControlDescription none{};
+    const HostControlId control = world->controls.next();
+    world->controls.add(control,
+                        panel->add(control, *type, description != nullptr ? *description : none,
+                                   QString::fromUtf8(label)));
+    return control;
+}
+
+void setControl(HostControlId id, HostControlAttribute attribute, const HostValue* value) {
+    if (PanelControl* control = controlOf(id)) control->set(attribute, value);
+}
+
+void getControl(HostControlId id, HostControlAttribute attribute, HostValue* value) {
+    if (const PanelControl* control = controlOf(id)) control->get(attribute, value);
+}
+
+void drawControl(HostControlId id, int mode) {
+    if (PanelControl* control = controlOf(id)) control->draw(mode);
+}
+
+void setPanel(HostPanelId id, HostPanelAttribute attribute, int value) {
+    if (PanelDialog* panel = panelOf(id)) panel->set(attribute, value);
+}
+
+void setPanelDraw(HostPanelId id, HostPanelDraw* draw) {
+    if (PanelDialog* panel = panelOf(id)) panel->setDraw(draw);
+}
+
+void setPanelUserData(HostPanelId id, void* userData) {
+    if (PanelDialog* panel = panelOf(id)) panel->setUserData(userData);
+}
+
+void drawPixel(HostPanelId id, int red, int green, int blue, int x, int y) {
+    if (PanelDialog* panel = panelOf(id)) panel->canvas().setPixel(red, green, blue, x, y);
+}
+
+void drawBorder(HostPanelId id, int indent, int x, int y, int width, int height) {
+    if (PanelDialog* panel = panelOf(id)) panel->canvas().addBorder(indent, x, y, width, height);
+}
+
+void drawText(HostPanelId id, const char* text, int colorIndex, int x, int y) {
+    PanelDialog* panel = panelOf(id);
+    if (panel != nullptr) panel->canvas().addText(QString::fromUtf8(text), colorIndex, x, y);
+}
+
+void displaySize(int* width, int* height) {
+    const QWidget* window = world != nullptr ? world->window.data() : nullptr;
+    const QScreen& screen = window != nullptr ? *window->screen() : panelScreen();
+    if (width != nullptr) *width = screen.availableGeometry().width();
+    if (height != nullptr) *height = screen.availableGeometry().height();
+}
+
+int runColorPicker(int version, HostColorPick* request) {
+    if (world == nullptr || request == nullptr || version != HOST_COLOR_PICKER_VERSION) return 1;
+    // Nothing may be shown, or a colour is being picked already.
+    if (world->hooks.insteadOfShowing || world->picker != nullptr) return 1;
+    return pickColor(*request, world->top(), world->picker);
+}
+
+constexpr HostDrawFunctions drawFunctions = {drawPixel, drawBorder, drawText, displaySize};
+constexpr HostPanelServices panelTable = {createPanel,  destroyPanel,     openPanel,     addControl,
+                                          setControl,   getControl,       drawControl,   setPanel,
+                                          setPanelDraw, setPanelUserData, &drawFunctions};
+constexpr HostRasterServices rasterTable = {nullptr};
+
+}  // namespace
+
+QWidget* PanelWorld::top() const {
+    return open.empty() ? window.data() : static_cast<QWidget*>(open.back().data());
+}
+
+WindowServices panelServices() {
+    return {&panelTable, &rasterTable, runColorPicker};
+}
+
+void setPanelWorld(PanelWorld* newWorld) {
+    world = newWorld;
+}
+
+}  // namespace tavora::studio

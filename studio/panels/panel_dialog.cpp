@@ -1,0 +1,267 @@
+#include "studio/panels/panel_dialog.h"
+
+#include <QDialogButtonBox>
+#include <QEvent>
+#include <QEventLoop>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QTabBar>
+#include <QVBoxLayout>
+#include <algorithm>
+
+#include "studio/panels/display.h"
+#include "studio/panels/focus_order.h"
+#include "studio/panels/number_field.h"
+#include "studio/panels/panel_font.h"
+#include "studio/panels/tips.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr int kMargin = 10;
+
+}  // namespace
+
+PanelDialog::PanelDialog(HostPanelId id, const QString& title, void* userData, QWidget* parent)
+    : QDialog(parent),
+      id_(id),
+      canvas_(new PanelCanvas(this)),
+      buttons_(new QDialogButtonBox(this)),
+      userData_(userData) {
+    setWindowTitle(title);
+    canvas_->setFont(panelFont());
+    auto* lines = new QVBoxLayout(this);
+    lines->setContentsMargins(0, 0, 0, 0);
+    lines->setSpacing(0);
+    lines->setSizeConstraint(QLayout::SetFixedSize);
+    lines->addWidget(canvas_);
+    buttons_->setContentsMargins(kMargin, 0, kMargin, kMargin);
+    lines->addWidget(buttons_);
+    connect(buttons_, &QDialogButtonBox::accepted, this, &QDialog::accept);
+    connect(buttons_, &QDialogButtonBox::rejected, this, &QDialog::reject);
+}
+
+PanelControl& PanelDialog::add(HostControlId id, const ControlClass& type,
+                               const HostControlDescription& description, const QString& label) {
+    PanelControl* control = type.make({id, label.trimmed(), description, canvas_});
+    controls_.push_back(control);
+    const QString name = nameFor(type, *control);
+    control->setObjectName(name);
+    control->field().setObjectName(name);
+    const ControlTip tip = tipFor(windowTitle(), name);
+    control->setTip(tip.name.isEmpty() ? control->label() : tip.name, tip.text);
+    connect(control, &PanelControl::changedPlace, this, &PanelDialog::settleLater);
+    connect(control, &PanelControl::handled, this, &PanelDialog::settle);
+    connect(control, &PanelControl::drawn, this,
+            [this, control](int mode) { controlDrawn(*control, mode); });
+    settleLater();
+    return *control;
+}
+
+/// "Label.class", and from the second of that name on ".2", ".3"; by the class
+/// alone where there is neither label nor text.
+QString PanelDialog::nameFor(const ControlClass& type, const PanelControl& control) const {
+    QString base = control.label().isEmpty() ? control.ownText() : control.label();
+    while (base.endsWith(QLatin1Char('.')) || base.endsWith(QLatin1Char(':')))
+        base.chop(1);
+    base += (base.isEmpty() ? QString() : QStringLiteral(".")) + QLatin1String(type.shortName);
+    QString name = base;
+    const auto taken = [&](const PanelControl* other) { return other->objectName() == name; };
+    for (int number = 2; std::ranges::any_of(controls_, taken); ++number)
+        name = QStringLiteral("%1.%2").arg(base).arg(number);
+    return name;
+}
+
+void PanelDialog::set(HostPanelAttribute attribute, int value) {
+    switch (attribute) {
+        case HOST_PANEL_WIDTH:
+            return asked_.setWidth(value);
+        case HOST_PANEL_HEIGHT:
+            return asked_.setHeight(value);
+        case HOST_PANEL_X:
+            x_ = value;
+            return;
+        case HOST_PANEL_Y:
+            y_ = value;
+            return;
+    }
+}
+
+bool PanelDialog::run(int mode, const PanelHooks& hooks) {
+    if (isOpen() || retired_) return false;
+    const QPointer<PanelDialog> self(this);
+    setResult(Rejected);
+    addButtons(mode);
+    drawAll();
+    fit();
+    settle();
+    if (hooks.insteadOfShowing) {
+        hooks.insteadOfShowing(*this);
+        return false;
+    }
+    QEventLoop loop;
+    loop_ = &loop;
+    place();
+    show();
+    focusFirst();
+    if (hooks.opened) hooks.opened(*this);
+    // The hook may have closed it, or destroyed it.
+    if (!self.isNull() && isOpen() && isVisible()) loop.exec();
+    if (self.isNull()) return false;
+    loop_ = nullptr;
+    // The program ends, with the panel open.
+    if (isVisible()) done(Rejected);
+    if (hooks.closed) hooks.closed(*this);
+    return !self.isNull() && result() == Accepted;
+}
+
+void PanelDialog::addButtons(int mode) {
+    buttons_->setStandardButtons((mode & HOST_PANEL_CANCEL) != 0
+                                     ? QDialogButtonBox::Ok | QDialogButtonBox::Cancel
+                                     : QDialogButtonBox::Close);
+    for (QAbstractButton* button : buttons_->buttons())
+        static_cast<QPushButton*>(button)->setAutoDefault(false);
+    for (const auto standard : {QDialogButtonBox::Ok, QDialogButtonBox::Close}) {
+        if (QPushButton* button = buttons_->button(standard)) button->setDefault(true);
+    }
+}
+
+/// As large as asked for, and as every control needs, the erased ones as well.
+void PanelDialog::fit() {
+    std::vector<LayoutItem> items;
+    for (const PanelControl* control : controls_) {
+        items.push_back(control->layoutItem());
+        items.back().visible = true;
+    }
+    layOut(items);
+    QRect all = canvas_->drawing().bounds();
+    for (const LayoutItem& item : items)
+        all |= item.fieldRect | item.labelRect;
+    canvas_->setFixedSize(std::max(asked_.width(), all.right() + 1 + kMargin),
+                          std::max(asked_.height(), all.bottom() + 1 + kMargin));
+    layout()->activate();
+    adjustSize();
+}
+
+/// Where the module asked for, about the same centre when the panel grew.
+void PanelDialog::place() {
+    const bool overPanel = qobject_cast<PanelDialog*>(parentWidget()) != nullptr;
+    setWindowModality(overPanel || parentWidget() == nullptr ? Qt::WindowModal : Qt::NonModal);
+    if (!x_ || !y_) return;
+    const QRect screen = panelScreen(*this).availableGeometry();
+    const QSize own = frameSize();
+    const QSize asked = asked_.isEmpty() ? own : asked_;
+    const QPoint wanted = screen.topLeft() + QPoint(*x_ + (asked.width() - own.width()) / 2,
+                                                    *y_ + (asked.height() - own.height()) / 2);
+    const QPoint last = screen.bottomRight() - QPoint(own.width(), own.height());
+    move(std::max(std::min(wanted.x(), last.x()), screen.left()),
+         std::max(std::min(wanted.y(), last.y()), screen.top()));
+}
+
+void PanelDialog::drawAll() {
+    if (draw_ == nullptr) return;
+    canvas_->clearAll();
+    draw_(id_, userData_);
+}
+
+void PanelDialog::drawLater() {
+    if (std::exchange(drawWaits_, true)) return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            drawWaits_ = false;
+            drawAll();
+        },
+        Qt::QueuedConnection);
+}
+
+void PanelDialog::changeEvent(QEvent* event) {
+    QDialog::changeEvent(event);
+    const auto type = event->type();
+    if (type == QEvent::PaletteChange || type == QEvent::StyleChange) drawLater();
+}
+
+void PanelDialog::controlDrawn(const PanelControl& control, int mode) {
+    settleLater();
+    if (mode == HOST_DRAW_GHOST || control.layoutItem().kind != LayoutKind::Area) return;
+    canvas_->clear(QRect(control.layoutItem().at, control.layoutItem().field));
+}
+
+void PanelDialog::settleLater() {
+    unsettled_ = true;
+    if (std::exchange(settleWaits_, true)) return;
+    QMetaObject::invokeMethod(
+        this,
+        [this] {
+            settleWaits_ = false;
+            settle();
+        },
+        Qt::QueuedConnection);
+}
+
+void PanelDialog::settle() {
+    if (!std::exchange(unsettled_, false)) return;
+    std::vector<LayoutItem> items;
+    for (const PanelControl* control : controls_)
+        items.push_back(control->layoutItem());
+    layOut(items);
+    for (std::size_t i = 0; i < items.size(); ++i)
+        controls_[i]->place(items[i]);
+    const auto* tabs = canvas_->findChild<QTabBar*>();
+    canvas_->setTabBar(tabs != nullptr && !tabs->isHidden() ? tabs->geometry() : QRect());
+    orderFocus();
+    canvas_->update();
+}
+
+void PanelDialog::orderFocus() {
+    std::vector<PanelControl*> shown;
+    std::vector<QRect> places;
+    for (PanelControl* control : controls_) {
+        if (control->isErased()) continue;
+        shown.push_back(control);
+        places.push_back(control->area());
+    }
+    QWidget* before = nullptr;
+    const auto append = [&before](QWidget* widget) {
+        if (before != nullptr) QWidget::setTabOrder(before, widget);
+        before = widget;
+    };
+    for (const std::size_t index : focusOrder(places, canvas_->drawing().frame())) {
+        for (QWidget* widget : shown[index]->focusWidgets())
+            append(widget);
+    }
+    for (QAbstractButton* button : buttons_->buttons())
+        append(button);
+}
+
+/// The tabs, where there are any: from there the arrow keys lead on.
+void PanelDialog::focusFirst() {
+    if (auto* tabs = canvas_->findChild<QTabBar*>()) {
+        tabs->setFocus(Qt::OtherFocusReason);
+    } else if (!buttons_->buttons().isEmpty()) {
+        buttons_->buttons().first()->setFocus(Qt::OtherFocusReason);
+    }
+}
+
+void PanelDialog::accept() {
+    const QPointer<PanelDialog> self(this);
+    if (auto* number = qobject_cast<NumberField*>(focusWidget())) number->commit();
+    if (!self.isNull()) QDialog::accept();
+}
+
+void PanelDialog::done(int result) {
+    QDialog::done(result);
+    if (loop_ != nullptr) loop_->quit();
+}
+
+void PanelDialog::retire() {
+    if (std::exchange(retired_, true)) return;
+    draw_ = nullptr;
+    for (PanelControl* control : controls_)
+        control->retire();
+    done(Rejected);
+    deleteLater();
+}
+
+}  // namespace tavora::studio
