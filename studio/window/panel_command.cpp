@@ -1,11 +1,76 @@
-#include <stdexcept>
+#include <QBuffer>
+#include <QImage>
+#include <QWidget>
+#include <fmt/format.h>
 
+#include "studio/app/scene_view.h"
+#include "studio/app/surface_names.h"
+#include "studio/app/usage_error.h"
+#include "studio/edit/document.h"
+#include "studio/files/whole_file.h"
+#include "studio/link/link_error.h"
+#include "studio/panels/panels.h"
+#include "studio/window/application.h"
 #include "studio/window/commands.h"
+#include "studio/window/panel_services.h"
+#include "studio/window/theme.h"
 
 namespace tavora::studio {
+namespace {
 
-void drawPanel(const PanelRequest& /*request*/, Report& /*report*/) {
-    throw std::logic_error("no panel yet");
+void checkOutput(const PanelRequest& request) {
+    if (request.output.empty()) throw UsageError("panel needs -o FILE, the picture to write");
+    if (!request.output.ends_with(".png")) {
+        throw UsageError(
+            fmt::format("{}: a panel is written as .png; name such a file", request.output));
+    }
+}
+
+std::size_t chosenSurface(const Document& document, const std::string& name) {
+    if (!name.empty()) return matchingSurfaces(document.scene(), name, "--surface").front();
+    if (document.surfaces().empty()) {
+        throw UsageError(fmt::format("{}: no surface has settings to show; name another scene",
+                                     document.path().string()));
+    }
+    return document.surfaces().front();
+}
+
+QImage drawOptions(const Document& document, Shader& record, int tab) {
+    QImage picture;
+    PanelHooks hooks;
+    hooks.insteadOfShowing = [&](QWidget& panel) {
+        selectTab(panel, tab);
+        picture = panel.grab().toImage();
+    };
+    const Panels panels(nullptr, hooks);
+    openOptions(document.moduleCopy(), record);
+    return picture;
+}
+
+void writePng(const QImage& picture, const std::string& file) {
+    QByteArray bytes;
+    QBuffer buffer(&bytes);
+    picture.save(&buffer, "PNG");
+    writeWholeFile(file, {bytes.constData(), static_cast<std::size_t>(bytes.size())});
+}
+
+}  // namespace
+
+void drawPanel(const PanelRequest& request, Report& report) {
+    checkOutput(request);
+    Document document(request.scene, request.shading, report);
+    const std::size_t surface = chosenSurface(document, request.surface);
+    const auto application = startApplication(Display::Offscreen, request.scale, report);
+    QApplication::setPalette(paletteOf(request.theme));
+    const LightRig rig = settleLights(document.scene(), chooseCamera(document.scene(), {}, 1), {});
+    const PanelBinding binding(rig);
+    const QImage picture = drawOptions(document, document.record(surface), request.tab);
+    if (picture.isNull()) {
+        throw LinkError(fmt::format("{}: the module has no settings panel to draw",
+                                    document.module().string()));
+    }
+    writePng(picture, request.output);
+    report.note(1, fmt::format("{} written", request.output));
 }
 
 }  // namespace tavora::studio

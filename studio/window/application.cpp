@@ -1,0 +1,43 @@
+#include "studio/window/application.h"
+
+#include <cstdlib>
+#include <fmt/format.h>
+
+#include "studio/app/exit_status.h"
+
+namespace tavora::studio {
+namespace {
+
+// The library knows no way to fail but to abort; its last word is ours to change.
+Report* fatalReport = nullptr;
+
+void receiveLibraryMessage(QtMsgType type, const QMessageLogContext& /*where*/,
+                           const QString& text) {
+    if (type == QtFatalMsg) {
+        fatalReport->error(
+            "edit needs a display, and none can be opened (DISPLAY, WAYLAND_DISPLAY); "
+            "without one, tavora panel draws the settings panel and tavora render the picture");
+        std::_Exit(kUsage);
+    }
+    fatalReport->note(2, text.toStdString());
+}
+
+}  // namespace
+
+std::unique_ptr<QApplication> startApplication(Display display, double scale, Report& report) {
+    fatalReport = &report;
+    qInstallMessageHandler(receiveLibraryMessage);
+    if (display == Display::Offscreen) qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (scale != 1) qputenv("QT_SCALE_FACTOR", QByteArray::number(scale));
+    static int argc = 1;
+    static char name[] = "tavora";
+    static char* argv[] = {name, nullptr};
+    auto application = std::make_unique<QApplication>(argc, argv);
+    QApplication::setApplicationName("tavora");
+    QApplication::setApplicationDisplayName("Tavora");
+    QApplication::setDesktopFileName("tavora");
+    QApplication::setStyle("fusion");
+    return application;
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <QApplication>
+#include <memory>
+
+#include "studio/app/report.h"
+
+namespace tavora::studio {
+
+enum class Display { Screen, Offscreen };
+
+/// The window system, started. With Display::Screen a missing display ends the
+/// process with one line and the status of a usage error; Display::Offscreen
+/// needs none. `scale` enlarges everything, in device pixels for each pixel.
+/// Once a process, main thread. `report` must outlive the application.
+std::unique_ptr<QApplication> startApplication(Display display, double scale, Report& report);
+
+}  // namespace tavora::studio

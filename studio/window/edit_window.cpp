@@ -1,0 +1,298 @@
+#include "studio/window/edit_window.h"
+
+#include <QCloseEvent>
+#include <QFileDialog>
+#include <QGroupBox>
+#include <QMimeData>
+#include <QPushButton>
+#include <QSplitter>
+#include <QStatusBar>
+#include <QToolBar>
+#include <QToolButton>
+#include <QVBoxLayout>
+
+#include "studio/window/look_menu.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr int kSideWidth = 250;  // pixels
+
+std::string droppedFile(const QMimeData& data) {
+    if (!data.hasUrls() || !data.urls().front().isLocalFile()) return {};
+    const QString file = data.urls().front().toLocalFile();
+    const QString suffix = file.section('.', -1).toLower();
+    return suffix == "glb" || suffix == "gltf" || suffix == "json" ? file.toStdString()
+                                                                   : std::string();
+}
+
+bool isLook(const std::string& file) {
+    return file.ends_with(".json");
+}
+
+QWidget* titled(const QString& title, QWidget& content) {
+    auto* box = new QGroupBox(title);
+    auto* layout = new QVBoxLayout(box);
+    layout->setContentsMargins(6, 6, 6, 6);
+    layout->addWidget(&content);
+    return box;
+}
+
+}  // namespace
+
+EditWindow::EditWindow(const EditRequest& request, Report& report)
+    : request_(request),
+      actions_(*this),
+      view_(this),
+      surfaces_(this),
+      lights_(this),
+      files_(*this, request_, report),
+      messages_(*this),
+      panel_(*this, gestures_) {
+    auto* splitter = new QSplitter(this);
+    splitter->addWidget(&view_);
+    splitter->addWidget(makeSide());
+    splitter->setStretchFactor(0, 1);
+    splitter->setChildrenCollapsible(false);
+    setCentralWidget(splitter);
+    makeStatus();
+    setAcceptDrops(true);
+    connectFiles();
+    connectEditing();
+    connectView();
+    showSession();
+}
+
+EditWindow::~EditWindow() {
+    actions_.looks->show(nullptr);
+    view_.show(nullptr);
+    surfaces_.show(nullptr);
+}
+
+QWidget* EditWindow::makeSide() {
+    auto* side = new QSplitter(Qt::Vertical);
+    auto* top = new QWidget;
+    auto* layout = new QVBoxLayout(top);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->addWidget(titled(tr("Surfaces"), surfaces_));
+    auto* options = new QPushButton(tr("Options…"));
+    options->setObjectName("optionsButton");
+    options->setToolTip(actions_.options->toolTip());
+    connect(options, &QPushButton::clicked, actions_.options, &QAction::trigger);
+    connect(actions_.options, &QAction::changed, options,
+            [this, options] { options->setEnabled(actions_.options->isEnabled()); });
+    options->setEnabled(false);
+    layout->addWidget(options);
+    side->addWidget(top);
+    side->addWidget(titled(tr("Lights"), lights_));
+    side->setStretchFactor(0, 3);
+    side->setStretchFactor(1, 1);
+    side->setMinimumWidth(kSideWidth);
+    side->setChildrenCollapsible(false);
+    return side;
+}
+
+void EditWindow::makeStatus() {
+    progress_.setObjectName("progress");
+    progress_.setAccessibleName(tr("How clean the picture is"));
+    progress_.setMaximum(100);
+    progress_.setMaximumWidth(160);
+    progress_.setMaximumHeight(14);
+    progress_.setTextVisible(false);
+    statusBar()->addPermanentWidget(&notice_);
+    statusBar()->addPermanentWidget(&progress_);
+}
+
+void EditWindow::connectFiles() {
+    connect(&files_, &SceneFiles::sessionChanged, this, &EditWindow::showSession);
+    connect(&files_, &SceneFiles::recentChosen, this,
+            [this](const auto& scene) { whileNoPanel([=, this] { open(scene); }); });
+    connect(actions_.recent, &QMenu::aboutToShow, this,
+            [this] { files_.listRecent(*actions_.recent); });
+    connect(actions_.open, &QAction::triggered, this,
+            [this] { whileNoPanel([this] { files_.askAndOpen(); }); });
+    connect(actions_.save, &QAction::triggered, this, [this] { files_.save(); });
+    connect(actions_.saveAs, &QAction::triggered, this, [this] { files_.askAndSaveAs(); });
+    connect(actions_.quit, &QAction::triggered, this, &QWidget::close);
+}
+
+void EditWindow::connectEditing() {
+    connect(&keys_, &WindowKeys::undo, this, &EditWindow::undo);
+    connect(&keys_, &WindowKeys::redo, this, &EditWindow::redo);
+    connect(actions_.undo, &QAction::triggered, this, &EditWindow::undo);
+    connect(actions_.redo, &QAction::triggered, this, &EditWindow::redo);
+    connect(actions_.copy, &QAction::triggered, this, &EditWindow::copy);
+    connect(actions_.paste, &QAction::triggered, this, &EditWindow::paste);
+    connect(actions_.looks, &LookMenu::chosen, this,
+            [this](const QString& look) { wear(look.toStdString()); });
+    connect(actions_.applyLook, &QAction::triggered, this, &EditWindow::askAndWear);
+    connect(actions_.saveLook, &QAction::triggered, this, &EditWindow::askAndSaveLook);
+    connect(actions_.options, &QAction::triggered, this, [this] {
+        if (surfaces_.current() >= 0) openPanel(static_cast<std::size_t>(surfaces_.current()));
+    });
+    connect(&surfaces_, &SurfaceList::surfaceActivated, this, &EditWindow::openPanel);
+    connect(&surfaces_, &SurfaceList::selectionChangedTo, this, [this](std::ptrdiff_t surface) {
+        if (panel_.isOpen() && surface >= 0) openPanel(static_cast<std::size_t>(surface));
+    });
+    connect(&panel_, &PanelSession::opened, this, [this](std::size_t surface) {
+        surfaces_.select(surface);
+        showState();
+    });
+    connect(&panel_, &PanelSession::closed, this, &EditWindow::showState);
+}
+
+void EditWindow::connectView() {
+    connect(&view_, &PictureView::surfaceClicked, this, [this](std::ptrdiff_t surface) {
+        if (surface >= 0) surfaces_.select(static_cast<std::size_t>(surface));
+    });
+    connect(&view_, &PictureView::surfaceDoubleClicked, this, &EditWindow::openPanel);
+    connect(actions_.resetView, &QAction::triggered, this, [this] { session()->resetView(); });
+    connect(actions_.frameAll, &QAction::triggered, this, [this] { session()->frameAll(); });
+    const auto compare = [this](bool held) {
+        if (session() != nullptr) session()->compareWithSaved(held);
+    };
+    connect(&keys_, &WindowKeys::compare, this, compare);
+    for (auto* button : findChildren<QToolButton*>()) {
+        if (button->defaultAction() != actions_.compare) continue;
+        connect(button, &QToolButton::pressed, this, [compare] { compare(true); });
+        connect(button, &QToolButton::released, this, [compare] { compare(false); });
+    }
+}
+
+void EditWindow::showSession() {
+    Session* shown = session();
+    view_.show(shown);
+    surfaces_.show(shown);
+    actions_.looks->show(shown);
+    actions_.setSceneOpen(shown != nullptr);
+    if (shown != nullptr) {
+        lights_.show(shown->lights());
+        connect(shown, &Session::stateChanged, this, &EditWindow::showState);
+        connect(shown, &Session::pictureChanged, this, &EditWindow::showProgress);
+        connect(shown, &Session::viewChanged, this, &EditWindow::showState);
+    }
+    showState();
+    showProgress();
+}
+
+void EditWindow::showState() {
+    Session* shown = session();
+    if (shown == nullptr) {
+        setWindowTitle("Tavora");
+        return;
+    }
+    const Document& document = shown->document();
+    setWindowFilePath(QString::fromStdString(document.path().string()));
+    setWindowTitle(QString::fromStdString(document.path().filename().string()) + "[*]");
+    setWindowModified(document.isModified());
+    actions_.undo->setEnabled(document.canUndo());
+    actions_.redo->setEnabled(document.canRedo());
+    actions_.undo->setText(tr("&Undo %1").arg(QString::fromStdString(document.undoText())));
+    actions_.redo->setText(tr("&Redo %1").arg(QString::fromStdString(document.redoText())));
+    actions_.paste->setEnabled(copied_.has_value());
+    actions_.resetView->setEnabled(!shown->isViewAtStart());
+    if (shown->isComparing()) {
+        statusBar()->showMessage(tr("As saved"));
+    } else {
+        statusBar()->clearMessage();
+    }
+}
+
+void EditWindow::showProgress() {
+    const Session* shown = session();
+    const auto frame = shown == nullptr ? nullptr : shown->picture().latest();
+    progress_.setVisible(shown != nullptr);
+    progress_.setValue(frame == nullptr ? 0 : static_cast<int>(frame->refined * 100));
+    if (shown == nullptr) {
+        notice_.setText(tr("Open a glTF scene, or drop one here"));
+        return;
+    }
+    const std::string failure = shown->picture().failure();
+    const std::string text = failure.empty() ? shown->picture().stats().notice : failure;
+    notice_.setText(QString::fromStdString(text));
+}
+
+/// What replaces the scene waits until the panel has let go of its record.
+void EditWindow::whileNoPanel(const std::function<void()>& work) {
+    panel_.finish([this, work] { guarded(this, work); });
+}
+
+void EditWindow::openPanel(std::size_t surface) {
+    guarded(this, [&] { panel_.open(*session(), surface); });
+}
+
+void EditWindow::undo() {
+    if (session() == nullptr || !session()->document().canUndo()) return;
+    panel_.interrupt([this] { session()->document().undo(); });
+}
+
+void EditWindow::redo() {
+    if (session() == nullptr || !session()->document().canRedo()) return;
+    panel_.interrupt([this] { session()->document().redo(); });
+}
+
+void EditWindow::copy() {
+    if (surfaces_.current() < 0) return;
+    copied_ = session()->document().settings(static_cast<std::size_t>(surfaces_.current()));
+    showState();
+}
+
+void EditWindow::paste() {
+    if (!copied_) return;
+    std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
+    for (const std::size_t surface : surfaces_.selection())
+        changes.emplace_back(surface, *copied_);
+    panel_.interrupt([=, this] { session()->document().setSettings(changes, "Paste"); });
+}
+
+void EditWindow::wear(const std::string& look) {
+    panel_.interrupt([=, this] {
+        guarded(this, [&] { session()->document().wearLook(look, surfaces_.selection()); });
+    });
+}
+
+void EditWindow::askAndWear() {
+    const QString file =
+        QFileDialog::getOpenFileName(this, tr("Apply Look"), {}, tr("Looks (*.json)"));
+    if (!file.isEmpty()) wear(file.toStdString());
+}
+
+void EditWindow::askAndSaveLook() {
+    if (surfaces_.current() < 0) return;
+    QString file =
+        QFileDialog::getSaveFileName(this, tr("Save Look"), "look.json", tr("Looks (*.json)"));
+    if (file.isEmpty()) return;
+    if (!file.endsWith(".json")) file += ".json";
+    guarded(this, [&] {
+        session()->document().saveLook(static_cast<std::size_t>(surfaces_.current()),
+                                       file.toStdString());
+    });
+}
+
+void EditWindow::closeEvent(QCloseEvent* event) {
+    if (panel_.isOpen()) {
+        event->ignore();
+        panel_.finish([this] { close(); });
+    } else if (files_.mayClose()) {
+        event->accept();
+    } else {
+        event->ignore();
+    }
+}
+
+void EditWindow::dragEnterEvent(QDragEnterEvent* event) {
+    const std::string file = droppedFile(*event->mimeData());
+    if (!file.empty() && (session() != nullptr || !isLook(file))) event->acceptProposedAction();
+}
+
+void EditWindow::dropEvent(QDropEvent* event) {
+    const std::string file = droppedFile(*event->mimeData());
+    event->acceptProposedAction();
+    if (isLook(file)) {
+        wear(file);
+    } else {
+        whileNoPanel([this, file] { open(file); });
+    }
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,77 @@
+#pragma once
+
+#include <QLabel>
+#include <QMainWindow>
+#include <QProgressBar>
+#include <optional>
+
+#include "studio/app/requests.h"
+#include "studio/window/dialogs.h"
+#include "studio/window/edit_actions.h"
+#include "studio/window/gestures.h"
+#include "studio/window/light_table.h"
+#include "studio/window/panel_session.h"
+#include "studio/window/picture_view.h"
+#include "studio/window/scene_files.h"
+#include "studio/window/surface_list.h"
+#include "studio/window/window_keys.h"
+
+namespace tavora::studio {
+
+/// The edit window: the live picture, the surfaces, the lights, and what can be
+/// done with them. GUI thread; one a process.
+class EditWindow : public QMainWindow {
+    Q_OBJECT
+  public:
+    /// Both must outlive it. Opens no scene yet.
+    EditWindow(const EditRequest& request, Report& report);
+    ~EditWindow() override;
+
+    /// See SceneFiles.
+    bool open(const std::filesystem::path& scene) { return files_.open(scene); }
+    void openFirst(const std::filesystem::path& scene) { files_.openFirst(scene); }
+
+    PanelSession& panel() { return panel_; }
+    Session* session() const { return files_.session(); }
+
+  protected:
+    void closeEvent(QCloseEvent* event) override;
+    void dragEnterEvent(QDragEnterEvent* event) override;
+    void dropEvent(QDropEvent* event) override;
+
+  private:
+    QWidget* makeSide();
+    void makeStatus();
+    void connectFiles();
+    void connectEditing();
+    void connectView();
+
+    void showSession();
+    void showState();
+    void showProgress();
+    void whileNoPanel(const std::function<void()>& work);
+    void openPanel(std::size_t surface);
+    void undo();
+    void redo();
+    void copy();
+    void paste();
+    void wear(const std::string& look);
+    void askAndWear();
+    void askAndSaveLook();
+
+    const EditRequest& request_;
+    Gestures gestures_;
+    WindowKeys keys_;
+    EditActions actions_;
+    PictureView view_;
+    SurfaceList surfaces_;
+    LightTable lights_;
+    QProgressBar progress_;
+    QLabel notice_;
+    SceneFiles files_;
+    MessageDialogs messages_;
+    PanelSession panel_;
+    std::optional<SurfaceSettings> copied_;
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,141 @@
+#include "studio/window/picture_view.h"
+
+#include <QApplication>
+#include <QMouseEvent>
+#include <QPainter>
+#include <cmath>
+
+namespace tavora::studio {
+namespace {
+
+/// One click of a usual wheel turns by 120 units and comes nearer by this.
+constexpr double kZoomStep = 1.15;
+constexpr double kWheelUnits = 120;
+/// Shares of the picture's height by which a key press moves the view.
+constexpr double kKeyStep = 0.05;
+
+bool pans(const QMouseEvent& event) {
+    return (event.buttons() & (Qt::MiddleButton | Qt::RightButton)) != 0 ||
+           (event.modifiers() & Qt::ShiftModifier) != 0;
+}
+
+}  // namespace
+
+PictureView::PictureView(QWidget* parent) : QWidget(parent) {
+    setObjectName("picture");
+    setAccessibleName(tr("Live picture"));
+    setFocusPolicy(Qt::StrongFocus);
+    setMinimumSize(320, 180);
+    setSizePolicy(QSizePolicy::Expanding, QSizePolicy::Expanding);
+    setToolTip(
+        tr("Click a surface to select it, double-click to edit it. "
+           "Drag to turn, Shift-drag to pan, wheel to zoom."));
+    setToolTipDuration(4000);
+}
+
+void PictureView::show(Session* session) {
+    if (session_ != nullptr) session_->disconnect(this);
+    session_ = session;
+    image_ = {};
+    if (session_ != nullptr) {
+        connect(session_, &Session::pictureChanged, this, &PictureView::takePicture);
+        fitPicture();
+    }
+    update();
+}
+
+void PictureView::takePicture() {
+    const std::shared_ptr<const LiveFrame> frame = session_->picture().latest();
+    if (frame == nullptr || frame->width == 0) return;
+    // The image keeps the frame for as long as it shows its pixels.
+    image_ = QImage(
+        frame->rgba.data(), frame->width, frame->height, frame->width * 4, QImage::Format_RGBA8888,
+        [](void* kept) { delete static_cast<std::shared_ptr<const LiveFrame>*>(kept); },
+        new std::shared_ptr<const LiveFrame>(frame));
+    update();
+}
+
+void PictureView::fitPicture() {
+    if (session_ == nullptr) return;
+    const QSize pixels = size() * devicePixelRatioF();
+    session_->setSize(pixels.width(), pixels.height());
+}
+
+void PictureView::paintEvent(QPaintEvent* /*event*/) {
+    QPainter painter(this);
+    painter.fillRect(rect(), palette().color(QPalette::Mid));
+    if (image_.isNull()) return;
+    painter.setRenderHint(QPainter::SmoothPixmapTransform, image_.size() != size());
+    painter.drawImage(rect(), image_);
+}
+
+void PictureView::resizeEvent(QResizeEvent* event) {
+    fitPicture();
+    QWidget::resizeEvent(event);
+}
+
+void PictureView::mousePressEvent(QMouseEvent* event) {
+    pressed_ = last_ = event->position();
+    dragging_ = false;
+}
+
+void PictureView::mouseMoveEvent(QMouseEvent* event) {
+    if (session_ == nullptr || event->buttons() == Qt::NoButton) return;
+    const QPointF far = event->position() - pressed_;
+    dragging_ = dragging_ || far.manhattanLength() >= QApplication::startDragDistance();
+    if (!dragging_) return;
+    const QPointF moved = (event->position() - last_) / std::max(1, height());
+    last_ = event->position();
+    if (pans(*event)) {
+        session_->pan(moved.x(), moved.y());
+    } else {
+        session_->turn(moved.x(), moved.y());
+    }
+}
+
+void PictureView::mouseReleaseEvent(QMouseEvent* event) {
+    if (session_ == nullptr || dragging_ || event->button() != Qt::LeftButton) return;
+    emit surfaceClicked(surfaceAt(event->position()));
+}
+
+void PictureView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (session_ == nullptr || event->button() != Qt::LeftButton) return;
+    dragging_ = true;  // the release that follows chooses nothing
+    const std::ptrdiff_t surface = surfaceAt(event->position());
+    if (surface >= 0) emit surfaceDoubleClicked(static_cast<std::size_t>(surface));
+}
+
+void PictureView::wheelEvent(QWheelEvent* event) {
+    if (session_ == nullptr) return;
+    session_->zoom(std::pow(kZoomStep, event->angleDelta().y() / kWheelUnits));
+}
+
+void PictureView::keyPressEvent(QKeyEvent* event) {
+    if (session_ == nullptr) return QWidget::keyPressEvent(event);
+    const bool pan = (event->modifiers() & Qt::ShiftModifier) != 0;
+    const auto move = [&](double x, double y) { pan ? session_->pan(x, y) : session_->turn(x, y); };
+    switch (event->key()) {
+        case Qt::Key_Left:
+            return move(-kKeyStep, 0);
+        case Qt::Key_Right:
+            return move(kKeyStep, 0);
+        case Qt::Key_Up:
+            return move(0, -kKeyStep);
+        case Qt::Key_Down:
+            return move(0, kKeyStep);
+        case Qt::Key_Plus:
+        case Qt::Key_Equal:
+            return session_->zoom(kZoomStep);
+        case Qt::Key_Minus:
+            return session_->zoom(1 / kZoomStep);
+        default:
+            QWidget::keyPressEvent(event);
+    }
+}
+
+std::ptrdiff_t PictureView::surfaceAt(const QPointF& position) const {
+    const QPointF pixel = position * devicePixelRatioF();
+    return session_->picture().surfaceAt(static_cast<int>(pixel.x()), static_cast<int>(pixel.y()));
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,52 @@
+#pragma once
+
+#include <QImage>
+#include <QPoint>
+#include <QWidget>
+
+#include "studio/window/session.h"
+
+namespace tavora::studio {
+
+/// The live picture: shows it, chooses surfaces by a click, moves the view by
+/// dragging. GUI thread.
+class PictureView : public QWidget {
+    Q_OBJECT
+  public:
+    explicit PictureView(QWidget* parent);
+
+    /// `session` must outlive the view or its next call of show(); null: none.
+    void show(Session* session);
+
+    QSize sizeHint() const override { return {960, 540}; }
+    /// The picture as it is on the screen, for tests and thumbnails.
+    const QImage& image() const { return image_; }
+
+  signals:
+    /// A surface was clicked; -1: where there is none.
+    void surfaceClicked(std::ptrdiff_t surface);
+    void surfaceDoubleClicked(std::size_t surface);
+
+  protected:
+    void paintEvent(QPaintEvent* event) override;
+    void resizeEvent(QResizeEvent* event) override;
+    void mousePressEvent(QMouseEvent* event) override;
+    void mouseMoveEvent(QMouseEvent* event) override;
+    void mouseReleaseEvent(QMouseEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
+    void wheelEvent(QWheelEvent* event) override;
+    void keyPressEvent(QKeyEvent* event) override;
+
+  private:
+    void takePicture();
+    void fitPicture();
+    std::ptrdiff_t surfaceAt(const QPointF& position) const;
+
+    Session* session_ = nullptr;
+    QImage image_;
+    QPointF pressed_;
+    QPointF last_;
+    bool dragging_ = false;
+};
+
+}  // namespace tavora::studio

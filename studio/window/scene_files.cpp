@@ -1,0 +1,178 @@
+#include "studio/window/scene_files.h"
+
+#include <QApplication>
+#include <QFileDialog>
+#include <QMenu>
+#include <QMessageBox>
+
+#include "studio/edit/recent_files.h"
+#include "studio/window/dialogs.h"
+
+namespace tavora::studio {
+namespace {
+
+namespace fs = std::filesystem;
+
+/// Unsaved work is on the disk this long, in milliseconds, after it was done.
+constexpr int kRecoveryDelay = 1000;
+
+QString text(const fs::path& path) {
+    return QString::fromStdString(path.string());
+}
+
+fs::path path(const QString& text) {
+    return text.toStdString();
+}
+
+/// Reading a large scene takes a while.
+class Waiting {
+  public:
+    Waiting() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~Waiting() { QApplication::restoreOverrideCursor(); }
+    Waiting(const Waiting&) = delete;
+    Waiting& operator=(const Waiting&) = delete;
+};
+
+}  // namespace
+
+SceneFiles::SceneFiles(QWidget& window, const EditRequest& request, Report& report)
+    : window_(window), request_(request), report_(report) {
+    recovery_.setSingleShot(true);
+    recovery_.setInterval(kRecoveryDelay);
+    connect(&recovery_, &QTimer::timeout, this, &SceneFiles::writeRecovery);
+}
+
+SceneFiles::~SceneFiles() = default;
+
+bool SceneFiles::open(const fs::path& scene) {
+    if (!mayClose()) return false;
+    const bool read = guarded(&window_, [&] { load(scene); });
+    if (read) offerRecovery();
+    return read;
+}
+
+void SceneFiles::openFirst(const fs::path& scene) {
+    load(scene);
+    // Once the window stands behind the question.
+    QTimer::singleShot(0, this, &SceneFiles::offerRecovery);
+}
+
+void SceneFiles::load(const fs::path& scene) {
+    const Waiting waiting;
+    EditRequest request = request_;
+    request.scene = scene.string();
+    auto session = std::make_unique<Session>(request, report_);
+    addRecentFile(session->document().path());
+    replaceSession(std::move(session));
+}
+
+bool SceneFiles::askAndOpen() {
+    const QString folder =
+        session_ == nullptr ? QString() : text(session_->document().path().parent_path());
+    const QString chosen = QFileDialog::getOpenFileName(&window_, tr("Open Scene"), folder,
+                                                        tr("glTF scenes (*.gltf *.glb)"));
+    return !chosen.isEmpty() && open(path(chosen));
+}
+
+bool SceneFiles::save() {
+    Document& document = session_->document();
+    if (document.changedOnDisk()) {
+        if (!mayOverwrite(text(document.path()))) return false;
+        return saveWith([&] { document.save(true); });
+    }
+    return saveWith([&] { document.save(); });
+}
+
+bool SceneFiles::askAndSaveAs() {
+    Document& document = session_->document();
+    const QString suffix = text(document.path().extension());
+    QString chosen = QFileDialog::getSaveFileName(
+        &window_, tr("Save Scene As"), text(document.path()), tr("glTF scenes (*%1)").arg(suffix));
+    if (chosen.isEmpty()) return false;
+    if (!chosen.endsWith(suffix)) chosen += suffix;
+    if (!saveWith([&] { document.saveAs(path(chosen)); })) return false;
+    addRecentFile(document.path());
+    return true;
+}
+
+bool SceneFiles::mayClose() {
+    if (session_ == nullptr) return true;
+    Document& document = session_->document();
+    if (document.isModified()) {
+        const auto answer = QMessageBox::question(
+            &window_, tr("Tavora"),
+            tr("Save the changes to %1?").arg(text(document.path().filename())),
+            QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
+        if (answer == QMessageBox::Cancel) return false;
+        if (answer == QMessageBox::Save && !save()) return false;
+    }
+    recovery_.stop();
+    return guarded(&window_, [&] { document.discardRecovery(); });
+}
+
+void SceneFiles::listRecent(QMenu& menu) {
+    menu.clear();
+    for (const fs::path& scene : recentFiles()) {
+        QAction* action = menu.addAction(text(scene.filename()).replace('&', "&&"));
+        action->setToolTip(text(scene));
+        connect(action, &QAction::triggered, this, [this, scene] { emit recentChosen(scene); });
+    }
+    menu.setToolTipsVisible(true);
+    menu.setEnabled(!menu.isEmpty());
+}
+
+void SceneFiles::replaceSession(std::unique_ptr<Session> session) {
+    connect(session.get(), &Session::stateChanged, this, [this] { recovery_.start(); });
+    recoveryFailed_ = false;
+    std::swap(session_, session);
+    emit sessionChanged();
+}
+
+void SceneFiles::offerRecovery() {
+    Document& document = session_->document();
+    if (!document.hasRecovery()) return;
+    const auto answer =
+        QMessageBox::question(&window_, tr("Tavora"),
+                              tr("Tavora ended with unsaved changes to %1. Bring them back?\n"
+                                 "The file itself stays as it is until you save.")
+                                  .arg(text(document.path().filename())),
+                              QMessageBox::Yes | QMessageBox::No);
+    guarded(&window_, [&] {
+        if (answer == QMessageBox::Yes) {
+            document.recover();
+        } else {
+            document.discardRecovery();
+        }
+    });
+}
+
+/// A full disk is said once, not every second.
+void SceneFiles::writeRecovery() {
+    try {
+        session_->document().writeRecovery();
+        recoveryFailed_ = false;
+    } catch (const std::exception& error) {
+        if (!std::exchange(recoveryFailed_, true)) {
+            showError(
+                &window_,
+                tr("Unsaved work cannot be kept safe: %1").arg(QString::fromUtf8(error.what())));
+        }
+    }
+}
+
+bool SceneFiles::saveWith(const std::function<void()>& write) {
+    return guarded(&window_, [&] {
+        const Waiting waiting;
+        write();
+    });
+}
+
+bool SceneFiles::mayOverwrite(const QString& file) {
+    const auto answer = QMessageBox::warning(
+        &window_, tr("Tavora"),
+        tr("%1 was changed by another program since it was opened. Save over it?").arg(file),
+        QMessageBox::Save | QMessageBox::Cancel);
+    return answer == QMessageBox::Save;
+}
+
+}  // namespace tavora::studio

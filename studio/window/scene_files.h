@@ -1,0 +1,66 @@
+#pragma once
+
+#include <QObject>
+#include <QTimer>
+#include <filesystem>
+#include <memory>
+
+#include "studio/app/report.h"
+#include "studio/app/requests.h"
+#include "studio/window/session.h"
+
+class QMenu;
+class QWidget;
+
+namespace tavora::studio {
+
+/// Opens, saves and closes scenes with the questions and dialogs that go with
+/// it; keeps unsaved work in a recovery file. GUI thread.
+class SceneFiles : public QObject {
+    Q_OBJECT
+  public:
+    /// `window` is the parent of dialogs. `request` says with what looks, lights
+    /// and threads scenes open. All must outlive it.
+    SceneFiles(QWidget& window, const EditRequest& request, Report& report);
+    ~SceneFiles() override;
+
+    /// Null when no scene is open.
+    Session* session() const { return session_.get(); }
+
+    /// Asks what becomes of unsaved work first. False when the user, or an error
+    /// shown in a dialog, kept the scene that was open.
+    bool open(const std::filesystem::path& scene);
+    /// The same for a program that has just started: throws what Document throws.
+    void openFirst(const std::filesystem::path& scene);
+    bool askAndOpen();
+    bool save();
+    bool askAndSaveAs();
+    /// Asks; false when the user wants to stay.
+    bool mayClose();
+
+    /// Fills a menu with the scenes that were open lately.
+    void listRecent(QMenu& menu);
+
+  signals:
+    /// session() is another one now; the one before lives until this returns.
+    void sessionChanged();
+    /// Somebody chose a scene of the menu.
+    void recentChosen(const std::filesystem::path& scene);
+
+  private:
+    void load(const std::filesystem::path& scene);
+    void replaceSession(std::unique_ptr<Session> session);
+    void offerRecovery();
+    void writeRecovery();
+    bool saveWith(const std::function<void()>& write);
+    bool mayOverwrite(const QString& file);
+
+    QWidget& window_;
+    const EditRequest& request_;
+    Report& report_;
+    std::unique_ptr<Session> session_;
+    QTimer recovery_;
+    bool recoveryFailed_ = false;
+};
+
+}  // namespace tavora::studio

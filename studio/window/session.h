@@ -1,0 +1,70 @@
+#pragma once
+
+#include <QObject>
+#include <memory>
+
+#include "studio/app/requests.h"
+#include "studio/edit/document.h"
+#include "studio/edit/orbit.h"
+#include "studio/render/live_picture.h"
+#include "studio/scene/light_levels.h"
+#include "studio/window/panel_services.h"
+
+namespace tavora::studio {
+
+/// One open scene: what is edited, from where it is seen, and its live picture,
+/// kept in step. GUI thread.
+class Session : public QObject {
+    Q_OBJECT
+  public:
+    /// Throws what Document throws.
+    Session(const EditRequest& request, Report& report);
+    ~Session() override;
+
+    Document& document() { return *document_; }
+    const Document& document() const { return *document_; }
+    const LightRig& lights() const { return *lights_; }
+    const LivePicture& picture() const { return *picture_; }
+
+    /// Size of the picture in device pixels.
+    void setSize(int width, int height);
+    int width() const { return width_; }
+    int height() const { return height_; }
+
+    /// The view; each shows at once.
+    void turn(double x, double y);
+    void pan(double x, double y);
+    void zoom(double factor);
+    void frameAll();
+    void resetView();
+    bool isViewAtStart() const { return orbit_->isAtStart(); }
+
+    /// Shows what the file holds instead of what is edited.
+    void compareWithSaved(bool compare);
+    bool isComparing() const { return comparing_; }
+
+  signals:
+    /// picture() has something newer.
+    void pictureChanged();
+    void viewChanged();
+    void settingsChanged(std::size_t surface);
+    /// What can be undone, or whether it is saved, may have changed.
+    void stateChanged();
+
+  private:
+    void showView();
+    void showSettings();
+    SurfaceShading shadingOf(std::size_t surface) const;
+    void startPicture(int threads);
+
+    std::unique_ptr<Document> document_;
+    std::shared_ptr<const LightRig> lights_;
+    std::unique_ptr<PanelBinding> binding_;  ///< the panel's module copy asks on this thread
+    std::unique_ptr<Orbit> orbit_;
+    std::unique_ptr<LivePicture> picture_;
+    int width_ = 0;
+    int height_ = 0;
+    bool comparing_ = false;
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,12 @@
+#pragma once
+
+#include <QPalette>
+
+#include "studio/app/requests.h"
+
+namespace tavora::studio {
+
+/// Colours of the window and the panels. GUI thread.
+QPalette paletteOf(Theme theme);
+
+}  // namespace tavora::studio
