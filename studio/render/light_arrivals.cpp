@@ -13,14 +13,16 @@ constexpr double kAlmost = 1 - 1e-6;
 LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
     : scene_(&scene), lights_(&lights), slots_(lights.lights.size()) {}
 
-void LightArrivals::start(const SurfacePoint& point) {
+void LightArrivals::start(const SurfacePoint& point, KeptPath* path, KeptPath::Place place) {
     point_ = &point;
+    path_ = path;
+    place_ = place;
     ++sample_;
 }
 
 void LightArrivals::prepare() {
     for (std::size_t light = 0; light < slots_.size(); ++light) {
-        if (cosine(light) > 0) settle(slots_[light]);
+        if (cosine(light) > 0) settle(light);
     }
 }
 
@@ -31,7 +33,7 @@ double LightArrivals::cosine(std::size_t light) {
 
 const LightArrival& LightArrivals::at(std::size_t light) {
     Slot& slot = meet(light);
-    settle(slot);
+    settle(light);
     return slot.arrival;
 }
 
@@ -57,17 +59,32 @@ LightArrivals::Slot& LightArrivals::meet(std::size_t light) {
     return slot;
 }
 
-void LightArrivals::settle(Slot& slot) {
+void LightArrivals::settle(std::size_t light) {
+    Slot& slot = slots_[light];
     if (slot.settledAt == sample_) return;
     slot.settledAt = sample_;
     if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return;
+    const double share = shareAt(light);
+    slot.arrival.lit = share > 0;
+    slot.arrival.color *= share;
+}
+
+/// The share of a light that passes to the sample, kept or traced.
+double LightArrivals::shareAt(std::size_t light) {
+    const KeptShare kept = path_ != nullptr ? path_->share(place_, light) : KeptShare::Unknown;
+    if (kept == KeptShare::None) return 0;
+    if (kept == KeptShare::All) return 1;
+    const double share = traceShare(slots_[light]);
+    if (path_ != nullptr) path_->keepShare(place_, light, share);
+    return share;
+}
+
+double LightArrivals::traceShare(const Slot& slot) {
     if (startFoundAt_ != sample_) {
         start_ = shadowStart(*point_);
         startFoundAt_ = sample_;
     }
-    const double share = passing(start_, point_->position, slot, 0, point_->spotSize);
-    slot.arrival.lit = share > 0;
-    slot.arrival.color *= share;
+    return passing(start_, point_->position, slot, 0, point_->spotSize);
 }
 
 bool LightArrivals::isBehind(const Imath::V3d& direction) const {

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <vector>
 
+#include "studio/render/kept_paths.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/surface_point.h"
 #include "studio/scene/light_levels.h"
@@ -28,8 +29,10 @@ class LightArrivals {
     /// Both must outlive it.
     LightArrivals(const RayScene& scene, const LightRig& lights);
 
-    /// Forgets the sample before. `point` must outlive the sample.
-    void start(const SurfacePoint& point);
+    /// Forgets the sample before. `point` must outlive the sample, and so must
+    /// `path`, where what is known of the lights at `place` is kept; null: nowhere.
+    void start(const SurfacePoint& point, KeptPath* path = nullptr,
+               KeptPath::Place place = KeptPath::kStart);
 
     /// Works out all lights that the interpolated normal faces.
     void prepare();
@@ -55,7 +58,9 @@ class LightArrivals {
         std::uint64_t settledAt = 0;  ///< sample in which the shadow was
     };
     Slot& meet(std::size_t light);
-    void settle(Slot& slot);
+    void settle(std::size_t light);
+    double shareAt(std::size_t light);
+    double traceShare(const Slot& slot);
     bool isBehind(const Imath::V3d& direction) const;
     double passing(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot, double nearest,
                    double spot);
@@ -64,6 +69,8 @@ class LightArrivals {
     const LightRig* lights_;
     std::vector<Slot> slots_;
     const SurfacePoint* point_ = nullptr;
+    KeptPath* path_ = nullptr;
+    KeptPath::Place place_ = KeptPath::kStart;
     Imath::V3d start_;
     std::uint64_t sample_ = 0;
     std::uint64_t startFoundAt_ = 0;

@@ -43,7 +43,8 @@ std::vector<SurfaceChange> LiveLane::changesIn(const LiveWish& wish) const {
 }
 
 std::uint64_t LiveLane::renderTile(const PixelBox& tile, const LivePass& pass, const LiveShot& shot,
-                                   const std::function<bool()>& overtaken, LiveCanvas& canvas) {
+                                   const std::function<bool()>& overtaken, LiveCanvas& canvas,
+                                   TilePaths& paths) {
     const ServiceBinding binding(scene_->index(), *lights_);
     std::uint64_t samples = 0;
     for (int y = tile.top; y < tile.bottom && !overtaken(); y += pass.step) {
@@ -51,17 +52,21 @@ std::uint64_t LiveLane::renderTile(const PixelBox& tile, const LivePass& pass, c
             LivePixel& pixel = canvas.pixel(x, y);
             if (pixel.count >= pass.target) continue;
             samples += static_cast<std::uint64_t>(pass.target - pixel.count);
-            refine(x, y, pass.target, shot, pixel);
+            const int number = (y - tile.top) * tile.width() + x - tile.left;
+            refine({x, y, static_cast<std::size_t>(number)}, pass.target, shot, paths, pixel);
             show(pixel, canvas.shown(x, y));
         }
     }
     return samples;
 }
 
-void LiveLane::refine(int x, int y, int target, const LiveShot& shot, LivePixel& pixel) {
+void LiveLane::refine(const Spot& spot, int target, const LiveShot& shot, TilePaths& paths,
+                      LivePixel& pixel) {
     for (; pixel.count < target; ++pixel.count) {
-        const Imath::V2d& place = shot.pattern[static_cast<std::size_t>(pixel.count)];
-        const Ray ray = shot.view.rayThrough(x + place.x, y + place.y);
+        const auto sample = static_cast<std::size_t>(pixel.count);
+        const Imath::V2d& place = shot.pattern[sample];
+        const Ray ray = shot.view.rayThrough(spot.x + place.x, spot.y + place.y);
+        shader_->follow(paths.path(spot.number, sample));
         meter_.add(see(*shader_, ray, shot.background), pixel.sum);
         pixel.shaded.add(shader_->takeShaded());
     }

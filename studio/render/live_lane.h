@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "studio/render/film.h"
+#include "studio/render/kept_paths.h"
 #include "studio/render/lane_shaders.h"
 #include "studio/render/live_canvas.h"
 #include "studio/render/live_wish.h"
@@ -45,15 +46,24 @@ class LiveLane {
 
     /// Adds to the pixels of a tile what they lack. Returns how many samples it
     /// took. Asks `overtaken` before each row, and leaves the rest when it is.
+    /// `paths` are the tile's.
     std::uint64_t renderTile(const PixelBox& tile, const LivePass& pass, const LiveShot& shot,
-                             const std::function<bool()>& overtaken, LiveCanvas& canvas);
+                             const std::function<bool()>& overtaken, LiveCanvas& canvas,
+                             TilePaths& paths);
 
     std::uint64_t tracedRays() const;
     std::uint64_t evaluations() const;
 
   private:
     std::vector<SurfaceChange> changesIn(const LiveWish& wish) const;
-    void refine(int x, int y, int target, const LiveShot& shot, LivePixel& pixel);
+    /// A pixel, in the picture and within its tile.
+    struct Spot {
+        int x;
+        int y;
+        std::size_t number;
+    };
+    void refine(const Spot& spot, int target, const LiveShot& shot, TilePaths& paths,
+                LivePixel& pixel);
     void show(const LivePixel& pixel, std::uint8_t* bytes);
 
     const RayScene* scene_;

@@ -1,6 +1,7 @@
 #include "studio/render/live_painter.h"
 
 #include <algorithm>
+#include <fmt/format.h>
 #include <thread>
 #include <utility>
 
@@ -45,6 +46,7 @@ void LivePainter::paint(const LiveWish& wish, const LiveWatch& watch) {
     } catch (...) {
         lanes_.clear();
         canvas_.reset();
+        paths_.reset();
         wish_ = {};
         throw;
     }
@@ -53,7 +55,6 @@ void LivePainter::paint(const LiveWish& wish, const LiveWatch& watch) {
 void LivePainter::follow(const LiveWish& wish, const LiveWatch& watch) {
     const Change change = adopt(wish);
     if (paintFirst(change, watch)) refine(watch);
-    countUp();
 }
 
 /// What the canvas shows of former wishes and still holds, stays.
@@ -62,6 +63,7 @@ LivePainter::Change LivePainter::adopt(const LiveWish& wish) {
     const bool newLights = wish.lights != wish_.lights;
     const SurfaceSet changed = adoptOnLanes(wish);
     if (newView) adoptView(wish);
+    adoptPaths(wish, newView, newLights);
     if (newView || newLights) {
         canvas_->clear();
         samples_ = 0;
@@ -78,7 +80,21 @@ void LivePainter::adoptView(const LiveWish& wish) {
     shot_.emplace(LiveShot{View(*wish.camera, wish.width, wish.height, options_.samples),
                            samplePattern(options_.samples), options_.background});
     const bool fits = canvas_ && canvas_->width() == wish.width && canvas_->height() == wish.height;
-    if (!fits) canvas_.emplace(wish.width, wish.height);
+    if (fits) return;
+    paths_.reset();
+    canvas_.emplace(wish.width, wish.height);
+}
+
+/// Hits depend on the view alone, light on that and the lights.
+void LivePainter::adoptPaths(const LiveWish& wish, bool newView, bool newLights) {
+    const std::size_t lights = wish.lights->lights.size();
+    if (paths_ && paths_->lights() == lights) {
+        if (newView) paths_->forgetHits();
+        if (newLights) paths_->forgetLights();
+        return;
+    }
+    paths_.reset();
+    paths_.emplace(canvas_->tiles(), options_.samples, lights, options_.memory);
 }
 
 SurfaceSet LivePainter::adoptOnLanes(const LiveWish& wish) {
@@ -160,7 +176,8 @@ LivePainter::Swept LivePainter::sweep(const LivePass& pass, const std::function<
         while (Clock::now() < until) {
             const std::size_t tile = nextTile_.fetch_add(1);
             if (tile >= tiles.size()) return;
-            samples_ += lanes_[lane]->renderTile(tiles[tile], pass, *shot_, overtaken, *canvas_);
+            samples_ += lanes_[lane]->renderTile(tiles[tile], pass, *shot_, overtaken, *canvas_,
+                                                 paths_->open(tile));
             if (overtaken()) {
                 dropped = true;
                 return;
@@ -172,6 +189,7 @@ LivePainter::Swept LivePainter::sweep(const LivePass& pass, const std::function<
 }
 
 void LivePainter::publish(int coarseness, const LiveWatch& watch) {
+    countUp();
     LiveFrame frame = canvas_->frame(coarseness);
     frame.revision = wish_.revision;
     frame.refined =
@@ -180,6 +198,15 @@ void LivePainter::publish(int coarseness, const LiveWatch& watch) {
 }
 
 void LivePainter::countUp() {
+    stats_.keptBytes = paths_->bytes();
+    stats_.keptShare = paths_->keptShare();
+    stats_.notice.clear();
+    if (paths_->wasExceeded()) {
+        stats_.notice = fmt::format(
+            "{} MB hold the hits of {:.0f}% of the samples: the others are traced anew after each "
+            "change; a smaller window or fewer samples would fit",
+            options_.memory >> 20, 100 * stats_.keptShare);
+    }
     stats_.tracedRays = stats_.evaluations = 0;
     for (const auto& lane : lanes_) {
         stats_.tracedRays += lane->tracedRays();

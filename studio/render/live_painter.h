@@ -15,6 +15,7 @@
 #include "studio/render/live_lane.h"
 #include "studio/render/live_picture.h"
 #include "studio/render/live_wish.h"
+#include "studio/render/path_store.h"
 #include "studio/render/ray_scene.h"
 
 namespace tavora::studio {
@@ -48,6 +49,7 @@ class LivePainter {
     void follow(const LiveWish& wish, const LiveWatch& watch);
     Change adopt(const LiveWish& wish);
     void adoptView(const LiveWish& wish);
+    void adoptPaths(const LiveWish& wish, bool newView, bool newLights);
     SurfaceSet adoptOnLanes(const LiveWish& wish);
     void empty(SurfaceSet surfaces);
     int firstStep(Change change) const;
@@ -66,6 +68,7 @@ class LivePainter {
     std::vector<std::unique_ptr<LiveLane>> lanes_;
     std::optional<LiveShot> shot_;
     std::optional<LiveCanvas> canvas_;
+    std::optional<PathStore> paths_;
     LiveWish wish_;  ///< what the canvas shows, or is to
     std::atomic<std::size_t> nextTile_{0};
     std::atomic<std::uint64_t> samples_{0};      ///< on the canvas

@@ -46,6 +46,8 @@ struct SampleShader::Level {
 
     Ray ray;
     HitKey hit;
+    bool onPath = false;                       ///< `ray` is the camera's
+    KeptPath::Place place = KeptPath::kStart;  ///< of `hit`, if so
     SurfacePoint point;
     LightArrivals lights;
     HostSample record{};  ///< of camera samples; traced ones belong to their caller
@@ -69,6 +71,12 @@ std::uint64_t SampleShader::shadowRays() const {
     return sum;
 }
 
+void SampleShader::follow(const KeptPath& path) {
+    path_ = path;
+    levels_.front()->onPath = true;
+    levels_.front()->place = KeptPath::kStart;
+}
+
 bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
                              Appearance& appearance) {
     working = this;
@@ -82,8 +90,14 @@ bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
 }
 
 bool SampleShader::nextHit(Level& level, const HitKey& after) {
+    if (level.onPath) {
+        const KeptPath::Step step = path_.next(level.place, level.hit);
+        if (step != KeptPath::Step::Unknown) return step == KeptPath::Step::Hit;
+    }
     ++viewingRays_;
-    return scene_->nextHit(level.ray, after, level.hit);
+    const bool hits = scene_->nextHit(level.ray, after, level.hit);
+    if (level.onPath) path_.keep(level.place, hits ? &level.hit : nullptr);
+    return hits;
 }
 
 bool SampleShader::findVisible(Level& level, HitKey after, OwnColor& own) {
@@ -104,7 +118,7 @@ Appearance SampleShader::shade(Level& level, const Viewpoint& from, const OwnCol
     const SurfaceTraits& traits = scene_->traits(surface);
     const ActiveShader active = shaders_->of(surface);
     const double specular = active.shader != nullptr ? traits.specular : 0;
-    level.lights.start(level.point);
+    level.lights.start(level.point, level.onPath ? &path_ : nullptr, level.place);
     fillRecord(*scene_, level.point, from, own, specular, record);
     record.illuminate = illuminate;
     record.traceAndShade = traceAndShade;
@@ -174,9 +188,12 @@ double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSa
         isSameDirection(from.direction, outer.ray.direction)) {
         // The viewing ray goes on: what it passed is known exactly.
         level.ray = outer.ray;
+        level.onPath = outer.onPath;
+        level.place = outer.place;
         after = outer.hit;
     } else {
         level.ray = Ray{};
+        level.onPath = false;
         level.ray.origin = from.position;
         level.ray.direction = from.direction;
         level.ray.nearest = 4 * roundingMargin(magnitudeOf(from.position));

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "host/sample.h"
+#include "studio/render/kept_paths.h"
 #include "studio/render/lane_shaders.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_record.h"
@@ -36,6 +37,10 @@ class SampleShader {
     ~SampleShader();
     SampleShader(const SampleShader&) = delete;
     SampleShader& operator=(const SampleShader&) = delete;
+
+    /// Before the first call for a viewing ray: what is known of its hits, and
+    /// is to be kept. Without, nothing is kept.
+    void follow(const KeptPath& path);
 
     /// Shades the first surface along `ray` after the hit `after` that is not
     /// wholly clear where it is hit, and says in `hit` which one it was.
@@ -71,6 +76,7 @@ class SampleShader {
     const LaneShaders* shaders_;
     std::vector<std::unique_ptr<Level>> levels_;  ///< the camera's sample, then nested ones
     std::size_t depth_ = 0;                       ///< of the sample being shaded
+    KeptPath path_;                               ///< of the camera's sample
     SurfaceSet shaded_;
     std::uint64_t evaluations_ = 0;
     std::uint64_t viewingRays_ = 0;

@@ -1,0 +1,172 @@
+#include "studio/render/kept_paths.h"
+
+#include <algorithm>
+#include <bit>
+#include <limits>
+
+namespace tavora::studio {
+namespace {
+
+// A node is a row of words: the hit, the place of the node after it, then two
+// bits a light.
+constexpr std::size_t kDistance = 0;
+constexpr std::size_t kMesh = 1;
+constexpr std::size_t kTriangle = 2;
+constexpr std::size_t kNext = 3;
+constexpr std::size_t kLights = 4;
+constexpr std::size_t kLightsAWord = 16;
+
+constexpr KeptPath::Place kFirst = 0xfffffffe;  // the node in the sample's layer
+constexpr std::uint32_t kUnknownNext = 0;
+constexpr std::uint32_t kNoNext = 0xfffffffd;
+
+// As distances of first hits.
+constexpr float kUnknown = -std::numeric_limits<float>::infinity();
+constexpr float kMiss = std::numeric_limits<float>::infinity();
+
+constexpr std::size_t kGrowth = 64;  // nodes
+
+void write(const HitKey& hit, std::uint32_t* node) {
+    node[kDistance] = std::bit_cast<std::uint32_t>(hit.distance);
+    node[kMesh] = hit.mesh;
+    node[kTriangle] = hit.triangle;
+}
+
+HitKey read(const std::uint32_t* node) {
+    return {std::bit_cast<float>(node[kDistance]), node[kMesh], node[kTriangle]};
+}
+
+KeptShare keptShare(double share) {
+    if (share == 0) return KeptShare::None;
+    return share == 1 ? KeptShare::All : KeptShare::Some;
+}
+
+}  // namespace
+
+std::uint32_t* KeptPath::node(Place place) const {
+    return place == kFirst ? first_ : &tile_->further_[place];
+}
+
+KeptPath::Step KeptPath::next(Place& place, HitKey& hit) const {
+    if (first_ == nullptr || place == kLost) return Step::Unknown;
+    Place there = kFirst;
+    if (place == kStart) {
+        const HitKey first = read(first_);
+        if (first.distance == kUnknown) return Step::Unknown;
+        if (first.distance == kMiss) return Step::Miss;
+    } else {
+        there = node(place)[kNext];
+        if (there == kUnknownNext) return Step::Unknown;
+        if (there == kNoNext) return Step::Miss;
+    }
+    place = there;
+    hit = read(node(there));
+    return Step::Hit;
+}
+
+void KeptPath::keep(Place& place, const HitKey* hit) {
+    if (first_ == nullptr || place == kLost) return;
+    if (place == kStart) {
+        write(hit != nullptr ? *hit : HitKey{kMiss, 0, 0}, first_);
+        place = kFirst;
+        return;
+    }
+    const Place there = hit != nullptr ? tile_->addFurther(*hit) : kNoNext;
+    if (there != kLost) node(place)[kNext] = there;
+    place = there;
+}
+
+KeptShare KeptPath::share(Place place, std::size_t light) const {
+    if (first_ == nullptr || place == kLost) return KeptShare::Unknown;
+    const std::uint32_t word = node(place)[kLights + light / kLightsAWord];
+    return static_cast<KeptShare>(word >> 2 * (light % kLightsAWord) & 3U);
+}
+
+void KeptPath::keepShare(Place place, std::size_t light, double share) {
+    if (first_ == nullptr || place == kLost) return;
+    const auto bits = static_cast<std::uint32_t>(keptShare(share));
+    node(place)[kLights + light / kLightsAWord] |= bits << 2 * (light % kLightsAWord);
+}
+
+bool PathBudget::take(std::size_t bytes) {
+    const std::size_t before = taken_.fetch_add(bytes);
+    if (before <= limit_ && bytes <= limit_ - before) return true;
+    taken_ -= bytes;
+    exceeded_ = true;
+    return false;
+}
+
+TilePaths::TilePaths(std::size_t pixels, int samples, std::size_t lights, PathBudget& budget)
+    : pixels_(pixels),
+      stride_(kLights + (lights + kLightsAWord - 1) / kLightsAWord),
+      budget_(&budget),
+      layers_(static_cast<std::size_t>(samples)) {}
+
+void TilePaths::open(const PathAge& age) {
+    // Node 0 is none: its place means that nothing is known.
+    if (age.view != age_.view) {
+        further_.resize(std::min(further_.size(), stride_));
+    } else if (age.lights != age_.lights && further_.size() > stride_) {
+        clearLights(&further_[stride_], further_.size() / stride_ - 1);
+    }
+    age_ = age;
+}
+
+KeptPath TilePaths::path(std::size_t pixel, std::size_t sample) {
+    Layer& layer = layers_[sample];
+    if (layer.nodes == nullptr && !make(layer)) return {};
+    refresh(layer);
+    return {*this, &layer.nodes[pixel * stride_]};
+}
+
+std::size_t TilePaths::keptSamples() const {
+    const auto layers = std::count_if(layers_.begin(), layers_.end(),
+                                      [](const Layer& layer) { return layer.nodes != nullptr; });
+    return static_cast<std::size_t>(layers) * pixels_;
+}
+
+bool TilePaths::make(Layer& layer) {
+    const std::size_t words = pixels_ * stride_;
+    if (!budget_->take(words * sizeof(std::uint32_t))) return false;
+    layer.nodes = std::make_unique<std::uint32_t[]>(words);
+    return true;
+}
+
+void TilePaths::refresh(Layer& layer) {
+    if (layer.age.view != age_.view) {
+        clear(layer.nodes.get(), pixels_);
+    } else if (layer.age.lights != age_.lights) {
+        clearLights(layer.nodes.get(), pixels_);
+    }
+    layer.age = age_;
+}
+
+void TilePaths::clear(std::uint32_t* nodes, std::size_t count) const {
+    std::fill_n(nodes, count * stride_, 0U);
+    for (std::size_t i = 0; i < count; ++i)
+        nodes[i * stride_ + kDistance] = std::bit_cast<std::uint32_t>(kUnknown);
+}
+
+void TilePaths::clearLights(std::uint32_t* nodes, std::size_t count) const {
+    for (std::size_t i = 0; i < count; ++i)
+        std::fill_n(&nodes[i * stride_ + kLights], stride_ - kLights, 0U);
+}
+
+/// The place of a new node for that hit; kLost when there is no room.
+KeptPath::Place TilePaths::addFurther(const HitKey& hit) {
+    const std::size_t place = std::max(further_.size(), stride_);
+    if (!makeRoom(place + stride_)) return KeptPath::kLost;
+    further_.resize(place + stride_);
+    write(hit, &further_[place]);
+    return static_cast<KeptPath::Place>(place);
+}
+
+bool TilePaths::makeRoom(std::size_t words) {
+    if (words <= further_.capacity()) return true;
+    const std::size_t room = std::max(words, further_.capacity() * 3 / 2) + kGrowth * stride_;
+    if (!budget_->take((room - further_.capacity()) * sizeof(std::uint32_t))) return false;
+    further_.reserve(room);
+    return true;
+}
+
+}  // namespace tavora::studio

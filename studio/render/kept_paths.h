@@ -1,0 +1,114 @@
+#pragma once
+
+#include <atomic>
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <vector>
+
+#include "studio/render/ray_scene.h"
+
+namespace tavora::studio {
+
+/// Share of a light that passes to a hit, as far as it is kept.
+enum class KeptShare : std::uint32_t {
+    Unknown,
+    None,
+    All,
+    Some  ///< neither; how much has to be traced again
+};
+
+class TilePaths;
+
+/// The hits along one sample's viewing ray, and which lights reach them, as far
+/// as they are known. What becomes known is kept if there is room. One that is
+/// default-made keeps nothing.
+class KeptPath {
+  public:
+    /// A hit of the path.
+    using Place = std::uint32_t;
+    static constexpr Place kStart = 0;  ///< before the first hit
+    /// A hit that is not kept; neither are those beyond.
+    static constexpr Place kLost = 0xffffffff;
+
+    enum class Step { Hit, Miss, Unknown };
+
+    KeptPath() = default;
+    KeptPath(TilePaths& tile, std::uint32_t* first) : tile_(&tile), first_(first) {}
+
+    /// Goes on from `place` to the next hit, if that is known.
+    Step next(Place& place, HitKey& hit) const;
+    /// Keeps the hit after `place`, null for none, and goes on to it.
+    void keep(Place& place, const HitKey* hit);
+
+    KeptShare share(Place place, std::size_t light) const;
+    void keepShare(Place place, std::size_t light, double share);
+
+  private:
+    std::uint32_t* node(Place place) const;
+
+    TilePaths* tile_ = nullptr;
+    std::uint32_t* first_ = nullptr;
+};
+
+/// Bytes that paths may take, and have taken. Any thread.
+class PathBudget {
+  public:
+    explicit PathBudget(std::size_t limit) : limit_(limit) {}
+
+    /// False, and nothing taken, when it would be too much.
+    bool take(std::size_t bytes);
+    std::size_t taken() const { return taken_; }
+    bool wasExceeded() const { return exceeded_; }
+
+  private:
+    const std::size_t limit_;
+    std::atomic<std::size_t> taken_{0};
+    std::atomic<bool> exceeded_{false};
+};
+
+/// How old what is kept may be: what was kept under other numbers is void.
+struct PathAge {
+    std::uint32_t view = 1;
+    std::uint32_t lights = 1;
+};
+
+/// The paths of a tile's samples. One thread at a time.
+class TilePaths {
+  public:
+    /// `budget` must outlive it.
+    TilePaths(std::size_t pixels, int samples, std::size_t lights, PathBudget& budget);
+
+    /// Before paths are asked for: forgets what is void.
+    void open(const PathAge& age);
+    /// The path of a pixel's sample, valid until open() is called again.
+    /// Throws std::bad_alloc.
+    KeptPath path(std::size_t pixel, std::size_t sample);
+
+    /// Samples for whose paths there is room so far.
+    std::size_t keptSamples() const;
+
+  private:
+    friend class KeptPath;
+
+    /// The first hits of all pixels' samples of one number.
+    struct Layer {
+        std::unique_ptr<std::uint32_t[]> nodes;
+        PathAge age{0, 0};
+    };
+    bool make(Layer& layer);
+    void refresh(Layer& layer);
+    void clear(std::uint32_t* nodes, std::size_t count) const;
+    void clearLights(std::uint32_t* nodes, std::size_t count) const;
+    KeptPath::Place addFurther(const HitKey& hit);
+    bool makeRoom(std::size_t words);
+
+    std::size_t pixels_;
+    std::size_t stride_;  ///< words of a node
+    PathBudget* budget_;
+    PathAge age_{0, 0};
+    std::vector<Layer> layers_;           ///< by sample
+    std::vector<std::uint32_t> further_;  ///< nodes of hits beyond the first
+};
+
+}  // namespace tavora::studio
