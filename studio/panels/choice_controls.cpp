@@ -28,25 +28,47 @@ QStringList itemsOf(const HostControlDescription& description) {
 /// One button of a row that looks like one piece.
 class Segment : public QPushButton {
   public:
-    using QPushButton::QPushButton;
+    enum Ends { First = 1, Last = 2 };
+    Segment(const QString& text, int ends, QWidget* parent)
+        : QPushButton(text, parent), ends_(ends) {}
 
   protected:
     void paintEvent(QPaintEvent* /*event*/) override {
         QPainter painter(this);
-        const QPalette& colors = palette();
-        const bool on = isChecked();
-        QColor fill = colors.color(on ? QPalette::Highlight : QPalette::Button);
-        if (isDown()) fill = fill.darker(115);
-        painter.setPen(colors.color(QPalette::Mid).darker(120));
-        painter.setBrush(fill);
-        painter.drawRect(rect().adjusted(0, 0, -1, -1));
-        painter.setPen(colors.color(on ? QPalette::HighlightedText : QPalette::ButtonText));
+        painter.setRenderHint(QPainter::Antialiasing);
+        painter.setPen(palette().color(QPalette::Window).darker(150));
+        painter.setBrush(fill());
+        painter.drawRoundedRect(outline(), kRound, kRound);
+        if ((ends_ & First) == 0) painter.drawLine(QPointF(0.5, 1), QPointF(0.5, height() - 1));
+        const bool chosen = isChecked() && isEnabled();
+        const QColor ink =
+            palette().color(chosen ? QPalette::HighlightedText : QPalette::ButtonText);
+        painter.setPen(ink);
         painter.drawText(rect(), Qt::AlignCenter, text());
         if (!hasFocus()) return;
         painter.setBrush(Qt::NoBrush);
-        painter.setPen(QPen(colors.color(on ? QPalette::HighlightedText : QPalette::Highlight), 1));
-        painter.drawRect(rect().adjusted(2, 2, -3, -3));
+        painter.drawRect(QRectF(rect()).adjusted(3.5, 3.5, -3.5, -3.5));
     }
+
+  private:
+    QColor fill() const {
+        if (isDown()) return palette().color(QPalette::Button).darker(120);
+        if (!isChecked()) return palette().color(QPalette::Button);
+        return isEnabled() ? palette().color(QPalette::Highlight)
+                           : palette().color(QPalette::Button).darker(120);
+    }
+
+    /// Reaches over the sides that join the next button, so that only the ends
+    /// of the row are rounded.
+    QRectF outline() const {
+        QRectF whole = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
+        if ((ends_ & First) == 0) whole.adjust(-kRound, 0, 0, 0);
+        if ((ends_ & Last) == 0) whole.adjust(0, 0, kRound, 0);
+        return whole;
+    }
+
+    static constexpr double kRound = 2;
+    int ends_;
 };
 
 }  // namespace
@@ -86,12 +108,14 @@ ChoiceControl::ChoiceControl(const ControlSeed& seed) : OneOfControl(seed) {
     int width = 0;
     for (const QString& item : items)
         width = std::max(width, row->fontMetrics().horizontalAdvance(item) + kSegmentMargins);
-    for (const QString& item : items) {
-        auto* button = new Segment(item, row);
+    for (qsizetype i = 0; i < items.size(); ++i) {
+        const int ends =
+            (i == 0 ? Segment::First : 0) | (i + 1 == items.size() ? Segment::Last : 0);
+        auto* button = new Segment(items[i], ends, row);
         button->setCheckable(true);
         button->setAutoDefault(false);
         button->setFixedSize(width, kRowHeight);
-        group_->addButton(button, static_cast<int>(group_->buttons().size()));
+        group_->addButton(button, static_cast<int>(i));
         line->addWidget(button);
     }
     setField(row, LayoutKind::Plain, QSize(width * static_cast<int>(items.size()), kRowHeight));

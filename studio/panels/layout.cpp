@@ -8,8 +8,10 @@ namespace {
 
 constexpr int kInset = 5;         // of what stands without a label
 constexpr int kColumnReach = 24;  // fields this near belong to one column
+constexpr int kJoinReach = 16;    // of columns and colour patches
 constexpr int kRowReach = 2;
-constexpr int kBetween = 8;    // kept free between two controls of a row
+constexpr int kBetween = 6;    // kept free between two controls of a row
+constexpr int kOffFrame = 8;   // a text begins this far from the frame's border
 constexpr int kAreaDepth = 4;  // drawing into an area may begin that much lower
 
 using Items = std::vector<LayoutItem>;
@@ -51,19 +53,48 @@ std::vector<Group> groupsOf(Items& items, LayoutKind kind, int reach, Key key) {
     return groups;
 }
 
+int fieldLeft(const LayoutItem* item) {
+    return item->fieldRect.left();
+}
+
 /// The widest label decides, from where the leftmost begins.
-void alignColumns(Items& items) {
-    const auto fieldLeft = [](const LayoutItem* item) { return item->fieldRect.left(); };
-    for (const Group& column : groupsOf(items, LayoutKind::Labelled, kColumnReach, fieldLeft)) {
-        if (column.size() < 2) continue;
-        int left = column.front()->at.x();
-        int label = 0;
-        for (const LayoutItem* item : column) {
-            left = std::min(left, item->at.x());
-            label = std::max(label, item->label);
-        }
-        for (LayoutItem* item : column)
-            if (item->label > 0) moveField(*item, left + label + kLabelGap);
+int columnLeft(const Group& column, const std::optional<QRect>& frame) {
+    int left = column.front()->at.x();
+    int label = 0;
+    for (const LayoutItem* item : column) {
+        left = std::min(left, item->at.x());
+        label = std::max(label, item->label);
+    }
+    if (frame && left > frame->left()) left = std::max(left, frame->left() + kOffFrame);
+    return left + label + kLabelGap;
+}
+
+/// The furthest place to the right that is near enough to join; else `left`.
+int joined(int left, const std::vector<int>& places) {
+    int best = left;
+    for (const int place : places)
+        if (place > best && place - left <= kJoinReach) best = place;
+    return best;
+}
+
+/// Fields in columns; colour patches join a column a little to their right,
+/// then columns such patches.
+void alignColumns(Items& items, const std::optional<QRect>& frame) {
+    const auto columns = groupsOf(items, LayoutKind::Labelled, kColumnReach, fieldLeft);
+    std::vector<int> lefts;
+    for (const Group& column : columns) {
+        const bool alone = column.size() < 2;
+        lefts.push_back(alone ? fieldLeft(column.front()) : columnLeft(column, frame));
+    }
+    std::vector<int> patches;
+    for (LayoutItem& item : items) {
+        if (item.kind != LayoutKind::ColorPatch) continue;
+        moveField(item, joined(fieldLeft(&item), lefts));
+        patches.push_back(fieldLeft(&item));
+    }
+    for (std::size_t i = 0; i < columns.size(); ++i) {
+        for (LayoutItem* item : columns[i])
+            if (item->label > 0) moveField(*item, joined(lefts[i], patches));
     }
 }
 
@@ -135,13 +166,24 @@ void coverPatches(Items& items) {
     }
 }
 
+void keepOffFrame(Items& items, const QRect& frame) {
+    const int left = frame.left() + kOffFrame;
+    for (LayoutItem& item : items) {
+        const int from = item.fieldRect.left();
+        if (item.kind == LayoutKind::Text && from > frame.left() && from < left) {
+            item.fieldRect.moveLeft(left);
+        }
+    }
+}
+
 }  // namespace
 
-void layOut(std::vector<LayoutItem>& items) {
+void layOut(std::vector<LayoutItem>& items, const std::optional<QRect>& frame) {
     for (LayoutItem& item : items)
         placeAlone(item);
-    alignColumns(items);
+    alignColumns(items, frame);
     equalizeButtons(items);
+    if (frame) keepOffFrame(items, *frame);
     alignRows(items);
     coverPatches(items);
 }

@@ -1,12 +1,14 @@
 #pragma once
 
 #include <QRect>
+#include <optional>
 #include <vector>
 
 namespace tavora::studio {
 
 enum class LayoutKind {
     Plain,       ///< stands where its module put it
+    Text,        ///< the same, but off the frame's border
     Button,      ///< as wide as its neighbours above and below
     Labelled,    ///< a label, and a field in line with others
     ColorPatch,  ///< a patch of kPatchSize with fields to its right
@@ -32,7 +34,8 @@ inline constexpr int kLabelGap = 5;
 /// Gives every item its rectangles. Modules place controls for the widths of a
 /// font that we do not have, a pixel off here and there: fields that begin near
 /// one another share one column, labels ending there; visible controls whose
-/// rows differ by no more than two pixels share one row.
-void layOut(std::vector<LayoutItem>& items);
+/// rows differ by no more than two pixels share one row. `frame`: the box that
+/// the module draws around controls, if any.
+void layOut(std::vector<LayoutItem>& items, const std::optional<QRect>& frame = {});
 
 }  // namespace tavora::studio

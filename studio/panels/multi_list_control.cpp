@@ -117,6 +117,7 @@ MultiListView::MultiListView(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setMinimumSectionSize(8);
     horizontalHeader()->setSectionResizeMode(QHeaderView::Fixed);
     horizontalHeader()->setStretchLastSection(true);
+    horizontalHeader()->setDefaultAlignment(Qt::AlignLeft | Qt::AlignVCenter);
     horizontalHeader()->setHighlightSections(false);
     horizontalHeader()->setSectionsClickable(false);
     connect(this, &QTableView::clicked, this,

@@ -7,7 +7,7 @@
 namespace tavora::studio {
 namespace {
 
-constexpr int kPercentWidth = 72;
+constexpr int kPercentWidth = 70;
 constexpr int kNumWidth = 48;
 constexpr int kChannelWidth = 36;
 constexpr int kSpacing = 3;

@@ -30,7 +30,7 @@ PanelDialog::PanelDialog(HostPanelId id, const QString& title, void* userData, Q
       buttons_(new QDialogButtonBox(this)),
       userData_(userData) {
     setWindowTitle(title);
-    canvas_->setFont(panelFont());
+    setFont(panelFont());
     auto* lines = new QVBoxLayout(this);
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
@@ -134,7 +134,7 @@ void PanelDialog::fit() {
         items.push_back(control->layoutItem());
         items.back().visible = true;
     }
-    layOut(items);
+    layOut(items, canvas_->drawing().frame());
     QRect all = canvas_->drawing().bounds();
     for (const LayoutItem& item : items)
         all |= item.fieldRect | item.labelRect;
@@ -205,7 +205,7 @@ void PanelDialog::settle() {
     std::vector<LayoutItem> items;
     for (const PanelControl* control : controls_)
         items.push_back(control->layoutItem());
-    layOut(items);
+    layOut(items, canvas_->drawing().frame());
     for (std::size_t i = 0; i < items.size(); ++i)
         controls_[i]->place(items[i]);
     const auto* tabs = canvas_->findChild<QTabBar*>();

@@ -17,9 +17,14 @@ TextControl::TextControl(const ControlSeed& seed) : PanelControl(seed) {
     auto* label = new QLabel(linesOf(seed.description), seed.canvas);
     label->setTextFormat(Qt::PlainText);
     label->setAlignment(Qt::AlignLeft | Qt::AlignVCenter);
+    if (label->text().endsWith(QLatin1Char(':'))) {  // a heading
+        QFont bold = label->font();
+        bold.setBold(true);
+        label->setFont(bold);
+    }
     QSize size = label->sizeHint();
     size.setHeight(std::max(size.height(), kRowHeight));
-    setField(label, LayoutKind::Plain, size);
+    setField(label, LayoutKind::Text, size);
     addLabel();
 }
 

@@ -1,0 +1,128 @@
+#include "tests/panels/settings_rig.h"
+
+#include <QDialog>
+#include <QTabBar>
+#include <QTest>
+#include <QTimer>
+#include <stdexcept>
+
+#include "studio/services/instance_update.h"
+#include "studio/services/messages.h"
+#include "studio/services/registry.h"
+
+namespace tavora::studio::testing {
+namespace {
+
+Scene bareScene() {
+    Scene scene;
+    scene.surfaces.resize(1);
+    return scene;
+}
+
+LightRig rigOf(const std::vector<std::string>& names) {
+    LightRig rig;
+    for (const std::string& name : names) {
+        auto light = std::make_unique<Light>();
+        light->name = name;
+        rig.own.push_back(std::move(light));
+        rig.lights.push_back({rig.own.back().get(), Imath::V3d(1, 1, 1), 1});
+    }
+    return rig;
+}
+
+}  // namespace
+
+SettingsRig::SettingsRig(std::vector<std::string> lights)
+    : scene_(bareScene()), lights_(rigOf(lights)), index_(scene_), binding_(index_, lights_) {
+    setMessageSink([](MessageKind, const std::string&) {});
+    module_ = std::make_unique<ModuleCopy>(TAVORA_MODULE, findService);
+    shader_ = std::make_unique<Shader>(*module_, index_.surfaceId(0));
+    setInstanceListener([this](const char*, HostInstance) { ++updates; });
+}
+
+SettingsRig::~SettingsRig() {
+    setInstanceListener({});
+    setMessageSink({});
+}
+
+void SettingsRig::openOptions() {
+    const HostShaderInterface shown = module_->activateInterface(shader_->instance());
+    if (const HostError error = shown.options(shader_->instance())) throw std::runtime_error(error);
+}
+
+bool SettingsRig::open(const std::function<void(QWidget& panel)>& user) {
+    bool confirmed = false;
+    std::exception_ptr failed;
+    std::unique_ptr<Panels> panels;
+    PanelHooks hooks;
+    bool begun = false;
+    hooks.opened = [&](QWidget& panel) {
+        if (std::exchange(begun, true)) return;  // a panel on top
+        QTimer::singleShot(0, &panel, [&] {
+            try {
+                user(panel);
+            } catch (...) {
+                failed = std::current_exception();
+            }
+            panels->close(false);
+        });
+    };
+    hooks.closed = [&](QWidget& panel) {
+        confirmed = static_cast<QDialog&>(panel).result() == QDialog::Accepted;
+        if (whenClosed) whenClosed();
+    };
+    panels = std::make_unique<Panels>(nullptr, hooks);
+    openOptions();
+    if (failed) std::rethrow_exception(failed);
+    return confirmed;
+}
+
+void SettingsRig::draw(const std::function<void(QWidget& panel)>& look) {
+    PanelHooks hooks;
+    hooks.insteadOfShowing = look;
+    const Panels panels(nullptr, hooks);
+    openOptions();
+}
+
+void SettingsRig::apply(const char* changesAsJson) {
+    Settings changed = settings();
+    applySettings(changed, nlohmann::ordered_json::parse(changesAsJson), "test");
+    shader_->load(blockOf(changed));
+}
+
+Shown shown(const QWidget& panel, const char* name) {
+    const auto& widget = find(panel, name);
+    if (!widget.isVisibleTo(&panel)) return Shown::Absent;
+    return widget.isEnabledTo(&panel) ? Shown::Normal : Shown::Ghosted;
+}
+
+void click(QWidget& widget) {
+    QTest::mouseClick(&widget, Qt::LeftButton);
+}
+
+void clickAt(QWidget& widget, int x) {
+    QTest::mouseClick(&widget, Qt::LeftButton, {}, QPoint(x, widget.height() / 2));
+}
+
+void type(const QWidget& panel, const char* field, const char* text) {
+    auto& widget = find(panel, field);
+    click(widget);
+    QTest::keyClicks(&widget, QString::fromUtf8(text));
+    QTest::keyClick(&widget, Qt::Key_Return);
+}
+
+void drag(QWidget& widget, int distance) {
+    const QPoint start = widget.rect().center();
+    constexpr int moves = 8;
+    QTest::mousePress(&widget, Qt::LeftButton, {}, start);
+    for (int move = 1; move <= moves; ++move)
+        QTest::mouseMove(&widget, start + QPoint(distance * move / moves, 0));
+    QTest::mouseRelease(&widget, Qt::LeftButton, {}, start + QPoint(distance, 0));
+}
+
+void selectPage(QWidget& panel, int page) {
+    auto& tabs = find<QTabBar>(panel, "tab");
+    QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(page).center());
+}
+
+}  // namespace tavora::studio::testing

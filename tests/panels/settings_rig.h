@@ -1,0 +1,68 @@
+#pragma once
+
+#include <QWidget>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "studio/link/shader.h"
+#include "studio/panels/panels.h"
+#include "studio/scene/light_levels.h"
+#include "studio/scene/scene.h"
+#include "studio/scene/settings.h"
+#include "studio/services/scene_index.h"
+#include "studio/services/service_binding.h"
+
+namespace tavora::studio::testing {
+
+/// The module with one record, a scene of three lights, and panel services.
+class SettingsRig {
+  public:
+    explicit SettingsRig(std::vector<std::string> lights = {"Key", "Fill", "Rim"});
+    ~SettingsRig();
+
+    /// Opens the settings panel and runs `user` in it; closes it as by Cancel
+    /// when the user did not. True for OK.
+    bool open(const std::function<void(QWidget& panel)>& user);
+    /// Lays the panel out without showing it.
+    void draw(const std::function<void(QWidget& panel)>& look);
+
+    Settings settings() const { return settingsOf(shader_->save()); }
+    /// Changes settings by name while no panel is open.
+    void apply(const char* changesAsJson);
+
+    int updates = 0;                   ///< sent by the module
+    std::function<void()> whenClosed;  ///< called from the hook
+
+  private:
+    void openOptions();
+
+    Scene scene_;
+    LightRig lights_;
+    SceneIndex index_;
+    ServiceBinding binding_;
+    std::unique_ptr<ModuleCopy> module_;
+    std::unique_ptr<Shader> shader_;
+};
+
+/// The widget of a control, or one of its parts; fails the test when there is none.
+template <class Widget = QWidget>
+Widget& find(const QWidget& panel, const char* name) {
+    auto* found = panel.findChild<Widget*>(QString::fromUtf8(name));
+    if (found != nullptr) return *found;
+    throw std::runtime_error(std::string("no control named ") + name);
+}
+
+/// Whether the user sees a control, and can use it.
+enum class Shown { Absent, Ghosted, Normal };
+Shown shown(const QWidget& panel, const char* name);
+
+/// As a user does it.
+void click(QWidget& widget);
+void clickAt(QWidget& widget, int x);
+void type(const QWidget& panel, const char* field, const char* text);
+/// Presses in the middle, moves by `distance` in steps, releases.
+void drag(QWidget& widget, int distance);
+void selectPage(QWidget& panel, int page);
+
+}  // namespace tavora::studio::testing
