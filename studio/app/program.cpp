@@ -12,6 +12,7 @@
 #include "studio/app/exit_status.h"
 #include "studio/app/interruption.h"
 #include "studio/app/report.h"
+#include "studio/app/stopped.h"
 #include "studio/app/usage_error.h"
 #include "studio/files/output_error.h"
 #include "studio/link/link_error.h"
@@ -64,6 +65,9 @@ int explained(Report& report) {
     } catch (const LinkError& error) {
         report.error(error.what());
         return kPlugin;
+    } catch (const Stopped& stopped) {
+        report.error(fmt::format("stopped by a signal; {}", stopped.what()));
+        return kSignal + stopSignal();
     } catch (const RenderStopped&) {
         report.error("stopped by a signal; nothing was written");
         return kSignal + stopSignal();

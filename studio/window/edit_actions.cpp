@@ -3,6 +3,7 @@
 #include <QMainWindow>
 #include <QMenuBar>
 #include <QToolBar>
+#include <QToolButton>
 
 #include "studio/window/look_menu.h"
 
@@ -82,6 +83,8 @@ EditActions::EditActions(QMainWindow& window) {
     bar->addSeparator();
     bar->addAction(options);
     bar->addAction(looks->menuAction());
+    static_cast<QToolButton*>(bar->widgetForAction(looks->menuAction()))
+        ->setPopupMode(QToolButton::InstantPopup);
     bar->addSeparator();
     bar->addActions({resetView, compare});
     setSceneOpen(false);

@@ -1,3 +1,7 @@
+#include <QTimer>
+
+#include "studio/app/interruption.h"
+#include "studio/app/stopped.h"
 #include "studio/window/application.h"
 #include "studio/window/commands.h"
 #include "studio/window/edit_window.h"
@@ -7,6 +11,19 @@ namespace {
 
 /// Leaves 960 x 540 for the picture.
 constexpr QSize kWindowSize(1240, 640);
+/// Says what became of the work. Now: a panel that closes with the program
+/// takes its changes back.
+std::string keepWork(EditWindow& window) {
+    try {
+        window.keepSafe();
+        return "unsaved changes are kept and offered at the next start";
+    } catch (const std::exception& error) {
+        return std::string("unsaved changes are lost: ") + error.what();
+    }
+}
+
+/// How often, in milliseconds, to look whether a signal asks to stop.
+constexpr int kSignalInterval = 100;
 
 }  // namespace
 
@@ -16,7 +33,18 @@ void edit(const EditRequest& request, Report& report) {
     if (!request.scene.empty()) window.openFirst(request.scene);
     window.resize(kWindowSize);
     window.show();
+
+    const PoliteStop stop;
+    std::string work;
+    QTimer watch;
+    QObject::connect(&watch, &QTimer::timeout, [&] {
+        if (!stop.asked() || !work.empty()) return;
+        work = keepWork(window);
+        QApplication::exit();
+    });
+    watch.start(kSignalInterval);
     QApplication::exec();
+    if (stop.asked()) throw Stopped(work);
 }
 
 }  // namespace tavora::studio

@@ -2,7 +2,6 @@
 
 #include <QCloseEvent>
 #include <QFileDialog>
-#include <QGroupBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QSplitter>
@@ -17,6 +16,7 @@ namespace tavora::studio {
 namespace {
 
 constexpr int kSideWidth = 250;  // pixels
+constexpr int kMargin = 6;
 
 std::string droppedFile(const QMimeData& data) {
     if (!data.hasUrls() || !data.urls().front().isLocalFile()) return {};
@@ -31,9 +31,12 @@ bool isLook(const std::string& file) {
 }
 
 QWidget* titled(const QString& title, QWidget& content) {
-    auto* box = new QGroupBox(title);
+    auto* box = new QWidget;
     auto* layout = new QVBoxLayout(box);
-    layout->setContentsMargins(6, 6, 6, 6);
+    layout->setContentsMargins(0, 0, 0, 0);
+    auto* label = new QLabel(title);
+    label->setBuddy(&content);
+    layout->addWidget(label);
     layout->addWidget(&content);
     return box;
 }
@@ -74,7 +77,7 @@ QWidget* EditWindow::makeSide() {
     auto* top = new QWidget;
     auto* layout = new QVBoxLayout(top);
     layout->setContentsMargins(0, 0, 0, 0);
-    layout->addWidget(titled(tr("Surfaces"), surfaces_));
+    layout->addWidget(titled(tr("S&urfaces"), surfaces_));
     auto* options = new QPushButton(tr("Options…"));
     options->setObjectName("optionsButton");
     options->setToolTip(actions_.options->toolTip());
@@ -84,10 +87,11 @@ QWidget* EditWindow::makeSide() {
     options->setEnabled(false);
     layout->addWidget(options);
     side->addWidget(top);
-    side->addWidget(titled(tr("Lights"), lights_));
+    side->addWidget(titled(tr("&Lights"), lights_));
     side->setStretchFactor(0, 3);
     side->setStretchFactor(1, 1);
     side->setMinimumWidth(kSideWidth);
+    side->setContentsMargins(kMargin, kMargin, kMargin, kMargin);
     side->setChildrenCollapsible(false);
     return side;
 }
@@ -119,6 +123,7 @@ void EditWindow::connectFiles() {
 void EditWindow::connectEditing() {
     connect(&keys_, &WindowKeys::undo, this, &EditWindow::undo);
     connect(&keys_, &WindowKeys::redo, this, &EditWindow::redo);
+    connect(&keys_, &WindowKeys::save, actions_.save, &QAction::trigger);
     connect(actions_.undo, &QAction::triggered, this, &EditWindow::undo);
     connect(actions_.redo, &QAction::triggered, this, &EditWindow::redo);
     connect(actions_.copy, &QAction::triggered, this, &EditWindow::copy);
@@ -201,8 +206,9 @@ void EditWindow::showState() {
 void EditWindow::showProgress() {
     const Session* shown = session();
     const auto frame = shown == nullptr ? nullptr : shown->picture().latest();
-    progress_.setVisible(shown != nullptr);
-    progress_.setValue(frame == nullptr ? 0 : static_cast<int>(frame->refined * 100));
+    const double refined = frame == nullptr ? 0 : frame->refined;
+    progress_.setVisible(shown != nullptr && refined < 1);
+    progress_.setValue(static_cast<int>(refined * 100));
     if (shown == nullptr) {
         notice_.setText(tr("Open a glTF scene, or drop one here"));
         return;

@@ -30,6 +30,7 @@ class EditWindow : public QMainWindow {
     /// See SceneFiles.
     bool open(const std::filesystem::path& scene) { return files_.open(scene); }
     void openFirst(const std::filesystem::path& scene) { files_.openFirst(scene); }
+    void keepSafe() { files_.keepSafe(); }
 
     PanelSession& panel() { return panel_; }
     Session* session() const { return files_.session(); }

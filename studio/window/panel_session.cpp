@@ -10,16 +10,18 @@
 namespace tavora::studio {
 namespace {
 
-/// Beside the window where the screen has room, else over its right edge.
+constexpr int kGap = 8;  // pixels
+
+/// Beside the window, or as far beside it as the screen has room.
 QPoint besideWindow(const QWidget& window, const QWidget& panel) {
     const QRect screen = window.screen()->availableGeometry();
     const QRect frame = window.frameGeometry();
     const QSize size = panel.frameGeometry().size();
-    int x = frame.right() + 8;
-    if (x + size.width() > screen.right()) x = frame.right() - size.width() - 24;
+    const int lastX = screen.right() - size.width();
+    const int lastY = screen.bottom() - size.height();
     const int y = frame.top() + (frame.height() - size.height()) / 2;
-    return {std::clamp(x, screen.left(), std::max(screen.left(), screen.right() - size.width())),
-            std::clamp(y, screen.top(), std::max(screen.top(), screen.bottom() - size.height()))};
+    return {std::max(screen.left(), std::min(frame.right() + kGap, lastX)),
+            std::max(screen.top(), std::min(y, lastY))};
 }
 
 }  // namespace
@@ -27,12 +29,8 @@ QPoint besideWindow(const QWidget& window, const QWidget& panel) {
 PanelSession::PanelSession(QWidget& window, const Gestures& gestures)
     : window_(window),
       gestures_(gestures),
-      panels_(&window, {[this](QWidget& panel) { place(panel); },
-                        [this](QWidget& panel) {
-                            position_ = panel.pos();
-                            const auto* dialog = qobject_cast<QDialog*>(&panel);
-                            confirmed_ = dialog != nullptr && dialog->result() == QDialog::Accepted;
-                        },
+      panels_(&window, {[this](QWidget& panel) { panelOpened(panel); },
+                        [this](QWidget& panel) { panelClosed(panel); },
                         {}}) {
     setInstanceListener([this](const char*, HostInstance instance) { hear(instance); });
 }
@@ -105,8 +103,21 @@ void PanelSession::showOnce(const SurfaceSettings& before) {
     document.endStep();
 }
 
-void PanelSession::place(QWidget& panel) {
+/// Panels over the settings panel look after themselves.
+void PanelSession::panelOpened(QWidget& panel) {
+    if (panel_ != nullptr) return;
+    panel_ = &panel;
+    const std::string& name = session_->document().scene().surfaces[surface_].name;
+    panel.setWindowTitle(tr("%1 – %2").arg(QString::fromStdString(name), panel.windowTitle()));
     panel.move(position_.value_or(besideWindow(window_, panel)));
+}
+
+void PanelSession::panelClosed(QWidget& panel) {
+    if (&panel != panel_) return;
+    panel_ = nullptr;
+    position_ = panel.pos();
+    const auto* dialog = qobject_cast<QDialog*>(&panel);
+    confirmed_ = dialog != nullptr && dialog->result() == QDialog::Accepted;
 }
 
 void PanelSession::hear(HostInstance instance) {

@@ -44,13 +44,15 @@ class PanelSession : public QObject {
   private:
     void showUntilClosed();
     void showOnce(const SurfaceSettings& before);
-    void place(QWidget& panel);
+    void panelOpened(QWidget& panel);
+    void panelClosed(QWidget& panel);
     void hear(HostInstance instance);
 
     QWidget& window_;
     const Gestures& gestures_;
     Panels panels_;
     Session* session_ = nullptr;
+    QWidget* panel_ = nullptr;  ///< the settings panel, while it is shown
     std::size_t surface_ = 0;
     std::optional<std::size_t> next_;  ///< the surface to go on with
     std::function<void()> between_;    ///< to do before the panel is shown again

@@ -6,6 +6,7 @@
 #include <QMessageBox>
 
 #include "studio/edit/recent_files.h"
+#include "studio/services/messages.h"
 #include "studio/window/dialogs.h"
 
 namespace tavora::studio {
@@ -110,6 +111,10 @@ bool SceneFiles::mayClose() {
     return guarded(&window_, [&] { document.discardRecovery(); });
 }
 
+void SceneFiles::keepSafe() {
+    if (session_ != nullptr) session_->document().writeRecovery();
+}
+
 void SceneFiles::listRecent(QMenu& menu) {
     menu.clear();
     for (const fs::path& scene : recentFiles()) {
@@ -140,10 +145,16 @@ void SceneFiles::offerRecovery() {
     guarded(&window_, [&] {
         if (answer == QMessageBox::Yes) {
             document.recover();
+            showWarnings();
         } else {
             document.discardRecovery();
         }
     });
+}
+
+void SceneFiles::showWarnings() {
+    for (const std::string& warning : session_->document().warnings())
+        sendMessage(MessageKind::Warning, warning);
 }
 
 /// A full disk is said once, not every second.
@@ -164,6 +175,7 @@ bool SceneFiles::saveWith(const std::function<void()>& write) {
     return guarded(&window_, [&] {
         const Waiting waiting;
         write();
+        showWarnings();
     });
 }
 

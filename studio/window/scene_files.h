@@ -38,6 +38,9 @@ class SceneFiles : public QObject {
     /// Asks; false when the user wants to stay.
     bool mayClose();
 
+    /// Brings unsaved work to the disk at once, for a program that must end.
+    void keepSafe();
+
     /// Fills a menu with the scenes that were open lately.
     void listRecent(QMenu& menu);
 
@@ -51,6 +54,7 @@ class SceneFiles : public QObject {
     void load(const std::filesystem::path& scene);
     void replaceSession(std::unique_ptr<Session> session);
     void offerRecovery();
+    void showWarnings();
     void writeRecovery();
     bool saveWith(const std::function<void()>& write);
     bool mayOverwrite(const QString& file);

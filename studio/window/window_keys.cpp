@@ -35,36 +35,45 @@ WindowKeys::WindowKeys() {
 }
 
 bool WindowKeys::eventFilter(QObject* watched, QEvent* event) {
-    if (!watched->isWidgetType()) return false;
-    if (event->type() == QEvent::KeyPress) return press(*static_cast<QKeyEvent*>(event));
-    if (event->type() == QEvent::KeyRelease) return release(*static_cast<QKeyEvent*>(event));
-    if (event->type() == QEvent::ShortcutOverride) {
-        const auto& key = *static_cast<QKeyEvent*>(event);
-        const bool ours = (key.matches(QKeySequence::Undo) || isRedo(key)) && !keepsUndo();
-        if (ours) event->accept();  // comes again as a key press
-        return ours;
+    switch (event->type()) {
+        case QEvent::ShortcutOverride:
+            // What is taken here comes again as a key press.
+            if (watched->isWidgetType() && actionOf(*static_cast<QKeyEvent*>(event)) != nullptr) {
+                event->accept();
+                return true;
+            }
+            return false;
+        case QEvent::KeyPress:
+            return watched->isWidgetType() && press(*static_cast<QKeyEvent*>(event));
+        case QEvent::KeyRelease:
+            return watched->isWidgetType() && release(*static_cast<QKeyEvent*>(event));
+        case QEvent::ApplicationDeactivate:
+            if (comparing_) emit compare(comparing_ = false);
+            return false;
+        default:
+            return false;
     }
-    if (event->type() == QEvent::ApplicationDeactivate && comparing_) {
-        emit compare(comparing_ = false);
-    }
-    return false;
+}
+
+/// What the key asks for; null when it is not ours. Dialogs that the window
+/// waits for keep all of their keys.
+WindowKeys::Action WindowKeys::actionOf(const QKeyEvent& key) {
+    if (QApplication::activeModalWidget() != nullptr) return nullptr;
+    if (key.matches(QKeySequence::Save)) return &WindowKeys::save;
+    if (keepsUndo()) return nullptr;
+    if (key.matches(QKeySequence::Undo)) return &WindowKeys::undo;
+    return isRedo(key) ? &WindowKeys::redo : nullptr;
 }
 
 bool WindowKeys::press(const QKeyEvent& key) {
-    if (isCompare(key) && !isTyping()) {
+    if (isCompare(key) && !isTyping() && QApplication::activeModalWidget() == nullptr) {
         if (!key.isAutoRepeat()) emit compare(comparing_ = true);
         return true;
     }
-    if (keepsUndo()) return false;
-    if (key.matches(QKeySequence::Undo)) {
-        emit undo();
-        return true;
-    }
-    if (isRedo(key)) {
-        emit redo();
-        return true;
-    }
-    return false;
+    const Action action = actionOf(key);
+    if (action == nullptr) return false;
+    emit(this->*action)();
+    return true;
 }
 
 bool WindowKeys::release(const QKeyEvent& key) {

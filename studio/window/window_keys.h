@@ -6,8 +6,8 @@ class QKeyEvent;
 
 namespace tavora::studio {
 
-/// Keys that work in the window and in its panels alike: undo and redo, and the
-/// one that is held to compare. Fields that are being typed in keep theirs.
+/// Keys that work in the window and in its panels alike: undo, redo and save, and
+/// the one that is held to compare. Fields that are being typed in keep theirs.
 /// GUI thread; one a process, after the application.
 class WindowKeys : public QObject {
     Q_OBJECT
@@ -17,6 +17,7 @@ class WindowKeys : public QObject {
   signals:
     void undo();
     void redo();
+    void save();
     /// Held, or let go.
     void compare(bool held);
 
@@ -24,6 +25,8 @@ class WindowKeys : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    using Action = void (WindowKeys::*)();
+    static Action actionOf(const QKeyEvent& key);
     bool press(const QKeyEvent& key);
     bool release(const QKeyEvent& key);
 
