@@ -47,9 +47,11 @@ void straighten(M44d& frame) {
     setAxis(frame, 2, back);
 }
 
-void rotate(M44d& frame, const V3d& about, double angle) {
+/// Turns the camera about a place, `axisOf` through it.
+void rotate(M44d& frame, const V3d& place, const V3d& axisOf, double angle) {
     for (int row = 0; row < 3; ++row)
-        setAxis(frame, row, rotated(axis(frame, row), about, angle));
+        setAxis(frame, row, rotated(axis(frame, row), axisOf, angle));
+    setAxis(frame, 3, place + rotated(axis(frame, 3) - place, axisOf, angle));
     straighten(frame);
 }
 
@@ -76,8 +78,8 @@ double distanceAlong(const Camera& camera, const Imath::Box3d& bounds) {
 Orbit::Orbit(const Camera& start, const Imath::Box3d& bounds)
     : start_(start),
       camera_(start),
-      startDistance_(distanceAlong(start, bounds)),
-      distance_(startDistance_),
+      startInterest_(eyeOf(start) - backOf(start) * distanceAlong(start, bounds)),
+      interest_(startInterest_),
       size_(lengthOf(bounds)) {
     start_.aspect = 0;
     camera_.aspect = 0;
@@ -87,57 +89,69 @@ bool Orbit::isAtStart() const {
     return camera_.cameraToWorld == start_.cameraToWorld && camera_.halfHeight == start_.halfHeight;
 }
 
-V3d Orbit::interest() const {
-    return eyeOf(camera_) - backOf(camera_) * distance_;
+void Orbit::setInterest(const V3d& place) {
+    const V3d before = interest_;
+    interest_ = place;
+    if (!(depth() > kNearest * size_)) interest_ = before;
 }
 
-void Orbit::lookAt(const V3d& interest) {
-    setAxis(camera_.cameraToWorld, 3, interest + backOf(camera_) * distance_);
+double Orbit::depth() const {
+    return (eyeOf(camera_) - interest_).dot(backOf(camera_));
+}
+
+void Orbit::moveTo(const V3d& eye) {
+    setAxis(camera_.cameraToWorld, 3, eye);
 }
 
 void Orbit::turn(double x, double y) {
     M44d& frame = camera_.cameraToWorld;
-    const V3d around = interest();
     const double steepness = std::asin(std::clamp(-backOf(camera_).y, -1.0, 1.0));
     // A camera that starts steeper than that may stay so, and come back.
     const double most = std::max(kSteepest, std::abs(steepness));
     const double wanted = std::clamp(steepness - y * kTurn, -most, most);
-    rotate(frame, levelAxis(frame), wanted - steepness);
-    rotate(frame, kUp, -x * kTurn);
-    lookAt(around);
+    rotate(frame, interest_, levelAxis(frame), wanted - steepness);
+    rotate(frame, interest_, kUp, -x * kTurn);
 }
 
 void Orbit::pan(double x, double y) {
     const double height = camera_.orthographic ? 2 * camera_.halfHeight
-                                               : 2 * distance_ * std::tan(camera_.verticalFov / 2);
+                                               : 2 * depth() * std::tan(camera_.verticalFov / 2);
     const M44d& frame = camera_.cameraToWorld;
-    lookAt(interest() + (axis(frame, 1) * y - axis(frame, 0) * x) * height);
+    moveTo(eyeOf(camera_) + (axis(frame, 1) * y - axis(frame, 0) * x) * height);
 }
 
 void Orbit::zoom(double factor) {
     if (!(factor > 0) || !std::isfinite(factor)) return;
-    double& reach = camera_.orthographic ? camera_.halfHeight : distance_;
-    const V3d towards = interest();
-    reach = std::clamp(reach / factor, std::min(reach, kNearest * size_),
-                       std::max(reach, kFarthest * size_));
-    lookAt(towards);
+    const V3d away = eyeOf(camera_) - interest_;
+    double& reach = camera_.halfHeight;
+    const double before = camera_.orthographic ? reach : away.length();
+    const double after = std::clamp(before / factor, std::min(before, kNearest * size_),
+                                    std::max(before, kFarthest * size_));
+    if (camera_.orthographic) {
+        // The place of interest stays where it is in the picture.
+        const V3d aside = away - backOf(camera_) * depth();
+        moveTo(eyeOf(camera_) + aside * (after / before - 1));
+        reach = after;
+    } else {
+        moveTo(interest_ + away * (after / before));
+    }
 }
 
 void Orbit::frame(const Imath::Box3d& box) {
     if (box.isEmpty()) return;
     const double radius = lengthOf(box) / 2;
+    double distance = radius / std::sin(camera_.verticalFov / 2);
     if (camera_.orthographic) {
         camera_.halfHeight = radius;
-        distance_ = std::max(distance_, 2 * radius);
-    } else {
-        distance_ = radius / std::sin(camera_.verticalFov / 2);
+        distance = std::max(depth(), 2 * radius);
     }
-    lookAt(box.center());
+    interest_ = box.center();
+    moveTo(interest_ + backOf(camera_) * distance);
 }
 
 void Orbit::reset() {
     camera_ = start_;
-    distance_ = startDistance_;
+    interest_ = startInterest_;
 }
 
 }  // namespace tavora::studio

@@ -17,6 +17,11 @@ class Orbit {
     const Camera& camera() const { return camera_; }
     bool isAtStart() const;
 
+    /// A place in the world before the camera, not behind it, that stays where it
+    /// is in the picture while the view turns or zooms, and under the hand while
+    /// it slides.
+    void setInterest(const Imath::V3d& place);
+
     /// Drags in shares of the picture's height, x to the right, y down: the scene
     /// follows. Turning keeps the camera's roll and stops short of the poles.
     void turn(double x, double y);
@@ -30,15 +35,14 @@ class Orbit {
     void reset();
 
   private:
-    Imath::V3d interest() const;
-    /// Puts the camera at its distance from there.
-    void lookAt(const Imath::V3d& interest);
+    void moveTo(const Imath::V3d& eye);
+    double depth() const;  ///< of the point of interest, metres along the view
 
     Camera start_;
     Camera camera_;
-    double startDistance_;
-    double distance_;  ///< to the point of interest, metres
-    double size_;      ///< of the scene, metres
+    Imath::V3d startInterest_;
+    Imath::V3d interest_;
+    double size_;  ///< of the scene, metres
 };
 
 }  // namespace tavora::studio

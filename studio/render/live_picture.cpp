@@ -215,11 +215,11 @@ std::shared_ptr<const LiveFrame> LivePicture::latest() const {
     return parts_->latest;
 }
 
-std::ptrdiff_t LivePicture::surfaceAt(int x, int y) const {
+std::optional<Picked> LivePicture::pickAt(int x, int y) const {
     const std::lock_guard lock(parts_->mutex);
     const LiveWish& wish = parts_->wish;
-    if (parts_->ready == nullptr || !wish.camera) return -1;
-    return pickSurface(*parts_->ready, *wish.camera, wish.width, wish.height, x, y);
+    if (parts_->ready == nullptr || !wish.camera) return std::nullopt;
+    return pick(*parts_->ready, *wish.camera, wish.width, wish.height, x, y);
 }
 
 LiveStats LivePicture::stats() const {

@@ -7,6 +7,7 @@
 #include <optional>
 #include <vector>
 
+#include "studio/render/pick.h"
 #include "studio/render/renderer.h"
 #include "studio/scene/light_levels.h"
 #include "studio/scene/scene.h"
@@ -68,9 +69,14 @@ class LivePicture {
 
     /// The newest picture; null before the first.
     std::shared_ptr<const LiveFrame> latest() const;
-    /// The surface that shows in a pixel of the current view, or -1; found by a
-    /// ray of its own when none is kept.
-    std::ptrdiff_t surfaceAt(int x, int y) const;
+    /// What a pixel of the current view shows, by a ray of its own; none before
+    /// the scene is ready.
+    std::optional<Picked> pickAt(int x, int y) const;
+    /// Its surface alone; -1 for none.
+    std::ptrdiff_t surfaceAt(int x, int y) const {
+        const std::optional<Picked> picked = pickAt(x, y);
+        return picked ? static_cast<std::ptrdiff_t>(picked->surface) : -1;
+    }
     LiveStats stats() const;
     /// One line that says why nothing is rendered any more (the module failed,
     /// no memory); empty while all is well. A new setShading() tries again.

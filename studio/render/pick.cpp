@@ -5,17 +5,17 @@
 
 namespace tavora::studio {
 
-std::ptrdiff_t pickSurface(const RayScene& scene, const Camera& camera, int width, int height,
+std::optional<Picked> pick(const RayScene& scene, const Camera& camera, int width, int height,
                            int x, int y) {
-    if (x < 0 || y < 0 || x >= width || y >= height) return -1;
+    if (x < 0 || y < 0 || x >= width || y >= height) return std::nullopt;
     const Ray ray = View(camera, width, height, 1).rayThrough(x + 0.5, y + 0.5);
     for (HitKey hit; scene.nextHit(ray, hit, hit);) {
         const SurfacePoint point = surfacePoint(scene, ray, hit);
         const int surface = point.geometry->source->surfaceIndex;
         const OwnColor own = ownColor(scene.index(), scene.traits(surface), point.texturePlace());
-        if (own.alpha > 0) return surface;
+        if (own.alpha > 0) return Picked{static_cast<std::size_t>(surface), point.position};
     }
-    return -1;
+    return std::nullopt;
 }
 
 }  // namespace tavora::studio

@@ -18,6 +18,7 @@ QAction* make(QMainWindow& window, const char* name, const QString& text, const 
     const QString shown = keys.toString(QKeySequence::NativeText);
     action->setToolTip(shown.isEmpty() ? tip : QString("%1 (%2)").arg(tip, shown));
     action->setStatusTip(tip);
+    action->setIconText(QString(text).remove('&'));  // stays when menus say more
     window.addAction(action);
     return action;
 }

@@ -77,6 +77,7 @@ void PictureView::resizeEvent(QResizeEvent* event) {
 void PictureView::mousePressEvent(QMouseEvent* event) {
     pressed_ = last_ = event->position();
     dragging_ = false;
+    takeInterest(pressed_);
 }
 
 void PictureView::mouseMoveEvent(QMouseEvent* event) {
@@ -107,6 +108,7 @@ void PictureView::mouseDoubleClickEvent(QMouseEvent* event) {
 
 void PictureView::wheelEvent(QWheelEvent* event) {
     if (session_ == nullptr) return;
+    takeInterest(event->position());
     session_->zoom(std::pow(kZoomStep, event->angleDelta().y() / kWheelUnits));
 }
 
@@ -133,9 +135,20 @@ void PictureView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+void PictureView::takeInterest(const QPointF& position) {
+    if (session_ == nullptr) return;
+    const QPoint pixel = pixelAt(position);
+    session_->setInterest(pixel.x(), pixel.y());
+}
+
 std::ptrdiff_t PictureView::surfaceAt(const QPointF& position) const {
+    const QPoint pixel = pixelAt(position);
+    return session_->picture().surfaceAt(pixel.x(), pixel.y());
+}
+
+QPoint PictureView::pixelAt(const QPointF& position) const {
     const QPointF pixel = position * devicePixelRatioF();
-    return session_->picture().surfaceAt(static_cast<int>(pixel.x()), static_cast<int>(pixel.y()));
+    return {static_cast<int>(pixel.x()), static_cast<int>(pixel.y())};
 }
 
 }  // namespace tavora::studio

@@ -40,6 +40,8 @@ class PictureView : public QWidget {
   private:
     void takePicture();
     void fitPicture();
+    void takeInterest(const QPointF& position);
+    QPoint pixelAt(const QPointF& position) const;
     std::ptrdiff_t surfaceAt(const QPointF& position) const;
 
     Session* session_ = nullptr;

@@ -48,6 +48,10 @@ void Session::setSize(int width, int height) {
     showView();
 }
 
+void Session::setInterest(int x, int y) {
+    if (const auto picked = picture_->pickAt(x, y)) orbit_->setInterest(picked->position);
+}
+
 void Session::turn(double x, double y) {
     orbit_->turn(x, y);
     showView();

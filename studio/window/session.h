@@ -31,6 +31,9 @@ class Session : public QObject {
     int width() const { return width_; }
     int height() const { return height_; }
 
+    /// What the view turns around: the place that a pixel shows. Where it shows
+    /// nothing, the place stays as it was.
+    void setInterest(int x, int y);
     /// The view; each shows at once.
     void turn(double x, double y);
     void pan(double x, double y);
