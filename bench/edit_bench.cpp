@@ -128,8 +128,8 @@ std::vector<Seen> seenSurfaces(const Work& work, const LivePicture& picture) {
         seen[i].surface = i;
     for (int y = 0; y < kHeight; y += 4) {
         for (int x = 0; x < kWidth; x += 4) {
-            const std::ptrdiff_t surface = picture.surfaceAt(x, y);
-            if (surface >= 0) ++seen[static_cast<std::size_t>(surface)].places;
+            const auto picked = picture.pickAt(x, y);
+            if (picked) ++seen[picked->surface].places;
         }
     }
     std::erase_if(seen, [&](const Seen& one) {

@@ -1,8 +1,14 @@
 // The live picture is, once clean, the very picture that a render gives, whatever
 // was changed on the way to it.
 
+#include <chrono>
+#include <functional>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 #include <memory>
+#include <optional>
+#include <string>
+#include <thread>
 #include <vector>
 
 #include "host/handler.h"
@@ -18,8 +24,16 @@ namespace tavora::studio {
 namespace {
 
 using Imath::V3d;
+using Json = nlohmann::ordered_json;
 
-StateBlock look(const nlohmann::ordered_json& changes) {
+Json setting(const char* name, const Json& value) {
+    Json changes = Json::object();
+    changes[name] = value;
+    return changes;
+}
+
+/// The module's defaults with some settings changed.
+StateBlock look(const Json& changes = Json::object()) {
     static const Settings defaults =
         settingsOf(newShaderSettings(ModuleCopy(TAVORA_MODULE, findService)));
     Settings settings = defaults;
@@ -49,37 +63,38 @@ struct Room : TestScene {
         addQuad({0.2, 0.3, 1.5}, 0.8, kPane);
         addQuad({0.9, -0.6, 0.5}, 0.7, kLeaf);
         addQuad({0.3, 0, -2}, 1.7, kWall);
-        addLights(0.7);
-    }
-
-    /// A light for each of the kinds, the sun that strong.
-    void addLights(double sun) {
-        addSun({0.3, -0.4, -1}, V3d(sun, 0.6, 0.5));
-        addLight(LightKind::Point, V3d(0.2, 0.3, 0.5)).position = {2, 3, 4};
-        addLight(LightKind::Spot, V3d(0.4)).position = {0, 0, 6};
-        rig.ambient = V3d(0.1);
-    }
-
-    std::shared_ptr<const LightRig> lights() const {
-        return {&rig, [](const LightRig*) {}};
     }
 };
 
-/// The room, how it is looked at, and what a render makes of it.
-struct RoomView {
+/// A sun that strong, a spot, and so many points.
+std::shared_ptr<const LightRig> lights(double sun, int points) {
+    const auto made = std::make_shared<TestScene>();
+    made->addSun({0.3, -0.4, -1}, V3d(sun, 0.6, 0.5));
+    made->addLight(LightKind::Spot, V3d(0.4)).position = {0, 0, 6};
+    for (int i = 0; i < points; ++i)
+        made->addLight(LightKind::Point, V3d(0.2, 0.3, 0.5) / points).position = {2, 3.0 - i, 4};
+    made->rig.ambient = V3d(0.1);
+    return {made, &made->rig};
+}
+
+/// What is to be seen, shown by a live picture and by a render.
+struct Wish {
     Room room;
     Camera camera = frontCamera({0.1, 0, 8}, 2);
-    int width = 75;
-    int height = 61;
+    int width = 50;
+    int height = 40;
+    std::shared_ptr<const LightRig> rig = lights(0.7, 1);
     std::vector<SurfaceShading> shading{4};
     LiveOptions options;
 
-    RoomView() {
+    Wish() {
         options.threads = 2;
         options.samples = 6;
+        shading[kBall].shader = look({{"edgeEnable", true}, {"highlightEnable", "On"}});
+        shading[kWall].shader = look(setting("lightPower", "Squared"));
     }
 
-    std::vector<std::uint8_t> rendered(const LightRig& lights) const {
+    std::vector<std::uint8_t> rendered() const {
         RenderOptions wanted;
         wanted.width = width;
         wanted.height = height;
@@ -87,13 +102,12 @@ struct RoomView {
         wanted.threads = 1;
         wanted.background = options.background;
         Renderer renderer(room.scene);
-        return levelsOf(
-            renderer.render(camera, lights, shading, TAVORA_MODULE, wanted, {}, nullptr));
+        return levelsOf(renderer.render(camera, *rig, shading, TAVORA_MODULE, wanted, {}, nullptr));
     }
 
     std::uint64_t show(LivePicture& picture) const {
         picture.setView(camera, width, height);
-        picture.setLights(room.lights());
+        picture.setLights(rig);
         return picture.setShading(shading);
     }
 };
@@ -109,20 +123,213 @@ std::size_t differences(const std::shared_ptr<const LiveFrame>& frame,
 }
 
 TEST(LivePicture, EndsInThePictureThatARenderGives) {
-    RoomView view;
-    view.shading[kBall].shader = look({{"edgeEnable", true}, {"highlightEnable", "On"}});
-    view.shading[kWall].shader = look({{"lightPower", "Squared"}});
+    Wish wish;
     for (const std::optional<V3d>& background :
          {std::optional<V3d>(), std::optional<V3d>(V3d(0.2, 0.4, 0.6))}) {
-        view.options.background = background;
-        LiveView live(view.room.scene, TAVORA_MODULE, view.options);
-        const auto frame = live.clean(view.show(live.picture()));
+        wish.options.background = background;
+        LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+        const auto frame = live.clean(wish.show(live.picture()));
         ASSERT_NE(frame, nullptr) << live.picture().failure();
-        EXPECT_EQ(frame->width, view.width);
-        EXPECT_EQ(frame->height, view.height);
+        EXPECT_EQ(frame->width, wish.width);
+        EXPECT_EQ(frame->height, wish.height);
         EXPECT_EQ(frame->coarseness, 1);
-        EXPECT_EQ(differences(frame, view.rendered(view.room.rig)), 0U);
+        EXPECT_EQ(differences(frame, wish.rendered()), 0U);
     }
+}
+
+/// A step of the user: changes the wish and tells the picture.
+struct Edit {
+    const char* name;
+    std::function<std::uint64_t(Wish&, LivePicture&)> make;
+};
+
+Edit put(const char* name, Place surface, const SurfaceShading& shading) {
+    return {name, [surface, shading](Wish& wish, LivePicture& picture) {
+                wish.shading[surface] = shading;
+                return picture.setSurface(surface, shading);
+            }};
+}
+
+Edit wear(const char* name, Place surface, const Json& changes) {
+    return put(name, surface, {look(changes)});
+}
+
+Edit light(const char* name, double sun, int points) {
+    return {name, [sun, points](Wish& wish, LivePicture& picture) {
+                wish.rig = lights(sun, points);
+                return picture.setLights(wish.rig);
+            }};
+}
+
+Edit view(const char* name, const V3d& eye, int width) {
+    return {name, [eye, width](Wish& wish, LivePicture& picture) {
+                wish.camera = frontCamera(eye, 2);
+                wish.width = width;
+                return picture.setView(wish.camera, wish.width, wish.height);
+            }};
+}
+
+Json allZones(const std::string& field, const Json& value) {
+    Json changes = Json::object();
+    for (int i = 0; i < 5; ++i)
+        changes["zones[" + std::to_string(i) + "]." + field] = value;
+    return changes;
+}
+
+/// Each shows something else than the one before it.
+std::vector<Edit> edits() {
+    const Json ink{{"inkoverEnable", true},
+                   {"inkoverColor", {0, 0, 0}},
+                   {"inkoverPaintColor", {0, 1, 0}},
+                   {"maxTraceDepth", 2}};
+    return {wear("half clear wall", kWall, allZones("trans", 0.5)),
+            wear("half clear ball", kBall, allZones("trans", 0.5)),
+            wear("wholly clear ball", kBall, allZones("trans", 1)),
+            wear("solid wall", kWall, allZones("color", {0, 0, 0})),
+            wear("ink-over", kBall, ink),
+            wear("what ink-over finds", kWall, setting("slopeEnable", true)),
+            light("weaker sun", 0.3, 1),
+            wear("no ink-over", kBall, setting("slopeEnable", true)),
+            wear("shaded pane", kPane, allZones("trans", 0.2)),
+            wear("shaded leaf", kLeaf, setting("edgeEnable", true)),
+            light("many lights", 0.3, 20),
+            put("plain ball", kBall, {}),
+            view("from the side", {0.4, 0.2, 8}, 50),
+            wear("shaded ball", kBall, setting("useAllLights", false)),
+            view("another size", {0.4, 0.2, 8}, 40),
+            put("plain pane", kPane, {})};
+}
+
+void expectEditsToShow(const LiveOptions& options) {
+    Wish wish;
+    wish.options = options;
+    LiveView live(wish.room.scene, TAVORA_MODULE, options);
+    auto before = live.clean(wish.show(live.picture()));
+    for (const Edit& edit : edits()) {
+        const auto frame = live.clean(edit.make(wish, live.picture()));
+        ASSERT_NE(frame, nullptr) << live.picture().failure();
+        EXPECT_EQ(differences(frame, wish.rendered()), 0U) << edit.name;
+        EXPECT_NE(differences(frame, before->rgba), 0U) << edit.name << " shows nothing new";
+        before = frame;
+    }
+}
+
+TEST(LivePicture, ShowsEveryEditAsARenderAnewWould) {
+    LiveOptions options = Wish().options;
+    expectEditsToShow(options);
+    for (const std::size_t memory : {std::size_t{0}, std::size_t{100'000}}) {
+        options.memory = memory;
+        expectEditsToShow(options);
+    }
+}
+
+TEST(LivePicture, SaysWhatItHasNoMemoryFor) {
+    Wish wish;
+    wish.options.memory = 100'000;
+    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    ASSERT_NE(live.clean(wish.show(live.picture())), nullptr);
+    const LiveStats stats = live.picture().stats();
+    EXPECT_GT(stats.keptBytes, 50'000U);
+    EXPECT_LE(stats.keptBytes, 100'000U);
+    EXPECT_GT(stats.keptShare, 0.2);
+    EXPECT_LT(stats.keptShare, 0.8);
+    EXPECT_NE(stats.notice, "");
+    Wish roomy;
+    LiveView other(roomy.room.scene, TAVORA_MODULE, roomy.options);
+    ASSERT_NE(other.clean(roomy.show(other.picture())), nullptr);
+    EXPECT_EQ(other.picture().stats().keptShare, 1);
+    EXPECT_EQ(other.picture().stats().notice, "");
+}
+
+TEST(LivePicture, TracesAndShadesAgainOnlyWhatAnEditChanges) {
+    Wish wish;
+    wish.room.scene.surfaces[kPane].alphaMode = AlphaMode::Opaque;
+    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    ASSERT_NE(live.clean(wish.show(live.picture())), nullptr);
+    const auto changesBy = [&](Place surface, const Json& changes) {
+        const LiveStats before = live.picture().stats();
+        wish.shading[surface].shader = look(changes);
+        const auto frame = live.clean(live.picture().setSurface(surface, wish.shading[surface]));
+        LiveStats after = live.picture().stats();
+        after.tracedRays -= before.tracedRays;
+        after.evaluations -= before.evaluations;
+        return after;
+    };
+    const LiveStats ball = changesBy(kBall, setting("slopeEnable", true));
+    EXPECT_EQ(ball.tracedRays, 0U);
+    EXPECT_GT(ball.evaluations, 500U);
+    EXPECT_LT(ball.evaluations, 50U * 40 * 6 / 3);
+    const LiveStats same = changesBy(kBall, setting("slopeEnable", true));
+    EXPECT_EQ(same.tracedRays + same.evaluations, 0U);
+}
+
+TEST(LivePicture, QuickEditsEndInTheLastOnesPicture) {
+    Wish wish;
+    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    std::uint64_t revision = wish.show(live.picture());
+    const std::vector<Edit> all = edits();
+    for (std::size_t i = 0; i < 200; ++i) {
+        const std::uint64_t next = all[i * 7 % all.size()].make(wish, live.picture());
+        EXPECT_EQ(next, revision + 1);
+        revision = next;
+        std::this_thread::sleep_for(std::chrono::microseconds(i % 10 * 400));
+    }
+    EXPECT_EQ(differences(live.clean(revision), wish.rendered()), 0U);
+}
+
+TEST(LivePicture, SaysWhyNothingIsRenderedAndTriesAgain) {
+    const auto probe = [](ProbeBehaviour behaviour) {
+        return SurfaceShading{
+            StateBlock{int{behaviour}, int{HOST_SHADER_COLOR}, 1.0F, 0.5F, 0.0F, 0.0F}};
+    };
+    Wish wish;
+    wish.shading.assign(4, probe(kPaint));
+    LiveView live(wish.room.scene, PROBE_MODULE, wish.options);
+    const auto good = live.clean(wish.show(live.picture()));
+    ASSERT_NE(good, nullptr);
+    live.picture().setSurface(kLeaf, probe(kRefuse));
+    EXPECT_THAT(live.failure(), testing::HasSubstr("these settings are refused"));
+    live.picture().setView(wish.camera, wish.width, wish.height);
+    EXPECT_EQ(live.picture().latest()->revision, good->revision);
+    EXPECT_EQ(differences(live.clean(live.picture().setShading(wish.shading)), good->rgba), 0U);
+    EXPECT_EQ(live.picture().failure(), "");
+
+    LiveView missing(wish.room.scene, "/no/module.so", wish.options);
+    wish.show(missing.picture());
+    EXPECT_THAT(missing.failure(), testing::HasSubstr("/no/module.so"));
+    wish.shading.assign(4, {});
+    EXPECT_EQ(
+        differences(missing.clean(missing.picture().setShading(wish.shading)), wish.rendered()),
+        0U);
+}
+
+TEST(LivePicture, EndsAtAnyMoment) {
+    Wish wish;
+    for (int i = 0; i < 40; ++i) {
+        LivePicture picture(wish.room.scene, TAVORA_MODULE, wish.options, [] {});
+        if (i > 0) wish.show(picture);
+        std::this_thread::sleep_for(std::chrono::microseconds(i * i * 20));
+    }
+}
+
+TEST(LivePicture, KnowsWhatAPixelShows) {
+    Wish wish;
+    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    EXPECT_FALSE(live.picture().pickAt(5, 5));
+    ASSERT_NE(live.clean(wish.show(live.picture())), nullptr);
+    // Ten pixels a unit, the eye at 0.1, 0.
+    const auto at = [&](double x, double y) {
+        return live.picture().pickAt(static_cast<int>(25 + (x - 0.1) * 10),
+                                     static_cast<int>(20 - y * 10));
+    };
+    EXPECT_EQ(at(-1.2, -0.2)->surface, std::size_t{kBall});
+    EXPECT_EQ(at(0.2, 0.9)->surface, std::size_t{kPane});
+    EXPECT_EQ(at(1.3, -0.9)->surface, std::size_t{kLeaf});
+    EXPECT_EQ(at(0.5, -0.9)->surface, std::size_t{kWall});  // through a hole of the leaf
+    EXPECT_NEAR(at(0.5, -0.9)->position.z, -2, 1e-9);
+    EXPECT_FALSE(at(-2.2, 1.9));
+    EXPECT_FALSE(live.picture().pickAt(-1, 5));
+    EXPECT_FALSE(live.picture().pickAt(5, wish.height));
 }
 
 }  // namespace

@@ -9,6 +9,7 @@ enum ProbeBehaviour {
     kLook,          ///< tells what lies along the numbers, changes nothing
     kGreet,         ///< tells once when it has read its settings
     kScribble,      ///< overwrites the whole record
-    kJudge,  ///< red: faces light that travels along the numbers and gets none; green: gets it
-    kSpoil   ///< returns values that are none, of the kind of the first number
+    kJudge,   ///< red: faces light that travels along the numbers and gets none; green: gets it
+    kRefuse,  ///< refuses these settings
+    kSpoil    ///< returns values that are none, of the kind of the first number
 };

@@ -206,6 +206,7 @@ HostError load(HostInstance instance, const HostLoadState* state) {
     state->readInt(state->data, &probe.behaviour, 1);
     state->readInt(state->data, &probe.flags, 1);
     state->readFloat(state->data, probe.numbers, 4);
+    if (probe.behaviour == kRefuse) return "these settings are refused";
     if (probe.behaviour == kGreet) messages->info("loaded", nullptr);
     return nullptr;
 }
