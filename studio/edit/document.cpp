@@ -275,7 +275,7 @@ void Document::saveAs(const fs::path& file) {
     if (fs::equivalent(file, path(), ignored)) return save(true);
     const SavePlan plan = parts_->planSaving(true);
     writeGltfSettings(path(), file, plan.shaders);
-    discardRecovery();
+    if (parts_->kept) parts_->kept->removeTaken();
     parts_->kept.reset();
     parts_->path = file;
     finishSave(plan);
@@ -320,6 +320,7 @@ void Document::recover() {
         }
     }
     setSettings(changes, "recovery");
+    if (stateChanged) stateChanged();  // also when the scene says all of it already
 }
 
 void Document::discardRecovery() {
