@@ -10,9 +10,10 @@ namespace {
 constexpr int kHeight = 19;  // rows of buttons stand 20 pixels apart
 constexpr int kMargins = 12;
 constexpr int kArrow = 7;
-// Two pixels of dragging make one step of the modules that we know.
-constexpr int kKeyDistance = 2;
-constexpr int kPageDistance = 20;
+// Two pixels of dragging make one step of the modules that we know; they drop an
+// odd one, so that a drag and its way back would not meet.
+constexpr int kStep = 2;
+constexpr int kPage = 20;
 
 QSize sizeFor(const QPushButton& button, const HostControlDescription& description, int extra) {
     const int asked = description.type == HOST_VALUE_AREA ? description.of.area.width : 0;
@@ -45,7 +46,8 @@ void DragButton::mousePressEvent(QMouseEvent* event) {
 
 void DragButton::mouseMoveEvent(QMouseEvent* event) {
     if (!isDown()) return;
-    const int distance = event->position().toPoint().x() - pressX_;
+    int distance = event->position().toPoint().x() - pressX_;
+    distance -= distance % kStep;
     if (std::exchange(distance_, distance) != distance) emit moved(distance);
 }
 
@@ -61,14 +63,14 @@ void DragButton::keyPressEvent(QKeyEvent* event) {
     switch (event->key()) {
         case Qt::Key_Left:
         case Qt::Key_Down:
-            return drag(-kKeyDistance);
+            return drag(-kStep);
         case Qt::Key_Right:
         case Qt::Key_Up:
-            return drag(kKeyDistance);
+            return drag(kStep);
         case Qt::Key_PageDown:
-            return drag(-kPageDistance);
+            return drag(-kPage);
         case Qt::Key_PageUp:
-            return drag(kPageDistance);
+            return drag(kPage);
         default:
             event->ignore();
     }

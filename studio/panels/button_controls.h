@@ -20,7 +20,7 @@ class DragButton : public QPushButton {
 
   signals:
     void began();
-    /// `distance`: since it began, in pixels; to the right is positive.
+    /// `distance`: since it began, in whole pairs of pixels; to the right is positive.
     void moved(int distance);
 
   protected:

@@ -222,17 +222,28 @@ void PanelDialog::orderFocus() {
         shown.push_back(control);
         places.push_back(control->area());
     }
-    QWidget* before = nullptr;
-    const auto append = [&before](QWidget* widget) {
-        if (before != nullptr) QWidget::setTabOrder(before, widget);
-        before = widget;
-    };
+    order_.clear();
     for (const std::size_t index : focusOrder(places, canvas_->drawing().frame())) {
         for (QWidget* widget : shown[index]->focusWidgets())
-            append(widget);
+            order_.push_back(widget);
     }
     for (QAbstractButton* button : buttons_->buttons())
-        append(button);
+        order_.push_back(button);
+}
+
+bool PanelDialog::focusNextPrevChild(bool next) {
+    const auto count = static_cast<std::ptrdiff_t>(order_.size());
+    const auto now = std::ranges::find(order_, focusWidget());
+    std::ptrdiff_t place = now != order_.end() ? now - order_.begin() : (next ? -1 : count);
+    for (std::ptrdiff_t tried = 0; tried < count; ++tried) {
+        place = (place + (next ? 1 : count - 1)) % count;
+        QWidget* widget = order_[static_cast<std::size_t>(place)];
+        if (!widget->isVisible() || !widget->isEnabled()) continue;
+        if ((widget->focusPolicy() & Qt::TabFocus) == 0) continue;
+        widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        return true;
+    }
+    return false;
 }
 
 /// The tabs, where there are any: from there the arrow keys lead on.
@@ -251,6 +262,7 @@ void PanelDialog::accept() {
 }
 
 void PanelDialog::done(int result) {
+    if (isOpen() && !isVisible()) return;  // closed already; its loop is about to end
     QDialog::done(result);
     if (loop_ != nullptr) loop_->quit();
 }

@@ -51,6 +51,7 @@ class PanelDialog : public QDialog {
 
   protected:
     void changeEvent(QEvent* event) override;
+    bool focusNextPrevChild(bool next) override;
 
   private:
     QString nameFor(const ControlClass& type, const PanelControl& control) const;
@@ -68,6 +69,7 @@ class PanelDialog : public QDialog {
     PanelCanvas* canvas_;
     QDialogButtonBox* buttons_;
     std::vector<PanelControl*> controls_;
+    std::vector<QWidget*> order_;  ///< in which the Tab key goes through them
     HostPanelDraw* draw_ = nullptr;
     void* userData_;
     QSize asked_{0, 0};

@@ -1,5 +1,6 @@
 #include "tests/panels/settings_rig.h"
 
+#include <QApplication>
 #include <QDialog>
 #include <QTabBar>
 #include <QTest>
@@ -60,6 +61,7 @@ bool SettingsRig::open(const std::function<void(QWidget& panel)>& user) {
         if (std::exchange(begun, true)) return;  // a panel on top
         QTimer::singleShot(0, &panel, [&] {
             try {
+                if (!QTest::qWaitForWindowActive(&panel)) throw std::runtime_error("not active");
                 user(panel);
             } catch (...) {
                 failed = std::current_exception();
@@ -123,6 +125,14 @@ void drag(QWidget& widget, int distance) {
 void selectPage(QWidget& panel, int page) {
     auto& tabs = find<QTabBar>(panel, "tab");
     QTest::mouseClick(&tabs, Qt::LeftButton, {}, tabs.tabRect(page).center());
+}
+
+void whenPicking(std::function<void(QColorDialog& dialog)> user) {
+    QTimer::singleShot(0, qApp, [user = std::move(user)] {
+        auto* dialog = qobject_cast<QColorDialog*>(QApplication::activeModalWidget());
+        if (dialog == nullptr) throw std::runtime_error("no colour picker came up");
+        user(*dialog);
+    });
 }
 
 }  // namespace tavora::studio::testing

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QColorDialog>
 #include <QWidget>
 #include <functional>
 #include <memory>
@@ -64,5 +65,7 @@ void type(const QWidget& panel, const char* field, const char* text);
 /// Presses in the middle, moves by `distance` in steps, releases.
 void drag(QWidget& widget, int distance);
 void selectPage(QWidget& panel, int page);
+/// Once the colour picker is up.
+void whenPicking(std::function<void(QColorDialog& dialog)> user);
 
 }  // namespace tavora::studio::testing

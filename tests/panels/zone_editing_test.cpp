@@ -1,15 +1,164 @@
-// The gradient of zones, edited by mouse through the real panel.
+// The gradient of zones, edited through the real panel.
 
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTest>
+#include <cmath>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "studio/panels/canvas.h"
 #include "tests/panels/settings_rig.h"
 
 namespace tavora::studio::testing {
 namespace {
 
-TEST(ZoneEditing, Opens) {
+using ::testing::ElementsAre;
+using ::testing::FloatNear;
+using ::testing::Pointwise;
+
+constexpr const char* kStrip = "area.6";
+constexpr const char* kMarkers = "area.7";
+enum Mode { Add, Blend, Edit, Delete };
+
+void choose(const QWidget& panel, Mode mode) {
+    click(*find(panel, "choice").findChildren<QPushButton*>().at(mode));
+}
+
+std::vector<float> positions(const SettingsRig& rig) {
+    std::vector<float> all;
+    const Settings settings = rig.settings();
+    for (const auto& zone : settings["zoneList"])
+        all.push_back(zone["position"].get<float>());
+    return all;
+}
+
+QString text(const QWidget& panel, const char* field) {
+    return find<QLineEdit>(panel, field).text();
+}
+
+/// The marks under the gradient, from the left.
+QString marks(const QWidget& panel) {
+    auto texts = panel.findChild<PanelCanvas*>()->drawing().texts();
+    std::ranges::stable_sort(texts, {}, [](const auto& mark) { return mark.rect.left(); });
+    QString all;
+    for (const auto& mark : texts)
+        all += mark.text;
+    return all;
+}
+
+TEST(ZoneEditing, AddsBlendsSelectsMovesAndDeletes) {
     SettingsRig rig;
-    EXPECT_FALSE(rig.open([](QWidget& panel) { EXPECT_TRUE(panel.isVisible()); }));
+    rig.open([&](QWidget& panel) {
+        auto& markers = find(panel, kMarkers);
+        EXPECT_EQ(marks(panel), "^|||| ");
+        choose(panel, Add);
+        clickAt(markers, 39);
+        EXPECT_THAT(positions(rig), ElementsAre(0, FloatNear(0.1F, 1e-6F), 0.25F, 0.5F, 0.75F, 1));
+        EXPECT_EQ(text(panel, "Position.percent"), "10");
+        choose(panel, Blend);
+        clickAt(markers, 234);
+        EXPECT_TRUE(rig.settings()["zoneList"][4]["blend"].get<bool>());
+        EXPECT_EQ(marks(panel), "||||^'| ");
+        choose(panel, Edit);
+        clickAt(markers, 100);
+        EXPECT_EQ(text(panel, "Position.percent"), "25");
+        type(panel, "Position.percent", "30,5");
+        EXPECT_FLOAT_EQ(positions(rig)[2], 0.305F);
+        choose(panel, Delete);
+        clickAt(markers, 39);
+        EXPECT_EQ(positions(rig).size(), 6U);
+        EXPECT_EQ(rig.updates, 5);
+    });
+}
+
+TEST(ZoneEditing, APressCountsOnceHoweverTheMouseMoves) {
+    SettingsRig rig;
+    rig.open([&](QWidget& panel) {
+        choose(panel, Add);
+        drag(find(panel, kMarkers), 60);
+        EXPECT_EQ(positions(rig).size(), 6U);
+        selectPage(panel, 2);
+        clickAt(find(panel, kMarkers), 20);
+        EXPECT_EQ(positions(rig).size(), 6U);
+    });
+}
+
+TEST(ZoneEditing, DragsMoveZonesAndComeBack) {
+    SettingsRig rig;
+    const auto start = positions(rig);
+    rig.open([&](QWidget& panel) {
+        // Two pixels a step of 0.001; no press moves anything by itself.
+        for (const char* button : {"Shift.drag", "Scale.drag"}) {
+            drag(find(panel, button), 0);
+            EXPECT_EQ(positions(rig), start) << button;
+        }
+        for (int times = 0; times < 2; ++times)
+            drag(find(panel, "Shift.drag"), 40);
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), {0.0F, 0.29F, 0.54F, 0.79F, 1.0F}));
+        drag(find(panel, "Shift.drag"), -80);
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        drag(find(panel, "Scale.drag"), -16);
+        EXPECT_NEAR(positions(rig)[2], 0.5 * std::pow(0.998, 8), 1e-5);
+        click(find(panel, "Spread.button"));
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        QTest::keyClick(&find(panel, "Shift.drag"), Qt::Key_Right);
+        QTest::keyClick(&find(panel, "Shift.drag"), Qt::Key_PageUp);
+        EXPECT_NEAR(positions(rig)[1], 0.261, 1e-5);
+        QTest::keyClick(&find(panel, "Shift.drag"), Qt::Key_Left);
+        EXPECT_NEAR(positions(rig)[1], 0.26, 1e-5);
+    });
+}
+
+TEST(ZoneEditing, KeyboardMovesACaretThatPresses) {
+    SettingsRig rig;
+    rig.open([&](QWidget& panel) {
+        choose(panel, Add);
+        auto& markers = find(panel, kMarkers);
+        QTest::keyClick(&markers, Qt::Key_Home);
+        for (int i = 0; i < 3; ++i)
+            QTest::keyClick(&markers, Qt::Key_PageUp);
+        QTest::keyClick(&markers, Qt::Key_Left);
+        QTest::keyClick(&markers, Qt::Key_Return);
+        EXPECT_THAT(positions(rig),
+                    ElementsAre(0, FloatNear(59.0F / 390, 1e-6F), 0.25F, 0.5F, 0.75F, 1));
+        EXPECT_TRUE(panel.isVisible());
+    });
+}
+
+TEST(ZoneEditing, TheStripShowsZonesAndOpensTheirColor) {
+    SettingsRig rig;
+    rig.open([&](QWidget& panel) {
+        const auto colorAt = [&](int x) { return panel.grab().toImage().pixelColor(x, 18); };
+        EXPECT_EQ(colorAt(200), QColor(Qt::black));
+        EXPECT_EQ(colorAt(300), QColor(Qt::blue));
+        whenPicking([](QColorDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), "Zone Colour");
+            EXPECT_EQ(dialog.currentColor(), QColor(Qt::blue));
+            dialog.setCurrentColor(QColor(255, 128, 0));
+            dialog.accept();
+        });
+        clickAt(find(panel, kStrip), 160);
+        EXPECT_EQ(colorAt(300), QColor(255, 128, 0));
+        EXPECT_NEAR(rig.settings()["zoneList"][1]["color"][1].get<double>(), 128 / 255.0, 1e-4);
+        whenPicking([](QColorDialog& dialog) { dialog.reject(); });
+        clickAt(find(panel, kStrip), 20);
+        EXPECT_EQ(colorAt(200), QColor(Qt::black));
+    });
+}
+
+TEST(ZoneEditing, SlidersShowAtEveryMove) {
+    SettingsRig rig;
+    rig.open([&](QWidget& panel) {
+        click(find(panel, "Account for Light Colour in Zone.check"));
+        EXPECT_EQ(shown(panel, "Light Colour Opacity.percent"), Shown::Normal);
+        rig.updates = 0;
+        drag(find(panel, "Saturation.percent"), -40);
+        EXPECT_EQ(rig.updates, 8);
+        EXPECT_FLOAT_EQ(rig.settings()["zoneList"][0]["sat"].get<float>(), 0.6F);
+        drag(find(panel, "Saturation.percent"), -400);
+        EXPECT_EQ(rig.settings()["zoneList"][0]["sat"].get<float>(), 0);
+    });
 }
 
 }  // namespace

@@ -1,0 +1,304 @@
+// The settings panel as a whole: pages, colours, lights, OK and Cancel, keys.
+
+#include <QApplication>
+#include <QDialogButtonBox>
+#include <QHeaderView>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTabBar>
+#include <QTableView>
+#include <QTest>
+#include <QTimer>
+#include <array>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include "studio/panels/panel_dialog.h"
+#include "tests/panels/settings_rig.h"
+
+namespace tavora::studio::testing {
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::IsEmpty;
+
+QPushButton& button(const QWidget& panel, QDialogButtonBox::StandardButton which) {
+    return *panel.findChild<QDialogButtonBox*>()->button(which);
+}
+
+std::vector<std::string> lights(const SettingsRig& rig) {
+    return rig.settings()["lightList"].get<std::vector<std::string>>();
+}
+
+TEST(SettingsPanel, PagesShowTheirControls) {
+    struct Case {
+        const char* control;
+        std::array<Shown, 6> pages;
+    };
+    constexpr auto A = Shown::Absent;
+    constexpr auto G = Shown::Ghosted;
+    constexpr auto N = Shown::Normal;
+    const Case cases[] = {
+        {"Spread.button", {N, N, N, N, N, N}},
+        {"Force Color.percent", {N, N, N, N, N, N}},
+        {"choice", {N, G, G, G, G, G}},
+        {"Position.percent", {N, A, A, A, A, A}},
+        {"Light Colour Opacity.percent", {G, A, A, A, A, A}},
+        {"Size.percent", {A, G, A, A, A, A}},
+        {"area", {A, N, A, A, A, A}},  // the swatch over a ghosted colour
+        {"Enable.text", {A, N, A, A, A, A}},
+        {"Coverage.percent", {A, A, G, A, A, A}},
+        {"rgb.4", {A, A, A, N, A, A}},
+        {"area.9", {A, A, A, A, G, A}},
+        {"Light Power.popup", {A, A, A, A, A, N}},
+        {"Account for Luminosity in Zone.check", {A, A, A, A, A, A}},
+    };
+    SettingsRig rig;
+    rig.apply(R"({"slopeEnable": true, "highlightEnable": "Off", "edgeEnable": false,
+                  "inkoverEnable": false})");
+    rig.open([&](QWidget& panel) {
+        for (std::size_t page = 0; page < 6; ++page) {
+            selectPage(panel, static_cast<int>(page));
+            for (const Case& one : cases)
+                EXPECT_EQ(shown(panel, one.control), one.pages[page]) << one.control << page;
+        }
+        EXPECT_FALSE(selectTab(panel, 6));
+        EXPECT_EQ(rig.updates, 0);
+    });
+}
+
+/// The labels and fields that overlap others, stick out of the panel, or have no
+/// room for their text.
+std::vector<std::string> misplaced(const QWidget& panel) {
+    std::vector<std::string> all;
+    std::vector<PanelControl*> seen;
+    for (auto* control : panel.findChildren<PanelControl*>()) {
+        const bool area = control->layoutItem().kind == LayoutKind::Area;
+        if (control->isErased() || area) continue;
+        const std::string name = control->objectName().toStdString();
+        if (!control->field().parentWidget()->rect().contains(control->area()))
+            all.push_back(name + " sticks out");
+        for (const PanelControl* other : seen) {
+            if (other->area().intersects(control->area()))
+                all.push_back(name + " over " + other->objectName().toStdString());
+        }
+        const auto* label = qobject_cast<QLabel*>(&control->field());
+        if (label != nullptr && label->width() < label->sizeHint().width())
+            all.push_back(name + " is cut");
+        seen.push_back(control);
+    }
+    return all;
+}
+
+TEST(SettingsPanel, EveryPageIsLaidOutWithoutOverlaps) {
+    SettingsRig rig;
+    int pages = 0;
+    rig.draw([&](QWidget& panel) {
+        EXPECT_FALSE(panel.isVisible());
+        EXPECT_GT(panel.width(), 540);  // the frame ends at 535
+        for (; pages < 6; ++pages) {
+            ASSERT_TRUE(selectTab(panel, pages));
+            EXPECT_THAT(misplaced(panel), IsEmpty()) << pages;
+        }
+        // A swatch lies exactly over the patch that it opens the picker for.
+        selectTab(panel, 3);
+        EXPECT_EQ(find(panel, "area.4").geometry().topLeft(), find(panel, "rgb.4").pos());
+        EXPECT_EQ(find(panel, "area.4").width(), 30);
+        const int column = find(panel, "Center.percent").x();
+        EXPECT_EQ(find(panel, "Top Opacity.percent").x(), column);
+        EXPECT_EQ(find(panel, "Size.percent").x(), column);
+    });
+    EXPECT_EQ(pages, 6);
+}
+
+TEST(SettingsPanel, EveryControlSaysWhatItDoes) {
+    SettingsRig rig;
+    rig.draw([&](QWidget& panel) {
+        const auto controls = panel.findChildren<PanelControl*>();
+        EXPECT_EQ(controls.size(), 66);
+        for (const PanelControl* control : controls) {
+            EXPECT_FALSE(control->field().toolTip().isEmpty())
+                << control->objectName().toStdString();
+            EXPECT_FALSE(control->field().accessibleName().isEmpty());
+        }
+    });
+}
+
+TEST(SettingsPanel, OkKeepsAndCancelRestores) {
+    SettingsRig rig;
+    rig.apply(
+        R"({"edgeEnable": true, "highlightSize": 0.123456, "inkoverColor": [0.2, 0.4, 0.6]})");
+    const Settings before = rig.settings();
+    EXPECT_FALSE(rig.open([&](QWidget& panel) {
+        selectPage(panel, 2);
+        type(panel, "Coverage.percent", "44.25");
+        EXPECT_FLOAT_EQ(rig.settings()["edgeCoverage"].get<float>(), 0.4425F);
+        click(button(panel, QDialogButtonBox::Cancel));
+    }));
+    EXPECT_EQ(rig.settings(), before);
+    EXPECT_TRUE(rig.open([&](QWidget& panel) {
+        EXPECT_EQ(find<QTabBar>(panel, "tab").currentIndex(), 0);
+        selectPage(panel, 2);
+        auto& coverage = find(panel, "Coverage.percent");
+        click(coverage);
+        QTest::keyClicks(&coverage, "250");
+        // Not yet entered; OK takes it, within the range.
+        button(panel, QDialogButtonBox::Ok).click();
+    }));
+    EXPECT_EQ(rig.settings()["edgeCoverage"].get<float>(), 1);
+    // What the module reads back from fields that show less than they hold.
+    EXPECT_NEAR(rig.settings()["highlightSize"].get<double>(), 0.123456, 1e-7);
+    rig.open([&](QWidget& panel) { EXPECT_EQ(find<QTabBar>(panel, "tab").currentIndex(), 2); });
+}
+
+TEST(SettingsPanel, ColorsComeFromNumbersAndThePicker) {
+    SettingsRig rig;
+    rig.apply(R"({"highlightEnable": "On", "highlightColor": "#000000"})");
+    const auto red = [&] { return rig.settings()["highlightColor"][0].get<float>(); };
+    rig.open([&](QWidget& panel) {
+        selectPage(panel, 1);
+        const auto channels = find(panel, "rgb").findChildren<QLineEdit*>();
+        click(*channels[0]);
+        QTest::keyClicks(channels[0], "128");
+        QTest::keyClick(channels[0], Qt::Key_Tab);
+        EXPECT_EQ(red(), 128 / 255.0F);
+        whenPicking([](QColorDialog& dialog) {
+            EXPECT_EQ(dialog.windowTitle(), "CelSpec Colour");
+            EXPECT_EQ(dialog.currentColor(), QColor(128, 0, 0));
+            dialog.setCurrentColor(QColor(64, 32, 16));
+            dialog.reject();
+        });
+        click(find(panel, "area"));
+        EXPECT_EQ(red(), 128 / 255.0F);
+        whenPicking([](QColorDialog& dialog) {
+            dialog.setCurrentColor(QColor(64, 32, 16));
+            dialog.accept();
+        });
+        QTest::keyClick(&find(panel, "area"), Qt::Key_Space);
+        EXPECT_EQ(channels[1]->text(), "32");
+        const QImage picture = panel.grab().toImage();
+        EXPECT_EQ(picture.pixelColor(find(panel, "area").geometry().center()), QColor(64, 32, 16));
+        QTest::keyClick(&find(panel, "popup"), Qt::Key_Up);
+        EXPECT_EQ(shown(panel, "area"), Shown::Absent);
+        EXPECT_EQ(shown(panel, "rgb"), Shown::Ghosted);
+    });
+}
+
+TEST(SettingsPanel, LightsAreToggledByMouseAndKeys) {
+    SettingsRig rig;
+    rig.apply(R"({"useAllLights": false, "lightList": []})");
+    rig.open([&](QWidget& panel) {
+        auto& list = *find(panel, "Lights.list").findChild<QTableView*>();
+        const auto clickRow = [&](int row) {
+            const QPoint place = list.visualRect(list.model()->index(row, 1)).center();
+            QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place);
+        };
+        const auto marked = [&](int row) {
+            return list.model()->index(row, 0).data(Qt::UserRole).toBool();
+        };
+        EXPECT_EQ(list.model()->headerData(1, Qt::Horizontal).toString(), "Light");
+        clickRow(2);
+        clickRow(1);
+        EXPECT_THAT(lights(rig), ElementsAre("Fill", "Key"));
+        EXPECT_TRUE(marked(1) && marked(2) && !marked(0) && !marked(3));
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {},
+                           list.visualRect(list.model()->index(1, 1)).center());
+        EXPECT_THAT(lights(rig), ElementsAre("Fill"));
+        QTest::keyClick(&list, Qt::Key_Up);
+        QTest::keyClick(&list, Qt::Key_Space);
+        EXPECT_THAT(lights(rig), ElementsAre("Fill", "Ambient"));
+        click(find(panel, "All.button"));
+        EXPECT_THAT(lights(rig), ElementsAre("Key", "Fill", "Rim"));
+        EXPECT_TRUE(marked(3) && !marked(0));
+        QTest::mouseClick(&find(panel, "Use All Lights.check"), Qt::LeftButton, {}, {8, 10});
+        EXPECT_EQ(shown(panel, "Lights.list"), Shown::Ghosted);
+        clickRow(1);
+        click(find(panel, "None.button"));
+        EXPECT_THAT(lights(rig), ElementsAre("Key", "Fill", "Rim"));
+    });
+}
+
+TEST(SettingsPanel, AboutOpensOverItAndCloses) {
+    SettingsRig rig;
+    int closed = 0;
+    rig.whenClosed = [&] { ++closed; };
+    rig.open([&](QWidget& panel) {
+        for (int times = 1; times <= 2; ++times) {
+            QTimer::singleShot(0, &panel, [] {
+                QWidget* about = QApplication::activeModalWidget();
+                ASSERT_NE(about, nullptr);
+                EXPECT_EQ(about->windowTitle(), "About");
+                EXPECT_EQ(about->findChildren<QLabel*>().size(), 3);
+                QTest::keyClick(about, Qt::Key_Return);
+            });
+            click(find(panel, "About.button"));
+            EXPECT_EQ(closed, times);
+            EXPECT_TRUE(panel.isVisible());
+        }
+    });
+    EXPECT_EQ(rig.updates, 0);
+}
+
+TEST(SettingsPanel, ClosingEverythingEndsNestedDialogs) {
+    SettingsRig rig;
+    EXPECT_FALSE(rig.open([&](QWidget& panel) {
+        QTimer::singleShot(0, &panel, [&] {
+            QApplication::activeModalWidget()->close();
+            whenPicking([&](QColorDialog& dialog) {
+                panel.close();
+                dialog.reject();
+            });
+            clickAt(find(panel, "area.6"), 5);
+        });
+        click(find(panel, "About.button"));
+    }));
+}
+
+void press(QWidget& panel, std::initializer_list<Qt::Key> keys) {
+    for (const Qt::Key key : keys)
+        QTest::keyClick(panel.focusWidget() != nullptr ? panel.focusWidget() : &panel, key);
+}
+
+TEST(SettingsPanel, TheKeyboardAloneSuffices) {
+    SettingsRig rig;
+    rig.apply(R"({"edgeEnable": true, "edgeCoverage": 0.5})");
+    EXPECT_TRUE(rig.open([&](QWidget& panel) {
+        EXPECT_EQ(panel.focusWidget()->objectName(), "tab");
+        press(panel, {Qt::Key_Right, Qt::Key_Right, Qt::Key_Tab});
+        EXPECT_EQ(panel.focusWidget()->objectName(), "Coverage.percent");
+        press(panel, {Qt::Key_PageUp, Qt::Key_Up, Qt::Key_Down, Qt::Key_Down, Qt::Key_Tab});
+        EXPECT_EQ(panel.focusWidget()->objectName(), "Sharpness.percent");
+        press(panel, {Qt::Key_Tab});
+        EXPECT_EQ(panel.focusWidget()->objectName(), "area.3");
+        press(panel, {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Space});
+        EXPECT_EQ(rig.settings()["edgeEnable"], false);
+        press(panel, {Qt::Key_Backtab});
+        // Enter enters what was typed; the next one is OK.
+        press(panel, {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_6, Qt::Key_0, Qt::Key_Return});
+        EXPECT_FLOAT_EQ(rig.settings()["forceColor"].get<float>(), 0.6F);
+        EXPECT_TRUE(panel.isVisible());
+        press(panel, {Qt::Key_Return});
+        EXPECT_FALSE(panel.isVisible());
+    }));
+    EXPECT_FLOAT_EQ(rig.settings()["edgeCoverage"].get<float>(), 0.59F);
+    EXPECT_FALSE(rig.open([](QWidget& panel) { press(panel, {Qt::Key_Escape}); }));
+}
+
+TEST(SettingsPanel, ATabWalkMeetsEveryUsableControlOnce) {
+    SettingsRig rig;
+    rig.open([&](QWidget& panel) {
+        std::vector<QWidget*> met;
+        QWidget* first = panel.focusWidget();
+        do {
+            met.push_back(panel.focusWidget());
+            press(panel, {Qt::Key_Tab});
+        } while (panel.focusWidget() != first && met.size() < 100);
+        for (const char* name : {"About.button", "area.6", "area.7", "Position.percent",
+                                 "Shift.drag", "Use All Lights.check", "Set as Default.button"}) {
+            EXPECT_EQ(std::ranges::count(met, &find(panel, name)), 1) << name;
+        }
+    });
+}
+
+}  // namespace
+}  // namespace tavora::studio::testing
