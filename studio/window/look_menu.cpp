@@ -27,6 +27,8 @@ LookMenu::LookMenu(QWidget* parent) : QMenu(tr("&Looks"), parent), grid_(new QLi
     grid_->setMovement(QListView::Static);
     grid_->setResizeMode(QListView::Adjust);
     grid_->setFrameShape(QFrame::NoFrame);
+    grid_->setVerticalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
+    grid_->setHorizontalScrollBarPolicy(Qt::ScrollBarAlwaysOff);
     grid_->setIconSize({LookThumbnails::kWidth, LookThumbnails::kHeight});
     grid_->setGridSize({LookThumbnails::kWidth + kGap, LookThumbnails::kHeight + kLabel + kGap});
     connect(grid_, &QListWidget::itemClicked, this,
@@ -60,7 +62,7 @@ void LookMenu::fill() {
     }
     const int rows = (grid_->count() + kColumns - 1) / kColumns;
     const QSize cell = grid_->gridSize();
-    grid_->setFixedSize(kColumns * cell.width() + kGap, rows * cell.height() + kGap);
+    grid_->setFixedSize(kColumns * cell.width() + 2 * kGap, rows * cell.height() + 2 * kGap);
 }
 
 void LookMenu::renderPictures() {

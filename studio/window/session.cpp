@@ -1,5 +1,7 @@
 #include "studio/window/session.h"
 
+#include <algorithm>
+
 #include "studio/app/scene_view.h"
 
 namespace tavora::studio {
@@ -7,6 +9,11 @@ namespace {
 
 // The window's shape is not known yet; a camera that frames the scene wants one.
 constexpr double kUsualAspect = 16.0 / 9;
+
+/// What is so many times as deep as the foreground is a backdrop: a hand that
+/// grabs the sky means to turn what stands before it.
+constexpr double kBackdrop = 3;
+constexpr int kProbes = 5;  // rows and columns of places to look at
 
 }  // namespace
 
@@ -49,7 +56,33 @@ void Session::setSize(int width, int height) {
 }
 
 void Session::setInterest(int x, int y) {
-    if (const auto picked = picture_->pickAt(x, y)) orbit_->setInterest(picked->position);
+    const std::vector<Imath::V3d> shown = placesShown();
+    if (shown.empty()) return;
+    const Imath::V3d foreground = shown[shown.size() / 4];
+    const auto picked = picture_->pickAt(x, y);
+    const bool near = picked && depthOf(picked->position) <= kBackdrop * depthOf(foreground);
+    orbit_->setInterest(near ? picked->position : foreground);
+}
+
+/// Some of the places in the picture, the nearest first.
+std::vector<Imath::V3d> Session::placesShown() const {
+    std::vector<Imath::V3d> places;
+    for (int row = 0; row < kProbes; ++row) {
+        for (int column = 0; column < kProbes; ++column) {
+            const auto picked = picture_->pickAt((2 * column + 1) * width_ / (2 * kProbes),
+                                                 (2 * row + 1) * height_ / (2 * kProbes));
+            if (picked) places.push_back(picked->position);
+        }
+    }
+    std::sort(places.begin(), places.end(),
+              [this](const Imath::V3d& a, const Imath::V3d& b) { return depthOf(a) < depthOf(b); });
+    return places;
+}
+
+double Session::depthOf(const Imath::V3d& place) const {
+    const Imath::M44d& frame = orbit_->camera().cameraToWorld;
+    const Imath::V3d back(frame[2][0], frame[2][1], frame[2][2]);
+    return (frame.translation() - place).dot(back);
 }
 
 void Session::turn(double x, double y) {

@@ -31,8 +31,8 @@ class Session : public QObject {
     int width() const { return width_; }
     int height() const { return height_; }
 
-    /// What the view turns around: the place that a pixel shows. Where it shows
-    /// nothing, the place stays as it was.
+    /// What the view turns around: the place that a pixel shows, or one in the
+    /// foreground where it shows a backdrop or nothing.
     void setInterest(int x, int y);
     /// The view; each shows at once.
     void turn(double x, double y);
@@ -55,6 +55,8 @@ class Session : public QObject {
     void stateChanged();
 
   private:
+    std::vector<Imath::V3d> placesShown() const;
+    double depthOf(const Imath::V3d& place) const;
     void showView();
     void showSettings();
     SurfaceShading shadingOf(std::size_t surface) const;
