@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <gtest/gtest.h>
 
 #include "tests/support/open_panel.h"
@@ -14,18 +15,37 @@ std::string drawn(const FakePanels& panels) {
     return text;
 }
 
+struct Percent {
+    int slot;
+    float ShaderInstance::*field;
+};
+struct Color {
+    int slot;
+    float (ShaderInstance::*field)[3];
+    int swatch;
+    const char* title;
+};
+using R = ShaderInstance;
+const Percent percents[] = {
+    {14, &R::highlightSize},           {11, &R::highlightOpacity},   {18, &R::highlightOutlineSize},
+    {19, &R::highlightOutlineOpacity}, {32, &R::edgeCoverage},       {33, &R::edgeSharpness},
+    {38, &R::slopeTopOpacity},         {39, &R::slopeBottomOpacity}, {42, &R::slopeCenter}};
+const Color colors[] = {{10, &R::highlightColor, 4, "CelSpec Colour"},
+                        {22, &R::highlightOutlineColor, 6, "Outline Colour"},
+                        {30, &R::edgeColor, 7, "Edge Colour"},
+                        {40, &R::slopeTopColor, 53, "Slope Colour"},
+                        {41, &R::slopeBottomColor, 54, "Slope Colour"},
+                        {57, &R::inkoverColor, 58, "InkOver Colour"},
+                        {59, &R::inkoverPaintColor, 60, "InkOver Paint Colour"}};
+
 TEST_F(SettingEvents, AnyPlainControlTakesAllTwenty) {
     whileOpen([&] {
         // Quietly set all but one, then let that one speak.
-        const int percents[] = {14, 11, 18, 19, 32, 33, 38, 39, 42};
-        double percent = 10;
-        for (int slot : percents)
-            panels.at(slot).value.of.number = percent++;
-        for (int slot : {10, 22, 30, 40, 41, 57, 59}) {
-            int* vector = panels.at(slot).value.of.vector;
-            vector[0] = slot;
-            vector[1] = 128;
-            vector[2] = 255;
+        for (const Percent& one : percents)
+            panels.at(one.slot).value.of.number = one.slot;
+        for (const Color& one : colors) {
+            const int typed[] = {one.slot, 128, 255};
+            std::copy(typed, typed + 3, panels.at(one.slot).value.of.vector);
         }
         panels.at(44).value.of.integer = 1;
         panels.at(68).value.of.integer = 2;
@@ -33,21 +53,11 @@ TEST_F(SettingEvents, AnyPlainControlTakesAllTwenty) {
         panels.setInteger(69, 2);
         EXPECT_EQ(host.updates, std::vector<HostInstance>{record.get()});
     });
-    const float* fractions[] = {&record->highlightSize,        &record->highlightOpacity,
-                                &record->highlightOutlineSize, &record->highlightOutlineOpacity,
-                                &record->edgeCoverage,         &record->edgeSharpness,
-                                &record->slopeTopOpacity,      &record->slopeBottomOpacity,
-                                &record->slopeCenter};
-    float percent = 10.0f;
-    for (const float* fraction : fractions)
-        EXPECT_EQ(*fraction, percent++ / 100.0f);
-    const std::pair<int, const float*> colors[] = {
-        {10, record->highlightColor},   {22, record->highlightOutlineColor},
-        {30, record->edgeColor},        {40, record->slopeTopColor},
-        {41, record->slopeBottomColor}, {57, record->inkoverColor},
-        {59, record->inkoverPaintColor}};
-    for (const auto& [slot, color] : colors) {
-        EXPECT_EQ(color[0], static_cast<float>(slot) / 255.0f) << slot;
+    for (const Percent& one : percents)
+        EXPECT_EQ((*record).*one.field, static_cast<float>(one.slot) / 100.0f) << one.slot;
+    for (const Color& one : colors) {
+        const float(&color)[3] = (*record).*one.field;
+        EXPECT_EQ(color[0], static_cast<float>(one.slot) / 255.0f) << one.slot;
         EXPECT_EQ(color[1], 128.0f / 255.0f);
         EXPECT_EQ(color[2], 1.0f);
     }
@@ -75,7 +85,6 @@ struct SwitchCase {
 };
 
 TEST_F(SettingEvents, SwitchesDrawAndGhostTheirGroups) {
-    using R = ShaderInstance;
     const SwitchCase cases[] = {
         {12, &R::highlightEnable, 1, "14 1,11 1,4 1,10 1,"},
         {12, &R::highlightEnable, 2, "14 1,11 1,4 1,10 2,"},
@@ -129,58 +138,32 @@ TEST_F(SettingEvents, ZoneSwitchesEditTheSelectedZone) {
 }
 
 TEST_F(SettingEvents, SwatchesPickFromTheColourThatIsShown) {
-    struct Swatch {
-        int slot;
-        int colorSlot;
-        float (ShaderInstance::*field)[3];
-        const char* title;
-    };
-    const Swatch swatches[] = {
-        {4, 10, &ShaderInstance::highlightColor, "CelSpec Colour"},
-        {6, 22, &ShaderInstance::highlightOutlineColor, "Outline Colour"},
-        {7, 30, &ShaderInstance::edgeColor, "Edge Colour"},
-        {53, 40, &ShaderInstance::slopeTopColor, "Slope Colour"},
-        {54, 41, &ShaderInstance::slopeBottomColor, "Slope Colour"},
-        {58, 57, &ShaderInstance::inkoverColor, "InkOver Colour"},
-        {60, 59, &ShaderInstance::inkoverPaintColor, "InkOver Paint Colour"}};
     whileOpen([&] {
-        for (const Swatch& swatch : swatches) {
-            int* typed = panels.at(swatch.colorSlot).value.of.vector;
+        for (const Color& one : colors) {
+            int* typed = panels.at(one.slot).value.of.vector;
             typed[0] = 128;
             typed[1] = typed[2] = 0;
-            // Cancelled: the typed colour stays.
-            panels.onPick = [](HostColorPick& request) {
-                EXPECT_EQ(request.red, 128.0f / 255.0f);
-                request.red = 0.25f;
-                return 0;
+            const auto pick = [&](int result, int error) {
+                panels.onPick = [=](HostColorPick& request) {
+                    EXPECT_EQ(request.red, 128.0f / 255.0f);
+                    request.red = 0.5f;
+                    request.green = 0.999f;
+                    request.blue = 1.0f;
+                    request.result = result;
+                    return error;
+                };
+                panels.press(one.swatch);
+                return ((*record).*one.field)[0];
             };
-            panels.press(swatch.slot);
-            const float(&color)[3] = (*record).*swatch.field;
-            EXPECT_EQ(color[0], 128.0f / 255.0f) << swatch.title;
+            EXPECT_EQ(pick(0, 0), 128.0f / 255.0f) << "cancelled: the typed colour stays";
+            EXPECT_EQ(pick(1, 1), 128.0f / 255.0f) << "failed, though it claims a result";
             EXPECT_EQ(typed[0], 128);
-            // Failed, though it claims a result.
-            panels.onPick = [](HostColorPick& request) {
-                request.red = 0.25f;
-                request.result = 1;
-                return 1;
-            };
-            panels.press(swatch.slot);
-            EXPECT_EQ(color[0], 128.0f / 255.0f);
-            panels.onPick = [](HostColorPick& request) {
-                request.red = 0.5f;
-                request.green = 0.999f;
-                request.blue = 1.0f;
-                request.result = 1;
-                return 0;
-            };
-            panels.press(swatch.slot);
-            EXPECT_EQ(color[0], 0.5f);
-            EXPECT_EQ(typed[0], 127) << "shown without its fraction";
-            EXPECT_EQ(typed[1], 254);
-            EXPECT_EQ(typed[2], 255);
-            EXPECT_EQ(panels.colorTitles.back(), swatch.title);
+            EXPECT_EQ(pick(1, 0), 0.5f);
+            EXPECT_EQ(std::vector<int>(typed, typed + 3), (std::vector{127, 254, 255}))
+                << "shown without its fraction";
+            EXPECT_EQ(panels.colorTitles.back(), one.title);
         }
-        EXPECT_EQ(host.updates.size(), 3 * std::size(swatches));
+        EXPECT_EQ(host.updates.size(), 3 * std::size(colors));
     });
 }
 

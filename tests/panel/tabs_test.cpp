@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <gtest/gtest.h>
+#include <sstream>
 
 #include "tests/support/open_panel.h"
 
@@ -40,24 +41,17 @@ class Tabs : public PanelTest {
 TEST_F(Tabs, EraseAndParkInOrder) {
     whileOpen([&] {
         panels.setInteger(slot::tabs, 5);
-        std::vector<std::string> moves;
-        std::string draws;
-        for (const std::string& entry : panels.log) {
-            if (entry[0] == 'm') {
-                moves.push_back(entry);
-            } else {
-                draws += entry.substr(5) + ",";
-            }
+        std::string draws = sequence(panels.log);
+        for (int slot : {6, 4, 7, 53, 54}) {
+            const std::string parked = "@" + std::to_string(slot) + ",490,325 ";
+            ASSERT_NE(draws.find(parked), std::string::npos) << slot;
+            draws.erase(draws.find(parked), parked.size());
         }
         EXPECT_EQ(draws,
-                  "35 0,23 0,23 1,69 0,15 0,3 0,9 0,8 0,5 0,22 0,25 0,21 0,20 0,19 0,18 0,17 0,"
-                  "16 0,14 0,12 0,11 0,6 0,4 0,7 0,53 0,54 0,10 0,33 0,32 0,31 0,30 0,44 0,41 0,"
-                  "42 0,43 0,40 0,39 0,38 0,45 0,46 0,57 0,58 0,59 0,60 0,61 0,62 0,63 0,64 0,"
-                  "65 0,66 0,68 0,70 0,72 0,74 0,36 1,37 1,36 2,37 2,48 2,68 1,");
-        for (int slot : {6, 4, 7, 53, 54}) {
-            EXPECT_EQ(panels.at(slot).x, 490) << slot;
-            EXPECT_EQ(panels.at(slot).y, 325) << slot;
-        }
+                  "35:0 23:0 23:1 69:0 15:0 3:0 9:0 8:0 5:0 22:0 25:0 21:0 20:0 19:0 18:0 17:0 "
+                  "16:0 14:0 12:0 11:0 6:0 4:0 7:0 53:0 54:0 10:0 33:0 32:0 31:0 30:0 44:0 41:0 "
+                  "42:0 43:0 40:0 39:0 38:0 45:0 46:0 57:0 58:0 59:0 60:0 61:0 62:0 63:0 64:0 "
+                  "65:0 66:0 68:0 70:0 72:0 74:0 36:1 37:1 36:2 37:2 48:2 68:1 ");
     });
 }
 
@@ -90,20 +84,16 @@ TEST_F(Tabs, GhostNothingThatIsOn) {
     record->inkoverEnable = record->inkoverTranslucent = 1;
     record->selectedZone->accountLights = 1;
     const auto ghosts = [this](int tab) {
+        std::istringstream all(shownBy(tab));
         std::string result;
-        const std::string all = shownBy(tab);
-        for (std::size_t at = all.find(":2 "); at != std::string::npos;
-             at = all.find(":2 ", at + 1)) {
-            const std::size_t start = all.rfind(' ', at) + 1;
-            result += all.substr(start, at - start) + " ";
-        }
+        for (std::string one; all >> one;)
+            if (one.ends_with(":2")) result += one.substr(0, one.size() - 1);
         return result;
     };
     EXPECT_EQ(ghosts(0), "");
-    EXPECT_EQ(ghosts(1), "50 ");
-    EXPECT_EQ(ghosts(2), "50 ");
-    EXPECT_EQ(ghosts(3), "50 ");
-    EXPECT_EQ(ghosts(4), "57 58 59 60 ");
+    for (int tab : {1, 2, 3})
+        EXPECT_EQ(ghosts(tab), "50:");
+    EXPECT_EQ(ghosts(4), "57:58:59:60:");
 }
 
 TEST_F(Tabs, LeaveTheZoneModeAsTheLastTabLeftIt) {
