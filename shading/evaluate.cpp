@@ -1,8 +1,5 @@
 #include "shading/evaluate.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "plugin/services.h"
 #include "plugin/shader_instance.h"
 #include "shading/channel_alpha.h"
@@ -11,6 +8,7 @@
 #include "shading/light_intensity.h"
 #include "shading/overlays.h"
 #include "shading/render_pass.h"
+#include "shading/scene_lights.h"
 #include "shading/vector_math.h"
 #include "zones/zone.h"
 #include "zones/zone_lookup.h"
@@ -80,11 +78,12 @@ void tintByLight(const Zone& zone, HostSample* sample) {
 }
 
 /// Colour and transparency from the gradient at the sample's intensity.
-void applyZones(ShaderInstance* instance, HostSample* sample, const double base[3]) {
-    const double intensity = upToOne(cb_lightIntensity(instance, sample) + sample->luminosity);
+void applyZones(ShaderInstance* instance, HostSample* sample, const double base[3],
+                SceneLights& lights) {
+    const double intensity =
+        upToOne(cb_lightIntensity(instance, sample, lights) + sample->luminosity);
     double zoneColor[3];
-    for (int i = 0; i < 3; ++i)
-        zoneColor[i] = evalColor(instance, intensity, i, 1, sample);
+    evalColors(instance, intensity, *sample, zoneColor);
     if (instance->colorTextureUse == shaded) shadeTexture(instance, sample, base, zoneColor);
     mixZone(base, zoneColor, sample);
 
@@ -105,10 +104,10 @@ void applyDecal(const ShaderInstance* instance, HostSample* sample, const double
     }
 }
 
-void applyStages(ShaderInstance* instance, HostSample* sample) {
+void applyStages(ShaderInstance* instance, HostSample* sample, SceneLights& lights) {
     if (instance->slopeEnable != 0) applySlope(*instance, *sample);
     if (instance->highlightEnable != 0 || instance->highlightOutlineEnable != 0) {
-        drawSpec(instance, sample);
+        drawSpec(instance, sample, lights);
     }
     if (instance->edgeEnable != 0) applyEdge(*instance, *sample);
     if (instance->inkoverEnable != 0) drawInkOver(instance, sample);
@@ -132,12 +131,12 @@ void Evaluate(HostInstance instance, HostSample* sample) {
     auto* record = static_cast<ShaderInstance*>(instance);
     record->lightCursor = record->lightList;
     record->zoneCursor = record->zoneList;
-    double base[3];
-    std::copy(std::begin(sample->color), std::end(sample->color), base);
+    const double base[3] = {sample->color[0], sample->color[1], sample->color[2]};
 
-    applyZones(record, sample, base);
+    SceneLights lights;
+    applyZones(record, sample, base, lights);
     if (record->colorTextureUse == decal) applyDecal(record, sample, base);
-    applyStages(record, sample);
+    applyStages(record, sample, lights);
     // Ink-over may have evaluated this record again: from here on no module
     // global and no cursor counts.
     forceColor(record, sample);

@@ -1,11 +1,7 @@
 #include "shading/highlight.h"
 
-#include <algorithm>
-#include <iterator>
-
 #include "plugin/services.h"
 #include "shading/render_pass.h"
-#include "shading/scene_lights.h"
 #include "shading/vector_math.h"
 
 namespace tavora {
@@ -16,14 +12,28 @@ struct Painter {
     const ShaderInstance& settings;
     HostSample& sample;
     double atEntry[3];
+    /// Unit, from the sample towards the viewer.
+    double view[3];
+    /// Cosines below it show nothing, whatever the settings.
+    double leastCosine;
     /// In mode "Light" it stays with the last light asked.
     double highlight[3];
 };
 
+/// Where the ring begins, or the disc where that is lower.
+double leastShowing(const ShaderInstance& settings) {
+    const double disc = 1.0 - static_cast<double>(settings.highlightSize);
+    const double ring = 1.0 - (static_cast<double>(settings.highlightOutlineSize) +
+                               static_cast<double>(settings.highlightSize));
+    return ring < disc ? ring : disc;
+}
+
 Painter startPainting(const ShaderInstance& settings, HostSample& sample) {
-    Painter painter{settings, sample, {}, {}};
-    std::copy(std::begin(sample.color), std::end(sample.color), painter.atEntry);
+    Painter painter{settings, sample, {}, {}, leastShowing(settings), {}};
+    dsub(sample.raySource, sample.worldPosition, painter.view);
+    normalize(painter.view);
     for (int i = 0; i < 3; ++i) {
+        painter.atEntry[i] = sample.color[i];
         painter.highlight[i] = static_cast<double>(settings.highlightColor[i]);
     }
     return painter;
@@ -33,18 +43,23 @@ bool makesHighlights(HostItemId light) {
     return lightinfo == nullptr || (lightinfo->flags(light) & HOST_LIGHT_NO_SPECULAR) == 0;
 }
 
-/// Cosine between the light's mirror reflection and the direction to the viewer.
-double reflectionCosine(const double lightDirection[3], const HostSample& sample) {
-    const double along = ddot(lightDirection, sample.worldNormal);
-    double mirror[3];
-    for (int i = 0; i < 3; ++i) {
-        mirror[i] = lightDirection[i] - 2.0 * along * sample.worldNormal[i];
-    }
-    normalize(mirror);
-    double view[3];
-    dsub(sample.raySource, sample.worldPosition, view);
-    normalize(view);
-    return ddot(view, mirror);
+/// Whether the cosine between `view` and `mirror` is certainly below `least`:
+/// told without a root and divisions. The margin is far wider than what
+/// rounding does to vectors of about length 1; others are left to the cosine.
+bool staysBelow(double least, const double view[3], const double mirror[3]) {
+    constexpr double margin = 1e-6;
+    const double bound = least - margin;
+    const double square = dlenSquared(mirror);
+    if (!(bound > 0.0 && square > 0.25 && square < 4.0)) return false;
+    const double along = ddot(view, mirror);
+    return along < 0.0 || along * along < bound * bound * square;
+}
+
+/// The direction of the light's mirror reflection, not yet of length 1.
+void reflect(const double lightDirection[3], const double normal[3], double mirror[3]) {
+    const double along = ddot(lightDirection, normal);
+    for (int i = 0; i < 3; ++i)
+        mirror[i] = lightDirection[i] - 2.0 * along * normal[i];
 }
 
 void paintOutline(Painter& painter) {
@@ -64,6 +79,19 @@ void paintDisc(Painter& painter) {
     }
 }
 
+/// Paints what the cosine between reflection and view shows.
+void paintAt(Painter& painter, double cosine) {
+    const ShaderInstance& settings = painter.settings;
+    const auto size = static_cast<double>(settings.highlightSize);
+    const auto outlineSize = static_cast<double>(settings.highlightOutlineSize);
+    if (settings.highlightOutlineEnable != 0 && 1.0 - (outlineSize + size) <= cosine &&
+        cosine <= 1.0 - size) {
+        paintOutline(painter);
+    }
+    // A cosine of exactly 1 makes no disc.
+    if (settings.highlightEnable != 0 && 1.0 - size < cosine && cosine < 1.0) paintDisc(painter);
+}
+
 void paintLight(Painter& painter, HostItemId light) {
     const ShaderInstance& settings = painter.settings;
     if (!makesHighlights(light)) return;
@@ -75,26 +103,22 @@ void paintLight(Painter& painter, HostItemId light) {
     HostSample& sample = painter.sample;
     if (sample.illuminate(light, sample.worldPosition, direction, unused) == 0) return;
 
-    const double cosine = reflectionCosine(direction, sample);
-    const auto size = static_cast<double>(settings.highlightSize);
-    const auto outlineSize = static_cast<double>(settings.highlightOutlineSize);
-    if (settings.highlightOutlineEnable != 0 && 1.0 - (outlineSize + size) <= cosine &&
-        cosine <= 1.0 - size) {
-        paintOutline(painter);
-    }
-    // A cosine of exactly 1 makes no disc.
-    if (settings.highlightEnable != 0 && 1.0 - size < cosine && cosine < 1.0) paintDisc(painter);
+    double mirror[3];
+    reflect(direction, sample.worldNormal, mirror);
+    if (staysBelow(painter.leastCosine, painter.view, mirror)) return;
+    normalize(mirror);
+    paintAt(painter, ddot(painter.view, mirror));
 }
-
 }  // namespace
 
-void drawSpec(ShaderInstance* instance, HostSample* sample) {
+void drawSpec(ShaderInstance* instance, HostSample* sample, SceneLights& lights) {
     Painter painter = startPainting(*instance, *sample);
     LightEntry*& cursor = instance->lightCursor;
     for (cursor = instance->lightList; cursor != nullptr; cursor = cursor->next) {
-        for (HostItemId light = firstLight(); light != nullptr; light = iteminfo->next(light)) {
-            if (isNamed(light, *cursor)) paintLight(painter, light);
-        }
+        lights.eachNamed(cursor->name, [&](HostItemId light) {
+            paintLight(painter, light);
+            return true;
+        });
     }
 }
 

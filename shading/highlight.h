@@ -2,6 +2,7 @@
 
 #include "host/sample.h"
 #include "plugin/shader_instance.h"
+#include "shading/scene_lights.h"
 
 namespace tavora {
 
@@ -13,6 +14,6 @@ namespace tavora {
 /// Needs the item service; without the light service no light is flagged and
 /// mode "Light" keeps the record's highlight colour. [render], under the
 /// module's mutex.
-void drawSpec(ShaderInstance* instance, HostSample* sample);
+void drawSpec(ShaderInstance* instance, HostSample* sample, SceneLights& lights);
 
 }  // namespace tavora

@@ -5,7 +5,6 @@
 
 #include "plugin/services.h"
 #include "shading/render_pass.h"
-#include "shading/scene_lights.h"
 #include "shading/vector_math.h"
 
 namespace tavora {
@@ -38,12 +37,10 @@ bool addLight(HostItemId light, const HostSample* sample, double& sum) {
     return true;
 }
 
-double sumAllLights(const HostSample* sample) {
+double sumAllLights(const HostSample* sample, SceneLights& lights) {
     ambientColor(colorIllum);
     double sum = mean(colorIllum);
-    for (HostItemId light = firstLight(); light != nullptr; light = iteminfo->next(light)) {
-        if (addLight(light, sample, sum) && sum > 1.0) break;
-    }
+    lights.each([&](HostItemId light) { return !addLight(light, sample, sum) || !(sum > 1.0); });
     return sum;
 }
 
@@ -55,26 +52,23 @@ void addAmbient(double& sum) {
         colorIllum[i] += ambient[i];
 }
 
-void addLightsOfEntry(const LightEntry& entry, const HostSample* sample, double& sum) {
-    for (HostItemId light = firstLight(); light != nullptr; light = iteminfo->next(light)) {
-        if (!isNamed(light, entry)) continue;
-        if (addLight(light, sample, sum) && sum > 1.0) break;
-    }
-}
-
-double sumChosenLights(ShaderInstance* instance, const HostSample* sample) {
+double sumChosenLights(ShaderInstance* instance, const HostSample* sample, SceneLights& lights) {
     double sum = 0.0;
     for (double& channel : colorIllum)
         channel = 0.0;
     LightEntry*& cursor = instance->lightCursor;
     for (; cursor != nullptr; cursor = cursor->next) {
         if (std::strcmp(cursor->name, "Ambient") == 0) addAmbient(sum);
-        addLightsOfEntry(*cursor, sample, sum);
+        lights.eachNamed(cursor->name, [&](HostItemId light) {
+            return !addLight(light, sample, sum) || !(sum > 1.0);
+        });
     }
     return sum;
 }
 
 double throughPowerCurve(double sum, int lightPower) {
+    // No root of 1 or more, or of no number, ends below 1.
+    if (!(sum < 1.0)) return 1.0;
     switch (lightPower) {
         case 1:
             return std::pow(sum, 0.5);
@@ -87,10 +81,10 @@ double throughPowerCurve(double sum, int lightPower) {
 
 }  // namespace
 
-double cb_lightIntensity(ShaderInstance* instance, const HostSample* sample) {
+double cb_lightIntensity(ShaderInstance* instance, const HostSample* sample, SceneLights& lights) {
     instance->lightCursor = instance->lightList;
-    const double sum =
-        instance->useAllLights != 0 ? sumAllLights(sample) : sumChosenLights(instance, sample);
+    const double sum = instance->useAllLights != 0 ? sumAllLights(sample, lights)
+                                                   : sumChosenLights(instance, sample, lights);
     const double intensity = throughPowerCurve(sum, instance->lightPower);
     return intensity < 1.0 ? intensity : 1.0;
 }

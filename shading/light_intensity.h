@@ -2,6 +2,7 @@
 
 #include "host/sample.h"
 #include "plugin/shader_instance.h"
+#include "shading/scene_lights.h"
 
 namespace tavora {
 
@@ -17,6 +18,6 @@ extern double colorIllum[3];
 ///
 /// Sets `colorIllum`. Needs the item service, does without the light service.
 /// [render], under the module's mutex.
-double cb_lightIntensity(ShaderInstance* instance, const HostSample* sample);
+double cb_lightIntensity(ShaderInstance* instance, const HostSample* sample, SceneLights& lights);
 
 }  // namespace tavora

@@ -6,5 +6,4 @@ target_sources(tavora_module PRIVATE
   ${CMAKE_SOURCE_DIR}/shading/light_intensity.cpp
   ${CMAKE_SOURCE_DIR}/shading/overlays.cpp
   ${CMAKE_SOURCE_DIR}/shading/render_pass.cpp
-  ${CMAKE_SOURCE_DIR}/shading/vector_math.cpp
 )

@@ -13,28 +13,6 @@ float gradBright = 1.0f;
 
 namespace {
 
-/// A lookup on its way: whose channel, over which sample (null for a preview).
-struct Lookup {
-    double intensity;
-    int channel;
-    const HostSample* sample;
-
-    double color(const Zone& zone) const { return static_cast<double>(zone.color[channel]); }
-
-    /// The zone's colour over the sample's own.
-    double overSample(const Zone& zone) const {
-        const double base = sample->color[channel];
-        return static_cast<double>(1.0f - zone.opacity) * base +
-               static_cast<double>(zone.opacity * zone.color[channel]);
-    }
-
-    /// The blend zone's colour at its own position.
-    double middle(const Zone& blend, const Zone& lower, const Zone& upper) const {
-        return static_cast<double>(blend.opacity * upper.color[channel] +
-                                   (1.0f - blend.opacity) * lower.color[channel]);
-    }
-};
-
 double toSingle(double value) {
     return static_cast<double>(static_cast<float>(value));
 }
@@ -55,13 +33,6 @@ double blendWeight(const Zone& lower, const Zone& upper, double intensity) {
     return u * u * (u * -2.0 + 3.0);
 }
 
-/// Publishes the characteristics of a single zone.
-void publish(const Zone& zone) {
-    gradAlpha = zone.opacity;
-    gradSat = zone.sat;
-    gradBright = zone.bright;
-}
-
 float towardsMean(float from, float other, double weight) {
     const double mean = weight * static_cast<double>(from + other) * 0.5;
     return static_cast<float>(static_cast<double>(from) * (1.0 - weight) + mean);
@@ -72,70 +43,150 @@ float fromMean(float other, float to, double weight) {
     return static_cast<float>(mean + weight * static_cast<double>(to));
 }
 
-/// One colour for the whole interval.
-double step(const Lookup& lookup, const Zone& zone) {
-    publish(zone);
-    if (lookup.sample != nullptr) return toSingle(lookup.overSample(zone));
-    return static_cast<double>(zone.bright) *
-           (greyPart(zone) + static_cast<double>(zone.sat * zone.color[lookup.channel]));
+/// How an interval of intensities gets its colour.
+enum class Mix { none, step, lowerHalf, upperHalf };
+
+/// Where an intensity falls.
+struct Place {
+    Mix mix = Mix::none;
+    /// The ordinary zones around it; in a step both are the one that holds.
+    const Zone* lower = nullptr;
+    const Zone* upper = nullptr;
+    const Zone* blend = nullptr;  ///< between the two, where there is one
+    double weight = 0.0;          ///< of the interval's upper end
+};
+
+/// The zone's colour over the sample's own.
+double overSample(const Zone& zone, int channel, double base) {
+    return static_cast<double>(1.0f - zone.opacity) * base +
+           static_cast<double>(zone.opacity * zone.color[channel]);
 }
 
-/// From an ordinary zone up to a blend zone; `upper` is the zone beyond it.
-double lowerHalf(const Lookup& lookup, const Zone& lower, const Zone& blend, const Zone& upper) {
-    const double s = blendWeight(lower, blend, lookup.intensity);
-    gradAlpha = towardsMean(lower.opacity, upper.opacity, s);
-    gradSat = towardsMean(lower.sat, upper.sat, s);
-    gradBright = towardsMean(lower.bright, upper.bright, s);
+/// The blend zone's colour at its own position.
+double middleColor(const Place& place, int channel) {
+    const float share = place.blend->opacity;
+    return static_cast<double>(share * place.upper->color[channel] +
+                               (1.0f - share) * place.lower->color[channel]);
+}
 
-    const double middle = lookup.middle(blend, lower, upper);
-    if (lookup.sample != nullptr) {
-        return toSingle((1.0 - s) * lookup.overSample(lower) + s * middle);
+/// The channel over the sample's own, `base`.
+double colorOver(const Place& place, int channel, double base) {
+    const double s = place.weight;
+    switch (place.mix) {
+        case Mix::none:
+            return 0.0;
+        case Mix::step:
+            return toSingle(overSample(*place.lower, channel, base));
+        case Mix::lowerHalf:
+            return toSingle((1.0 - s) * overSample(*place.lower, channel, base) +
+                            s * middleColor(place, channel));
+        case Mix::upperHalf:
+            break;
     }
-    const double mixed = (1.0 - s) * lookup.color(lower) + s * middle;
-    return static_cast<double>(lower.bright) *
-           (greyPart(lower) + static_cast<double>(lower.sat) * mixed);
+    return toSingle((1.0 - s) * middleColor(place, channel) +
+                    s * overSample(*place.upper, channel, base));
 }
 
-/// From a blend zone up to an ordinary zone; `lower` is the zone before it.
-double upperHalf(const Lookup& lookup, const Zone& lower, const Zone& blend, const Zone& upper) {
-    const double s = blendWeight(blend, upper, lookup.intensity);
-    gradAlpha = fromMean(lower.opacity, upper.opacity, s);
-    gradSat = fromMean(lower.sat, upper.sat, s);
-    gradBright = fromMean(lower.bright, upper.bright, s);
-
-    const double middle = lookup.middle(blend, lower, upper);
-    const double end = lookup.sample != nullptr ? lookup.overSample(upper) : lookup.color(upper);
-    return toSingle((1.0 - s) * middle + s * end);
+/// The zone's brightness and saturation, applied to a value of its channel.
+double finished(const Zone& zone, double saturated) {
+    return static_cast<double>(zone.bright) * (greyPart(zone) + saturated);
 }
 
-double noZone() {
-    gradAlpha = 0.0f;
-    gradSat = 1.0f;
-    gradBright = 1.0f;
-    return 0.0;
+/// The channel for a preview.
+double previewColor(const Place& place, int channel) {
+    const double s = place.weight;
+    switch (place.mix) {
+        case Mix::none:
+            return 0.0;
+        case Mix::step:
+            return finished(*place.lower,
+                            static_cast<double>(place.lower->sat * place.lower->color[channel]));
+        case Mix::lowerHalf: {
+            const double mixed = (1.0 - s) * static_cast<double>(place.lower->color[channel]) +
+                                 s * middleColor(place, channel);
+            return finished(*place.lower, static_cast<double>(place.lower->sat) * mixed);
+        }
+        case Mix::upperHalf:
+            break;
+    }
+    return toSingle((1.0 - s) * middleColor(place, channel) +
+                    s * static_cast<double>(place.upper->color[channel]));
 }
 
 bool blendsBetweenNeighbours(const Zone& zone) {
     return zone.blend != 0 && zone.prev != nullptr && zone.next != nullptr;
 }
 
+/// The zone at the lower end of the intensity's interval.
+Zone* lowerEnd(Zone* zone, double intensity) {
+    while (zone->next != nullptr && intensity > static_cast<double>(zone->next->position))
+        zone = zone->next;
+    return zone;
+}
+
+Place placeBetween(const Zone& lower, double intensity) {
+    const Zone* upper = lower.next;
+    if (upper != nullptr && blendsBetweenNeighbours(*upper)) {
+        return {Mix::lowerHalf, &lower, upper->next, upper, blendWeight(lower, *upper, intensity)};
+    }
+    if (upper != nullptr && blendsBetweenNeighbours(lower)) {
+        return {Mix::upperHalf, lower.prev, upper, &lower, blendWeight(lower, *upper, intensity)};
+    }
+    return {Mix::step, &lower, &lower, nullptr, 0.0};
+}
+
+template <class Rule>
+void publishBy(Rule rule, const Place& place) {
+    gradAlpha = rule(place.lower->opacity, place.upper->opacity, place.weight);
+    gradSat = rule(place.lower->sat, place.upper->sat, place.weight);
+    gradBright = rule(place.lower->bright, place.upper->bright, place.weight);
+}
+
+/// Leaves what evalColor() promises in the globals.
+void publish(const Place& place) {
+    switch (place.mix) {
+        case Mix::none:
+            gradAlpha = 0.0f;
+            gradSat = gradBright = 1.0f;
+            return;
+        case Mix::step:
+            publishBy([](float lower, float, double) { return lower; }, place);
+            return;
+        case Mix::lowerHalf:
+            publishBy(towardsMean, place);
+            return;
+        case Mix::upperHalf:
+            publishBy(fromMean, place);
+            return;
+    }
+}
+
+/// Finds the place, leaves the cursor on it and publishes.
+Place lookUp(ShaderInstance* instance, double intensity) {
+    Place place;
+    instance->zoneCursor = instance->zoneList;
+    if (instance->zoneList != nullptr) {
+        instance->zoneCursor = lowerEnd(instance->zoneList, intensity);
+        place = placeBetween(*instance->zoneCursor, intensity);
+    }
+    publish(place);
+    return place;
+}
+
 }  // namespace
 
 double evalColor(ShaderInstance* instance, double intensity, int channel, int useSample,
                  const HostSample* sample) {
-    Zone*& lower = instance->zoneCursor;
-    lower = instance->zoneList;
-    if (lower == nullptr) return noZone();
-    while (lower->next != nullptr && intensity > static_cast<double>(lower->next->position)) {
-        lower = lower->next;
-    }
+    const Place place = lookUp(instance, intensity);
+    return useSample != 0 && sample != nullptr ? colorOver(place, channel, sample->color[channel])
+                                               : previewColor(place, channel);
+}
 
-    const Lookup lookup{intensity, channel, useSample != 0 ? sample : nullptr};
-    const Zone* upper = lower->next;
-    if (upper == nullptr) return step(lookup, *lower);
-    if (blendsBetweenNeighbours(*upper)) return lowerHalf(lookup, *lower, *upper, *upper->next);
-    if (blendsBetweenNeighbours(*lower)) return upperHalf(lookup, *lower->prev, *lower, *upper);
-    return step(lookup, *lower);
+void evalColors(ShaderInstance* instance, double intensity, const HostSample& sample,
+                double color[3]) {
+    const Place place = lookUp(instance, intensity);
+    for (int i = 0; i < 3; ++i)
+        color[i] = colorOver(place, i, sample.color[i]);
 }
 
 }  // namespace tavora

@@ -28,4 +28,9 @@ extern float gradBright;
 double evalColor(ShaderInstance* instance, double intensity, int channel, int useSample,
                  const HostSample* sample);
 
+/// All three channels of evalColor() over the sample's own colour, at the price
+/// of little more than one.
+void evalColors(ShaderInstance* instance, double intensity, const HostSample& sample,
+                double color[3]);
+
 }  // namespace tavora

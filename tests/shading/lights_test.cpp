@@ -20,11 +20,13 @@ struct Lights : ::testing::Test {
     double measure() {
         const HostSample sample = upwardSample();
         host.log.clear();
-        return cb_lightIntensity(record.get(), &sample);
+        SceneLights all;
+        return cb_lightIntensity(record.get(), &sample, all);
     }
     Vec highlights() {
         HostSample sample = upwardSample(surface);
-        drawSpec(record.get(), &sample);
+        SceneLights all;
+        drawSpec(record.get(), &sample, all);
         EXPECT_EQ(record->lightCursor, nullptr);
         return colorOf(sample);
     }
@@ -100,6 +102,20 @@ TEST_F(Lights, CountByNameAndByEntryWhenChosen) {
         EXPECT_EQ(colorIllum[0], c.illum);
         EXPECT_EQ(record->lightCursor, nullptr);
     }
+}
+
+TEST_F(Lights, AreToldApartByTheirWholeNamesHoweverMany) {
+    for (int i = 0; i < 140; ++i) {
+        host.lights.push_back({.name = (i % 2 == 0 ? "A lamp in hall " : "B lamp in hall ") +
+                                       std::to_string(10 + i / 2),
+                               .arriving = {i / 1024.0, 0, 0}});
+    }
+    record->useAllLights = 0;
+    chooseLights(*record, {"B lamp in hall 10", "A lamp in hall 12", "B lamp in hall 79", "A lamp",
+                           "A lamp in hall 12"});
+    measure();
+    EXPECT_EQ(colorIllum[0] * 1024, 1 + 4 + 139 + 4);
+    EXPECT_EQ(host.namesAsked, 128 + 5 * 12) << "once for each light that is remembered";
 }
 
 TEST_F(Lights, PowerCurveIsARootCappedAtOne) {

@@ -29,7 +29,10 @@ HostItemInfo items = {[](int type, HostItemId parent) {
                               ++i;
                           return idAt(i + 1);
                       },
-                      [](HostItemId item) { return lightOf(item).name.c_str(); }};
+                      [](HostItemId item) {
+                          ++host->namesAsked;
+                          return lightOf(item).name.c_str();
+                      }};
 HostLightInfo lightInfo = {[](double seconds, double* color) {
                                host->queryTimes.push_back(seconds);
                                answer(host->ambient, color);

@@ -47,6 +47,7 @@ struct FakeHost {
     std::vector<HostInstance> updates;  ///< records that the module said it changed
     int openFiles = 0;
     std::vector<double> queryTimes{};  ///< of every light query
+    int namesAsked = 0;                ///< of lights
     int liveMutexes = 0;
     std::string log;  ///< '(' lock, ')' unlock, 'i' illuminate, 't' trace, 'p' layer parameter
     HostSurfaceId textureSurface{};   ///< of the last texture query
