@@ -18,6 +18,16 @@ struct LivePixel {
     int count = 0;
 };
 
+/// A tile of pixels, and what is known of all of them, so that a change need
+/// not look at each. `shaded` and `least` err on the safe side.
+struct LiveTile {
+    PixelBox box;
+    SurfaceSet shaded;  ///< holds what the pixels' sets hold
+    int least = 0;      ///< no pixel has fewer samples
+    std::uint64_t samples = 0;
+    std::uint64_t emptyPixels = 0;
+};
+
 /// The pixels of a live picture, in tiles. Any number of threads may work on
 /// it, each on tiles of its own.
 class LiveCanvas {
@@ -27,24 +37,23 @@ class LiveCanvas {
 
     int width() const { return width_; }
     int height() const { return height_; }
-    std::size_t bytes() const { return pixels_.size() * (sizeof(LivePixel) + 4); }
-    const std::vector<PixelBox>& tiles() const { return tiles_; }
+    std::size_t pixels() const { return pixels_.size(); }
+
+    std::size_t tiles() const { return tiles_.size(); }
+    LiveTile& tile(std::size_t number) { return tiles_[number]; }
 
     LivePixel& pixel(int x, int y) { return pixels_[place(x, y)]; }
     /// What a pixel shows, 4 bytes as in LiveFrame.
     std::uint8_t* shown(int x, int y) { return &shown_[place(x, y) * 4]; }
 
-    std::size_t pixels() const { return pixels_.size(); }
-
-    struct Tally {
-        std::uint64_t samples = 0;
-        std::uint64_t emptyPixels = 0;
-    };
     /// Empties the pixels of a tile into which the shading of `surfaces` went.
-    /// Returns what the tile then holds.
-    Tally empty(const PixelBox& tile, SurfaceSet surfaces);
+    void empty(LiveTile& tile, SurfaceSet surfaces);
     /// Empties all pixels.
     void clear();
+
+    /// Of all tiles. No thread may work on the canvas meanwhile.
+    std::uint64_t samples() const;
+    std::uint64_t emptyPixels() const;
 
     /// The picture as it stands. Pixels without a sample show the upper left
     /// one of their block of `coarseness` x `coarseness`. No thread may work on
@@ -59,7 +68,7 @@ class LiveCanvas {
 
     int width_;
     int height_;
-    std::vector<PixelBox> tiles_;
+    std::vector<LiveTile> tiles_;
     std::vector<LivePixel> pixels_;
     std::vector<std::uint8_t> shown_;
 };

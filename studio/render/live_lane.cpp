@@ -42,22 +42,26 @@ std::vector<SurfaceChange> LiveLane::changesIn(const LiveWish& wish) const {
     return changes;
 }
 
-std::uint64_t LiveLane::renderTile(const PixelBox& tile, const LivePass& pass, const LiveShot& shot,
-                                   const std::function<bool()>& overtaken, LiveCanvas& canvas,
-                                   TilePaths& paths) {
+void LiveLane::renderTile(LiveTile& tile, const LivePass& pass, const LiveShot& shot,
+                          const std::function<bool()>& overtaken, LiveCanvas& canvas,
+                          TilePaths& paths) {
+    if (tile.least >= pass.target) return;
     const ServiceBinding binding(scene_->index(), *lights_);
-    std::uint64_t samples = 0;
-    for (int y = tile.top; y < tile.bottom && !overtaken(); y += pass.step) {
-        for (int x = tile.left; x < tile.right; x += pass.step) {
+    const PixelBox& box = tile.box;
+    for (int y = box.top; y < box.bottom; y += pass.step) {
+        if (overtaken()) return;
+        for (int x = box.left; x < box.right; x += pass.step) {
             LivePixel& pixel = canvas.pixel(x, y);
             if (pixel.count >= pass.target) continue;
-            samples += static_cast<std::uint64_t>(pass.target - pixel.count);
-            const int number = (y - tile.top) * tile.width() + x - tile.left;
+            if (pixel.count == 0) --tile.emptyPixels;
+            tile.samples += static_cast<std::uint64_t>(pass.target - pixel.count);
+            const int number = (y - box.top) * box.width() + x - box.left;
             refine({x, y, static_cast<std::size_t>(number)}, pass.target, shot, paths, pixel);
+            tile.shaded.add(pixel.shaded);
             show(pixel, canvas.shown(x, y));
         }
     }
-    return samples;
+    if (pass.step == 1) tile.least = pass.target;
 }
 
 void LiveLane::refine(const Spot& spot, int target, const LiveShot& shot, TilePaths& paths,

@@ -44,12 +44,10 @@ class LiveLane {
     /// then of no use any more.
     SurfaceSet adopt(const LiveWish& wish);
 
-    /// Adds to the pixels of a tile what they lack. Returns how many samples it
-    /// took. Asks `overtaken` before each row, and leaves the rest when it is.
-    /// `paths` are the tile's.
-    std::uint64_t renderTile(const PixelBox& tile, const LivePass& pass, const LiveShot& shot,
-                             const std::function<bool()>& overtaken, LiveCanvas& canvas,
-                             TilePaths& paths);
+    /// Adds to the pixels of a tile what they lack; `paths` are the tile's. Asks
+    /// `overtaken` before each row, and leaves the rest when it is.
+    void renderTile(LiveTile& tile, const LivePass& pass, const LiveShot& shot,
+                    const std::function<bool()>& overtaken, LiveCanvas& canvas, TilePaths& paths);
 
     std::uint64_t tracedRays() const;
     std::uint64_t evaluations() const;

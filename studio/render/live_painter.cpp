@@ -6,6 +6,7 @@
 #include <utility>
 
 #include "studio/render/sample_pattern.h"
+#include "studio/render/tiles.h"
 
 namespace tavora::studio {
 namespace {
@@ -66,8 +67,6 @@ LivePainter::Change LivePainter::adopt(const LiveWish& wish) {
     adoptPaths(wish, newView, newLights);
     if (newView || newLights) {
         canvas_->clear();
-        samples_ = 0;
-        emptyPixels_ = canvas_->pixels();
     } else {
         empty(changed);
     }
@@ -94,7 +93,8 @@ void LivePainter::adoptPaths(const LiveWish& wish, bool newView, bool newLights)
         return;
     }
     paths_.reset();
-    paths_.emplace(canvas_->tiles(), options_.samples, lights, options_.memory);
+    paths_.emplace(tilesOf({0, 0, wish.width, wish.height}), options_.samples, lights,
+                   options_.memory);
 }
 
 SurfaceSet LivePainter::adoptOnLanes(const LiveWish& wish) {
@@ -110,20 +110,14 @@ SurfaceSet LivePainter::adoptOnLanes(const LiveWish& wish) {
 
 void LivePainter::empty(SurfaceSet surfaces) {
     nextTile_ = 0;
-    samples_ = 0;
-    emptyPixels_ = 0;
     team_.run([&](std::size_t) {
-        const auto& tiles = canvas_->tiles();
-        for (std::size_t tile; (tile = nextTile_.fetch_add(1)) < tiles.size();) {
-            const LiveCanvas::Tally left = canvas_->empty(tiles[tile], surfaces);
-            samples_ += left.samples;
-            emptyPixels_ += left.emptyPixels;
-        }
+        for (std::size_t tile; (tile = nextTile_.fetch_add(1)) < canvas_->tiles();)
+            canvas_->empty(canvas_->tile(tile), surfaces);
     });
 }
 
 int LivePainter::firstStep(Change change) const {
-    const double seconds = static_cast<double>(emptyPixels_) *
+    const double seconds = static_cast<double>(canvas_->emptyPixels()) *
                            secondsASample_[static_cast<std::size_t>(change)] /
                            static_cast<double>(team_.size());
     int step = 1;
@@ -137,10 +131,10 @@ bool LivePainter::paintFirst(Change change, const LiveWatch& watch) {
     const std::function<bool()>* stop = &watch.ending;
     for (int step = firstStep(change);; step /= 2) {
         const auto start = Clock::now();
-        const std::uint64_t before = samples_;
+        const std::uint64_t before = canvas_->samples();
         nextTile_ = 0;
         if (sweep({step, 1}, *stop, Clock::time_point::max()) != Swept::All) return false;
-        measure(change, samples_ - before, secondsSince(start));
+        measure(change, canvas_->samples() - before, secondsSince(start));
         publish(step, watch);
         if (step == 1) return true;
         stop = &watch.overtaken;
@@ -170,14 +164,13 @@ void LivePainter::refine(const LiveWatch& watch) {
 /// Goes on with the tiles that no lane has taken yet.
 LivePainter::Swept LivePainter::sweep(const LivePass& pass, const std::function<bool()>& overtaken,
                                       Clock::time_point until) {
-    const auto& tiles = canvas_->tiles();
     std::atomic<bool> dropped{false};
     team_.run([&](std::size_t lane) {
         while (Clock::now() < until) {
             const std::size_t tile = nextTile_.fetch_add(1);
-            if (tile >= tiles.size()) return;
-            samples_ += lanes_[lane]->renderTile(tiles[tile], pass, *shot_, overtaken, *canvas_,
-                                                 paths_->open(tile));
+            if (tile >= canvas_->tiles()) return;
+            lanes_[lane]->renderTile(canvas_->tile(tile), pass, *shot_, overtaken, *canvas_,
+                                     paths_->open(tile));
             if (overtaken()) {
                 dropped = true;
                 return;
@@ -185,15 +178,15 @@ LivePainter::Swept LivePainter::sweep(const LivePass& pass, const std::function<
         }
     });
     if (dropped) return Swept::Overtaken;
-    return nextTile_ >= tiles.size() ? Swept::All : Swept::Some;
+    return nextTile_ >= canvas_->tiles() ? Swept::All : Swept::Some;
 }
 
 void LivePainter::publish(int coarseness, const LiveWatch& watch) {
     countUp();
     LiveFrame frame = canvas_->frame(coarseness);
     frame.revision = wish_.revision;
-    frame.refined =
-        static_cast<double>(samples_) / static_cast<double>(canvas_->pixels()) / options_.samples;
+    frame.refined = static_cast<double>(canvas_->samples()) /
+                    static_cast<double>(canvas_->pixels()) / options_.samples;
     watch.published(std::move(frame));
 }
 

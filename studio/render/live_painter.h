@@ -71,9 +71,7 @@ class LivePainter {
     std::optional<PathStore> paths_;
     LiveWish wish_;  ///< what the canvas shows, or is to
     std::atomic<std::size_t> nextTile_{0};
-    std::atomic<std::uint64_t> samples_{0};      ///< on the canvas
-    std::atomic<std::uint64_t> emptyPixels_{0};  ///< of the canvas, after adopt()
-    std::array<double, 3> secondsASample_{};     ///< on one lane, by Change, as last measured
+    std::array<double, 3> secondsASample_{};  ///< on one lane, by Change, as last measured
     LiveStats stats_;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <cstddef>
+#include <span>
 #include <vector>
 
 #include "studio/render/kept_paths.h"
@@ -13,8 +14,7 @@ namespace tavora::studio {
 class PathStore {
   public:
     /// `lights` and `samples` of each path, at most `memory` bytes of paths.
-    PathStore(const std::vector<PixelBox>& tiles, int samples, std::size_t lights,
-              std::size_t memory);
+    PathStore(std::span<const PixelBox> tiles, int samples, std::size_t lights, std::size_t memory);
 
     std::size_t lights() const { return lights_; }
 
