@@ -1,5 +1,6 @@
 #include "persist/default_settings.h"
 
+#include <cstdio>
 #include <cstring>
 
 #include "panel/bindings.h"
@@ -16,21 +17,26 @@ namespace {
 constexpr const char* directoryMissing = "Settings directory not found";
 constexpr const char* notLoaded = "Default settings not loaded!";
 
+constexpr const char* fileName = "tavo.default";
+
 /// The file's path, where there is one. The directory service must be there.
 class DefaultPath {
   public:
     DefaultPath() {
         const char* directory = dirinfo(HOST_DIRECTORY_SETTINGS);
+        if (directory == nullptr) return;
+        const int length = std::snprintf(text_, sizeof text_, "%s:%s", directory, fileName);
         // A path that does not fit counts as none.
-        if (directory == nullptr || std::strlen(directory) + sizeof fileName > sizeof text_) return;
-        std::strcpy(text_, directory);
-        std::strcat(text_, fileName);
+        if (length < 0 || static_cast<std::size_t>(length) >= sizeof text_) text_[0] = '\0';
     }
     bool exists() const { return text_[0] != '\0'; }
     const char* text() const { return text_; }
+    /// The text's part in front of the file's name.
+    int folderLength() const {
+        return static_cast<int>(std::strlen(text_) - std::strlen(fileName)) - 1;
+    }
 
   private:
-    static constexpr char fileName[] = ":tavo.default";
     char text_[1024] = {};
 };
 
@@ -78,6 +84,17 @@ void refreshPanel(ShaderInstance* instance) {
     drawGradCon(instance);
 }
 
+void reportRefusal(LoadOutcome outcome, const DefaultPath& path) {
+    char remedy[1200];
+    std::snprintf(remedy, sizeof remedy,
+                  "Delete \"%s\" in the folder %.*s, or press \"Set as Default\" in a panel",
+                  fileName, path.folderLength(), path.text());
+    msg->error(outcome == LoadOutcome::damaged
+                   ? "Tavora: the stored default settings are damaged and were not loaded"
+                   : "Tavora: not enough memory to load the stored default settings",
+               outcome == LoadOutcome::damaged ? remedy : nullptr);
+}
+
 /// Reads the file into the record. False when it is there to be opened but
 /// does not open.
 bool loadFile(ShaderInstance* instance) {
@@ -85,8 +102,9 @@ bool loadFile(ShaderInstance* instance) {
     if (!path.exists()) return true;
     const HostLoadState* state = fiof->openLoad(path.text(), HOST_IO_OBJECT);
     if (state == nullptr) return false;
-    Load(instance, state);
+    const LoadOutcome outcome = loadBlock(*instance, *state);
     fiof->closeLoad(state);
+    if (outcome != LoadOutcome::complete) reportRefusal(outcome, path);
     return true;
 }
 

@@ -4,7 +4,6 @@
 
 #include "persist/stored_fields.h"
 #include "plugin/services.h"
-#include "plugin/shader_instance.h"
 #include "zones/zone.h"
 #include "zones/zone_list.h"
 
@@ -69,11 +68,9 @@ class Writer {
 /// Keeps the lists it read; after the first fault it reads nothing more.
 class Reader {
   public:
-    enum class Outcome { complete, damaged, outOfMemory };
-
     explicit Reader(const HostLoadState& state) : state_(state) { integer(version_); }
 
-    Outcome outcome() const { return outcome_; }
+    LoadOutcome outcome() const { return outcome_; }
     bool sawTransparency() const { return sawTransparency_; }
     Zone* takeZones() { return zones_.take(); }
     LightEntry* takeLights() { return lights_.take(); }
@@ -104,9 +101,9 @@ class Reader {
     }
 
   private:
-    bool ok() const { return outcome_ == Outcome::complete; }
+    bool ok() const { return outcome_ == LoadOutcome::complete; }
     bool holds(const StoredField& field) const { return ok() && version_ >= field.firstVersion; }
-    void expect(bool condition, Outcome otherwise = Outcome::damaged) {
+    void expect(bool condition, LoadOutcome otherwise = LoadOutcome::damaged) {
         if (!condition) outcome_ = otherwise;
     }
 
@@ -124,25 +121,25 @@ class Reader {
         visitFields(zone, *this);
         if (!ok()) return;
         if (zone.trans > 0.0f) sawTransparency_ = true;
-        expect(zones_.append(zone), Outcome::outOfMemory);
+        expect(zones_.append(zone), LoadOutcome::outOfMemory);
     }
 
     void readLight() {
         char name[150] = {};
         expect(state_.readString(state_.data, name, sizeof name) == 1);
-        if (ok()) expect(lights_.append(name), Outcome::outOfMemory);
+        if (ok()) expect(lights_.append(name), LoadOutcome::outOfMemory);
     }
 
     const HostLoadState& state_;
     std::int32_t version_ = 0;
-    Outcome outcome_ = Outcome::complete;
+    LoadOutcome outcome_ = LoadOutcome::complete;
     bool sawTransparency_ = false;
     ZoneListBuilder zones_;
     LightListBuilder lights_;
 };
 
-void reportRefusal(Reader::Outcome outcome) {
-    msg->error(outcome == Reader::Outcome::damaged
+void reportRefusal(LoadOutcome outcome) {
+    msg->error(outcome == LoadOutcome::damaged
                    ? "Tavora: the stored settings of a surface are damaged and were not loaded"
                    : "Tavora: not enough memory to load the stored settings of a surface",
                "The surface keeps the settings it had: check them before you save the file");
@@ -160,15 +157,11 @@ HostError Save(HostInstance instance, const HostSaveState* state) {
     return nullptr;
 }
 
-HostError Load(HostInstance instance, const HostLoadState* state) {
-    auto& record = *static_cast<ShaderInstance*>(instance);
+LoadOutcome loadBlock(ShaderInstance& record, const HostLoadState& state) {
     ShaderInstance loaded = record;
-    Reader reader(*state);
+    Reader reader(state);
     visitFields(loaded, reader);
-    if (reader.outcome() != Reader::Outcome::complete) {
-        reportRefusal(reader.outcome());
-        return nullptr;
-    }
+    if (reader.outcome() != LoadOutcome::complete) return reader.outcome();
 
     freeZones(record.zoneList);
     freeLights(record.lightList);
@@ -176,6 +169,12 @@ HostError Load(HostInstance instance, const HostLoadState* state) {
     loaded.lightList = loaded.lightCursor = reader.takeLights();
     loaded.transparencyUsed = reader.sawTransparency() ? 1 : 0;
     record = loaded;
+    return LoadOutcome::complete;
+}
+
+HostError Load(HostInstance instance, const HostLoadState* state) {
+    const LoadOutcome outcome = loadBlock(*static_cast<ShaderInstance*>(instance), *state);
+    if (outcome != LoadOutcome::complete) reportRefusal(outcome);
     return nullptr;
 }
 

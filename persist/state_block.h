@@ -2,6 +2,7 @@
 
 #include "host/state.h"
 #include "host/types.h"
+#include "plugin/shader_instance.h"
 
 namespace tavora {
 
@@ -19,5 +20,11 @@ HostError Save(HostInstance instance, const HostSaveState* state);
 /// the record stays as it was and the user gets one error message. Always
 /// returns null. [interface], or the thread that prepares its own record.
 HostError Load(HostInstance instance, const HostLoadState* state);
+
+/// How reading a block ended.
+enum class LoadOutcome { complete, damaged, outOfMemory };
+
+/// Load() without its message: what is not complete left the record as it was.
+LoadOutcome loadBlock(ShaderInstance& record, const HostLoadState& state);
 
 }  // namespace tavora

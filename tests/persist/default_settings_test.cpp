@@ -61,7 +61,10 @@ TEST_F(DefaultSettings, ADamagedFileLeavesTheRecordAndSaysSoOnce) {
     host.files[path].resize(30);
     const Record fresh = newRecord();
     EXPECT_EQ(zonesOf(*fresh).size(), 5u);
-    EXPECT_EQ(host.errors.size(), 1u);
+    EXPECT_EQ(host.errors,
+              Lines{"Tavora: the stored default settings are damaged and were not loaded / "
+                    "Delete \"tavo.default\" in the folder /home/settings, or press "
+                    "\"Set as Default\" in a panel"});
 }
 
 TEST_F(DefaultSettings, ClearingShowsTheLoadedValuesButForThree) {
@@ -91,7 +94,7 @@ TEST_F(DefaultSettings, ClearingShowsTheLoadedValuesButForThree) {
 TEST_F(DefaultSettings, SayWhatIsMissing) {
     host.filesCanBeWritten = false;
     EXPECT_EQ(cb_setDefault(nullptr, record.get()), 1);
-    EXPECT_EQ(host.errors, Lines{"Cound not open file for save"});
+    EXPECT_EQ(host.errors, Lines{"Cound not open file for save / Creating file"});
 
     host.settingsFolder.clear();
     EXPECT_EQ(cb_setDefault(nullptr, record.get()), 1);

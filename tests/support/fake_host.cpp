@@ -42,11 +42,13 @@ HostLightInfo lightInfo = {[](double seconds, double* color) {
                                host->queryTimes.push_back(seconds);
                                answer(lightOf(light).color, color);
                            }};
-HostMessages messages = {nullptr,
-                         [](const char* line, const char*) { host->errors.emplace_back(line); },
-                         [](const char* line1, const char* line2) {
-                             host->warnings.push_back(std::string(line1) + " / " + line2);
-                         }};
+std::string joined(const char* line1, const char* line2) {
+    return line2 == nullptr ? line1 : std::string(line1) + " / " + line2;
+}
+HostMessages messages = {
+    nullptr,
+    [](const char* line1, const char* line2) { host->errors.push_back(joined(line1, line2)); },
+    [](const char* line1, const char* line2) { host->warnings.push_back(joined(line1, line2)); }};
 int note(char event) {
     host->log += event;
     return 1;

@@ -42,8 +42,7 @@ struct FakeHost {
     bool filesCanBeWritten = true;
 
     Names lookedUp;
-    Names errors;                       ///< first lines
-    Names warnings;                     ///< both lines, with " / " between
+    Names errors, warnings;             ///< both lines, with " / " between
     std::vector<HostInstance> updates;  ///< records that the module said it changed
     int openFiles = 0;
     std::vector<double> queryTimes{};  ///< of every light query
