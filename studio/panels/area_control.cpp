@@ -73,6 +73,11 @@ void AreaWidget::paintEvent(QPaintEvent* /*event*/) {
     painter.fillRect(line, palette().color(QPalette::Highlight));
 }
 
+void AreaControl::place(const LayoutItem& item) {
+    PanelControl::place(item);
+    area_->raise();  // over the control that it covers
+}
+
 AreaControl::AreaControl(const ControlSeed& seed)
     : PanelControl(seed), area_(new AreaWidget(seed.canvas)) {
     QSize size(0, 0);

@@ -39,6 +39,8 @@ class AreaControl : public PanelControl {
   public:
     explicit AreaControl(const ControlSeed& seed);
 
+    void place(const LayoutItem& item) override;
+
   protected:
     QPoint mouse() const override { return area_->mouse(); }
 

@@ -86,6 +86,9 @@ void DragButton::paintEvent(QPaintEvent* /*event*/) {
     painter.drawPrimitive(QStyle::PE_IndicatorArrowLeft, option);
     option.rect.moveRight(width() - 6);
     painter.drawPrimitive(QStyle::PE_IndicatorArrowRight, option);
+    if (!hasFocus()) return;
+    painter.setPen(palette().color(QPalette::Highlight));
+    painter.drawRect(rect().adjusted(2, 2, -3, -3));
 }
 
 DragButtonControl::DragButtonControl(const ControlSeed& seed) : PanelControl(seed) {

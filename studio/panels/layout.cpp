@@ -10,9 +10,9 @@ constexpr int kInset = 5;         // of what stands without a label
 constexpr int kColumnReach = 24;  // fields this near belong to one column
 constexpr int kJoinReach = 16;    // of columns and colour patches
 constexpr int kRowReach = 2;
-constexpr int kBetween = 6;    // kept free between two controls of a row
-constexpr int kOffFrame = 8;   // a text begins this far from the frame's border
-constexpr int kAreaDepth = 4;  // drawing into an area may begin that much lower
+constexpr int kBetween = 6;   // kept free between two controls of a row
+constexpr int kOffFrame = 8;  // a text begins this far from the frame's border
+constexpr int kAreaDrop = 4;  // modules draw that much below an area's place
 
 using Items = std::vector<LayoutItem>;
 using Group = std::vector<LayoutItem*>;
@@ -29,7 +29,7 @@ void placeAlone(LayoutItem& item) {
         left += kInset;
     }
     item.fieldRect = QRect(QPoint(left, top), item.field);
-    if (item.kind == LayoutKind::Area) item.fieldRect.adjust(0, 0, 0, kAreaDepth);
+    if (item.kind == LayoutKind::Area) item.fieldRect.translate(0, kAreaDrop);
 }
 
 void moveField(LayoutItem& item, int left) {

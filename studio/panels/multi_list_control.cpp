@@ -127,6 +127,11 @@ MultiListView::MultiListView(QWidget* parent) : QTableView(parent) {
             [this](const QModelIndex& index) { emit rowPressed(index.row()); });
 }
 
+void MultiListView::focusInEvent(QFocusEvent* event) {
+    QTableView::focusInEvent(event);
+    if (currentIndex().isValid()) selectRow(currentIndex().row());
+}
+
 void MultiListView::keyPressEvent(QKeyEvent* event) {
     if (event->key() == Qt::Key_Space && currentIndex().isValid()) {
         emit rowPressed(currentIndex().row());
@@ -144,6 +149,7 @@ MultiListControl::MultiListControl(const ControlSeed& seed) : PanelControl(seed)
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
     view_ = new MultiListView(box);
+    view_->setAccessibleName(seed.label);
     int height = 2 + kHeader + std::clamp(list.visibleRows, 1, 64) * kRow;
     if (!seed.label.isEmpty()) {
         auto* title = new QLabel(seed.label, box);

@@ -45,6 +45,7 @@ class MultiListView : public QTableView {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
 };
 
 /// "MultiListBoxControl": its value is the row that was pressed last.

@@ -11,6 +11,7 @@ constexpr int kPercentWidth = 70;
 constexpr int kNumWidth = 48;
 constexpr int kChannelWidth = 36;
 constexpr int kSpacing = 3;
+constexpr const char* kChannelNames[] = {"Red", "Green", "Blue"};
 
 /// A field filled with one colour.
 class Patch : public QWidget {
@@ -74,14 +75,16 @@ MiniRgbControl::MiniRgbControl(const ControlSeed& seed) : PanelControl(seed) {
     line->setSpacing(kSpacing);
     line->addWidget(patch_);
     line->addSpacing(kSpacing);
-    for (NumberField*& channel : channels_) {
-        channel = new NumberField({0, 255, 0, 2, false}, row);
+    for (std::size_t i = 0; i < channels_.size(); ++i) {
+        auto* channel = new NumberField({0, 255, 0, 2, false}, row);
         channel->setFixedHeight(kRowHeight);
+        channel->setAccessibleName(QString::fromLatin1(kChannelNames[i]));
         line->addWidget(channel);
         connect(channel, &NumberField::entered, this, [this] {
             patch_->update();
             fire();
         });
+        channels_[i] = channel;
     }
     const int width = kPatchSize.width() + kSpacing * 4 + kChannelWidth * 3;
     setField(row, LayoutKind::ColorPatch, QSize(width, kRowHeight));

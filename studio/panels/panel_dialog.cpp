@@ -120,8 +120,6 @@ void PanelDialog::addButtons(int mode) {
     buttons_->setStandardButtons((mode & HOST_PANEL_CANCEL) != 0
                                      ? QDialogButtonBox::Ok | QDialogButtonBox::Cancel
                                      : QDialogButtonBox::Close);
-    for (QAbstractButton* button : buttons_->buttons())
-        static_cast<QPushButton*>(button)->setAutoDefault(false);
     for (const auto standard : {QDialogButtonBox::Ok, QDialogButtonBox::Close}) {
         if (QPushButton* button = buttons_->button(standard)) button->setDefault(true);
     }

@@ -1,7 +1,8 @@
-// The tests, or with --pictures FOLDER [dark] every page of the settings panel
-// and the panel "About" as pictures.
+// The tests, or with --pictures FOLDER [dark] pictures of every page of the
+// settings panel, of focus, and of the dialogs it opens.
 
 #include <QApplication>
+#include <QPushButton>
 #include <QStyle>
 #include <QTemporaryDir>
 #include <cstring>
@@ -11,6 +12,7 @@
 
 namespace {
 
+using tavora::studio::testing::find;
 using tavora::studio::testing::SettingsRig;
 
 QPalette dark() {
@@ -24,11 +26,29 @@ void takePictures(const QString& folder) {
     SettingsRig rig;
     rig.apply(R"({"highlightEnable": "On", "lightList": ["Key", "Rim"], "useAllLights": false,
                   "slopeEnable": true, "slopeTopColor": "#88aaff", "highlightColor": "#ffffee"})");
+    const auto save = [&](QWidget& panel, const QString& name) {
+        panel.grab().save(QStringLiteral("%1/%2.png").arg(folder, name));
+    };
     rig.draw([&](QWidget& panel) {
+        if (panel.windowTitle() == "About") return save(panel, "about");
         for (int page = 0; page < 6; ++page) {
             tavora::studio::selectTab(panel, page);
-            panel.grab().save(QStringLiteral("%1/page-%2.png").arg(folder).arg(page + 1));
+            save(panel, QStringLiteral("page-%1").arg(page + 1));
         }
+        find<QPushButton>(panel, "About.button").click();
+    });
+    rig.open([&](QWidget& panel) {
+        for (const char* name : {"area.6", "area.7", "Position.percent", "Shift.drag", "choice"}) {
+            QWidget& widget = find(panel, name);
+            auto* part = widget.findChild<QPushButton*>();
+            (part != nullptr ? part : &widget)->setFocus();
+            save(panel, QStringLiteral("focus-%1").arg(name));
+        }
+        tavora::studio::testing::whenPicking([&](QColorDialog& dialog) {
+            save(dialog, "picker");
+            dialog.reject();
+        });
+        tavora::studio::testing::clickAt(find(panel, "area.6"), 150);
     });
 }
 

@@ -171,7 +171,7 @@ TEST_F(PanelServices, ErasedAndGhostedControlsGetNoInput) {
         clickBoth();
         EXPECT_EQ(events, 2);
         EXPECT_EQ(integer(area, HOST_CONTROL_MOUSE_X), 20);
-        EXPECT_EQ(integer(area, HOST_CONTROL_MOUSE_Y), 10);
+        EXPECT_EQ(integer(area, HOST_CONTROL_MOUSE_Y), 6);
         for (const int mode : {HOST_DRAW_ERASE, HOST_DRAW_GHOST}) {
             host->drawControl(control, mode);
             host->drawControl(area, mode);
