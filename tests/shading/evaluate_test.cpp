@@ -40,14 +40,6 @@ struct Evaluation : ::testing::Test {
     Zone zone;
 };
 
-TEST_F(Evaluation, AnOpaquePlainZoneComesOutAsItIs) {
-    zone.color[0] = 128.0f / 255.0f;
-    zone.color[1] = 64.0f / 255.0f;
-    const HostSample sample = evaluatedIn();
-    EXPECT_EQ(colorOf(sample), (Vec{zone.color[0], zone.color[1], 0.5}));
-    EXPECT_EQ((Vec{sample.luminosity, sample.diffuse, sample.specular}), (Vec{1, 0, 0}));
-}
-
 TEST_F(Evaluation, LooksUpIntensityPlusLuminosityCappedAtOne) {
     host.lights = {{.direction = {0, -0.5, 0}}};
     const auto at = [&](double luminosity) {

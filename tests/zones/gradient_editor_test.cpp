@@ -72,27 +72,33 @@ TEST_F(GradientEditor, AddsBlendsSelectsAndDeletesUnderTheMouse) {
     });
 }
 
-TEST_F(GradientEditor, ShowsTheSelectedZoneAfterAClick) {
+TEST_F(GradientEditor, SlidersShowAndEditTheSelectedZone) {
     whileOpen([&] {
+        const std::pair<int, float Zone::*> sliders[] = {
+            {slot::opacity, &Zone::opacity},
+            {slot::bright, &Zone::bright},
+            {slot::sat, &Zone::sat},
+            {slot::trans, &Zone::trans},
+            {slot::accountLightOpac, &Zone::accountLightOpac}};
         Zone& zone = *record->zoneList->next;
-        zone.opacity = 0.4f;
-        zone.bright = 0.7f;
-        zone.sat = 0.2f;
-        zone.trans = 0.1f;
-        zone.accountLights = 1;
-        zone.accountLume = 1;
-        zone.accountLightOpac = 0.3f;
+        float fraction = 0.3f;
+        for (const auto& [slot, field] : sliders)
+            zone.*field = fraction += 0.1f;
+        zone.accountLights = zone.accountLume = 1;
         click(edit, 100);
-        const std::pair<int, float> shown[] = {{slot::opacity, 0.4f},
-                                               {slot::bright, 0.7f},
-                                               {slot::sat, 0.2f},
-                                               {slot::trans, 0.1f},
-                                               {slot::accountLightOpac, 0.3f}};
-        for (const auto& [slot, fraction] : shown)
-            EXPECT_EQ(shownNumber(slot), static_cast<double>(fraction * 100.0f)) << slot;
         EXPECT_EQ(panels.at(slot::accountLights).value.of.integer, 1);
         EXPECT_EQ(panels.at(slot::accountLume).value.of.integer, 1);
         EXPECT_EQ(panels.at(slot::accountLightOpac).mode, HOST_DRAW_NORMAL);
+        double percent = 40;
+        for (const auto& [slot, field] : sliders) {
+            EXPECT_EQ(shownNumber(slot), static_cast<double>(zone.*field * 100.0f)) << slot;
+            panels.pixels = 0;
+            panels.marks.clear();
+            panels.setPercent(slot, ++percent);
+            EXPECT_EQ(zone.*field, static_cast<float>(percent) / 100.0f);
+            EXPECT_TRUE(panels.pixels == 389 * 20 && panels.marks.empty()) << "the strip only";
+        }
+        EXPECT_EQ(host.updates.size(), 1 + std::size(sliders));
         click(edit, 10);
         EXPECT_EQ(panels.at(slot::accountLightOpac).mode, HOST_DRAW_GHOST);
     });
@@ -156,40 +162,21 @@ TEST_F(GradientEditor, PositionStaysBetweenTheNeighbours) {
     });
 }
 
-TEST_F(GradientEditor, SlidersEditTheSelectedZoneAndRepaintTheStripOnly) {
-    whileOpen([&] {
-        const std::pair<int, float Zone::*> sliders[] = {
-            {slot::opacity, &Zone::opacity},
-            {slot::bright, &Zone::bright},
-            {slot::sat, &Zone::sat},
-            {slot::trans, &Zone::trans},
-            {slot::accountLightOpac, &Zone::accountLightOpac}};
-        double percent = 40;
-        for (const auto& [slot, field] : sliders) {
-            panels.pixels = 0;
-            panels.marks.clear();
-            panels.setPercent(slot, ++percent);
-            EXPECT_EQ(record->selectedZone->*field, static_cast<float>(percent) / 100.0f);
-            EXPECT_EQ(panels.pixels, 389 * 20);
-            EXPECT_TRUE(panels.marks.empty());
-        }
-        EXPECT_EQ(host.updates.size(), std::size(sliders));
-    });
-}
-
 TEST_F(GradientEditor, SpreadSpacesOrdinaryZonesAndCentresBlends) {
     whileOpen([&] {
-        arrange({{0.0f, 0}, {0.1f, 0}, {0.2f, 1}, {0.3f, 0}, {1.0f, 0}});
-        panels.press(slot::spread);
-        EXPECT_EQ(positions(),
-                  (std::vector<float>{0.0f, 1.0f / 3.0f, 2.0f / 3.0f + (1.0f / 3.0f) * -0.5f,
-                                      2.0f / 3.0f, 1.0f}));
-        arrange({{0.0f, 0}, {0.3f, 0}, {0.6f, 1}, {1.0f, 0}});
-        panels.press(slot::spread);
-        EXPECT_EQ(positions(), (std::vector<float>{0.0f, 0.5f, 0.75f, 1.0f}));
-        arrange({{0.0f, 0}, {0.9f, 1}, {1.0f, 0}});
-        panels.press(slot::spread);
-        EXPECT_EQ(positions(), (std::vector<float>{0.0f, 0.5f, 1.0f}));
+        const float third = 1.0f / 3.0f, twoThirds = 2.0f / 3.0f;
+        const struct {
+            std::vector<std::pair<float, int>> before;
+            std::vector<float> after;
+        } cases[] = {{{{0.0f, 0}, {0.1f, 0}, {0.2f, 1}, {0.3f, 0}, {1.0f, 0}},
+                      {0.0f, third, twoThirds + third * -0.5f, twoThirds, 1.0f}},
+                     {{{0.0f, 0}, {0.3f, 0}, {0.6f, 1}, {1.0f, 0}}, {0.0f, 0.5f, 0.75f, 1.0f}},
+                     {{{0.0f, 0}, {0.9f, 1}, {1.0f, 0}}, {0.0f, 0.5f, 1.0f}}};
+        for (const auto& c : cases) {
+            arrange(c.before);
+            panels.press(slot::spread);
+            EXPECT_EQ(positions(), c.after);
+        }
         EXPECT_EQ(host.updates.size(), 3u);
     });
 }

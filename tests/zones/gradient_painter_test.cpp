@@ -23,19 +23,10 @@ class GradientPainter : public PanelTest {
             .at(static_cast<std::size_t>(row + 9));
     }
     /// The strip of two zones: this one over the whole length, and the end.
-    FakePixel onlyZone(Zone zone, int column, int row) {
-        Zone end;
-        end.position = 1.0f;
-        replaceZones(*record, {zone, end});
+    FakePixel onlyZone(const Zone& zone, int column, int row) {
+        replaceZones(*record, {zone, greyZone(1.0f, 0.0f)});
         paint();
         return pixel(column, row);
-    }
-    static Zone zoneOf(float red, float green, float blue) {
-        Zone zone;
-        zone.color[0] = red;
-        zone.color[1] = green;
-        zone.color[2] = blue;
-        return zone;
     }
 };
 
@@ -43,46 +34,33 @@ TEST_F(GradientPainter, ShowsEachBandUpToItsLastColumn) {
     whileOpen([&] {
         paint();
         EXPECT_EQ(panels.pixels, 389 * 20);
-        const FakePixel black{0, 0, 0};
-        const FakePixel blue{0, 0, 255};
-        const FakePixel green{0, 255, 0};
-        const FakePixel red{255, 0, 0};
-        for (const auto& [column, color] : {std::pair{1, black},
-                                            {97, black},
-                                            {98, blue},
-                                            {195, blue},
-                                            {196, green},
-                                            {292, green},
-                                            {293, red},
-                                            {389, red}}) {
+        const FakePixel black{0, 0, 0}, blue{0, 0, 255}, green{0, 255, 0}, red{255, 0, 0};
+        const FakePixel untouched{-1, -1, -1};
+        const std::pair<int, FakePixel> columns[] = {
+            {0, untouched}, {1, black},   {97, black}, {98, blue}, {195, blue},
+            {196, green},   {292, green}, {293, red},  {389, red}, {390, untouched}};
+        for (const auto& [column, color] : columns) {
             EXPECT_EQ(pixel(column, 0), color) << column;
             EXPECT_EQ(pixel(column, 19), color) << column;
         }
-        const FakePixel untouched{-1, -1, -1};
-        EXPECT_EQ(pixel(0, 0), untouched);
-        EXPECT_EQ(pixel(390, 0), untouched);
-        EXPECT_EQ(panels.strip[200][8], untouched);
-        EXPECT_EQ(panels.strip[200][29], untouched);
+        EXPECT_EQ(pixel(61, -1), untouched);
+        EXPECT_EQ(pixel(61, 20), untouched);
     });
 }
 
 TEST_F(GradientPainter, LetsTheBoardShowThroughAndAppliesBothFactorsTwice) {
     whileOpen([&] {
-        Zone half = zoneOf(1, 0, 0);
-        half.opacity = 0.5f;
-        EXPECT_EQ(onlyZone(half, 1, 0), (FakePixel{255, 127, 127})) << "a white square";
+        const Zone half = zoneOf(0, {1, 0, 0}, 0.5f, 1, 1);
+        for (const int column : {1, 5})
+            EXPECT_EQ(onlyZone(half, column, 4), (FakePixel{255, 127, 127})) << "a white square";
         EXPECT_EQ(onlyZone(half, 6, 0), (FakePixel{127, 0, 0})) << "a black one";
         EXPECT_EQ(onlyZone(half, 6, 5), (FakePixel{255, 127, 127}));
-
-        Zone grey = zoneOf(0, 1, 0);
-        grey.sat = 0.0f;
-        EXPECT_EQ(onlyZone(grey, 10, 3), (FakePixel{85, 85, 85}));
-        Zone dim = zoneOf(0, 1, 0);
-        dim.bright = 0.5f;
-        EXPECT_EQ(onlyZone(dim, 10, 3), (FakePixel{0, 63, 0}));
-        Zone bright = zoneOf(0, 1, 0);
-        bright.bright = 2.0f;
-        EXPECT_EQ(onlyZone(bright, 10, 3), (FakePixel{0, 1020, 0})) << "nothing is clamped";
+        const auto green = [&](float bright, float sat) {
+            return onlyZone(zoneOf(0, {0, 1, 0}, 1, bright, sat), 10, 3);
+        };
+        EXPECT_EQ(green(1, 0), (FakePixel{85, 85, 85}));
+        EXPECT_EQ(green(0.5f, 1), (FakePixel{0, 63, 0}));
+        EXPECT_EQ(green(2, 1), (FakePixel{0, 1020, 0})) << "nothing is clamped";
     });
 }
 

@@ -7,7 +7,6 @@
 
 #include "tests/support/heap.h"
 #include "tests/support/records.h"
-#include "zones/preview_grid.h"
 
 namespace tavora::testing {
 namespace {
@@ -149,16 +148,6 @@ TEST(ZoneList, OperationsLiveWithEmptyAndSingleLists) {
     EXPECT_EQ(moveZone(record.get(), 0.5), nullptr);
     EXPECT_EQ(addZone(record.get(), 0.5, 0), 1);
     EXPECT_EQ(positionsOf(*record), Positions{0.5f});
-}
-
-TEST(PreviewGrid, IsACheckerboardInsideABlackBorder) {
-    newRecord();
-    for (int x = 0; x < gridColumns; ++x) {
-        for (int row = 0; row < gridRows; ++row) {
-            const bool white = x > 0 && row < 20 && ((x + 4) / 5 + row / 5) % 2 == 1;
-            ASSERT_EQ(grid[x][row], white ? 255 : 0) << x << ", " << row;
-        }
-    }
 }
 
 }  // namespace

@@ -86,22 +86,6 @@ TEST(ZoneLookup, WorkedExamplesHoldToTheLastBit) {
     }
 }
 
-TEST(ZoneLookup, BlendsAreContinuousOverTheSample) {
-    const Record record = blendingRecord();
-    const HostSample sample = upwardSample();
-    for (int step = 101; step <= 800; ++step) {
-        const double x = step / 1000.0;
-        for (const double at : {x, static_cast<double>(0.45f), static_cast<double>(0.8f)}) {
-            const Vec before = lookUp(record, at, &sample), gradBefore = characteristics();
-            const Vec after = lookUp(record, std::nextafter(at, 2.0), &sample);
-            for (unsigned i = 0; i < 3; ++i) {
-                EXPECT_NEAR(before[i], after[i], 1e-6) << at;
-                EXPECT_NEAR(gradBefore[i], characteristics()[i], 1e-6) << at;
-            }
-        }
-    }
-}
-
 TEST(ZoneLookup, IrregularListsAreLookedUpAllTheSame) {
     const Record record = newRecord();
     const HostSample sample = upwardSample();
