@@ -29,6 +29,10 @@ HostPanelId createPanel(const char* title, void* data) {
 void destroyPanel(HostPanelId id) {
     PanelDialog* panel = panelOf(id);
     if (panel == nullptr) return;
+    // Those that were made over it go with it.
+    const auto all = world->panels.all();
+    for (const auto& [other, over] : all)
+        if (over->parentWidget() == panel) destroyPanel(other);
     for (const PanelControl* control : panel->controls())
         world->controls.remove(control->id());
     world->panels.remove(id);

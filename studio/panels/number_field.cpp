@@ -113,6 +113,8 @@ void NumberField::mousePressEvent(QMouseEvent* event) {
 }
 
 void NumberField::mouseMoveEvent(QMouseEvent* event) {
+    // The release is lost when an event of the drag disables or hides the field.
+    if (!event->buttons().testFlag(Qt::LeftButton)) pressed_ = dragging_ = false;
     if (!pressed_) return QLineEdit::mouseMoveEvent(event);
     const int distance = event->position().toPoint().x() - pressX_;
     dragging_ = dragging_ || std::abs(distance) >= QApplication::startDragDistance() / 2;

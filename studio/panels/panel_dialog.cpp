@@ -144,6 +144,7 @@ void PanelDialog::fit() {
 
 /// Where the module asked for, about the same centre when the panel grew.
 void PanelDialog::place() {
+    // The outermost leaves its window usable, to look at what is edited.
     const bool overPanel = qobject_cast<PanelDialog*>(parentWidget()) != nullptr;
     setWindowModality(overPanel || parentWidget() == nullptr ? Qt::WindowModal : Qt::NonModal);
     if (!x_ || !y_) return;

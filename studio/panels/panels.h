@@ -21,6 +21,8 @@ struct PanelHooks {
 /// Offers modules "LWPanelServices", "RasterServices" and "Color Picker" on
 /// Qt Widgets as long as it lives. One at a time, after the QApplication; GUI
 /// thread. Modal panels run an event loop of their own inside the module's call.
+/// While the outermost panel is open, the window can be used; a panel or colour
+/// dialog over it blocks both.
 class Panels {
   public:
     /// `window` is the parent of panels and dialogs; may be null; must outlive it.

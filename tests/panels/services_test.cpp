@@ -225,6 +225,19 @@ TEST_F(PanelServices, CloseConfirmsEveryOpenPanel) {
     EXPECT_EQ(inner, 1);
 }
 
+TEST_F(PanelServices, APanelTakesThoseOverItAlong) {
+    add("ButtonControl", "More");
+    HostPanelId second = nullptr;
+    onEvent = [&] {
+        second = host->create("Second", nullptr);
+        user = [&](QWidget&) { host->destroy(panel); };
+        EXPECT_EQ(host->open(second, HOST_PANEL_BLOCKING), 0);
+    };
+    EXPECT_EQ(open([](QWidget& shownPanel) { click(find(shownPanel, "More.button")); }), 0);
+    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+    EXPECT_EQ(host->addControl(second, "BoolControl", nullptr, ""), nullptr);
+}
+
 int asked = 0;
 
 TEST_F(PanelServices, OnlyVisibleRowsOfALongListAreAsked) {
