@@ -115,12 +115,10 @@ TEST_F(InkOver, WithoutMemoryTheSampleStays) {
 }
 
 TEST(ChannelAlpha, DescribesThePointToTheTextureOfTheRecordsSurface) {
-    using Point = HostTexturePoint;
-    using Sample = HostSample;
     FakeHost host;
     const Record record = newRecord(identity<HostSurfaceId>(77));
     std::mt19937 random;
-    Sample sample;
+    HostSample sample;
     scramble(&sample, sizeof sample, random);
     for (int i = 0; i < 3; ++i)
         sample.worldPosition[i] = sample.raySource[i] = 0.5;
@@ -131,27 +129,15 @@ TEST(ChannelAlpha, DescribesThePointToTheTextureOfTheRecordsSurface) {
     EXPECT_EQ(cb_getTRANSLUCENTalpha(record.get(), &sample), 7.0) << "not clamped";
     EXPECT_EQ(cb_getCOLRApha(record.get(), &sample), -0.5);
     EXPECT_EQ(host.textureSurface, record->context);
-    const Point& point = host.texturePoint;
-    const auto same = [&](auto inPoint, auto inSample) {
-        EXPECT_EQ(bytesOf(point.*inPoint), bytesOf(sample.*inSample));
-    };
-    same(&Point::objectPosition, &Sample::objectPosition);
-    same(&Point::worldPosition, &Sample::worldPosition);
-    same(&Point::geometricNormal, &Sample::geometricNormal);
-    same(&Point::worldNormal, &Sample::worldNormal);
-    same(&Point::bumpHeight, &Sample::bumpHeight);
-    same(&Point::spotSize, &Sample::spotSize);
-    same(&Point::raySource, &Sample::raySource);
-    same(&Point::rayLength, &Sample::rayLength);
-    same(&Point::cosine, &Sample::cosine);
-    same(&Point::objectTransform, &Sample::objectTransform);
-    same(&Point::worldTransform, &Sample::worldTransform);
-    same(&Point::objectId, &Sample::objectId);
-    same(&Point::vertexIds, &Sample::vertexIds);
-    same(&Point::vertexWeights, &Sample::vertexWeights);
-    same(&Point::vertexPositions, &Sample::vertexPositions);
-    same(&Point::polygonNumber, &Sample::polygonNumber);
-    same(&Point::polygonId, &Sample::polygonId);
+    const HostTexturePoint& point = host.texturePoint;
+// clang-format off
+#define SAME(field) EXPECT_EQ(bytesOf(point.field), bytesOf(sample.field))
+    SAME(objectPosition); SAME(worldPosition); SAME(geometricNormal); SAME(worldNormal);
+    SAME(bumpHeight); SAME(spotSize); SAME(raySource); SAME(rayLength); SAME(cosine);
+    SAME(objectTransform); SAME(worldTransform); SAME(objectId); SAME(vertexIds);
+    SAME(vertexWeights); SAME(vertexPositions); SAME(polygonNumber); SAME(polygonId);
+// clang-format on
+#undef SAME
     EXPECT_EQ(bytesOf(point.objectScale), bytesOf(layerScale));
     EXPECT_EQ(bytesOf(point.rayDirection), bytesOf(Vec{0, 1, 0}));
     EXPECT_EQ(point.surfaceId, record->context);

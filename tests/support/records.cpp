@@ -131,6 +131,15 @@ void chooseLights(ShaderInstance& record, const Names& names) {
     record.lightList = builder.take();
 }
 
+std::vector<Zone> anyZones(int count, std::mt19937& random) {
+    std::vector<Zone> zones(static_cast<std::size_t>(count));
+    for (Zone& zone : zones) {
+        scramble(&zone, zoneSize, random);
+        zone.blend &= 1;
+    }
+    return zones;
+}
+
 void scramble(void* start, std::size_t size, std::mt19937& random) {
     for (std::size_t at = 0; at < size; at += sizeof(std::uint32_t)) {
         const auto bits = static_cast<std::uint32_t>(random());

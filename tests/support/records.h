@@ -1,6 +1,7 @@
 #pragma once
 
 #include <array>
+#include <cstddef>
 #include <memory>
 #include <random>
 #include <string>
@@ -61,6 +62,14 @@ std::string bytesOf(const Value& value) {
 
 /// Overwrites `size` bytes with values of any bits, not-a-numbers included.
 void scramble(void* start, std::size_t size, std::mt19937& random);
+
+/// The stored settings in a record are 32-bit values without gaps from
+/// highlightOutlineEnable on; in a zone they are all but the links.
+inline constexpr std::size_t settingsSize =
+    offsetof(ShaderInstance, activeTab) - offsetof(ShaderInstance, highlightOutlineEnable);
+inline constexpr std::size_t zoneSize = offsetof(Zone, accountLume) + sizeof(std::int32_t);
+/// Zones of any values, blends among them.
+std::vector<Zone> anyZones(int count, std::mt19937& random);
 
 /// An identity that stands for nothing.
 template <class Id>
