@@ -1,20 +1,16 @@
-#include <cstdlib>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "studio/files/output_error.h"
 #include "studio/scene/gltf_container.h"
 #include "studio/scene/gltf_settings.h"
-#include "studio/scene/json_text.h"
 #include "studio/scene/shader_extras.h"
-#include "tests/files/temporary_folder.h"
+#include "tests/scene/gltf_builder.h"
 #include "tests/scene/settings_samples.h"
 
 namespace tavora::studio {
 namespace {
 
 namespace fs = std::filesystem;
-using Json = nlohmann::ordered_json;
 using testing::HasSubstr;
 
 StoredShader sampleShader() {
@@ -67,32 +63,26 @@ TEST(ShaderExtras, ChangeNothingElse) {
 }
 
 TEST(ShaderExtras, LeaveOutWhatIsDamagedAndSaySoOnce) {
-    const char* const damaged[] = {
-        R"({"tavora": 1})",
-        R"({"tavora": {"shaders": {}}})",
-        R"({"tavora": {"shaders": [1]}})",
-        R"({"tavora": {"shaders": [{"server": "TAVO"}]}})",
-        R"({"tavora": {"shaders": [{"state": []}]}})",
-        R"({"tavora": {"shaders": [{"server": 1, "state": []}]}})",
-        R"({"tavora": {"shaders": [{"server": "TAVO", "enabled": 1, "state": []}]}})",
-        R"({"tavora": {"shaders": [{"server": "TAVO", "state": [null]}]}})",
-        R"({"tavora": {"shaders": [{"server": "TAVO", "state": [2147483648]}]}})",
-        R"({"tavora": {"shaders": [{"server": "TAVO", "state": [18446744073709551615]}]}})",
-        R"({"tavora": {"shaders": [{"server": "TAVO", "state": [1e300]}]}})",
-        R"({"tavora": {"shaders": [{"server": "TAVO", "state": [{"float": "nil"}]}]}})",
+    const auto expectNone = [](const std::string& extras, std::size_t warned) {
+        std::vector<std::string> warnings;
+        EXPECT_FALSE(shaderFromExtras(Json::parse(extras), "here", warnings)) << extras;
+        ASSERT_EQ(warnings.size(), warned) << extras;
+        EXPECT_THAT(warnings, testing::Each(testing::StartsWith("here: ")));
     };
-    for (const char* extras : damaged) {
-        std::vector<std::string> warnings;
-        EXPECT_FALSE(shaderFromExtras(Json::parse(extras), "here", warnings)) << extras;
-        ASSERT_EQ(warnings.size(), 1U) << extras;
-        EXPECT_THAT(warnings[0], testing::StartsWith("here: "));
-    }
+    for (const char* entry :
+         {"1", R"({"server": "TAVO"})", R"({"state": []})", R"({"server": 1, "state": []})",
+          R"({"server": "TAVO", "enabled": 1, "state": []})"})
+        expectNone(R"({"tavora": {"shaders": [)" + std::string(entry) + "]}}", 1);
+    for (const char* item :
+         {"null", "2147483648", "18446744073709551615", "1e300", R"({"float": "nil"})"})
+        expectNone(R"({"tavora": {"shaders": [{"server": "TAVO", "state": [)" + std::string(item) +
+                       "]}]}}",
+                   1);
+    expectNone(R"({"tavora": 1})", 1);
+    expectNone(R"({"tavora": {"shaders": {}}})", 1);
     for (const char* extras :
-         {"null", "[]", "{}", R"({"tavora": {"ambient": 1}})", R"({"tavora": {"shaders": []}})"}) {
-        std::vector<std::string> warnings;
-        EXPECT_FALSE(shaderFromExtras(Json::parse(extras), "here", warnings)) << extras;
-        EXPECT_TRUE(warnings.empty()) << extras;
-    }
+         {"null", "[]", "{}", R"({"tavora": {"ambient": 1}})", R"({"tavora": {"shaders": []}})"})
+        expectNone(extras, 0);
 }
 
 const std::string kDocument =
@@ -114,53 +104,19 @@ TEST(GltfSettings, ChangeExtrasAloneInText) {
     }
 }
 
-std::string word(std::size_t value) {
-    std::string bytes;
-    for (int i = 0; i < 4; ++i)
-        bytes += static_cast<char>((value >> (8 * i)) & 0xff);
-    return bytes;
-}
-
-std::string glb(std::string json, const std::string& chunks) {
-    while (json.size() % 4 != 0)
-        json += ' ';
-    return "glTF" + word(2) + word(20 + json.size() + chunks.size()) + word(json.size()) + "JSON" +
-           json + chunks;
-}
-
 TEST(GltfSettings, CopyEveryOtherChunkOfAGlb) {
     const TemporaryFolder folder;
-    const std::string chunks = word(8) + std::string("BIN\0", 4) + std::string("\0\1\2\3    ", 8) +
-                               word(4) + "MINE" + "abcd";
-    putBytes(folder / "a.glb", glb(kDocument, chunks));
+    const std::string chunks = GltfBuilder::word(4) + "MINE" + "abcd";
+    const auto bytesWith = [&](const std::string& json) {
+        std::string bytes = GltfBuilder::glb(json, "\1\2\3    ") + chunks;
+        return bytes.replace(8, 4, GltfBuilder::word(bytes.size()));
+    };
+    putBytes(folder / "a.glb", bytesWith(kDocument));
     writeGltfSettings(folder / "a.glb", folder / "a.glb", {{1, sampleShader()}});
-    const std::string bytes = bytesOf(folder / "a.glb");
-    EXPECT_EQ(bytes.size() % 4, 0U);
-    EXPECT_TRUE(bytes.ends_with(chunks));
     const GltfContainer container = readContainer(folder / "a.glb");
-    EXPECT_EQ(bytes, glb(container.json, chunks));
+    EXPECT_EQ(bytesOf(folder / "a.glb"), bytesWith(container.json));
     const Json document = Json::parse(container.json);
     EXPECT_EQ(read(document["materials"][1]["extras"].dump()).state, sampleShader().state);
-}
-
-TEST(GltfSettings, RefuseWhatIsNoWholeGlb) {
-    const TemporaryFolder folder;
-    const std::string whole = glb("{\"materials\":[{}]}", "");
-    std::string wrongVersion = whole;
-    wrongVersion[4] = 1;
-    std::string wrongChunk = whole;
-    wrongChunk[16] = 'X';
-    std::string hugeChunk = whole;
-    hugeChunk.replace(12, 4, word(0xffffffff));
-    for (const std::string& bytes : {whole.substr(0, 10), whole.substr(0, 30), wrongVersion,
-                                     wrongChunk, hugeChunk, glb("{\"materials\":[{}]", "")}) {
-        putBytes(folder / "a.glb", bytes);
-        EXPECT_FALSE(
-            refusal([&] {
-                writeGltfSettings(folder / "a.glb", folder / "b.glb", {{0, sampleShader()}});
-            }).empty());
-    }
-    EXPECT_EQ(folder.names(), std::set<std::string>{"a.glb"});
 }
 
 TEST(GltfSettings, SayWhatCannotBeStored) {
@@ -187,48 +143,6 @@ TEST(GltfSettings, SayWhatCannotBeStored) {
     EXPECT_THAT(store("[", "b.gltf", 0), HasSubstr("a.gltf:1:2: not valid JSON"));
     EXPECT_THAT(store("5", "b.gltf", 0), HasSubstr("no glTF document"));
     EXPECT_THROW(writeGltfSettings(folder / "a.gltf", folder / "none/b.gltf", {}), SceneError);
-}
-
-/// Model files to try, when the machine has them.
-std::vector<fs::path> modelFiles() {
-    std::vector<fs::path> files;
-    std::error_code none;
-    for (const auto& entry : fs::recursive_directory_iterator(TAVORA_MODELS, none)) {
-        const fs::path suffix = entry.path().extension();
-        if (suffix == ".glb" || suffix == ".gltf") files.push_back(entry.path());
-    }
-    return files;
-}
-
-TEST(GltfSettings, RealModelsKeepAllButTheirExtras) {
-    const std::vector<fs::path> files = modelFiles();
-    if (files.empty()) GTEST_SKIP() << "no models in " TAVORA_MODELS;
-    for (const fs::path& file : files) {
-        const TemporaryFolder folder;
-        const fs::path input = folder / file.filename();
-        const fs::path output = folder / ("out" + file.extension().string());
-        fs::copy_file(file, input);
-        const GltfContainer before = readContainer(input);
-        const Json document = Json::parse(before.json);
-        const Json materials = document.value("materials", Json::array());
-        std::map<int, StoredShader> shaders;
-        for (std::size_t i = 0; i < materials.size(); ++i) {
-            shaders[static_cast<int>(i)] = sampleShader();
-        }
-        writeGltfSettings(input, output, shaders);
-        const GltfContainer after = readContainer(output);
-        EXPECT_EQ(after.chunks, before.chunks) << file;
-        Json patched = Json::parse(after.json);
-        for (const auto& [index, shader] : shaders) {
-            Json& extras = patched["materials"][static_cast<std::size_t>(index)]["extras"];
-            EXPECT_EQ(read(extras.dump()).state, shader.state) << file;
-            extras.erase("tavora");
-            if (!materials[static_cast<std::size_t>(index)].contains("extras")) {
-                patched["materials"][static_cast<std::size_t>(index)].erase("extras");
-            }
-        }
-        EXPECT_EQ(patched, document) << file;
-    }
 }
 
 }  // namespace

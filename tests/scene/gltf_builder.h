@@ -139,6 +139,10 @@ class GltfBuilder {
     }
 };
 
+inline const Mesh& firstMesh(const Scene& scene) {
+    return *scene.objects.at(0)->parts.at(0).mesh;
+}
+
 /// The text of the SceneError that reading gives, or "" when it reads.
 inline std::string refusalOf(const std::filesystem::path& file) {
     try {

@@ -11,10 +11,6 @@ using Imath::V2f;
 using Imath::V3f;
 using Imath::V4f;
 
-const Mesh& firstMesh(const Scene& scene) {
-    return *scene.objects.at(0)->parts.at(0).mesh;
-}
-
 /// A square of four corners, counter-clockwise, in the plane z = 0.
 const std::vector<float> kSquare = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
 const std::vector<float> kSquareStrip = {0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 1, 0};
@@ -111,12 +107,10 @@ TEST(GltfGeometry, NormalsBecomeUnitAndTellSmoothFromFlat) {
 }
 
 TEST(GltfGeometry, TrianglesWithoutAreaGiveUnitNormals) {
-    const std::vector<std::vector<float>> shapes = {
-        {1, 2, 3, 1, 2, 3, 1, 2, 3},
-        {0, 0, 0, 1, 1, 1, 2, 2, 2},
-        {0, 0, 0, 1e-30F, 0, 0, 0, 1e-30F, 0},
-        {0, 0, 0, 1e17F, 0, 0, 0, 1e17F, 0},
-    };
+    const std::vector<std::vector<float>> shapes = {{1, 2, 3, 1, 2, 3, 1, 2, 3},
+                                                    {0, 0, 0, 1, 1, 1, 2, 2, 2},
+                                                    {0, 0, 0, 1e-30F, 0, 0, 0, 1e-30F, 0},
+                                                    {0, 0, 0, 1e17F, 0, 0, 0, 1e17F, 0}};
     for (const auto& shape : shapes) {
         GltfBuilder file;
         const Scene scene =
@@ -129,23 +123,17 @@ TEST(GltfGeometry, TrianglesWithoutAreaGiveUnitNormals) {
 TEST(GltfGeometry, SparseAccessorsReplaceTheirBaseOrZeros) {
     for (const bool based : {true, false}) {
         GltfBuilder file;
-        const std::vector<std::uint16_t> which = {1, 2};
-        const std::vector<float> values = {3, 0, 0, 0, 4, 0};
-        Json accessor = {{"componentType", 5126},
-                         {"count", 3},
-                         {"type", "VEC3"},
-                         {"sparse",
-                          {{"count", 2},
-                           {"indices", {{"bufferView", file.view(which)}, {"componentType", 5123}}},
-                           {"values", {{"bufferView", file.view(values)}}}}}};
-        const std::vector<float> base = {7, 7, 0, 1, 1, 1, 2, 2, 2};
-        if (based) accessor["bufferView"] = file.view(base);
+        file.view(std::vector<std::uint16_t>{1, 2});
+        file.view(std::vector<float>{3, 0, 0, 0, 4, 0});
+        file.view(std::vector<float>{7, 7, 0, 1, 1, 1, 2, 2, 2});
+        Json accessor =
+            R"({"componentType": 5126, "count": 3, "type": "VEC3", "sparse": {"count": 2,
+            "indices": {"bufferView": 0, "componentType": 5123}, "values": {"bufferView": 1}}})"_j;
+        if (based) accessor["bufferView"] = 2;
         const int index = file.add("accessors", accessor);
         const Scene scene = readPrimitive(file, {{"attributes", {{"POSITION", index}}}});
-        const Mesh& mesh = firstMesh(scene);
-        EXPECT_EQ(mesh.positions[0], based ? V3f(7, 7, 0) : V3f(0));
-        EXPECT_EQ(mesh.positions[1], V3f(3, 0, 0));
-        EXPECT_EQ(mesh.positions[2], V3f(0, 4, 0));
+        EXPECT_EQ(firstMesh(scene).positions,
+                  (std::vector{based ? V3f(7, 7, 0) : V3f(0), V3f(3, 0, 0), V3f(0, 4, 0)}));
     }
 }
 

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "studio/scene/gltf_uri.h"
 #include "tests/scene/gltf_builder.h"
 
 namespace tavora::studio {
@@ -110,27 +111,13 @@ TEST(GltfMaterials, ImagesComeFromUrisFilesAndViewsAndAreDecodedOnce) {
     EXPECT_EQ(scene.images[0].rgba, red);
 
     const TemporaryFolder folder;
-    const std::string encoded = std::string(kRedPng).substr(std::strlen("data:image/png;base64,"));
     GltfBuilder inside = textured(Json::object());
-    const auto decoded = [&] {
-        static const std::string digits =
-            "ABCDEFGHIJKLMNOPQRSTUVWXYZabcdefghijklmnopqrstuvwxyz0123456789+/";
-        std::string bytes;
-        unsigned held = 0;
-        int bits = 0;
-        for (char c : encoded.substr(0, encoded.find('='))) {
-            held = (held << 6U) | static_cast<unsigned>(digits.find(c));
-            bits += 6;
-            if (bits >= 8)
-                bytes += static_cast<char>((held >> static_cast<unsigned>(bits -= 8)) & 0xffU);
-        }
-        return bytes;
-    }();
-    const int view = inside.view(std::vector<char>(decoded.begin(), decoded.end()));
+    const std::vector<std::uint8_t> png = *dataOfUri(kRedPng);
+    const int view = inside.view(png);
     inside.document["images"][0] = {{"bufferView", view}, {"mimeType", "image/png"}};
     EXPECT_EQ(readGltf(inside.writeBinary(folder)).images.at(0).rgba, red);
 
-    putBytes(folder / "with space.png", decoded);
+    putBytes(folder / "with space.png", {png.begin(), png.end()});
     const Scene beside = readGltf(textured({{"uri", "with%20space.png"}}).write(folder));
     EXPECT_EQ(beside.images.at(0).rgba, red);
 }
@@ -145,25 +132,26 @@ TEST(GltfMaterials, WebpIsPreferredWhereItIsOffered) {
 
 TEST(GltfMaterials, TexturesThatCannotBeUsedAreNamed) {
     const TemporaryFolder folder;
-    const auto refusal = [&](const GltfBuilder& file) { return refusalOf(file.write(folder)); };
-    EXPECT_THAT(refusal(textured({{"uri", "gone.png"}})),
-                HasSubstr("the texture \"gone.png\" cannot be read"));
     putBytes(folder / "none.png", "");
-    EXPECT_THAT(refusal(textured({{"uri", "none.png"}})), HasSubstr("\"none.png\" is empty"));
     putBytes(folder / "text.png", "hello, I am no picture");
-    EXPECT_THAT(refusal(textured({{"uri", "text.png"}})),
-                HasSubstr("\"text.png\" is neither PNG, JPEG nor WebP"));
-    EXPECT_THAT(refusal(textured({{"name", "Bark"}})), HasSubstr("\"Bark\" is empty"));
-    EXPECT_THAT(refusal(textured({{"uri", kRedPng}}, {{"texCoord", 4}})), HasSubstr("UV set 4"));
-    EXPECT_THAT(refusal(textured({{"uri", kRedPng}}, {{"texCoord", "1"}})), HasSubstr("UV set"));
-    GltfBuilder file = textured({{"uri", kRedPng}});
-    file.document["textures"][0].erase("source");
-    EXPECT_THAT(refusal(file), HasSubstr("texture 0 names no image"));
-    file.document["materials"][0]["pbrMetallicRoughness"]["baseColorTexture"] = {{"index", "0"}};
-    EXPECT_THAT(refusal(file), HasSubstr("texture"));
+    GltfBuilder sourceless = textured({{"uri", kRedPng}});
+    sourceless.document["textures"][0].erase("source");
+    GltfBuilder oddIndex = sourceless;
+    oddIndex.document["materials"][0]["pbrMetallicRoughness"]["baseColorTexture"]["index"] = "0";
     GltfBuilder view = textured({{"bufferView", 0}});
     view.document["bufferViews"][0]["byteOffset"] = 1U << 30U;
-    EXPECT_THAT(refusal(view), HasSubstr("reaches past the end"));
+    const std::pair<GltfBuilder, const char*> cases[] = {
+        {textured({{"uri", "gone.png"}}), "the texture \"gone.png\" cannot be read"},
+        {textured({{"uri", "none.png"}}), "\"none.png\" is empty"},
+        {textured({{"uri", "text.png"}}), "\"text.png\" is neither PNG, JPEG nor WebP"},
+        {textured({{"name", "Bark"}}), "\"Bark\" is empty"},
+        {textured({{"uri", kRedPng}}, {{"texCoord", 4}}), "UV set 4"},
+        {textured({{"uri", kRedPng}}, {{"texCoord", "1"}}), "UV set"},
+        {sourceless, "texture 0 names no image"},
+        {oddIndex, "texture"},
+        {view, "reaches past the end"}};
+    for (const auto& [file, says] : cases)
+        EXPECT_THAT(refusalOf(file.write(folder)), HasSubstr(says));
 }
 
 }  // namespace

@@ -40,24 +40,23 @@ void expectSameBits(const StateBlock& a, const StateBlock& b) {
     }
 }
 
+/// Expects these values, to the digit that is written.
+void expectValues(const Settings& settings, const std::string& expected) {
+    const Settings values = Settings::parse(expected);
+    for (const auto& one : values.items())
+        EXPECT_EQ(settings.at(Settings::json_pointer(one.key())).dump(), one.value().dump());
+}
+
 TEST(Settings, NameEveryValueOfABlock) {
     const Settings settings = settingsOf(sampleBlock());
     EXPECT_EQ(settings.size(), std::size(storedFields));
-    EXPECT_EQ(settings["highlightOutlineEnable"], false);
-    EXPECT_EQ(settings["highlightEnable"], "Light");
-    EXPECT_EQ(settings["edgeEnable"], true);
-    EXPECT_EQ(settings["slopeStyle"], "Step");
-    EXPECT_EQ(settings["slopeCenter"].dump(), "0.65");
-    EXPECT_EQ(settings["slopeTopColor"].dump(), "[1.0,0.99,0.98]");
-    EXPECT_EQ(settings["zoneList"][1].dump(),
-              R"({"color":[0.25,0.5,0.75],"position":0.5,"opacity":1.0,"blend":true,"bright":0.9,)"
-              R"("sat":0.8,"reserved":0,"accountLights":true,"accountLightOpac":0.7,"trans":0.0,)"
-              R"("accountLume":false})");
-    EXPECT_EQ(settings["lightList"].dump(), "[\"Key\",\"F\xc3\xbcll\"]");
-    EXPECT_EQ(settings["maxTraceDepth"], 3);
-    EXPECT_EQ(settings["lightPower"], "Cubed");
-    EXPECT_EQ(settings["reserved[1]"], -8);
-    EXPECT_EQ(settings["inkoverTranslucent"], true);
+    expectValues(settings, R"({"/highlightOutlineEnable": false, "/highlightEnable": "Light",
+        "/edgeEnable": true, "/slopeStyle": "Step", "/slopeCenter": 0.65,
+        "/slopeTopColor": [1.0, 0.99, 0.98], "/maxTraceDepth": 3, "/lightPower": "Cubed",
+        "/reserved[1]": -8, "/inkoverTranslucent": true, "/lightList": ["Key", "F\u00fcll"],
+        "/zoneList/1": {"color": [0.25, 0.5, 0.75], "position": 0.5, "opacity": 1.0,
+            "blend": true, "bright": 0.9, "sat": 0.8, "reserved": 0, "accountLights": true,
+            "accountLightOpac": 0.7, "trans": 0.0, "accountLume": false}})");
 }
 
 TEST(Settings, ReturnTheSameBlockBitForBit) {
@@ -137,49 +136,18 @@ TEST(Settings, TakeWhatPeopleWrite) {
         "highlightEnable": "on", "lightPower": 1, "edgeEnable": 0, "slopeEnable": "On",
         "edgeColor": "#ff8000", "slopeTopColor": [0, 0.5, 1], "edgeCoverage": 1,
         "lights": "Key", "maxTraceDepth": 5})");
-    EXPECT_EQ(settings["highlightEnable"], "On");
-    EXPECT_EQ(settings["lightPower"], "Squared");
-    EXPECT_EQ(settings["edgeEnable"], false);
-    EXPECT_EQ(settings["slopeEnable"], true);
-    EXPECT_EQ(settings["edgeColor"].dump(), "[1.0,0.5019608,0.0]");
-    EXPECT_EQ(settings["slopeTopColor"].dump(), "[0.0,0.5,1.0]");
-    EXPECT_EQ(settings["edgeCoverage"].dump(), "1.0");
-    EXPECT_EQ(settings["lightList"].dump(), R"(["Key"])");
+    expectValues(settings, R"({"/highlightEnable": "On", "/lightPower": "Squared",
+        "/edgeEnable": false, "/slopeEnable": true, "/edgeColor": [1.0, 0.5019608, 0.0],
+        "/slopeTopColor": [0.0, 0.5, 1.0], "/edgeCoverage": 1.0, "/lightList": ["Key"]})");
     EXPECT_EQ(blockOf(settings).size(), sampleBlock().size() - 1);
-}
-
-TEST(Settings, ChangeOneZoneOrAll) {
-    Settings settings = applied(R"({"zones[1].opacity": 0.25, "zoneList[0].color": "#ffffff"})");
-    EXPECT_EQ(settings["zoneList"][1]["opacity"], 0.25);
-    EXPECT_EQ(settings["zoneList"][1]["bright"].dump(), "0.9");
-    EXPECT_EQ(settings["zoneList"][0]["color"].dump(), "[1.0,1.0,1.0]");
-
-    settings = applied(R"({"zones": [{"position": 1}, {"position": 0.5, "blend": true},
-                                     {"position": 0, "trans": 0.5}]})");
-    const Settings& zones = settings["zoneList"];
-    EXPECT_EQ(zones[0]["trans"], 0.5);
-    EXPECT_EQ(zones[1]["blend"], true);
-    EXPECT_EQ(zones[2]["position"], 1.0);
-    EXPECT_EQ(zones[2]["color"].dump(), "[0.3,0.5,0.7]");
-    EXPECT_EQ(zones[2]["accountLightOpac"], 1.0);
-}
-
-TEST(Settings, RefuseWhatMakesNoGradient) {
-    const auto zones = [](const std::string& list) {
-        return applyRefusal("{\"zones\":" + list + "}");
-    };
-    EXPECT_THAT(zones("[]"), HasSubstr("two zones"));
-    EXPECT_THAT(zones(R"([{"position": 0}])"), HasSubstr("two zones"));
-    EXPECT_THAT(zones(R"([{"position": 0.5, "blend": true}, {"position": 1}])"),
-                HasSubstr("must be ordinary"));
-    EXPECT_THAT(zones(R"([{"position": 0}, {"position": 0.5, "blend": true}])"),
-                HasSubstr("must be ordinary"));
-    EXPECT_THAT(zones(R"([{"position": 0}, {"position": 0.4, "blend": 1},
-                         {"position": 0.5, "blend": true}, {"position": 1}])"),
-                HasSubstr("zones 1 and 2"));
-    EXPECT_THAT(zones(R"([{"color": "#ffffff"}, {"position": 1}])"), HasSubstr("position"));
-    EXPECT_THAT(applyRefusal(R"({"zones[1].position": 1, "zones[0].blend": true})"),
-                HasSubstr("must be ordinary"));
+    expectValues(applied(R"({"zones[1].opacity": 0.25, "zoneList[0].color": "#ffffff"})"),
+                 R"({"/zoneList/1/opacity": 0.25, "/zoneList/1/bright": 0.9,
+                     "/zoneList/0/color": [1.0, 1.0, 1.0]})");
+    expectValues(applied(R"({"zones": [{"position": 1}, {"position": 0.5, "blend": true},
+                                       {"position": 0, "trans": 0.5}]})"),
+                 R"({"/zoneList/0/trans": 0.5, "/zoneList/1/blend": true,
+                     "/zoneList/2/position": 1.0, "/zoneList/2/color": [0.3, 0.5, 0.7],
+                     "/zoneList/2/accountLightOpac": 1.0})");
 }
 
 struct Refused {
@@ -210,6 +178,15 @@ TEST(Settings, SayWhatIsWrongWithAValue) {
         {R"({"zones[0": 1})", "unknown setting"},
         {R"({"zones[99999999999999999999].color": 1})", "unknown setting"},
         {R"([1])", "object"},
+        {R"({"zones": []})", "two zones"},
+        {R"({"zones": [{"position": 0}]})", "two zones"},
+        {R"({"zones": [{"position": 0.5, "blend": true}, {"position": 1}]})", "be ordinary"},
+        {R"({"zones": [{"position": 0}, {"position": 0.5, "blend": true}]})", "be ordinary"},
+        {R"({"zones": [{"position": 0}, {"position": 0.4, "blend": 1},
+                       {"position": 0.5, "blend": true}, {"position": 1}]})",
+         "zones 1 and 2"},
+        {R"({"zones": [{"color": "#ffffff"}, {"position": 1}]})", "position"},
+        {R"({"zones[1].position": 1, "zones[0].blend": true})", "be ordinary"},
     };
     for (const Refused& refused : cases) {
         EXPECT_THAT(applyRefusal(refused.changes), HasSubstr(refused.says)) << refused.changes;
