@@ -74,13 +74,12 @@ TEST(Messages, ReachTheSinkAsOneLine) {
         std::thread([&] { service.info("From another thread", nullptr); }).join();
     }
     setMessageSink({});
-    using Pair = std::pair<MessageKind, std::string>;
-    EXPECT_THAT(
-        heard,
-        testing::ElementsAre(
-            Pair(MessageKind::Warning, "Settings directory not found: Default settings not saved!"),
-            Pair(MessageKind::Error, "Out of order"), Pair(MessageKind::Info, "Done"),
-            Pair(MessageKind::Info, "From another thread")));
+    const decltype(heard) expected = {
+        {MessageKind::Warning, "Settings directory not found: Default settings not saved!"},
+        {MessageKind::Error, "Out of order"},
+        {MessageKind::Info, "Done"},
+        {MessageKind::Info, "From another thread"}};
+    EXPECT_EQ(heard, expected);
     testing::internal::CaptureStderr();
     service.warning("Careful", "now");
     EXPECT_EQ(testing::internal::GetCapturedStderr(), "tavora: warning: Careful: now\n");
@@ -88,16 +87,14 @@ TEST(Messages, ReachTheSinkAsOneLine) {
 
 TEST(InstanceUpdate, ReachesTheListener) {
     auto* update = serviceFunction<HostInstanceUpdate>(HOST_INSTANCE_UPDATE_SERVICE);
-    int instance = 0;
-    std::string heard;
-    setInstanceListener([&](const char* className, HostInstance changed) {
-        EXPECT_EQ(changed, &instance);
-        heard = className;
+    int instance = 0, heard = 0;
+    setInstanceListener([&](const std::string& className, HostInstance changed) {
+        heard += className == "ShaderHandler" && changed == &instance ? 1 : 100;
     });
     update("ShaderHandler", &instance);
     setInstanceListener({});
     update("Nobody listens", &instance);
-    EXPECT_EQ(heard, "ShaderHandler");
+    EXPECT_EQ(heard, 1);
 }
 
 }  // namespace

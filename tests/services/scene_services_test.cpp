@@ -132,14 +132,13 @@ TEST(Textures, AreFoundByChannelAndReadAtThePolygon) {
     const SmallScene small;
     const SceneIndex index(small.scene);
     const ServiceBinding binding(index, small.rig);
-    const auto& surfaces = serviceTable<HostSurfaceFunctions>(HOST_SURFACE_SERVICE);
     const auto& textures = serviceTable<HostTextureFunctions>(HOST_TEXTURE_SERVICE);
-    EXPECT_EQ(surfaces.channelTexture(index.surfaceId(0), HOST_CHANNEL_BASE_COLOR), nullptr);
-    EXPECT_EQ(surfaces.channelTexture(index.surfaceId(1), "Bump"), nullptr);
-    EXPECT_EQ(surfaces.channelTexture(nullptr, HOST_CHANNEL_BASE_COLOR), nullptr);
-    HostTextureId base = surfaces.channelTexture(index.surfaceId(1), HOST_CHANNEL_BASE_COLOR);
-    HostTextureId translucency =
-        surfaces.channelTexture(index.surfaceId(1), HOST_CHANNEL_TRANSLUCENCY);
+    const auto find = serviceTable<HostSurfaceFunctions>(HOST_SURFACE_SERVICE).channelTexture;
+    EXPECT_EQ(find(index.surfaceId(0), HOST_CHANNEL_BASE_COLOR), nullptr);
+    EXPECT_EQ(find(index.surfaceId(1), "Bump"), nullptr);
+    EXPECT_EQ(find(nullptr, HOST_CHANNEL_BASE_COLOR), nullptr);
+    HostTextureId base = find(index.surfaceId(1), HOST_CHANNEL_BASE_COLOR);
+    HostTextureId translucency = find(index.surfaceId(1), HOST_CHANNEL_TRANSLUCENCY);
     ASSERT_NE(base, nullptr);
     ASSERT_NE(translucency, nullptr);
 
