@@ -10,7 +10,7 @@
 
 namespace tavora::studio {
 
-/// Share of a light that passes to a hit, as far as it is kept.
+/// Share of a light that reaches a hit, as far as it is kept.
 enum class KeptShare : std::uint32_t {
     Unknown,
     None,

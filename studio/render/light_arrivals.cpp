@@ -22,7 +22,7 @@ void LightArrivals::start(const SurfacePoint& point, KeptPath* path, KeptPath::P
 
 void LightArrivals::prepare() {
     for (std::size_t light = 0; light < slots_.size(); ++light) {
-        if (cosine(light) > 0) settle(light);
+        if (kept(light) == KeptShare::Unknown && cosine(light) > 0) settle(light);
     }
 }
 
@@ -32,7 +32,12 @@ double LightArrivals::cosine(std::size_t light) {
 }
 
 const LightArrival& LightArrivals::at(std::size_t light) {
-    Slot& slot = meet(light);
+    Slot& slot = slots_[light];
+    if (kept(light) == KeptShare::None) {
+        slot.arrival.lit = false;
+        return slot.arrival;
+    }
+    meet(light);
     settle(light);
     return slot.arrival;
 }
@@ -63,23 +68,20 @@ void LightArrivals::settle(std::size_t light) {
     Slot& slot = slots_[light];
     if (slot.settledAt == sample_) return;
     slot.settledAt = sample_;
-    if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return;
-    const double share = shareAt(light);
+    const KeptShare known = kept(light);
+    const double share = known == KeptShare::All ? 1 : traceShare(slot);
+    if (known == KeptShare::Unknown && path_ != nullptr) path_->keepShare(place_, light, share);
     slot.arrival.lit = share > 0;
     slot.arrival.color *= share;
 }
 
-/// The share of a light that passes to the sample, kept or traced.
-double LightArrivals::shareAt(std::size_t light) {
-    const KeptShare kept = path_ != nullptr ? path_->share(place_, light) : KeptShare::Unknown;
-    if (kept == KeptShare::None) return 0;
-    if (kept == KeptShare::All) return 1;
-    const double share = traceShare(slots_[light]);
-    if (path_ != nullptr) path_->keepShare(place_, light, share);
-    return share;
+KeptShare LightArrivals::kept(std::size_t light) const {
+    return path_ != nullptr ? path_->share(place_, light) : KeptShare::Unknown;
 }
 
+/// Share of the light that passes to the sample; 0 where it is dark or behind.
 double LightArrivals::traceShare(const Slot& slot) {
+    if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return 0;
     if (startFoundAt_ != sample_) {
         start_ = shadowStart(*point_);
         startFoundAt_ = sample_;

@@ -59,7 +59,7 @@ class LightArrivals {
     };
     Slot& meet(std::size_t light);
     void settle(std::size_t light);
-    double shareAt(std::size_t light);
+    KeptShare kept(std::size_t light) const;
     double traceShare(const Slot& slot);
     bool isBehind(const Imath::V3d& direction) const;
     double passing(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot, double nearest,
