@@ -15,7 +15,6 @@
 #include <exception>
 #include <functional>
 #include <memory>
-#include <numbers>
 #include <string>
 #include <thread>
 #include <vector>
@@ -28,6 +27,7 @@
 #include "studio/render/tiles.h"
 #include "studio/render/view.h"
 #include "studio/services/registry.h"
+#include "tests/render/test_scene.h"
 
 namespace {
 
@@ -38,26 +38,6 @@ constexpr int kWidth = 960;
 constexpr int kHeight = 540;
 constexpr int kSamples = 16;
 
-std::shared_ptr<const Mesh> sphere(int segments, int rings) {
-    auto mesh = std::make_shared<Mesh>();
-    mesh->smooth = true;
-    for (int ring = 0; ring <= rings; ++ring) {
-        for (int segment = 0; segment <= segments; ++segment) {
-            const double theta = std::numbers::pi * ring / rings;
-            const double phi = 2 * std::numbers::pi * segment / segments;
-            mesh->normals.emplace_back(V3d(std::sin(theta) * std::sin(phi), std::cos(theta),
-                                           std::sin(theta) * std::cos(phi)));
-            mesh->positions.push_back(mesh->normals.back());
-        }
-    }
-    const auto row = static_cast<std::uint32_t>(segments) + 1;
-    for (std::uint32_t i = 0; i + row + 1 < mesh->positions.size(); ++i) {
-        mesh->triangles.push_back({i, i + row, i + 1});
-        mesh->triangles.push_back({i + 1, i + row, i + row + 1});
-    }
-    return mesh;
-}
-
 void addObject(Scene& scene, std::shared_ptr<const Mesh> mesh, const Imath::M44d& place) {
     auto object = std::make_unique<Object>();
     object->objectToWorld = place;
@@ -65,11 +45,11 @@ void addObject(Scene& scene, std::shared_ptr<const Mesh> mesh, const Imath::M44d
     scene.objects.push_back(std::move(object));
 }
 
-/// A grid of spheres on a floor: 200,000 triangles.
+/// A grid of spheres on a floor: 192,000 triangles.
 Scene benchScene() {
     Scene scene;
     scene.surfaces.resize(1);
-    const auto ball = sphere(64, 31);
+    const auto ball = sphereMesh(1, 64, 31);
     for (int z = 0; z < 5; ++z) {
         for (int x = 0; x < 10; ++x)
             addObject(scene, ball, Imath::M44d().translate(V3d(2.2 * x - 9.9, 1, -2.2 * z)));
