@@ -14,6 +14,7 @@ constexpr int kPage = 20;   // pixels
 
 AreaWidget::AreaWidget(QWidget* parent) : QWidget(parent) {
     setFocusPolicy(Qt::StrongFocus);
+    setCursor(Qt::PointingHandCursor);
 }
 
 void AreaWidget::press(QPoint mouse) {
@@ -24,6 +25,7 @@ void AreaWidget::press(QPoint mouse) {
 
 void AreaWidget::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
+    keys_ = false;
     const QPoint mouse = event->position().toPoint();
     if (reach_ > 0) caret_ = std::clamp(mouse.x(), 0, reach_);
     press(mouse);
@@ -36,6 +38,7 @@ void AreaWidget::moveCaret(int distance) {
 }
 
 void AreaWidget::keyPressEvent(QKeyEvent* event) {
+    keys_ = true;
     const int pace = event->modifiers().testFlag(Qt::ControlModifier) ? kPage : 1;
     switch (event->key()) {
         case Qt::Key_Space:
@@ -60,13 +63,18 @@ void AreaWidget::keyPressEvent(QKeyEvent* event) {
     }
 }
 
+void AreaWidget::focusInEvent(QFocusEvent* event) {
+    QWidget::focusInEvent(event);
+    keys_ = event->reason() != Qt::MouseFocusReason;
+}
+
 void AreaWidget::paintEvent(QPaintEvent* /*event*/) {
     if (!hasFocus()) return;
     QPainter painter(this);
     painter.setPen(QPen(palette().color(QPalette::Highlight), 1));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
-    if (reach_ <= 0) return;
+    if (reach_ <= 0 || !keys_) return;
     const int caret = caret_ < 0 ? reach_ / 2 : caret_;
     const QRectF line(caret - 0.5, 1, 2, height() - 2);
     painter.fillRect(line.adjusted(-1, 0, 1, 0), palette().color(QPalette::Base));

@@ -23,6 +23,7 @@ class AreaWidget : public QWidget {
     void mousePressEvent(QMouseEvent* event) override;
     void mouseDoubleClickEvent(QMouseEvent* event) override { mousePressEvent(event); }
     void keyPressEvent(QKeyEvent* event) override;
+    void focusInEvent(QFocusEvent* event) override;
     void paintEvent(QPaintEvent* event) override;
 
   private:
@@ -32,6 +33,7 @@ class AreaWidget : public QWidget {
     QPoint mouse_;
     int caret_ = -1;  ///< -1: not yet moved
     int reach_ = 0;
+    bool keys_ = false;  ///< the keyboard is in use, so the caret shows
 };
 
 /// "AreaControl": fires once a press and reports where.

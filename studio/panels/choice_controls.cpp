@@ -7,6 +7,7 @@
 #include <QPainter>
 #include <QPushButton>
 #include <QSignalBlocker>
+#include <QStringList>
 #include <QTabBar>
 
 namespace tavora::studio {

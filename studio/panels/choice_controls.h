@@ -1,7 +1,5 @@
 #pragma once
 
-#include <QStringList>
-
 #include "studio/panels/control.h"
 
 class QButtonGroup;
@@ -22,7 +20,6 @@ class OneOfControl : public PanelControl {
     virtual void showItem(int item) = 0;
     /// The user chose an item: fires when it is another.
     void choose(int item);
-    int chosen() const { return chosen_; }
 
   private:
     int chosen_ = 0;

@@ -55,7 +55,7 @@ void takePictures(const QString& folder) {
 }  // namespace
 
 int main(int argc, char** argv) {
-    qputenv("QT_QPA_PLATFORM", "offscreen");
+    if (!qEnvironmentVariableIsSet("QT_QPA_PLATFORM")) qputenv("QT_QPA_PLATFORM", "offscreen");
     const QTemporaryDir settings;
     qputenv("TAVORA_DEFAULTS", settings.path().toUtf8());
     QApplication::setStyle("fusion");
