@@ -65,7 +65,8 @@ void AreaWidget::keyPressEvent(QKeyEvent* event) {
 
 void AreaWidget::focusInEvent(QFocusEvent* event) {
     QWidget::focusInEvent(event);
-    keys_ = event->reason() != Qt::MouseFocusReason;
+    const auto reason = event->reason();
+    keys_ = keys_ || reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
 }
 
 void AreaWidget::paintEvent(QPaintEvent* /*event*/) {

@@ -56,7 +56,7 @@ class Segment : public QPushButton {
         if (isDown()) return palette().color(QPalette::Button).darker(120);
         if (!isChecked()) return palette().color(QPalette::Button);
         return isEnabled() ? palette().color(QPalette::Highlight)
-                           : palette().color(QPalette::Button).darker(120);
+                           : palette().color(QPalette::Button).darker(109);
     }
 
     /// Reaches over the sides that join the next button, so that only the ends

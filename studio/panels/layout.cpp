@@ -9,7 +9,7 @@ namespace {
 constexpr int kInset = 5;         // of what stands without a label
 constexpr int kColumnReach = 24;  // fields this near belong to one column
 constexpr int kJoinReach = 16;    // of columns and colour patches
-constexpr int kRowReach = 2;
+constexpr int kRowReach = 5;
 constexpr int kBetween = 6;   // kept free between two controls of a row
 constexpr int kOffFrame = 8;  // a text begins this far from the frame's border
 constexpr int kAreaDrop = 4;  // modules draw that much below an area's place

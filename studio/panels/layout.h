@@ -32,9 +32,9 @@ inline constexpr int kRowHeight = 20;
 inline constexpr int kLabelGap = 5;
 
 /// Gives every item its rectangles. Modules place controls for the widths of a
-/// font that we do not have, a pixel off here and there: fields that begin near
+/// font that we do not have, pixels off here and there: fields that begin near
 /// one another share one column, labels ending there; visible controls whose
-/// rows differ by no more than two pixels share one row. `frame`: the box that
+/// rows differ by no more than five pixels share one row. `frame`: the box that
 /// the module draws around controls, if any.
 void layOut(std::vector<LayoutItem>& items, const std::optional<QRect>& frame = {});
 
