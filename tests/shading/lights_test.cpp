@@ -127,6 +127,7 @@ TEST_F(Lights, PowerCurveIsARootCappedAtOne) {
     EXPECT_EQ(curve(0.25, 1), 0.5);
     EXPECT_NEAR(curve(0.125, 2), 0.5, 1e-5);
     EXPECT_EQ(curve(0.25, 3), 0.25);
+    EXPECT_NEAR(curve(0.9025, 1), 0.95, 1e-12);
     EXPECT_EQ(curve(2.0, 2), 1.0);
     EXPECT_EQ(curve(-0.5, 0), -0.5);
     EXPECT_EQ(curve(-0.5, 1), 1.0) << "the root is not a number, which counts as 1";
