@@ -161,21 +161,19 @@ void LivePainter::refine(const LiveWatch& watch) {
     if (options_.samples > 1) publish(1, watch);
 }
 
-/// Goes on with the tiles that no lane has taken yet.
+/// Goes on with the tiles that no lane has taken yet; each lane takes at least
+/// one.
 LivePainter::Swept LivePainter::sweep(const LivePass& pass, const std::function<bool()>& overtaken,
                                       Clock::time_point until) {
     std::atomic<bool> dropped{false};
     team_.run([&](std::size_t lane) {
-        while (Clock::now() < until) {
+        do {
             const std::size_t tile = nextTile_.fetch_add(1);
             if (tile >= canvas_->tiles()) return;
             lanes_[lane]->renderTile(canvas_->tile(tile), pass, *shot_, overtaken, *canvas_,
                                      paths_->open(tile));
-            if (overtaken()) {
-                dropped = true;
-                return;
-            }
-        }
+            if (overtaken()) dropped = true;
+        } while (!dropped && Clock::now() < until);
     });
     if (dropped) return Swept::Overtaken;
     return nextTile_ >= canvas_->tiles() ? Swept::All : Swept::Some;

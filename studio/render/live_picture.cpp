@@ -178,11 +178,10 @@ LivePicture::LivePicture(const Scene& scene, std::filesystem::path module,
 LivePicture::~LivePicture() = default;
 
 std::uint64_t LivePicture::setView(const Camera& camera, int width, int height) {
-    if (width < 1 || height < 1) throw std::invalid_argument("the picture has no pixels");
     return parts_->post(false, [&](LiveWish& wish) {
         wish.camera = camera;
-        wish.width = width;
-        wish.height = height;
+        wish.width = std::max(width, 1);
+        wish.height = std::max(height, 1);
         wish.viewRevision = wish.revision + 1;
     });
 }

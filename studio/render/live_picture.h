@@ -17,7 +17,7 @@ namespace tavora::studio {
 struct LiveOptions {
     int threads = 0;                              ///< 0: one a core
     int samples = 16;                             ///< a pixel of the clean picture
-    std::size_t memory = std::size_t{512} << 20;  ///< bytes for what is kept between edits
+    std::size_t memory = std::size_t{512} << 20;  ///< bytes for hits and light kept between edits
     std::optional<Imath::V3d> background;         ///< display-referred; empty: transparent
 };
 
@@ -61,10 +61,13 @@ class LivePicture {
 
     /// Each of these asks for a new picture and returns its revision, which
     /// grows by one with each change. Nothing is rendered before all three are set.
+    /// A width or height below 1 counts as 1: windows may be folded away.
     std::uint64_t setView(const Camera& camera, int width, int height);
     std::uint64_t setLights(std::shared_ptr<const LightRig> lights);
-    /// One entry a surface of the scene.
+    /// One entry a surface of the scene, else throws std::invalid_argument.
     std::uint64_t setShading(std::vector<SurfaceShading> shading);
+    /// One of them, by place in Scene::surfaces. Throws std::out_of_range for one
+    /// that is not there, and before setShading().
     std::uint64_t setSurface(std::size_t surface, SurfaceShading shading);
 
     /// The newest picture; null before the first.
@@ -79,7 +82,8 @@ class LivePicture {
     }
     LiveStats stats() const;
     /// One line that says why nothing is rendered any more (the module failed,
-    /// no memory); empty while all is well. A new setShading() tries again.
+    /// no memory); empty while all is well. A new setShading() or
+    /// setSurface() tries again.
     std::string failure() const;
 
   private:
