@@ -66,10 +66,10 @@ struct Room : TestScene {
     }
 };
 
-/// A sun that strong, a spot, and so many points.
-std::shared_ptr<const LightRig> lights(double sun, int points) {
+/// A sun that strong and that far from the right, a spot, and so many points.
+std::shared_ptr<const LightRig> lights(double sun, double right, int points) {
     const auto made = std::make_shared<TestScene>();
-    made->addSun({0.3, -0.4, -1}, V3d(sun, 0.6, 0.5));
+    made->addSun({-right, -0.4, -1}, V3d(sun, 0.6, 0.5));
     made->addLight(LightKind::Spot, V3d(0.4)).position = {0, 0, 6};
     for (int i = 0; i < points; ++i)
         made->addLight(LightKind::Point, V3d(0.2, 0.3, 0.5) / points).position = {2, 3.0 - i, 4};
@@ -83,7 +83,7 @@ struct Wish {
     Camera camera = frontCamera({0.1, 0, 8}, 2);
     int width = 50;
     int height = 40;
-    std::shared_ptr<const LightRig> rig = lights(0.7, 1);
+    std::shared_ptr<const LightRig> rig = lights(0.7, -0.3, 1);
     std::vector<SurfaceShading> shading{4};
     LiveOptions options;
 
@@ -154,9 +154,9 @@ Edit wear(const char* name, Place surface, const Json& changes) {
     return put(name, surface, {look(changes)});
 }
 
-Edit light(const char* name, double sun, int points) {
-    return {name, [sun, points](Wish& wish, LivePicture& picture) {
-                wish.rig = lights(sun, points);
+Edit light(const char* name, double sun, double right, int points) {
+    return {name, [sun, right, points](Wish& wish, LivePicture& picture) {
+                wish.rig = lights(sun, right, points);
                 return picture.setLights(wish.rig);
             }};
 }
@@ -179,6 +179,7 @@ Json allZones(const std::string& field, const Json& value) {
 /// Each shows something else than the one before it.
 std::vector<Edit> edits() {
     const Json ink{{"inkoverEnable", true},
+                   {"inkoverObject", false},
                    {"inkoverColor", {0, 0, 0}},
                    {"inkoverPaintColor", {0, 1, 0}},
                    {"maxTraceDepth", 2}};
@@ -188,11 +189,12 @@ std::vector<Edit> edits() {
             wear("solid wall", kWall, allZones("color", {0, 0, 0})),
             wear("ink-over", kBall, ink),
             wear("what ink-over finds", kWall, setting("slopeEnable", true)),
-            light("weaker sun", 0.3, 1),
+            light("weaker sun", 0.3, -0.3, 1),
             wear("no ink-over", kBall, setting("slopeEnable", true)),
             wear("shaded pane", kPane, allZones("trans", 0.2)),
             wear("shaded leaf", kLeaf, setting("edgeEnable", true)),
-            light("many lights", 0.3, 20),
+            light("sun from the right", 0.5, 0.6, 1),
+            light("many lights", 0.3, -0.3, 20),
             put("plain ball", kBall, {}),
             view("from the side", {0.4, 0.2, 8}, 50),
             wear("shaded ball", kBall, setting("useAllLights", false)),
@@ -249,6 +251,7 @@ TEST(LivePicture, SaysWhatItHasNoMemoryFor) {
 TEST(LivePicture, TracesAndShadesAgainOnlyWhatAnEditChanges) {
     Wish wish;
     wish.room.scene.surfaces[kPane].alphaMode = AlphaMode::Opaque;
+    wish.rig = lights(0.7, -0.3, 20);
     LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
     ASSERT_NE(live.clean(wish.show(live.picture())), nullptr);
     const auto changesBy = [&](Place surface, const Json& changes) {
