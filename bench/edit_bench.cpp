@@ -5,16 +5,19 @@
 //   edit_bench SCENE MODULE [ROUNDS] [THREADS]
 
 #include <algorithm>
+#include <array>
 #include <chrono>
 #include <condition_variable>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
-#include <functional>
+#include <filesystem>
+#include <memory>
 #include <mutex>
 #include <stdexcept>
 #include <string>
 #include <thread>
+#include <utility>
 #include <vector>
 
 #include "studio/link/module_copy.h"
