@@ -145,8 +145,8 @@ const SurfaceSettings& Document::settings(std::size_t surface) const {
     return parts_->current[surface];
 }
 
-const SurfaceSettings& Document::savedSettings(std::size_t surface) const {
-    return parts_->saved[surface];
+const SurfaceSettings& Document::cleanSettings(std::size_t surface) const {
+    return parts_->clean[surface];
 }
 
 Shader& Document::record(std::size_t surface) {
@@ -325,6 +325,10 @@ void Document::recover() {
 
 void Document::discardRecovery() {
     parts_->recovery().discard();
+}
+
+void Document::discardOwnRecovery() {
+    parts_->recovery().removeTaken();
 }
 
 }  // namespace tavora::studio

@@ -42,8 +42,9 @@ class Document {
     /// Indices into Scene::surfaces of those that the user sees, in order.
     const std::vector<std::size_t>& surfaces() const;
     const SurfaceSettings& settings(std::size_t surface) const;
-    /// What the file holds.
-    const SurfaceSettings& savedSettings(std::size_t surface) const;
+    /// With these there is nothing to save: what the file holds, or what a
+    /// surface without any wears when nobody asked for anything.
+    const SurfaceSettings& cleanSettings(std::size_t surface) const;
 
     /// The record that panels edit, made on first use and kept in step with
     /// settings() by undo and redo. Stays at its place while the document lives.
@@ -110,6 +111,9 @@ class Document {
     void recover();
     /// Removes it, and what this session wrote: for unsaved work nobody wants.
     void discardRecovery();
+    /// Removes what this session wrote or took over; work of an earlier session
+    /// that was not taken over is offered again.
+    void discardOwnRecovery();
 
     /// Heard after every change of settings(), by surface.
     std::function<void(std::size_t surface)> settingsChanged;

@@ -205,8 +205,7 @@ void EditWindow::showState() {
 
 void EditWindow::showProgress() {
     const Session* shown = session();
-    const auto frame = shown == nullptr ? nullptr : shown->picture().latest();
-    const double refined = frame == nullptr ? 0 : frame->refined;
+    const double refined = shown == nullptr ? 0 : shown->refined();
     progress_.setVisible(shown != nullptr && refined < 1);
     progress_.setValue(static_cast<int>(refined * 100));
     if (shown == nullptr) {

@@ -27,6 +27,8 @@ class PanelSession : public QObject {
     void open(Session& session, std::size_t surface);
 
     bool isOpen() const { return session_ != nullptr; }
+    /// The panel on the screen; null between two of them, too.
+    QWidget* widget() const { return panel_; }
     /// The surface whose panel is open; only while it is.
     std::size_t surface() const { return surface_; }
 

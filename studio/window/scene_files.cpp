@@ -4,6 +4,7 @@
 #include <QFileDialog>
 #include <QMenu>
 #include <QMessageBox>
+#include <QPushButton>
 
 #include "studio/edit/recent_files.h"
 #include "studio/services/messages.h"
@@ -108,7 +109,7 @@ bool SceneFiles::mayClose() {
         if (answer == QMessageBox::Save && !save()) return false;
     }
     recovery_.stop();
-    return guarded(&window_, [&] { document.discardRecovery(); });
+    return guarded(&window_, [&] { document.discardOwnRecovery(); });
 }
 
 void SceneFiles::keepSafe() {
@@ -136,20 +137,27 @@ void SceneFiles::replaceSession(std::unique_ptr<Session> session) {
 void SceneFiles::offerRecovery() {
     Document& document = session_->document();
     if (!document.hasRecovery()) return;
-    const auto answer =
-        QMessageBox::question(&window_, tr("Tavora"),
-                              tr("Tavora ended with unsaved changes to %1. Bring them back?\n"
-                                 "The file itself stays as it is until you save.")
-                                  .arg(text(document.path().filename())),
-                              QMessageBox::Yes | QMessageBox::No);
+    const int answer = askAboutRecovery(text(document.path().filename()));
     guarded(&window_, [&] {
         if (answer == QMessageBox::Yes) {
             document.recover();
             showWarnings();
-        } else {
+        } else if (answer == QMessageBox::Discard) {
             document.discardRecovery();
         }
     });
+}
+
+/// Closing the question is no answer: the work is offered again.
+int SceneFiles::askAboutRecovery(const QString& scene) {
+    QMessageBox question(QMessageBox::Question, tr("Tavora"),
+                         tr("Tavora ended with unsaved changes to %1. Bring them back?").arg(scene),
+                         QMessageBox::Yes | QMessageBox::Discard | QMessageBox::Cancel, &window_);
+    question.setInformativeText(tr("The file itself stays as it is until you save."));
+    question.button(QMessageBox::Yes)->setText(tr("&Bring Back"));
+    question.button(QMessageBox::Cancel)->setText(tr("&Later"));
+    question.setDefaultButton(QMessageBox::Yes);
+    return question.exec();
 }
 
 void SceneFiles::showWarnings() {

@@ -54,6 +54,7 @@ class SceneFiles : public QObject {
     void load(const std::filesystem::path& scene);
     void replaceSession(std::unique_ptr<Session> session);
     void offerRecovery();
+    int askAboutRecovery(const QString& scene);
     void showWarnings();
     void writeRecovery();
     bool saveWith(const std::function<void()>& write);

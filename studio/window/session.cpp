@@ -27,7 +27,7 @@ Session::Session(const EditRequest& request, Report& report)
     startPicture(request.threads);
 
     document_->settingsChanged = [this](std::size_t surface) {
-        if (!comparing_) picture_->setSurface(surface, shadingOf(surface));
+        if (!comparing_) revision_ = picture_->setSurface(surface, shadingOf(surface));
         emit settingsChanged(surface);
     };
     document_->stateChanged = [this] { emit stateChanged(); };
@@ -44,8 +44,13 @@ void Session::startPicture(int threads) {
         std::make_unique<LivePicture>(document_->scene(), document_->module(), options, [this] {
             QMetaObject::invokeMethod(this, &Session::pictureChanged, Qt::QueuedConnection);
         });
-    picture_->setLights(lights_);
+    revision_ = picture_->setLights(lights_);
     showSettings();
+}
+
+double Session::refined() const {
+    const auto frame = picture_->latest();
+    return frame != nullptr && frame->revision == revision_ ? frame->refined : 0;
 }
 
 void Session::setSize(int width, int height) {
@@ -118,7 +123,7 @@ void Session::compareWithSaved(bool compare) {
 }
 
 void Session::showView() {
-    if (width_ > 0) picture_->setView(orbit_->camera(), width_, height_);
+    if (width_ > 0) revision_ = picture_->setView(orbit_->camera(), width_, height_);
     emit viewChanged();
 }
 
@@ -127,12 +132,12 @@ void Session::showSettings() {
     for (std::size_t surface = 0; surface < document_->scene().surfaces.size(); ++surface) {
         shading.push_back(shadingOf(surface));
     }
-    picture_->setShading(std::move(shading));
+    revision_ = picture_->setShading(std::move(shading));
 }
 
 SurfaceShading Session::shadingOf(std::size_t surface) const {
     const SurfaceSettings& settings =
-        comparing_ ? document_->savedSettings(surface) : document_->settings(surface);
+        comparing_ ? document_->cleanSettings(surface) : document_->settings(surface);
     return {settings.enabled ? settings.block : std::nullopt};
 }
 

@@ -25,6 +25,9 @@ class Session : public QObject {
     const Document& document() const { return *document_; }
     const LightRig& lights() const { return *lights_; }
     const LivePicture& picture() const { return *picture_; }
+    /// Share of the samples of what was asked last that the picture shows; 1:
+    /// it is clean.
+    double refined() const;
 
     /// Size of the picture in device pixels.
     void setSize(int width, int height);
@@ -67,6 +70,7 @@ class Session : public QObject {
     std::unique_ptr<PanelBinding> binding_;  ///< the panel's module copy asks on this thread
     std::unique_ptr<Orbit> orbit_;
     std::unique_ptr<LivePicture> picture_;
+    std::uint64_t revision_ = 0;  ///< of what was asked last
     int width_ = 0;
     int height_ = 0;
     bool comparing_ = false;

@@ -74,7 +74,7 @@ void SurfaceList::update(std::size_t surface) {
         if (surfaceOf(*line) != surface) continue;
         line->setCheckState(document.settings(surface).enabled ? Qt::Checked : Qt::Unchecked);
         QFont font = line->font();
-        font.setBold(document.settings(surface) != document.savedSettings(surface));
+        font.setBold(document.settings(surface) != document.cleanSettings(surface));
         line->setFont(font);
     }
 }

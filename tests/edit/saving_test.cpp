@@ -38,7 +38,7 @@ class FullDisk {
 TEST_F(Saving, ALookThatStandsInIsNoWorkUntilSomethingChanges) {
     auto document = open();
     EXPECT_TRUE(document->settings(0).enabled);
-    EXPECT_FALSE(document->savedSettings(0).block);
+    EXPECT_EQ(document->cleanSettings(0), document->settings(0));
     EXPECT_FALSE(document->isModified());
     edit(*document, 0, 0.5);
     EXPECT_TRUE(document->isModified());
@@ -75,7 +75,7 @@ TEST_F(Saving, WhatTheFileCannotHoldIsTold) {
     EXPECT_TRUE(document->settings(1).enabled);
     request_.plain = {"Hair"};
     document = open();
-    EXPECT_EQ(document->settings(1), (SurfaceSettings{false, document->savedSettings(1).block}));
+    EXPECT_EQ(document->settings(1), (SurfaceSettings{false, document->cleanSettings(1).block}));
 }
 
 TEST_F(Saving, AFullDiskCostsNeitherTheFileNorTheWork) {
@@ -93,7 +93,7 @@ TEST_F(Saving, AFullDiskCostsNeitherTheFileNorTheWork) {
     EXPECT_EQ(document->path(), file_);
     EXPECT_TRUE(document->isModified());
     EXPECT_EQ(stateOf(*document), work);
-    EXPECT_FALSE(document->savedSettings(0).block);
+    EXPECT_NE(document->cleanSettings(0), work[0]);
     document->writeRecovery();
     document->save();
     EXPECT_EQ(stateOf(*open())[0], work[0]);

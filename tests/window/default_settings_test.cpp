@@ -1,0 +1,72 @@
+// The defaults that one process stores and another one meets.
+
+#include <QProcess>
+#include <QPushButton>
+#include <QThread>
+#include <chrono>
+#include <gtest/gtest.h>
+#include <iostream>
+#include <set>
+
+#include "studio/services/directory_info.h"
+#include "studio/services/registry.h"
+#include "tests/files/temporary_folder.h"
+#include "tests/panels/settings_rig.h"
+#include "tests/window/default_settings_loop.h"
+
+namespace tavora::studio::testing {
+namespace {
+
+constexpr const char* kFew = R"({"edgeCoverage": 0.25, "lightList": [], "zones": [
+    {"position": 0, "color": "#102030"}, {"position": 1}]})";
+constexpr const char* kMany = R"({"edgeCoverage": 0.75, "lightList": ["Key", "Rim"], "zones": [
+    {"position": 0}, {"position": 0.1}, {"position": 0.2}, {"position": 0.3},
+    {"position": 0.4, "blend": true}, {"position": 0.5}, {"position": 1}]})";
+
+Settings styled(const char* changes) {
+    SettingsRig rig;
+    rig.apply(changes);
+    return rig.settings();
+}
+
+/// What a process that has just started gives a new surface.
+Settings newSurface() {
+    return settingsOf(newShaderSettings(ModuleCopy(TAVORA_MODULE, findService)));
+}
+
+TEST(DefaultSettings, AreOldOrNewWhenTheirWriterIsKilledAtAnyMoment) {
+    const TemporaryFolder folder;
+    const std::set<Settings> whole{styled(kFew), styled(kMany)};
+    setSettingsFolder(folder.path());
+    std::set<Settings> met;
+    for (int round = 0; round < 24; ++round) {
+        QProcess writer;
+        writer.setProcessChannelMode(QProcess::SeparateChannels);
+        writer.start("/proc/self/exe", {"--store-defaults", folder.path().c_str()});
+        ASSERT_TRUE(writer.waitForReadyRead()) << writer.readAllStandardError().toStdString();
+        QThread::usleep(static_cast<unsigned long>(50 * round));
+        writer.kill();
+        writer.waitForFinished();
+        const Settings found = newSurface();
+        ASSERT_TRUE(whole.contains(found)) << found.dump();
+        met.insert(found);
+    }
+    EXPECT_EQ(met.size(), 2U) << "the moments were too much alike to tell anything";
+    setSettingsFolder({});
+}
+
+}  // namespace
+
+void storeDefaultsForever(const std::string& folder) {
+    setSettingsFolder(folder);
+    SettingsRig rig;
+    for (bool many = false;; many = !many) {
+        rig.apply(many ? kMany : kFew);
+        rig.draw([&](QWidget& panel) {
+            if (many) std::cout << "storing" << std::endl;
+            click(find(panel, "Set as Default.button"));
+        });
+    }
+}
+
+}  // namespace tavora::studio::testing
