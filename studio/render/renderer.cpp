@@ -10,9 +10,9 @@
 #include "studio/render/lanes.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_pattern.h"
-#include "studio/render/sample_shader.h"
 #include "studio/render/tiles.h"
 #include "studio/render/view.h"
+#include "studio/render/view_samples.h"
 #include "studio/services/messages.h"
 #include "studio/services/scene_index.h"
 #include "studio/services/service_binding.h"
@@ -44,37 +44,47 @@ class Lane {
     explicit Lane(const Job& job)
         : job_(&job),
           shaders_(job.scene.index(), job.shading, job.module),
-          shader_(job.scene, job.lights, shaders_) {}
+          sampler_(job.scene, job.lights, shaders_, job.view, job.options.background),
+          places_(job.pattern.size() * static_cast<std::size_t>(kTileWidth)),
+          samples_(places_.size()) {}
 
     /// False when `stop` was set meanwhile; the tile is then incomplete.
     void renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture) {
         const ServiceBinding binding(job_->scene.index(), job_->lights);
         for (int y = tile.top; y < tile.bottom; ++y) {
             if (stop != nullptr && *stop) throw RenderStopped();
-            for (int x = tile.left; x < tile.right; ++x)
-                renderPixel(x, y, picture.pixel(x, y));
+            renderRow(tile.left, tile.right, y, picture);
         }
     }
 
     void addTo(RenderStats& stats) const {
         stats.primaryRays += primaryRays_;
-        stats.shadowRays += shader_.shadowRays();
-        stats.evaluations += shader_.evaluations();
+        stats.shadowRays += sampler_.shadowRays();
+        stats.evaluations += sampler_.evaluations();
     }
 
   private:
-    void renderPixel(int x, int y, float* rgba) {
-        for (const Imath::V2d& place : job_->pattern) {
-            const Ray ray = job_->view.rayThrough(x + place.x, y + place.y);
-            film_.add(see(shader_, ray, job_->options.background));
+    void renderRow(int left, int right, int y, Picture& picture) {
+        std::size_t count = 0;
+        for (int x = left; x < right; ++x) {
+            for (const Imath::V2d& place : job_->pattern)
+                places_[count++] = {x + place.x, y + place.y};
         }
-        primaryRays_ += job_->pattern.size();
-        film_.develop(rgba);
+        sampler_.look({places_.data(), count}, {samples_.data(), count});
+        primaryRays_ += count;
+        const ViewSample* sample = samples_.data();
+        for (int x = left; x < right; ++x) {
+            for (std::size_t i = 0; i < job_->pattern.size(); ++i)
+                film_.add((sample++)->sight);
+            film_.develop(picture.pixel(x, y));
+        }
     }
 
     const Job* job_;
     LaneShaders shaders_;
-    SampleShader shader_;
+    ViewSampler sampler_;
+    std::vector<Imath::V2d> places_;  ///< of a row of a tile
+    std::vector<ViewSample> samples_;
     PixelFilm film_;
     std::uint64_t primaryRays_ = 0;
 };

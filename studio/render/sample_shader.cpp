@@ -89,6 +89,10 @@ bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
     return true;
 }
 
+const SurfacePoint& SampleShader::point() const {
+    return levels_.front()->point;
+}
+
 bool SampleShader::nextHit(Level& level, const HitKey& after) {
     if (level.onPath) {
         const KeptPath::Step step = path_.next(level.place, level.hit);

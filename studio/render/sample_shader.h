@@ -47,6 +47,9 @@ class SampleShader {
     /// False when there is none.
     bool shadeNext(const Ray& ray, const HitKey& after, HitKey& hit, Appearance& appearance);
 
+    /// Where the last shadeNext() that found something did.
+    const SurfacePoint& point() const;
+
     /// The surfaces shaded since the last call, those that shaders' rays met
     /// included: what was shaded depends on the settings of no others.
     SurfaceSet takeShaded() { return std::exchange(shaded_, {}); }

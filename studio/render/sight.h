@@ -1,6 +1,7 @@
 #pragma once
 
 #include <ImathVec.h>
+#include <cstdint>
 #include <optional>
 
 #include "studio/render/ray_scene.h"
@@ -14,8 +15,19 @@ struct Sight {
     double alpha = 0;           ///< 0..1; 1 with a background
 };
 
+/// What a viewing ray meets first of all that is not wholly clear.
+struct FirstSurface {
+    static constexpr std::uint32_t kNone = 0xffffffff;
+
+    std::uint32_t mesh = kNone;  ///< in RayScene
+    float distance = 0;          ///< along the ray
+    Imath::V3f normal{0, 0, 0};  ///< interpolated, unit, on the side that is seen, in the world
+};
+
 /// All surfaces along `ray`, front to back, each over what lies behind it by its
-/// transparency, over the background.
-Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>& background);
+/// transparency, over the background. Unless null, `first` becomes what is met
+/// first, and stays as it is when nothing is.
+Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>& background,
+          FirstSurface* first = nullptr);
 
 }  // namespace tavora::studio

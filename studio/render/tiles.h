@@ -7,7 +7,9 @@
 
 namespace tavora::studio {
 
-/// Squares of 32 x 32 pixels that cover `window`, row by row; those at the right
+inline constexpr int kTileWidth = 32;  ///< and height, in pixels
+
+/// Squares of kTileWidth pixels each way that cover `window`, row by row; those at the right
 /// and bottom may be smaller.
 std::vector<PixelBox> tilesOf(const PixelBox& window);
 

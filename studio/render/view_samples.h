@@ -1,0 +1,47 @@
+#pragma once
+
+#include <ImathVec.h>
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+
+#include "studio/render/lane_shaders.h"
+#include "studio/render/ray_scene.h"
+#include "studio/render/sample_shader.h"
+#include "studio/render/sight.h"
+#include "studio/render/view.h"
+#include "studio/scene/light_levels.h"
+
+namespace tavora::studio {
+
+/// What shows at a place in the picture, and what it shows on.
+struct ViewSample {
+    Sight sight;
+    FirstSurface first;
+};
+
+/// Looks through many places of a picture at once, for one render thread. One
+/// thread at a time, with its ServiceBinding in place.
+class ViewSampler {
+  public:
+    /// All must outlive it.
+    ViewSampler(const RayScene& scene, const LightRig& lights, const LaneShaders& shaders,
+                const View& view, const std::optional<Imath::V3d>& background);
+
+    /// `samples[i]` becomes what shows at `places[i]`, in pixels from the
+    /// picture's upper left corner. Neighbours next to each other cost least.
+    /// What shows at a place does not depend on the others.
+    void look(std::span<const Imath::V2d> places, std::span<ViewSample> samples);
+
+    std::uint64_t viewingRays() const { return shader_.viewingRays(); }
+    std::uint64_t shadowRays() const { return shader_.shadowRays(); }
+    std::uint64_t evaluations() const { return shader_.evaluations(); }
+
+  private:
+    const View* view_;
+    const std::optional<Imath::V3d>* background_;
+    SampleShader shader_;
+};
+
+}  // namespace tavora::studio
