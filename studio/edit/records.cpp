@@ -14,7 +14,7 @@ HostSurfaceId surfaceId(const Surface& surface) {
 
 Records::Records(const std::string& option, const Scene& scene)
     : scene_(&scene),
-      module_(findModule(option), findService),
+      module_(findModule(option), findServiceOrWindow),
       scratch_(module_, nullptr),
       records_(scene.surfaces.size()) {}
 

@@ -1,6 +1,7 @@
 #include "studio/services/registry.h"
 
 #include <cstring>
+#include <span>
 
 #include "studio/services/service_tables.h"
 #include "studio/services/window_services.h"
@@ -12,6 +13,13 @@ struct Entry {
     const char* name;
     void* service;
 };
+
+void* findIn(std::span<const Entry> entries, const char* name) {
+    for (const Entry& entry : entries) {
+        if (name != nullptr && std::strcmp(name, entry.name) == 0) return entry.service;
+    }
+    return nullptr;
+}
 
 WindowServices windowServices;
 
@@ -33,9 +41,6 @@ void offerWindowServices(const WindowServices& services) {
 
 void* findService(const char* name, int /*useMode*/) {
     const Entry entries[] = {
-        {HOST_PANELS_SERVICE, const_cast<HostPanelServices*>(windowServices.panels)},
-        {HOST_RASTER_SERVICE, const_cast<HostRasterServices*>(windowServices.raster)},
-        {HOST_COLOR_PICKER_SERVICE, function(windowServices.colorPicker)},
         {HOST_MULTITHREADING_SERVICE, table(kMultithreading)},
         {HOST_ITEM_INFO_SERVICE, table(kItemInfo)},
         {HOST_LIGHT_INFO_SERVICE, table(kLightInfo)},
@@ -46,10 +51,17 @@ void* findService(const char* name, int /*useMode*/) {
         {HOST_SURFACE_SERVICE, table(kSurfaceFunctions)},
         {HOST_TEXTURE_SERVICE, table(kTextureFunctions)},
     };
-    for (const Entry& entry : entries) {
-        if (name != nullptr && std::strcmp(name, entry.name) == 0) return entry.service;
-    }
-    return nullptr;
+    return findIn(entries, name);
+}
+
+void* findServiceOrWindow(const char* name, int useMode) {
+    const Entry entries[] = {
+        {HOST_PANELS_SERVICE, const_cast<HostPanelServices*>(windowServices.panels)},
+        {HOST_RASTER_SERVICE, const_cast<HostRasterServices*>(windowServices.raster)},
+        {HOST_COLOR_PICKER_SERVICE, function(windowServices.colorPicker)},
+    };
+    void* const service = findIn(entries, name);
+    return service != nullptr ? service : findService(name, useMode);
 }
 
 }  // namespace tavora::studio

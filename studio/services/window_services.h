@@ -14,8 +14,7 @@ struct WindowServices {
 };
 
 /// Offers them to modules; a null entry is a service the host has not. The
-/// tables must stay valid until others are offered. Interface thread, while no
-/// other thread looks services up.
+/// tables must stay valid until others are offered. Interface thread.
 void offerWindowServices(const WindowServices& services);
 
 }  // namespace tavora::studio

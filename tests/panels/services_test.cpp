@@ -33,7 +33,7 @@ class PanelServices : public ::testing::Test {
             });
         };
         panels = std::make_unique<Panels>(nullptr, hooks);
-        host = static_cast<const HostPanelServices*>(findService(HOST_PANELS_SERVICE, 0));
+        host = static_cast<const HostPanelServices*>(findServiceOrWindow(HOST_PANELS_SERVICE, 0));
         panel = host->create("Probe", nullptr);
     }
     ~PanelServices() override { host->destroy(panel); }
@@ -198,7 +198,7 @@ TEST_F(PanelServices, HandlesThatOutliveTheirPanelDoNothing) {
     panels.reset();
     setInteger(control, 5);
     EXPECT_EQ(host->create("Late", nullptr), nullptr);
-    EXPECT_EQ(findService(HOST_PANELS_SERVICE, 0), nullptr);
+    EXPECT_EQ(findServiceOrWindow(HOST_PANELS_SERVICE, 0), nullptr);
 }
 
 TEST_F(PanelServices, APanelMayBeDestroyedInItsOwnEvent) {
@@ -301,7 +301,8 @@ TEST_F(PanelServices, TheDrawCallbackRunsAgainForAnotherPalette) {
 }
 
 TEST_F(PanelServices, ThePickerKeepsColorsThatWereNotChanged) {
-    auto* pick = reinterpret_cast<HostColorPicker*>(findService(HOST_COLOR_PICKER_SERVICE, 0));
+    auto* pick =
+        reinterpret_cast<HostColorPicker*>(findServiceOrWindow(HOST_COLOR_PICKER_SERVICE, 0));
     HostColorPick request{0, "Ink", 0.501F, 2.0F, std::nanf(""), this, nullptr};
     EXPECT_NE(pick(3, &request), 0);
     EXPECT_NE(pick(HOST_COLOR_PICKER_VERSION, nullptr), 0);

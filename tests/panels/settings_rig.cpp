@@ -36,7 +36,7 @@ LightRig rigOf(const std::vector<std::string>& names) {
 SettingsRig::SettingsRig(std::vector<std::string> lights)
     : scene_(bareScene()), lights_(rigOf(lights)), index_(scene_), binding_(index_, lights_) {
     setMessageSink([](MessageKind, const std::string&) {});
-    module_ = std::make_unique<ModuleCopy>(TAVORA_MODULE, findService);
+    module_ = std::make_unique<ModuleCopy>(TAVORA_MODULE, findServiceOrWindow);
     shader_ = std::make_unique<Shader>(*module_, index_.surfaceId(0));
     setInstanceListener([this](const char*, HostInstance) { ++updates; });
 }
