@@ -2,7 +2,7 @@
 # for the user's settings: what the developer stored as default must not matter.
 function(tavora_discover_tests target)
   gtest_discover_tests(${target} ${ARGN} PROPERTIES
-    TIMEOUT 120 ENVIRONMENT "TAVORA_DEFAULTS=${CMAKE_BINARY_DIR}/tests/no-settings")
+    TIMEOUT 300 ENVIRONMENT "TAVORA_DEFAULTS=${CMAKE_BINARY_DIR}/tests/no-settings")
 endfunction()
 
 # tavora_room_tests(ROOM FILES...): one executable with the tests of a module
