@@ -5,6 +5,7 @@
 #include <QToolBar>
 #include <QToolButton>
 
+#include "studio/window/color_menu.h"
 #include "studio/window/look_menu.h"
 
 namespace tavora::studio {
@@ -74,6 +75,8 @@ EditActions::EditActions(QMainWindow& window) {
 
     QMenu* view = window.menuBar()->addMenu(tr("&View"));
     view->addActions({resetView, frameAll, compare});
+    view->addSeparator();
+    view->addMenu(new ColorMenu(view));
 
     QToolBar* bar = window.addToolBar(tr("Tools"));
     bar->setObjectName("tools");

@@ -5,6 +5,7 @@
 #include "studio/window/application.h"
 #include "studio/window/commands.h"
 #include "studio/window/edit_window.h"
+#include "studio/window/window_memory.h"
 
 namespace tavora::studio {
 namespace {
@@ -31,7 +32,7 @@ void edit(const EditRequest& request, Report& report) {
     const auto application = startApplication(Display::Screen, 1, report);
     EditWindow window(request, report);
     if (!request.scene.empty()) window.openFirst(request.scene);
-    window.resize(kWindowSize);
+    if (!WindowMemory().restore(window)) window.resize(kWindowSize);
     window.show();
 
     const PoliteStop stop;

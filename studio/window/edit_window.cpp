@@ -11,6 +11,7 @@
 #include <QVBoxLayout>
 
 #include "studio/window/look_menu.h"
+#include "studio/window/window_memory.h"
 
 namespace tavora::studio {
 namespace {
@@ -53,6 +54,7 @@ EditWindow::EditWindow(const EditRequest& request, Report& report)
       messages_(*this),
       panel_(*this, gestures_) {
     auto* splitter = new QSplitter(this);
+    splitter->setObjectName("picture-side");
     splitter->addWidget(&view_);
     splitter->addWidget(makeSide());
     splitter->setStretchFactor(0, 1);
@@ -74,6 +76,7 @@ EditWindow::~EditWindow() {
 
 QWidget* EditWindow::makeSide() {
     auto* side = new QSplitter(Qt::Vertical);
+    side->setObjectName("surfaces-lights");
     auto* top = new QWidget;
     auto* layout = new QVBoxLayout(top);
     layout->setContentsMargins(0, 0, 0, 0);
@@ -279,6 +282,7 @@ void EditWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         panel_.finish([this] { close(); });
     } else if (files_.mayClose()) {
+        WindowMemory().keep(*this);
         event->accept();
     } else {
         event->ignore();

@@ -1,0 +1,22 @@
+#pragma once
+
+#include <QMenu>
+
+#include "studio/window/window_memory.h"
+
+namespace tavora::studio {
+
+/// Chooses the colours of the program's windows: the desktop's, light or dark.
+/// Wears what was last chosen when made, and keeps what is chosen. GUI thread.
+class ColorMenu : public QMenu {
+    Q_OBJECT
+  public:
+    explicit ColorMenu(QWidget* parent);
+
+  private:
+    void add(const QString& text, const QString& colors);
+
+    WindowMemory memory_;
+};
+
+}  // namespace tavora::studio
