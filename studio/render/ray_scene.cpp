@@ -1,13 +1,15 @@
 #include "studio/render/ray_scene.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <stdexcept>
 
+#include "studio/render/ray_context.h"
+
 namespace tavora::studio {
 namespace {
-
-constexpr float kNever = std::numeric_limits<float>::infinity();
 
 /// Transparencies multiply as sums of logarithms in 32 binary places, because
 /// integers add up to the same in any order and the order of hits is no one's
@@ -16,117 +18,122 @@ constexpr double kLogUnit = 4294967296.0;
 /// Less light than this (2^-14) counts as none.
 constexpr std::int64_t kDarkest = 14 * static_cast<std::int64_t>(kLogUnit);
 
-/// What filters need to know of the ray; Embree hands it through.
-struct RayContext {
-    RTCIntersectContext embree;  // comes first: Embree's pointer stands for the whole
-    const RayScene* scene;
-    const Ray* ray;
-    HitKey after;            ///< of viewing rays: hits up to this one are passed
-    HitKey best;             ///< of viewing rays: the hit kept so far
-    std::int64_t darkening;  ///< of shadow rays: -log2 of the light left
+/// A hit that a filter is to judge.
+struct HitAtFilter {
+    const RayScene& scene;
+    RayProgress& progress;
+    const MeshGeometry& geometry;
+    RTCRay ray;  ///< ends at the hit
+    RTCHit hit;
+
+    double distance() const { return static_cast<double>(ray.tfar); }
+    Cover cover() const { return scene.traits(geometry.source->surfaceIndex).cover; }
 };
 
-RayContext contextFor(const RayScene& scene, const Ray& ray, RTCIntersectContextFlags flags) {
-    RayContext context{};
-    rtcInitIntersectContext(&context.embree);
-    context.embree.flags = flags;
-    context.scene = &scene;
-    context.ray = &ray;
-    return context;
+/// Where a hit lies in its triangle.
+struct Spot {
+    std::array<Imath::V3d, 3> corners;
+    double weights[3];  ///< barycentric
+};
+
+/// In double precision from the ray as it was traced: what Embree says differs
+/// in the last places by how many rays it traces side by side. By Moller and
+/// Trumbore, "Fast, Minimum Storage Ray/Triangle Intersection" (1997).
+Spot spotOf(const HitAtFilter& at) {
+    Spot spot;
+    const auto& vertices = at.geometry.source->mesh->triangles[at.hit.primID];
+    for (std::size_t i = 0; i < 3; ++i)
+        spot.corners[i] = Imath::V3d(at.geometry.vertices[vertices[i]]);
+    const Imath::V3d origin(Imath::V3f(at.ray.org_x, at.ray.org_y, at.ray.org_z));
+    const Imath::V3d direction(Imath::V3f(at.ray.dir_x, at.ray.dir_y, at.ray.dir_z));
+    const Imath::V3d edge1 = spot.corners[1] - spot.corners[0];
+    const Imath::V3d edge2 = spot.corners[2] - spot.corners[0];
+    const Imath::V3d toOrigin = origin - spot.corners[0];
+    const Imath::V3d p = direction.cross(edge2);
+    const double scale = edge1.dot(p);
+    spot.weights[1] = scale != 0 ? toOrigin.dot(p) / scale : 0;
+    spot.weights[2] = scale != 0 ? direction.dot(toOrigin.cross(edge1)) / scale : 0;
+    spot.weights[0] = 1 - spot.weights[1] - spot.weights[2];
+    return spot;
 }
 
-double alphaOfHit(const RayContext& context, const MeshGeometry& geometry, const RTCHit& hit,
-                  double distance) {
-    const SceneMesh& source = *geometry.source;
-    const auto& corners = source.mesh->triangles[hit.primID];
-    const auto u = static_cast<double>(hit.u);
-    const auto v = static_cast<double>(hit.v);
+double alphaOfHit(const HitAtFilter& at, const Spot& spot) {
+    const SceneMesh& source = *at.geometry.source;
     TexturePlace place;
     place.mesh = source.mesh;
-    place.triangle = hit.primID;
-    place.weights[0] = 1 - u - v;
-    place.weights[1] = u;
-    place.weights[2] = v;
-    place.spotSize = context.ray->spotAt(distance);
-    place.worldArea = triangleArea(Imath::V3d(geometry.vertices[corners[0]]),
-                                   Imath::V3d(geometry.vertices[corners[1]]),
-                                   Imath::V3d(geometry.vertices[corners[2]]));
-    return alphaAt(context.scene->index(), *source.surface, place);
+    place.triangle = at.hit.primID;
+    std::copy_n(spot.weights, 3, place.weights);
+    place.spotSize = at.progress.ray->spotAt(at.distance());
+    place.worldArea = triangleArea(spot.corners[0], spot.corners[1], spot.corners[2]);
+    return alphaAt(at.scene.index(), *source.surface, place);
 }
 
-bool isCutOut(const RayContext& context, const MeshGeometry& geometry, const RTCHit& hit,
-              float distance) {
-    const double alpha = alphaOfHit(context, geometry, hit, static_cast<double>(distance));
-    return alpha < static_cast<double>(geometry.source->surface->alphaCutoff);
+bool isCutOut(const HitAtFilter& at) {
+    return alphaOfHit(at, spotOf(at)) <
+           static_cast<double>(at.geometry.source->surface->alphaCutoff);
 }
 
 /// Rays through the edge between two triangles meet both, though they pass the
 /// surface once.
-bool isOnEdge(const RTCHit& hit) {
-    constexpr float kEdge = 1e-6F;
-    return hit.u <= kEdge || hit.v <= kEdge || 1.0F - hit.u - hit.v <= kEdge;
+bool isOnEdge(const Spot& spot) {
+    constexpr double kEdge = 1e-6;
+    return std::min({spot.weights[0], spot.weights[1], spot.weights[2]}) <= kEdge;
 }
 
 /// Whether a hit is the same passage as one before, met by the other triangle.
-bool isSamePassage(const HitKey& before, const HitKey& key, const RTCHit& hit) {
+bool isSamePassage(const HitKey& before, const HitKey& key, const HitAtFilter& at) {
     constexpr float kRounding = 1e-6F;
-    return key.mesh == before.mesh && isOnEdge(hit) &&
-           key.distance - before.distance <= kRounding * key.distance;
+    return key.mesh == before.mesh && key.distance - before.distance <= kRounding * key.distance &&
+           isOnEdge(spotOf(at));
 }
 
-bool isUnseenBack(const MeshGeometry& geometry, const RTCRay& ray, const RTCHit& hit) {
-    if (geometry.source->surface->doubleSided) return false;
-    const float along = ray.dir_x * hit.Ng_x + ray.dir_y * hit.Ng_y + ray.dir_z * hit.Ng_z;
-    return static_cast<double>(along) * geometry.facing > 0;
+bool isUnseenBack(const HitAtFilter& at) {
+    if (at.geometry.source->surface->doubleSided) return false;
+    const float along =
+        at.ray.dir_x * at.hit.Ng_x + at.ray.dir_y * at.hit.Ng_y + at.ray.dir_z * at.hit.Ng_z;
+    return static_cast<double>(along) * at.geometry.facing > 0;
 }
 
-bool isSeen(RayContext& context, const MeshGeometry& geometry, const RTCRay& ray,
-            const RTCHit& hit) {
-    const HitKey key{ray.tfar, hit.geomID, hit.primID};
-    if (key <= context.after || key > context.best || isSamePassage(context.after, key, hit) ||
-        isUnseenBack(geometry, ray, hit)) {
+bool isSeen(const HitAtFilter& at) {
+    RayProgress& progress = at.progress;
+    const HitKey key{at.ray.tfar, at.hit.geomID, at.hit.primID};
+    if (key <= progress.after || key > progress.best || isSamePassage(progress.after, key, at) ||
+        isUnseenBack(at)) {
         return false;
     }
-    const Cover cover = context.scene->traits(geometry.source->surfaceIndex).cover;
-    if (cover == Cover::CutOut && isCutOut(context, geometry, hit, ray.tfar)) return false;
-    context.best = key;
+    if (at.cover() == Cover::CutOut && isCutOut(at)) return false;
+    progress.best = key;
     return true;
 }
 
-bool stopsLight(RayContext& context, const MeshGeometry& geometry, const RTCRay& ray,
-                const RTCHit& hit) {
-    const Cover cover = context.scene->traits(geometry.source->surfaceIndex).cover;
-    if (cover == Cover::CutOut) return !isCutOut(context, geometry, hit, ray.tfar);
-    const double alpha = alphaOfHit(context, geometry, hit, static_cast<double>(ray.tfar));
+bool stopsLight(const HitAtFilter& at) {
+    if (at.cover() == Cover::CutOut) return !isCutOut(at);
+    if (at.progress.leavesClear) {
+        at.progress.metClear = true;
+        return false;
+    }
+    const Spot spot = spotOf(at);
+    const double alpha = alphaOfHit(at, spot);
     if (alpha >= 1) return true;
     // Each of the two triangles at an edge takes half.
-    const double share = isOnEdge(hit) ? 0.5 : 1.0;
-    context.darkening += std::llround(-std::log2(1 - alpha) * share * kLogUnit);
-    return context.darkening > kDarkest;
+    const double share = isOnEdge(spot) ? 0.5 : 1.0;
+    at.progress.darkening += std::llround(-std::log2(1 - alpha) * share * kLogUnit);
+    return at.progress.darkening > kDarkest;
 }
 
-template <bool (*keep)(RayContext&, const MeshGeometry&, const RTCRay&, const RTCHit&)>
+/// Embree hands over one hit each of one ray or of several side by side.
+template <bool (*keep)(const HitAtFilter&)>
 void filter(const RTCFilterFunctionNArguments* arguments) {
-    // Rays are traced one by one.
-    auto& context = *reinterpret_cast<RayContext*>(arguments->context);
+    const auto& context = *reinterpret_cast<const RayContext*>(arguments->context);
     const auto& geometry = *static_cast<const MeshGeometry*>(arguments->geometryUserPtr);
-    const auto& ray = *reinterpret_cast<const RTCRay*>(arguments->ray);
-    const auto& hit = *reinterpret_cast<const RTCHit*>(arguments->hit);
-    if (!keep(context, geometry, ray, hit)) arguments->valid[0] = 0;
-}
-
-RTCRay embreeRay(const Ray& ray) {
-    RTCRay result{};
-    result.org_x = static_cast<float>(ray.origin.x);
-    result.org_y = static_cast<float>(ray.origin.y);
-    result.org_z = static_cast<float>(ray.origin.z);
-    result.dir_x = static_cast<float>(ray.direction.x);
-    result.dir_y = static_cast<float>(ray.direction.y);
-    result.dir_z = static_cast<float>(ray.direction.z);
-    result.tnear = static_cast<float>(ray.nearest);
-    result.tfar = static_cast<float>(ray.farthest);
-    result.mask = ~0U;
-    return result;
+    for (unsigned i = 0; i < arguments->N; ++i) {
+        if (arguments->valid[i] == 0) continue;
+        const RTCRay ray = rtcGetRayFromRayN(arguments->ray, arguments->N, i);
+        const RTCHit hit = rtcGetHitFromHitN(arguments->hit, arguments->N, i);
+        if (!keep({*context.scene, context.rays[ray.id], geometry, ray, hit})) {
+            arguments->valid[i] = 0;
+        }
+    }
 }
 
 }  // namespace
@@ -179,11 +186,10 @@ void RayScene::attach(MeshGeometry& geometry) {
 }
 
 bool RayScene::nextHit(const Ray& ray, const HitKey& after, HitKey& hit) const {
-    RayContext context = contextFor(*this, ray, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
-    context.after = after;
-    context.best.distance = kNever;
+    RayProgress progress{&ray, after};
+    RayContext context = rayContext(*this, &progress, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     RTCRayHit query{};
-    query.ray = embreeRay(ray);
+    query.ray = embreeRay(ray, 0);
     // The filter passes what is not after `after`; the start only saves work.
     if (after.distance > query.ray.tnear) query.ray.tnear = std::nextafter(after.distance, 0.0F);
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
@@ -194,12 +200,13 @@ bool RayScene::nextHit(const Ray& ray, const HitKey& after, HitKey& hit) const {
 }
 
 double RayScene::transmittance(const Ray& ray) const {
-    RayContext context = contextFor(*this, ray, RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT);
-    RTCRay query = embreeRay(ray);
+    RayProgress progress{&ray, {}};
+    RayContext context = rayContext(*this, &progress, RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT);
+    RTCRay query = embreeRay(ray, 0);
     rtcOccluded1(scene_.get(), &context.embree, &query);
-    if (query.tfar < 0) return 0;
-    if (context.darkening == 0) return 1;
-    return std::exp2(-static_cast<double>(context.darkening) / kLogUnit);
+    if (isStopped(query)) return 0;
+    if (progress.darkening == 0) return 1;
+    return std::exp2(-static_cast<double>(progress.darkening) / kLogUnit);
 }
 
 }  // namespace tavora::studio

@@ -57,6 +57,7 @@ class RayScene {
         return traits_[static_cast<std::size_t>(surface)];
     }
     std::uint64_t triangles() const { return triangles_; }
+    RTCScene embree() const { return scene_.get(); }
 
     /// The first hit of a viewing ray after `after` (a default key: from its
     /// start). False when there is none.
