@@ -1,12 +1,14 @@
 #include "studio/window/edit_window.h"
 
 #include <QDropEvent>
+#include <QMenu>
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
 #include <QTest>
 #include <fstream>
 
+#include "studio/window/window_memory.h"
 #include "tests/panels/settings_rig.h"
 #include "tests/window/window_rig.h"
 
@@ -152,6 +154,22 @@ TEST_F(EditWindowTest, TheSavedPictureShowsWhileAKeyIsHeld) {
     EXPECT_EQ(picture(), saved);
     QTest::keyRelease(&view(), Qt::Key_C);
     EXPECT_EQ(picture(), edited);
+}
+
+TEST_F(EditWindowTest, ComesBackWhereItWasInTheColoursChosen) {
+    const auto colors = [this] { return window().findChild<QMenu*>("colors")->actions(); };
+    start();
+    colors().last()->trigger();
+    EXPECT_LT(QApplication::palette().window().color().lightness(), 100) << "not dark";
+    window().resize(700, 420);
+    window().close();
+    QApplication::setPalette({});
+    start();
+    EXPECT_TRUE(colors().last()->isChecked());
+    EXPECT_LT(QApplication::palette().window().color().lightness(), 100) << "forgotten";
+    EXPECT_TRUE(WindowMemory().restore(window()));
+    EXPECT_EQ(window().size(), QSize(700, 420));
+    colors().first()->trigger();
 }
 
 TEST_F(EditWindowTest, CopiesAndWearsLooksOnWhatIsSelected) {
