@@ -157,15 +157,15 @@ std::optional<std::size_t> Document::surfaceOf(HostInstance instance) const {
     return parts_->records.surfaceOf(instance);
 }
 
-void Document::show(const std::vector<SurfaceChange>& changes, bool after, bool inRecords) {
-    for (const SurfaceChange& change : changes) {
+void Document::show(const std::vector<SettingsChange>& changes, bool after, bool inRecords) {
+    for (const SettingsChange& change : changes) {
         const SurfaceSettings& settings = after ? change.after : change.before;
         parts_->current[change.surface] = settings;
         // An open panel keeps its selected zone while nothing it shows changes.
         const bool same = sameBlock(change.before.block, change.after.block);
         if (inRecords && !same) parts_->records.show(change.surface, settings);
     }
-    for (const SurfaceChange& change : changes) {
+    for (const SettingsChange& change : changes) {
         if (settingsChanged) settingsChanged(change.surface);
     }
     if (stateChanged) stateChanged();
@@ -173,7 +173,7 @@ void Document::show(const std::vector<SurfaceChange>& changes, bool after, bool 
 
 void Document::take(Step step, bool inRecords) {
     std::erase_if(step.changes,
-                  [](const SurfaceChange& change) { return change.before == change.after; });
+                  [](const SettingsChange& change) { return change.before == change.after; });
     if (step.changes.empty()) return;
     parts_->steps.add(step);
     show(step.changes, true, inRecords);

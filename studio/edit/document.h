@@ -123,7 +123,7 @@ class Document {
   private:
     struct Parts;
     void take(Step step, bool inRecords = true);
-    void show(const std::vector<SurfaceChange>& changes, bool after, bool inRecords = true);
+    void show(const std::vector<SettingsChange>& changes, bool after, bool inRecords = true);
     void finishSave(const SavePlan& plan);
 
     std::unique_ptr<Parts> parts_;

@@ -16,7 +16,7 @@ std::size_t bytesOf(const SurfaceSettings& settings) {
 
 std::size_t bytesOf(const Step& step) {
     std::size_t bytes = sizeof(Step) + step.what.size();
-    for (const SurfaceChange& change : step.changes) {
+    for (const SettingsChange& change : step.changes) {
         bytes += sizeof change + bytesOf(change.before) + bytesOf(change.after);
     }
     return bytes;
@@ -33,7 +33,7 @@ bool StepList::joins(const Step& step) const {
 
 void StepList::join(Step step) {
     Entry& last = steps_.back();
-    SurfaceChange& change = last.changes.front();
+    SettingsChange& change = last.changes.front();
     change.after = std::move(step.changes.front().after);
     bytes_ -= std::exchange(last.bytes, bytesOf(last));
     bytes_ += last.bytes;
@@ -46,7 +46,7 @@ void StepList::join(Step step) {
 
 void StepList::add(Step step) {
     std::erase_if(step.changes,
-                  [](const SurfaceChange& change) { return change.before == change.after; });
+                  [](const SettingsChange& change) { return change.before == change.after; });
     if (step.changes.empty()) return;
     while (canRedo()) {
         bytes_ -= steps_.back().bytes;

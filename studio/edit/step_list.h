@@ -14,7 +14,7 @@ namespace tavora::studio {
 /// undone together. 0 is never joined with anything.
 using Gesture = std::uint64_t;
 
-struct SurfaceChange {
+struct SettingsChange {
     std::size_t surface = 0;
     SurfaceSettings before;
     SurfaceSettings after;
@@ -23,7 +23,7 @@ struct SurfaceChange {
 /// What is undone and done again together.
 struct Step {
     std::string what;  ///< for menus
-    std::vector<SurfaceChange> changes;
+    std::vector<SettingsChange> changes;
     Gesture gesture = 0;
 };
 
