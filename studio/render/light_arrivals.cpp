@@ -15,6 +15,7 @@ LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
 
 void LightArrivals::start(const SurfacePoint& point, KeptPath* path, KeptPath::Place place) {
     point_ = &point;
+    known_ = {};
     path_ = path;
     place_ = place;
     ++sample_;
@@ -69,7 +70,8 @@ void LightArrivals::settle(std::size_t light) {
     if (slot.settledAt == sample_) return;
     slot.settledAt = sample_;
     const KeptShare known = kept(light);
-    const double share = known == KeptShare::All ? 1 : traceShare(slot);
+    double share = known == KeptShare::All ? 1 : knownShare(light);
+    if (share < 0) share = traceShare(slot);
     if (known == KeptShare::Unknown && path_ != nullptr) path_->keepShare(place_, light, share);
     slot.arrival.lit = share > 0;
     slot.arrival.color *= share;
@@ -82,11 +84,20 @@ KeptShare LightArrivals::kept(std::size_t light) const {
 /// Share of the light that passes to the sample; 0 where it is dark or behind.
 double LightArrivals::traceShare(const Slot& slot) {
     if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return 0;
+    return passing(startOfShadows(), point_->position, slot, 0, point_->spotSize);
+}
+
+const Imath::V3d& LightArrivals::startOfShadows() {
     if (startFoundAt_ != sample_) {
         start_ = shadowStart(*point_);
         startFoundAt_ = sample_;
     }
-    return passing(start_, point_->position, slot, 0, point_->spotSize);
+    return start_;
+}
+
+bool LightArrivals::wantsRay(std::size_t light, Ray& ray) {
+    return cosine(light) > 0 &&
+           rayToLight(startOfShadows(), point_->position, slots_[light], 0, point_->spotSize, ray);
 }
 
 bool LightArrivals::isBehind(const Imath::V3d& direction) const {
@@ -97,19 +108,28 @@ bool LightArrivals::isBehind(const Imath::V3d& direction) const {
 double LightArrivals::passing(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot,
                               double nearest, double spot) {
     Ray ray;
+    if (!rayToLight(start, lit, slot, nearest, spot, ray)) return 1;
+    ++shadowRays_;
+    return scene_->transmittance(ray);
+}
+
+/// From `start` to where the light that reaches `lit` is; false where it is too near.
+bool LightArrivals::rayToLight(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot,
+                               double nearest, double spot, Ray& ray) {
     ray.origin = start;
     ray.direction = -slot.arrival.direction;
     ray.nearest = nearest;
+    ray.farthest = std::numeric_limits<double>::infinity();
     ray.spot = spot;
+    ray.spread = 0;
     if (std::isfinite(slot.distance)) {
         const Imath::V3d toLight = lit - slot.arrival.direction * slot.distance - start;
         const double length = toLight.length();
-        if (!(length > nearest)) return 1;
+        if (!(length > nearest)) return false;
         ray.direction = toLight / length;
         ray.farthest = length * kAlmost;
     }
-    ++shadowRays_;
-    return scene_->transmittance(ray);
+    return true;
 }
 
 }  // namespace tavora::studio

@@ -3,6 +3,7 @@
 #include <ImathVec.h>
 #include <cstddef>
 #include <cstdint>
+#include <span>
 #include <vector>
 
 #include "studio/render/kept_paths.h"
@@ -34,8 +35,16 @@ class LightArrivals {
     void start(const SurfacePoint& point, KeptPath* path = nullptr,
                KeptPath::Place place = KeptPath::kStart);
 
+    /// After start(): shares of the lights that are known, by light; negative
+    /// where not. They must outlive the sample.
+    void know(std::span<const double> shares) { known_ = shares; }
+
     /// Works out all lights that the interpolated normal faces.
     void prepare();
+
+    /// The ray whose RayScene::transmittance() is all that prepare() has to
+    /// trace for the light; false when it has nothing to.
+    bool wantsRay(std::size_t light, Ray& ray);
 
     /// How far the interpolated normal faces the light: 1 straight, 0 and below
     /// not, or where the light is dark anyway. Traces nothing.
@@ -61,7 +70,13 @@ class LightArrivals {
     void settle(std::size_t light);
     KeptShare kept(std::size_t light) const;
     double traceShare(const Slot& slot);
+    const Imath::V3d& startOfShadows();
+    double knownShare(std::size_t light) const {
+        return light < known_.size() ? known_[light] : -1;
+    }
     bool isBehind(const Imath::V3d& direction) const;
+    static bool rayToLight(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot,
+                           double nearest, double spot, Ray& ray);
     double passing(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot, double nearest,
                    double spot);
 
@@ -69,6 +84,7 @@ class LightArrivals {
     const LightRig* lights_;
     std::vector<Slot> slots_;
     const SurfacePoint* point_ = nullptr;
+    std::span<const double> known_;
     KeptPath* path_ = nullptr;
     KeptPath::Place place_ = KeptPath::kStart;
     Imath::V3d start_;

@@ -45,15 +45,22 @@ struct SampleShader::Level {
     Level(const RayScene& scene, const LightRig& rig) : lights(scene, rig) {}
 
     Ray ray;
-    HitKey hit;
-    bool onPath = false;                       ///< `ray` is the camera's
-    KeptPath::Place place = KeptPath::kStart;  ///< of `hit`, if so
-    SurfacePoint point;
+    bool onPath = false;                       ///< `ray` is the camera's, and is kept
+    KeptPath::Place place = KeptPath::kStart;  ///< of its hit, if so
+    MetSurface found;
+    const MetSurface* met = &found;  ///< what is shaded
     LightArrivals lights;
     HostSample record{};  ///< of camera samples; traced ones belong to their caller
     bool mayTrace = false;
     Traced traced;
 };
+
+bool meet(const RayScene& scene, const Ray& ray, MetSurface& met) {
+    met.point = surfacePoint(scene, ray, met.hit);
+    const int surface = met.point.geometry->source->surfaceIndex;
+    met.own = ownColor(scene.index(), scene.traits(surface), met.point.texturePlace());
+    return met.own.alpha > 0;
+}
 
 SampleShader::SampleShader(const RayScene& scene, const LightRig& lights,
                            const LaneShaders& shaders)
@@ -82,55 +89,70 @@ bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
     working = this;
     Level& level = *levels_.front();
     level.ray = ray;
-    OwnColor own;
-    if (!findVisible(level, after, own)) return false;
-    hit = level.hit;
-    appearance = shade(level, {ray.origin, ray.direction}, own, level.record);
+    if (!findVisible(level, after)) return false;
+    hit = level.found.hit;
+    appearance = shade(level, {ray.origin, ray.direction}, {}, level.record);
     return true;
 }
 
+Appearance SampleShader::shadeMet(const Ray& ray, const MetSurface& met,
+                                  std::span<const double> shares) {
+    working = this;
+    Level& level = *levels_.front();
+    level.ray = ray;
+    level.met = &met;
+    return shade(level, {ray.origin, ray.direction}, shares, level.record);
+}
+
+bool SampleShader::takesLight(const MetSurface& met) const {
+    const int surface = met.point.geometry->source->surfaceIndex;
+    return shaders_->of(surface).shader != nullptr || met.own.diffuse != 0;
+}
+
 const SurfacePoint& SampleShader::point() const {
-    return levels_.front()->point;
+    return levels_.front()->met->point;
 }
 
 bool SampleShader::nextHit(Level& level, const HitKey& after) {
+    HitKey& hit = level.found.hit;
     if (level.onPath) {
-        const KeptPath::Step step = path_.next(level.place, level.hit);
+        const KeptPath::Step step = path_.next(level.place, hit);
         if (step != KeptPath::Step::Unknown) return step == KeptPath::Step::Hit;
     }
     ++viewingRays_;
-    const bool hits = scene_->nextHit(level.ray, after, level.hit);
-    if (level.onPath) path_.keep(level.place, hits ? &level.hit : nullptr);
+    const bool hits = scene_->nextHit(level.ray, after, hit);
+    if (level.onPath) path_.keep(level.place, hits ? &hit : nullptr);
     return hits;
 }
 
-bool SampleShader::findVisible(Level& level, HitKey after, OwnColor& own) {
+/// Finds the next surface after `after` that is not wholly clear.
+bool SampleShader::findVisible(Level& level, HitKey after) {
+    level.met = &level.found;
     while (nextHit(level, after)) {
-        level.point = surfacePoint(*scene_, level.ray, level.hit);
-        const int surface = level.point.geometry->source->surfaceIndex;
-        own = ownColor(scene_->index(), scene_->traits(surface), level.point.texturePlace());
-        if (own.alpha > 0) return true;
-        after = level.hit;
+        if (meet(*scene_, level.ray, level.found)) return true;
+        after = level.found.hit;
     }
     return false;
 }
 
-Appearance SampleShader::shade(Level& level, const Viewpoint& from, const OwnColor& own,
+Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<const double> shares,
                                HostSample& record) {
-    const int surface = level.point.geometry->source->surfaceIndex;
+    const SurfacePoint& point = level.met->point;
+    const int surface = point.geometry->source->surfaceIndex;
     shaded_.add(static_cast<std::size_t>(surface));
     const SurfaceTraits& traits = scene_->traits(surface);
     const ActiveShader active = shaders_->of(surface);
     const double specular = active.shader != nullptr ? traits.specular : 0;
-    level.lights.start(level.point, level.onPath ? &path_ : nullptr, level.place);
-    fillRecord(*scene_, level.point, from, own, specular, record);
+    level.lights.start(point, level.onPath ? &path_ : nullptr, level.place);
+    level.lights.know(shares);
+    fillRecord(*scene_, point, from, level.met->own, specular, record);
     record.illuminate = illuminate;
     record.traceAndShade = traceAndShade;
     if (active.shader != nullptr) evaluate(level, active, record);
 
     const SampleValues values = valuesOf(record);
     const Imath::V3d shown =
-        shownColor(values, traits.exponent, level.point, -from.direction, *lights_, level.lights);
+        shownColor(values, traits.exponent, point, -from.direction, *lights_, level.lights);
     const bool sound = std::isfinite(shown.x + shown.y + shown.z);
     return {sound ? shown : Imath::V3d(0), values.transparency};
 }
@@ -151,7 +173,7 @@ int SampleShader::illuminate(HostItemId light, const double position[3], double 
     const std::ptrdiff_t index = lightIndex(*working->lights_, light);
     if (index < 0) return 0;
     const auto number = static_cast<std::size_t>(index);
-    const bool here = vector(position) == level.point.position;
+    const bool here = vector(position) == level.met->point.position;
     const LightArrival arrival =
         here ? level.lights.at(number) : level.lights.elsewhere(number, vector(position));
     if (!arrival.lit) return 0;
@@ -188,26 +210,25 @@ double SampleShader::trace(const Viewpoint& from, HostSample& hit) {
 double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSample& hit) {
     Level& level = *levels_[depth_];
     HitKey after;
-    if (from.position == outer.point.position &&
+    if (from.position == outer.met->point.position &&
         isSameDirection(from.direction, outer.ray.direction)) {
         // The viewing ray goes on: what it passed is known exactly.
         level.ray = outer.ray;
         level.onPath = outer.onPath;
         level.place = outer.place;
-        after = outer.hit;
+        after = outer.met->hit;
     } else {
         level.ray = Ray{};
         level.onPath = false;
         level.ray.origin = from.position;
         level.ray.direction = from.direction;
         level.ray.nearest = 4 * roundingMargin(magnitudeOf(from.position));
-        level.ray.spot = outer.point.spotSize;
+        level.ray.spot = outer.met->point.spotSize;
         level.ray.spread = outer.ray.spread;
     }
-    OwnColor own;
-    if (!findVisible(level, after, own)) return -1;
-    fill(shade(level, from, own, hit).color, hit.color);
-    return (level.point.position - from.position).length();
+    if (!findVisible(level, after)) return -1;
+    fill(shade(level, from, {}, hit).color, hit.color);
+    return (level.met->point.position - from.position).length();
 }
 
 }  // namespace tavora::studio

@@ -3,6 +3,7 @@
 #include <ImathVec.h>
 #include <cstdint>
 #include <memory>
+#include <span>
 #include <utility>
 #include <vector>
 
@@ -11,6 +12,7 @@
 #include "studio/render/lane_shaders.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_record.h"
+#include "studio/render/surface_point.h"
 #include "studio/render/surface_set.h"
 #include "studio/render/surface_traits.h"
 #include "studio/scene/light_levels.h"
@@ -22,6 +24,17 @@ struct Appearance {
     Imath::V3d color{0, 0, 0};
     double transparency = 0;  ///< 0..1
 };
+
+/// A surface that a viewing ray meets, before it is shaded.
+struct MetSurface {
+    HitKey hit;
+    SurfacePoint point;
+    OwnColor own;
+};
+
+/// Fills the rest of `met` where `ray` hits `met.hit`. False when the surface is
+/// wholly clear there.
+bool meet(const RayScene& scene, const Ray& ray, MetSurface& met);
 
 /// Rays that shaders trace may meet surfaces whose shaders trace again, so deep.
 inline constexpr std::size_t kDeepestTrace = 8;
@@ -47,7 +60,14 @@ class SampleShader {
     /// False when there is none.
     bool shadeNext(const Ray& ray, const HitKey& after, HitKey& hit, Appearance& appearance);
 
-    /// Where the last shadeNext() that found something did.
+    /// Shades what shadeNext() along `ray` would, found before; `shares` are the
+    /// shares of the lights there that are known, by light, negative where not.
+    Appearance shadeMet(const Ray& ray, const MetSurface& met, std::span<const double> shares);
+
+    /// Whether shading it takes all lights that its interpolated normal faces.
+    bool takesLight(const MetSurface& met) const;
+
+    /// Where the last shadeNext() that found something did, or shadeMet().
     const SurfacePoint& point() const;
 
     /// The surfaces shaded since the last call, those that shaders' rays met
@@ -62,8 +82,9 @@ class SampleShader {
     struct Level;
 
     bool nextHit(Level& level, const HitKey& after);
-    bool findVisible(Level& level, HitKey after, OwnColor& own);
-    Appearance shade(Level& level, const Viewpoint& from, const OwnColor& own, HostSample& record);
+    bool findVisible(Level& level, HitKey after);
+    Appearance shade(Level& level, const Viewpoint& from, std::span<const double> shares,
+                     HostSample& record);
     void evaluate(Level& level, const ActiveShader& active, HostSample& record);
 
     /// The callbacks of records reach the shader that works on their thread.

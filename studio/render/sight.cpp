@@ -6,32 +6,63 @@ namespace {
 /// What shows less than this is not looked for.
 constexpr double kInvisible = 1e-4;
 
+/// Surfaces over each other, front to back.
+class Layers {
+  public:
+    void add(const Appearance& surface) {
+        sight_.color += surface.color * (through_ * (1 - surface.transparency));
+        through_ *= surface.transparency;
+        if (through_ < kInvisible) through_ = 0;
+    }
+    bool hide() const { return through_ == 0; }
+
+    Sight over(const std::optional<Imath::V3d>& background) {
+        if (background) {
+            sight_.color += *background * through_;
+            through_ = 0;
+        }
+        sight_.alpha = 1 - through_;
+        return sight_;
+    }
+
+  private:
+    Sight sight_;
+    double through_ = 1;
+};
+
+FirstSurface firstSurface(const HitKey& hit, const SurfacePoint& point) {
+    return {hit.mesh, hit.distance, Imath::V3f(point.normal)};
+}
+
 }  // namespace
+
+Sight seeNothing(const std::optional<Imath::V3d>& background) {
+    return Layers().over(background);
+}
 
 Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>& background,
           FirstSurface* first) {
-    Sight sight;
-    double through = 1;
+    Layers layers;
     HitKey hit;
     Appearance surface;
-    while (shader.shadeNext(ray, hit, hit, surface)) {
-        if (first != nullptr) {
-            *first = {hit.mesh, hit.distance, Imath::V3f(shader.point().normal)};
-            first = nullptr;
-        }
-        sight.color += surface.color * (through * (1 - surface.transparency));
-        through *= surface.transparency;
-        if (through < kInvisible) {
-            through = 0;
-            break;
-        }
+    while (!layers.hide() && shader.shadeNext(ray, hit, hit, surface)) {
+        if (first != nullptr) *first = firstSurface(hit, shader.point());
+        first = nullptr;
+        layers.add(surface);
     }
-    if (background) {
-        sight.color += *background * through;
-        through = 0;
-    }
-    sight.alpha = 1 - through;
-    return sight;
+    return layers.over(background);
+}
+
+Sight seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
+              std::span<const double> shares, const std::optional<Imath::V3d>& background,
+              FirstSurface& first) {
+    Layers layers;
+    HitKey hit = met.hit;
+    first = firstSurface(hit, met.point);
+    layers.add(shader.shadeMet(ray, met, shares));
+    for (Appearance surface; !layers.hide() && shader.shadeNext(ray, hit, hit, surface);)
+        layers.add(surface);
+    return layers.over(background);
 }
 
 }  // namespace tavora::studio

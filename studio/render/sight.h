@@ -3,6 +3,7 @@
 #include <ImathVec.h>
 #include <cstdint>
 #include <optional>
+#include <span>
 
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_shader.h"
@@ -24,10 +25,19 @@ struct FirstSurface {
     Imath::V3f normal{0, 0, 0};  ///< interpolated, unit, on the side that is seen, in the world
 };
 
+/// What a ray sees that meets nothing.
+Sight seeNothing(const std::optional<Imath::V3d>& background);
+
 /// All surfaces along `ray`, front to back, each over what lies behind it by its
 /// transparency, over the background. Unless null, `first` becomes what is met
 /// first, and stays as it is when nothing is.
 Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>& background,
           FirstSurface* first = nullptr);
+
+/// see() where the first surface is known, which `first` becomes; `shares` as
+/// for SampleShader::shadeMet().
+Sight seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
+              std::span<const double> shares, const std::optional<Imath::V3d>& background,
+              FirstSurface& first);
 
 }  // namespace tavora::studio

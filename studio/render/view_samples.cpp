@@ -1,16 +1,35 @@
 #include "studio/render/view_samples.h"
 
+#include <algorithm>
+
 namespace tavora::studio {
 
 ViewSampler::ViewSampler(const RayScene& scene, const LightRig& lights, const LaneShaders& shaders,
                          const View& view, const std::optional<Imath::V3d>& background)
-    : view_(&view), background_(&background), shader_(scene, lights, shaders) {}
+    : view_(&view),
+      background_(&background),
+      shader_(scene, lights, shaders),
+      bundle_(scene, lights),
+      rays_(bundle_.room()) {}
 
 void ViewSampler::look(std::span<const Imath::V2d> places, std::span<ViewSample> samples) {
+    for (std::size_t first = 0; first < places.size(); first += rays_.size()) {
+        const std::size_t count = std::min(rays_.size(), places.size() - first);
+        lookTogether(places.subspan(first, count), samples.subspan(first, count));
+    }
+}
+
+/// At most as many places as the bundle has room for.
+void ViewSampler::lookTogether(std::span<const Imath::V2d> places, std::span<ViewSample> samples) {
+    for (std::size_t i = 0; i < places.size(); ++i)
+        rays_[i] = view_->rayThrough(places[i].x, places[i].y);
+    bundle_.trace({rays_.data(), places.size()}, shader_);
     for (std::size_t i = 0; i < places.size(); ++i) {
-        samples[i] = {};
-        const Ray ray = view_->rayThrough(places[i].x, places[i].y);
-        samples[i].sight = see(shader_, ray, *background_, &samples[i].first);
+        samples[i].first = {};
+        const MetSurface* met = bundle_.met(i);
+        samples[i].sight = met != nullptr ? seeFrom(shader_, rays_[i], *met, bundle_.shares(i),
+                                                    *background_, samples[i].first)
+                                          : seeNothing(*background_);
     }
 }
 

@@ -5,9 +5,11 @@
 #include <cstdint>
 #include <optional>
 #include <span>
+#include <vector>
 
 #include "studio/render/lane_shaders.h"
 #include "studio/render/ray_scene.h"
+#include "studio/render/sample_bundle.h"
 #include "studio/render/sample_shader.h"
 #include "studio/render/sight.h"
 #include "studio/render/view.h"
@@ -34,14 +36,18 @@ class ViewSampler {
     /// What shows at a place does not depend on the others.
     void look(std::span<const Imath::V2d> places, std::span<ViewSample> samples);
 
-    std::uint64_t viewingRays() const { return shader_.viewingRays(); }
-    std::uint64_t shadowRays() const { return shader_.shadowRays(); }
+    std::uint64_t viewingRays() const { return bundle_.viewingRays() + shader_.viewingRays(); }
+    std::uint64_t shadowRays() const { return bundle_.shadowRays() + shader_.shadowRays(); }
     std::uint64_t evaluations() const { return shader_.evaluations(); }
 
   private:
+    void lookTogether(std::span<const Imath::V2d> places, std::span<ViewSample> samples);
+
     const View* view_;
     const std::optional<Imath::V3d>* background_;
     SampleShader shader_;
+    SampleBundle bundle_;
+    std::vector<Ray> rays_;  ///< as many as fit the bundle
 };
 
 }  // namespace tavora::studio

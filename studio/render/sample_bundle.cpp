@@ -1,0 +1,82 @@
+#include "studio/render/sample_bundle.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace tavora::studio {
+namespace {
+
+constexpr std::size_t kMostRays = 512;
+constexpr std::size_t kLeastRays = 32;
+constexpr std::size_t kMostShadowRays = 6144;  // 80 bytes each
+
+constexpr float kNothing = std::numeric_limits<float>::infinity();
+
+std::size_t roomFor(std::size_t lights) {
+    return std::clamp(kMostShadowRays / std::max<std::size_t>(lights, 1), kLeastRays, kMostRays);
+}
+
+}  // namespace
+
+SampleBundle::SampleBundle(const RayScene& scene, const LightRig& lights)
+    : scene_(&scene),
+      lights_(lights.lights.size()),
+      streams_(scene),
+      arrivals_(scene, lights),
+      hits_(roomFor(lights_)),
+      met_(roomFor(lights_)),
+      beams_(lights_),
+      shares_(std::max<std::size_t>(met_.size() * lights_, 1)),
+      passed_(met_.size()) {}
+
+const MetSurface* SampleBundle::met(std::size_t ray) const {
+    return met_[ray].hit.distance == kNothing ? nullptr : &met_[ray];
+}
+
+void SampleBundle::trace(std::span<const Ray> rays, const SampleShader& shader) {
+    findSurfaces(rays);
+    for (Beam& beam : beams_) {
+        beam.rays.clear();
+        beam.viewing.clear();
+    }
+    std::fill_n(shares_.begin(), rays.size() * lights_, -1.0);
+    for (std::size_t i = 0; i < rays.size(); ++i) {
+        const MetSurface* surface = met(i);
+        if (surface == nullptr || !shader.takesLight(*surface)) continue;
+        aimAtLights(surface->point, static_cast<std::uint32_t>(i));
+    }
+    for (std::size_t light = 0; light < lights_; ++light)
+        follow(beams_[light], light);
+}
+
+void SampleBundle::findSurfaces(std::span<const Ray> rays) {
+    streams_.firstHits(rays, hits_);
+    viewingRays_ += rays.size();
+    for (std::size_t i = 0; i < rays.size(); ++i) {
+        HitKey& hit = met_[i].hit;
+        hit = hits_[i];
+        while (hit.distance != kNothing && !meet(*scene_, rays[i], met_[i])) {
+            ++viewingRays_;
+            if (!scene_->nextHit(rays[i], hit, hit)) hit.distance = kNothing;
+        }
+    }
+}
+
+void SampleBundle::aimAtLights(const SurfacePoint& point, std::uint32_t ray) {
+    arrivals_.start(point);
+    Ray aimed;
+    for (std::size_t light = 0; light < lights_; ++light) {
+        if (!arrivals_.wantsRay(light, aimed)) continue;
+        beams_[light].rays.push_back(aimed);
+        beams_[light].viewing.push_back(ray);
+    }
+}
+
+void SampleBundle::follow(const Beam& beam, std::size_t light) {
+    streams_.transmittances(beam.rays, passed_);
+    shadowRays_ += beam.rays.size();
+    for (std::size_t i = 0; i < beam.rays.size(); ++i)
+        shares_[beam.viewing[i] * lights_ + light] = passed_[i];
+}
+
+}  // namespace tavora::studio
