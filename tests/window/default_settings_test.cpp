@@ -3,7 +3,7 @@
 #include <QProcess>
 #include <QPushButton>
 #include <QThread>
-#include <chrono>
+#include <cmath>
 #include <gtest/gtest.h>
 #include <iostream>
 #include <set>
@@ -44,7 +44,8 @@ TEST(DefaultSettings, AreOldOrNewWhenTheirWriterIsKilledAtAnyMoment) {
         writer.setProcessChannelMode(QProcess::SeparateChannels);
         writer.start("/proc/self/exe", {"--store-defaults", folder.path().c_str()});
         ASSERT_TRUE(writer.waitForReadyRead()) << writer.readAllStandardError().toStdString();
-        QThread::usleep(static_cast<unsigned long>(50 * round));
+        // 25 us to 60 ms: within one write, and some writes later on any machine.
+        QThread::usleep(static_cast<unsigned long>(25 * std::pow(1.4, round)));
         writer.kill();
         writer.waitForFinished();
         const Settings found = newSurface();
