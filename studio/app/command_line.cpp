@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 #include <functional>
 #include <memory>
+#include <tuple>
 
 #include <CLI/CLI.hpp>
 
@@ -200,10 +201,13 @@ void addLighting(Command& command, LightingOptions& lighting) {
 }
 
 void addQuality(Command& command, RenderRequest& request) {
-    const auto samples = [](const std::string& option, const std::string& text) {
-        return wholeNumber(option, text, 1, 65536);
+    const auto samples = [&request](const std::string& option, const std::string& text) {
+        std::tie(request.samples, request.mostSamples) = sampleCounts(option, text);
     };
-    command.option("-s,--samples", "N", "Samples a pixel (16)", into(request.samples, samples));
+    command.option("-s,--samples", "N|LEAST..MOST",
+                   "Samples a pixel, or as many as it needs (4..64)", samples);
+    command.option("--filter", "FILTER", "box, tent or blackman-harris: crisp to soft (box)",
+                   into(request.filter, pixelFilter));
     addThreads(command, request.threads);
     command.option("--depth", "DEPTH", "8 or 16 for .png, half or float for .exr",
                    into(request.depth, depth));

@@ -127,6 +127,20 @@ double realNumber(const std::string& option, const std::string& text, double min
     refuse(option, fmt::format("a number from {} to {}", min, max), text);
 }
 
+std::pair<int, int> sampleCounts(const std::string& option, const std::string& text) {
+    constexpr int kMostSamples = 65535;
+    const std::size_t dots = text.find("..");
+    const std::optional<int> least = numberOf<int>(text.substr(0, dots));
+    const std::optional<int> most =
+        dots == std::string::npos ? least : numberOf<int>(text.substr(dots + 2));
+    if (least && most && *least >= 1 && *least <= *most && *most <= kMostSamples) {
+        return {*least, *most > *least ? *most : 0};
+    }
+    refuse(option,
+           fmt::format("a number of samples from 1 to {}, or LEAST..MOST like 4..64", kMostSamples),
+           text);
+}
+
 std::pair<int, int> resolution(const std::string& option, const std::string& text) {
     constexpr int kMostSide = 65536;
     const std::vector<std::string_view> sides = split(text, 'x');
@@ -190,6 +204,15 @@ std::optional<double> exposure(const std::string& option, const std::string& tex
 bool falloff(const std::string& option, const std::string& text) {
     static constexpr std::array<Named<bool>, 2> kChoices{{{"none", false}, {"physical", true}}};
     return chosen<bool>(option, text, kChoices);
+}
+
+PixelFilter pixelFilter(const std::string& option, const std::string& text) {
+    static constexpr std::array<Named<PixelFilter>, 3> kChoices{{
+        {"box", PixelFilter::Box},
+        {"tent", PixelFilter::Tent},
+        {"blackman-harris", PixelFilter::BlackmanHarris},
+    }};
+    return chosen<PixelFilter>(option, text, kChoices);
 }
 
 PictureDepth depth(const std::string& option, const std::string& text) {

@@ -13,6 +13,9 @@ namespace tavora::studio {
 int wholeNumber(const std::string& option, const std::string& text, int min, int max);
 double realNumber(const std::string& option, const std::string& text, double min, double max);
 
+/// "16", or "4..64" for as many as a pixel needs: the least, and the most or 0.
+std::pair<int, int> sampleCounts(const std::string& option, const std::string& text);
+
 /// "1280x720"
 std::pair<int, int> resolution(const std::string& option, const std::string& text);
 
@@ -35,6 +38,7 @@ std::optional<Imath::V3d> background(const std::string& option, const std::strin
 std::optional<double> exposure(const std::string& option, const std::string& text);
 
 bool falloff(const std::string& option, const std::string& text);
+PixelFilter pixelFilter(const std::string& option, const std::string& text);
 PictureDepth depth(const std::string& option, const std::string& text);
 ProgressKind progressKind(const std::string& option, const std::string& text);
 Theme theme(const std::string& option, const std::string& text);

@@ -76,6 +76,8 @@ RenderOptions optionsOf(const RenderRequest& request, const PictureArea& area) {
     options.height = area.height;
     options.crop = area.crop;
     options.samples = request.samples;
+    options.mostSamples = request.mostSamples;
+    options.filter = request.filter;
     options.threads = request.threads;
     options.background = request.background;
     return options;
@@ -87,6 +89,8 @@ void noteStats(const RenderStats& stats, Report& report) {
     report.note(
         2, fmt::format("{} triangles, {} primary rays, {} shadow rays, {} evaluations",
                        stats.triangles, stats.primaryRays, stats.shadowRays, stats.evaluations));
+    report.note(2, fmt::format("{:.1f} samples a pixel", static_cast<double>(stats.primaryRays) /
+                                                             static_cast<double>(stats.pixels)));
 }
 
 Picture renderPicture(const Scene& scene, const Camera& camera, const RenderRequest& request,

@@ -9,6 +9,7 @@
 
 #include "studio/render/picture.h"
 #include "studio/render/picture_file.h"
+#include "studio/render/pixel_filter.h"
 #include "studio/scene/light_levels.h"
 
 /// What the user asked for: the command line read and checked, as plain data.
@@ -55,7 +56,9 @@ struct RenderRequest {
     double scale = 1;
     std::optional<CropShares> cropShares;
     std::optional<PixelBox> cropPixels;
-    int samples = 16;
+    int samples = 4;       ///< a pixel, at least
+    int mostSamples = 64;  ///< where samples differ; 0: `samples` everywhere
+    PixelFilter filter = PixelFilter::Box;
     int threads = 0;  ///< 0: one a core
     std::string camera;
     bool listCameras = false;

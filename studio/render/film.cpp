@@ -30,15 +30,4 @@ void LightMeter::add(const Sight& sight, PixelSum& sum) {
     sum.alpha += sight.alpha;
 }
 
-void PixelFilm::add(const Sight& sight) {
-    meter_.add(sight, sum_);
-    ++count_;
-}
-
-void PixelFilm::develop(float rgba[4]) {
-    sum_.develop(count_, rgba);
-    sum_ = {};
-    count_ = 0;
-}
-
 }  // namespace tavora::studio

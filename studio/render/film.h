@@ -26,19 +26,4 @@ class LightMeter {
     Imath::V3d lastLinear_{0, 0, 0};
 };
 
-/// Gathers the samples of a pixel: averages them in linear light.
-class PixelFilm {
-  public:
-    void add(const Sight& sight);
-
-    /// Writes the average of the samples since the last call: scene-linear RGB,
-    /// premultiplied, and alpha.
-    void develop(float rgba[4]);
-
-  private:
-    PixelSum sum_;
-    int count_ = 0;
-    LightMeter meter_;
-};
-
 }  // namespace tavora::studio

@@ -5,17 +5,14 @@
 #include <stdexcept>
 #include <thread>
 
-#include "studio/render/film.h"
-#include "studio/render/lane_shaders.h"
 #include "studio/render/lanes.h"
+#include "studio/render/pixel_filter.h"
 #include "studio/render/ray_scene.h"
+#include "studio/render/refinement.h"
+#include "studio/render/render_lane.h"
 #include "studio/render/sample_pattern.h"
 #include "studio/render/tiles.h"
-#include "studio/render/view.h"
-#include "studio/render/view_samples.h"
-#include "studio/services/messages.h"
 #include "studio/services/scene_index.h"
-#include "studio/services/service_binding.h"
 
 namespace tavora::studio {
 namespace {
@@ -26,79 +23,8 @@ double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
 }
 
-/// What all lanes read.
-struct Job {
-    const RayScene& scene;
-    const LightRig& lights;
-    const std::vector<SurfaceShading>& shading;
-    const std::filesystem::path& module;
-    const RenderOptions& options;
-    View view;
-    std::vector<Imath::V2d> pattern;
-    std::vector<PixelBox> tiles;
-};
-
-/// What one render thread works with.
-class Lane {
-  public:
-    explicit Lane(const Job& job)
-        : job_(&job),
-          shaders_(job.scene.index(), job.shading, job.module),
-          sampler_(job.scene, job.lights, shaders_, job.view, job.options.background),
-          places_(job.pattern.size() * static_cast<std::size_t>(kTileWidth)),
-          samples_(places_.size()) {}
-
-    /// False when `stop` was set meanwhile; the tile is then incomplete.
-    void renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture) {
-        const ServiceBinding binding(job_->scene.index(), job_->lights);
-        for (int y = tile.top; y < tile.bottom; ++y) {
-            if (stop != nullptr && *stop) throw RenderStopped();
-            renderRow(tile.left, tile.right, y, picture);
-        }
-    }
-
-    void addTo(RenderStats& stats) const {
-        stats.primaryRays += primaryRays_;
-        stats.shadowRays += sampler_.shadowRays();
-        stats.evaluations += sampler_.evaluations();
-    }
-
-  private:
-    void renderRow(int left, int right, int y, Picture& picture) {
-        std::size_t count = 0;
-        for (int x = left; x < right; ++x) {
-            for (const Imath::V2d& place : job_->pattern)
-                places_[count++] = {x + place.x, y + place.y};
-        }
-        sampler_.look({places_.data(), count}, {samples_.data(), count});
-        primaryRays_ += count;
-        const ViewSample* sample = samples_.data();
-        for (int x = left; x < right; ++x) {
-            for (std::size_t i = 0; i < job_->pattern.size(); ++i)
-                film_.add((sample++)->sight);
-            film_.develop(picture.pixel(x, y));
-        }
-    }
-
-    const Job* job_;
-    LaneShaders shaders_;
-    ViewSampler sampler_;
-    std::vector<Imath::V2d> places_;  ///< of a row of a tile
-    std::vector<ViewSample> samples_;
-    PixelFilm film_;
-    std::uint64_t primaryRays_ = 0;
-};
-
-/// Lanes for all threads. What modules have to say about the settings, the
-/// first copy says.
-std::vector<std::unique_ptr<Lane>> makeLanes(const Job& job, std::size_t count) {
-    const ServiceBinding binding(job.scene.index(), job.lights);
-    std::vector<std::unique_ptr<Lane>> lanes;
-    lanes.push_back(std::make_unique<Lane>(job));
-    const QuietMessages quiet;
-    while (lanes.size() < count)
-        lanes.push_back(std::make_unique<Lane>(job));
-    return lanes;
+bool isAdaptive(const RenderOptions& options) {
+    return options.mostSamples > options.samples;
 }
 
 std::size_t laneCount(const RenderOptions& options, std::size_t tiles) {
@@ -138,18 +64,117 @@ Picture emptyPicture(const RenderOptions& options) {
     return picture;
 }
 
-void renderTiles(const Job& job, std::vector<std::unique_ptr<Lane>>& lanes,
-                 const RenderWatch& watch, Picture& picture) {
-    const auto renderOne = [&](std::size_t lane, std::size_t tile) {
-        lanes[lane]->renderTile(job.tiles[tile], watch.stop, picture);
+using Lanes = std::vector<std::unique_ptr<RenderLane>>;
+
+/// Runs `work(lane, tile)` for all tiles. `progress` takes their share done, 0..1.
+void forTiles(const Lanes& lanes, const std::vector<PixelBox>& tiles, const RenderWatch& watch,
+              const std::function<void(RenderLane& lane, const PixelBox& tile)>& work,
+              const std::function<void(double share)>& progress) {
+    const auto runOne = [&](std::size_t lane, std::size_t tile) {
+        work(*lanes[lane], tiles[tile]);
     };
     const auto report = [&](std::size_t done) {
         if (watch.progress) {
-            watch.progress(static_cast<double>(done) / static_cast<double>(job.tiles.size()));
+            progress(static_cast<double>(done) / static_cast<double>(tiles.size()));
         }
         return watch.stop == nullptr || !*watch.stop;
     };
-    if (!runLanes(lanes.size(), job.tiles.size(), renderOne, report)) throw RenderStopped();
+    if (!runLanes(lanes.size(), tiles.size(), runOne, report)) throw RenderStopped();
+}
+
+void renderEvenly(const RenderWatch& watch, const Lanes& lanes, Picture& picture) {
+    forTiles(
+        lanes, tilesOf(picture.window), watch,
+        [&](RenderLane& lane, const PixelBox& tile) { lane.renderTile(tile, watch.stop, picture); },
+        watch.progress);
+}
+
+/// The samples of round after round, each bringing four times as many.
+std::vector<SampleRun> roundsOf(const RenderOptions& options) {
+    const auto most = static_cast<std::size_t>(options.mostSamples);
+    std::vector<SampleRun> rounds{{0, static_cast<std::size_t>(options.samples)}};
+    while (rounds.back().last < most)
+        rounds.push_back({rounds.back().last, std::min(most, rounds.back().last * 4)});
+    return rounds;
+}
+
+/// How much of the work is done, where only its first round is known before. A
+/// later round is taken to need a part of the one before it until it is there.
+class RoundProgress {
+  public:
+    RoundProgress(const std::vector<SampleRun>& rounds, std::size_t pixels) {
+        double wanting = static_cast<double>(pixels);
+        for (const SampleRun& round : rounds) {
+            work_.push_back(wanting * static_cast<double>(round.size()));
+            wanting *= kUsualShare;
+        }
+    }
+
+    void begin(std::size_t round, double work) {
+        round_ = round;
+        work_[round] = work;
+    }
+
+    /// Never less than before.
+    double at(double share) {
+        double done = work_[round_] * share;
+        double all = 0;
+        for (std::size_t i = 0; i < work_.size(); ++i) {
+            all += work_[i];
+            if (i < round_) done += work_[i];
+        }
+        return last_ = std::max(last_, all > 0 ? done / all : 1);
+    }
+
+  private:
+    static constexpr double kUsualShare = 0.2;
+    std::vector<double> work_;
+    std::size_t round_ = 0;
+    double last_ = 0;
+};
+
+void renderInRounds(const RenderOptions& options, const RenderWatch& watch, const Lanes& lanes,
+                    Picture& picture) {
+    Refinement refinement(picture.window, {0, 0, options.width, options.height});
+    const std::vector<SampleRun> rounds = roundsOf(options);
+    std::vector<PixelBox> tiles = tilesOf(refinement.area());
+    RoundProgress progress(rounds, picture.rgba.size() / 4);
+    for (std::size_t round = 0; round < rounds.size(); ++round) {
+        forTiles(
+            lanes, tiles, watch,
+            [&](RenderLane& lane, const PixelBox& tile) {
+                lane.refineTile(tile, rounds[round], watch.stop, refinement);
+            },
+            [&](double share) { watch.progress(progress.at(share)); });
+        if (round + 1 == rounds.size()) break;
+        forTiles(
+            lanes, tiles, watch,
+            [&](RenderLane&, const PixelBox& tile) {
+                refinement.decide(tile, static_cast<int>(round) + 1);
+            },
+            [](double) {});
+        std::size_t wanting = 0;
+        std::erase_if(tiles, [&](const PixelBox& tile) {
+            const std::size_t pixels = refinement.wanting(tile);
+            wanting += pixels;
+            return pixels == 0;
+        });
+        const auto samples = static_cast<double>(rounds[round + 1].size());
+        progress.begin(round + 1, static_cast<double>(wanting) * samples);
+    }
+    const PixelBox& window = picture.window;
+    for (int y = window.top; y < window.bottom; ++y) {
+        for (int x = window.left; x < window.right; ++x)
+            refinement.develop(x, y, picture.pixel(x, y));
+    }
+}
+
+std::vector<Imath::V2d> patternOf(const RenderOptions& options) {
+    std::vector<Imath::V2d> pattern =
+        isAdaptive(options) ? growingPattern(options.mostSamples) : samplePattern(options.samples);
+    for (Imath::V2d& place : pattern)
+        place = spreadAsFilter(options.filter, place);
+    return pattern;
 }
 
 }  // namespace
@@ -177,20 +202,25 @@ Picture Renderer::render(const Camera& camera, const LightRig& lights,
     const auto start = Clock::now();
     check(parts_->index.scene(), shading, options);
     Picture picture = emptyPicture(options);
-    const Job job{parts_->rays,
-                  lights,
-                  shading,
-                  module,
-                  options,
-                  View(camera, options.width, options.height, options.samples),
-                  samplePattern(options.samples),
-                  tilesOf(picture.window)};
-    auto lanes = makeLanes(job, laneCount(options, job.tiles.size()));
-    renderTiles(job, lanes, watch, picture);
+    const RenderJob job{
+        parts_->rays,
+        lights,
+        shading,
+        module,
+        options,
+        View(camera, options.width, options.height, std::max(options.samples, options.mostSamples)),
+        patternOf(options)};
+    const Lanes lanes = makeLanes(job, laneCount(options, tilesOf(picture.window).size()));
+    if (isAdaptive(options)) {
+        renderInRounds(options, watch, lanes, picture);
+    } else {
+        renderEvenly(watch, lanes, picture);
+    }
     if (stats != nullptr) {
         *stats = {};
         for (const auto& lane : lanes)
             lane->addTo(*stats);
+        stats->pixels = picture.rgba.size() / 4;
         stats->triangles = parts_->rays.triangles();
         stats->buildSeconds = parts_->buildSeconds;
         stats->renderSeconds = secondsSince(start);

@@ -10,6 +10,7 @@
 
 #include "studio/link/state_block.h"
 #include "studio/render/picture.h"
+#include "studio/render/pixel_filter.h"
 #include "studio/scene/light_levels.h"
 #include "studio/scene/scene.h"
 
@@ -18,8 +19,10 @@ namespace tavora::studio {
 struct RenderOptions {
     int width = 1280;
     int height = 720;
-    std::optional<PixelBox> crop;          ///< inside the picture; empty: all of it
-    int samples = 16;                      ///< a pixel
+    std::optional<PixelBox> crop;  ///< inside the picture; empty: all of it
+    int samples = 16;              ///< a pixel; at least, if `mostSamples` is more
+    int mostSamples = 0;           ///< a pixel, where samples differ
+    PixelFilter filter = PixelFilter::Box;
     int threads = 0;                       ///< 0: one a core; the picture never depends on it
     std::optional<Imath::V3d> background;  ///< display-referred; empty: transparent
 };
@@ -40,6 +43,7 @@ struct RenderWatch {
 struct RenderStats {
     double buildSeconds = 0;  ///< acceleration structure
     double renderSeconds = 0;
+    std::uint64_t pixels = 0;
     std::uint64_t primaryRays = 0;
     std::uint64_t shadowRays = 0;
     std::uint64_t evaluations = 0;

@@ -1,6 +1,7 @@
 #include "studio/render/sample_pattern.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <numeric>
@@ -29,7 +30,31 @@ std::vector<std::uint32_t> mirroredRanks(std::uint32_t count) {
     return ranks;
 }
 
+/// Second dimension of Sobol's sequence, unscaled.
+std::uint32_t sobolBits(std::uint32_t value) {
+    std::uint32_t bits = 0;
+    for (std::uint32_t direction = 1U << 31U; value != 0; value >>= 1U) {
+        if ((value & 1U) != 0) bits ^= direction;
+        direction ^= direction >> 1U;
+    }
+    return bits;
+}
+
+/// 1/8, in bits: a quarter of four samples lies about the middle of its quarter.
+constexpr std::uint32_t kShift = 1U << 29U;
+
 }  // namespace
+
+std::vector<Imath::V2d> growingPattern(int count) {
+    const auto size = static_cast<std::uint32_t>(std::max(count, 1));
+    const double half = 0.5 / size;
+    const std::uint32_t shift = size > 4 ? kShift : 0;
+    const auto place = [=](std::uint32_t bits) { return std::ldexp(bits ^ shift, -32) + half; };
+    std::vector<Imath::V2d> places;
+    for (std::uint32_t i = 0; i < size; ++i)
+        places.emplace_back(place(mirrorBits(i)), place(sobolBits(i)));
+    return places;
+}
 
 std::vector<Imath::V2d> samplePattern(int count) {
     const auto size = static_cast<std::uint32_t>(std::max(count, 1));

@@ -11,4 +11,10 @@ namespace tavora::studio {
 /// does not flicker.
 std::vector<Imath::V2d> samplePattern(int count);
 
+/// Places of `count` samples of which the first 4, 16, 64 and so on are spread
+/// evenly by themselves: the (0,2)-sequence of Sobol's first two dimensions,
+/// shifted so that each beginning lies about the pixel's centre. The same for
+/// every pixel and every frame.
+std::vector<Imath::V2d> growingPattern(int count);
+
 }  // namespace tavora::studio

@@ -25,6 +25,11 @@ TEST(OptionValues, ReadSizesAndCrops) {
     for (const char* text : {"1920", "x", "1920x", "0x1", "1x-1", "1x1x1", "99999x1", "1X1"}) {
         EXPECT_THROW(resolution("-r", text), UsageError) << text;
     }
+    EXPECT_EQ(sampleCounts("-s", "16"), std::pair(16, 0));
+    EXPECT_EQ(sampleCounts("-s", "4..64"), std::pair(4, 64));
+    EXPECT_EQ(sampleCounts("-s", "8..8"), std::pair(8, 0));
+    for (const char* text : {"", "0", "4..", "..4", "64..4", "4...64", "1..70000", "4..x"})
+        EXPECT_THROW(sampleCounts("-s", text), UsageError) << text;
     EXPECT_EQ(cropPixels("--crop-pixels", "1,2,3,4"), (PixelBox{1, 2, 3, 4}));
     for (const char* text : {"1,2,3", "1,2,1,4", "3,2,1,4", "-1,0,1,1", "1,2,3,4,5", "0,0,.5,1"}) {
         EXPECT_THROW(cropPixels("--crop-pixels", text), UsageError) << text;

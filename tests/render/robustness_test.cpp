@@ -52,12 +52,21 @@ struct StillLife : TestScene {
     }
 };
 
-TEST(Robustness, PicturesAreTheSameOnAnyNumberOfThreads) {
+/// Every pixel alike, or as many samples as each needs, about it.
+class Sampling : public ::testing::TestWithParam<bool> {};
+INSTANTIATE_TEST_SUITE_P(Robustness, Sampling, ::testing::Bool(),
+                         [](const auto& test) { return test.param ? "Adaptive" : "Even"; });
+
+TEST_P(Sampling, IsTheSameOnAnyNumberOfThreadsAndInACrop) {
     const StillLife test;
     RenderOptions options;
     options.width = 150;
     options.height = 110;
     options.samples = 5;
+    if (GetParam()) {
+        options.mostSamples = 80;
+        options.filter = PixelFilter::Tent;
+    }
     const Camera camera = frontCamera({0.1, 0, 8}, 2);
     std::vector<Picture> pictures;
     for (const int threads : {1, 2, 7, 7}) {
@@ -65,7 +74,13 @@ TEST(Robustness, PicturesAreTheSameOnAnyNumberOfThreads) {
         RenderStats stats;
         pictures.push_back(
             renderWith(test, camera, options, TAVORA_MODULE, tavoraDefaults(), &stats));
-        EXPECT_EQ(stats.primaryRays, 150U * 110U * 5U);
+        EXPECT_EQ(stats.pixels, 150U * 110U);
+        if (GetParam()) {
+            EXPECT_GT(stats.primaryRays, stats.pixels * 7);
+            EXPECT_LT(stats.primaryRays, stats.pixels * 30);
+        } else {
+            EXPECT_EQ(stats.primaryRays, stats.pixels * 5);
+        }
         EXPECT_GT(stats.evaluations, 20000U);
         EXPECT_GT(stats.shadowRays, stats.evaluations);
         EXPECT_EQ(pictures.back().rgba, pictures.front().rgba) << threads;
@@ -81,10 +96,14 @@ TEST(Robustness, PicturesAreTheSameOnAnyNumberOfThreads) {
     }
 }
 
-TEST(Robustness, WhatIsPickedIsWhatIsShown) {
+TEST_P(Sampling, ShowsWhatIsPicked) {
     const StillLife test;
     RenderOptions options = squareOptions(40);
     options.samples = 7;
+    if (GetParam()) {
+        options.mostSamples = 50;
+        options.filter = PixelFilter::BlackmanHarris;
+    }
     const V3d picked(128 / 255.0, 64 / 255.0, 0);
     const Picture picture =
         renderWith(test, frontCamera({0, 0, 1}, 0.3), options, TAVORA_MODULE, oneColor(picked));

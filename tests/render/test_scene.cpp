@@ -129,10 +129,11 @@ std::vector<SurfaceShading> shadingFor(const TestScene& test, const StateBlock& 
     return std::vector<SurfaceShading>(test.scene.surfaces.size(), {block});
 }
 
-Picture renderPlain(const TestScene& test, const Camera& camera, const RenderOptions& options) {
+Picture renderPlain(const TestScene& test, const Camera& camera, const RenderOptions& options,
+                    RenderStats* stats) {
     Renderer renderer(test.scene);
     const std::vector<SurfaceShading> plain(test.scene.surfaces.size());
-    return renderer.render(camera, test.rig, plain, {}, options, {}, nullptr);
+    return renderer.render(camera, test.rig, plain, {}, options, {}, stats);
 }
 
 Picture renderWith(const TestScene& test, const Camera& camera, const RenderOptions& options,

@@ -51,7 +51,8 @@ RenderOptions squareOptions(int size);
 std::vector<SurfaceShading> shadingFor(const TestScene& test, const StateBlock& block);
 
 /// Renders without a shader.
-Picture renderPlain(const TestScene& test, const Camera& camera, const RenderOptions& options);
+Picture renderPlain(const TestScene& test, const Camera& camera, const RenderOptions& options,
+                    RenderStats* stats = nullptr);
 /// Renders with one shader on all surfaces.
 Picture renderWith(const TestScene& test, const Camera& camera, const RenderOptions& options,
                    const char* module, const StateBlock& block, RenderStats* stats = nullptr);

@@ -1,0 +1,172 @@
+#include "studio/render/refinement.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavora::studio {
+namespace {
+
+/// Steps of 255 that samples may lie apart before more are taken: on one surface,
+/// where shading may just be smooth, and where several meet.
+constexpr int kOnOneSurface = 5;
+constexpr int kAcrossSurfaces = 2;
+
+/// Cosine of the angle between normals that makes a crease.
+constexpr float kCrease = 0.9F;
+
+std::array<std::uint8_t, 4> levelsOf(const Sight& sight) {
+    const auto level = [](double value) {
+        return static_cast<std::uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + 0.5);
+    };
+    return {level(sight.color.x), level(sight.color.y), level(sight.color.z), level(sight.alpha)};
+}
+
+void widen(PixelState& pixel, const std::array<std::uint8_t, 4>& levels) {
+    for (std::size_t i = 0; i < 4; ++i) {
+        pixel.least[i] = std::min(pixel.least[i], levels[i]);
+        pixel.most[i] = std::max(pixel.most[i], levels[i]);
+    }
+}
+
+/// How far what both show lies apart at most.
+int distance(const PixelState& a, const PixelState& b) {
+    int largest = 0;
+    for (std::size_t i = 0; i < 4; ++i) {
+        const int least = std::min(a.least[i], b.least[i]);
+        largest = std::max(largest, std::max(a.most[i], b.most[i]) - least);
+    }
+    return largest;
+}
+
+int toleranceOf(const PixelState& a, const PixelState& b) {
+    return a.mixed || b.mixed || a.mesh != b.mesh ? kAcrossSurfaces : kOnOneSurface;
+}
+
+bool isCrease(const FirstSurface& a, const FirstSurface& b) {
+    return a.mesh != b.mesh || a.normal.dot(b.normal) < kCrease;
+}
+
+/// The part of `whole` within `by` pixels of the window.
+PixelBox grown(const PixelBox& window, int by, const PixelBox& whole) {
+    return {std::max(window.left - by, whole.left), std::max(window.top - by, whole.top),
+            std::min(window.right + by, whole.right), std::min(window.bottom + by, whole.bottom)};
+}
+
+/// How far from a side a sample is near it, in pixels: four of sixteen are.
+constexpr double kNear = 0.25;
+
+/// Rounds after which neighbours are looked at, each from one pixel further.
+constexpr int kRoundsWithNeighbours = 2;
+
+/// One number for a colour, to tell whether it is another one.
+std::uint8_t brightness(const std::array<std::uint8_t, 4>& levels) {
+    const int sum = 3 * levels[0] + 5 * levels[1] + 2 * levels[2] + 6 * levels[3];
+    return static_cast<std::uint8_t>(sum / 16);
+}
+
+void widenSides(PixelState& pixel, const Imath::V2d& place, std::uint8_t level) {
+    const bool isNear[] = {place.x<kNear, place.x> 1 - kNear, place.y<kNear, place.y> 1 - kNear};
+    for (std::size_t side = 0; side < 4; ++side) {
+        if (!isNear[side]) continue;
+        pixel.leastAt[side] = std::min(pixel.leastAt[side], level);
+        pixel.mostAt[side] = std::max(pixel.mostAt[side], level);
+    }
+}
+
+}  // namespace
+
+Refinement::Refinement(const PixelBox& window, const PixelBox& whole)
+    : window_(window),
+      area_(grown(window, kRoundsWithNeighbours, whole)),
+      pixels_(static_cast<std::size_t>(area_.width()) * static_cast<std::size_t>(area_.height())) {}
+
+void Refinement::add(int x, int y, std::span<const Imath::V2d> places,
+                     std::span<const ViewSample> samples, LightMeter& meter) {
+    PixelState& pixel = pixels_[offset(x, y)];
+    if (pixel.count == 0) {
+        pixel.mesh = samples.front().first.mesh;
+        pixel.least = pixel.most = levelsOf(samples.front().sight);
+    }
+    PixelSum sum;
+    for (std::size_t i = 0; i < samples.size(); ++i) {
+        const ViewSample& sample = samples[i];
+        const std::array<std::uint8_t, 4> levels = levelsOf(sample.sight);
+        meter.add(sample.sight, sum);
+        widen(pixel, levels);
+        widenSides(pixel, places[i], brightness(levels));
+        pixel.mixed |= sample.first.mesh != pixel.mesh || isCrease(sample.first, samples[0].first);
+    }
+    for (int i = 0; i < 3; ++i)
+        pixel.sum[static_cast<std::size_t>(i)] += static_cast<float>(sum.color[i]);
+    pixel.sum[3] += static_cast<float>(sum.alpha);
+    pixel.count = static_cast<std::uint16_t>(pixel.count + samples.size());
+}
+
+bool Refinement::differsFromNeighbours(int x, int y) const {
+    const PixelState& pixel = at(x, y);
+    for (int row = std::max(y - 1, area_.top); row < std::min(y + 2, area_.bottom); ++row) {
+        for (int column = std::max(x - 1, area_.left); column < std::min(x + 2, area_.right);
+             ++column) {
+            const PixelState& other = at(column, row);
+            if (distance(pixel, other) > toleranceOf(pixel, other)) return true;
+        }
+    }
+    return false;
+}
+
+/// Whether what a neighbour shows near `side`, which it shares with `pixel`, is
+/// another colour than the pixel's: a border between both may go on in there.
+bool Refinement::isReached(const PixelState& pixel, int x, int y, std::size_t side) const {
+    const PixelBox& area = area_;
+    if (x < area.left || x >= area.right || y < area.top || y >= area.bottom) return false;
+    const PixelState& other = at(x, y);
+    if (other.mostAt[side] < other.leastAt[side]) return false;
+    const int least = brightness(pixel.least);
+    const int most = brightness(pixel.most);
+    return other.mostAt[side] - least > kAcrossSurfaces ||
+           most - other.leastAt[side] > kAcrossSurfaces;
+}
+
+bool Refinement::isReached(int x, int y) const {
+    const PixelState& pixel = at(x, y);
+    return isReached(pixel, x + 1, y, 0) || isReached(pixel, x - 1, y, 1) ||
+           isReached(pixel, x, y + 1, 2) || isReached(pixel, x, y - 1, 3);
+}
+
+bool Refinement::wantsMore(int x, int y, int round) const {
+    // What a pixel's first few samples missed, its neighbours' may have met.
+    if (round == 1) return differsFromNeighbours(x, y);
+    const PixelState& pixel = at(x, y);
+    if (!pixel.wanting) return false;
+    const bool even = distance(pixel, pixel) <= toleranceOf(pixel, pixel);
+    return !even || (round <= kRoundsWithNeighbours && isReached(x, y));
+}
+
+void Refinement::decide(const PixelBox& tile, int round) {
+    // Pixels around the window matter as far as later rounds look at them.
+    const PixelBox judged = grown(window_, std::max(kRoundsWithNeighbours - round, 0), area_);
+    for (int y = tile.top; y < tile.bottom; ++y) {
+        for (int x = tile.left; x < tile.right; ++x) {
+            const bool inside =
+                x >= judged.left && x < judged.right && y >= judged.top && y < judged.bottom;
+            pixels_[offset(x, y)].wanting = inside && wantsMore(x, y, round);
+        }
+    }
+}
+
+std::size_t Refinement::wanting(const PixelBox& tile) const {
+    std::size_t count = 0;
+    for (int y = tile.top; y < tile.bottom; ++y) {
+        for (int x = tile.left; x < tile.right; ++x)
+            count += at(x, y).wanting ? 1U : 0U;
+    }
+    return count;
+}
+
+void Refinement::develop(int x, int y, float rgba[4]) const {
+    const PixelState& pixel = at(x, y);
+    for (std::size_t i = 0; i < 4; ++i)
+        rgba[i] = pixel.sum[i] / static_cast<float>(pixel.count);
+}
+
+}  // namespace tavora::studio

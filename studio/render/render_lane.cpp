@@ -1,0 +1,91 @@
+#include "studio/render/render_lane.h"
+
+#include <algorithm>
+
+#include "studio/services/messages.h"
+#include "studio/services/service_binding.h"
+
+namespace tavora::studio {
+namespace {
+
+/// So many samples are looked at together, unless one pixel has more: enough to
+/// share rays well, few enough to stop soon and to stay in the cache.
+constexpr std::size_t kTogether = 4096;
+
+}  // namespace
+
+RenderLane::RenderLane(const RenderJob& job)
+    : job_(&job),
+      shaders_(job.scene.index(), job.shading, job.module),
+      sampler_(job.scene, job.lights, shaders_, job.view, job.options.background) {}
+
+void RenderLane::renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture) {
+    pixels_.clear();
+    for (int y = tile.top; y < tile.bottom; ++y) {
+        for (int x = tile.left; x < tile.right; ++x)
+            pixels_.push_back({x, y});
+    }
+    const SampleRun all{0, job_->pattern.size()};
+    look(pixels_, all, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
+        PixelSum sum;
+        for (const ViewSample& sample : samples)
+            meter_.add(sample.sight, sum);
+        sum.develop(static_cast<int>(samples.size()), picture.pixel(pixel.x, pixel.y));
+    });
+}
+
+void RenderLane::refineTile(const PixelBox& tile, const SampleRun& run,
+                            const std::atomic<bool>* stop, Refinement& refinement) {
+    pixels_.clear();
+    for (int y = tile.top; y < tile.bottom; ++y) {
+        for (int x = tile.left; x < tile.right; ++x) {
+            if (run.first == 0 || refinement.at(x, y).wanting) pixels_.push_back({x, y});
+        }
+    }
+    look(pixels_, run, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
+        const std::span<const Imath::V2d> pattern(job_->pattern);
+        refinement.add(pixel.x, pixel.y, pattern.subspan(run.first, run.size()), samples, meter_);
+    });
+}
+
+void RenderLane::look(std::span<const Pixel> pixels, const SampleRun& run,
+                      const std::atomic<bool>* stop, const Take& take) {
+    const ServiceBinding binding(job_->scene.index(), job_->lights);
+    const std::size_t together = std::max<std::size_t>(kTogether / run.size(), 1);
+    for (std::size_t first = 0; first < pixels.size(); first += together) {
+        if (stop != nullptr && *stop) throw RenderStopped();
+        lookAtOnce(pixels.subspan(first, std::min(together, pixels.size() - first)), run, take);
+    }
+}
+
+void RenderLane::lookAtOnce(std::span<const Pixel> pixels, const SampleRun& run, const Take& take) {
+    places_.clear();
+    for (const Pixel& pixel : pixels) {
+        for (std::size_t i = run.first; i < run.last; ++i)
+            places_.push_back({pixel.x + job_->pattern[i].x, pixel.y + job_->pattern[i].y});
+    }
+    samples_.resize(std::max(samples_.size(), places_.size()));
+    const std::span<ViewSample> samples(samples_.data(), places_.size());
+    sampler_.look(places_, samples);
+    primaryRays_ += places_.size();
+    for (std::size_t i = 0; i < pixels.size(); ++i)
+        take(pixels[i], samples.subspan(i * run.size(), run.size()));
+}
+
+void RenderLane::addTo(RenderStats& stats) const {
+    stats.primaryRays += primaryRays_;
+    stats.shadowRays += sampler_.shadowRays();
+    stats.evaluations += sampler_.evaluations();
+}
+
+std::vector<std::unique_ptr<RenderLane>> makeLanes(const RenderJob& job, std::size_t count) {
+    const ServiceBinding binding(job.scene.index(), job.lights);
+    std::vector<std::unique_ptr<RenderLane>> lanes;
+    lanes.push_back(std::make_unique<RenderLane>(job));
+    const QuietMessages quiet;
+    while (lanes.size() < count)
+        lanes.push_back(std::make_unique<RenderLane>(job));
+    return lanes;
+}
+
+}  // namespace tavora::studio

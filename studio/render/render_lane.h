@@ -1,0 +1,82 @@
+#pragma once
+
+#include <atomic>
+#include <filesystem>
+#include <functional>
+#include <memory>
+#include <vector>
+
+#include "studio/render/film.h"
+#include "studio/render/lane_shaders.h"
+#include "studio/render/picture.h"
+#include "studio/render/ray_scene.h"
+#include "studio/render/refinement.h"
+#include "studio/render/renderer.h"
+#include "studio/render/view.h"
+#include "studio/render/view_samples.h"
+
+namespace tavora::studio {
+
+/// What all lanes of one render read.
+struct RenderJob {
+    const RayScene& scene;
+    const LightRig& lights;
+    const std::vector<SurfaceShading>& shading;
+    const std::filesystem::path& module;
+    const RenderOptions& options;
+    View view;
+    std::vector<Imath::V2d> pattern;  ///< places of a pixel's samples, in order
+};
+
+/// Some of a pixel's samples: places `first` to `last` of the pattern, the last
+/// excluded.
+struct SampleRun {
+    std::size_t first = 0;
+    std::size_t last = 0;
+
+    std::size_t size() const { return last - first; }
+};
+
+/// What one render thread works with. One thread at a time.
+class RenderLane {
+  public:
+    /// `job` must outlive it. Throws LinkError.
+    explicit RenderLane(const RenderJob& job);
+
+    /// Renders the pixels of a tile with all samples of the pattern. Throws
+    /// RenderStopped soon after `stop` is set; the tile is then incomplete.
+    void renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture);
+
+    /// Adds the samples of `run` to the pixels of a tile that want them; to all,
+    /// when it is the first. Throws as renderTile().
+    void refineTile(const PixelBox& tile, const SampleRun& run, const std::atomic<bool>* stop,
+                    Refinement& refinement);
+
+    void addTo(RenderStats& stats) const;
+
+  private:
+    struct Pixel {
+        int x;
+        int y;
+    };
+    using Take = std::function<void(const Pixel& pixel, std::span<const ViewSample> samples)>;
+
+    void look(std::span<const Pixel> pixels, const SampleRun& run, const std::atomic<bool>* stop,
+              const Take& take);
+    void lookAtOnce(std::span<const Pixel> pixels, const SampleRun& run, const Take& take);
+
+    const RenderJob* job_;
+    LaneShaders shaders_;
+    ViewSampler sampler_;
+    LightMeter meter_;
+    std::vector<Pixel> pixels_;       ///< of a tile, that are looked at
+    std::vector<Imath::V2d> places_;  ///< of some pixels' samples
+    std::vector<ViewSample> samples_;
+    std::uint64_t primaryRays_ = 0;
+};
+
+/// Lanes for `count` threads. What modules have to say about the settings, the
+/// first copy says.
+std::vector<std::unique_ptr<RenderLane>> makeLanes(const RenderJob& job, std::size_t count);
+
+}  // namespace tavora::studio
