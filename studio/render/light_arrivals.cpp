@@ -11,7 +11,10 @@ constexpr double kAlmost = 1 - 1e-6;
 }  // namespace
 
 LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
-    : scene_(&scene), lights_(&lights), slots_(lights.lights.size()) {}
+    : scene_(&scene), lights_(&lights), slots_(lights.lights.size()) {
+    for (std::size_t light = 0; light < slots_.size(); ++light)
+        slots_[light].arrival.direction = lights.lights[light].light->direction;
+}
 
 void LightArrivals::start(const SurfacePoint& point, KeptPath* path, KeptPath::Place place) {
     point_ = &point;
@@ -60,8 +63,15 @@ LightArrivals::Slot& LightArrivals::meet(std::size_t light) {
     if (slot.metAt == sample_) return slot;
     slot.metAt = sample_;
     slot.arrival.lit = false;
-    slot.distance = arrivingLight(*lights_, lights_->lights[light], point_->position,
-                                  slot.arrival.direction, slot.arrival.color);
+    const LitLight& lit = lights_->lights[light];
+    if (lit.light->kind == LightKind::Directional) {
+        // The same everywhere: only what shadows took off its colour comes back.
+        slot.arrival.color = lit.color;
+        slot.distance = std::numeric_limits<double>::infinity();
+        return slot;
+    }
+    slot.distance =
+        arrivingLight(*lights_, lit, point_->position, slot.arrival.direction, slot.arrival.color);
     return slot;
 }
 

@@ -53,9 +53,10 @@ void SampleBundle::findSurfaces(std::span<const Ray> rays) {
     streams_.firstHits(rays, hits_);
     viewingRays_ += rays.size();
     for (std::size_t i = 0; i < rays.size(); ++i) {
+        const MetSurface& neighbour = i > 0 ? met_[i - 1] : met_.back();
         HitKey& hit = met_[i].hit;
         hit = hits_[i];
-        while (hit.distance != kNothing && !meet(*scene_, rays[i], met_[i])) {
+        while (hit.distance != kNothing && !meetLike(neighbour, *scene_, rays[i], met_[i])) {
             ++viewingRays_;
             if (!scene_->nextHit(rays[i], hit, hit)) hit.distance = kNothing;
         }

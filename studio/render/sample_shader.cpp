@@ -24,6 +24,13 @@ void fill(const Imath::V3d& from, double to[3]) {
     to[2] = from.z;
 }
 
+int answer(const LightArrival& arrival, double direction[3], double color[3]) {
+    if (!arrival.lit) return 0;
+    fill(arrival.direction, direction);
+    fill(arrival.color, color);
+    return 1;
+}
+
 /// The last ray that a sample's shader traced. Shaders may ask for the same
 /// one again and again, and each answer may cost as many inside.
 struct Traced {
@@ -55,11 +62,25 @@ struct SampleShader::Level {
     Traced traced;
 };
 
-bool meet(const RayScene& scene, const Ray& ray, MetSurface& met) {
-    met.point = surfacePoint(scene, ray, met.hit);
+namespace {
+
+/// Sets the surface's own colour; false where it is wholly clear.
+bool colorMet(const RayScene& scene, MetSurface& met) {
     const int surface = met.point.geometry->source->surfaceIndex;
     met.own = ownColor(scene.index(), scene.traits(surface), met.point.texturePlace());
     return met.own.alpha > 0;
+}
+
+}  // namespace
+
+bool meet(const RayScene& scene, const Ray& ray, MetSurface& met) {
+    met.point = surfacePoint(scene, ray, met.hit);
+    return colorMet(scene, met);
+}
+
+bool meetLike(const MetSurface& before, const RayScene& scene, const Ray& ray, MetSurface& met) {
+    surfacePointLike(before.point, scene, ray, met.hit, met.point);
+    return colorMet(scene, met);
 }
 
 SampleShader::SampleShader(const RayScene& scene, const LightRig& lights,
@@ -173,13 +194,10 @@ int SampleShader::illuminate(HostItemId light, const double position[3], double 
     const std::ptrdiff_t index = lightIndex(*working->lights_, light);
     if (index < 0) return 0;
     const auto number = static_cast<std::size_t>(index);
-    const bool here = vector(position) == level.met->point.position;
-    const LightArrival arrival =
-        here ? level.lights.at(number) : level.lights.elsewhere(number, vector(position));
-    if (!arrival.lit) return 0;
-    fill(arrival.direction, direction);
-    fill(arrival.color, color);
-    return 1;
+    if (vector(position) == level.met->point.position) {
+        return answer(level.lights.at(number), direction, color);
+    }
+    return answer(level.lights.elsewhere(number, vector(position)), direction, color);
 }
 
 double SampleShader::traceAndShade(const double position[3], const double direction[3],

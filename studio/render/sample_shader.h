@@ -35,6 +35,8 @@ struct MetSurface {
 /// Fills the rest of `met` where `ray` hits `met.hit`. False when the surface is
 /// wholly clear there.
 bool meet(const RayScene& scene, const Ray& ray, MetSurface& met);
+/// meet() at less cost where `before` is on the same triangle.
+bool meetLike(const MetSurface& before, const RayScene& scene, const Ray& ray, MetSurface& met);
 
 /// Rays that shaders trace may meet surfaces whose shaders trace again, so deep.
 inline constexpr std::size_t kDeepestTrace = 8;

@@ -46,21 +46,26 @@ void setCorners(SurfacePoint& point) {
         point.corners[i] = Imath::V3d(point.geometry->vertices[point.vertices[i]]);
 }
 
-/// Sets the normals; `side` is -1 where the back is seen, else 1.
-void setShadingNormals(SurfacePoint& point, double side) {
+void blendNormals(SurfacePoint& point) {
+    point.normal = point.geometricNormal;
+    if (!point.geometry->source->mesh->smooth) return;
+    point.normal = unitOr(blend(point.cornerNormals, point.weights), point.geometricNormal);
+}
+
+/// `side` is -1 where the back is seen, else 1.
+void setCornerNormals(SurfacePoint& point, double side) {
     const Mesh& mesh = *point.geometry->source->mesh;
     point.cornerNormals.fill(point.geometricNormal);
-    point.normal = point.geometricNormal;
     if (!mesh.smooth) return;
     for (std::size_t i = 0; i < 3; ++i) {
         const Imath::V3d normal(mesh.normals[point.vertices[i]]);
         point.cornerNormals[i] =
             unitOr(normal * point.geometry->normalToWorld * side, point.geometricNormal);
     }
-    point.normal = unitOr(blend(point.cornerNormals, point.weights), point.geometricNormal);
 }
 
-void setNormals(const Ray& ray, SurfacePoint& point) {
+/// Sets what the triangle has on the side that is seen.
+void setSide(const Ray& ray, SurfacePoint& point) {
     const Imath::V3d cross =
         (point.corners[1] - point.corners[0]).cross(point.corners[2] - point.corners[0]);
     point.area = 0.5 * cross.length();
@@ -69,7 +74,21 @@ void setNormals(const Ray& ray, SurfacePoint& point) {
         point.geometry->source->surface->doubleSided && front.dot(ray.direction) > 0;
     const double side = fromBack ? -1 : 1;
     point.geometricNormal = front * side;
-    setShadingNormals(point, side);
+    setCornerNormals(point, side);
+}
+
+/// Sets all that differs between the hits of a triangle on one side.
+void setHit(const Ray& ray, SurfacePoint& point) {
+    setWeights(ray, point);
+    point.position = blend(point.corners, point.weights);
+    blendNormals(point);
+    point.distance = (point.position - ray.origin).length();
+    point.spotSize = ray.spotAt(point.distance);
+}
+
+/// Whether the side of the triangle that is seen depends on no ray.
+bool hasOneSide(const SurfacePoint& point) {
+    return point.area > 0 && !point.geometry->source->surface->doubleSided;
 }
 
 }  // namespace
@@ -89,12 +108,21 @@ SurfacePoint surfacePoint(const RayScene& scene, const Ray& ray, const HitKey& h
     point.geometry = &scene.geometry(hit.mesh);
     point.triangle = hit.triangle;
     setCorners(point);
-    setWeights(ray, point);
-    point.position = blend(point.corners, point.weights);
-    setNormals(ray, point);
-    point.distance = (point.position - ray.origin).length();
-    point.spotSize = ray.spotAt(point.distance);
+    setSide(ray, point);
+    setHit(ray, point);
     return point;
+}
+
+void surfacePointLike(const SurfacePoint& before, const RayScene& scene, const Ray& ray,
+                      const HitKey& hit, SurfacePoint& point) {
+    const bool same = before.geometry == &scene.geometry(hit.mesh) &&
+                      before.triangle == hit.triangle && hasOneSide(before);
+    if (!same) {
+        point = surfacePoint(scene, ray, hit);
+        return;
+    }
+    point = before;
+    setHit(ray, point);
 }
 
 Imath::V3d shadowStart(const SurfacePoint& point) {

@@ -33,6 +33,10 @@ struct SurfacePoint {
 /// `ray` must be the one that found `hit`.
 SurfacePoint surfacePoint(const RayScene& scene, const Ray& ray, const HitKey& hit);
 
+/// surfacePoint() into `point`, at less cost where `before` is on the same triangle.
+void surfacePointLike(const SurfacePoint& before, const RayScene& scene, const Ray& ray,
+                      const HitKey& hit, SurfacePoint& point);
+
 /// Where shadow rays from `point` start: lifted off its polygon, as far as
 /// rounding needs, and where the mesh is smooth and bulges outwards up to the
 /// surface that its vertex normals suggest, so that the polygons of a coarse
