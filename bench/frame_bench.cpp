@@ -1,6 +1,7 @@
 // A whole frame beside Embree alone: the same primary rays, and for each hit a
 // shadow ray to each light that its polygon faces, in the same process, in
-// turn; medians of the rounds. Prints one line a contender.
+// turn; medians of the rounds. Prints one line a contender, then what
+// scripts/bench reads: metric|ours|reference|ratio|goal|met.
 //
 //   frame_bench MODULE [ROUNDS] [THREADS]
 
@@ -26,6 +27,7 @@
 #include "studio/render/sample_pattern.h"
 #include "studio/render/tiles.h"
 #include "studio/render/view.h"
+#include "studio/scene/color.h"
 #include "studio/services/registry.h"
 #include "tests/render/test_scene.h"
 
@@ -257,36 +259,130 @@ void race(std::vector<Contender>& contenders, int rounds) {
     }
     const double reference = contenders.front().median();
     for (Contender& contender : contenders) {
-        std::printf("%-28s %8.3f s  %5.1f million rays  ratio %.2f\n", contender.name,
+        std::printf("%-36s %8.3f s  %5.1f million rays  ratio %.2f\n", contender.name,
                     contender.median(), static_cast<double>(contender.rays) * 1e-6,
                     contender.median() / reference);
     }
 }
 
-void run(const char* module, int rounds, std::size_t threads) {
-    const Scene scene = benchScene();
-    const LightRig rig = benchLights();
-    const BareScene bare(scene);
-    Renderer renderer(scene);
-    RenderOptions options;
-    options.width = kWidth;
-    options.height = kHeight;
-    options.samples = kSamples;
-    options.threads = static_cast<int>(threads);
-    const StateBlock look = newShaderSettings(ModuleCopy(module, findService));
-    const auto frame = [&](const std::optional<StateBlock>& shader) {
+/// What is measured on.
+struct Bench {
+    Bench(const char* moduleFile, std::size_t threadCount)
+        : module(moduleFile), threads(threadCount), bare(scene), renderer(scene) {}
+
+    RenderOptions options() const {
+        RenderOptions options;
+        options.width = kWidth;
+        options.height = kHeight;
+        options.samples = kSamples;
+        options.threads = static_cast<int>(threads);
+        return options;
+    }
+
+    Picture render(const RenderOptions& wanted, const std::optional<StateBlock>& shader,
+                   RenderStats* stats = nullptr) {
+        return renderer.render(benchCamera(), rig, {{shader}}, module, wanted, {}, stats);
+    }
+
+    std::uint64_t rays(const RenderOptions& wanted, const std::optional<StateBlock>& shader) {
         RenderStats stats;
-        renderer.render(benchCamera(), rig, {{shader}}, module, options, {}, &stats);
+        render(wanted, shader, &stats);
         return stats.primaryRays + stats.shadowRays;
+    }
+
+    const char* module;
+    std::size_t threads;
+    Scene scene = benchScene();
+    LightRig rig = benchLights();
+    BareScene bare;
+    Renderer renderer;
+    StateBlock look = newShaderSettings(ModuleCopy(module, findService));
+};
+
+RenderOptions adaptive(RenderOptions options) {
+    options.samples = 4;
+    options.mostSamples = 64;
+    return options;
+}
+
+enum Entry { kStreams, kRays, kPlain, kLook, kAdaptive, kOneLane, kSharedCopy };
+
+std::vector<Contender> contendersOf(Bench& bench) {
+    const RenderOptions even = bench.options();
+    RenderOptions oneLane = even;
+    oneLane.threads = 1;
+    RenderOptions shared = even;
+    shared.moduleEachThread = false;
+    const auto frame = [&bench](const RenderOptions& options, bool shader) {
+        return [&bench, options, shader] {
+            return bench.rays(options, shader ? std::optional(bench.look) : std::nullopt);
+        };
     };
-    std::vector<Contender> contenders;
-    contenders.push_back(
-        {"Embree alone, streams", [&] { return traceBare(bare, rig, threads, true); }});
-    contenders.push_back(
-        {"Embree alone, ray by ray", [&] { return traceBare(bare, rig, threads, false); }});
-    contenders.push_back({"whole frame, plain", [&] { return frame(std::nullopt); }});
-    contenders.push_back({"whole frame, default look", [&] { return frame(look); }});
+    const auto alone = [&bench](bool streams) {
+        return
+            [&bench, streams] { return traceBare(bench.bare, bench.rig, bench.threads, streams); };
+    };
+    return {{"Embree alone, streams", alone(true)},
+            {"Embree alone, ray by ray", alone(false)},
+            {"whole frame, plain", frame(even, false)},
+            {"whole frame, default look", frame(even, true)},
+            {"whole frame, adaptive 4..64", frame(adaptive(even), true)},
+            {"whole frame, one lane", frame(oneLane, true)},
+            {"whole frame, one copy for all lanes", frame(shared, true)}};
+}
+
+/// Mean distance of display-referred channels, in steps of 255.
+double meanError(const Picture& a, const Picture& b) {
+    double sum = 0;
+    for (std::size_t i = 0; i < a.rgba.size(); ++i) {
+        const auto shown = [i](const Picture& picture) {
+            const auto value = static_cast<double>(picture.rgba[i]);
+            return i % 4 == 3 ? value : toEncoded(value);
+        };
+        sum += std::abs(shown(a) - shown(b));
+    }
+    return 255 * sum / static_cast<double>(a.rgba.size());
+}
+
+void printRow(const char* metric, double ours, double reference, const char* unit, double goal,
+              bool atMost) {
+    const double ratio = ours / reference;
+    const bool met = atMost ? ratio <= goal : ratio >= goal;
+    std::printf("%s|%.3f %s|%.3f %s|%.2f|%s %.1f|%s\n", metric, ours, unit, reference, unit, ratio,
+                atMost ? "at most" : "at least", goal, met ? "yes" : "no");
+}
+
+/// Errors in a picture of a third of the size, where steps weigh three times as much.
+void printErrors(Bench& bench) {
+    RenderOptions options = bench.options();
+    options.width /= 3;
+    options.height /= 3;
+    const Picture ours = bench.render(adaptive(options), bench.look);
+    options.samples = 64;
+    const Picture even = bench.render(options, bench.look);
+    options.samples = 1024;
+    const Picture reference = bench.render(options, bench.look);
+    printRow("mean error, adaptive beside 64 samples everywhere", meanError(ours, reference),
+             meanError(even, reference), "of 255", 1, true);
+}
+
+void run(const char* module, int rounds, std::size_t threads) {
+    Bench bench(module, threads);
+    std::vector<Contender> contenders = contendersOf(bench);
     race(contenders, rounds);
+    const auto taken = [&](Entry entry) { return contenders[entry].median(); };
+    printRow("whole frame, 16 samples, beside Embree's streams", taken(kLook), taken(kStreams), "s",
+             2.0, true);
+    printRow("adaptive, beside Embree's streams at 16 samples", taken(kAdaptive), taken(kStreams),
+             "s", 0.8, true);
+    printErrors(bench);
+    if (threads == 2) {
+        printRow("1 lane beside 2", taken(kOneLane), taken(kLook), "s", 1.9, false);
+    } else if (threads == 16) {
+        printRow("1 lane beside 16", taken(kOneLane), taken(kLook), "s", 14, false);
+    }
+    std::printf("threads sharing one copy, beside lanes|%.3f s|%.3f s|%.2f||\n", taken(kSharedCopy),
+                taken(kLook), taken(kSharedCopy) / taken(kLook));
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "studio/render/render_lane.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "studio/services/messages.h"
 #include "studio/services/service_binding.h"
@@ -14,10 +15,10 @@ constexpr std::size_t kTogether = 4096;
 
 }  // namespace
 
-RenderLane::RenderLane(const RenderJob& job)
+RenderLane::RenderLane(const RenderJob& job, std::shared_ptr<const LaneShaders> shaders)
     : job_(&job),
-      shaders_(job.scene.index(), job.shading, job.module),
-      sampler_(job.scene, job.lights, shaders_, job.view, job.options.background) {}
+      shaders_(std::move(shaders)),
+      sampler_(job.scene, job.lights, *shaders_, job.view, job.options.background) {}
 
 void RenderLane::renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture) {
     pixels_.clear();
@@ -80,11 +81,17 @@ void RenderLane::addTo(RenderStats& stats) const {
 
 std::vector<std::unique_ptr<RenderLane>> makeLanes(const RenderJob& job, std::size_t count) {
     const ServiceBinding binding(job.scene.index(), job.lights);
+    const auto load = [&job] {
+        return std::make_shared<const LaneShaders>(job.scene.index(), job.shading, job.module);
+    };
+    const auto first = load();
     std::vector<std::unique_ptr<RenderLane>> lanes;
-    lanes.push_back(std::make_unique<RenderLane>(job));
+    lanes.push_back(std::make_unique<RenderLane>(job, first));
     const QuietMessages quiet;
-    while (lanes.size() < count)
-        lanes.push_back(std::make_unique<RenderLane>(job));
+    while (lanes.size() < count) {
+        lanes.push_back(
+            std::make_unique<RenderLane>(job, job.options.moduleEachThread ? load() : first));
+    }
     return lanes;
 }
 

@@ -40,8 +40,8 @@ struct SampleRun {
 /// What one render thread works with. One thread at a time.
 class RenderLane {
   public:
-    /// `job` must outlive it. Throws LinkError.
-    explicit RenderLane(const RenderJob& job);
+    /// `job` must outlive it.
+    RenderLane(const RenderJob& job, std::shared_ptr<const LaneShaders> shaders);
 
     /// Renders the pixels of a tile with all samples of the pattern. Throws
     /// RenderStopped soon after `stop` is set; the tile is then incomplete.
@@ -66,7 +66,7 @@ class RenderLane {
     void lookAtOnce(std::span<const Pixel> pixels, const SampleRun& run, const Take& take);
 
     const RenderJob* job_;
-    LaneShaders shaders_;
+    std::shared_ptr<const LaneShaders> shaders_;
     ViewSampler sampler_;
     LightMeter meter_;
     std::vector<Pixel> pixels_;       ///< of a tile, that are looked at
@@ -76,7 +76,7 @@ class RenderLane {
 };
 
 /// Lanes for `count` threads. What modules have to say about the settings, the
-/// first copy says.
+/// first copy says. Throws LinkError.
 std::vector<std::unique_ptr<RenderLane>> makeLanes(const RenderJob& job, std::size_t count);
 
 }  // namespace tavora::studio

@@ -25,6 +25,9 @@ struct RenderOptions {
     PixelFilter filter = PixelFilter::Box;
     int threads = 0;                       ///< 0: one a core; the picture never depends on it
     std::optional<Imath::V3d> background;  ///< display-referred; empty: transparent
+    /// Each thread has a module copy of its own. Else all share one, whose lock
+    /// lets one evaluation run at a time: to measure what that would cost.
+    bool moduleEachThread = true;
 };
 
 /// What is on a surface: the shader's settings, or plain diffuse shading.
