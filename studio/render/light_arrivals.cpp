@@ -19,6 +19,7 @@ LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
 void LightArrivals::start(const SurfacePoint& point, KeptPath* path, KeptPath::Place place) {
     point_ = &point;
     known_ = {};
+    asked_ = {};
     path_ = path;
     place_ = place;
     ++sample_;
@@ -37,6 +38,7 @@ double LightArrivals::cosine(std::size_t light) {
 
 const LightArrival& LightArrivals::at(std::size_t light) {
     Slot& slot = slots_[light];
+    if (!asked_.empty()) asked_[light] = 1;
     if (kept(light) == KeptShare::None) {
         slot.arrival.lit = false;
         return slot.arrival;

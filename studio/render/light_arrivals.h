@@ -39,6 +39,10 @@ class LightArrivals {
     /// where not. They must outlive the sample.
     void know(std::span<const double> shares) { known_ = shares; }
 
+    /// After start(): at() sets the entry of each light it is asked for, by light.
+    /// They must outlive the sample.
+    void mark(std::span<std::uint8_t> asked) { asked_ = asked; }
+
     /// Works out all lights that the interpolated normal faces.
     void prepare();
 
@@ -85,6 +89,7 @@ class LightArrivals {
     std::vector<Slot> slots_;
     const SurfacePoint* point_ = nullptr;
     std::span<const double> known_;
+    std::span<std::uint8_t> asked_;
     KeptPath* path_ = nullptr;
     KeptPath::Place place_ = KeptPath::kStart;
     Imath::V3d start_;

@@ -43,7 +43,7 @@ void SampleBundle::trace(std::span<const Ray> rays, const SampleShader& shader) 
     for (std::size_t i = 0; i < rays.size(); ++i) {
         const MetSurface* surface = met(i);
         if (surface == nullptr || !shader.takesLight(*surface)) continue;
-        aimAtLights(surface->point, static_cast<std::uint32_t>(i));
+        aimAtLights(*surface, static_cast<std::uint32_t>(i), shader);
     }
     for (std::size_t light = 0; light < lights_; ++light)
         follow(beams_[light], light);
@@ -63,11 +63,12 @@ void SampleBundle::findSurfaces(std::span<const Ray> rays) {
     }
 }
 
-void SampleBundle::aimAtLights(const SurfacePoint& point, std::uint32_t ray) {
-    arrivals_.start(point);
+void SampleBundle::aimAtLights(const MetSurface& met, std::uint32_t ray,
+                               const SampleShader& shader) {
+    arrivals_.start(met.point);
     Ray aimed;
     for (std::size_t light = 0; light < lights_; ++light) {
-        if (!arrivals_.wantsRay(light, aimed)) continue;
+        if (!shader.asksFor(met, light) || !arrivals_.wantsRay(light, aimed)) continue;
         beams_[light].rays.push_back(aimed);
         beams_[light].viewing.push_back(ray);
     }

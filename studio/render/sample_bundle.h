@@ -45,7 +45,7 @@ class SampleBundle {
         std::vector<std::uint32_t> viewing;  ///< where each one's viewing ray stands
     };
     void findSurfaces(std::span<const Ray> rays);
-    void aimAtLights(const SurfacePoint& point, std::uint32_t ray);
+    void aimAtLights(const MetSurface& met, std::uint32_t ray, const SampleShader& shader);
     void follow(const Beam& beam, std::size_t light);
 
     const RayScene* scene_;

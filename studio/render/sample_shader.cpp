@@ -85,7 +85,10 @@ bool meetLike(const MetSurface& before, const RayScene& scene, const Ray& ray, M
 
 SampleShader::SampleShader(const RayScene& scene, const LightRig& lights,
                            const LaneShaders& shaders)
-    : scene_(&scene), lights_(&lights), shaders_(&shaders) {
+    : scene_(&scene),
+      lights_(&lights),
+      shaders_(&shaders),
+      asked_(scene.index().scene().surfaces.size() * lights.lights.size()) {
     for (std::size_t depth = 0; depth <= kDeepestTrace; ++depth)
         levels_.push_back(std::make_unique<Level>(scene, lights));
 }
@@ -130,6 +133,15 @@ bool SampleShader::takesLight(const MetSurface& met) const {
     return shaders_->of(surface).shader != nullptr || met.own.diffuse != 0;
 }
 
+/// Where in `asked_` the lights of a surface begin.
+std::size_t SampleShader::firstAsked(int surface) const {
+    return static_cast<std::size_t>(surface) * lights_->lights.size();
+}
+
+bool SampleShader::asksFor(const MetSurface& met, std::size_t light) const {
+    return asked_[firstAsked(met.point.geometry->source->surfaceIndex) + light] != 0;
+}
+
 const SurfacePoint& SampleShader::point() const {
     return levels_.front()->met->point;
 }
@@ -166,6 +178,7 @@ Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<co
     const double specular = active.shader != nullptr ? traits.specular : 0;
     level.lights.start(point, level.onPath ? &path_ : nullptr, level.place);
     level.lights.know(shares);
+    level.lights.mark(std::span(asked_).subspan(firstAsked(surface), lights_->lights.size()));
     fillRecord(*scene_, point, from, level.met->own, specular, record);
     record.illuminate = illuminate;
     record.traceAndShade = traceAndShade;
@@ -179,7 +192,8 @@ Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<co
 }
 
 void SampleShader::evaluate(Level& level, const ActiveShader& active, HostSample& record) {
-    level.lights.prepare();
+    // What is kept serves later edits, which may ask for other lights.
+    if (level.onPath) level.lights.prepare();
     level.mayTrace = (active.flags & HOST_SHADER_RAYTRACE) != 0;
     level.traced.valid = false;
     const SampleValues before = valuesOf(record);

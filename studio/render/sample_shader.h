@@ -66,8 +66,12 @@ class SampleShader {
     /// shares of the lights there that are known, by light, negative where not.
     Appearance shadeMet(const Ray& ray, const MetSurface& met, std::span<const double> shares);
 
-    /// Whether shading it takes all lights that its interpolated normal faces.
+    /// Whether shading it takes light at all.
     bool takesLight(const MetSurface& met) const;
+
+    /// Whether samples of the surface asked for the light so far, so that the next
+    /// is likely to: shaders that work with a few of many lights name theirs.
+    bool asksFor(const MetSurface& met, std::size_t light) const;
 
     /// Where the last shadeNext() that found something did, or shadeMet().
     const SurfacePoint& point() const;
@@ -88,6 +92,7 @@ class SampleShader {
     Appearance shade(Level& level, const Viewpoint& from, std::span<const double> shares,
                      HostSample& record);
     void evaluate(Level& level, const ActiveShader& active, HostSample& record);
+    std::size_t firstAsked(int surface) const;
 
     /// The callbacks of records reach the shader that works on their thread.
     static int illuminate(HostItemId light, const double position[3], double direction[3],
@@ -104,6 +109,7 @@ class SampleShader {
     std::size_t depth_ = 0;                       ///< of the sample being shaded
     KeptPath path_;                               ///< of the camera's sample
     SurfaceSet shaded_;
+    std::vector<std::uint8_t> asked_;  ///< by surface and light: whether ever
     std::uint64_t evaluations_ = 0;
     std::uint64_t viewingRays_ = 0;
 };

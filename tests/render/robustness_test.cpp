@@ -209,6 +209,19 @@ TEST(Robustness, OfTwoSurfacesInOnePlaceTheFirstIsSeen) {
     }
 }
 
+TEST(Robustness, LightsThatNoSurfaceWorksWithCostNothing) {
+    StillLife test;
+    for (int i = 0; i < 40; ++i)
+        test.addSun({0.1 * i - 2, -1, -1}, V3d(0.02));
+    Settings settings = settingsOf(tavoraDefaults());
+    settings["useAllLights"] = false;
+    settings["lightList"] = {test.rig.lights.front().light->name};
+    RenderStats stats;
+    renderWith(test, frontCamera({0.1, 0, 8}, 2), squareOptions(60), TAVORA_MODULE,
+               blockOf(settings), &stats);
+    EXPECT_LT(stats.shadowRays, stats.evaluations * 3) << "of 43 lights";
+}
+
 TEST(Robustness, StoppingAndWatching) {
     const StillLife test;
     Renderer renderer(test.scene);

@@ -106,7 +106,9 @@ TEST(ViewSamples, ShowTogetherWhatEachShowsAlone) {
                 ASSERT_TRUE(isSame(samples[i], sample)) << i;
             }
             EXPECT_EQ(together.viewingRays(), alone.viewingRays());
-            EXPECT_EQ(together.shadowRays(), alone.shadowRays());
+            // Some are traced ahead that are not asked for in the end.
+            EXPECT_GE(together.shadowRays(), alone.shadowRays());
+            EXPECT_LT(together.shadowRays(), alone.shadowRays() * 11 / 10);
             EXPECT_EQ(together.evaluations(), alone.evaluations());
             EXPECT_GT(alone.evaluations(), 1000U);
         }
