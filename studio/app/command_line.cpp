@@ -198,6 +198,20 @@ void addLighting(Command& command, LightingOptions& lighting) {
                    into(lighting.exposure, exposure));
     command.option("--falloff", "none|physical", "How light weakens with distance (none)",
                    into(lighting.falloff, falloff));
+    constexpr double kFarthest = 1e9;   // metres
+    constexpr double kWidestSun = 179;  // degrees
+    constexpr double kDegree = 0.017453292519943295;
+    command.list("--light-radius", "[LIGHT=]METRES",
+                 "Size of point and spot lights, which softens shadows; repeatable",
+                 [&lighting](const std::string& option, const std::string& text) {
+                     lighting.radii.push_back(lightSize(option, text, kFarthest));
+                 });
+    command.list("--light-angle", "[LIGHT=]DEGREES",
+                 "Size of directional lights in the sky, the same; the sun has 0.53",
+                 [&lighting](const std::string& option, const std::string& text) {
+                     lighting.angles.push_back(lightSize(option, text, kWidestSun));
+                     lighting.angles.back().size *= kDegree;
+                 });
 }
 
 void addQuality(Command& command, RenderRequest& request) {
@@ -233,6 +247,8 @@ void addRender(Command& command, RenderRequest& request) {
     addShading(command, request.shading);
     command->add_flag("--no-shader{*}", request.shading.plain,
                       "Plain shading for all or some surfaces; repeatable");
+    command->add_flag("--no-self-shadow{*}", request.unshadowed,
+                      "Surfaces, all or some, that throw no shadow on themselves; repeatable");
     command.option("--progress", "KIND", "auto, none, bar or json (auto)",
                    into(request.progress, progressKind));
     addReport(command, request.report);

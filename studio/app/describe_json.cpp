@@ -11,6 +11,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr double kDegrees = 57.29577951308232;  // a radian
+
 Json vectorOf(const Imath::V3d& v) {
     return {v.x, v.y, v.z};
 }
@@ -24,6 +26,7 @@ Json describe(const Surface& surface) {
             {"alpha", nameOf(surface.alphaMode)},
             {"doubleSided", surface.doubleSided},
             {"unlit", surface.unlit},
+            {"selfShadow", surface.selfShadow},
             {"textured", surface.baseColorTexture.has_value()},
             {"shader", surface.shader ? Json(surface.shader->server) : Json()},
             {"enabled", surface.shader && surface.shader->enabled}};
@@ -36,11 +39,15 @@ Json describe(const Light& light) {
               {"intensity", light.intensity}};
     if (light.kind != LightKind::Directional) json["position"] = vectorOf(light.position);
     if (light.kind != LightKind::Point) json["direction"] = vectorOf(light.direction);
+    if (light.kind == LightKind::Directional) {
+        json["angleDegrees"] = light.angle * kDegrees;
+    } else {
+        json["radius"] = light.radius;
+    }
     return json;
 }
 
 Json describe(const Camera& camera) {
-    constexpr double kDegrees = 57.29577951308232;
     Json json{{"name", camera.name},
               {"kind", camera.orthographic ? "orthographic" : "perspective"}};
     if (camera.orthographic) {

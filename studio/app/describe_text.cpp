@@ -9,11 +9,14 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
+constexpr double kDegrees = 57.29577951308232;  // a radian
+
 std::string textOf(const Surface& surface) {
     std::string text = surface.baseColorTexture ? "textured" : "plain colour";
     text += fmt::format(", {}", nameOf(surface.alphaMode));
     if (surface.doubleSided) text += ", double-sided";
     if (surface.unlit) text += ", unlit";
+    if (!surface.selfShadow) text += ", no self-shadow";
     if (surface.shader) {
         text += fmt::format(", shader {}{}", surface.shader->server,
                             surface.shader->enabled ? "" : " (off)");
@@ -22,13 +25,16 @@ std::string textOf(const Surface& surface) {
 }
 
 std::string textOf(const Light& light) {
-    return fmt::format("{}, {:.4g} {}, colour {:.3g} {:.3g} {:.3g}", nameOf(light.kind),
-                       light.intensity, light.kind == LightKind::Directional ? "lux" : "candela",
-                       light.color.x, light.color.y, light.color.z);
+    std::string text =
+        fmt::format("{}, {:.4g} {}, colour {:.3g} {:.3g} {:.3g}", nameOf(light.kind),
+                    light.intensity, light.kind == LightKind::Directional ? "lux" : "candela",
+                    light.color.x, light.color.y, light.color.z);
+    if (light.radius > 0) text += fmt::format(", radius {:.4g} m", light.radius);
+    if (light.angle > 0) text += fmt::format(", {:.4g} degrees wide", light.angle * kDegrees);
+    return text;
 }
 
 std::string textOf(const Camera& camera) {
-    constexpr double kDegrees = 57.29577951308232;
     if (camera.orthographic)
         return fmt::format("orthographic, {:.4g} m high", camera.halfHeight * 2);
     return fmt::format("perspective, {:.4g} degrees high", camera.verticalFov * kDegrees);

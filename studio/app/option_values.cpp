@@ -253,6 +253,13 @@ LookChoice lookChoice(const std::string& text) {
     refuse("--look", "LOOK or SURFACE=LOOK", text);
 }
 
+LightSize lightSize(const std::string& option, const std::string& text, double most) {
+    const std::size_t equals = text.rfind('=');
+    const bool all = equals == std::string::npos;
+    const std::string size = all ? text : text.substr(equals + 1);
+    return {all ? "*" : text.substr(0, equals), realNumber(option, size, 0, most)};
+}
+
 SettingChange settingChange(const std::string& text) {
     const std::size_t equals = text.find('=');
     const std::string left = text.substr(0, equals);

@@ -37,6 +37,9 @@ std::optional<Imath::V3d> background(const std::string& option, const std::strin
 /// A factor above 0, or none for "auto".
 std::optional<double> exposure(const std::string& option, const std::string& text);
 
+/// "0.2" for all lights, or "LIGHT=0.2", from 0 to `most`. Names may hold "=".
+LightSize lightSize(const std::string& option, const std::string& text, double most);
+
 bool falloff(const std::string& option, const std::string& text);
 PixelFilter pixelFilter(const std::string& option, const std::string& text);
 PictureDepth depth(const std::string& option, const std::string& text);

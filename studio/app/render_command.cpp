@@ -8,6 +8,7 @@
 #include "studio/app/progress.h"
 #include "studio/app/scene_view.h"
 #include "studio/app/shading_plan.h"
+#include "studio/app/surface_names.h"
 #include "studio/app/usage_error.h"
 #include "studio/render/picture_file.h"
 #include "studio/render/renderer.h"
@@ -41,6 +42,10 @@ Scene readScene(const RenderRequest& request, Report& report) {
     Scene scene = readGltf(request.scene);
     for (const std::string& warning : scene.warnings)
         report.warning(warning);
+    for (const std::string& pattern : request.unshadowed) {
+        for (const std::size_t i : matchingSurfaces(scene, pattern, "--no-self-shadow"))
+            scene.surfaces[i].selfShadow = false;
+    }
     return scene;
 }
 
@@ -95,7 +100,7 @@ void noteStats(const RenderStats& stats, Report& report) {
 
 Picture renderPicture(const Scene& scene, const Camera& camera, const RenderRequest& request,
                       const PictureArea& area, Report& report) {
-    const LightRig rig = settleLights(scene, camera, request.lighting);
+    const LightRig rig = lightsFor(scene, camera, request.lighting);
     const Shading shading = settleShading(scene, request, rig, report);
     RenderStats stats;
     const PoliteStop stop;

@@ -6,6 +6,7 @@
 
 #include "studio/app/usage_error.h"
 #include "studio/scene/default_view.h"
+#include "studio/scene/glob.h"
 #include "studio/scene/nearest_name.h"
 
 namespace tavora::studio {
@@ -18,7 +19,48 @@ bool isIndex(const std::string& text, std::size_t count, std::size_t& index) {
     return error == std::errc() && stop == end && index < count;
 }
 
+bool isSun(const LitLight& light) {
+    return light.light->kind == LightKind::Directional;
+}
+
+[[noreturn]] void refuseSize(const char* option, const std::string& wanted, bool suns,
+                             const LightRig& rig) {
+    std::vector<std::string> fitting;
+    for (const LitLight& light : rig.lights) {
+        if (isSun(light) == suns) {
+            fitting.push_back(light.light->name);
+        } else if (matchesName(wanted, light.light->name)) {
+            throw UsageError(fmt::format("{}: the light \"{}\" is {}: give it {}", option,
+                                         light.light->name,
+                                         suns ? "not directional" : "directional",
+                                         suns ? "--light-radius" : "--light-angle"));
+        }
+    }
+    throw UsageError(fmt::format("{}: no {} light \"{}\"{}", option,
+                                 suns ? "directional" : "point or spot", wanted,
+                                 nearestNames(wanted, fitting)));
+}
+
+/// A size without a name is for whatever lights there are.
+void checkSizes(const char* option, const std::vector<LightSize>& sizes, bool suns,
+                const LightRig& rig) {
+    for (const LightSize& size : sizes) {
+        const bool fits =
+            std::any_of(rig.lights.begin(), rig.lights.end(), [&](const LitLight& light) {
+                return isSun(light) == suns && matchesName(size.lights, light.light->name);
+            });
+        if (!fits && size.lights != "*") refuseSize(option, size.lights, suns, rig);
+    }
+}
+
 }  // namespace
+
+LightRig lightsFor(const Scene& scene, const Camera& camera, const LightingOptions& options) {
+    LightRig rig = settleLights(scene, camera, options);
+    checkSizes("--light-radius", options.radii, false, rig);
+    checkSizes("--light-angle", options.angles, true, rig);
+    return rig;
+}
 
 Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect) {
     const std::vector<Camera>& cameras = scene.cameras;

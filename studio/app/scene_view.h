@@ -13,6 +13,10 @@ namespace tavora::studio {
 /// near names.
 Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect);
 
+/// settleLights(). Throws UsageError for a size whose name matches no light of
+/// its kind, and lists the near names.
+LightRig lightsFor(const Scene& scene, const Camera& camera, const LightingOptions& options);
+
 /// Names of the lights of a render, in order.
 std::vector<std::string> lightNames(const LightRig& rig);
 

@@ -2,9 +2,9 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <fnmatch.h>
 
 #include "studio/app/usage_error.h"
+#include "studio/scene/glob.h"
 #include "studio/scene/nearest_name.h"
 
 namespace tavora::studio {
@@ -36,7 +36,7 @@ std::vector<std::size_t> matchingSurfaces(const Scene& scene, const std::string&
         const std::string& name = scene.surfaces[i].name;
         // A name may hold brackets and stars of its own.
         if (name == pattern) return {i};
-        if (::fnmatch(pattern.c_str(), name.c_str(), 0) == 0) matches.push_back(i);
+        if (matchesName(pattern, name)) matches.push_back(i);
         names.push_back(name);
     }
     if (!matches.empty() || pattern == "*") return matches;

@@ -2,19 +2,78 @@
 
 #include <algorithm>
 #include <bit>
+#include <cmath>
 #include <limits>
+
+#include "studio/scene/soft_light.h"
 
 namespace tavora::studio {
 namespace {
 
-// A node is a row of words: the hit, the place of the node after it, then two
+// A node is a row of words: the hit, the place of the node after it, then some
 // bits a light.
 constexpr std::size_t kDistance = 0;
 constexpr std::size_t kMesh = 1;
 constexpr std::size_t kTriangle = 2;
 constexpr std::size_t kNext = 3;
 constexpr std::size_t kLights = 4;
-constexpr std::size_t kLightsAWord = 16;
+
+// Those bits: first two that say what is known. Where lights have sizes, then
+// how many of how many points of the light reach the hit; of none: not kept.
+constexpr std::size_t kKindBits = 2;
+constexpr std::uint32_t kUnknownShare = 0;
+constexpr std::uint32_t kNone = 1;
+constexpr std::uint32_t kAll = 2;
+constexpr std::uint32_t kPart = 3;
+constexpr std::size_t kPointBits = 7;
+constexpr std::size_t kFractionBits = 16;
+constexpr std::size_t kWordBits = 32;
+static_assert(kSoftPoints < 1U << kPointBits && kKindBits + 2 * kPointBits <= kFractionBits);
+
+std::size_t bitsALight(const KeptLights& lights) {
+    return lights.haveSizes ? kFractionBits : kKindBits;
+}
+
+std::size_t wordsFor(const KeptLights& lights) {
+    return (lights.count * bitsALight(lights) + kWordBits - 1) / kWordBits;
+}
+
+/// The fewest points whose mean is `share` to the bit; 0 of 0 when there are none.
+std::uint32_t fractionOf(double share) {
+    for (std::uint32_t points = 1; points <= kSoftPoints; ++points) {
+        const double reached = std::round(share * points);
+        if (reached / points == share)
+            return static_cast<std::uint32_t>(reached) | points << kPointBits;
+    }
+    return 0;
+}
+
+double shareOf(std::uint32_t fraction) {
+    const std::uint32_t points = fraction >> kPointBits;
+    if (points == 0) return -1;
+    return static_cast<double>(fraction & ((1U << kPointBits) - 1)) / points;
+}
+
+/// `bits` of room.
+std::uint32_t coded(double share, std::size_t bits) {
+    if (share == 0) return kNone;
+    if (share == 1) return kAll;
+    return bits < kFractionBits ? kPart : kPart | fractionOf(share) << kKindBits;
+}
+
+KeptShare decoded(std::uint32_t code) {
+    constexpr std::uint32_t kKinds = (1U << kKindBits) - 1;
+    switch (code & kKinds) {
+        case kUnknownShare:
+            return {};
+        case kNone:
+            return {true, 0};
+        case kAll:
+            return {true, 1};
+        default:
+            return {true, shareOf(code >> kKindBits)};
+    }
+}
 
 constexpr KeptPath::Place kFirst = 0xfffffffe;  // the node in the sample's layer
 constexpr std::uint32_t kUnknownNext = 0;
@@ -34,11 +93,6 @@ void write(const HitKey& hit, std::uint32_t* node) {
 
 HitKey read(const std::uint32_t* node) {
     return {std::bit_cast<float>(node[kDistance]), node[kMesh], node[kTriangle]};
-}
-
-KeptShare keptShare(double share) {
-    if (share == 0) return KeptShare::None;
-    return share == 1 ? KeptShare::All : KeptShare::Some;
 }
 
 }  // namespace
@@ -77,15 +131,16 @@ void KeptPath::keep(Place& place, const HitKey* hit) {
 }
 
 KeptShare KeptPath::share(Place place, std::size_t light) const {
-    if (first_ == nullptr || place == kLost) return KeptShare::Unknown;
-    const std::uint32_t word = node(place)[kLights + light / kLightsAWord];
-    return static_cast<KeptShare>(word >> 2 * (light % kLightsAWord) & 3U);
+    if (first_ == nullptr || place == kLost) return {};
+    const std::size_t bit = tile_->bitAt(light);
+    const std::uint32_t word = node(place)[kLights + bit / kWordBits];
+    return decoded(word >> bit % kWordBits & ((1U << tile_->lightBits_) - 1));
 }
 
 void KeptPath::keepShare(Place place, std::size_t light, double share) {
     if (first_ == nullptr || place == kLost) return;
-    const auto bits = static_cast<std::uint32_t>(keptShare(share));
-    node(place)[kLights + light / kLightsAWord] |= bits << 2 * (light % kLightsAWord);
+    const std::size_t bit = tile_->bitAt(light);
+    node(place)[kLights + bit / kWordBits] |= coded(share, tile_->lightBits_) << bit % kWordBits;
 }
 
 bool PathBudget::take(std::size_t bytes) {
@@ -96,9 +151,10 @@ bool PathBudget::take(std::size_t bytes) {
     return false;
 }
 
-TilePaths::TilePaths(std::size_t pixels, int samples, std::size_t lights, PathBudget& budget)
+TilePaths::TilePaths(std::size_t pixels, int samples, const KeptLights& lights, PathBudget& budget)
     : pixels_(pixels),
-      stride_(kLights + (lights + kLightsAWord - 1) / kLightsAWord),
+      lightBits_(bitsALight(lights)),
+      stride_(kLights + wordsFor(lights)),
       budget_(&budget),
       layers_(static_cast<std::size_t>(samples)) {}
 

@@ -11,11 +11,19 @@
 namespace tavora::studio {
 
 /// Share of a light that reaches a hit, as far as it is kept.
-enum class KeptShare : std::uint32_t {
-    Unknown,
-    None,
-    All,
-    Some  ///< neither; how much has to be traced again
+struct KeptShare {
+    bool isKnown = false;  ///< at least whether it is all, nothing or a part
+    double share = -1;     ///< 0..1; negative where it has to be traced
+};
+
+/// The lights of a picture, as paths keep what is known of them: all, nothing
+/// or a part of each; where lights have a size, also the part that shadows of
+/// solid surfaces leave.
+struct KeptLights {
+    std::size_t count = 0;
+    bool haveSizes = false;
+
+    bool operator==(const KeptLights&) const = default;
 };
 
 class TilePaths;
@@ -77,7 +85,7 @@ struct PathAge {
 class TilePaths {
   public:
     /// `budget` must outlive it.
-    TilePaths(std::size_t pixels, int samples, std::size_t lights, PathBudget& budget);
+    TilePaths(std::size_t pixels, int samples, const KeptLights& lights, PathBudget& budget);
 
     /// Before paths are asked for: forgets what is void.
     void open(const PathAge& age);
@@ -100,11 +108,13 @@ class TilePaths {
     void refresh(Layer& layer);
     void clear(std::uint32_t* nodes, std::size_t count) const;
     void clearLights(std::uint32_t* nodes, std::size_t count) const;
+    std::size_t bitAt(std::size_t light) const { return light * lightBits_; }
     KeptPath::Place addFurther(const HitKey& hit);
     bool makeRoom(std::size_t words);
 
     std::size_t pixels_;
-    std::size_t stride_;  ///< words of a node
+    std::size_t lightBits_;  ///< of each light
+    std::size_t stride_;     ///< words of a node
     PathBudget* budget_;
     PathAge age_{0, 0};
     std::vector<Layer> layers_;           ///< by sample

@@ -3,12 +3,6 @@
 #include <cmath>
 
 namespace tavora::studio {
-namespace {
-
-/// Shadow rays end a little before the light.
-constexpr double kAlmost = 1 - 1e-6;
-
-}  // namespace
 
 LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
     : scene_(&scene), lights_(&lights), slots_(lights.lights.size()) {
@@ -27,7 +21,7 @@ void LightArrivals::start(const SurfacePoint& point, KeptPath* path, KeptPath::P
 
 void LightArrivals::prepare() {
     for (std::size_t light = 0; light < slots_.size(); ++light) {
-        if (kept(light) == KeptShare::Unknown && cosine(light) > 0) settle(light);
+        if (!kept(light).isKnown && cosine(light) > 0) settle(light);
     }
 }
 
@@ -39,7 +33,7 @@ double LightArrivals::cosine(std::size_t light) {
 const LightArrival& LightArrivals::at(std::size_t light) {
     Slot& slot = slots_[light];
     if (!asked_.empty()) asked_[light] = 1;
-    if (kept(light) == KeptShare::None) {
+    if (kept(light).share == 0) {
         slot.arrival.lit = false;
         return slot.arrival;
     }
@@ -53,8 +47,13 @@ LightArrival LightArrivals::elsewhere(std::size_t light, const Imath::V3d& posit
     slot.distance = arrivingLight(*lights_, lights_->lights[light], position,
                                   slot.arrival.direction, slot.arrival.color);
     if (!(slot.distance >= 0)) return slot.arrival;
-    const double nearest = 4 * roundingMargin(magnitudeOf(position));
-    const double share = passing(position, position, slot, nearest, 0);
+    Ray base;
+    base.origin = position;
+    base.nearest = 4 * roundingMargin(magnitudeOf(position));
+    ShadowRays rays;
+    const bool blockable = rays.aim(base, lights_->lights[light],
+                                    {position, slot.arrival.direction, slot.distance, nullptr});
+    const double share = blockable ? passing(rays) : 1;
     slot.arrival.lit = share > 0;
     slot.arrival.color *= share;
     return slot.arrival;
@@ -81,22 +80,25 @@ void LightArrivals::settle(std::size_t light) {
     Slot& slot = slots_[light];
     if (slot.settledAt == sample_) return;
     slot.settledAt = sample_;
-    const KeptShare known = kept(light);
-    double share = known == KeptShare::All ? 1 : knownShare(light);
-    if (share < 0) share = traceShare(slot);
-    if (known == KeptShare::Unknown && path_ != nullptr) path_->keepShare(place_, light, share);
+    const KeptShare before = kept(light);
+    double share = before.share;
+    if (share < 0) share = knownShare(light);
+    if (share < 0) share = traceShare(light);
+    if (!before.isKnown && path_ != nullptr) path_->keepShare(place_, light, share);
     slot.arrival.lit = share > 0;
     slot.arrival.color *= share;
 }
 
 KeptShare LightArrivals::kept(std::size_t light) const {
-    return path_ != nullptr ? path_->share(place_, light) : KeptShare::Unknown;
+    return path_ != nullptr ? path_->share(place_, light) : KeptShare{};
 }
 
 /// Share of the light that passes to the sample; 0 where it is dark or behind.
-double LightArrivals::traceShare(const Slot& slot) {
+double LightArrivals::traceShare(std::size_t light) {
+    const Slot& slot = slots_[light];
     if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return 0;
-    return passing(startOfShadows(), point_->position, slot, 0, point_->spotSize);
+    ShadowRays rays;
+    return raysFromHere(light, rays) ? passing(rays) : 1;
 }
 
 const Imath::V3d& LightArrivals::startOfShadows() {
@@ -107,41 +109,32 @@ const Imath::V3d& LightArrivals::startOfShadows() {
     return start_;
 }
 
-bool LightArrivals::wantsRay(std::size_t light, Ray& ray) {
-    return cosine(light) > 0 &&
-           rayToLight(startOfShadows(), point_->position, slots_[light], 0, point_->spotSize, ray);
+bool LightArrivals::wantsRays(std::size_t light, ShadowRays& rays) {
+    return cosine(light) > 0 && raysFromHere(light, rays);
+}
+
+/// False where the light is too near for anything to be between.
+bool LightArrivals::raysFromHere(std::size_t light, ShadowRays& rays) {
+    const Slot& slot = slots_[light];
+    const SceneMesh& source = *point_->geometry->source;
+    Ray base;
+    base.origin = startOfShadows();
+    base.spot = point_->spotSize;
+    if (!source.surface->selfShadow) base.spared = &source;
+    return rays.aim(base, lights_->lights[light],
+                    {point_->position, slot.arrival.direction, slot.distance, &point_->normal});
 }
 
 bool LightArrivals::isBehind(const Imath::V3d& direction) const {
     return direction.dot(point_->normal) >= 0 && direction.dot(point_->geometricNormal) >= 0;
 }
 
-/// Share of the light that comes from the light that reaches `lit` to `start`.
-double LightArrivals::passing(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot,
-                              double nearest, double spot) {
-    Ray ray;
-    if (!rayToLight(start, lit, slot, nearest, spot, ray)) return 1;
-    ++shadowRays_;
-    return scene_->transmittance(ray);
-}
-
-/// From `start` to where the light that reaches `lit` is; false where it is too near.
-bool LightArrivals::rayToLight(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot,
-                               double nearest, double spot, Ray& ray) {
-    ray.origin = start;
-    ray.direction = -slot.arrival.direction;
-    ray.nearest = nearest;
-    ray.farthest = std::numeric_limits<double>::infinity();
-    ray.spot = spot;
-    ray.spread = 0;
-    if (std::isfinite(slot.distance)) {
-        const Imath::V3d toLight = lit - slot.arrival.direction * slot.distance - start;
-        const double length = toLight.length();
-        if (!(length > nearest)) return false;
-        ray.direction = toLight / length;
-        ray.farthest = length * kAlmost;
+double LightArrivals::passing(ShadowRays& rays) {
+    for (Ray ray; rays.next(ray);) {
+        ++shadowRays_;
+        rays.add(scene_->transmittance(ray));
     }
-    return true;
+    return rays.share();
 }
 
 }  // namespace tavora::studio

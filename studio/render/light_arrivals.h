@@ -8,6 +8,7 @@
 
 #include "studio/render/kept_paths.h"
 #include "studio/render/ray_scene.h"
+#include "studio/render/shadow_rays.h"
 #include "studio/render/surface_point.h"
 #include "studio/scene/light_levels.h"
 
@@ -46,9 +47,8 @@ class LightArrivals {
     /// Works out all lights that the interpolated normal faces.
     void prepare();
 
-    /// The ray whose RayScene::transmittance() is all that prepare() has to
-    /// trace for the light; false when it has nothing to.
-    bool wantsRay(std::size_t light, Ray& ray);
+    /// What prepare() has to trace for the light; false when it has nothing to.
+    bool wantsRays(std::size_t light, ShadowRays& rays);
 
     /// How far the interpolated normal faces the light: 1 straight, 0 and below
     /// not, or where the light is dark anyway. Traces nothing.
@@ -73,16 +73,14 @@ class LightArrivals {
     Slot& meet(std::size_t light);
     void settle(std::size_t light);
     KeptShare kept(std::size_t light) const;
-    double traceShare(const Slot& slot);
+    double traceShare(std::size_t light);
     const Imath::V3d& startOfShadows();
     double knownShare(std::size_t light) const {
         return light < known_.size() ? known_[light] : -1;
     }
     bool isBehind(const Imath::V3d& direction) const;
-    static bool rayToLight(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot,
-                           double nearest, double spot, Ray& ray);
-    double passing(const Imath::V3d& start, const Imath::V3d& lit, const Slot& slot, double nearest,
-                   double spot);
+    bool raysFromHere(std::size_t light, ShadowRays& rays);
+    double passing(ShadowRays& rays);
 
     const RayScene* scene_;
     const LightRig* lights_;

@@ -32,6 +32,11 @@ std::size_t laneCount(const LiveOptions& options) {
     return std::max<std::size_t>(wanted, 1);
 }
 
+KeptLights lightsToKeep(const LightRig& rig) {
+    const auto hasSize = [](const LitLight& light) { return !light.points.empty(); };
+    return {rig.lights.size(), std::any_of(rig.lights.begin(), rig.lights.end(), hasSize)};
+}
+
 }  // namespace
 
 LivePainter::LivePainter(const RayScene& scene, std::filesystem::path module,
@@ -86,7 +91,7 @@ void LivePainter::adoptView(const LiveWish& wish) {
 
 /// Hits depend on the view alone, light on that and the lights.
 void LivePainter::adoptPaths(const LiveWish& wish, bool newView, bool newLights) {
-    const std::size_t lights = wish.lights->lights.size();
+    const KeptLights lights = lightsToKeep(*wish.lights);
     if (paths_ && paths_->lights() == lights) {
         if (newView) paths_->forgetHits();
         if (newLights) paths_->forgetLights();

@@ -9,7 +9,7 @@ std::size_t pixelsOf(const PixelBox& tile) {
 
 }  // namespace
 
-PathStore::PathStore(std::span<const PixelBox> tiles, int samples, std::size_t lights,
+PathStore::PathStore(std::span<const PixelBox> tiles, int samples, const KeptLights& lights,
                      std::size_t memory)
     : lights_(lights), budget_(memory) {
     tiles_.reserve(tiles.size());

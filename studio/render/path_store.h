@@ -14,9 +14,10 @@ namespace tavora::studio {
 class PathStore {
   public:
     /// `lights` and `samples` of each path, at most `memory` bytes of paths.
-    PathStore(std::span<const PixelBox> tiles, int samples, std::size_t lights, std::size_t memory);
+    PathStore(std::span<const PixelBox> tiles, int samples, const KeptLights& lights,
+              std::size_t memory);
 
-    std::size_t lights() const { return lights_; }
+    const KeptLights& lights() const { return lights_; }
 
     /// What is kept was of another view.
     void forgetHits() { ++age_.view; }
@@ -33,7 +34,7 @@ class PathStore {
     bool wasExceeded() const { return budget_.wasExceeded(); }
 
   private:
-    std::size_t lights_;
+    KeptLights lights_;
     std::size_t samples_ = 0;  ///< of all tiles
     PathBudget budget_;
     PathAge age_;

@@ -106,7 +106,17 @@ bool isSeen(const HitAtFilter& at) {
     return true;
 }
 
+/// Whether the surface is not to shade itself, and it is from there that the
+/// shadow ray comes.
+bool isSpared(const HitAtFilter& at) {
+    const SceneMesh* spared = at.progress.ray->spared;
+    const SceneMesh& here = *at.geometry.source;
+    return spared != nullptr && here.object == spared->object && here.surface == spared->surface;
+}
+
 bool stopsLight(const HitAtFilter& at) {
+    if (isSpared(at)) return false;
+    if (at.cover() == Cover::Solid) return true;
     if (at.cover() == Cover::CutOut) return !isCutOut(at);
     if (at.progress.leavesClear) {
         at.progress.metClear = true;
@@ -177,7 +187,8 @@ void RayScene::attach(MeshGeometry& geometry) {
                                mesh.triangles.size());
     rtcSetGeometryUserData(handle, &geometry);
     rtcSetGeometryIntersectFilterFunction(handle, filter<isSeen>);
-    if (traits(geometry.source->surfaceIndex).cover != Cover::Solid) {
+    const SurfaceTraits& worn = traits(geometry.source->surfaceIndex);
+    if (worn.cover != Cover::Solid || !worn.surface->selfShadow) {
         rtcSetGeometryOccludedFilterFunction(handle, filter<stopsLight>);
     }
     rtcCommitGeometry(handle);

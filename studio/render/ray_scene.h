@@ -22,6 +22,8 @@ struct Ray {
     double farthest = std::numeric_limits<double>::infinity();
     double spot = 0;    ///< diameter of the footprint at the origin
     double spread = 0;  ///< by which it grows for each unit of distance
+    /// Shadow rays pass what wears its surface on its object; null: nothing.
+    const SceneMesh* spared = nullptr;
 
     double spotAt(double distance) const { return spot + spread * distance; }
 };

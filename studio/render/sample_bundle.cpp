@@ -35,10 +35,8 @@ const MetSurface* SampleBundle::met(std::size_t ray) const {
 
 void SampleBundle::trace(std::span<const Ray> rays, const SampleShader& shader) {
     findSurfaces(rays);
-    for (Beam& beam : beams_) {
-        beam.rays.clear();
-        beam.viewing.clear();
-    }
+    for (Beam& beam : beams_)
+        beam.clear();
     std::fill_n(shares_.begin(), rays.size() * lights_, -1.0);
     for (std::size_t i = 0; i < rays.size(); ++i) {
         const MetSurface* surface = met(i);
@@ -66,19 +64,36 @@ void SampleBundle::findSurfaces(std::span<const Ray> rays) {
 void SampleBundle::aimAtLights(const MetSurface& met, std::uint32_t ray,
                                const SampleShader& shader) {
     arrivals_.start(met.point);
-    Ray aimed;
+    Way way{{}, ray};
     for (std::size_t light = 0; light < lights_; ++light) {
-        if (!shader.asksFor(met, light) || !arrivals_.wantsRay(light, aimed)) continue;
-        beams_[light].rays.push_back(aimed);
-        beams_[light].viewing.push_back(ray);
+        if (shader.asksFor(met, light) && arrivals_.wantsRays(light, way.rays))
+            beams_[light].push_back(way);
     }
 }
 
-void SampleBundle::follow(const Beam& beam, std::size_t light) {
-    streams_.transmittances(beam.rays, passed_);
-    shadowRays_ += beam.rays.size();
-    for (std::size_t i = 0; i < beam.rays.size(); ++i)
-        shares_[beam.viewing[i] * lights_ + light] = passed_[i];
+void SampleBundle::follow(Beam& beam, std::size_t light) {
+    while (step(beam))
+        ;
+    for (const Way& way : beam)
+        shares_[way.viewing * lights_ + light] = way.rays.share();
+}
+
+/// One ray on each way that has one left; false when none has. Neighbours go to
+/// the same place in the light.
+bool SampleBundle::step(Beam& beam) {
+    shadows_.clear();
+    walking_.clear();
+    Ray ray;
+    for (std::size_t i = 0; i < beam.size(); ++i) {
+        if (!beam[i].rays.next(ray)) continue;
+        shadows_.push_back(ray);
+        walking_.push_back(static_cast<std::uint32_t>(i));
+    }
+    streams_.transmittances(shadows_, passed_);
+    shadowRays_ += shadows_.size();
+    for (std::size_t i = 0; i < walking_.size(); ++i)
+        beam[walking_[i]].rays.add(passed_[i]);
+    return !walking_.empty();
 }
 
 }  // namespace tavora::studio

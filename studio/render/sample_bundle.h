@@ -39,14 +39,16 @@ class SampleBundle {
     std::uint64_t shadowRays() const { return shadowRays_; }
 
   private:
-    /// The shadow rays to one light.
-    struct Beam {
-        std::vector<Ray> rays;
-        std::vector<std::uint32_t> viewing;  ///< where each one's viewing ray stands
+    /// The ways from where a viewing ray ends to one light.
+    struct Way {
+        ShadowRays rays;
+        std::uint32_t viewing = 0;  ///< where the viewing ray stands
     };
+    using Beam = std::vector<Way>;
     void findSurfaces(std::span<const Ray> rays);
     void aimAtLights(const MetSurface& met, std::uint32_t ray, const SampleShader& shader);
-    void follow(const Beam& beam, std::size_t light);
+    void follow(Beam& beam, std::size_t light);
+    bool step(Beam& beam);
 
     const RayScene* scene_;
     std::size_t lights_;
@@ -54,9 +56,11 @@ class SampleBundle {
     LightArrivals arrivals_;
     std::vector<HitKey> hits_;
     std::vector<MetSurface> met_;
-    std::vector<Beam> beams_;     ///< by light
-    std::vector<double> shares_;  ///< by ray and light
-    std::vector<double> passed_;  ///< of a beam
+    std::vector<Beam> beams_;             ///< by light
+    std::vector<double> shares_;          ///< by ray and light
+    std::vector<Ray> shadows_;            ///< of a beam
+    std::vector<std::uint32_t> walking_;  ///< ways in the beam that those are of
+    std::vector<double> passed_;          ///< along them
     std::uint64_t viewingRays_ = 0;
     std::uint64_t shadowRays_ = 0;
 };

@@ -14,6 +14,8 @@ using Imath::V3d;
 using Json = nlohmann::ordered_json;
 
 constexpr double kWidestCone = 1.5707963267948966;  // radians from the axis
+constexpr double kWidestSun = 179;                  // degrees from edge to edge
+constexpr double kDegree = 0.017453292519943295;    // radians
 constexpr double kWidestView = 3.14159;             // radians from edge to edge
 
 LightKind kindOf(const GltfSource& source, const tinygltf::Light& light, int index) {
@@ -26,19 +28,61 @@ LightKind kindOf(const GltfSource& source, const tinygltf::Light& light, int ind
                     index, light.name, light.type));
 }
 
-/// {"tavora": {"makesHighlights": false}} in the extras of what `place` points to.
-void readHighlights(const GltfSource& source, const std::string& place, Light& light,
-                    std::vector<std::string>& warnings) {
-    const Json::json_pointer flag(place + "/extras/tavora/makesHighlights");
-    if (!source.document.contains(flag)) return;
-    const Json& value = source.document.at(flag);
-    if (value.is_boolean()) {
-        light.makesHighlights = value.get<bool>();
-        return;
+/// What the extras of a light, or of its node, say of it beyond the file format:
+/// {"tavora": {"makesHighlights": false, "radius": 0.2, "angle": 0.5}}
+class LightExtras {
+  public:
+    /// `place` points to what holds the extras.
+    LightExtras(const GltfSource& source, const std::string& place,
+                std::vector<std::string>& warnings)
+        : source_(source), place_(place + "/extras/tavora"), warnings_(warnings) {}
+
+    void readInto(Light& light) {
+        if (const Json* flag = member("makesHighlights")) readFlag(*flag, light.makesHighlights);
+        const bool sun = light.kind == LightKind::Directional;
+        if (const Json* size = member("radius")) {
+            readSize(*size, !sun, "a length of a point or spot light, in metres", light.radius);
+        }
+        double degrees = light.angle / kDegree;
+        if (const Json* size = member("angle")) {
+            readSize(*size, sun, "the angle of a directional light, in degrees below 180", degrees);
+        }
+        light.angle = std::min(degrees, kWidestSun) * kDegree;
     }
-    warnings.push_back(oneLine(fmt::format("{}: {} is neither true nor false and left out",
-                                           source.path, flag.to_string())));
-}
+
+  private:
+    const Json* member(const char* name) {
+        member_ = place_ / name;
+        return source_.document.contains(member_) ? &source_.document.at(member_) : nullptr;
+    }
+
+    void readFlag(const Json& value, bool& target) {
+        if (value.is_boolean()) {
+            target = value.get<bool>();
+        } else {
+            leaveOut("neither true nor false");
+        }
+    }
+
+    void readSize(const Json& value, bool fits, const char* wanted, double& target) {
+        const double size = value.is_number() ? value.get<double>() : -1;
+        if (fits && size >= 0 && std::isfinite(size)) {
+            target = size;
+        } else {
+            leaveOut(fmt::format("not {}", wanted));
+        }
+    }
+
+    void leaveOut(const std::string& why) {
+        warnings_.push_back(oneLine(
+            fmt::format("{}: {} is {} and left out", source_.path, member_.to_string(), why)));
+    }
+
+    const GltfSource& source_;
+    Json::json_pointer place_;
+    Json::json_pointer member_;
+    std::vector<std::string>& warnings_;
+};
 
 }  // namespace
 
@@ -58,9 +102,9 @@ Light readLight(const GltfSource& source, int index, int node, const Imath::M44d
     const double outer = std::clamp(from.spot.outerConeAngle, 0.0, kWidestCone);
     light.outerCone = static_cast<float>(outer);
     light.innerCone = static_cast<float>(std::clamp(from.spot.innerConeAngle, 0.0, outer));
-    readHighlights(source, fmt::format("/extensions/KHR_lights_punctual/lights/{}", index), light,
-                   warnings);
-    readHighlights(source, fmt::format("/nodes/{}", node), light, warnings);
+    const std::string own = fmt::format("/extensions/KHR_lights_punctual/lights/{}", index);
+    LightExtras(source, own, warnings).readInto(light);
+    LightExtras(source, fmt::format("/nodes/{}", node), warnings).readInto(light);
     return light;
 }
 

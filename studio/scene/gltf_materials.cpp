@@ -72,7 +72,20 @@ class MaterialReader {
         surface.shader = shaderFromExtras(
             member(material, "extras"),
             oneLine(fmt::format("{}: surface {}", source_.path, surface.name)), scene_.warnings);
+        readSelfShadow(member(member(material, "extras"), "tavora"), surface);
         scene_.surfaces.push_back(std::move(surface));
+    }
+
+    /// {"tavora": {"selfShadow": false}}
+    void readSelfShadow(const Json& own, Surface& surface) {
+        const Json& flag = member(own, "selfShadow");
+        if (flag.is_boolean()) {
+            surface.selfShadow = flag.get<bool>();
+        } else if (!flag.is_null()) {
+            scene_.warnings.push_back(oneLine(
+                fmt::format("{}: surface {}: its selfShadow is neither true nor false and left out",
+                            source_.path, surface.name)));
+        }
     }
 
     void readBase(const Json& material, Surface& surface) {

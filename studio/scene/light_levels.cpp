@@ -6,6 +6,8 @@
 
 #include "studio/scene/color.h"
 #include "studio/scene/default_view.h"
+#include "studio/scene/glob.h"
+#include "studio/scene/soft_light.h"
 
 namespace tavora::studio {
 namespace {
@@ -54,6 +56,20 @@ LitLight settle(const Light& light, const Scene& scene, double unit) {
     return lit;
 }
 
+/// The size of the last choice for the light, else its own.
+double sizeOf(const Light& light, double own, const std::vector<LightSize>& choices) {
+    for (const LightSize& choice : choices) {
+        if (matchesName(choice.lights, light.name)) own = choice.size;
+    }
+    return own;
+}
+
+std::vector<V3d> pointsOf(const Light& light, const LightingOptions& options) {
+    return light.kind == LightKind::Directional
+               ? softSunPoints(light, sizeOf(light, light.angle, options.angles))
+               : softLampPoints(light, sizeOf(light, light.radius, options.radii));
+}
+
 /// The strength that counts as 1: that of the brightest light.
 double brightest(const std::vector<const Light*>& lights, const Scene& scene) {
     double most = 0;
@@ -93,8 +109,10 @@ LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOp
         defaultAmbient = kDefaultAmbient;
     }
     const double unit = options.exposure ? 1.0 / *options.exposure : brightest(lights, scene);
-    for (const Light* light : lights)
+    for (const Light* light : lights) {
         rig.lights.push_back(settle(*light, scene, unit));
+        rig.lights.back().points = pointsOf(*light, options);
+    }
     rig.ambient = options.ambient.value_or(scene.ambient.value_or(V3d(defaultAmbient)));
     return rig;
 }

@@ -2,17 +2,26 @@
 
 #include <memory>
 #include <optional>
+#include <string>
 #include <vector>
 
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
 
+/// A size for lights of one kind: metres or radians, as in Light.
+struct LightSize {
+    std::string lights;  ///< name or glob
+    double size = 0;
+};
+
 /// How physical light units become the 0..1 that a gradient of zones wants.
 struct LightingOptions {
     std::optional<Imath::V3d> ambient;  ///< display-referred; overrides the scene's
     std::optional<double> exposure;     ///< factor on physical units; empty: brightest light = 1
     bool falloff = false;               ///< inverse square and range, instead of even light
+    std::vector<LightSize> radii = {};  ///< over those of the scene; the last that matches counts
+    std::vector<LightSize> angles = {};
 };
 
 /// One light with its level settled.
@@ -20,6 +29,8 @@ struct LitLight {
     const Light* light = nullptr;
     Imath::V3d color;  ///< display-referred, level counted in, before cone and falloff
     double scale = 1;  ///< with falloff: factor on 1 / distance^2; else unused
+    /// Of a light with a size; else empty. See soft_light.h.
+    std::vector<Imath::V3d> points = {};
 };
 
 /// The lights of one render. Its lights point into the scene or into `own`.

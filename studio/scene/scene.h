@@ -71,6 +71,7 @@ struct Surface {
     float alphaCutoff = 0.5F;
     bool doubleSided = false;
     bool unlit = false;
+    bool selfShadow = true;  ///< false: on no object does it shade itself, only others
     std::optional<TextureUse> translucencyTexture;
     Component translucencyComponent = Component::Red;
     float translucencyFactor = 0;
@@ -117,6 +118,8 @@ struct Light {
     float range = std::numeric_limits<float>::infinity();  ///< metres
     float innerCone = 0;                                   ///< radians from the axis
     float outerCone = 0.7853982F;
+    double radius = 0;  ///< metres; of a point or spot light's ball; 0: hard shadows
+    double angle = 0;   ///< radians, diameter of a directional light in the sky; 0: hard shadows
     bool makesHighlights = true;
 };
 

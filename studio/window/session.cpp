@@ -21,7 +21,7 @@ Session::Session(const EditRequest& request, Report& report)
     : document_(std::make_unique<Document>(request.scene, request.shading, report)) {
     const Scene& scene = document_->scene();
     const Camera camera = chooseCamera(scene, {}, kUsualAspect);
-    lights_ = std::make_shared<const LightRig>(settleLights(scene, camera, request.lighting));
+    lights_ = std::make_shared<const LightRig>(lightsFor(scene, camera, request.lighting));
     binding_ = std::make_unique<PanelBinding>(*lights_);
     orbit_ = std::make_unique<Orbit>(camera, scene.bounds);
     startPicture(request.threads);

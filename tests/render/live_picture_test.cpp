@@ -66,13 +66,15 @@ struct Room : TestScene {
     }
 };
 
-/// A sun that strong and that far from the right, a spot, and so many points.
-std::shared_ptr<const LightRig> lights(double sun, double right, int points) {
+/// A sun that strong and that far from the right, a spot, and so many points,
+/// all of that size.
+std::shared_ptr<const LightRig> lights(double sun, double right, int points, double size = 0) {
     const auto made = std::make_shared<TestScene>();
     made->addSun({-right, -0.4, -1}, V3d(sun, 0.6, 0.5));
     made->addLight(LightKind::Spot, V3d(0.4)).position = {0, 0, 6};
     for (int i = 0; i < points; ++i)
         made->addLight(LightKind::Point, V3d(0.2, 0.3, 0.5) / points).position = {2, 3.0 - i, 4};
+    made->soften(size, size);
     made->rig.ambient = V3d(0.1);
     return {made, &made->rig};
 }
@@ -154,9 +156,9 @@ Edit wear(const char* name, Place surface, const Json& changes) {
     return put(name, surface, {look(changes)});
 }
 
-Edit light(const char* name, double sun, double right, int points) {
-    return {name, [sun, right, points](Wish& wish, LivePicture& picture) {
-                wish.rig = lights(sun, right, points);
+Edit light(const char* name, double sun, double right, int points, double size = 0) {
+    return {name, [sun, right, points, size](Wish& wish, LivePicture& picture) {
+                wish.rig = lights(sun, right, points, size);
                 return picture.setLights(wish.rig);
             }};
 }
@@ -193,6 +195,8 @@ std::vector<Edit> edits() {
             wear("no ink-over", kBall, setting("slopeEnable", true)),
             wear("shaded pane", kPane, allZones("trans", 0.2)),
             wear("shaded leaf", kLeaf, setting("edgeEnable", true)),
+            light("soft lights", 0.3, -0.3, 1, 0.4),
+            wear("a look in soft light", kBall, setting("edgeEnable", true)),
             light("sun from the right", 0.5, 0.6, 1),
             light("many lights", 0.3, -0.3, 20),
             put("plain ball", kBall, {}),

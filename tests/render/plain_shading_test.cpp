@@ -99,6 +99,82 @@ TEST(PlainShading, ShadowsAreWhereTheBlockerIs) {
     }
 }
 
+/// Half of a floor lies under a roof that ends at x = 0, one above it; the
+/// camera looks from in between. Brightness by x, from -2 to 2.
+std::vector<double> underHalfARoof(LightKind kind, double radius, double angle) {
+    TestScene test;
+    test.addSurface();
+    test.addQuad({0, 0, 0}, 10, 0);
+    test.addQuad({-10, 0, 1}, 10, 0);
+    Light& light = test.addLight(kind);
+    light.position = {0, 0, 2};
+    light.direction = kDown;
+    light.outerCone = 1.5F;
+    light.innerCone = 1.4F;
+    test.soften(radius, angle);
+    const Picture picture = renderPlain(test, frontCamera({0, 0, 0.5}, 2), squareOptions(80));
+    std::vector<double> row;
+    for (int x = 0; x < 80; ++x)
+        row.push_back(displayed(picture, x, 40).x);
+    return row;
+}
+
+TEST(PlainShading, LightsWithASizeThrowSoftShadowsAsWideAsTheyAre) {
+    // A ball of 0.5 two above the floor, or a sun about as wide: the shadow's border
+    // reaches as far as the roof's edge hides some of it, and is half lit in the middle.
+    const double reach = std::tan(std::asin(0.5));
+    for (const LightKind kind : {LightKind::Point, LightKind::Spot, LightKind::Directional}) {
+        const std::vector<double> hard = underHalfARoof(kind, 0, 0);
+        const std::vector<double> soft = underHalfARoof(kind, 0.5, 2 * std::atan(0.5));
+        for (std::size_t x = 0; x < 80; ++x) {
+            const double at = (static_cast<double>(x) - 39.5) / 20;
+            if (std::abs(at) > reach) {
+                EXPECT_EQ(soft[x], hard[x]) << at;
+            } else {
+                EXPECT_GE(soft[x], soft[x - 1] * 0.98) << at;
+            }
+        }
+        EXPECT_NEAR((soft[39] + soft[40]) / 2, hard[40] / 2, 0.06 * hard[40]);
+        EXPECT_GT(soft[34], 0);
+        EXPECT_LT(soft[45], hard[45]);
+    }
+}
+
+TEST(PlainShading, ASurfaceMaySpareItselfItsShadows) {
+    TestScene test;
+    const auto darkPixels = [&test](bool selfShadow) {
+        test.scene.surfaces[0].selfShadow = selfShadow;
+        const Picture picture = renderPlain(test, frontCamera({0, 0, 1}, 4), squareOptions(40));
+        int dark = 0;
+        for (std::size_t i = 0; i < picture.rgba.size(); i += 4)
+            dark += picture.rgba[i] == 0 ? 1 : 0;
+        return dark;
+    };
+    test.addSurface();
+    test.addSurface();
+    auto both = quadMesh(10);  // a floor, and a roof over a part of it
+    const auto roof = quadMesh(0.5);
+    for (const Imath::V3f& corner : roof->positions) {
+        both->positions.push_back(corner + Imath::V3f(0, 0, 2));
+        both->normals.emplace_back(0, 0, 1);
+    }
+    both->uvs = {};
+    both->triangles.push_back({4, 5, 6});
+    both->triangles.push_back({4, 6, 7});
+    test.addObject(both, 0);
+    test.addSun({1, 0, -1});
+    const int own = darkPixels(true);
+    EXPECT_GT(own, 10);
+    EXPECT_EQ(darkPixels(false), 0);
+    // Others' shadows stay: those of another surface, and of the same on another object.
+    test.addQuad({-2, 2, 2}, 0.5, 1);
+    const int others = darkPixels(false);
+    EXPECT_GT(others, 10);
+    EXPECT_EQ(darkPixels(true), own + others);
+    test.addQuad({-2, -2, 2}, 0.5, 0);
+    EXPECT_GT(darkPixels(false), 2 * others - 10);
+}
+
 TEST(PlainShading, SinglesidedBacksAreUnseenButThrowShadows) {
     TestScene test;
     test.addSurface();

@@ -48,6 +48,7 @@ struct StillLife : TestScene {
         addSun({0.5, -1, -1}, V3d(0.7, 0.6, 0.5));
         addLight(LightKind::Point, V3d(0.2, 0.3, 0.5)).position = {2, 3, 4};
         addLight(LightKind::Spot, V3d(0.5)).position = {0, 0, 6};
+        soften(0.3, 0);
         rig.ambient = V3d(0.1);
     }
 };
@@ -159,6 +160,20 @@ TEST(Robustness, RoundMeshesThrowNoShadowsOnThemselves) {
             EXPECT_GT(verdict.lit, 10000);
         }
     }
+}
+
+TEST(Robustness, LightsWithASizeShineOnRoundMeshesAsThoseWithout) {
+    TestScene test;
+    test.addSurface();
+    test.addObject(sphereMesh(1, 16, 8), 0);
+    test.addSun({-0.8, -0.3, -0.4}, V3d(0.5));
+    test.addLight(LightKind::Point, V3d(0.5)).position = {-2, 3, 2};
+    const auto picture = [&test] {
+        return renderPlain(test, frontCamera({0, 0, 2}, 1.1), squareOptions(96));
+    };
+    const Picture hard = picture();
+    test.soften(0.7, 0.8);
+    EXPECT_EQ(picture().rgba, hard.rgba);
 }
 
 TEST(Robustness, TrueShadowsOfAShapeOnItselfStay) {

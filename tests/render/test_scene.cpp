@@ -4,6 +4,7 @@
 #include <numbers>
 
 #include "studio/scene/color.h"
+#include "studio/scene/soft_light.h"
 
 namespace tavora::studio {
 
@@ -43,6 +44,14 @@ Light& TestScene::addLight(LightKind kind, const Imath::V3d& color) {
 
 void TestScene::addSun(const Imath::V3d& direction, const Imath::V3d& color) {
     addLight(LightKind::Directional, color).direction = direction.normalized();
+}
+
+void TestScene::soften(double radius, double angle) {
+    for (LitLight& light : rig.lights) {
+        light.points = light.light->kind == LightKind::Directional
+                           ? softSunPoints(*light.light, angle)
+                           : softLampPoints(*light.light, radius);
+    }
 }
 
 std::shared_ptr<Mesh> quadMesh(double halfSide) {

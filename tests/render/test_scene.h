@@ -30,6 +30,8 @@ struct TestScene {
 
     Light& addLight(LightKind kind, const Imath::V3d& color = Imath::V3d(1));
     void addSun(const Imath::V3d& direction, const Imath::V3d& color = Imath::V3d(1));
+    /// Gives all lights a size as they stand: metres, or radians in the sky.
+    void soften(double radius, double angle);
 
   private:
     std::vector<std::unique_ptr<Light>> made_;

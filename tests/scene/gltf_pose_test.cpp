@@ -229,6 +229,31 @@ TEST(GltfPose, HighlightsAreSwitchedByTheLightThenByItsNode) {
     EXPECT_THAT(scene.warnings, testing::Contains(HasSubstr("/nodes/3/extras/tavora")));
 }
 
+TEST(GltfPose, LightsHaveSizesOfTheirKind) {
+    GltfBuilder file;
+    lightsOf(file) = R"([{"type": "point", "extras": {"tavora": {"radius": 0.5}}},
+        {"type": "directional", "extras": {"tavora": {"angle": 60}}},
+        {"type": "spot", "spot": {}, "extras": {"tavora": {"radius": -1, "angle": 3}}}])"_j;
+    for (int i = 0; i < 3; ++i)
+        file.root(onLight(i));
+    file.root(onLight(0, R"({"extras": {"tavora": {"radius": 2}}})"_j));
+    file.root(onLight(1, R"({"extras": {"tavora": {"radius": 2, "angle": "wide"}}})"_j));
+    const Scene scene = file.read();
+    EXPECT_EQ(scene.lights[0]->radius, 0.5);
+    EXPECT_NEAR(scene.lights[1]->angle, std::acos(0.5), 1e-12);
+    EXPECT_EQ(scene.lights[2]->radius, 0);
+    EXPECT_EQ(scene.lights[2]->angle, 0);
+    EXPECT_EQ(scene.lights[3]->radius, 2);
+    EXPECT_EQ(scene.lights[4]->radius, 0);
+    EXPECT_NEAR(scene.lights[4]->angle, std::acos(0.5), 1e-12);
+    EXPECT_THAT(scene.warnings,
+                testing::UnorderedElementsAre(HasSubstr("lights/2/extras/tavora/radius"),
+                                              HasSubstr("lights/2/extras/tavora/angle"),
+                                              HasSubstr("nodes/4/extras/tavora/radius"),
+                                              HasSubstr("nodes/4/extras/tavora/angle"),
+                                              HasSubstr("nothing to draw")));
+}
+
 TEST(GltfPose, NamesAreUniqueAndLightNamesFit79Bytes) {
     GltfBuilder file;
     std::string umlauts = "x";

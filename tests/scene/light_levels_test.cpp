@@ -95,6 +95,31 @@ TEST(LightLevels, TheBrightestAtTheCentreIsOneUnlessTheExposureIsFixed) {
     EXPECT_NEAR(middle.level(1).x, 100 / (3 / (12 * 0.05 * 0.05)), 1e-12);
 }
 
+TEST(LightLevels, SizesThatAreChosenCountOverTheLightsOwn) {
+    Light lamp = point(1, {0, 2, 0});
+    lamp.name = "Lamp 1";
+    lamp.radius = 0.5;
+    Light other = lamp;
+    other.name = "Other";
+    Light sun = directional(1);
+    sun.angle = 0.1;
+    LightingOptions options;
+    options.radii = {{"*", 1}, {"Lamp*", 0}};
+    const Lit lit({lamp, other, sun}, options);
+    EXPECT_TRUE(lit.rig.lights[0].points.empty());
+    const std::vector<V3d>& ball = lit.rig.lights[1].points;
+    double farthest = 0;
+    for (const V3d& point : ball)
+        farthest = std::max(farthest, (point - lamp.position).length());
+    EXPECT_LE(farthest, 1);
+    EXPECT_GT(farthest, 0.9);
+    double widest = 0;
+    for (const V3d& way : lit.rig.lights[2].points)
+        widest = std::max(widest, std::acos(-way.dot(sun.direction)));
+    EXPECT_LE(widest, 0.05 + 1e-9);
+    EXPECT_GT(widest, 0.045);
+}
+
 TEST(LightLevels, OddIntensitiesGiveNumbers) {
     Light black = directional(5);
     black.color = {0, 0, 0};

@@ -1,0 +1,61 @@
+#include "studio/render/shadow_rays.h"
+
+#include <cmath>
+#include <limits>
+
+#include "studio/scene/soft_light.h"
+
+namespace tavora::studio {
+namespace {
+
+/// Shadow rays end a little before the light.
+constexpr double kAlmost = 1 - 1e-6;
+
+/// Turns `ray` by `way`, to end almost there. False where that is too near.
+bool pointAlong(const Imath::V3d& way, Ray& ray) {
+    const double length = way.length();
+    if (!(length > ray.nearest)) return false;
+    ray.direction = way / length;
+    ray.farthest = length * kAlmost;
+    return true;
+}
+
+}  // namespace
+
+bool ShadowRays::aim(const Ray& base, const LitLight& light, const LitPlace& place) {
+    middle_ = base;
+    middle_.direction = -place.direction;
+    middle_.farthest = std::numeric_limits<double>::infinity();
+    light_ = &light;
+    facing_ = place.facing;
+    nextPoint_ = 0;
+    count_ = 0;
+    sum_ = 0;
+    if (!std::isfinite(place.distance)) return true;
+    return pointAlong(place.position - place.direction * place.distance - base.origin, middle_);
+}
+
+bool ShadowRays::next(Ray& ray) {
+    while (nextPoint_ < light_->points.size() && !isKnown()) {
+        ray = middle_;
+        if (aimAt(light_->points[nextPoint_++], ray)) return true;
+    }
+    ray = middle_;
+    return count_ == 0;
+}
+
+bool ShadowRays::isKnown() const {
+    return count_ >= kSoftProbes && (sum_ == 0 || sum_ == static_cast<double>(count_));
+}
+
+/// False for a point that the lit side does not face.
+bool ShadowRays::aimAt(const Imath::V3d& point, Ray& ray) const {
+    if (light_->light->kind == LightKind::Directional) {
+        ray.direction = point;
+    } else if (!pointAlong(point - ray.origin, ray)) {
+        return false;
+    }
+    return facing_ == nullptr || ray.direction.dot(*facing_) > 0;
+}
+
+}  // namespace tavora::studio

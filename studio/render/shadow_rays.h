@@ -1,0 +1,54 @@
+#pragma once
+
+#include <ImathVec.h>
+#include <cstddef>
+
+#include "studio/render/ray_scene.h"
+#include "studio/scene/light_levels.h"
+
+namespace tavora::studio {
+
+/// A place that a light reaches, shadows aside.
+struct LitPlace {
+    Imath::V3d position{0, 0, 0};        ///< world
+    Imath::V3d direction{0, 0, -1};      ///< unit, the way the light's middle shines there
+    double distance = 0;                 ///< to its middle; may be infinite
+    const Imath::V3d* facing = nullptr;  ///< unit, towards the side that is lit; null: all sides
+};
+
+/// The shadow rays from one place to one light, one after the other, and the
+/// share of its light that passes along them: one ray for a light without a
+/// size. A light with one is seen by its points that the side faces, so that
+/// the part of it under the horizon dims nothing: that the cosine does. Where
+/// the first of them are all open or all shut, so are the others.
+class ShadowRays {
+  public:
+    /// `base` says where rays start, how near, how wide, and what they pass.
+    /// `light` and what `place` points to must outlive its use. False where the
+    /// light is too near for anything to be between.
+    bool aim(const Ray& base, const LitLight& light, const LitPlace& place);
+
+    /// The next ray to trace; false when the share is known.
+    bool next(Ray& ray);
+    /// What passes along it.
+    void add(double share) {
+        sum_ += share;
+        ++count_;
+    }
+
+    /// Once next() returned false: 0..1.
+    double share() const { return sum_ / static_cast<double>(count_); }
+
+  private:
+    bool isKnown() const;
+    bool aimAt(const Imath::V3d& point, Ray& ray) const;
+
+    Ray middle_;  ///< to the light's middle
+    const LitLight* light_ = nullptr;
+    const Imath::V3d* facing_ = nullptr;
+    std::size_t nextPoint_ = 0;
+    std::size_t count_ = 0;
+    double sum_ = 0;
+};
+
+}  // namespace tavora::studio
