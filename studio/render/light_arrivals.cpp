@@ -98,31 +98,18 @@ double LightArrivals::traceShare(std::size_t light) {
     const Slot& slot = slots_[light];
     if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return 0;
     ShadowRays rays;
-    return raysFromHere(light, rays) ? passing(rays) : 1;
+    const bool blockable =
+        rays.aim(shadowRay(), lights_->lights[light],
+                 {point_->position, slot.arrival.direction, slot.distance, &point_->normal});
+    return blockable ? passing(rays) : 1;
 }
 
-const Imath::V3d& LightArrivals::startOfShadows() {
-    if (startFoundAt_ != sample_) {
-        start_ = shadowStart(*point_);
-        startFoundAt_ = sample_;
+const Ray& LightArrivals::shadowRay() {
+    if (shadowRayFoundAt_ != sample_) {
+        shadowRay_ = shadowRayFrom(*point_);
+        shadowRayFoundAt_ = sample_;
     }
-    return start_;
-}
-
-bool LightArrivals::wantsRays(std::size_t light, ShadowRays& rays) {
-    return cosine(light) > 0 && raysFromHere(light, rays);
-}
-
-/// False where the light is too near for anything to be between.
-bool LightArrivals::raysFromHere(std::size_t light, ShadowRays& rays) {
-    const Slot& slot = slots_[light];
-    const SceneMesh& source = *point_->geometry->source;
-    Ray base;
-    base.origin = startOfShadows();
-    base.spot = point_->spotSize;
-    if (!source.surface->selfShadow) base.spared = &source;
-    return rays.aim(base, lights_->lights[light],
-                    {point_->position, slot.arrival.direction, slot.distance, &point_->normal});
+    return shadowRay_;
 }
 
 bool LightArrivals::isBehind(const Imath::V3d& direction) const {

@@ -47,9 +47,6 @@ class LightArrivals {
     /// Works out all lights that the interpolated normal faces.
     void prepare();
 
-    /// What prepare() has to trace for the light; false when it has nothing to.
-    bool wantsRays(std::size_t light, ShadowRays& rays);
-
     /// How far the interpolated normal faces the light: 1 straight, 0 and below
     /// not, or where the light is dark anyway. Traces nothing.
     double cosine(std::size_t light);
@@ -74,12 +71,11 @@ class LightArrivals {
     void settle(std::size_t light);
     KeptShare kept(std::size_t light) const;
     double traceShare(std::size_t light);
-    const Imath::V3d& startOfShadows();
+    const Ray& shadowRay();
     double knownShare(std::size_t light) const {
         return light < known_.size() ? known_[light] : -1;
     }
     bool isBehind(const Imath::V3d& direction) const;
-    bool raysFromHere(std::size_t light, ShadowRays& rays);
     double passing(ShadowRays& rays);
 
     const RayScene* scene_;
@@ -90,9 +86,9 @@ class LightArrivals {
     std::span<std::uint8_t> asked_;
     KeptPath* path_ = nullptr;
     KeptPath::Place place_ = KeptPath::kStart;
-    Imath::V3d start_;
+    Ray shadowRay_;  ///< from the sample
     std::uint64_t sample_ = 0;
-    std::uint64_t startFoundAt_ = 0;
+    std::uint64_t shadowRayFoundAt_ = 0;  ///< sample in which it was
     std::uint64_t shadowRays_ = 0;
 };
 

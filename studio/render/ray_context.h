@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cmath>
 #include <cstdint>
 #include <embree3/rtcore.h>
 #include <limits>
@@ -8,34 +9,54 @@
 
 namespace tavora::studio {
 
-/// What the filters of hits know of one ray, and what they find out.
-struct RayProgress {
+/// What the filter of viewing rays' hits knows of one ray, and what it finds out.
+struct ViewingProgress {
     const Ray* ray = nullptr;
-    HitKey after{};  ///< of viewing rays: hits up to this one are passed
-    /// Of viewing rays: the hit kept so far.
+    HitKey after{};  ///< hits up to this one are passed
+    /// The hit kept so far.
     HitKey best{std::numeric_limits<float>::infinity(), 0, 0};
-    std::int64_t darkening = 0;  ///< of shadow rays: -log2 of the light left
-    /// Of shadow rays in a stream: a clear surface was met, and left out. How
-    /// much passes all of them, only a ray alone meets each of them once to tell.
+};
+
+/// What the filter of shadow rays' hits knows of one ray, and what it finds out.
+struct ShadowProgress {
+    double spot = 0;    ///< as in Ray
+    double spread = 0;  ///< as in Ray
+    const SceneMesh* spared = nullptr;
+    std::int64_t darkening = 0;  ///< -log2 of the light left
+    /// In a stream: a clear surface was met, and left out. How much passes all of
+    /// them, only a ray alone meets each of them once to tell.
     bool leavesClear = false;
     bool metClear = false;
 };
+
+inline ShadowProgress shadowProgress(const Ray& ray) {
+    return {ray.spot, ray.spread, ray.spared};
+}
 
 /// What Embree hands through to filters.
 struct RayContext {
     RTCIntersectContext embree;  // comes first: Embree's pointer stands for the whole
     const RayScene* scene;
-    RayProgress* rays;  ///< by the `id` of Embree's rays
+    ViewingProgress* viewing;  ///< by the `id` of Embree's rays, as are:
+    ShadowProgress* shadows;
 };
 
-inline RayContext rayContext(const RayScene& scene, RayProgress* rays,
-                             RTCIntersectContextFlags flags) {
+inline RayContext rayContext(const RayScene& scene, RTCIntersectContextFlags flags) {
     RayContext context{};
     rtcInitIntersectContext(&context.embree);
     context.embree.flags = flags;
     context.scene = &scene;
-    context.rays = rays;
     return context;
+}
+
+/// A component of a direction in single precision. Rays in a plane of axes, such
+/// as the face of a box in Embree's tree, meet what the box holds or not by who
+/// their neighbours are: they are tilted by a millionth, which hides less than
+/// rounding does.
+inline float tilted(double component) {
+    constexpr double kSlight = 1e-6;
+    const bool isFlat = std::abs(component) < kSlight;
+    return static_cast<float>(isFlat ? std::copysign(kSlight, component) : component);
 }
 
 /// `ray` in single precision; its progress stands at `id`.
@@ -44,9 +65,9 @@ inline RTCRay embreeRay(const Ray& ray, unsigned id) {
     result.org_x = static_cast<float>(ray.origin.x);
     result.org_y = static_cast<float>(ray.origin.y);
     result.org_z = static_cast<float>(ray.origin.z);
-    result.dir_x = static_cast<float>(ray.direction.x);
-    result.dir_y = static_cast<float>(ray.direction.y);
-    result.dir_z = static_cast<float>(ray.direction.z);
+    result.dir_x = tilted(ray.direction.x);
+    result.dir_y = tilted(ray.direction.y);
+    result.dir_z = tilted(ray.direction.z);
     result.tnear = static_cast<float>(ray.nearest);
     result.tfar = static_cast<float>(ray.farthest);
     result.mask = ~0U;

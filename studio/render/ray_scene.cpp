@@ -18,16 +18,56 @@ constexpr double kLogUnit = 4294967296.0;
 /// Less light than this (2^-14) counts as none.
 constexpr std::int64_t kDarkest = 14 * static_cast<std::int64_t>(kLogUnit);
 
-/// A hit that a filter is to judge.
-struct HitAtFilter {
-    const RayScene& scene;
-    RayProgress& progress;
-    const MeshGeometry& geometry;
-    RTCRay ray;  ///< ends at the hit
-    RTCHit hit;
+/// A hit that a filter is to judge, one of those that Embree hands over at once.
+/// The ray ends at it.
+class HitAtFilter {
+  public:
+    HitAtFilter(const RTCFilterFunctionNArguments& arguments, unsigned number)
+        : ray_(arguments.ray),
+          hit_(arguments.hit),
+          count_(arguments.N),
+          number_(number),
+          context_(reinterpret_cast<const RayContext*>(arguments.context)),
+          geometry_(static_cast<const MeshGeometry*>(arguments.geometryUserPtr)) {}
 
-    double distance() const { return static_cast<double>(ray.tfar); }
-    Cover cover() const { return scene.traits(geometry.source->surfaceIndex).cover; }
+    const RayScene& scene() const { return *context_->scene; }
+    ViewingProgress& viewing() const { return context_->viewing[id()]; }
+    ShadowProgress& shadow() const { return context_->shadows[id()]; }
+
+    const MeshGeometry& geometry() const { return *geometry_; }
+    const SceneMesh& source() const { return *geometry_->source; }
+    Cover cover() const { return scene().traits(source().surfaceIndex).cover; }
+
+    HitKey key() const {
+        return {RTCRayN_tfar(ray_, count_, number_), RTCHitN_geomID(hit_, count_, number_),
+                triangle()};
+    }
+    unsigned triangle() const { return RTCHitN_primID(hit_, count_, number_); }
+    double distance() const { return static_cast<double>(RTCRayN_tfar(ray_, count_, number_)); }
+
+    Imath::V3f origin() const {
+        return {RTCRayN_org_x(ray_, count_, number_), RTCRayN_org_y(ray_, count_, number_),
+                RTCRayN_org_z(ray_, count_, number_)};
+    }
+    Imath::V3f direction() const {
+        return {RTCRayN_dir_x(ray_, count_, number_), RTCRayN_dir_y(ray_, count_, number_),
+                RTCRayN_dir_z(ray_, count_, number_)};
+    }
+    /// Of the triangle, of any length.
+    Imath::V3f normal() const {
+        return {RTCHitN_Ng_x(hit_, count_, number_), RTCHitN_Ng_y(hit_, count_, number_),
+                RTCHitN_Ng_z(hit_, count_, number_)};
+    }
+
+  private:
+    unsigned id() const { return RTCRayN_id(ray_, count_, number_); }
+
+    RTCRayN* ray_;
+    RTCHitN* hit_;
+    unsigned count_;
+    unsigned number_;
+    const RayContext* context_;
+    const MeshGeometry* geometry_;
 };
 
 /// Where a hit lies in its triangle.
@@ -41,11 +81,11 @@ struct Spot {
 /// Trumbore, "Fast, Minimum Storage Ray/Triangle Intersection" (1997).
 Spot spotOf(const HitAtFilter& at) {
     Spot spot;
-    const auto& vertices = at.geometry.source->mesh->triangles[at.hit.primID];
+    const auto& vertices = at.source().mesh->triangles[at.triangle()];
     for (std::size_t i = 0; i < 3; ++i)
-        spot.corners[i] = Imath::V3d(at.geometry.vertices[vertices[i]]);
-    const Imath::V3d origin(Imath::V3f(at.ray.org_x, at.ray.org_y, at.ray.org_z));
-    const Imath::V3d direction(Imath::V3f(at.ray.dir_x, at.ray.dir_y, at.ray.dir_z));
+        spot.corners[i] = Imath::V3d(at.geometry().vertices[vertices[i]]);
+    const Imath::V3d origin(at.origin());
+    const Imath::V3d direction(at.direction());
     const Imath::V3d edge1 = spot.corners[1] - spot.corners[0];
     const Imath::V3d edge2 = spot.corners[2] - spot.corners[0];
     const Imath::V3d toOrigin = origin - spot.corners[0];
@@ -57,20 +97,20 @@ Spot spotOf(const HitAtFilter& at) {
     return spot;
 }
 
-double alphaOfHit(const HitAtFilter& at, const Spot& spot) {
-    const SceneMesh& source = *at.geometry.source;
+/// `footprint` is how wide the ray is there.
+double alphaOfHit(const HitAtFilter& at, const Spot& spot, double footprint) {
     TexturePlace place;
-    place.mesh = source.mesh;
-    place.triangle = at.hit.primID;
+    place.mesh = at.source().mesh;
+    place.triangle = at.triangle();
     std::copy_n(spot.weights, 3, place.weights);
-    place.spotSize = at.progress.ray->spotAt(at.distance());
+    place.spotSize = footprint;
     place.worldArea = triangleArea(spot.corners[0], spot.corners[1], spot.corners[2]);
-    return alphaAt(at.scene.index(), *source.surface, place);
+    return alphaAt(at.scene().index(), *at.source().surface, place);
 }
 
-bool isCutOut(const HitAtFilter& at) {
-    return alphaOfHit(at, spotOf(at)) <
-           static_cast<double>(at.geometry.source->surface->alphaCutoff);
+bool isCutOut(const HitAtFilter& at, double footprint) {
+    return alphaOfHit(at, spotOf(at), footprint) <
+           static_cast<double>(at.source().surface->alphaCutoff);
 }
 
 /// Rays through the edge between two triangles meet both, though they pass the
@@ -88,61 +128,55 @@ bool isSamePassage(const HitKey& before, const HitKey& key, const HitAtFilter& a
 }
 
 bool isUnseenBack(const HitAtFilter& at) {
-    if (at.geometry.source->surface->doubleSided) return false;
-    const float along =
-        at.ray.dir_x * at.hit.Ng_x + at.ray.dir_y * at.hit.Ng_y + at.ray.dir_z * at.hit.Ng_z;
-    return static_cast<double>(along) * at.geometry.facing > 0;
+    if (at.source().surface->doubleSided) return false;
+    return static_cast<double>(at.direction().dot(at.normal())) * at.geometry().facing > 0;
 }
 
 bool isSeen(const HitAtFilter& at) {
-    RayProgress& progress = at.progress;
-    const HitKey key{at.ray.tfar, at.hit.geomID, at.hit.primID};
+    ViewingProgress& progress = at.viewing();
+    const HitKey key = at.key();
     if (key <= progress.after || key > progress.best || isSamePassage(progress.after, key, at) ||
         isUnseenBack(at)) {
         return false;
     }
-    if (at.cover() == Cover::CutOut && isCutOut(at)) return false;
-    progress.best = key;
-    return true;
+    const bool isHole =
+        at.cover() == Cover::CutOut && isCutOut(at, progress.ray->spotAt(at.distance()));
+    if (!isHole) progress.best = key;
+    return !isHole;
 }
 
 /// Whether the surface is not to shade itself, and it is from there that the
 /// shadow ray comes.
 bool isSpared(const HitAtFilter& at) {
-    const SceneMesh* spared = at.progress.ray->spared;
-    const SceneMesh& here = *at.geometry.source;
-    return spared != nullptr && here.object == spared->object && here.surface == spared->surface;
+    const SceneMesh* spared = at.shadow().spared;
+    return spared != nullptr && at.source().object == spared->object &&
+           at.source().surface == spared->surface;
 }
 
 bool stopsLight(const HitAtFilter& at) {
     if (isSpared(at)) return false;
     if (at.cover() == Cover::Solid) return true;
-    if (at.cover() == Cover::CutOut) return !isCutOut(at);
-    if (at.progress.leavesClear) {
-        at.progress.metClear = true;
+    ShadowProgress& progress = at.shadow();
+    const double footprint = progress.spot + progress.spread * at.distance();
+    if (at.cover() == Cover::CutOut) return !isCutOut(at, footprint);
+    if (progress.leavesClear) {
+        progress.metClear = true;
         return false;
     }
     const Spot spot = spotOf(at);
-    const double alpha = alphaOfHit(at, spot);
+    const double alpha = alphaOfHit(at, spot, footprint);
     if (alpha >= 1) return true;
     // Each of the two triangles at an edge takes half.
     const double share = isOnEdge(spot) ? 0.5 : 1.0;
-    at.progress.darkening += std::llround(-std::log2(1 - alpha) * share * kLogUnit);
-    return at.progress.darkening > kDarkest;
+    progress.darkening += std::llround(-std::log2(1 - alpha) * share * kLogUnit);
+    return progress.darkening > kDarkest;
 }
 
 /// Embree hands over one hit each of one ray or of several side by side.
 template <bool (*keep)(const HitAtFilter&)>
 void filter(const RTCFilterFunctionNArguments* arguments) {
-    const auto& context = *reinterpret_cast<const RayContext*>(arguments->context);
-    const auto& geometry = *static_cast<const MeshGeometry*>(arguments->geometryUserPtr);
     for (unsigned i = 0; i < arguments->N; ++i) {
-        if (arguments->valid[i] == 0) continue;
-        const RTCRay ray = rtcGetRayFromRayN(arguments->ray, arguments->N, i);
-        const RTCHit hit = rtcGetHitFromHitN(arguments->hit, arguments->N, i);
-        if (!keep({*context.scene, context.rays[ray.id], geometry, ray, hit})) {
-            arguments->valid[i] = 0;
-        }
+        if (arguments->valid[i] != 0 && !keep({*arguments, i})) arguments->valid[i] = 0;
     }
 }
 
@@ -197,8 +231,9 @@ void RayScene::attach(MeshGeometry& geometry) {
 }
 
 bool RayScene::nextHit(const Ray& ray, const HitKey& after, HitKey& hit) const {
-    RayProgress progress{&ray, after};
-    RayContext context = rayContext(*this, &progress, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
+    ViewingProgress progress{&ray, after};
+    RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
+    context.viewing = &progress;
     RTCRayHit query{};
     query.ray = embreeRay(ray, 0);
     // The filter passes what is not after `after`; the start only saves work.
@@ -211,11 +246,15 @@ bool RayScene::nextHit(const Ray& ray, const HitKey& after, HitKey& hit) const {
 }
 
 double RayScene::transmittance(const Ray& ray) const {
-    RayProgress progress{&ray, {}};
-    RayContext context = rayContext(*this, &progress, RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT);
-    RTCRay query = embreeRay(ray, 0);
-    rtcOccluded1(scene_.get(), &context.embree, &query);
-    if (isStopped(query)) return 0;
+    return transmittance(embreeRay(ray, 0), shadowProgress(ray));
+}
+
+double RayScene::transmittance(RTCRay ray, ShadowProgress progress) const {
+    ray.id = 0;
+    RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT);
+    context.shadows = &progress;
+    rtcOccluded1(scene_.get(), &context.embree, &ray);
+    if (isStopped(ray)) return 0;
     if (progress.darkening == 0) return 1;
     return std::exp2(-static_cast<double>(progress.darkening) / kLogUnit);
 }

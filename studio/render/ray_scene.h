@@ -41,6 +41,8 @@ struct HitKey {
     friend bool operator<=(const HitKey& a, const HitKey& b) { return !(a > b); }
 };
 
+struct ShadowProgress;
+
 /// The scene's triangles, ready for rays. Any number of threads may trace.
 ///
 /// Viewing rays pass the backs of single-sided surfaces and what is cut out.
@@ -68,6 +70,8 @@ class RayScene {
     /// Share of the light that passes along `ray`: 0 behind anything solid, the
     /// product of the transparencies of clear surfaces on the way otherwise.
     double transmittance(const Ray& ray) const;
+    /// The same of a ray as Embree takes it, at the start of its progress.
+    double transmittance(RTCRay ray, ShadowProgress progress) const;
 
   private:
     struct ReleaseDevice {

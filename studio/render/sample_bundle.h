@@ -5,10 +5,11 @@
 #include <span>
 #include <vector>
 
-#include "studio/render/light_arrivals.h"
 #include "studio/render/ray_scene.h"
-#include "studio/render/ray_streams.h"
 #include "studio/render/sample_shader.h"
+#include "studio/render/shadow_rays.h"
+#include "studio/render/shadow_stream.h"
+#include "studio/render/viewing_stream.h"
 #include "studio/scene/light_levels.h"
 
 namespace tavora::studio {
@@ -20,8 +21,8 @@ class SampleBundle {
     /// Both must outlive it.
     SampleBundle(const RayScene& scene, const LightRig& lights);
 
-    /// How many rays fit. Fewer than with few lights where there are many, so
-    /// that it stays in the processor's cache.
+    /// How many rays fit: enough to share their way, few enough that what they
+    /// meet stays in the processor's cache.
     std::size_t room() const { return met_.size(); }
 
     /// Traces at most room() rays, which must outlive its use. `shader` says
@@ -39,28 +40,38 @@ class SampleBundle {
     std::uint64_t shadowRays() const { return shadowRays_; }
 
   private:
-    /// The ways from where a viewing ray ends to one light.
+    /// Where a viewing ray ends, and takes light.
+    struct Station {
+        Ray toLight;  ///< shadow ray from there, not turned yet
+        Imath::V3d normal;
+        std::uint32_t viewing = 0;  ///< where the viewing ray stands
+    };
+    /// The ways from a station to one light with a size.
     struct Way {
         ShadowRays rays;
         std::uint32_t viewing = 0;  ///< where the viewing ray stands
     };
-    using Beam = std::vector<Way>;
     void findSurfaces(std::span<const Ray> rays);
-    void aimAtLights(const MetSurface& met, std::uint32_t ray, const SampleShader& shader);
-    void follow(Beam& beam, std::size_t light);
-    bool step(Beam& beam);
+    bool isReached(const Station& station, std::size_t light, const SampleShader& shader,
+                   LitPlace& place) const;
+    void goToMiddle(std::size_t light, const SampleShader& shader);
+    void goToPoints(std::size_t light, const SampleShader& shader);
+    bool stepToPoints();
+    double& share(std::uint32_t viewing, std::size_t light) {
+        return shares_[viewing * lights_ + light];
+    }
 
     const RayScene* scene_;
+    const LightRig* rig_;
     std::size_t lights_;
-    RayStreams streams_;
-    LightArrivals arrivals_;
+    ViewingStream viewing_;
+    ShadowStream shadows_;
     std::vector<HitKey> hits_;
     std::vector<MetSurface> met_;
-    std::vector<Beam> beams_;             ///< by light
-    std::vector<double> shares_;          ///< by ray and light
-    std::vector<Ray> shadows_;            ///< of a beam
-    std::vector<std::uint32_t> walking_;  ///< ways in the beam that those are of
-    std::vector<double> passed_;          ///< along them
+    std::vector<double> shares_;  ///< by ray and light
+    std::vector<Station> stations_;
+    std::vector<std::uint32_t> going_;  ///< viewing rays, or ways, of the shadow rays
+    std::vector<Way> ways_;
     std::uint64_t viewingRays_ = 0;
     std::uint64_t shadowRays_ = 0;
 };

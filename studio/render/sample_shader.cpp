@@ -128,20 +128,6 @@ Appearance SampleShader::shadeMet(const Ray& ray, const MetSurface& met,
     return shade(level, {ray.origin, ray.direction}, shares, level.record);
 }
 
-bool SampleShader::takesLight(const MetSurface& met) const {
-    const int surface = met.point.geometry->source->surfaceIndex;
-    return shaders_->of(surface).shader != nullptr || met.own.diffuse != 0;
-}
-
-/// Where in `asked_` the lights of a surface begin.
-std::size_t SampleShader::firstAsked(int surface) const {
-    return static_cast<std::size_t>(surface) * lights_->lights.size();
-}
-
-bool SampleShader::asksFor(const MetSurface& met, std::size_t light) const {
-    return asked_[firstAsked(met.point.geometry->source->surfaceIndex) + light] != 0;
-}
-
 const SurfacePoint& SampleShader::point() const {
     return levels_.front()->met->point;
 }

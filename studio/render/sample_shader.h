@@ -67,11 +67,15 @@ class SampleShader {
     Appearance shadeMet(const Ray& ray, const MetSurface& met, std::span<const double> shares);
 
     /// Whether shading it takes light at all.
-    bool takesLight(const MetSurface& met) const;
+    bool takesLight(const MetSurface& met) const {
+        return met.own.diffuse != 0 || shaders_->of(surfaceOf(met)).shader != nullptr;
+    }
 
     /// Whether samples of the surface asked for the light so far, so that the next
     /// is likely to: shaders that work with a few of many lights name theirs.
-    bool asksFor(const MetSurface& met, std::size_t light) const;
+    bool asksFor(const MetSurface& met, std::size_t light) const {
+        return asked_[firstAsked(surfaceOf(met)) + light] != 0;
+    }
 
     /// Where the last shadeNext() that found something did, or shadeMet().
     const SurfacePoint& point() const;
@@ -92,7 +96,11 @@ class SampleShader {
     Appearance shade(Level& level, const Viewpoint& from, std::span<const double> shares,
                      HostSample& record);
     void evaluate(Level& level, const ActiveShader& active, HostSample& record);
-    std::size_t firstAsked(int surface) const;
+    static int surfaceOf(const MetSurface& met) { return met.point.geometry->source->surfaceIndex; }
+    /// Where in `asked_` the lights of a surface begin.
+    std::size_t firstAsked(int surface) const {
+        return static_cast<std::size_t>(surface) * lights_->lights.size();
+    }
 
     /// The callbacks of records reach the shader that works on their thread.
     static int illuminate(HostItemId light, const double position[3], double direction[3],

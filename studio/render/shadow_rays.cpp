@@ -22,17 +22,32 @@ bool pointAlong(const Imath::V3d& way, Ray& ray) {
 
 }  // namespace
 
+Ray shadowRayFrom(const SurfacePoint& point) {
+    const SceneMesh& source = *point.geometry->source;
+    Ray ray;
+    ray.origin = shadowStart(point);
+    ray.spot = point.spotSize;
+    if (!source.surface->selfShadow) ray.spared = &source;
+    return ray;
+}
+
+bool turnToMiddle(const LitPlace& place, Ray& ray) {
+    if (std::isfinite(place.distance)) {
+        return pointAlong(place.position - place.direction * place.distance - ray.origin, ray);
+    }
+    ray.direction = -place.direction;
+    ray.farthest = std::numeric_limits<double>::infinity();
+    return true;
+}
+
 bool ShadowRays::aim(const Ray& base, const LitLight& light, const LitPlace& place) {
     middle_ = base;
-    middle_.direction = -place.direction;
-    middle_.farthest = std::numeric_limits<double>::infinity();
     light_ = &light;
     facing_ = place.facing;
     nextPoint_ = 0;
     count_ = 0;
     sum_ = 0;
-    if (!std::isfinite(place.distance)) return true;
-    return pointAlong(place.position - place.direction * place.distance - base.origin, middle_);
+    return turnToMiddle(place, middle_);
 }
 
 bool ShadowRays::next(Ray& ray) {

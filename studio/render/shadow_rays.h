@@ -4,6 +4,7 @@
 #include <cstddef>
 
 #include "studio/render/ray_scene.h"
+#include "studio/render/surface_point.h"
 #include "studio/scene/light_levels.h"
 
 namespace tavora::studio {
@@ -15,6 +16,13 @@ struct LitPlace {
     double distance = 0;                 ///< to its middle; may be infinite
     const Imath::V3d* facing = nullptr;  ///< unit, towards the side that is lit; null: all sides
 };
+
+/// A shadow ray from `point`, as long as it goes nowhere.
+Ray shadowRayFrom(const SurfacePoint& point);
+
+/// Turns `ray`, which starts near `place`, to the light's middle, to end a little
+/// before it. False where the light is too near for anything to be between.
+bool turnToMiddle(const LitPlace& place, Ray& ray);
 
 /// The shadow rays from one place to one light, one after the other, and the
 /// share of its light that passes along them: one ray for a light without a
