@@ -49,30 +49,38 @@ inline RayContext rayContext(const RayScene& scene, RTCIntersectContextFlags fla
     return context;
 }
 
-/// A component of a direction in single precision. Rays in a plane of axes, such
-/// as the face of a box in Embree's tree, meet what the box holds or not by who
-/// their neighbours are: they are tilted by a millionth, which hides less than
-/// rounding does.
-inline float tilted(double component) {
+/// A direction in single precision. Rays in a plane of axes, such as the face of
+/// a box in Embree's tree, meet what the box holds or not by who their neighbours
+/// are: they are tilted by a millionth, which moves hits less than rounding does.
+inline Imath::V3f embreeDirection(const Imath::V3d& direction) {
     constexpr double kSlight = 1e-6;
-    const bool isFlat = std::abs(component) < kSlight;
-    return static_cast<float>(isFlat ? std::copysign(kSlight, component) : component);
+    const auto tilted = [](double component) {
+        const bool isFlat = std::abs(component) < kSlight;
+        return static_cast<float>(isFlat ? std::copysign(kSlight, component) : component);
+    };
+    return {tilted(direction.x), tilted(direction.y), tilted(direction.z)};
 }
 
-/// `ray` in single precision; its progress stands at `id`.
-inline RTCRay embreeRay(const Ray& ray, unsigned id) {
-    RTCRay result{};
+/// Fills `result` with `ray`, turned to `direction` and that long; its progress
+/// stands at `id`.
+inline void setEmbreeRay(const Ray& ray, const Imath::V3f& direction, double farthest, unsigned id,
+                         RTCRay& result) {
     result.org_x = static_cast<float>(ray.origin.x);
     result.org_y = static_cast<float>(ray.origin.y);
     result.org_z = static_cast<float>(ray.origin.z);
-    result.dir_x = tilted(ray.direction.x);
-    result.dir_y = tilted(ray.direction.y);
-    result.dir_z = tilted(ray.direction.z);
     result.tnear = static_cast<float>(ray.nearest);
-    result.tfar = static_cast<float>(ray.farthest);
+    result.dir_x = direction.x;
+    result.dir_y = direction.y;
+    result.dir_z = direction.z;
+    result.time = 0;
+    result.tfar = static_cast<float>(farthest);
     result.mask = ~0U;
     result.id = id;
-    return result;
+    result.flags = 0;
+}
+
+inline void setEmbreeRay(const Ray& ray, unsigned id, RTCRay& result) {
+    setEmbreeRay(ray, embreeDirection(ray.direction), ray.farthest, id, result);
 }
 
 /// Whether a shadow ray which was traced met anything solid.

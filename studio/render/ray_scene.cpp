@@ -235,7 +235,7 @@ bool RayScene::nextHit(const Ray& ray, const HitKey& after, HitKey& hit) const {
     RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.viewing = &progress;
     RTCRayHit query{};
-    query.ray = embreeRay(ray, 0);
+    setEmbreeRay(ray, 0, query.ray);
     // The filter passes what is not after `after`; the start only saves work.
     if (after.distance > query.ray.tnear) query.ray.tnear = std::nextafter(after.distance, 0.0F);
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
@@ -246,7 +246,9 @@ bool RayScene::nextHit(const Ray& ray, const HitKey& after, HitKey& hit) const {
 }
 
 double RayScene::transmittance(const Ray& ray) const {
-    return transmittance(embreeRay(ray, 0), shadowProgress(ray));
+    RTCRay query;
+    setEmbreeRay(ray, 0, query);
+    return transmittance(query, shadowProgress(ray));
 }
 
 double RayScene::transmittance(RTCRay ray, ShadowProgress progress) const {

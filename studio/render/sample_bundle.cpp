@@ -16,8 +16,8 @@ SampleBundle::SampleBundle(const RayScene& scene, const LightRig& lights)
     : scene_(&scene),
       rig_(&lights),
       lights_(lights.lights.size()),
-      viewing_(scene),
-      shadows_(scene),
+      viewing_(scene, kRoom),
+      shadows_(scene, kRoom),
       hits_(kRoom),
       met_(kRoom),
       shares_(std::max<std::size_t>(kRoom * lights_, 1)) {}
@@ -28,19 +28,16 @@ const MetSurface* SampleBundle::met(std::size_t ray) const {
 
 void SampleBundle::trace(std::span<const Ray> rays, const SampleShader& shader) {
     findSurfaces(rays);
+    findStations(rays.size(), shader);
     std::fill_n(shares_.begin(), rays.size() * lights_, -1.0);
-    stations_.clear();
-    for (std::size_t i = 0; i < rays.size(); ++i) {
-        const MetSurface* surface = met(i);
-        if (surface == nullptr || !shader.takesLight(*surface)) continue;
-        stations_.push_back(
-            {shadowRayFrom(surface->point), surface->point.normal, static_cast<std::uint32_t>(i)});
-    }
     for (std::size_t light = 0; light < lights_; ++light) {
-        if (rig_->lights[light].points.empty()) {
-            goToMiddle(light, shader);
-        } else {
+        const LitLight& lit = rig_->lights[light];
+        if (!lit.points.empty()) {
             goToPoints(light, shader);
+        } else if (lit.light->kind == LightKind::Directional) {
+            goToSky(light, shader);
+        } else {
+            goToMiddle(light, shader);
         }
     }
 }
@@ -59,53 +56,76 @@ void SampleBundle::findSurfaces(std::span<const Ray> rays) {
     }
 }
 
-/// Whether the light, shadows aside, shines on the side that is seen, and is
-/// likely to be asked for.
-bool SampleBundle::isReached(const Station& station, std::size_t light, const SampleShader& shader,
-                             LitPlace& place) const {
-    const MetSurface& surface = met_[station.viewing];
-    if (!shader.asksFor(surface, light)) return false;
-    const LitLight& lit = rig_->lights[light];
-    if (lit.light->kind == LightKind::Directional) {
-        place.direction = lit.light->direction;
-        place.distance = std::numeric_limits<double>::infinity();
-    } else {
-        Imath::V3d color;
-        place.position = surface.point.position;
-        place.distance = arrivingLight(*rig_, lit, place.position, place.direction, color);
+void SampleBundle::findStations(std::size_t rays, const SampleShader& shader) {
+    stations_.clear();
+    for (std::size_t i = 0; i < rays; ++i) {
+        const MetSurface* surface = met(i);
+        if (surface == nullptr || !shader.takesLight(*surface)) continue;
+        const SurfacePoint& point = surface->point;
+        stations_.push_back({shadowRayFrom(point), point.normal,
+                             point.geometry->source->surfaceIndex, static_cast<std::uint32_t>(i)});
     }
-    place.facing = &station.normal;
-    return place.distance >= 0 && -place.direction.dot(station.normal) > 0;
 }
 
-/// One ray from each station to a light without a size.
+/// One ray from each station that faces a directional light without a size.
+void SampleBundle::goToSky(std::size_t light, const SampleShader& shader) {
+    shadows_.clear();
+    going_.clear();
+    const Imath::V3d toLight = -rig_->lights[light].light->direction;
+    const Imath::V3f direction = embreeDirection(toLight);
+    for (const Station& station : stations_) {
+        if (!shader.asksFor(station.surface, light) || !(toLight.dot(station.normal) > 0)) continue;
+        shadows_.add(station.toLight, direction, std::numeric_limits<double>::infinity());
+        going_.push_back(station.viewing);
+    }
+    settle(light);
+}
+
+/// One ray from each station that faces a light without a size which has a place.
 void SampleBundle::goToMiddle(std::size_t light, const SampleShader& shader) {
     shadows_.clear();
     going_.clear();
     LitPlace place;
     for (const Station& station : stations_) {
-        if (!isReached(station, light, shader, place)) continue;
+        if (!shader.asksFor(station.surface, light)) continue;
         Ray ray = station.toLight;
-        if (!turnToMiddle(place, ray)) continue;
+        if (!isReached(station, rig_->lights[light], place) || !turnToMiddle(place, ray)) continue;
         shadows_.add(ray);
         going_.push_back(station.viewing);
     }
+    settle(light);
+}
+
+/// Whether the light, shadows aside, shines on the side that is seen.
+bool SampleBundle::isReached(const Station& station, const LitLight& lit, LitPlace& place) const {
+    Imath::V3d color;
+    place.position = met_[station.viewing].point.position;
+    place.distance = arrivingLight(*rig_, lit, place.position, place.direction, color);
+    place.facing = &station.normal;
+    return place.distance >= 0 && -place.direction.dot(station.normal) > 0;
+}
+
+std::span<const double> SampleBundle::traceShadows() {
     const std::span<const double> passed = shadows_.trace();
+    shadowRays_ += passed.size();
+    return passed;
+}
+
+void SampleBundle::settle(std::size_t light) {
+    const std::span<const double> passed = traceShadows();
     for (std::size_t i = 0; i < passed.size(); ++i)
         share(going_[i], light) = passed[i];
-    shadowRays_ += passed.size();
 }
 
 void SampleBundle::goToPoints(std::size_t light, const SampleShader& shader) {
     ways_.clear();
+    const LitLight& lit = rig_->lights[light];
     Way way;
     LitPlace place;
     for (const Station& station : stations_) {
+        if (!shader.asksFor(station.surface, light) || !isReached(station, lit, place)) continue;
         way.viewing = station.viewing;
-        if (isReached(station, light, shader, place) &&
-            way.rays.aim(station.toLight, rig_->lights[light], place)) {
-            ways_.push_back(way);
-        }
+        if (way.rays.aim(station.toLight, lit, place)) ways_.push_back(way);
     }
     while (stepToPoints())
         ;
@@ -124,10 +144,9 @@ bool SampleBundle::stepToPoints() {
         shadows_.add(ray);
         going_.push_back(static_cast<std::uint32_t>(i));
     }
-    const std::span<const double> passed = shadows_.trace();
+    const std::span<const double> passed = traceShadows();
     for (std::size_t i = 0; i < passed.size(); ++i)
         ways_[going_[i]].rays.add(passed[i]);
-    shadowRays_ += passed.size();
     return !passed.empty();
 }
 

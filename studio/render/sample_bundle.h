@@ -44,7 +44,8 @@ class SampleBundle {
     struct Station {
         Ray toLight;  ///< shadow ray from there, not turned yet
         Imath::V3d normal;
-        std::uint32_t viewing = 0;  ///< where the viewing ray stands
+        int surface;
+        std::uint32_t viewing;  ///< where the viewing ray stands
     };
     /// The ways from a station to one light with a size.
     struct Way {
@@ -52,11 +53,14 @@ class SampleBundle {
         std::uint32_t viewing = 0;  ///< where the viewing ray stands
     };
     void findSurfaces(std::span<const Ray> rays);
-    bool isReached(const Station& station, std::size_t light, const SampleShader& shader,
-                   LitPlace& place) const;
+    void findStations(std::size_t rays, const SampleShader& shader);
+    void goToSky(std::size_t light, const SampleShader& shader);
     void goToMiddle(std::size_t light, const SampleShader& shader);
     void goToPoints(std::size_t light, const SampleShader& shader);
+    bool isReached(const Station& station, const LitLight& lit, LitPlace& place) const;
     bool stepToPoints();
+    std::span<const double> traceShadows();
+    void settle(std::size_t light);
     double& share(std::uint32_t viewing, std::size_t light) {
         return shares_[viewing * lights_ + light];
     }

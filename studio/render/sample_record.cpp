@@ -45,6 +45,20 @@ void fillSight(const SurfacePoint& point, const Viewpoint& from, HostSample& rec
     record.cosine = std::clamp(-from.direction.dot(point.normal), 0.0, 1.0);
 }
 
+void fillValues(const SampleValues& values, HostSample& record) {
+    fill(values.color, record.color);
+    record.luminosity = values.luminosity;
+    record.diffuse = values.diffuse;
+    record.specular = values.specular;
+    record.transparency = values.transparency;
+}
+
+bool isSound(const SampleValues& values) {
+    return std::isfinite(values.color.x) && std::isfinite(values.color.y) &&
+           std::isfinite(values.color.z) && std::isfinite(values.luminosity) &&
+           std::isfinite(values.diffuse) && std::isfinite(values.specular);
+}
+
 double finiteOr(double value, double other) {
     return std::isfinite(value) ? value : other;
 }
@@ -52,7 +66,7 @@ double finiteOr(double value, double other) {
 }  // namespace
 
 void fillRecord(const RayScene& scene, const SurfacePoint& point, const Viewpoint& from,
-                const OwnColor& own, double specular, HostSample& record) {
+                const SampleValues& values, HostSample& record) {
     fill(point.position * point.geometry->worldToObject, record.objectPosition);
     fill(point.position, record.worldPosition);
     fill(point.geometricNormal, record.geometricNormal);
@@ -62,35 +76,23 @@ void fillRecord(const RayScene& scene, const SurfacePoint& point, const Viewpoin
     fillSight(point, from, record);
     fillIdentities(scene, point, record);
     fillVertices(point, record);
-    fill(own.color, record.color);
-    record.luminosity = own.luminosity;
-    record.diffuse = own.diffuse;
-    record.specular = specular;
-    record.transparency = 1 - own.alpha;
+    fillValues(values, record);
     record.bumpHeight = 0;
 }
 
-SampleValues valuesOf(const HostSample& record) {
-    return {Imath::V3d(record.color[0], record.color[1], record.color[2]), record.luminosity,
-            record.diffuse, record.specular, record.transparency};
-}
-
-void takeBack(const SampleValues& before, unsigned flags, HostSample& record) {
-    if ((flags & HOST_SHADER_COLOR) == 0) fill(before.color, record.color);
-    if ((flags & HOST_SHADER_LUMINOUS) == 0) record.luminosity = before.luminosity;
-    if ((flags & HOST_SHADER_DIFFUSE) == 0) record.diffuse = before.diffuse;
-    if ((flags & HOST_SHADER_SPECULAR) == 0) record.specular = before.specular;
-    if ((flags & HOST_SHADER_TRANSPARENCY) == 0) record.transparency = before.transparency;
-    const SampleValues values = valuesOf(record);
-    const bool sound = std::isfinite(values.color.x) && std::isfinite(values.color.y) &&
-                       std::isfinite(values.color.z) && std::isfinite(values.luminosity) &&
-                       std::isfinite(values.diffuse) && std::isfinite(values.specular);
+SampleValues takeBack(const SampleValues& before, unsigned flags, HostSample& record) {
+    SampleValues values = before;
+    if ((flags & HOST_SHADER_COLOR) != 0)
+        values.color = {record.color[0], record.color[1], record.color[2]};
+    if ((flags & HOST_SHADER_LUMINOUS) != 0) values.luminosity = record.luminosity;
+    if ((flags & HOST_SHADER_DIFFUSE) != 0) values.diffuse = record.diffuse;
+    if ((flags & HOST_SHADER_SPECULAR) != 0) values.specular = record.specular;
+    if ((flags & HOST_SHADER_TRANSPARENCY) != 0) values.transparency = record.transparency;
     // Black as a whole: one broken channel would leave a false colour.
-    if (!sound) {
-        fill(Imath::V3d(0), record.color);
-        record.luminosity = record.diffuse = record.specular = 0;
-    }
-    record.transparency = std::clamp(finiteOr(record.transparency, 0), 0.0, 1.0);
+    if (!isSound(values)) values = {Imath::V3d(0), 0, 0, 0, values.transparency};
+    values.transparency = std::clamp(finiteOr(values.transparency, 0), 0.0, 1.0);
+    fillValues(values, record);
+    return values;
 }
 
 }  // namespace tavora::studio

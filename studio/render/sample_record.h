@@ -3,7 +3,6 @@
 #include "host/sample.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/surface_point.h"
-#include "studio/render/surface_traits.h"
 
 namespace tavora::studio {
 
@@ -12,10 +11,6 @@ struct Viewpoint {
     Imath::V3d position{0, 0, 0};
     Imath::V3d direction{0, 0, -1};  ///< unit, of the ray
 };
-
-/// Fills every field of `record` but the callbacks.
-void fillRecord(const RayScene& scene, const SurfacePoint& point, const Viewpoint& from,
-                const OwnColor& own, double specular, HostSample& record);
 
 /// What a shader may change in a record.
 struct SampleValues {
@@ -26,10 +21,13 @@ struct SampleValues {
     double transparency = 0;  ///< 0..1
 };
 
-SampleValues valuesOf(const HostSample& record);
+/// Fills every field of `record` but the callbacks.
+void fillRecord(const RayScene& scene, const SurfacePoint& point, const Viewpoint& from,
+                const SampleValues& values, HostSample& record);
 
-/// What remains in `record` of a shader's work: only what its `flags` name, the
-/// rest as `before`; and no value that is not a number or infinite.
-void takeBack(const SampleValues& before, unsigned flags, HostSample& record);
+/// What remains of a shader's work in `record`: only what its `flags` name, the
+/// rest as `before`; and no value that is not a number or infinite. The record
+/// then holds the same.
+SampleValues takeBack(const SampleValues& before, unsigned flags, HostSample& record);
 
 }  // namespace tavora::studio

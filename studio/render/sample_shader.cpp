@@ -67,7 +67,12 @@ namespace {
 /// Sets the surface's own colour; false where it is wholly clear.
 bool colorMet(const RayScene& scene, MetSurface& met) {
     const int surface = met.point.geometry->source->surfaceIndex;
-    met.own = ownColor(scene.index(), scene.traits(surface), met.point.texturePlace());
+    const SurfaceTraits& traits = scene.traits(surface);
+    if (traits.isEven && met.point.geometry->source->mesh->colors.empty()) {
+        met.own = traits.even;
+    } else {
+        met.own = ownColor(scene.index(), traits, met.point.texturePlace());
+    }
     return met.own.alpha > 0;
 }
 
@@ -161,31 +166,32 @@ Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<co
     shaded_.add(static_cast<std::size_t>(surface));
     const SurfaceTraits& traits = scene_->traits(surface);
     const ActiveShader active = shaders_->of(surface);
-    const double specular = active.shader != nullptr ? traits.specular : 0;
+    const OwnColor& own = level.met->own;
+    SampleValues values{own.color, own.luminosity, own.diffuse,
+                        active.shader != nullptr ? traits.specular : 0, 1 - own.alpha};
     level.lights.start(point, level.onPath ? &path_ : nullptr, level.place);
     level.lights.know(shares);
     level.lights.mark(std::span(asked_).subspan(firstAsked(surface), lights_->lights.size()));
-    fillRecord(*scene_, point, from, level.met->own, specular, record);
+    fillRecord(*scene_, point, from, values, record);
     record.illuminate = illuminate;
     record.traceAndShade = traceAndShade;
-    if (active.shader != nullptr) evaluate(level, active, record);
+    if (active.shader != nullptr) values = evaluate(level, active, values, record);
 
-    const SampleValues values = valuesOf(record);
     const Imath::V3d shown =
         shownColor(values, traits.exponent, point, -from.direction, *lights_, level.lights);
     const bool sound = std::isfinite(shown.x + shown.y + shown.z);
     return {sound ? shown : Imath::V3d(0), values.transparency};
 }
 
-void SampleShader::evaluate(Level& level, const ActiveShader& active, HostSample& record) {
+SampleValues SampleShader::evaluate(Level& level, const ActiveShader& active,
+                                    const SampleValues& before, HostSample& record) {
     // What is kept serves later edits, which may ask for other lights.
     if (level.onPath) level.lights.prepare();
     level.mayTrace = (active.flags & HOST_SHADER_RAYTRACE) != 0;
     level.traced.valid = false;
-    const SampleValues before = valuesOf(record);
     ++evaluations_;
     active.shader->evaluate(record);
-    takeBack(before, active.flags, record);
+    return takeBack(before, active.flags, record);
 }
 
 int SampleShader::illuminate(HostItemId light, const double position[3], double direction[3],

@@ -68,13 +68,14 @@ class SampleShader {
 
     /// Whether shading it takes light at all.
     bool takesLight(const MetSurface& met) const {
-        return met.own.diffuse != 0 || shaders_->of(surfaceOf(met)).shader != nullptr;
+        const int surface = met.point.geometry->source->surfaceIndex;
+        return met.own.diffuse != 0 || shaders_->of(surface).shader != nullptr;
     }
 
     /// Whether samples of the surface asked for the light so far, so that the next
     /// is likely to: shaders that work with a few of many lights name theirs.
-    bool asksFor(const MetSurface& met, std::size_t light) const {
-        return asked_[firstAsked(surfaceOf(met)) + light] != 0;
+    bool asksFor(int surface, std::size_t light) const {
+        return asked_[firstAsked(surface) + light] != 0;
     }
 
     /// Where the last shadeNext() that found something did, or shadeMet().
@@ -95,7 +96,8 @@ class SampleShader {
     bool findVisible(Level& level, HitKey after);
     Appearance shade(Level& level, const Viewpoint& from, std::span<const double> shares,
                      HostSample& record);
-    void evaluate(Level& level, const ActiveShader& active, HostSample& record);
+    SampleValues evaluate(Level& level, const ActiveShader& active, const SampleValues& before,
+                          HostSample& record);
     static int surfaceOf(const MetSurface& met) { return met.point.geometry->source->surfaceIndex; }
     /// Where in `asked_` the lights of a surface begin.
     std::size_t firstAsked(int surface) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <ImathVec.h>
 #include <cstddef>
 #include <embree3/rtcore.h>
 #include <span>
@@ -14,19 +15,21 @@ namespace tavora::studio {
 /// and go alike. As much passes along each as does alone. One thread at a time.
 class ShadowStream {
   public:
-    /// `scene` must outlive it. Keeps room for as many rays as were ever traced
-    /// at once, 112 bytes each.
-    explicit ShadowStream(const RayScene& scene) : scene_(&scene) {}
+    /// At most `room` rays at once. `scene` must outlive it.
+    ShadowStream(const RayScene& scene, std::size_t room)
+        : scene_(&scene), progress_(room), rays_(room), shares_(room) {}
 
     /// Makes it empty.
-    void clear() {
-        rays_.clear();
-        progress_.clear();
-    }
+    void clear() { count_ = 0; }
 
-    void add(const Ray& ray) {
-        rays_.push_back(embreeRay(ray, static_cast<unsigned>(rays_.size())));
-        progress_.push_back(shadowProgress(ray));
+    void add(const Ray& ray) { add(ray, embreeDirection(ray.direction), ray.farthest); }
+
+    /// Adds `ray` turned to `direction`, as embreeDirection() gives it, and that long.
+    void add(const Ray& ray, const Imath::V3f& direction, double farthest) {
+        setEmbreeRay(ray, direction, farthest, static_cast<unsigned>(count_), rays_[count_]);
+        progress_[count_] = shadowProgress(ray);
+        progress_[count_].leavesClear = true;
+        ++count_;
     }
 
     /// RayScene::transmittance() along each ray that was added, in that order;
@@ -35,6 +38,7 @@ class ShadowStream {
 
   private:
     const RayScene* scene_;
+    std::size_t count_ = 0;
     std::vector<ShadowProgress> progress_;
     std::vector<RTCRay> rays_;
     std::vector<double> shares_;

@@ -97,6 +97,13 @@ void addGlow(OwnColor& own, const Imath::V3d& glow) {
     own.luminosity = strength;
 }
 
+OwnColor evenColor(const SurfaceTraits& traits, const SceneIndex& scene) {
+    const Mesh withoutColors;
+    TexturePlace place;
+    place.mesh = &withoutColors;
+    return ownColor(scene, traits, place);
+}
+
 }  // namespace
 
 SurfaceTraits traitsOf(const Surface& surface, const SceneIndex& scene) {
@@ -110,6 +117,8 @@ SurfaceTraits traitsOf(const Surface& surface, const SceneIndex& scene) {
     const auto roughness = static_cast<double>(surface.roughness);
     traits.specular = (1 - roughness) * (1 - roughness);
     traits.exponent = lobeExponent(roughness);
+    traits.isEven = !surface.baseColorTexture && !surface.emissiveTexture;
+    if (traits.isEven) traits.even = evenColor(traits, scene);
     return traits;
 }
 

@@ -14,6 +14,14 @@ enum class Cover {
     Clear    ///< by its alpha
 };
 
+/// A surface's own look at a place, display-referred.
+struct OwnColor {
+    Imath::V3d color{0, 0, 0};
+    double luminosity = 0;  ///< share of the colour that shows without light
+    double diffuse = 1;     ///< share of the light that the colour scatters
+    double alpha = 1;       ///< 1 unless the surface is clear
+};
+
 /// What can be worked out about a surface once for all its points.
 struct SurfaceTraits {
     const Surface* surface = nullptr;
@@ -21,6 +29,8 @@ struct SurfaceTraits {
     Imath::V3d color{1, 1, 1};  ///< display-referred, of the factor alone
     bool white = true;          ///< the factor leaves colours as they are
     bool glows = false;         ///< has emission
+    bool isEven = false;        ///< no texture: the same all over meshes without vertex colours
+    OwnColor even;              ///< there, if so
     double specular = 0;        ///< strength of the glossy reflection under a shader
     double exponent = 1;        ///< of that reflection's lobe
 };
@@ -30,14 +40,6 @@ SurfaceTraits traitsOf(const Surface& surface, const SceneIndex& scene);
 
 /// Opacity of a surface at a place, before its alpha mode: 0..1.
 double alphaAt(const SceneIndex& scene, const Surface& surface, const TexturePlace& place);
-
-/// A surface's own look at a place, display-referred.
-struct OwnColor {
-    Imath::V3d color{0, 0, 0};
-    double luminosity = 0;  ///< share of the colour that shows without light
-    double diffuse = 1;     ///< share of the light that the colour scatters
-    double alpha = 1;       ///< 1 unless the surface is clear
-};
 
 /// Emission makes the own colour luminous: by its strongest channel, and moves
 /// the colour towards its hue by that share.

@@ -15,14 +15,10 @@ bool isNearEdge(const RTCHit& hit) {
 }  // namespace
 
 void ViewingStream::start(std::span<const Ray> rays) {
-    progress_.clear();
-    queries_.clear();
-    for (const Ray& ray : rays) {
-        RTCRayHit query;
-        query.ray = embreeRay(ray, static_cast<unsigned>(queries_.size()));
-        query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-        queries_.push_back(query);
-        progress_.push_back({&ray});
+    for (std::size_t i = 0; i < rays.size(); ++i) {
+        setEmbreeRay(rays[i], static_cast<unsigned>(i), queries_[i].ray);
+        queries_[i].hit.geomID = RTC_INVALID_GEOMETRY_ID;
+        progress_[i] = {&rays[i]};
     }
 }
 
@@ -31,7 +27,7 @@ void ViewingStream::firstHits(std::span<const Ray> rays, std::span<HitKey> hits)
     RayContext context = rayContext(*scene_, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.viewing = progress_.data();
     rtcIntersect1M(scene_->embree(), &context.embree, queries_.data(),
-                   static_cast<unsigned>(queries_.size()), sizeof(RTCRayHit));
+                   static_cast<unsigned>(rays.size()), sizeof(RTCRayHit));
     for (std::size_t i = 0; i < rays.size(); ++i) {
         // Without a hit the best one is what it started as: infinitely far.
         hits[i] = progress_[i].best;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <embree3/rtcore.h>
 #include <span>
 #include <vector>
@@ -13,9 +14,9 @@ namespace tavora::studio {
 /// and go alike. Each meets what it meets alone. One thread at a time.
 class ViewingStream {
   public:
-    /// `scene` must outlive it. Keeps room for as many rays as were ever traced
-    /// at once, 112 bytes each.
-    explicit ViewingStream(const RayScene& scene) : scene_(&scene) {}
+    /// At most `room` rays at once. `scene` must outlive it.
+    ViewingStream(const RayScene& scene, std::size_t room)
+        : scene_(&scene), progress_(room), queries_(room) {}
 
     /// `hits[i]` becomes the first hit of `rays[i]`; infinitely far where there
     /// is none.

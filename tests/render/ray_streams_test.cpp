@@ -112,7 +112,7 @@ std::vector<Ray> flatRays() {
 
 std::vector<HitKey> hitsOf(const RayScene& scene, const std::vector<Ray>& rays,
                            std::size_t length) {
-    ViewingStream stream(scene);
+    ViewingStream stream(scene, length);
     std::vector<HitKey> hits(rays.size());
     for (std::size_t first = 0; first < rays.size(); first += length) {
         const std::size_t count = std::min(length, rays.size() - first);
@@ -123,7 +123,7 @@ std::vector<HitKey> hitsOf(const RayScene& scene, const std::vector<Ray>& rays,
 
 std::vector<double> sharesOf(const RayScene& scene, const std::vector<Ray>& rays,
                              std::size_t length) {
-    ShadowStream stream(scene);
+    ShadowStream stream(scene, length);
     std::vector<double> shares;
     for (std::size_t first = 0; first < rays.size(); first += length) {
         stream.clear();
