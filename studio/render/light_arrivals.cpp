@@ -33,7 +33,7 @@ double LightArrivals::cosine(std::size_t light) {
 const LightArrival& LightArrivals::at(std::size_t light) {
     Slot& slot = slots_[light];
     if (!asked_.empty()) asked_[light] = 1;
-    if (kept(light).share == 0) {
+    if (knownShare(light) == 0 || kept(light).share == 0) {
         slot.arrival.lit = false;
         return slot.arrival;
     }

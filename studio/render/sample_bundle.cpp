@@ -6,7 +6,7 @@
 namespace tavora::studio {
 namespace {
 
-constexpr std::size_t kRoom = 256;
+constexpr std::size_t kRoom = 128;
 
 constexpr float kNothing = std::numeric_limits<float>::infinity();
 

@@ -26,19 +26,4 @@ View::View(const Camera& camera, int width, int height, int samples)
     footprint_ = pixel / std::sqrt(static_cast<double>(samples));
 }
 
-Ray View::rayThrough(double x, double y) const {
-    const Imath::V3d across = corner_ + right_ * x + down_ * y;
-    Ray ray;
-    if (orthographic_) {
-        ray.origin = eye_ + across;
-        ray.direction = forward_;
-        ray.spot = footprint_;
-    } else {
-        ray.origin = eye_;
-        ray.direction = (forward_ + across).normalized();
-        ray.spread = footprint_;
-    }
-    return ray;
-}
-
 }  // namespace tavora::studio

@@ -13,7 +13,14 @@ class View {
     View(const Camera& camera, int width, int height, int samples);
 
     /// `x` to the right and `y` down, in pixels from the upper left corner.
-    Ray rayThrough(double x, double y) const;
+    Ray rayThrough(double x, double y) const {
+        const Imath::V3d across = corner_ + right_ * x + down_ * y;
+        Ray ray;
+        ray.origin = orthographic_ ? eye_ + across : eye_;
+        ray.direction = orthographic_ ? forward_ : (forward_ + across).normalized();
+        (orthographic_ ? ray.spot : ray.spread) = footprint_;
+        return ray;
+    }
 
   private:
     Imath::V3d right_;   ///< one pixel to the right, at distance 1 or in the plane of view

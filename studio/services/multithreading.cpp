@@ -16,7 +16,7 @@ class HeldMutex {
     void lock() {
         if (!isMine()) {
             mutex_.lock();
-            holder_ = std::this_thread::get_id();
+            holder_.store(std::this_thread::get_id(), std::memory_order_relaxed);
         }
         ++depth_;
     }
@@ -25,15 +25,18 @@ class HeldMutex {
     bool unlock() {
         if (!isMine()) return false;
         if (--depth_ == 0) {
-            holder_ = std::thread::id();
+            holder_.store(std::thread::id(), std::memory_order_relaxed);
             mutex_.unlock();
         }
         return true;
     }
 
   private:
-    /// No other thread can make or unmake this one the holder.
-    bool isMine() const { return holder_ == std::this_thread::get_id(); }
+    /// No other thread can make or unmake this one the holder, so that it needs
+    /// to see no other thread's writes in order.
+    bool isMine() const {
+        return holder_.load(std::memory_order_relaxed) == std::this_thread::get_id();
+    }
 
     std::mutex mutex_;
     std::atomic<std::thread::id> holder_;

@@ -15,12 +15,14 @@ class ServiceBinding {
     ServiceBinding& operator=(const ServiceBinding&) = delete;
 
     /// This thread's binding, or null.
-    static const ServiceBinding* current();
+    static const ServiceBinding* current() { return bound; }
 
     const SceneIndex& scene() const { return *scene_; }
     const LightRig& lights() const { return *lights_; }
 
   private:
+    inline static thread_local const ServiceBinding* bound = nullptr;
+
     const SceneIndex* scene_;
     const LightRig* lights_;
     const ServiceBinding* before_;
