@@ -23,12 +23,12 @@ class Crew {
                 const std::size_t next = next_.fetch_add(1);
                 if (next >= jobs_ || stopped_) break;
                 job(lane, next);
-                finished(1, 0);
+                ++done_;
             }
         } catch (...) {
             fail(std::current_exception());
         }
-        finished(0, 1);
+        leave();
     }
 
     /// Returns when no thread works any more. The last report counts all jobs
@@ -38,9 +38,8 @@ class Crew {
         for (bool working = true; working;) {
             changed_.wait_for(lock, kWatchInterval, [this] { return working_ == 0; });
             working = working_ > 0;
-            const std::size_t done = done_;
             lock.unlock();
-            callWatch(report, done);
+            callWatch(report, done_);
             lock.lock();
         }
     }
@@ -52,10 +51,9 @@ class Crew {
     bool allDone() const { return done_ == jobs_; }
 
   private:
-    void finished(std::size_t jobs, std::size_t lanes) {
+    void leave() {
         const std::lock_guard lock(mutex_);
-        done_ += jobs;
-        working_ -= lanes;
+        --working_;
         changed_.notify_one();
     }
 
@@ -77,7 +75,7 @@ class Crew {
     std::mutex mutex_;
     std::condition_variable changed_;
     std::size_t working_;
-    std::size_t done_ = 0;
+    std::atomic<std::size_t> done_{0};
     const std::size_t jobs_;
     std::exception_ptr error_;
     std::atomic<std::size_t> next_{0};
