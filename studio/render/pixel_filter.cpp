@@ -3,6 +3,8 @@
 #include <cmath>
 #include <numbers>
 
+#include "studio/scene/portable_math.h"
+
 namespace tavora::studio {
 namespace {
 
@@ -12,9 +14,9 @@ constexpr double kBellRadius = 1.5;  // pixels
 /// integral of the Blackman-Harris window. The coefficients are its own.
 double bellUpTo(double x) {
     const double turn = 2 * std::numbers::pi;
-    const double sum = 0.35875 * x - 0.48829 / turn * std::sin(turn * x) +
-                       0.14128 / (2 * turn) * std::sin(2 * turn * x) -
-                       0.01168 / (3 * turn) * std::sin(3 * turn * x);
+    const double sum = 0.35875 * x - 0.48829 / turn * portable::sin(turn * x) +
+                       0.14128 / (2 * turn) * portable::sin(2 * turn * x) -
+                       0.01168 / (3 * turn) * portable::sin(3 * turn * x);
     return sum / 0.35875;
 }
 

@@ -7,9 +7,14 @@
 #include <stdexcept>
 
 #include "studio/render/ray_context.h"
+#include "studio/scene/portable_math.h"
 
 namespace tavora::studio {
 namespace {
+
+/// Kernels for later processors fuse multiplications with additions, and so meet
+/// another triangle, or none, at edges: these make pictures the same on all.
+constexpr const char* kDevice = "max_isa=avx";
 
 /// Transparencies multiply as sums of logarithms in 32 binary places, because
 /// integers add up to the same in any order and the order of hits is no one's
@@ -168,7 +173,7 @@ bool stopsLight(const HitAtFilter& at) {
     if (alpha >= 1) return true;
     // Each of the two triangles at an edge takes half.
     const double share = isOnEdge(spot) ? 0.5 : 1.0;
-    progress.darkening += std::llround(-std::log2(1 - alpha) * share * kLogUnit);
+    progress.darkening += std::llround(-portable::log2(1 - alpha) * share * kLogUnit);
     return progress.darkening > kDarkest;
 }
 
@@ -183,7 +188,7 @@ void filter(const RTCFilterFunctionNArguments* arguments) {
 }  // namespace
 
 RayScene::RayScene(const SceneIndex& scene)
-    : index_(&scene), device_(rtcNewDevice(nullptr)), scene_(nullptr) {
+    : index_(&scene), device_(rtcNewDevice(kDevice)), scene_(nullptr) {
     checkDevice();
     scene_.reset(rtcNewScene(device_.get()));
     rtcSetSceneFlags(scene_.get(), RTC_SCENE_FLAG_ROBUST);
@@ -258,7 +263,7 @@ double RayScene::transmittance(RTCRay ray, ShadowProgress progress) const {
     rtcOccluded1(scene_.get(), &context.embree, &ray);
     if (isStopped(ray)) return 0;
     if (progress.darkening == 0) return 1;
-    return std::exp2(-static_cast<double>(progress.darkening) / kLogUnit);
+    return portable::exp2(-static_cast<double>(progress.darkening) / kLogUnit);
 }
 
 }  // namespace tavora::studio

@@ -3,18 +3,20 @@
 #include <algorithm>
 #include <cmath>
 
+#include "studio/scene/portable_math.h"
+
 namespace tavora::studio {
 namespace {
 
 double glossy(const LightArrival& arrival, const Imath::V3d& normal, const Imath::V3d& toViewer,
-              double exponent) {
+              unsigned exponent) {
     const Imath::V3d half = (toViewer - arrival.direction).normalized();
-    return std::pow(std::max(half.dot(normal), 0.0), exponent);
+    return portable::power(std::max(half.dot(normal), 0.0), exponent);
 }
 
 }  // namespace
 
-Imath::V3d shownColor(const SampleValues& values, double exponent, const SurfacePoint& point,
+Imath::V3d shownColor(const SampleValues& values, unsigned exponent, const SurfacePoint& point,
                       const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights) {
     // Most shaded samples show their colour as it is.
     if (values.diffuse == 0 && values.specular == 0) return values.color * values.luminosity;

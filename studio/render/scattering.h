@@ -13,7 +13,7 @@ namespace tavora::studio {
 /// luminosity and by the light it scatters (Lambert), and the glossy reflection
 /// of the lights (Blinn, "Models of light reflection", 1977, with the cosine
 /// lobe `exponent`). `toViewer` is a unit vector.
-Imath::V3d shownColor(const SampleValues& values, double exponent, const SurfacePoint& point,
+Imath::V3d shownColor(const SampleValues& values, unsigned exponent, const SurfacePoint& point,
                       const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights);
 
 }  // namespace tavora::studio

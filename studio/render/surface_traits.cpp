@@ -41,10 +41,11 @@ Cover coverOf(const Surface& surface, const SceneIndex& scene) {
 }
 
 /// Exponent of a cosine lobe as wide as a microfacet lobe of that roughness:
-/// 2 / alpha^2 - 2 with alpha = roughness^2 (Walter et al. 2007, section 5.2).
-double lobeExponent(double roughness) {
+/// 2 / alpha^2 - 2 with alpha = roughness^2 (Walter et al. 2007, section 5.2), as
+/// a whole number.
+unsigned lobeExponent(double roughness) {
     const double alpha = std::max(roughness * roughness, 0.01);
-    return std::max(2 / (alpha * alpha) - 2, 1.0);
+    return static_cast<unsigned>(std::max(2 / (alpha * alpha) - 2, 1.0) + 0.5);
 }
 
 Imath::V4d vertexColor(const TexturePlace& place) {

@@ -32,7 +32,7 @@ struct SurfaceTraits {
     bool isEven = false;        ///< no texture: the same all over meshes without vertex colours
     OwnColor even;              ///< there, if so
     double specular = 0;        ///< strength of the glossy reflection under a shader
-    double exponent = 1;        ///< of that reflection's lobe
+    unsigned exponent = 1;      ///< of that reflection's lobe
 };
 
 /// `image` alphas count: a surface that could be clear but nowhere is, is solid.

@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "studio/scene/portable_math.h"
+
 namespace tavora::studio {
 namespace {
 
@@ -17,7 +19,7 @@ View::View(const Camera& camera, int width, int height, int samples)
       forward_(-axis(camera, 2)),
       orthographic_(camera.orthographic) {
     const double halfHeight =
-        camera.orthographic ? camera.halfHeight : std::tan(camera.verticalFov / 2);
+        camera.orthographic ? camera.halfHeight : portable::tan(camera.verticalFov / 2);
     const double pixel = 2 * halfHeight / height;
     right_ = axis(camera, 0) * pixel;
     down_ = -axis(camera, 1) * pixel;

@@ -4,6 +4,8 @@
 #include <cmath>
 #include <limits>
 
+#include "studio/scene/portable_math.h"
+
 namespace tavora::studio {
 namespace {
 
@@ -105,7 +107,7 @@ V3d backedOff(const V3d& eye, const Imath::Box3d& bounds, const Axes& axes) {
 
 Camera framingCamera(const Scene& scene, double aspect) {
     const Axes axes = axesLookingAlong(V3d(-0.45, -0.3, -1.0));
-    const double tanV = std::tan(kFov / 2);
+    const double tanV = portable::tan(kFov / 2);
     FrustumFit fit(axes, tanV * aspect * kMargin, tanV * kMargin);
     if (scene.bounds.isEmpty()) {
         includeUnitCube(fit);

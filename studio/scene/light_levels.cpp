@@ -7,6 +7,7 @@
 #include "studio/scene/color.h"
 #include "studio/scene/default_view.h"
 #include "studio/scene/glob.h"
+#include "studio/scene/portable_math.h"
 #include "studio/scene/soft_light.h"
 
 namespace tavora::studio {
@@ -80,8 +81,8 @@ double brightest(const std::vector<const Light*>& lights, const Scene& scene) {
 
 /// 1 inside the inner cone, falling to 0 at the outer one.
 double coneShare(const Light& light, double cosine) {
-    const double inner = std::cos(static_cast<double>(light.innerCone));
-    const double outer = std::cos(static_cast<double>(light.outerCone));
+    const double inner = portable::cos(static_cast<double>(light.innerCone));
+    const double outer = portable::cos(static_cast<double>(light.outerCone));
     const double t = (cosine - outer) / std::max(inner - outer, 1e-3);
     const double clamped = std::clamp(t, 0.0, 1.0);
     return clamped * clamped;

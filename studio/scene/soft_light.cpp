@@ -2,6 +2,8 @@
 
 #include <cmath>
 
+#include "studio/scene/portable_math.h"
+
 namespace tavora::studio {
 namespace {
 
@@ -62,7 +64,7 @@ std::vector<V3d> softSunPoints(const Light& light, double angle) {
     if (!(angle > 0)) return ways;
     const V3d across = light.direction.cross(leastAxis(light.direction)).normalized();
     const V3d along = light.direction.cross(across);
-    const double radius = std::tan(angle / 2);
+    const double radius = portable::tan(angle / 2);
     for (const V2d& inside : pairsInside(inSquare)) {
         const V3d aside = (across * inside.x + along * inside.y) * radius;
         ways.push_back((aside - light.direction).normalized());

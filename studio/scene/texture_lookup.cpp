@@ -5,6 +5,7 @@
 #include <cmath>
 
 #include "studio/scene/color.h"
+#include "studio/scene/portable_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -160,7 +161,8 @@ V4d TexturePyramid::lookUp(const TextureUse& use, V2d uv, double footprint) cons
     if (!(texels > 1)) return sample(finest, use.magnify, use, at);
     if (!use.mipmaps) return sample(finest, use.minify, use, at);
     const double last = static_cast<double>(levels_.size() - 1);
-    const double depth = std::min(std::log2(texels), last);
+    const double depth =
+        texels < std::ldexp(1.0, static_cast<int>(last)) ? portable::log2(texels) : last;
     const auto lower = static_cast<std::size_t>(depth);
     const std::size_t upper = std::min(lower + 1, levels_.size() - 1);
     const double t = depth - static_cast<double>(lower);
@@ -169,8 +171,8 @@ V4d TexturePyramid::lookUp(const TextureUse& use, V2d uv, double footprint) cons
 }
 
 V2d transformUv(const TextureUse& use, V2d uv) {
-    const double c = std::cos(static_cast<double>(use.rotation));
-    const double s = std::sin(static_cast<double>(use.rotation));
+    const double c = portable::cos(static_cast<double>(use.rotation));
+    const double s = portable::sin(static_cast<double>(use.rotation));
     const double x = uv.x * static_cast<double>(use.scale.x);
     const double y = uv.y * static_cast<double>(use.scale.y);
     return {c * x + s * y + static_cast<double>(use.offset.x),

@@ -1,0 +1,68 @@
+// Functions of our own beside those of the C library.
+
+#include "studio/scene/portable_math.h"
+
+#include <cmath>
+#include <gtest/gtest.h>
+#include <limits>
+#include <random>
+
+#include "studio/scene/color.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr double kUlp = std::numeric_limits<double>::epsilon();
+
+void expectNear(double ours, double theirs, double units, double x) {
+    ASSERT_NEAR(ours, theirs, units * kUlp * std::abs(theirs)) << x;
+}
+
+TEST(PortableMath, AgreesWithTheLibraryToSomeUnitsInTheLastPlace) {
+    std::mt19937_64 numbers(1);
+    std::uniform_real_distribution<double> between(-1, 1);
+    for (int i = 0; i < 100000; ++i) {
+        const double part = between(numbers);
+        const double positive = std::exp(40 * part);
+        expectNear(portable::cubeRoot(positive), std::cbrt(positive), 3, positive);
+        expectNear(portable::fifthRoot(positive), std::pow(positive, 0.2), 40, positive);
+        expectNear(portable::exp2(1000 * part), std::exp2(1000 * part), 3, part);
+        ASSERT_NEAR(portable::log2(positive), std::log2(positive), 64 * kUlp) << positive;
+        expectNear(portable::power(1 + part / 8, 37), std::pow(1 + part / 8, 37), 60, part);
+        const double angle = 100 * part;
+        ASSERT_NEAR(portable::sin(angle), std::sin(angle), 2 * kUlp) << angle;
+        ASSERT_NEAR(portable::cos(angle), std::cos(angle), 2 * kUlp) << angle;
+        ASSERT_NEAR(portable::sin(1e4 * angle), std::sin(1e4 * angle), 1e-12) << angle;
+        expectNear(portable::tan(part), std::tan(part), 6, part);
+    }
+}
+
+TEST(PortableMath, IsExactWhereResultsAre) {
+    EXPECT_EQ(portable::cubeRoot(1), 1);
+    EXPECT_EQ(portable::fifthRoot(1), 1);
+    EXPECT_EQ(portable::cubeRoot(27), 3);
+    EXPECT_EQ(portable::log2(0.0625), -4);
+    EXPECT_EQ(portable::exp2(-3), 0.125);
+    EXPECT_EQ(portable::sin(0), 0);
+    EXPECT_EQ(portable::cos(0), 1);
+    EXPECT_EQ(portable::power(0, 0), 1);
+    EXPECT_EQ(portable::cubeRoot(0), 0);
+    const double infinity = std::numeric_limits<double>::infinity();
+    EXPECT_EQ(portable::fifthRoot(infinity), infinity);
+    EXPECT_TRUE(std::isnan(portable::cos(infinity)));
+    EXPECT_LE(std::abs(portable::sin(1e30)), 1);
+}
+
+TEST(PortableMath, DisplayValuesComeBackFromLight) {
+    EXPECT_EQ(toLinear(1), 1);
+    EXPECT_EQ(toEncoded(1), 1);
+    for (int level = 0; level <= 65535; ++level) {
+        const double value = level / 65535.0;
+        ASSERT_NEAR(toEncoded(toLinear(value)), value, 16 * kUlp);
+    }
+    expectNear(toLinear(0.5), std::pow(0.555 / 1.055, 2.4), 8, 0.5);
+    expectNear(toEncoded(12), 1.055 * std::pow(12, 1 / 2.4) - 0.055, 8, 12);
+}
+
+}  // namespace
+}  // namespace tavora::studio
