@@ -4,6 +4,7 @@
 #include <chrono>
 #include <stdexcept>
 #include <thread>
+#include <utility>
 
 #include "studio/render/lanes.h"
 #include "studio/render/pixel_filter.h"
@@ -133,6 +134,24 @@ class RoundProgress {
     double last_ = 0;
 };
 
+/// Leaves the tiles with pixels that want more samples, those with most first, so
+/// that no lane is left alone with a long one. Returns how many pixels do.
+std::size_t keepWanting(const Refinement& refinement, std::vector<PixelBox>& tiles) {
+    std::vector<std::pair<std::size_t, PixelBox>> counted;
+    std::size_t all = 0;
+    for (const PixelBox& tile : tiles) {
+        counted.emplace_back(refinement.wanting(tile), tile);
+        all += counted.back().first;
+    }
+    std::stable_sort(counted.begin(), counted.end(),
+                     [](const auto& a, const auto& b) { return a.first > b.first; });
+    tiles.clear();
+    for (const auto& [pixels, tile] : counted) {
+        if (pixels > 0) tiles.push_back(tile);
+    }
+    return all;
+}
+
 void renderInRounds(const RenderOptions& options, const RenderWatch& watch, const Lanes& lanes,
                     Picture& picture) {
     Refinement refinement(picture.window, {0, 0, options.width, options.height});
@@ -153,12 +172,7 @@ void renderInRounds(const RenderOptions& options, const RenderWatch& watch, cons
                 refinement.decide(tile, static_cast<int>(round) + 1);
             },
             [](double) {});
-        std::size_t wanting = 0;
-        std::erase_if(tiles, [&](const PixelBox& tile) {
-            const std::size_t pixels = refinement.wanting(tile);
-            wanting += pixels;
-            return pixels == 0;
-        });
+        const std::size_t wanting = keepWanting(refinement, tiles);
         const auto samples = static_cast<double>(rounds[round + 1].size());
         progress.begin(round + 1, static_cast<double>(wanting) * samples);
     }
