@@ -13,6 +13,7 @@
 #include "studio/app/option_values.h"
 #include "studio/app/report.h"
 #include "studio/app/usage_error.h"
+#include "studio/scene/angle_units.h"
 #include "studio/scene/nearest_name.h"
 
 namespace tavora::studio {
@@ -198,9 +199,7 @@ void addLighting(Command& command, LightingOptions& lighting) {
                    into(lighting.exposure, exposure));
     command.option("--falloff", "none|physical", "How light weakens with distance (none)",
                    into(lighting.falloff, falloff));
-    constexpr double kFarthest = 1e9;   // metres
-    constexpr double kWidestSun = 179;  // degrees
-    constexpr double kDegree = 0.017453292519943295;
+    constexpr double kFarthest = 1e9;  // metres
     command.list("--light-radius", "[LIGHT=]METRES",
                  "Size of point and spot lights, which softens shadows; repeatable",
                  [&lighting](const std::string& option, const std::string& text) {
@@ -209,8 +208,8 @@ void addLighting(Command& command, LightingOptions& lighting) {
     command.list("--light-angle", "[LIGHT=]DEGREES",
                  "Size of directional lights in the sky, the same; the sun has 0.53",
                  [&lighting](const std::string& option, const std::string& text) {
-                     lighting.angles.push_back(lightSize(option, text, kWidestSun));
-                     lighting.angles.back().size *= kDegree;
+                     lighting.angles.push_back(lightSize(option, text, kWidestSunDegrees));
+                     lighting.angles.back().size *= kRadiansPerDegree;
                  });
 }
 
@@ -247,7 +246,7 @@ void addRender(Command& command, RenderRequest& request) {
     addShading(command, request.shading);
     command->add_flag("--no-shader{*}", request.shading.plain,
                       "Plain shading for all or some surfaces; repeatable");
-    command->add_flag("--no-self-shadow{*}", request.unshadowed,
+    command->add_flag("--no-self-shadow{*}", request.withoutSelfShadow,
                       "Surfaces, all or some, that throw no shadow on themselves; repeatable");
     command.option("--progress", "KIND", "auto, none, bar or json (auto)",
                    into(request.progress, progressKind));

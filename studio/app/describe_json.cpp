@@ -4,14 +4,13 @@
 #include "studio/app/surface_names.h"
 #include "studio/link/link_error.h"
 #include "studio/link/module_file.h"
+#include "studio/scene/angle_units.h"
 #include "studio/services/registry.h"
 
 namespace tavora::studio {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr double kDegrees = 57.29577951308232;  // a radian
 
 Json vectorOf(const Imath::V3d& v) {
     return {v.x, v.y, v.z};
@@ -40,7 +39,7 @@ Json describe(const Light& light) {
     if (light.kind != LightKind::Directional) json["position"] = vectorOf(light.position);
     if (light.kind != LightKind::Point) json["direction"] = vectorOf(light.direction);
     if (light.kind == LightKind::Directional) {
-        json["angleDegrees"] = light.angle * kDegrees;
+        json["angleDegrees"] = light.angle * kDegreesPerRadian;
     } else {
         json["radius"] = light.radius;
     }
@@ -53,7 +52,7 @@ Json describe(const Camera& camera) {
     if (camera.orthographic) {
         json["halfHeight"] = camera.halfHeight;
     } else {
-        json["verticalDegrees"] = camera.verticalFov * kDegrees;
+        json["verticalDegrees"] = camera.verticalFov * kDegreesPerRadian;
     }
     return json;
 }

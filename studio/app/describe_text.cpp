@@ -3,13 +3,12 @@
 #include "studio/app/describe.h"
 #include "studio/app/report.h"
 #include "studio/app/surface_names.h"
+#include "studio/scene/angle_units.h"
 
 namespace tavora::studio {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr double kDegrees = 57.29577951308232;  // a radian
 
 std::string textOf(const Surface& surface) {
     std::string text = surface.baseColorTexture ? "textured" : "plain colour";
@@ -30,14 +29,15 @@ std::string textOf(const Light& light) {
                     light.intensity, light.kind == LightKind::Directional ? "lux" : "candela",
                     light.color.x, light.color.y, light.color.z);
     if (light.radius > 0) text += fmt::format(", radius {:.4g} m", light.radius);
-    if (light.angle > 0) text += fmt::format(", {:.4g} degrees wide", light.angle * kDegrees);
+    if (light.angle > 0)
+        text += fmt::format(", {:.4g} degrees wide", light.angle * kDegreesPerRadian);
     return text;
 }
 
 std::string textOf(const Camera& camera) {
     if (camera.orthographic)
         return fmt::format("orthographic, {:.4g} m high", camera.halfHeight * 2);
-    return fmt::format("perspective, {:.4g} degrees high", camera.verticalFov * kDegrees);
+    return fmt::format("perspective, {:.4g} degrees high", camera.verticalFov * kDegreesPerRadian);
 }
 
 std::string textOf(const AnimationInfo& animation) {

@@ -42,7 +42,7 @@ Scene readScene(const RenderRequest& request, Report& report) {
     Scene scene = readGltf(request.scene);
     for (const std::string& warning : scene.warnings)
         report.warning(warning);
-    for (const std::string& pattern : request.unshadowed) {
+    for (const std::string& pattern : request.withoutSelfShadow) {
         for (const std::size_t i : matchingSurfaces(scene, pattern, "--no-self-shadow"))
             scene.surfaces[i].selfShadow = false;
     }

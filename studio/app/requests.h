@@ -65,8 +65,8 @@ struct RenderRequest {
     ShadingRequest shading;
     std::optional<Imath::V3d> background;  ///< display-referred; empty: transparent
     LightingOptions lighting;
-    std::vector<std::string>
-        unshadowed;  ///< names or globs of surfaces that do not shade themselves
+    /// Names or globs of surfaces that throw no shadow on themselves.
+    std::vector<std::string> withoutSelfShadow;
     PictureDepth depth = PictureDepth::Default;
     ProgressKind progress = ProgressKind::Auto;
 };

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <fmt/format.h>
 
+#include "studio/scene/angle_units.h"
 #include "studio/scene/gltf_accessor.h"
 #include "studio/scene/gltf_nodes.h"
 
@@ -14,8 +15,6 @@ using Imath::V3d;
 using Json = nlohmann::ordered_json;
 
 constexpr double kWidestCone = 1.5707963267948966;  // radians from the axis
-constexpr double kWidestSun = 179;                  // degrees from edge to edge
-constexpr double kDegree = 0.017453292519943295;    // radians
 constexpr double kWidestView = 3.14159;             // radians from edge to edge
 
 LightKind kindOf(const GltfSource& source, const tinygltf::Light& light, int index) {
@@ -43,11 +42,11 @@ class LightExtras {
         if (const Json* size = member("radius")) {
             readSize(*size, !sun, "a length of a point or spot light, in metres", light.radius);
         }
-        double degrees = light.angle / kDegree;
+        double degrees = light.angle / kRadiansPerDegree;
         if (const Json* size = member("angle")) {
             readSize(*size, sun, "the angle of a directional light, in degrees below 180", degrees);
         }
-        light.angle = std::min(degrees, kWidestSun) * kDegree;
+        light.angle = std::min(degrees, kWidestSunDegrees) * kRadiansPerDegree;
     }
 
   private:
