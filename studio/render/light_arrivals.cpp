@@ -2,12 +2,17 @@
 
 #include <cmath>
 
+#include "studio/render/rounding_margin.h"
+
 namespace tavora::studio {
 
 LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
     : scene_(&scene), lights_(&lights), slots_(lights.lights.size()) {
-    for (std::size_t light = 0; light < slots_.size(); ++light)
-        slots_[light].arrival.direction = lights.lights[light].light->direction;
+    for (std::size_t light = 0; light < slots_.size(); ++light) {
+        if (lights.lights[light].light->kind != LightKind::Directional) continue;
+        meetAnew(light);
+        slots_[light].metAt = kAlways;
+    }
 }
 
 void LightArrivals::start(const SurfacePoint& point, KeptPath* path, KeptPath::Place place) {
@@ -30,63 +35,51 @@ double LightArrivals::cosine(std::size_t light) {
     return slot.distance >= 0 ? -slot.arrival.direction.dot(point_->normal) : 0;
 }
 
-const LightArrival& LightArrivals::at(std::size_t light) {
-    Slot& slot = slots_[light];
-    if (!asked_.empty()) asked_[light] = 1;
-    if (knownShare(light) == 0 || kept(light).share == 0) {
-        slot.arrival.lit = false;
-        return slot.arrival;
-    }
-    meet(light);
-    settle(light);
-    return slot.arrival;
-}
-
 LightArrival LightArrivals::elsewhere(std::size_t light, const Imath::V3d& position) {
-    Slot slot;
-    slot.distance = arrivingLight(*lights_, lights_->lights[light], position,
-                                  slot.arrival.direction, slot.arrival.color);
-    if (!(slot.distance >= 0)) return slot.arrival;
+    LightArrival arrival;
+    const double distance = arrivingLight(*lights_, lights_->lights[light], position,
+                                          arrival.direction, arrival.color);
+    if (!(distance >= 0)) return arrival;
     Ray base;
     base.origin = position;
     base.nearest = 4 * roundingMargin(magnitudeOf(position));
     ShadowRays rays;
     const bool blockable = rays.aim(base, lights_->lights[light],
-                                    {position, slot.arrival.direction, slot.distance, nullptr});
+                                    {position, arrival.direction, distance, nullptr});
     const double share = blockable ? passing(rays) : 1;
-    slot.arrival.lit = share > 0;
-    slot.arrival.color *= share;
-    return slot.arrival;
+    arrival.lit = share > 0;
+    arrival.color *= share;
+    return arrival;
 }
 
-LightArrivals::Slot& LightArrivals::meet(std::size_t light) {
+void LightArrivals::meetAnew(std::size_t light) {
     Slot& slot = slots_[light];
-    if (slot.metAt == sample_) return slot;
     slot.metAt = sample_;
-    slot.arrival.lit = false;
-    const LitLight& lit = lights_->lights[light];
-    if (lit.light->kind == LightKind::Directional) {
-        // The same everywhere: only what shadows took off its colour comes back.
-        slot.arrival.color = lit.color;
-        slot.distance = std::numeric_limits<double>::infinity();
-        return slot;
-    }
-    slot.distance =
-        arrivingLight(*lights_, lit, point_->position, slot.arrival.direction, slot.arrival.color);
-    return slot;
+    const Imath::V3d position = point_ != nullptr ? point_->position : Imath::V3d(0);
+    slot.distance = arrivingLight(*lights_, lights_->lights[light], position,
+                                  slot.arrival.direction, slot.color);
 }
 
+/// Once a sample.
 void LightArrivals::settle(std::size_t light) {
     Slot& slot = slots_[light];
-    if (slot.settledAt == sample_) return;
     slot.settledAt = sample_;
-    const KeptShare before = kept(light);
-    double share = before.share;
-    if (share < 0) share = knownShare(light);
-    if (share < 0) share = traceShare(light);
-    if (!before.isKnown && path_ != nullptr) path_->keepShare(place_, light, share);
+    const double share = path_ != nullptr ? keptShare(light) : shareOf(light);
     slot.arrival.lit = share > 0;
-    slot.arrival.color *= share;
+    if (slot.arrival.lit) slot.arrival.color = meet(light).color * share;
+}
+
+/// shareOf(), kept for later.
+double LightArrivals::keptShare(std::size_t light) {
+    const KeptShare before = kept(light);
+    const double share = before.share >= 0 ? before.share : shareOf(light);
+    if (!before.isKnown) path_->keepShare(place_, light, share);
+    return share;
+}
+
+double LightArrivals::shareOf(std::size_t light) {
+    const double known = light < known_.size() ? known_[light] : -1;
+    return known >= 0 ? known : traceShare(light);
 }
 
 KeptShare LightArrivals::kept(std::size_t light) const {
@@ -95,7 +88,7 @@ KeptShare LightArrivals::kept(std::size_t light) const {
 
 /// Share of the light that passes to the sample; 0 where it is dark or behind.
 double LightArrivals::traceShare(std::size_t light) {
-    const Slot& slot = slots_[light];
+    const Slot& slot = meet(light);
     if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return 0;
     ShadowRays rays;
     const bool blockable =
@@ -113,7 +106,7 @@ const Ray& LightArrivals::shadowRay() {
 }
 
 bool LightArrivals::isBehind(const Imath::V3d& direction) const {
-    return direction.dot(point_->normal) >= 0 && direction.dot(point_->geometricNormal) >= 0;
+    return direction.dot(point_->normal) >= 0 && direction.dot(point_->facet->normal) >= 0;
 }
 
 double LightArrivals::passing(ShadowRays& rays) {

@@ -3,6 +3,7 @@
 #include <ImathVec.h>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <span>
 #include <vector>
 
@@ -52,7 +53,12 @@ class LightArrivals {
     double cosine(std::size_t light);
 
     /// The light at a place of LightRig::lights.
-    const LightArrival& at(std::size_t light);
+    const LightArrival& at(std::size_t light) {
+        if (!asked_.empty()) asked_[light] = 1;
+        Slot& slot = slots_[light];
+        if (slot.settledAt != sample_) settle(light);
+        return slot.arrival;
+    }
 
     /// The light at any place in the world, which need not be on a surface;
     /// nothing is kept.
@@ -63,18 +69,26 @@ class LightArrivals {
   private:
     struct Slot {
         LightArrival arrival;
+        Imath::V3d color{0};          ///< that arrives where nothing is in the way
         double distance = 0;          ///< to the light; negative where it is dark
-        std::uint64_t metAt = 0;      ///< sample in which direction and distance were found
+        std::uint64_t metAt = 0;      ///< sample in which direction, colour and distance were found
         std::uint64_t settledAt = 0;  ///< sample in which the shadow was
     };
-    Slot& meet(std::size_t light);
+    /// Directional lights are the same everywhere, and met for good.
+    static constexpr std::uint64_t kAlways = std::numeric_limits<std::uint64_t>::max();
+
+    const Slot& meet(std::size_t light) {
+        Slot& slot = slots_[light];
+        if (slot.metAt != sample_ && slot.metAt != kAlways) meetAnew(light);
+        return slot;
+    }
+    void meetAnew(std::size_t light);
     void settle(std::size_t light);
+    double keptShare(std::size_t light);
+    double shareOf(std::size_t light);
     KeptShare kept(std::size_t light) const;
     double traceShare(std::size_t light);
     const Ray& shadowRay();
-    double knownShare(std::size_t light) const {
-        return light < known_.size() ? known_[light] : -1;
-    }
     bool isBehind(const Imath::V3d& direction) const;
     double passing(ShadowRays& rays);
 

@@ -21,6 +21,17 @@ struct MeshGeometry {
     double facing = 1;               ///< -1 when the transform turns triangles inside out
 };
 
+/// A place in the world, in the object's own space.
+inline Imath::V3d toObject(const MeshGeometry& geometry, const Imath::V3d& place) {
+    Imath::V3d result;
+    // Transforms are affine: the fourth coordinate stays 1.
+    const auto& m = geometry.worldToObject;
+    result.x = place.x * m[0][0] + place.y * m[1][0] + place.z * m[2][0] + m[3][0];
+    result.y = place.x * m[0][1] + place.y * m[1][1] + place.z * m[2][1] + m[3][1];
+    result.z = place.x * m[0][2] + place.y * m[1][2] + place.z * m[2][2] + m[3][2];
+    return result;
+}
+
 /// `source` must outlive the result.
 MeshGeometry placeMesh(const SceneMesh& source, std::size_t number);
 

@@ -10,8 +10,10 @@ std::optional<Picked> pick(const RayScene& scene, const Camera& camera, int widt
     if (x < 0 || y < 0 || x >= width || y >= height) return std::nullopt;
     const Ray ray = View(camera, width, height, 1).rayThrough(x + 0.5, y + 0.5);
     for (HitKey hit; scene.nextHit(ray, hit, hit);) {
-        const SurfacePoint point = surfacePoint(scene, ray, hit);
-        const int surface = point.geometry->source->surfaceIndex;
+        const Facet facet = facetAt(scene, ray, hit);
+        SurfacePoint point;
+        setSurfacePoint(facet, ray, point);
+        const int surface = point.surfaceIndex();
         const OwnColor own = ownColor(scene.index(), scene.traits(surface), point.texturePlace());
         if (own.alpha > 0) return Picked{static_cast<std::size_t>(surface), point.position};
     }

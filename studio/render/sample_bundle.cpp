@@ -8,6 +8,9 @@ namespace {
 
 constexpr std::size_t kRoom = 128;
 
+/// Rays next to each other meet so many facets in turn.
+constexpr std::size_t kLookBack = 4;
+
 constexpr float kNothing = std::numeric_limits<float>::infinity();
 
 }  // namespace
@@ -20,7 +23,9 @@ SampleBundle::SampleBundle(const RayScene& scene, const LightRig& lights)
       shadows_(scene, kRoom),
       hits_(kRoom),
       met_(kRoom),
-      shares_(std::max<std::size_t>(kRoom * lights_, 1)) {}
+      shares_(std::max<std::size_t>(kRoom * lights_, 1)) {
+    facets_.reserve(kRoom);
+}
 
 const MetSurface* SampleBundle::met(std::size_t ray) const {
     return met_[ray].hit.distance == kNothing ? nullptr : &met_[ray];
@@ -45,15 +50,31 @@ void SampleBundle::trace(std::span<const Ray> rays, const SampleShader& shader) 
 void SampleBundle::findSurfaces(std::span<const Ray> rays) {
     viewing_.firstHits(rays, hits_);
     viewingRays_ += rays.size();
+    facets_.clear();
     for (std::size_t i = 0; i < rays.size(); ++i) {
-        const MetSurface& neighbour = i > 0 ? met_[i - 1] : met_.back();
+        const std::size_t before = facets_.size();
         HitKey& hit = met_[i].hit;
         hit = hits_[i];
-        while (hit.distance != kNothing && !meetLike(neighbour, *scene_, rays[i], met_[i])) {
+        while (hit.distance != kNothing &&
+               !meet(*scene_, facetFor(rays[i], hit), rays[i], met_[i])) {
+            facets_.resize(before);
             ++viewingRays_;
             if (!scene_->nextHit(rays[i], hit, hit)) hit.distance = kNothing;
         }
     }
+}
+
+/// That of a ray shortly before, if it is the same.
+const Facet& SampleBundle::facetFor(const Ray& ray, const HitKey& hit) {
+    const std::size_t oldest = facets_.size() - std::min(facets_.size(), kLookBack);
+    for (std::size_t i = facets_.size(); i-- > oldest;) {
+        if (!isSameFacet(facets_[i], *scene_, ray, hit)) continue;
+        if (facets_[i].eye == ray.origin) return facets_[i];
+        Facet& facet = facets_.emplace_back(facets_[i]);
+        setEye(ray.origin, facet);
+        return facet;
+    }
+    return facets_.emplace_back(facetAt(*scene_, ray, hit));
 }
 
 void SampleBundle::findStations(std::size_t rays, const SampleShader& shader) {
@@ -62,8 +83,8 @@ void SampleBundle::findStations(std::size_t rays, const SampleShader& shader) {
         const MetSurface* surface = met(i);
         if (surface == nullptr || !shader.takesLight(*surface)) continue;
         const SurfacePoint& point = surface->point;
-        stations_.push_back({shadowRayFrom(point), point.normal,
-                             point.geometry->source->surfaceIndex, static_cast<std::uint32_t>(i)});
+        stations_.push_back({shadowRayFrom(point), point.normal, point.surfaceIndex(),
+                             static_cast<std::uint32_t>(i)});
     }
 }
 

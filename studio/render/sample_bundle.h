@@ -53,6 +53,7 @@ class SampleBundle {
         std::uint32_t viewing = 0;  ///< where the viewing ray stands
     };
     void findSurfaces(std::span<const Ray> rays);
+    const Facet& facetFor(const Ray& ray, const HitKey& hit);
     void findStations(std::size_t rays, const SampleShader& shader);
     void goToSky(std::size_t light, const SampleShader& shader);
     void goToMiddle(std::size_t light, const SampleShader& shader);
@@ -71,6 +72,7 @@ class SampleBundle {
     ViewingStream viewing_;
     ShadowStream shadows_;
     std::vector<HitKey> hits_;
+    std::vector<Facet> facets_;  ///< of the surfaces met; never grows beyond the room
     std::vector<MetSurface> met_;
     std::vector<double> shares_;  ///< by ray and light
     std::vector<Station> stations_;

@@ -19,11 +19,10 @@ HostPointId vertexId(const Mesh& mesh, std::uint32_t vertex) {
 }
 
 /// A triangle leaves the record's fourth corner empty.
-void fillVertices(const SurfacePoint& point, HostSample& record) {
+void fillVertices(const Facet& facet, HostSample& record) {
     for (std::size_t i = 0; i < 3; ++i) {
-        record.vertexIds[i] = vertexId(*point.geometry->source->mesh, point.vertices[i]);
-        record.vertexWeights[i] = static_cast<float>(point.weights[i]);
-        const Imath::V3f& corner = point.geometry->vertices[point.vertices[i]];
+        record.vertexIds[i] = vertexId(*facet.source().mesh, facet.vertices[i]);
+        const Imath::V3f& corner = facet.key.geometry->vertices[facet.vertices[i]];
         std::copy_n(&corner.x, 3, record.vertexPositions[i]);
     }
     record.vertexIds[3] = nullptr;
@@ -31,11 +30,12 @@ void fillVertices(const SurfacePoint& point, HostSample& record) {
     std::fill_n(record.vertexPositions[3], 3, 0.0F);
 }
 
-void fillIdentities(const RayScene& scene, const SurfacePoint& point, HostSample& record) {
-    const SceneMesh& source = *point.geometry->source;
+void fillIdentities(const RayScene& scene, const Facet& facet, HostSample& record) {
+    const FacetKey& key = facet.key;
+    const SceneMesh& source = facet.source();
     record.objectId = itemId(source.object);
-    record.polygonNumber = source.part->firstPolygon + static_cast<std::int32_t>(point.triangle);
-    record.polygonId = scene.index().polygonId(point.geometry->number, point.triangle);
+    record.polygonNumber = source.part->firstPolygon + static_cast<std::int32_t>(key.triangle);
+    record.polygonId = scene.index().polygonId(key.geometry->number, key.triangle);
 }
 
 void fillSight(const SurfacePoint& point, const Viewpoint& from, HostSample& record) {
@@ -53,10 +53,12 @@ void fillValues(const SampleValues& values, HostSample& record) {
     record.transparency = values.transparency;
 }
 
+/// Nothing is NaN or infinite: these times 0 are NaN, all else times 0 is 0.
 bool isSound(const SampleValues& values) {
-    return std::isfinite(values.color.x) && std::isfinite(values.color.y) &&
-           std::isfinite(values.color.z) && std::isfinite(values.luminosity) &&
-           std::isfinite(values.diffuse) && std::isfinite(values.specular);
+    const Imath::V3d& color = values.color;
+    return color.x * 0 + color.y * 0 + color.z * 0 + values.luminosity * 0 + values.diffuse * 0 +
+               values.specular * 0 ==
+           0;
 }
 
 double finiteOr(double value, double other) {
@@ -65,19 +67,24 @@ double finiteOr(double value, double other) {
 
 }  // namespace
 
-void fillRecord(const RayScene& scene, const SurfacePoint& point, const Viewpoint& from,
-                const SampleValues& values, HostSample& record) {
-    fill(point.position * point.geometry->worldToObject, record.objectPosition);
-    fill(point.position, record.worldPosition);
-    fill(point.geometricNormal, record.geometricNormal);
-    fill(point.normal, record.worldNormal);
-    std::copy_n(point.geometry->objectTransform, 9, record.objectTransform);
-    std::copy_n(point.geometry->worldTransform, 9, record.worldTransform);
-    fillSight(point, from, record);
-    fillIdentities(scene, point, record);
-    fillVertices(point, record);
-    fillValues(values, record);
+void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record) {
+    fill(facet.normal, record.geometricNormal);
+    std::copy_n(facet.key.geometry->objectTransform, 9, record.objectTransform);
+    std::copy_n(facet.key.geometry->worldTransform, 9, record.worldTransform);
+    fillIdentities(scene, facet, record);
+    fillVertices(facet, record);
     record.bumpHeight = 0;
+}
+
+void fillPoint(const SurfacePoint& point, const Viewpoint& from, const SampleValues& values,
+               HostSample& record) {
+    fill(toObject(*point.facet->key.geometry, point.position), record.objectPosition);
+    fill(point.position, record.worldPosition);
+    fill(point.normal, record.worldNormal);
+    for (std::size_t i = 0; i < 3; ++i)
+        record.vertexWeights[i] = static_cast<float>(point.weights[i]);
+    fillSight(point, from, record);
+    fillValues(values, record);
 }
 
 SampleValues takeBack(const SampleValues& before, unsigned flags, HostSample& record) {

@@ -21,9 +21,12 @@ struct SampleValues {
     double transparency = 0;  ///< 0..1
 };
 
-/// Fills every field of `record` but the callbacks.
-void fillRecord(const RayScene& scene, const SurfacePoint& point, const Viewpoint& from,
-                const SampleValues& values, HostSample& record);
+/// Fills the fields of `record` that all samples on a facet share.
+void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record);
+
+/// Fills all others but the callbacks.
+void fillPoint(const SurfacePoint& point, const Viewpoint& from, const SampleValues& values,
+               HostSample& record);
 
 /// What remains of a shader's work in `record`: only what its `flags` name, the
 /// rest as `before`; and no value that is not a number or infinite. The record

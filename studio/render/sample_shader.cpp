@@ -4,6 +4,7 @@
 
 #include "host/handler.h"
 #include "studio/render/light_arrivals.h"
+#include "studio/render/rounding_margin.h"
 #include "studio/render/scattering.h"
 #include "studio/render/surface_point.h"
 #include "studio/services/service_binding.h"
@@ -18,7 +19,7 @@ Imath::V3d vector(const double v[3]) {
     return {v[0], v[1], v[2]};
 }
 
-void fill(const Imath::V3d& from, double to[3]) {
+void copyTo(double to[3], const Imath::V3d& from) {
     to[0] = from.x;
     to[1] = from.y;
     to[2] = from.z;
@@ -26,8 +27,8 @@ void fill(const Imath::V3d& from, double to[3]) {
 
 int answer(const LightArrival& arrival, double direction[3], double color[3]) {
     if (!arrival.lit) return 0;
-    fill(arrival.direction, direction);
-    fill(arrival.color, color);
+    copyTo(direction, arrival.direction);
+    copyTo(color, arrival.color);
     return 1;
 }
 
@@ -54,10 +55,12 @@ struct SampleShader::Level {
     Ray ray;
     bool onPath = false;                       ///< `ray` is the camera's, and is kept
     KeptPath::Place place = KeptPath::kStart;  ///< of its hit, if so
+    Facet facet;                               ///< of what is found
     MetSurface found;
     const MetSurface* met = &found;  ///< what is shaded
     LightArrivals lights;
     HostSample record{};  ///< of camera samples; traced ones belong to their caller
+    FacetKey recorded;    ///< the facet that `record` is filled for
     bool mayTrace = false;
     Traced traced;
 };
@@ -66,9 +69,8 @@ namespace {
 
 /// Sets the surface's own colour; false where it is wholly clear.
 bool colorMet(const RayScene& scene, MetSurface& met) {
-    const int surface = met.point.geometry->source->surfaceIndex;
-    const SurfaceTraits& traits = scene.traits(surface);
-    if (traits.isEven && met.point.geometry->source->mesh->colors.empty()) {
+    const SurfaceTraits& traits = scene.traits(met.point.surfaceIndex());
+    if (traits.isEven && met.point.source().mesh->colors.empty()) {
         met.own = traits.even;
     } else {
         met.own = ownColor(scene.index(), traits, met.point.texturePlace());
@@ -78,13 +80,8 @@ bool colorMet(const RayScene& scene, MetSurface& met) {
 
 }  // namespace
 
-bool meet(const RayScene& scene, const Ray& ray, MetSurface& met) {
-    met.point = surfacePoint(scene, ray, met.hit);
-    return colorMet(scene, met);
-}
-
-bool meetLike(const MetSurface& before, const RayScene& scene, const Ray& ray, MetSurface& met) {
-    surfacePointLike(before.point, scene, ray, met.hit, met.point);
+bool meet(const RayScene& scene, const Facet& facet, const Ray& ray, MetSurface& met) {
+    setSurfacePoint(facet, ray, met.point);
     return colorMet(scene, met);
 }
 
@@ -153,7 +150,8 @@ bool SampleShader::nextHit(Level& level, const HitKey& after) {
 bool SampleShader::findVisible(Level& level, HitKey after) {
     level.met = &level.found;
     while (nextHit(level, after)) {
-        if (meet(*scene_, level.ray, level.found)) return true;
+        level.facet = facetAt(*scene_, level.ray, level.found.hit);
+        if (meet(*scene_, level.facet, level.ray, level.found)) return true;
         after = level.found.hit;
     }
     return false;
@@ -162,7 +160,7 @@ bool SampleShader::findVisible(Level& level, HitKey after) {
 Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<const double> shares,
                                HostSample& record) {
     const SurfacePoint& point = level.met->point;
-    const int surface = point.geometry->source->surfaceIndex;
+    const int surface = point.surfaceIndex();
     shaded_.add(static_cast<std::size_t>(surface));
     const SurfaceTraits& traits = scene_->traits(surface);
     const ActiveShader active = shaders_->of(surface);
@@ -172,15 +170,27 @@ Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<co
     level.lights.start(point, level.onPath ? &path_ : nullptr, level.place);
     level.lights.know(shares);
     level.lights.mark(std::span(asked_).subspan(firstAsked(surface), lights_->lights.size()));
-    fillRecord(*scene_, point, from, values, record);
-    record.illuminate = illuminate;
-    record.traceAndShade = traceAndShade;
+    fill(level, from, values, record);
     if (active.shader != nullptr) values = evaluate(level, active, values, record);
 
     const Imath::V3d shown =
         shownColor(values, traits.exponent, point, -from.direction, *lights_, level.lights);
     const bool sound = std::isfinite(shown.x + shown.y + shown.z);
     return {sound ? shown : Imath::V3d(0), values.transparency};
+}
+
+/// A shader leaves what its record says of the place alone, so that it need not
+/// be said anew for the next sample on the facet.
+void SampleShader::fill(Level& level, const Viewpoint& from, const SampleValues& values,
+                        HostSample& record) const {
+    const Facet& facet = *level.met->point.facet;
+    if (&record != &level.record || level.recorded != facet.key) {
+        fillFacet(*scene_, facet, record);
+        if (&record == &level.record) level.recorded = facet.key;
+        record.illuminate = illuminate;
+        record.traceAndShade = traceAndShade;
+    }
+    fillPoint(level.met->point, from, values, record);
 }
 
 SampleValues SampleShader::evaluate(Level& level, const ActiveShader& active,
@@ -228,6 +238,7 @@ double SampleShader::trace(const Viewpoint& from, HostSample& hit) {
         traced.valid = true;
     }
     if (traced.distance >= 0) hit = traced.hit;
+    if (&hit == &outer.record) outer.recorded = {};
     return traced.distance;
 }
 
@@ -251,7 +262,7 @@ double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSa
         level.ray.spread = outer.ray.spread;
     }
     if (!findVisible(level, after)) return -1;
-    fill(shade(level, from, {}, hit).color, hit.color);
+    copyTo(hit.color, shade(level, from, {}, hit).color);
     return (level.met->point.position - from.position).length();
 }
 

@@ -32,11 +32,9 @@ struct MetSurface {
     OwnColor own;
 };
 
-/// Fills the rest of `met` where `ray` hits `met.hit`. False when the surface is
-/// wholly clear there.
-bool meet(const RayScene& scene, const Ray& ray, MetSurface& met);
-/// meet() at less cost where `before` is on the same triangle.
-bool meetLike(const MetSurface& before, const RayScene& scene, const Ray& ray, MetSurface& met);
+/// Fills the rest of `met` where `ray` hits `met.hit`, which is on `facet`. False
+/// when the surface is wholly clear there. `facet` must outlive `met`.
+bool meet(const RayScene& scene, const Facet& facet, const Ray& ray, MetSurface& met);
 
 /// Rays that shaders trace may meet surfaces whose shaders trace again, so deep.
 inline constexpr std::size_t kDeepestTrace = 8;
@@ -68,8 +66,7 @@ class SampleShader {
 
     /// Whether shading it takes light at all.
     bool takesLight(const MetSurface& met) const {
-        const int surface = met.point.geometry->source->surfaceIndex;
-        return met.own.diffuse != 0 || shaders_->of(surface).shader != nullptr;
+        return met.own.diffuse != 0 || shaders_->of(met.point.surfaceIndex()).shader != nullptr;
     }
 
     /// Whether samples of the surface asked for the light so far, so that the next
@@ -96,9 +93,10 @@ class SampleShader {
     bool findVisible(Level& level, HitKey after);
     Appearance shade(Level& level, const Viewpoint& from, std::span<const double> shares,
                      HostSample& record);
+    void fill(Level& level, const Viewpoint& from, const SampleValues& values,
+              HostSample& record) const;
     SampleValues evaluate(Level& level, const ActiveShader& active, const SampleValues& before,
                           HostSample& record);
-    static int surfaceOf(const MetSurface& met) { return met.point.geometry->source->surfaceIndex; }
     /// Where in `asked_` the lights of a surface begin.
     std::size_t firstAsked(int surface) const {
         return static_cast<std::size_t>(surface) * lights_->lights.size();

@@ -23,7 +23,7 @@ bool pointAlong(const Imath::V3d& way, Ray& ray) {
 }  // namespace
 
 Ray shadowRayFrom(const SurfacePoint& point) {
-    const SceneMesh& source = *point.geometry->source;
+    const SceneMesh& source = point.source();
     Ray ray;
     ray.origin = shadowStart(point);
     ray.spot = point.spotSize;

@@ -1,3 +1,5 @@
+#include <algorithm>
+
 #include "studio/services/service_binding.h"
 #include "studio/services/service_tables.h"
 
@@ -20,7 +22,11 @@ const LitLight* find(HostItemId light) {
 /// Lights are those of the frame: a rig is settled for one time.
 void ambient(double /*seconds*/, double color[3]) {
     const ServiceBinding* binding = ServiceBinding::current();
-    fill(binding == nullptr ? Imath::V3d(0) : binding->lights().ambient, color);
+    if (binding != nullptr) {
+        fill(binding->lights().ambient, color);
+    } else {
+        std::fill_n(color, 3, 0.0);
+    }
 }
 
 int flags(HostItemId light) {

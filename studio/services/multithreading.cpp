@@ -2,7 +2,6 @@
 #include <atomic>
 #include <mutex>
 #include <new>
-#include <thread>
 
 #include "studio/services/service_tables.h"
 
@@ -16,7 +15,7 @@ class HeldMutex {
     void lock() {
         if (!isMine()) {
             mutex_.lock();
-            holder_.store(std::this_thread::get_id(), std::memory_order_relaxed);
+            holder_.store(&here, std::memory_order_relaxed);
         }
         ++depth_;
     }
@@ -25,7 +24,7 @@ class HeldMutex {
     bool unlock() {
         if (!isMine()) return false;
         if (--depth_ == 0) {
-            holder_.store(std::thread::id(), std::memory_order_relaxed);
+            holder_.store(nullptr, std::memory_order_relaxed);
             mutex_.unlock();
         }
         return true;
@@ -35,11 +34,14 @@ class HeldMutex {
     /// No other thread can make or unmake this one the holder, so that it needs
     /// to see no other thread's writes in order.
     bool isMine() const {
-        return holder_.load(std::memory_order_relaxed) == std::this_thread::get_id();
+        return holder_.load(std::memory_order_relaxed) == &here;
     }
 
+    /// Its address stands for the thread.
+    inline static thread_local const char here = 0;
+
     std::mutex mutex_;
-    std::atomic<std::thread::id> holder_;
+    std::atomic<const char*> holder_ = nullptr;
     int depth_ = 0;  ///< the holder's
 };
 
