@@ -66,6 +66,14 @@ bool isSameFacet(const Facet& facet, const RayScene& scene, const Ray& ray, cons
     return showsBack(facet, front, ray) == facet.key.isBack;
 }
 
+void setFacet(const RayScene& scene, const Ray& ray, const HitKey& hit, Facet& facet) {
+    if (!isSameFacet(facet, scene, ray, hit)) {
+        facet = facetAt(scene, ray, hit);
+    } else if (facet.eye != ray.origin) {
+        setEye(ray.origin, facet);
+    }
+}
+
 /// Moller and Trumbore, "Fast, Minimum Storage Ray/Triangle Intersection" (1997),
 /// with the direction taken out of the products.
 void setEye(const Imath::V3d& eye, Facet& facet) {

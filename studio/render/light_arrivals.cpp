@@ -15,18 +15,9 @@ LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
     }
 }
 
-void LightArrivals::start(const SurfacePoint& point, KeptPath* path, KeptPath::Place place) {
-    point_ = &point;
-    known_ = {};
-    asked_ = {};
-    path_ = path;
-    place_ = place;
-    ++sample_;
-}
-
 void LightArrivals::prepare() {
     for (std::size_t light = 0; light < slots_.size(); ++light) {
-        if (!kept(light).isKnown && cosine(light) > 0) settle(light);
+        if (!kept(light).isKnown && cosine(light) > 0) settle(light, findShare(light));
     }
 }
 
@@ -37,15 +28,15 @@ double LightArrivals::cosine(std::size_t light) {
 
 LightArrival LightArrivals::elsewhere(std::size_t light, const Imath::V3d& position) {
     LightArrival arrival;
-    const double distance = arrivingLight(*lights_, lights_->lights[light], position,
-                                          arrival.direction, arrival.color);
+    const double distance =
+        arrivingLight(*lights_, lights_->lights[light], position, arrival.direction, arrival.color);
     if (!(distance >= 0)) return arrival;
     Ray base;
     base.origin = position;
     base.nearest = 4 * roundingMargin(magnitudeOf(position));
     ShadowRays rays;
-    const bool blockable = rays.aim(base, lights_->lights[light],
-                                    {position, arrival.direction, distance, nullptr});
+    const bool blockable =
+        rays.aim(base, lights_->lights[light], {position, arrival.direction, distance, nullptr});
     const double share = blockable ? passing(rays) : 1;
     arrival.lit = share > 0;
     arrival.color *= share;
@@ -60,26 +51,12 @@ void LightArrivals::meetAnew(std::size_t light) {
                                   slot.arrival.direction, slot.color);
 }
 
-/// Once a sample.
-void LightArrivals::settle(std::size_t light) {
-    Slot& slot = slots_[light];
-    slot.settledAt = sample_;
-    const double share = path_ != nullptr ? keptShare(light) : shareOf(light);
-    slot.arrival.lit = share > 0;
-    if (slot.arrival.lit) slot.arrival.color = meet(light).color * share;
-}
-
-/// shareOf(), kept for later.
-double LightArrivals::keptShare(std::size_t light) {
+/// What is kept of it, or what is traced and then kept.
+double LightArrivals::findShare(std::size_t light) {
     const KeptShare before = kept(light);
-    const double share = before.share >= 0 ? before.share : shareOf(light);
-    if (!before.isKnown) path_->keepShare(place_, light, share);
+    const double share = before.share >= 0 ? before.share : traceShare(light);
+    if (!before.isKnown && path_ != nullptr) path_->keepShare(place_, light, share);
     return share;
-}
-
-double LightArrivals::shareOf(std::size_t light) {
-    const double known = light < known_.size() ? known_[light] : -1;
-    return known >= 0 ? known : traceShare(light);
 }
 
 KeptShare LightArrivals::kept(std::size_t light) const {
@@ -99,7 +76,7 @@ double LightArrivals::traceShare(std::size_t light) {
 
 const Ray& LightArrivals::shadowRay() {
     if (shadowRayFoundAt_ != sample_) {
-        shadowRay_ = shadowRayFrom(*point_);
+        shadowRay_ = shadowOrigin(*point_).ray();
         shadowRayFoundAt_ = sample_;
     }
     return shadowRay_;

@@ -32,18 +32,28 @@ class LightArrivals {
     /// Both must outlive it.
     LightArrivals(const RayScene& scene, const LightRig& lights);
 
-    /// Forgets the sample before. `point` must outlive the sample, and so must
-    /// `path`, where what is known of the lights at `place` is kept; null: nowhere.
-    void start(const SurfacePoint& point, KeptPath* path = nullptr,
-               KeptPath::Place place = KeptPath::kStart);
+    /// Forgets the sample before. `point` must outlive the sample. at() sets the
+    /// entry in `asked` of each light it is asked for.
+    void start(const SurfacePoint& point, std::span<std::uint8_t> asked) {
+        point_ = &point;
+        asked_ = asked;
+        path_ = nullptr;
+        ++sample_;
+    }
 
-    /// After start(): shares of the lights that are known, by light; negative
-    /// where not. They must outlive the sample.
-    void know(std::span<const double> shares) { known_ = shares; }
+    /// After start(): shares of the lights, by light, that reach the sample; negative
+    /// where that is not known.
+    void know(std::span<const double> shares) {
+        for (std::size_t light = 0; light < shares.size(); ++light) {
+            if (shares[light] >= 0) settle(light, shares[light]);
+        }
+    }
 
-    /// After start(): at() sets the entry of each light it is asked for, by light.
-    /// They must outlive the sample.
-    void mark(std::span<std::uint8_t> asked) { asked_ = asked; }
+    /// After start(): what becomes known of the lights is kept at `place` of `path`.
+    void keep(KeptPath& path, KeptPath::Place place) {
+        path_ = &path;
+        place_ = place;
+    }
 
     /// Works out all lights that the interpolated normal faces.
     void prepare();
@@ -54,9 +64,9 @@ class LightArrivals {
 
     /// The light at a place of LightRig::lights.
     const LightArrival& at(std::size_t light) {
-        if (!asked_.empty()) asked_[light] = 1;
+        asked_[light] = 1;
         Slot& slot = slots_[light];
-        if (slot.settledAt != sample_) settle(light);
+        if (slot.settledAt != sample_) settle(light, findShare(light));
         return slot.arrival;
     }
 
@@ -83,9 +93,14 @@ class LightArrivals {
         return slot;
     }
     void meetAnew(std::size_t light);
-    void settle(std::size_t light);
-    double keptShare(std::size_t light);
-    double shareOf(std::size_t light);
+    /// Once a sample.
+    void settle(std::size_t light, double share) {
+        Slot& slot = slots_[light];
+        slot.settledAt = sample_;
+        slot.arrival.lit = share > 0;
+        if (slot.arrival.lit) slot.arrival.color = meet(light).color * share;
+    }
+    double findShare(std::size_t light);
     KeptShare kept(std::size_t light) const;
     double traceShare(std::size_t light);
     const Ray& shadowRay();
@@ -96,7 +111,6 @@ class LightArrivals {
     const LightRig* lights_;
     std::vector<Slot> slots_;
     const SurfacePoint* point_ = nullptr;
-    std::span<const double> known_;
     std::span<std::uint8_t> asked_;
     KeptPath* path_ = nullptr;
     KeptPath::Place place_ = KeptPath::kStart;

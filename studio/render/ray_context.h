@@ -61,10 +61,9 @@ inline Imath::V3f embreeDirection(const Imath::V3d& direction) {
     return {tilted(direction.x), tilted(direction.y), tilted(direction.z)};
 }
 
-/// Fills `result` with `ray`, turned to `direction` and that long; its progress
-/// stands at `id`.
-inline void setEmbreeRay(const Ray& ray, const Imath::V3f& direction, double farthest, unsigned id,
-                         RTCRay& result) {
+/// Fills `result` with `ray`, whose progress stands at `id`.
+inline void setEmbreeRay(const Ray& ray, unsigned id, RTCRay& result) {
+    const Imath::V3f direction = embreeDirection(ray.direction);
     result.org_x = static_cast<float>(ray.origin.x);
     result.org_y = static_cast<float>(ray.origin.y);
     result.org_z = static_cast<float>(ray.origin.z);
@@ -73,14 +72,10 @@ inline void setEmbreeRay(const Ray& ray, const Imath::V3f& direction, double far
     result.dir_y = direction.y;
     result.dir_z = direction.z;
     result.time = 0;
-    result.tfar = static_cast<float>(farthest);
+    result.tfar = static_cast<float>(ray.farthest);
     result.mask = ~0U;
     result.id = id;
     result.flags = 0;
-}
-
-inline void setEmbreeRay(const Ray& ray, unsigned id, RTCRay& result) {
-    setEmbreeRay(ray, embreeDirection(ray.direction), ray.farthest, id, result);
 }
 
 /// Whether a shadow ray which was traced met anything solid.

@@ -133,21 +133,24 @@ bool isSamePassage(const HitKey& before, const HitKey& key, const HitAtFilter& a
 }
 
 bool isUnseenBack(const HitAtFilter& at) {
-    if (at.source().surface->doubleSided) return false;
     return static_cast<double>(at.direction().dot(at.normal())) * at.geometry().facing > 0;
 }
 
+bool isPassed(const HitKey& after, const HitKey& key, const HitAtFilter& at) {
+    constexpr float kStart = HitKey{}.distance;
+    return after.distance != kStart && (key <= after || isSamePassage(after, key, at));
+}
+
+/// Tells of surfaces whose backs show, and of others; of those with holes, and others.
+template <bool bothSides, bool holes>
 bool isSeen(const HitAtFilter& at) {
     ViewingProgress& progress = at.viewing();
     const HitKey key = at.key();
-    if (key <= progress.after || key > progress.best || isSamePassage(progress.after, key, at) ||
-        isUnseenBack(at)) {
-        return false;
-    }
-    const bool isHole =
-        at.cover() == Cover::CutOut && isCutOut(at, progress.ray->spotAt(at.distance()));
-    if (!isHole) progress.best = key;
-    return !isHole;
+    if (key > progress.best || isPassed(progress.after, key, at)) return false;
+    if (!bothSides && isUnseenBack(at)) return false;
+    if (holes && isCutOut(at, progress.ray->spotAt(at.distance()))) return false;
+    progress.best = key;
+    return true;
 }
 
 /// Whether the surface is not to shade itself, and it is from there that the
@@ -183,6 +186,13 @@ void filter(const RTCFilterFunctionNArguments* arguments) {
     for (unsigned i = 0; i < arguments->N; ++i) {
         if (arguments->valid[i] != 0 && !keep({*arguments, i})) arguments->valid[i] = 0;
     }
+}
+
+RTCFilterFunctionN viewingFilter(const SurfaceTraits& worn) {
+    const bool holes = worn.cover == Cover::CutOut;
+    if (worn.surface->doubleSided)
+        return holes ? filter<isSeen<true, true>> : filter<isSeen<true, false>>;
+    return holes ? filter<isSeen<false, true>> : filter<isSeen<false, false>>;
 }
 
 }  // namespace
@@ -225,8 +235,8 @@ void RayScene::attach(MeshGeometry& geometry) {
                                mesh.triangles.data(), 0, sizeof(mesh.triangles[0]),
                                mesh.triangles.size());
     rtcSetGeometryUserData(handle, &geometry);
-    rtcSetGeometryIntersectFilterFunction(handle, filter<isSeen>);
     const SurfaceTraits& worn = traits(geometry.source->surfaceIndex);
+    rtcSetGeometryIntersectFilterFunction(handle, viewingFilter(worn));
     if (worn.cover != Cover::Solid || !worn.surface->selfShadow) {
         rtcSetGeometryOccludedFilterFunction(handle, filter<stopsLight>);
     }

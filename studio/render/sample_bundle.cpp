@@ -83,9 +83,14 @@ void SampleBundle::findStations(std::size_t rays, const SampleShader& shader) {
         const MetSurface* surface = met(i);
         if (surface == nullptr || !shader.takesLight(*surface)) continue;
         const SurfacePoint& point = surface->point;
-        stations_.push_back({shadowRayFrom(point), point.normal, point.surfaceIndex(),
+        stations_.push_back({shadowOrigin(point), point.normal, point.surfaceIndex(),
                              static_cast<std::uint32_t>(i)});
     }
+}
+
+/// Whether the polygon, too, faces away from a light which the normal does.
+bool SampleBundle::isBehind(const Station& station, const Imath::V3d& toLight) const {
+    return !(toLight.dot(met_[station.viewing].point.facet->normal) > 0);
 }
 
 /// One ray from each station that faces a directional light without a size.
@@ -95,8 +100,12 @@ void SampleBundle::goToSky(std::size_t light, const SampleShader& shader) {
     const Imath::V3d toLight = -rig_->lights[light].light->direction;
     const Imath::V3f direction = embreeDirection(toLight);
     for (const Station& station : stations_) {
-        if (!shader.asksFor(station.surface, light) || !(toLight.dot(station.normal) > 0)) continue;
-        shadows_.add(station.toLight, direction, std::numeric_limits<double>::infinity());
+        if (!shader.asksFor(station.surface, light)) continue;
+        if (!(toLight.dot(station.normal) > 0)) {
+            if (isBehind(station, toLight)) share(station.viewing, light) = 0;
+            continue;
+        }
+        shadows_.addToSky(station.origin, direction);
         going_.push_back(station.viewing);
     }
     settle(light);
@@ -109,7 +118,7 @@ void SampleBundle::goToMiddle(std::size_t light, const SampleShader& shader) {
     LitPlace place;
     for (const Station& station : stations_) {
         if (!shader.asksFor(station.surface, light)) continue;
-        Ray ray = station.toLight;
+        Ray ray = station.origin.ray();
         if (!isReached(station, rig_->lights[light], place) || !turnToMiddle(place, ray)) continue;
         shadows_.add(ray);
         going_.push_back(station.viewing);
@@ -146,7 +155,7 @@ void SampleBundle::goToPoints(std::size_t light, const SampleShader& shader) {
     for (const Station& station : stations_) {
         if (!shader.asksFor(station.surface, light) || !isReached(station, lit, place)) continue;
         way.viewing = station.viewing;
-        if (way.rays.aim(station.toLight, lit, place)) ways_.push_back(way);
+        if (way.rays.aim(station.origin.ray(), lit, place)) ways_.push_back(way);
     }
     while (stepToPoints())
         ;

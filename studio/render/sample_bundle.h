@@ -42,7 +42,7 @@ class SampleBundle {
   private:
     /// Where a viewing ray ends, and takes light.
     struct Station {
-        Ray toLight;  ///< shadow ray from there, not turned yet
+        ShadowOrigin origin;  ///< of shadow rays from there
         Imath::V3d normal;
         int surface;
         std::uint32_t viewing;  ///< where the viewing ray stands
@@ -59,6 +59,7 @@ class SampleBundle {
     void goToMiddle(std::size_t light, const SampleShader& shader);
     void goToPoints(std::size_t light, const SampleShader& shader);
     bool isReached(const Station& station, const LitLight& lit, LitPlace& place) const;
+    bool isBehind(const Station& station, const Imath::V3d& toLight) const;
     bool stepToPoints();
     std::span<const double> traceShadows();
     void settle(std::size_t light);

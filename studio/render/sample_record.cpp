@@ -87,8 +87,7 @@ void fillPoint(const SurfacePoint& point, const Viewpoint& from, const SampleVal
     fillValues(values, record);
 }
 
-SampleValues takeBack(const SampleValues& before, unsigned flags, HostSample& record) {
-    SampleValues values = before;
+void takeBack(unsigned flags, HostSample& record, SampleValues& values) {
     if ((flags & HOST_SHADER_COLOR) != 0)
         values.color = {record.color[0], record.color[1], record.color[2]};
     if ((flags & HOST_SHADER_LUMINOUS) != 0) values.luminosity = record.luminosity;
@@ -99,7 +98,6 @@ SampleValues takeBack(const SampleValues& before, unsigned flags, HostSample& re
     if (!isSound(values)) values = {Imath::V3d(0), 0, 0, 0, values.transparency};
     values.transparency = std::clamp(finiteOr(values.transparency, 0), 0.0, 1.0);
     fillValues(values, record);
-    return values;
 }
 
 }  // namespace tavora::studio

@@ -28,9 +28,8 @@ void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record);
 void fillPoint(const SurfacePoint& point, const Viewpoint& from, const SampleValues& values,
                HostSample& record);
 
-/// What remains of a shader's work in `record`: only what its `flags` name, the
-/// rest as `before`; and no value that is not a number or infinite. The record
-/// then holds the same.
-SampleValues takeBack(const SampleValues& before, unsigned flags, HostSample& record);
+/// Takes from a shader's work in `record` what its `flags` name into `values`, and
+/// no value that is not a number or infinite. The record then holds the same.
+void takeBack(unsigned flags, HostSample& record, SampleValues& values);
 
 }  // namespace tavora::studio

@@ -32,6 +32,13 @@ int answer(const LightArrival& arrival, double direction[3], double color[3]) {
     return 1;
 }
 
+/// Seldom asked for: apart, so that answer() costs no room for it.
+[[gnu::noinline]] int answerElsewhere(LightArrivals& lights, std::size_t light,
+                                      const Imath::V3d& position, double direction[3],
+                                      double color[3]) {
+    return answer(lights.elsewhere(light, position), direction, color);
+}
+
 /// The last ray that a sample's shader traced. Shaders may ask for the same
 /// one again and again, and each answer may cost as many inside.
 struct Traced {
@@ -52,7 +59,8 @@ bool isSameDirection(const Imath::V3d& a, const Imath::V3d& b) {
 struct SampleShader::Level {
     Level(const RayScene& scene, const LightRig& rig) : lights(scene, rig) {}
 
-    Ray ray;
+    const Ray* ray = nullptr;                  ///< that is followed
+    Ray traced;                                ///< that a shader sent, if so
     bool onPath = false;                       ///< `ray` is the camera's, and is kept
     KeptPath::Place place = KeptPath::kStart;  ///< of its hit, if so
     Facet facet;                               ///< of what is found
@@ -62,7 +70,7 @@ struct SampleShader::Level {
     HostSample record{};  ///< of camera samples; traced ones belong to their caller
     FacetKey recorded;    ///< the facet that `record` is filled for
     bool mayTrace = false;
-    Traced traced;
+    Traced lastTraced;
 };
 
 namespace {
@@ -114,7 +122,7 @@ bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
                              Appearance& appearance) {
     working = this;
     Level& level = *levels_.front();
-    level.ray = ray;
+    level.ray = &ray;
     if (!findVisible(level, after)) return false;
     hit = level.found.hit;
     appearance = shade(level, {ray.origin, ray.direction}, {}, level.record);
@@ -125,7 +133,7 @@ Appearance SampleShader::shadeMet(const Ray& ray, const MetSurface& met,
                                   std::span<const double> shares) {
     working = this;
     Level& level = *levels_.front();
-    level.ray = ray;
+    level.ray = &ray;
     level.met = &met;
     return shade(level, {ray.origin, ray.direction}, shares, level.record);
 }
@@ -141,7 +149,7 @@ bool SampleShader::nextHit(Level& level, const HitKey& after) {
         if (step != KeptPath::Step::Unknown) return step == KeptPath::Step::Hit;
     }
     ++viewingRays_;
-    const bool hits = scene_->nextHit(level.ray, after, hit);
+    const bool hits = scene_->nextHit(*level.ray, after, hit);
     if (level.onPath) path_.keep(level.place, hits ? &hit : nullptr);
     return hits;
 }
@@ -150,8 +158,8 @@ bool SampleShader::nextHit(Level& level, const HitKey& after) {
 bool SampleShader::findVisible(Level& level, HitKey after) {
     level.met = &level.found;
     while (nextHit(level, after)) {
-        level.facet = facetAt(*scene_, level.ray, level.found.hit);
-        if (meet(*scene_, level.facet, level.ray, level.found)) return true;
+        setFacet(*scene_, *level.ray, level.found.hit, level.facet);
+        if (meet(*scene_, level.facet, *level.ray, level.found)) return true;
         after = level.found.hit;
     }
     return false;
@@ -167,14 +175,16 @@ Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<co
     const OwnColor& own = level.met->own;
     SampleValues values{own.color, own.luminosity, own.diffuse,
                         active.shader != nullptr ? traits.specular : 0, 1 - own.alpha};
-    level.lights.start(point, level.onPath ? &path_ : nullptr, level.place);
+    level.lights.start(point, {asked_.data() + firstAsked(surface), lights_->lights.size()});
     level.lights.know(shares);
-    level.lights.mark(std::span(asked_).subspan(firstAsked(surface), lights_->lights.size()));
+    if (level.onPath) level.lights.keep(path_, level.place);
     fill(level, from, values, record);
-    if (active.shader != nullptr) values = evaluate(level, active, values, record);
+    if (active.shader != nullptr) evaluate(level, active, record, values);
 
     const Imath::V3d shown =
-        shownColor(values, traits.exponent, point, -from.direction, *lights_, level.lights);
+        showsAsItIs(values)
+            ? values.color * values.luminosity
+            : shownInLight(values, traits.exponent, point, -from.direction, *lights_, level.lights);
     const bool sound = std::isfinite(shown.x + shown.y + shown.z);
     return {sound ? shown : Imath::V3d(0), values.transparency};
 }
@@ -193,15 +203,15 @@ void SampleShader::fill(Level& level, const Viewpoint& from, const SampleValues&
     fillPoint(level.met->point, from, values, record);
 }
 
-SampleValues SampleShader::evaluate(Level& level, const ActiveShader& active,
-                                    const SampleValues& before, HostSample& record) {
+void SampleShader::evaluate(Level& level, const ActiveShader& active, HostSample& record,
+                            SampleValues& values) {
     // What is kept serves later edits, which may ask for other lights.
     if (level.onPath) level.lights.prepare();
     level.mayTrace = (active.flags & HOST_SHADER_RAYTRACE) != 0;
-    level.traced.valid = false;
+    level.lastTraced.valid = false;
     ++evaluations_;
     active.shader->evaluate(record);
-    return takeBack(before, active.flags, record);
+    takeBack(active.flags, record, values);
 }
 
 int SampleShader::illuminate(HostItemId light, const double position[3], double direction[3],
@@ -213,7 +223,7 @@ int SampleShader::illuminate(HostItemId light, const double position[3], double 
     if (vector(position) == level.met->point.position) {
         return answer(level.lights.at(number), direction, color);
     }
-    return answer(level.lights.elsewhere(number, vector(position)), direction, color);
+    return answerElsewhere(level.lights, number, vector(position), direction, color);
 }
 
 double SampleShader::traceAndShade(const double position[3], const double direction[3],
@@ -227,7 +237,7 @@ double SampleShader::traceAndShade(const double position[3], const double direct
 double SampleShader::trace(const Viewpoint& from, HostSample& hit) {
     Level& outer = *levels_[depth_];
     if (!outer.mayTrace || depth_ >= kDeepestTrace) return -1;
-    Traced& traced = outer.traced;
+    Traced& traced = outer.lastTraced;
     const bool known = traced.valid && traced.from.position == from.position &&
                        traced.from.direction == from.direction;
     if (!known) {
@@ -246,20 +256,21 @@ double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSa
     Level& level = *levels_[depth_];
     HitKey after;
     if (from.position == outer.met->point.position &&
-        isSameDirection(from.direction, outer.ray.direction)) {
+        isSameDirection(from.direction, outer.ray->direction)) {
         // The viewing ray goes on: what it passed is known exactly.
         level.ray = outer.ray;
         level.onPath = outer.onPath;
         level.place = outer.place;
         after = outer.met->hit;
     } else {
-        level.ray = Ray{};
+        level.traced = Ray{};
+        level.traced.origin = from.position;
+        level.traced.direction = from.direction;
+        level.traced.nearest = 4 * roundingMargin(magnitudeOf(from.position));
+        level.traced.spot = outer.met->point.spotSize;
+        level.traced.spread = outer.ray->spread;
+        level.ray = &level.traced;
         level.onPath = false;
-        level.ray.origin = from.position;
-        level.ray.direction = from.direction;
-        level.ray.nearest = 4 * roundingMargin(magnitudeOf(from.position));
-        level.ray.spot = outer.met->point.spotSize;
-        level.ray.spread = outer.ray.spread;
     }
     if (!findVisible(level, after)) return -1;
     copyTo(hit.color, shade(level, from, {}, hit).color);

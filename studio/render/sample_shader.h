@@ -95,8 +95,8 @@ class SampleShader {
                      HostSample& record);
     void fill(Level& level, const Viewpoint& from, const SampleValues& values,
               HostSample& record) const;
-    SampleValues evaluate(Level& level, const ActiveShader& active, const SampleValues& before,
-                          HostSample& record);
+    void evaluate(Level& level, const ActiveShader& active, HostSample& record,
+                  SampleValues& values);
     /// Where in `asked_` the lights of a surface begin.
     std::size_t firstAsked(int surface) const {
         return static_cast<std::size_t>(surface) * lights_->lights.size();

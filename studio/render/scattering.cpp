@@ -16,10 +16,8 @@ double glossy(const LightArrival& arrival, const Imath::V3d& normal, const Imath
 
 }  // namespace
 
-Imath::V3d shownColor(const SampleValues& values, unsigned exponent, const SurfacePoint& point,
-                      const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights) {
-    // Most shaded samples show their colour as it is.
-    if (values.diffuse == 0 && values.specular == 0) return values.color * values.luminosity;
+Imath::V3d shownInLight(const SampleValues& values, unsigned exponent, const SurfacePoint& point,
+                        const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights) {
     Imath::V3d scattered = rig.ambient;
     Imath::V3d reflected(0);
     for (std::size_t i = 0; i < rig.lights.size(); ++i) {

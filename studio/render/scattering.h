@@ -13,7 +13,12 @@ namespace tavora::studio {
 /// luminosity and by the light it scatters (Lambert), and the glossy reflection
 /// of the lights (Blinn, "Models of light reflection", 1977, with the cosine
 /// lobe `exponent`). `toViewer` is a unit vector.
-Imath::V3d shownColor(const SampleValues& values, unsigned exponent, const SurfacePoint& point,
-                      const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights);
+Imath::V3d shownInLight(const SampleValues& values, unsigned exponent, const SurfacePoint& point,
+                        const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights);
+
+/// Whether it takes no light to tell: most shaded samples show their colour as it is.
+inline bool showsAsItIs(const SampleValues& values) {
+    return values.diffuse == 0 && values.specular == 0;
+}
 
 }  // namespace tavora::studio

@@ -22,12 +22,16 @@ bool pointAlong(const Imath::V3d& way, Ray& ray) {
 
 }  // namespace
 
-Ray shadowRayFrom(const SurfacePoint& point) {
+ShadowOrigin shadowOrigin(const SurfacePoint& point) {
     const SceneMesh& source = point.source();
+    return {shadowStart(point), point.spotSize, source.surface->selfShadow ? nullptr : &source};
+}
+
+Ray ShadowOrigin::ray() const {
     Ray ray;
-    ray.origin = shadowStart(point);
-    ray.spot = point.spotSize;
-    if (!source.surface->selfShadow) ray.spared = &source;
+    ray.origin = position;
+    ray.spot = spot;
+    ray.spared = spared;
     return ray;
 }
 

@@ -17,8 +17,17 @@ struct LitPlace {
     const Imath::V3d* facing = nullptr;  ///< unit, towards the side that is lit; null: all sides
 };
 
-/// A shadow ray from `point`, as long as it goes nowhere.
-Ray shadowRayFrom(const SurfacePoint& point);
+/// Where shadow rays from a place on a surface start, and what they pass.
+struct ShadowOrigin {
+    Imath::V3d position{0, 0, 0};       ///< world
+    double spot = 0;                    ///< as in Ray
+    const SceneMesh* spared = nullptr;  ///< as in Ray
+
+    /// A ray from there, as long as it goes nowhere.
+    Ray ray() const;
+};
+
+ShadowOrigin shadowOrigin(const SurfacePoint& point);
 
 /// Turns `ray`, which starts near `place`, to the light's middle, to end a little
 /// before it. False where the light is too near for anything to be between.

@@ -3,11 +3,13 @@
 #include <ImathVec.h>
 #include <cstddef>
 #include <embree3/rtcore.h>
+#include <limits>
 #include <span>
 #include <vector>
 
 #include "studio/render/ray_context.h"
 #include "studio/render/ray_scene.h"
+#include "studio/render/shadow_rays.h"
 
 namespace tavora::studio {
 
@@ -22,13 +24,28 @@ class ShadowStream {
     /// Makes it empty.
     void clear() { count_ = 0; }
 
-    void add(const Ray& ray) { add(ray, embreeDirection(ray.direction), ray.farthest); }
+    void add(const Ray& ray) {
+        setEmbreeRay(ray, static_cast<unsigned>(count_), rays_[count_]);
+        progress_[count_] = {ray.spot, ray.spread, ray.spared, 0, true, false};
+        ++count_;
+    }
 
-    /// Adds `ray` turned to `direction`, as embreeDirection() gives it, and that long.
-    void add(const Ray& ray, const Imath::V3f& direction, double farthest) {
-        setEmbreeRay(ray, direction, farthest, static_cast<unsigned>(count_), rays_[count_]);
-        progress_[count_] = shadowProgress(ray);
-        progress_[count_].leavesClear = true;
+    /// Adds a ray without end; `direction` as embreeDirection() gives it.
+    void addToSky(const ShadowOrigin& origin, const Imath::V3f& direction) {
+        const Imath::V3f start(origin.position);
+        rays_[count_] = {start.x,
+                         start.y,
+                         start.z,
+                         0,
+                         direction.x,
+                         direction.y,
+                         direction.z,
+                         0,
+                         kEndless,
+                         ~0U,
+                         static_cast<unsigned>(count_),
+                         0};
+        progress_[count_] = {origin.spot, 0, origin.spared, 0, true, false};
         ++count_;
     }
 
@@ -37,6 +54,8 @@ class ShadowStream {
     std::span<const double> trace();
 
   private:
+    static constexpr float kEndless = std::numeric_limits<float>::infinity();
+
     const RayScene* scene_;
     std::size_t count_ = 0;
     std::vector<ShadowProgress> progress_;

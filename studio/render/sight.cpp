@@ -9,24 +9,25 @@ constexpr double kInvisible = 1e-4;
 /// Surfaces over each other, front to back.
 class Layers {
   public:
+    explicit Layers(Sight& sight) : sight_(&sight) { sight = {}; }
+
     void add(const Appearance& surface) {
-        sight_.color += surface.color * (through_ * (1 - surface.transparency));
+        sight_->color += surface.color * (through_ * (1 - surface.transparency));
         through_ *= surface.transparency;
         if (through_ < kInvisible) through_ = 0;
     }
     bool hide() const { return through_ == 0; }
 
-    Sight over(const std::optional<Imath::V3d>& background) {
+    void lieOver(const std::optional<Imath::V3d>& background) {
         if (background) {
-            sight_.color += *background * through_;
+            sight_->color += *background * through_;
             through_ = 0;
         }
-        sight_.alpha = 1 - through_;
-        return sight_;
+        sight_->alpha = 1 - through_;
     }
 
   private:
-    Sight sight_;
+    Sight* sight_;
     double through_ = 1;
 };
 
@@ -37,12 +38,15 @@ FirstSurface firstSurface(const HitKey& hit, const SurfacePoint& point) {
 }  // namespace
 
 Sight seeNothing(const std::optional<Imath::V3d>& background) {
-    return Layers().over(background);
+    Sight sight;
+    Layers(sight).lieOver(background);
+    return sight;
 }
 
 Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>& background,
           FirstSurface* first) {
-    Layers layers;
+    Sight sight;
+    Layers layers(sight);
     HitKey hit;
     Appearance surface;
     while (!layers.hide() && shader.shadeNext(ray, hit, hit, surface)) {
@@ -50,19 +54,20 @@ Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>&
         first = nullptr;
         layers.add(surface);
     }
-    return layers.over(background);
+    layers.lieOver(background);
+    return sight;
 }
 
-Sight seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
-              std::span<const double> shares, const std::optional<Imath::V3d>& background,
-              FirstSurface& first) {
-    Layers layers;
+void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
+             std::span<const double> shares, const std::optional<Imath::V3d>& background,
+             ViewSample& sample) {
+    Layers layers(sample.sight);
     HitKey hit = met.hit;
-    first = firstSurface(hit, met.point);
+    sample.first = firstSurface(hit, met.point);
     layers.add(shader.shadeMet(ray, met, shares));
     for (Appearance surface; !layers.hide() && shader.shadeNext(ray, hit, hit, surface);)
         layers.add(surface);
-    return layers.over(background);
+    layers.lieOver(background);
 }
 
 }  // namespace tavora::studio

@@ -34,10 +34,16 @@ Sight seeNothing(const std::optional<Imath::V3d>& background);
 Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>& background,
           FirstSurface* first = nullptr);
 
-/// see() where the first surface is known, which `first` becomes; `shares` as
-/// for SampleShader::shadeMet().
-Sight seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
-              std::span<const double> shares, const std::optional<Imath::V3d>& background,
-              FirstSurface& first);
+/// What a viewing ray sees, and what it meets first.
+struct ViewSample {
+    Sight sight;
+    FirstSurface first;
+};
+
+/// see() into `sample` where the first surface is known; `shares` as for
+/// SampleShader::shadeMet().
+void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
+             std::span<const double> shares, const std::optional<Imath::V3d>& background,
+             ViewSample& sample);
 
 }  // namespace tavora::studio

@@ -25,11 +25,11 @@ void ViewSampler::lookTogether(std::span<const Imath::V2d> places, std::span<Vie
         rays_[i] = view_->rayThrough(places[i].x, places[i].y);
     bundle_.trace({rays_.data(), places.size()}, shader_);
     for (std::size_t i = 0; i < places.size(); ++i) {
-        samples[i].first = {};
-        const MetSurface* met = bundle_.met(i);
-        samples[i].sight = met != nullptr ? seeFrom(shader_, rays_[i], *met, bundle_.shares(i),
-                                                    *background_, samples[i].first)
-                                          : seeNothing(*background_);
+        if (const MetSurface* met = bundle_.met(i)) {
+            seeFrom(shader_, rays_[i], *met, bundle_.shares(i), *background_, samples[i]);
+        } else {
+            samples[i] = {seeNothing(*background_), {}};
+        }
     }
 }
 

@@ -17,12 +17,6 @@
 
 namespace tavora::studio {
 
-/// What shows at a place in the picture, and what it shows on.
-struct ViewSample {
-    Sight sight;
-    FirstSurface first;
-};
-
 /// Looks through many places of a picture at once, for one render thread. One
 /// thread at a time, with its ServiceBinding in place.
 class ViewSampler {
