@@ -1,7 +1,11 @@
 #include "studio/render/display_levels.h"
 
 #include <algorithm>
+#include <array>
 #include <cmath>
+#include <cstddef>
+#include <cstdint>
+#include <limits>
 
 #include "studio/scene/color.h"
 
@@ -14,6 +18,53 @@ unsigned levelOf(double value, unsigned top) {
     return static_cast<unsigned>(std::floor(std::min(value, 1.0) * top + 0.5));
 }
 
+/// Levels of 8 bits by linear value, without a root for each: previews show as
+/// many pixels as they shade.
+class ByteLevels {
+  public:
+    ByteLevels() {
+        for (unsigned level = 1; level < kLevels; ++level)
+            begin_[level] = firstOf(level);
+        begin_[kLevels] = std::numeric_limits<double>::infinity();
+        unsigned level = 0;
+        for (std::size_t step = 0; step <= kSteps; ++step) {
+            while (begin_[level + 1] <= static_cast<double>(step) / kSteps)
+                ++level;
+            atStep_[step] = static_cast<std::uint8_t>(level);
+        }
+    }
+
+    unsigned of(double linear) const {
+        if (!(linear > 0)) return 0;
+        if (linear >= 1) return kLevels - 1;
+        unsigned level = atStep_[static_cast<std::size_t>(linear * kSteps)];
+        while (begin_[level + 1] <= linear)
+            ++level;
+        return level;
+    }
+
+  private:
+    static constexpr unsigned kLevels = 256;
+    static constexpr std::size_t kSteps = 4096;
+
+    /// The least linear value, as near as numbers lie, of that level.
+    static double firstOf(unsigned level) {
+        double below = 0;
+        double first = 1;
+        for (double middle = 0.5; below < middle && middle < first; middle = (below + first) / 2)
+            (levelOf(toEncoded(middle), kLevels - 1) < level ? below : first) = middle;
+        return first;
+    }
+
+    std::array<double, kLevels + 1> begin_{};        ///< by level
+    std::array<std::uint8_t, kSteps + 1> atStep_{};  ///< the level where a step begins
+};
+
+unsigned levelOfLight(double linear, unsigned top) {
+    static const ByteLevels bytes;
+    return top == 255 ? bytes.of(linear) : levelOf(toEncoded(linear), top);
+}
+
 }  // namespace
 
 void displayLevels(const float rgba[4], bool alpha, unsigned top, unsigned levels[4]) {
@@ -22,7 +73,7 @@ void displayLevels(const float rgba[4], bool alpha, unsigned top, unsigned level
     for (int i = 0; i < 3; ++i) {
         const double linear =
             alpha ? static_cast<double>(rgba[i]) / coverage : static_cast<double>(rgba[i]);
-        levels[i] = levelOf(seen ? toEncoded(linear) : 0, top);
+        levels[i] = seen ? levelOfLight(linear, top) : 0;
     }
     if (alpha) levels[3] = levelOf(coverage, top);
 }

@@ -10,17 +10,23 @@
 namespace tavora::studio::portable {
 namespace {
 
-/// By Newton's method. The start divides the exponent, as a whole number of the
+/// By Halley's method. The start divides the exponent, as a whole number of the
 /// bits, by N: within some percent of the root.
 template <unsigned N>
 double rootOf(double x) {
     constexpr std::uint64_t kOne = std::bit_cast<std::uint64_t>(1.0);
-    constexpr int kSteps = 5;  // each squares the error
+    constexpr int kSteps = 3;  // each leaves about the cube of the error
+    constexpr double kLarge = 1e300;
     if (!(x > 0)) return 0;
     if (x == std::numeric_limits<double>::infinity()) return x;
+    if (x > kLarge) return 2 * rootOf<N>(x / (1U << N));
     double root = std::bit_cast<double>(std::bit_cast<std::uint64_t>(x) / N + (kOne - kOne / N));
-    for (int step = 0; step < kSteps; ++step)
-        root = ((N - 1) * root + x / power(root, N - 1)) / N;
+    for (int step = 0; step < kSteps; ++step) {
+        double power = root;
+        for (unsigned i = 1; i < N; ++i)
+            power *= root;
+        root += root * (2 * (x - power) / ((N + 1) * power + (N - 1) * x));
+    }
     return root;
 }
 

@@ -23,6 +23,22 @@ const std::array<double, 256>& linearOfByte() {
     return table;
 }
 
+/// What bytes of an image stand for: 0..1.
+const std::array<double, 256>& shareOfByte() {
+    static const std::array<double, 256> table = [] {
+        std::array<double, 256> t{};
+        for (std::size_t i = 0; i < t.size(); ++i)
+            t[i] = static_cast<double>(i) / 255.0;
+        return t;
+    }();
+    return table;
+}
+
+V4d shareOf(const std::uint8_t rgba[4]) {
+    const std::array<double, 256>& shares = shareOfByte();
+    return {shares[rgba[0]], shares[rgba[1]], shares[rgba[2]], shares[rgba[3]]};
+}
+
 /// Byte of a linear value 0..1: exact for all that linearOfByte() holds, since
 /// the darkest of those lie 20 steps of the table apart.
 std::uint8_t encodedByte(double linear) {
@@ -67,6 +83,7 @@ std::vector<Cover> covers(int from, int to) {
 
 int wrapped(Wrap wrap, long i, int size) {
     const long n = size;
+    if (i >= 0 && i < n) return static_cast<int>(i);
     switch (wrap) {
         case Wrap::Repeat:
             return static_cast<int>(((i % n) + n) % n);
@@ -131,8 +148,7 @@ V4d TexturePyramid::nearest(const Level& level, const TextureUse& use, V2d uv) {
         wrapped(use.wrapS, static_cast<long>(std::floor(uv.x * level.width)), level.width);
     const int y =
         wrapped(use.wrapT, static_cast<long>(std::floor(uv.y * level.height)), level.height);
-    const std::uint8_t* t = level.texel(x, y);
-    return V4d(t[0], t[1], t[2], t[3]) / 255.0;
+    return shareOf(level.texel(x, y));
 }
 
 V4d TexturePyramid::bilinear(const Level& level, const TextureUse& use, V2d uv) {
@@ -146,10 +162,7 @@ V4d TexturePyramid::bilinear(const Level& level, const TextureUse& use, V2d uv) 
     const int y1 = wrapped(use.wrapT, static_cast<long>(by) + 1, level.height);
     const double u = fx - bx;
     const double v = fy - by;
-    const auto texel = [&level](int x, int y) {
-        const std::uint8_t* t = level.texel(x, y);
-        return V4d(t[0], t[1], t[2], t[3]) / 255.0;
-    };
+    const auto texel = [&level](int x, int y) { return shareOf(level.texel(x, y)); };
     return (texel(x0, y0) * (1 - u) + texel(x1, y0) * u) * (1 - v) +
            (texel(x0, y1) * (1 - u) + texel(x1, y1) * u) * v;
 }
@@ -171,8 +184,9 @@ V4d TexturePyramid::lookUp(const TextureUse& use, V2d uv, double footprint) cons
 }
 
 V2d transformUv(const TextureUse& use, V2d uv) {
-    const double c = portable::cos(static_cast<double>(use.rotation));
-    const double s = portable::sin(static_cast<double>(use.rotation));
+    const auto angle = static_cast<double>(use.rotation);
+    const double c = angle != 0 ? portable::cos(angle) : 1;
+    const double s = angle != 0 ? portable::sin(angle) : 0;
     const double x = uv.x * static_cast<double>(use.scale.x);
     const double y = uv.y * static_cast<double>(use.scale.y);
     return {c * x + s * y + static_cast<double>(use.offset.x),
