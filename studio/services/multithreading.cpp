@@ -33,9 +33,7 @@ class HeldMutex {
   private:
     /// No other thread can make or unmake this one the holder, so that it needs
     /// to see no other thread's writes in order.
-    bool isMine() const {
-        return holder_.load(std::memory_order_relaxed) == &here;
-    }
+    bool isMine() const { return holder_.load(std::memory_order_relaxed) == &here; }
 
     /// Its address stands for the thread.
     inline static thread_local const char here = 0;
