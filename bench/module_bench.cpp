@@ -1,5 +1,5 @@
-// How long the module takes for one lookup and for one sample, beside a call
-// through the same pointer that does nothing.
+// How long the module takes for one lookup and for one sample, beside calls
+// through the same pointers that do nothing.
 
 #include <benchmark/benchmark.h>
 #include <cstring>
@@ -58,6 +58,18 @@ int illuminate(HostItemId, const double*, double* direction, double* color) {
 
 void evaluateNothing(HostInstance, HostSample*) {}
 
+/// Asks the host what the default look asks it, and makes nothing of it.
+void askTheHost(HostInstance, HostSample* sample) {
+    double direction[3];
+    double color[3];
+    mtutil->lock(mtid, 0);
+    lightinfo->ambient(0, color);
+    HostItemId light = iteminfo->first(HOST_ITEM_LIGHT, nullptr);
+    for (; light != nullptr; light = iteminfo->next(light))
+        sample->illuminate(light, sample->worldPosition, direction, color);
+    mtutil->unlock(mtid, 0);
+}
+
 HostSample sampleFacingUp() {
     HostSample sample{};
     sample.worldNormal[1] = 1.0;
@@ -111,6 +123,13 @@ void emptyCallback(benchmark::State& state) {
     shadeSamples(state, record.get(), evaluateNothing);
 }
 BENCHMARK(emptyCallback);
+
+void callbacksAlone(benchmark::State& state) {
+    const Record record;
+    lightCount = state.range(0);
+    shadeSamples(state, record.get(), askTheHost);
+}
+BENCHMARK(callbacksAlone)->ArgName("lights")->Arg(1)->Arg(3);
 
 void evaluateZones(benchmark::State& state) {
     const Record record;

@@ -81,9 +81,7 @@ std::vector<Cover> covers(int from, int to) {
     return all;
 }
 
-int wrapped(Wrap wrap, long i, int size) {
-    const long n = size;
-    if (i >= 0 && i < n) return static_cast<int>(i);
+int wrappedOutside(Wrap wrap, long i, long n) {
     switch (wrap) {
         case Wrap::Repeat:
             return static_cast<int>(((i % n) + n) % n);
@@ -94,6 +92,16 @@ int wrapped(Wrap wrap, long i, int size) {
         default:
             return static_cast<int>(std::clamp(i, 0L, n - 1));
     }
+}
+
+inline int wrapped(Wrap wrap, long i, int size) {
+    return i >= 0 && i < size ? static_cast<int>(i) : wrappedOutside(wrap, i, size);
+}
+
+/// The whole number below `v`, which a long holds.
+inline long wholeBelow(double v) {
+    const long towardsZero = static_cast<long>(v);
+    return static_cast<double>(towardsZero) > v ? towardsZero - 1 : towardsZero;
 }
 
 /// Keeps texel coordinates where a long holds them; textures repeat anyway.
@@ -144,24 +152,22 @@ V4d TexturePyramid::sample(const Level& level, Filter filter, const TextureUse& 
 }
 
 V4d TexturePyramid::nearest(const Level& level, const TextureUse& use, V2d uv) {
-    const int x =
-        wrapped(use.wrapS, static_cast<long>(std::floor(uv.x * level.width)), level.width);
-    const int y =
-        wrapped(use.wrapT, static_cast<long>(std::floor(uv.y * level.height)), level.height);
+    const int x = wrapped(use.wrapS, wholeBelow(uv.x * level.width), level.width);
+    const int y = wrapped(use.wrapT, wholeBelow(uv.y * level.height), level.height);
     return shareOf(level.texel(x, y));
 }
 
 V4d TexturePyramid::bilinear(const Level& level, const TextureUse& use, V2d uv) {
     const double fx = uv.x * level.width - 0.5;
     const double fy = uv.y * level.height - 0.5;
-    const double bx = std::floor(fx);
-    const double by = std::floor(fy);
-    const int x0 = wrapped(use.wrapS, static_cast<long>(bx), level.width);
-    const int x1 = wrapped(use.wrapS, static_cast<long>(bx) + 1, level.width);
-    const int y0 = wrapped(use.wrapT, static_cast<long>(by), level.height);
-    const int y1 = wrapped(use.wrapT, static_cast<long>(by) + 1, level.height);
-    const double u = fx - bx;
-    const double v = fy - by;
+    const long left = wholeBelow(fx);
+    const long above = wholeBelow(fy);
+    const int x0 = wrapped(use.wrapS, left, level.width);
+    const int x1 = wrapped(use.wrapS, left + 1, level.width);
+    const int y0 = wrapped(use.wrapT, above, level.height);
+    const int y1 = wrapped(use.wrapT, above + 1, level.height);
+    const double u = fx - static_cast<double>(left);
+    const double v = fy - static_cast<double>(above);
     const auto texel = [&level](int x, int y) { return shareOf(level.texel(x, y)); };
     return (texel(x0, y0) * (1 - u) + texel(x1, y0) * u) * (1 - v) +
            (texel(x0, y1) * (1 - u) + texel(x1, y1) * u) * v;
