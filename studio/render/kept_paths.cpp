@@ -85,6 +85,8 @@ constexpr float kMiss = std::numeric_limits<float>::infinity();
 
 constexpr std::size_t kGrowth = 64;  // nodes
 
+constexpr double kUnknownAlpha = -1;
+
 void write(const HitKey& hit, std::uint32_t* node) {
     node[kDistance] = std::bit_cast<std::uint32_t>(hit.distance);
     node[kMesh] = hit.mesh;
@@ -123,6 +125,7 @@ void KeptPath::keep(Place& place, const HitKey* hit) {
     if (place == kStart) {
         write(hit != nullptr ? *hit : HitKey{kMiss, 0, 0}, first_);
         place = kFirst;
+        if (OwnColor* own = ownColorAt(place)) own->alpha = kUnknownAlpha;
         return;
     }
     const Place there = hit != nullptr ? tile_->addFurther(*hit) : kNoNext;
@@ -141,6 +144,20 @@ void KeptPath::keepShare(Place place, std::size_t light, double share) {
     if (first_ == nullptr || place == kLost) return;
     const std::size_t bit = tile_->bitAt(light);
     node(place)[kLights + bit / kWordBits] |= coded(share, tile_->lightBits_) << bit % kWordBits;
+}
+
+OwnColor* KeptPath::ownColorAt(Place place) const {
+    return place == kFirst && pixel_ != kNoPixel ? tile_->ownColor(pixel_) : nullptr;
+}
+
+const OwnColor* KeptPath::ownColor(Place place) const {
+    const OwnColor* own = ownColorAt(place);
+    return own != nullptr && own->alpha != kUnknownAlpha ? own : nullptr;
+}
+
+void KeptPath::keepOwnColor(Place place, const OwnColor& own) {
+    if (place != kFirst || pixel_ == kNoPixel || !tile_->makeOwnColors()) return;
+    *tile_->ownColor(pixel_) = own;
 }
 
 bool PathBudget::take(std::size_t bytes) {
@@ -172,7 +189,7 @@ KeptPath TilePaths::path(std::size_t pixel, std::size_t sample) {
     Layer& layer = layers_[sample];
     if (layer.nodes == nullptr && !make(layer)) return {};
     refresh(layer);
-    return {*this, &layer.nodes[pixel * stride_]};
+    return {*this, &layer.nodes[pixel * stride_], sample == 0 ? pixel : KeptPath::kNoPixel};
 }
 
 std::size_t TilePaths::keptSamples() const {
@@ -185,6 +202,19 @@ bool TilePaths::make(Layer& layer) {
     const std::size_t words = pixels_ * stride_;
     if (!budget_->take(words * sizeof(std::uint32_t))) return false;
     layer.nodes = std::make_unique<std::uint32_t[]>(words);
+    return true;
+}
+
+/// Room for own colours, unless there is; false when there is none to be had.
+bool TilePaths::makeOwnColors() {
+    if (ownColors_ != nullptr) return true;
+    if (lacksRoom_ || !budget_->take(pixels_ * sizeof(OwnColor))) {
+        lacksRoom_ = true;
+        return false;
+    }
+    ownColors_ = std::make_unique<OwnColor[]>(pixels_);
+    for (std::size_t i = 0; i < pixels_; ++i)
+        ownColors_[i].alpha = kUnknownAlpha;
     return true;
 }
 

@@ -3,10 +3,12 @@
 #include <atomic>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 #include <memory>
 #include <vector>
 
 #include "studio/render/ray_scene.h"
+#include "studio/render/surface_traits.h"
 
 namespace tavora::studio {
 
@@ -29,8 +31,9 @@ struct KeptLights {
 class TilePaths;
 
 /// The hits along one sample's viewing ray, and which lights reach them, as far
-/// as they are known. What becomes known is kept if there is room. One that is
-/// default-made keeps nothing.
+/// as they are known; of a pixel's first sample, which the first picture after a
+/// change waits for, also the own colour at the first hit. What becomes known is
+/// kept if there is room. One that is default-made keeps nothing.
 class KeptPath {
   public:
     /// A hit of the path.
@@ -42,7 +45,11 @@ class KeptPath {
     enum class Step { Hit, Miss, Unknown };
 
     KeptPath() = default;
-    KeptPath(TilePaths& tile, std::uint32_t* first) : tile_(&tile), first_(first) {}
+    /// `first` is the node of the first hit, `pixel` the one whose first sample
+    /// this is, or kNoPixel.
+    KeptPath(TilePaths& tile, std::uint32_t* first, std::size_t pixel)
+        : tile_(&tile), first_(first), pixel_(pixel) {}
+    static constexpr std::size_t kNoPixel = std::numeric_limits<std::size_t>::max();
 
     /// Goes on from `place` to the next hit, if that is known.
     Step next(Place& place, HitKey& hit) const;
@@ -52,11 +59,17 @@ class KeptPath {
     KeptShare share(Place place, std::size_t light) const;
     void keepShare(Place place, std::size_t light, double share);
 
+    /// Null where it is not known; valid until the next call.
+    const OwnColor* ownColor(Place place) const;
+    void keepOwnColor(Place place, const OwnColor& own);
+
   private:
     std::uint32_t* node(Place place) const;
+    OwnColor* ownColorAt(Place place) const;
 
     TilePaths* tile_ = nullptr;
     std::uint32_t* first_ = nullptr;
+    std::size_t pixel_ = kNoPixel;
 };
 
 /// Bytes that paths may take, and have taken. Any thread.
@@ -110,6 +123,10 @@ class TilePaths {
     void clearLights(std::uint32_t* nodes, std::size_t count) const;
     std::size_t bitAt(std::size_t light) const { return light * lightBits_; }
     KeptPath::Place addFurther(const HitKey& hit);
+    OwnColor* ownColor(std::size_t pixel) const {
+        return ownColors_ != nullptr ? &ownColors_[pixel] : nullptr;
+    }
+    bool makeOwnColors();
     bool makeRoom(std::size_t words);
 
     std::size_t pixels_;
@@ -117,7 +134,10 @@ class TilePaths {
     std::size_t stride_;     ///< words of a node
     PathBudget* budget_;
     PathAge age_{0, 0};
-    std::vector<Layer> layers_;           ///< by sample
+    std::vector<Layer> layers_;  ///< by sample
+    /// At first hits of first samples, where some is known; alpha below 0: not known.
+    std::unique_ptr<OwnColor[]> ownColors_;
+    bool lacksRoom_ = false;              ///< for those
     std::vector<std::uint32_t> further_;  ///< nodes of hits beyond the first
 };
 

@@ -75,22 +75,23 @@ struct SampleShader::Level {
 
 namespace {
 
-/// Sets the surface's own colour; false where it is wholly clear.
-bool colorMet(const RayScene& scene, MetSurface& met) {
-    const SurfaceTraits& traits = scene.traits(met.point.surfaceIndex());
-    if (traits.isEven && met.point.source().mesh->colors.empty()) {
-        met.own = traits.even;
-    } else {
-        met.own = ownColor(scene.index(), traits, met.point.texturePlace());
-    }
-    return met.own.alpha > 0;
+/// The own colour there, if it is the same all over the mesh; else null.
+const OwnColor* evenColor(const RayScene& scene, const SurfacePoint& point) {
+    const SurfaceTraits& traits = scene.traits(point.surfaceIndex());
+    return traits.isEven && point.source().mesh->colors.empty() ? &traits.even : nullptr;
+}
+
+OwnColor ownColorAt(const RayScene& scene, const SurfacePoint& point) {
+    return ownColor(scene.index(), scene.traits(point.surfaceIndex()), point.texturePlace());
 }
 
 }  // namespace
 
 bool meet(const RayScene& scene, const Facet& facet, const Ray& ray, MetSurface& met) {
     setSurfacePoint(facet, ray, met.point);
-    return colorMet(scene, met);
+    const OwnColor* even = evenColor(scene, met.point);
+    met.own = even != nullptr ? *even : ownColorAt(scene, met.point);
+    return met.own.alpha > 0;
 }
 
 SampleShader::SampleShader(const RayScene& scene, const LightRig& lights,
@@ -159,10 +160,22 @@ bool SampleShader::findVisible(Level& level, HitKey after) {
     level.met = &level.found;
     while (nextHit(level, after)) {
         setFacet(*scene_, *level.ray, level.found.hit, level.facet);
-        if (meet(*scene_, level.facet, *level.ray, level.found)) return true;
+        setSurfacePoint(level.facet, *level.ray, level.found.point);
+        level.found.own = findOwnColor(level);
+        if (level.found.own.alpha > 0) return true;
         after = level.found.hit;
     }
     return false;
+}
+
+OwnColor SampleShader::findOwnColor(const Level& level) {
+    const SurfacePoint& point = level.found.point;
+    if (const OwnColor* even = evenColor(*scene_, point)) return *even;
+    if (!level.onPath) return ownColorAt(*scene_, point);
+    if (const OwnColor* kept = path_.ownColor(level.place)) return *kept;
+    const OwnColor own = ownColorAt(*scene_, point);
+    path_.keepOwnColor(level.place, own);
+    return own;
 }
 
 Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<const double> shares,

@@ -91,6 +91,7 @@ class SampleShader {
 
     bool nextHit(Level& level, const HitKey& after);
     bool findVisible(Level& level, HitKey after);
+    OwnColor findOwnColor(const Level& level);
     Appearance shade(Level& level, const Viewpoint& from, std::span<const double> shares,
                      HostSample& record);
     void fill(Level& level, const Viewpoint& from, const SampleValues& values,
