@@ -173,7 +173,7 @@ OwnColor SampleShader::findOwnColor(const Level& level) {
     if (const OwnColor* even = evenColor(*scene_, point)) return *even;
     if (!level.onPath) return ownColorAt(*scene_, point);
     if (const OwnColor* kept = path_.ownColor(level.place)) return *kept;
-    const OwnColor own = ownColorAt(*scene_, point);
+    OwnColor own = ownColorAt(*scene_, point);
     path_.keepOwnColor(level.place, own);
     return own;
 }

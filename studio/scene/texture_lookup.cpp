@@ -50,7 +50,7 @@ std::uint8_t encodedByte(double linear) {
                 std::lround(255.0 * toEncoded(static_cast<double>(i) / (kSteps - 1))));
         return t;
     }();
-    return table[static_cast<std::size_t>(linear * (kSteps - 1) + 0.5)];
+    return table[static_cast<std::size_t>(std::lround(linear * (kSteps - 1)))];
 }
 
 /// The texels of a row or column that one texel of half the size covers: two,
@@ -147,17 +147,18 @@ void TexturePyramid::addHalved() {
     levels_.push_back({width, height, halves_.back()});
 }
 
-V4d TexturePyramid::sample(const Level& level, Filter filter, const TextureUse& use, V2d uv) {
+V4d TexturePyramid::sample(const Level& level, Filter filter, const TextureUse& use,
+                           const V2d& uv) {
     return filter == Filter::Nearest ? nearest(level, use, uv) : bilinear(level, use, uv);
 }
 
-V4d TexturePyramid::nearest(const Level& level, const TextureUse& use, V2d uv) {
+V4d TexturePyramid::nearest(const Level& level, const TextureUse& use, const V2d& uv) {
     const int x = wrapped(use.wrapS, wholeBelow(uv.x * level.width), level.width);
     const int y = wrapped(use.wrapT, wholeBelow(uv.y * level.height), level.height);
     return shareOf(level.texel(x, y));
 }
 
-V4d TexturePyramid::bilinear(const Level& level, const TextureUse& use, V2d uv) {
+V4d TexturePyramid::bilinear(const Level& level, const TextureUse& use, const V2d& uv) {
     const double fx = uv.x * level.width - 0.5;
     const double fy = uv.y * level.height - 0.5;
     const long left = wholeBelow(fx);
@@ -173,7 +174,7 @@ V4d TexturePyramid::bilinear(const Level& level, const TextureUse& use, V2d uv) 
            (texel(x0, y1) * (1 - u) + texel(x1, y1) * u) * v;
 }
 
-V4d TexturePyramid::lookUp(const TextureUse& use, V2d uv, double footprint) const {
+V4d TexturePyramid::lookUp(const TextureUse& use, const V2d& uv, double footprint) const {
     const V2d at(tamed(uv.x), tamed(uv.y));
     const Level& finest = levels_.front();
     const double texels = footprint * std::max(finest.width, finest.height);
@@ -189,7 +190,7 @@ V4d TexturePyramid::lookUp(const TextureUse& use, V2d uv, double footprint) cons
            sample(levels_[upper], use.minify, use, at) * t;
 }
 
-V2d transformUv(const TextureUse& use, V2d uv) {
+V2d transformUv(const TextureUse& use, const V2d& uv) {
     const auto angle = static_cast<double>(use.rotation);
     const double c = angle != 0 ? portable::cos(angle) : 1;
     const double s = angle != 0 ? portable::sin(angle) : 0;

@@ -23,7 +23,7 @@ class TexturePyramid {
     /// as stored (colour sRGB-encoded). `footprint` is the width in UV units that
     /// the result should average over; 0 asks for the finest level.
     /// Any number of threads.
-    Imath::V4d lookUp(const TextureUse& use, Imath::V2d uv, double footprint) const;
+    Imath::V4d lookUp(const TextureUse& use, const Imath::V2d& uv, double footprint) const;
 
   private:
     struct Level {
@@ -38,15 +38,15 @@ class TexturePyramid {
     };
     void addHalved();
     static Imath::V4d sample(const Level& level, Filter filter, const TextureUse& use,
-                             Imath::V2d uv);
-    static Imath::V4d nearest(const Level& level, const TextureUse& use, Imath::V2d uv);
-    static Imath::V4d bilinear(const Level& level, const TextureUse& use, Imath::V2d uv);
+                             const Imath::V2d& uv);
+    static Imath::V4d nearest(const Level& level, const TextureUse& use, const Imath::V2d& uv);
+    static Imath::V4d bilinear(const Level& level, const TextureUse& use, const Imath::V2d& uv);
 
     std::vector<Level> levels_;
     std::vector<std::vector<std::uint8_t>> halves_;  ///< what the levels after the first hold
 };
 
 /// The UV at which `use` reads its image for a vertex coordinate.
-Imath::V2d transformUv(const TextureUse& use, Imath::V2d uv);
+Imath::V2d transformUv(const TextureUse& use, const Imath::V2d& uv);
 
 }  // namespace tavora::studio
