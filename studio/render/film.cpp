@@ -22,7 +22,7 @@ void PixelSum::develop(int count, float rgba[4]) const {
 }
 
 void LightMeter::add(const Sight& sight, PixelSum& sum) {
-    if (sight.color != last_.color || sight.alpha != last_.alpha) {
+    if (sight != last_) {
         last_ = sight;
         lastLinear_ = linear(sight);
     }

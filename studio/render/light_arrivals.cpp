@@ -1,5 +1,6 @@
 #include "studio/render/light_arrivals.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "studio/render/rounding_margin.h"
@@ -24,6 +25,14 @@ void LightArrivals::prepare() {
 double LightArrivals::cosine(std::size_t light) {
     const Slot& slot = meet(light);
     return slot.distance >= 0 ? -slot.arrival.direction.dot(point_->normal) : 0;
+}
+
+LightsMet LightArrivals::met() const {
+    LightsMet met;
+    for (std::size_t light = 0; light < std::min(slots_.size(), LightsMet::kMost); ++light) {
+        if (slots_[light].askedAt == sample_) met.note(light, slots_[light].share);
+    }
+    return met;
 }
 
 LightArrival LightArrivals::elsewhere(std::size_t light, const Imath::V3d& position) {

@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "studio/render/kept_paths.h"
+#include "studio/render/known_shadows.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/shadow_rays.h"
 #include "studio/render/surface_point.h"
@@ -66,9 +67,14 @@ class LightArrivals {
     const LightArrival& at(std::size_t light) {
         asked_[light] = 1;
         Slot& slot = slots_[light];
+        slot.askedAt = sample_;
         if (slot.settledAt != sample_) settle(light, findShare(light));
         return slot.arrival;
     }
+
+    /// Of the lights that the sample was asked for, what of them reaches it: this
+    /// depends on nothing but the sample.
+    LightsMet met() const;
 
     /// The light at any place in the world, which need not be on a surface;
     /// nothing is kept.
@@ -83,6 +89,8 @@ class LightArrivals {
         double distance = 0;          ///< to the light; negative where it is dark
         std::uint64_t metAt = 0;      ///< sample in which direction, colour and distance were found
         std::uint64_t settledAt = 0;  ///< sample in which the shadow was
+        std::uint64_t askedAt = 0;    ///< last sample that was asked for it
+        double share = 0;             ///< of the light that passes, once settled
     };
     /// Directional lights are the same everywhere, and met for good.
     static constexpr std::uint64_t kAlways = std::numeric_limits<std::uint64_t>::max();
@@ -97,6 +105,7 @@ class LightArrivals {
     void settle(std::size_t light, double share) {
         Slot& slot = slots_[light];
         slot.settledAt = sample_;
+        slot.share = share;
         slot.arrival.lit = share > 0;
         if (slot.arrival.lit) slot.arrival.color = meet(light).color * share;
     }

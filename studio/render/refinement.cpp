@@ -30,6 +30,8 @@ void widen(PixelState& pixel, const std::array<std::uint8_t, 4>& levels) {
 
 /// How far what both show lies apart at most.
 int distance(const PixelState& a, const PixelState& b) {
+    // Most pixels of a picture lie within a zone.
+    if (a.least == b.least && a.most == b.most && a.least == a.most) return 0;
     int largest = 0;
     for (std::size_t i = 0; i < 4; ++i) {
         const int least = std::min(a.least[i], b.least[i]);
@@ -39,7 +41,7 @@ int distance(const PixelState& a, const PixelState& b) {
 }
 
 int toleranceOf(const PixelState& a, const PixelState& b) {
-    return a.mixed || b.mixed || a.mesh != b.mesh ? kAcrossSurfaces : kOnOneSurface;
+    return a.mixed || b.mixed || a.mesh() != b.mesh() ? kAcrossSurfaces : kOnOneSurface;
 }
 
 bool isCrease(const FirstSurface& a, const FirstSurface& b) {
@@ -50,6 +52,19 @@ bool isCrease(const FirstSurface& a, const FirstSurface& b) {
 PixelBox grown(const PixelBox& window, int by, const PixelBox& whole) {
     return {std::max(window.left - by, whole.left), std::max(window.top - by, whole.top),
             std::min(window.right + by, whole.right), std::min(window.bottom + by, whole.bottom)};
+}
+
+/// Notes what a sample met of the lights; on a third mesh in the pixel nothing.
+void noteLights(PixelState& pixel, const ViewSample& sample) {
+    const FirstSurface& first = sample.first;
+    if (first.mesh == MeshLights::kNone) return;
+    MeshLights& other = pixel.lights[1];
+    if (first.mesh != pixel.mesh() && other.mesh == MeshLights::kNone) {
+        other = {first.mesh, first.distance, {}};
+    }
+    for (MeshLights& met : pixel.lights) {
+        if (met.mesh == first.mesh) met.lights.note(sample.lights);
+    }
 }
 
 /// How far from a side a sample is near it, in pixels: four of sixteen are.
@@ -83,18 +98,26 @@ Refinement::Refinement(const PixelBox& window, const PixelBox& whole)
 void Refinement::add(int x, int y, std::span<const Imath::V2d> places,
                      std::span<const ViewSample> samples, LightMeter& meter) {
     PixelState& pixel = pixels_[offset(x, y)];
-    if (pixel.count == 0) {
-        pixel.mesh = samples.front().first.mesh;
-        pixel.least = pixel.most = levelsOf(samples.front().sight);
+    const bool isFirstRound = pixel.count == 0;
+    std::array<std::uint8_t, 4> levels = levelsOf(samples.front().sight);
+    if (isFirstRound) {
+        const FirstSurface& first = samples.front().first;
+        pixel.lights[0] = {first.mesh, first.distance, {}};
+        pixel.least = pixel.most = levels;
     }
+    widen(pixel, levels);
     PixelSum sum;
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const ViewSample& sample = samples[i];
-        const std::array<std::uint8_t, 4> levels = levelsOf(sample.sight);
         meter.add(sample.sight, sum);
-        widen(pixel, levels);
+        if (i > 0 && sample.sight != samples[i - 1].sight) {
+            levels = levelsOf(sample.sight);
+            widen(pixel, levels);
+        }
         widenSides(pixel, places[i], brightness(levels));
-        pixel.mixed |= sample.first.mesh != pixel.mesh || isCrease(sample.first, samples[0].first);
+        if (isFirstRound) noteLights(pixel, sample);
+        pixel.mixed |=
+            sample.first.mesh != pixel.mesh() || isCrease(sample.first, samples[0].first);
     }
     for (int i = 0; i < 3; ++i)
         pixel.sum[static_cast<std::size_t>(i)] += static_cast<float>(sum.color[i]);
@@ -161,6 +184,22 @@ std::size_t Refinement::wanting(const PixelBox& tile) const {
             count += at(x, y).wanting ? 1U : 0U;
     }
     return count;
+}
+
+KnownShadows Refinement::shadowsAbout(int x, int y) const {
+    KnownShadows known;
+    const auto add = [&known](const PixelState& pixel) {
+        for (const MeshLights& met : pixel.lights)
+            known.add(met);
+    };
+    add(at(x, y));  // first: what finds no room should be the neighbours'
+    for (int row = std::max(y - 1, area_.top); row < std::min(y + 2, area_.bottom); ++row) {
+        for (int column = std::max(x - 1, area_.left); column < std::min(x + 2, area_.right);
+             ++column) {
+            if (row != y || column != x) add(at(column, row));
+        }
+    }
+    return known;
 }
 
 void Refinement::develop(int x, int y, float rgba[4]) const {

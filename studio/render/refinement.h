@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "studio/render/film.h"
+#include "studio/render/known_shadows.h"
 #include "studio/render/picture.h"
 #include "studio/render/view_samples.h"
 
@@ -19,10 +20,13 @@ struct PixelState {
     /// Darkest and brightest sample near each side: left, right, upper, lower.
     std::array<std::uint8_t, 4> leastAt{255, 255, 255, 255};
     std::array<std::uint8_t, 4> mostAt{};
-    std::uint32_t mesh = FirstSurface::kNone;  ///< seen by the first sample
-    std::uint16_t count = 0;                   ///< of samples
-    bool mixed = false;                        ///< samples see several meshes, or a crease
-    bool wanting = false;                      ///< gets samples in the next round
+    /// Lights met in the first round, by mesh; that of the first sample comes first.
+    std::array<MeshLights, 2> lights;
+    std::uint16_t count = 0;  ///< of samples
+    bool mixed = false;       ///< samples see several meshes, or a crease
+    bool wanting = false;     ///< gets samples in the next round
+
+    std::uint32_t mesh() const { return lights[0].mesh; }  ///< seen by the first sample
 };
 
 /// Where a picture needs more samples. Decides by what the samples show and by
@@ -51,6 +55,10 @@ class Refinement {
 
     /// How many pixels of a tile want more.
     std::size_t wanting(const PixelBox& tile) const;
+
+    /// What the first round met of the lights in a pixel and its neighbours. Other
+    /// threads may add() later rounds at the same time.
+    KnownShadows shadowsAbout(int x, int y) const;
 
     /// Writes the average of a pixel's samples: scene-linear RGB, premultiplied,
     /// and alpha.

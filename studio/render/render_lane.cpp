@@ -21,11 +21,8 @@ RenderLane::RenderLane(const RenderJob& job, std::shared_ptr<const LaneShaders> 
       sampler_(job.scene, job.lights, *shaders_, job.view, job.options.background) {}
 
 void RenderLane::renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture) {
-    pixels_.clear();
-    for (int y = tile.top; y < tile.bottom; ++y) {
-        for (int x = tile.left; x < tile.right; ++x)
-            pixels_.push_back({x, y});
-    }
+    findAll(tile);
+    notesLights_ = false;
     const SampleRun all{0, job_->pattern.size()};
     look(pixels_, all, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
         PixelSum sum;
@@ -37,16 +34,34 @@ void RenderLane::renderTile(const PixelBox& tile, const std::atomic<bool>* stop,
 
 void RenderLane::refineTile(const PixelBox& tile, const SampleRun& run,
                             const std::atomic<bool>* stop, Refinement& refinement) {
-    pixels_.clear();
-    for (int y = tile.top; y < tile.bottom; ++y) {
-        for (int x = tile.left; x < tile.right; ++x) {
-            if (run.first == 0 || refinement.at(x, y).wanting) pixels_.push_back({x, y});
-        }
+    notesLights_ = run.first == 0;
+    if (notesLights_) {
+        findAll(tile);
+    } else {
+        findWanting(tile, refinement);
     }
     look(pixels_, run, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
         const std::span<const Imath::V2d> pattern(job_->pattern);
         refinement.add(pixel.x, pixel.y, pattern.subspan(run.first, run.size()), samples, meter_);
     });
+}
+
+void RenderLane::findAll(const PixelBox& tile) {
+    pixels_.clear();
+    for (int y = tile.top; y < tile.bottom; ++y) {
+        for (int x = tile.left; x < tile.right; ++x)
+            pixels_.push_back({x, y, {}});
+    }
+}
+
+void RenderLane::findWanting(const PixelBox& tile, const Refinement& refinement) {
+    pixels_.clear();
+    for (int y = tile.top; y < tile.bottom; ++y) {
+        for (int x = tile.left; x < tile.right; ++x) {
+            if (refinement.at(x, y).wanting)
+                pixels_.push_back({x, y, refinement.shadowsAbout(x, y)});
+        }
+    }
 }
 
 void RenderLane::look(std::span<const Pixel> pixels, const SampleRun& run,
@@ -62,12 +77,13 @@ void RenderLane::look(std::span<const Pixel> pixels, const SampleRun& run,
 void RenderLane::lookAtOnce(std::span<const Pixel> pixels, const SampleRun& run, const Take& take) {
     places_.clear();
     for (const Pixel& pixel : pixels) {
+        const Imath::V2d corner(pixel.x, pixel.y);
         for (std::size_t i = run.first; i < run.last; ++i)
-            places_.push_back({pixel.x + job_->pattern[i].x, pixel.y + job_->pattern[i].y});
+            places_.push_back({corner + job_->pattern[i], &pixel.known});
     }
     samples_.resize(std::max(samples_.size(), places_.size()));
     const std::span<ViewSample> samples(samples_.data(), places_.size());
-    sampler_.look(places_, samples);
+    sampler_.look(places_, samples, notesLights_);
     primaryRays_ += places_.size();
     for (std::size_t i = 0; i < pixels.size(); ++i)
         take(pixels[i], samples.subspan(i * run.size(), run.size()));

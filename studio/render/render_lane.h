@@ -58,20 +58,24 @@ class RenderLane {
     struct Pixel {
         int x;
         int y;
+        KnownShadows known;  ///< what samples before met there
     };
     using Take = std::function<void(const Pixel& pixel, std::span<const ViewSample> samples)>;
 
     void look(std::span<const Pixel> pixels, const SampleRun& run, const std::atomic<bool>* stop,
               const Take& take);
     void lookAtOnce(std::span<const Pixel> pixels, const SampleRun& run, const Take& take);
+    void findAll(const PixelBox& tile);
+    void findWanting(const PixelBox& tile, const Refinement& refinement);
 
     const RenderJob* job_;
     std::shared_ptr<const LaneShaders> shaders_;
     ViewSampler sampler_;
     LightMeter meter_;
-    std::vector<Pixel> pixels_;       ///< of a tile, that are looked at
-    std::vector<Imath::V2d> places_;  ///< of some pixels' samples
+    std::vector<Pixel> pixels_;      ///< of a tile, that are looked at
+    std::vector<ViewPlace> places_;  ///< of some pixels' samples
     std::vector<ViewSample> samples_;
+    bool notesLights_ = false;  ///< in the samples
     std::uint64_t primaryRays_ = 0;
 };
 

@@ -31,9 +31,10 @@ const MetSurface* SampleBundle::met(std::size_t ray) const {
     return met_[ray].hit.distance == kNothing ? nullptr : &met_[ray];
 }
 
-void SampleBundle::trace(std::span<const Ray> rays, const SampleShader& shader) {
+void SampleBundle::trace(std::span<const Ray> rays, std::span<const KnownShadows* const> known,
+                         const SampleShader& shader) {
     findSurfaces(rays);
-    findStations(rays.size(), shader);
+    findStations(known.first(rays.size()), shader);
     std::fill_n(shares_.begin(), rays.size() * lights_, -1.0);
     for (std::size_t light = 0; light < lights_; ++light) {
         const LitLight& lit = rig_->lights[light];
@@ -77,14 +78,17 @@ const Facet& SampleBundle::facetFor(const Ray& ray, const HitKey& hit) {
     return facets_.emplace_back(facetAt(*scene_, ray, hit));
 }
 
-void SampleBundle::findStations(std::size_t rays, const SampleShader& shader) {
+void SampleBundle::findStations(std::span<const KnownShadows* const> known,
+                                const SampleShader& shader) {
     stations_.clear();
-    for (std::size_t i = 0; i < rays; ++i) {
+    for (std::size_t i = 0; i < known.size(); ++i) {
         const MetSurface* surface = met(i);
         if (surface == nullptr || !shader.takesLight(*surface)) continue;
         const SurfacePoint& point = surface->point;
+        const HitKey& hit = surface->hit;
         stations_.push_back({shadowOrigin(point), point.normal, point.surfaceIndex(),
-                             static_cast<std::uint32_t>(i)});
+                             static_cast<std::uint32_t>(i),
+                             known[i] != nullptr ? known[i]->at(hit.mesh, hit.distance) : nullptr});
     }
 }
 
@@ -100,9 +104,14 @@ void SampleBundle::goToSky(std::size_t light, const SampleShader& shader) {
     const Imath::V3d toLight = -rig_->lights[light].light->direction;
     const Imath::V3f direction = embreeDirection(toLight);
     for (const Station& station : stations_) {
-        if (!shader.asksFor(station.surface, light)) continue;
+        const double known = knownShare(station, light);
+        if (known < 0 && !shader.asksFor(station.surface, light)) continue;
         if (!(toLight.dot(station.normal) > 0)) {
             if (isBehind(station, toLight)) share(station.viewing, light) = 0;
+            continue;
+        }
+        if (known >= 0) {
+            share(station.viewing, light) = known;
             continue;
         }
         shadows_.addToSky(station.origin, direction);
@@ -117,13 +126,24 @@ void SampleBundle::goToMiddle(std::size_t light, const SampleShader& shader) {
     going_.clear();
     LitPlace place;
     for (const Station& station : stations_) {
-        if (!shader.asksFor(station.surface, light)) continue;
+        if (!isToSettle(station, light, shader, place)) continue;
         Ray ray = station.origin.ray();
-        if (!isReached(station, rig_->lights[light], place) || !turnToMiddle(place, ray)) continue;
+        if (!turnToMiddle(place, ray)) continue;
         shadows_.add(ray);
         going_.push_back(station.viewing);
     }
     settle(light);
+}
+
+/// Whether shadow rays have to tell what of the light reaches the station, where
+/// it is asked for; says it, where that is known without.
+bool SampleBundle::isToSettle(const Station& station, std::size_t light, const SampleShader& shader,
+                              LitPlace& place) {
+    const double known = knownShare(station, light);
+    if (known < 0 && !shader.asksFor(station.surface, light)) return false;
+    if (!isReached(station, rig_->lights[light], place)) return false;
+    if (known >= 0) share(station.viewing, light) = known;
+    return known < 0;
 }
 
 /// Whether the light, shadows aside, shines on the side that is seen.
@@ -153,7 +173,7 @@ void SampleBundle::goToPoints(std::size_t light, const SampleShader& shader) {
     Way way;
     LitPlace place;
     for (const Station& station : stations_) {
-        if (!shader.asksFor(station.surface, light) || !isReached(station, lit, place)) continue;
+        if (!isToSettle(station, light, shader, place)) continue;
         way.viewing = station.viewing;
         if (way.rays.aim(station.origin.ray(), lit, place)) ways_.push_back(way);
     }

@@ -5,6 +5,7 @@
 #include <span>
 #include <vector>
 
+#include "studio/render/known_shadows.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_shader.h"
 #include "studio/render/shadow_rays.h"
@@ -25,9 +26,11 @@ class SampleBundle {
     /// meet stays in the processor's cache.
     std::size_t room() const { return met_.size(); }
 
-    /// Traces at most room() rays, which must outlive its use. `shader` says
-    /// which surfaces take light.
-    void trace(std::span<const Ray> rays, const SampleShader& shader);
+    /// Traces at most room() rays, which must outlive its use. `known` says, ray
+    /// by ray, what needs no shadow rays, or null; `shader`, which surfaces take
+    /// light.
+    void trace(std::span<const Ray> rays, std::span<const KnownShadows* const> known,
+               const SampleShader& shader);
 
     /// The first surface along a ray that is not wholly clear, or null.
     const MetSurface* met(std::size_t ray) const;
@@ -45,7 +48,8 @@ class SampleBundle {
         ShadowOrigin origin;  ///< of shadow rays from there
         Imath::V3d normal;
         int surface;
-        std::uint32_t viewing;  ///< where the viewing ray stands
+        std::uint32_t viewing;   ///< where the viewing ray stands
+        const LightsMet* known;  ///< of the lights there, or null
     };
     /// The ways from a station to one light with a size.
     struct Way {
@@ -54,15 +58,21 @@ class SampleBundle {
     };
     void findSurfaces(std::span<const Ray> rays);
     const Facet& facetFor(const Ray& ray, const HitKey& hit);
-    void findStations(std::size_t rays, const SampleShader& shader);
+    void findStations(std::span<const KnownShadows* const> known, const SampleShader& shader);
     void goToSky(std::size_t light, const SampleShader& shader);
     void goToMiddle(std::size_t light, const SampleShader& shader);
     void goToPoints(std::size_t light, const SampleShader& shader);
+    bool isToSettle(const Station& station, std::size_t light, const SampleShader& shader,
+                    LitPlace& place);
     bool isReached(const Station& station, const LitLight& lit, LitPlace& place) const;
     bool isBehind(const Station& station, const Imath::V3d& toLight) const;
     bool stepToPoints();
     std::span<const double> traceShadows();
     void settle(std::size_t light);
+    /// Share of the light that is known to pass there; negative where it is not.
+    static double knownShare(const Station& station, std::size_t light) {
+        return station.known != nullptr ? station.known->share(light) : -1;
+    }
     double& share(std::uint32_t viewing, std::size_t light) {
         return shares_[viewing * lights_ + light];
     }

@@ -139,6 +139,10 @@ Appearance SampleShader::shadeMet(const Ray& ray, const MetSurface& met,
     return shade(level, {ray.origin, ray.direction}, shares, level.record);
 }
 
+LightsMet SampleShader::lightsMet() const {
+    return levels_.front()->lights.met();
+}
+
 const SurfacePoint& SampleShader::point() const {
     return levels_.front()->met->point;
 }

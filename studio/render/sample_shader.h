@@ -9,6 +9,7 @@
 
 #include "host/sample.h"
 #include "studio/render/kept_paths.h"
+#include "studio/render/known_shadows.h"
 #include "studio/render/lane_shaders.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_record.h"
@@ -74,6 +75,10 @@ class SampleShader {
     bool asksFor(int surface, std::size_t light) const {
         return asked_[firstAsked(surface) + light] != 0;
     }
+
+    /// What the last shadeNext() that found something asked of the lights, or
+    /// shadeMet(): LightArrivals::met().
+    LightsMet lightsMet() const;
 
     /// Where the last shadeNext() that found something did, or shadeMet().
     const SurfacePoint& point() const;

@@ -60,11 +60,12 @@ Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>&
 
 void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
              std::span<const double> shares, const std::optional<Imath::V3d>& background,
-             ViewSample& sample) {
+             bool notesLights, ViewSample& sample) {
     Layers layers(sample.sight);
     HitKey hit = met.hit;
     sample.first = firstSurface(hit, met.point);
     layers.add(shader.shadeMet(ray, met, shares));
+    if (notesLights) sample.lights = shader.lightsMet();
     for (Appearance surface; !layers.hide() && shader.shadeNext(ray, hit, hit, surface);)
         layers.add(surface);
     layers.lieOver(background);

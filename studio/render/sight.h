@@ -5,6 +5,7 @@
 #include <optional>
 #include <span>
 
+#include "studio/render/known_shadows.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_shader.h"
 
@@ -14,14 +15,14 @@ namespace tavora::studio {
 struct Sight {
     Imath::V3d color{0, 0, 0};  ///< premultiplied by `alpha`
     double alpha = 0;           ///< 0..1; 1 with a background
+
+    bool operator==(const Sight&) const = default;
 };
 
 /// What a viewing ray meets first of all that is not wholly clear.
 struct FirstSurface {
-    static constexpr std::uint32_t kNone = 0xffffffff;
-
-    std::uint32_t mesh = kNone;  ///< in RayScene
-    float distance = 0;          ///< along the ray
+    std::uint32_t mesh = MeshLights::kNone;  ///< in RayScene
+    float distance = 0;                      ///< along the ray
     Imath::V3f normal{0, 0, 0};  ///< interpolated, unit, on the side that is seen, in the world
 };
 
@@ -38,12 +39,13 @@ Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>&
 struct ViewSample {
     Sight sight;
     FirstSurface first;
+    LightsMet lights{};  ///< that the first surface asked for, if they are noted
 };
 
 /// see() into `sample` where the first surface is known; `shares` as for
-/// SampleShader::shadeMet().
+/// SampleShader::shadeMet(). The lights are noted if `notesLights`.
 void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
              std::span<const double> shares, const std::optional<Imath::V3d>& background,
-             ViewSample& sample);
+             bool notesLights, ViewSample& sample);
 
 }  // namespace tavora::studio

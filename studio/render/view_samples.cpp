@@ -10,25 +10,31 @@ ViewSampler::ViewSampler(const RayScene& scene, const LightRig& lights, const La
       background_(&background),
       shader_(scene, lights, shaders),
       bundle_(scene, lights),
-      rays_(bundle_.room()) {}
+      rays_(bundle_.room()),
+      known_(bundle_.room()) {}
 
-void ViewSampler::look(std::span<const Imath::V2d> places, std::span<ViewSample> samples) {
+void ViewSampler::look(std::span<const ViewPlace> places, std::span<ViewSample> samples,
+                       bool notesLights) {
     for (std::size_t first = 0; first < places.size(); first += rays_.size()) {
         const std::size_t count = std::min(rays_.size(), places.size() - first);
-        lookTogether(places.subspan(first, count), samples.subspan(first, count));
+        lookTogether(places.subspan(first, count), samples.subspan(first, count), notesLights);
     }
 }
 
 /// At most as many places as the bundle has room for.
-void ViewSampler::lookTogether(std::span<const Imath::V2d> places, std::span<ViewSample> samples) {
-    for (std::size_t i = 0; i < places.size(); ++i)
-        rays_[i] = view_->rayThrough(places[i].x, places[i].y);
-    bundle_.trace({rays_.data(), places.size()}, shader_);
+void ViewSampler::lookTogether(std::span<const ViewPlace> places, std::span<ViewSample> samples,
+                               bool notesLights) {
+    for (std::size_t i = 0; i < places.size(); ++i) {
+        rays_[i] = view_->rayThrough(places[i].at.x, places[i].at.y);
+        known_[i] = places[i].known;
+    }
+    bundle_.trace({rays_.data(), places.size()}, known_, shader_);
     for (std::size_t i = 0; i < places.size(); ++i) {
         if (const MetSurface* met = bundle_.met(i)) {
-            seeFrom(shader_, rays_[i], *met, bundle_.shares(i), *background_, samples[i]);
+            seeFrom(shader_, rays_[i], *met, bundle_.shares(i), *background_, notesLights,
+                    samples[i]);
         } else {
-            samples[i] = {seeNothing(*background_), {}};
+            samples[i] = {seeNothing(*background_), {}, {}};
         }
     }
 }

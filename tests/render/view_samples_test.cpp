@@ -95,16 +95,16 @@ TEST(ViewSamples, ShowTogetherWhatEachShowsAlone) {
         const View view(camera, 64, 48, 1);
         for (const std::optional<V3d>& background :
              {std::optional<V3d>(), std::optional<V3d>({0.2, 0.3, 0.4})}) {
-            std::vector<Imath::V2d> places;
+            std::vector<ViewPlace> places;
             for (int i = 0; i < 2 * 64 * 48; ++i)
-                places.emplace_back(i % 128 * 0.5, i / 128 + 0.5);
+                places.push_back({{i % 128 * 0.5, i / 128 + 0.5}});
             ViewSampler together(scene.rays, scene.rig, shaders, view, background);
             std::vector<ViewSample> samples(places.size());
             together.look(places, samples);
             SampleShader alone(scene.rays, scene.rig, shaders);
             for (std::size_t i = 0; i < places.size(); ++i) {
                 ViewSample sample;
-                sample.sight = see(alone, view.rayThrough(places[i].x, places[i].y), background,
+                sample.sight = see(alone, view.rayThrough(places[i].at.x, places[i].at.y), background,
                                    &sample.first);
                 ASSERT_TRUE(isSame(samples[i], sample)) << i;
             }
