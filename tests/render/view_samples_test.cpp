@@ -104,8 +104,8 @@ TEST(ViewSamples, ShowTogetherWhatEachShowsAlone) {
             SampleShader alone(scene.rays, scene.rig, shaders);
             for (std::size_t i = 0; i < places.size(); ++i) {
                 ViewSample sample;
-                sample.sight = see(alone, view.rayThrough(places[i].at.x, places[i].at.y), background,
-                                   &sample.first);
+                sample.sight = see(alone, view.rayThrough(places[i].at.x, places[i].at.y),
+                                   background, &sample.first);
                 ASSERT_TRUE(isSame(samples[i], sample)) << i;
             }
             EXPECT_EQ(together.viewingRays(), alone.viewingRays());
