@@ -22,6 +22,7 @@
 
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
+#include "studio/render/lane_team.h"
 #include "studio/render/lanes.h"
 #include "studio/render/renderer.h"
 #include "studio/render/sample_pattern.h"
@@ -226,8 +227,9 @@ std::uint64_t traceBare(const BareScene& scene, const LightRig& rig, std::size_t
     const auto tiles = tilesOf({0, 0, kWidth, kHeight});
     std::vector<BareRow> rows(threads, BareRow(scene, rig, streams));
     std::atomic<std::uint64_t> rays{0};
+    LaneTeam team(threads + 1);
     runLanes(
-        threads, tiles.size(),
+        team, tiles.size(),
         [&](std::size_t lane, std::size_t tile) {
             for (int y = tiles[tile].top; y < tiles[tile].bottom; ++y)
                 rays += rows[lane].trace(view, pattern, tiles[tile].left, tiles[tile].right, y);

@@ -1,11 +1,10 @@
 #include "studio/render/lanes.h"
 
+#include <atomic>
 #include <chrono>
 #include <condition_variable>
 #include <exception>
 #include <mutex>
-#include <thread>
-#include <vector>
 
 namespace tavora::studio {
 namespace {
@@ -84,16 +83,17 @@ class Crew {
 
 }  // namespace
 
-bool runLanes(std::size_t lanes, std::size_t jobs,
+bool runLanes(LaneTeam& team, std::size_t jobs,
               const std::function<void(std::size_t lane, std::size_t job)>& work,
               const std::function<bool(std::size_t done)>& watch) {
-    Crew crew(lanes, jobs);
-    {
-        std::vector<std::jthread> threads;
-        for (std::size_t lane = 0; lane < lanes; ++lane)
-            threads.emplace_back([&crew, &work, lane] { crew.work(lane, work); });
-        crew.watch(watch);
-    }
+    Crew crew(team.size() - 1, jobs);
+    team.run([&](std::size_t lane) {
+        if (lane == 0) {
+            crew.watch(watch);
+        } else {
+            crew.work(lane - 1, work);
+        }
+    });
     crew.rethrow();
     return crew.allDone();
 }

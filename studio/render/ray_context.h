@@ -78,9 +78,9 @@ inline void setEmbreeRay(const Ray& ray, unsigned id, RTCRay& result) {
     result.flags = 0;
 }
 
-/// Whether a shadow ray which was traced met anything solid.
-inline bool isStopped(const RTCRay& traced) {
-    return traced.tfar < 0;
+/// Whether a shadow ray which was traced met anything solid, by where it ends.
+inline bool isStoppedAt(float farthest) {
+    return farthest < 0;
 }
 
 }  // namespace tavora::studio

@@ -238,6 +238,7 @@ void RayScene::attach(MeshGeometry& geometry) {
     const SurfaceTraits& worn = traits(geometry.source->surfaceIndex);
     rtcSetGeometryIntersectFilterFunction(handle, viewingFilter(worn));
     if (worn.cover != Cover::Solid || !worn.surface->selfShadow) {
+        judgesShadows_ = true;
         rtcSetGeometryOccludedFilterFunction(handle, filter<stopsLight>);
     }
     rtcCommitGeometry(handle);
@@ -271,7 +272,7 @@ double RayScene::transmittance(RTCRay ray, ShadowProgress progress) const {
     RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_INCOHERENT);
     context.shadows = &progress;
     rtcOccluded1(scene_.get(), &context.embree, &ray);
-    if (isStopped(ray)) return 0;
+    if (isStoppedAt(ray.tfar)) return 0;
     if (progress.darkening == 0) return 1;
     return portable::exp2(-static_cast<double>(progress.darkening) / kLogUnit);
 }

@@ -62,6 +62,8 @@ class RayScene {
     }
     std::uint64_t triangles() const { return triangles_; }
     RTCScene embree() const { return scene_.get(); }
+    /// Whether shadow rays pass some of what they meet, so that their progress counts.
+    bool judgesShadows() const { return judgesShadows_; }
 
     /// The first hit of a viewing ray after `after` (a default key: from its
     /// start). False when there is none.
@@ -87,6 +89,7 @@ class RayScene {
     std::vector<SurfaceTraits> traits_;
     std::vector<MeshGeometry> geometries_;
     std::uint64_t triangles_ = 0;
+    bool judgesShadows_ = false;
     std::unique_ptr<RTCDeviceTy, ReleaseDevice> device_;
     std::unique_ptr<RTCSceneTy, ReleaseScene> scene_;
 };

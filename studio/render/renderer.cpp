@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "studio/render/lane_team.h"
 #include "studio/render/lanes.h"
 #include "studio/render/pixel_filter.h"
 #include "studio/render/ray_scene.h"
@@ -65,14 +66,22 @@ Picture emptyPicture(const RenderOptions& options) {
     return picture;
 }
 
-using Lanes = std::vector<std::unique_ptr<RenderLane>>;
+/// The lanes of a render, and the threads that they work on: one of them keeps to
+/// its lane from the first round to the last, whose module's mutex is its own.
+struct Lanes {
+    explicit Lanes(const RenderJob& job, std::size_t count)
+        : each(makeLanes(job, count)), team(count + 1) {}
+
+    std::vector<std::unique_ptr<RenderLane>> each;
+    LaneTeam team;
+};
 
 /// Runs `work(lane, tile)` for all tiles. `progress` takes their share done, 0..1.
-void forTiles(const Lanes& lanes, const std::vector<PixelBox>& tiles, const RenderWatch& watch,
+void forTiles(Lanes& lanes, const std::vector<PixelBox>& tiles, const RenderWatch& watch,
               const std::function<void(RenderLane& lane, const PixelBox& tile)>& work,
               const std::function<void(double share)>& progress) {
     const auto runOne = [&](std::size_t lane, std::size_t tile) {
-        work(*lanes[lane], tiles[tile]);
+        work(*lanes.each[lane], tiles[tile]);
     };
     const auto report = [&](std::size_t done) {
         if (watch.progress) {
@@ -80,10 +89,10 @@ void forTiles(const Lanes& lanes, const std::vector<PixelBox>& tiles, const Rend
         }
         return watch.stop == nullptr || !*watch.stop;
     };
-    if (!runLanes(lanes.size(), tiles.size(), runOne, report)) throw RenderStopped();
+    if (!runLanes(lanes.team, tiles.size(), runOne, report)) throw RenderStopped();
 }
 
-void renderEvenly(const RenderWatch& watch, const Lanes& lanes, Picture& picture) {
+void renderEvenly(const RenderWatch& watch, Lanes& lanes, Picture& picture) {
     forTiles(
         lanes, tilesOf(picture.window), watch,
         [&](RenderLane& lane, const PixelBox& tile) { lane.renderTile(tile, watch.stop, picture); },
@@ -152,7 +161,7 @@ std::size_t keepWanting(const Refinement& refinement, std::vector<PixelBox>& til
     return all;
 }
 
-void renderInRounds(const RenderOptions& options, const RenderWatch& watch, const Lanes& lanes,
+void renderInRounds(const RenderOptions& options, const RenderWatch& watch, Lanes& lanes,
                     Picture& picture) {
     Refinement refinement(picture.window, {0, 0, options.width, options.height});
     const std::vector<SampleRun> rounds = roundsOf(options);
@@ -224,7 +233,7 @@ Picture Renderer::render(const Camera& camera, const LightRig& lights,
         options,
         View(camera, options.width, options.height, std::max(options.samples, options.mostSamples)),
         patternOf(options)};
-    const Lanes lanes = makeLanes(job, laneCount(options, tilesOf(picture.window).size()));
+    Lanes lanes(job, laneCount(options, tilesOf(picture.window).size()));
     if (isAdaptive(options)) {
         renderInRounds(options, watch, lanes, picture);
     } else {
@@ -232,7 +241,7 @@ Picture Renderer::render(const Camera& camera, const LightRig& lights,
     }
     if (stats != nullptr) {
         *stats = {};
-        for (const auto& lane : lanes)
+        for (const auto& lane : lanes.each)
             lane->addTo(*stats);
         stats->pixels = picture.rgba.size() / 4;
         stats->triangles = parts_->rays.triangles();

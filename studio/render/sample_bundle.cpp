@@ -86,8 +86,9 @@ void SampleBundle::findStations(std::span<const KnownShadows* const> known,
         if (surface == nullptr || !shader.takesLight(*surface)) continue;
         const SurfacePoint& point = surface->point;
         const HitKey& hit = surface->hit;
-        stations_.push_back({shadowOrigin(point), point.normal, point.surfaceIndex(),
-                             static_cast<std::uint32_t>(i),
+        const ShadowOrigin origin = shadowOrigin(point);
+        stations_.push_back({origin, Imath::V3f(origin.position), point.normal,
+                             point.surfaceIndex(), static_cast<std::uint32_t>(i),
                              known[i] != nullptr ? known[i]->at(hit.mesh, hit.distance) : nullptr});
     }
 }
@@ -102,7 +103,6 @@ void SampleBundle::goToSky(std::size_t light, const SampleShader& shader) {
     shadows_.clear();
     going_.clear();
     const Imath::V3d toLight = -rig_->lights[light].light->direction;
-    const Imath::V3f direction = embreeDirection(toLight);
     for (const Station& station : stations_) {
         const double known = knownShare(station, light);
         if (known < 0 && !shader.asksFor(station.surface, light)) continue;
@@ -114,10 +114,10 @@ void SampleBundle::goToSky(std::size_t light, const SampleShader& shader) {
             share(station.viewing, light) = known;
             continue;
         }
-        shadows_.addToSky(station.origin, direction);
+        shadows_.addToSky(station.origin, station.start);
         going_.push_back(station.viewing);
     }
-    settle(light);
+    settle(light, shadows_.traceToSky(toLight));
 }
 
 /// One ray from each station that faces a light without a size which has a place.
@@ -132,7 +132,7 @@ void SampleBundle::goToMiddle(std::size_t light, const SampleShader& shader) {
         shadows_.add(ray);
         going_.push_back(station.viewing);
     }
-    settle(light);
+    settle(light, shadows_.trace());
 }
 
 /// Whether shadow rays have to tell what of the light reaches the station, where
@@ -155,14 +155,9 @@ bool SampleBundle::isReached(const Station& station, const LitLight& lit, LitPla
     return place.distance >= 0 && -place.direction.dot(station.normal) > 0;
 }
 
-std::span<const double> SampleBundle::traceShadows() {
-    const std::span<const double> passed = shadows_.trace();
+/// `passed` along the ray to the light from each station that goes.
+void SampleBundle::settle(std::size_t light, std::span<const double> passed) {
     shadowRays_ += passed.size();
-    return passed;
-}
-
-void SampleBundle::settle(std::size_t light) {
-    const std::span<const double> passed = traceShadows();
     for (std::size_t i = 0; i < passed.size(); ++i)
         share(going_[i], light) = passed[i];
 }
@@ -194,7 +189,8 @@ bool SampleBundle::stepToPoints() {
         shadows_.add(ray);
         going_.push_back(static_cast<std::uint32_t>(i));
     }
-    const std::span<const double> passed = traceShadows();
+    const std::span<const double> passed = shadows_.trace();
+    shadowRays_ += passed.size();
     for (std::size_t i = 0; i < passed.size(); ++i)
         ways_[going_[i]].rays.add(passed[i]);
     return !passed.empty();

@@ -46,6 +46,7 @@ class SampleBundle {
     /// Where a viewing ray ends, and takes light.
     struct Station {
         ShadowOrigin origin;  ///< of shadow rays from there
+        Imath::V3f start;     ///< the same place in single precision
         Imath::V3d normal;
         int surface;
         std::uint32_t viewing;   ///< where the viewing ray stands
@@ -67,8 +68,7 @@ class SampleBundle {
     bool isReached(const Station& station, const LitLight& lit, LitPlace& place) const;
     bool isBehind(const Station& station, const Imath::V3d& toLight) const;
     bool stepToPoints();
-    std::span<const double> traceShadows();
-    void settle(std::size_t light);
+    void settle(std::size_t light, std::span<const double> passed);
     /// Share of the light that is known to pass there; negative where it is not.
     static double knownShare(const Station& station, std::size_t light) {
         return station.known != nullptr ? station.known->share(light) : -1;

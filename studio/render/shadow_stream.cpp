@@ -5,15 +5,26 @@ namespace tavora::studio {
 std::span<const double> ShadowStream::trace() {
     RayContext context = rayContext(*scene_, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.shadows = progress_.data();
-    rtcOccluded1M(scene_->embree(), &context.embree, rays_.data(), static_cast<unsigned>(count_),
-                  sizeof(RTCRay));
-    for (std::size_t i = 0; i < count_; ++i) {
-        shares_[i] = isStopped(rays_[i]) ? 0 : 1;
-        if (!progress_[i].metClear || isStopped(rays_[i])) continue;
-        progress_[i].leavesClear = false;
-        shares_[i] = scene_->transmittance(rays_[i], progress_[i]);
-    }
+    const RTCRayNp rays = rays_.embree();
+    rtcOccludedNp(scene_->embree(), &context.embree, &rays, static_cast<unsigned>(count_));
+    for (std::size_t i = 0; i < count_; ++i)
+        shares_[i] = isStoppedAt(rays_.farthest(i)) ? 0 : 1;
+    if (scene_->judgesShadows()) judge();
     return {shares_.data(), count_};
+}
+
+/// How much passes the clear surfaces that were met.
+void ShadowStream::judge() {
+    for (std::size_t i = 0; i < count_; ++i) {
+        if (!progress_[i].metClear || shares_[i] == 0) continue;
+        progress_[i].leavesClear = false;
+        shares_[i] = scene_->transmittance(rays_.alone(i), progress_[i]);
+    }
+}
+
+std::span<const double> ShadowStream::traceToSky(const Imath::V3d& direction) {
+    rays_.setDirections(count_, embreeDirection(direction));
+    return trace();
 }
 
 }  // namespace tavora::studio

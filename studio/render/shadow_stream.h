@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "studio/render/ray_context.h"
+#include "studio/render/ray_rows.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/shadow_rays.h"
 
@@ -25,41 +26,36 @@ class ShadowStream {
     void clear() { count_ = 0; }
 
     void add(const Ray& ray) {
-        setEmbreeRay(ray, static_cast<unsigned>(count_), rays_[count_]);
-        progress_[count_] = {ray.spot, ray.spread, ray.spared, 0, true, false};
-        ++count_;
+        rays_.set(count_, ray);
+        begin(ray.spot, ray.spread, ray.spared);
     }
 
-    /// Adds a ray without end; `direction` as embreeDirection() gives it.
-    void addToSky(const ShadowOrigin& origin, const Imath::V3f& direction) {
-        const Imath::V3f start(origin.position);
-        rays_[count_] = {start.x,
-                         start.y,
-                         start.z,
-                         0,
-                         direction.x,
-                         direction.y,
-                         direction.z,
-                         0,
-                         kEndless,
-                         ~0U,
-                         static_cast<unsigned>(count_),
-                         0};
-        progress_[count_] = {origin.spot, 0, origin.spared, 0, true, false};
-        ++count_;
+    /// Adds a ray without end whose direction is to be given to traceToSky().
+    /// `start` is the origin's place as Embree takes it.
+    void addToSky(const ShadowOrigin& origin, const Imath::V3f& start) {
+        rays_.setStart(count_, start, 0, std::numeric_limits<float>::infinity());
+        begin(origin.spot, 0, origin.spared);
     }
 
     /// RayScene::transmittance() along each ray that was added, in that order;
     /// valid until the next call.
     std::span<const double> trace();
+    /// The same, after all rays were added by addToSky() and turn to one `direction`.
+    std::span<const double> traceToSky(const Imath::V3d& direction);
 
   private:
-    static constexpr float kEndless = std::numeric_limits<float>::infinity();
+    void begin(double spot, double spread, const SceneMesh* spared) {
+        if (scene_->judgesShadows()) {
+            progress_[count_] = {spot, spread, spared, 0, true, false};
+        }
+        ++count_;
+    }
+    void judge();
 
     const RayScene* scene_;
     std::size_t count_ = 0;
     std::vector<ShadowProgress> progress_;
-    std::vector<RTCRay> rays_;
+    RayRows rays_;
     std::vector<double> shares_;
 };
 

@@ -3,36 +3,43 @@
 #include <algorithm>
 
 namespace tavora::studio {
-namespace {
 
 /// Which of the triangles at an edge or a corner is met differs in a stream by
 /// rounding.
-bool isNearEdge(const RTCHit& hit) {
+bool ViewingStream::isNearEdge(std::size_t at) const {
     constexpr float kNear = 1e-5F;
-    return std::min({hit.u, hit.v, 1.0F - hit.u - hit.v}) < kNear;
+    return std::min({u_[at], v_[at], 1.0F - u_[at] - v_[at]}) < kNear;
 }
-
-}  // namespace
 
 void ViewingStream::start(std::span<const Ray> rays) {
     for (std::size_t i = 0; i < rays.size(); ++i) {
-        setEmbreeRay(rays[i], static_cast<unsigned>(i), queries_[i].ray);
-        queries_[i].hit.geomID = RTC_INVALID_GEOMETRY_ID;
+        rays_.set(i, rays[i]);
         progress_[i] = {&rays[i]};
     }
+    std::fill_n(meshes_.begin(), rays.size(), RTC_INVALID_GEOMETRY_ID);
+}
+
+/// Embree leaves out what is null.
+RTCRayHitNp ViewingStream::embree() {
+    RTCRayHitNp query{};
+    query.ray = rays_.embree();
+    query.hit.u = u_.data();
+    query.hit.v = v_.data();
+    query.hit.primID = triangles_.data();
+    query.hit.geomID = meshes_.data();
+    return query;
 }
 
 void ViewingStream::firstHits(std::span<const Ray> rays, std::span<HitKey> hits) {
     start(rays);
     RayContext context = rayContext(*scene_, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.viewing = progress_.data();
-    rtcIntersect1M(scene_->embree(), &context.embree, queries_.data(),
-                   static_cast<unsigned>(rays.size()), sizeof(RTCRayHit));
+    const RTCRayHitNp query = embree();
+    rtcIntersectNp(scene_->embree(), &context.embree, &query, static_cast<unsigned>(rays.size()));
     for (std::size_t i = 0; i < rays.size(); ++i) {
         // Without a hit the best one is what it started as: infinitely far.
         hits[i] = progress_[i].best;
-        const RTCHit& hit = queries_[i].hit;
-        if (hit.geomID == RTC_INVALID_GEOMETRY_ID || !isNearEdge(hit)) continue;
+        if (meshes_[i] == RTC_INVALID_GEOMETRY_ID || !isNearEdge(i)) continue;
         if (!scene_->nextHit(rays[i], {}, hits[i])) hits[i] = ViewingProgress{}.best;
     }
 }

@@ -1,11 +1,12 @@
 #pragma once
 
 #include <cstddef>
-#include <embree3/rtcore.h>
+#include <cstdint>
 #include <span>
 #include <vector>
 
 #include "studio/render/ray_context.h"
+#include "studio/render/ray_rows.h"
 #include "studio/render/ray_scene.h"
 
 namespace tavora::studio {
@@ -16,7 +17,13 @@ class ViewingStream {
   public:
     /// At most `room` rays at once. `scene` must outlive it.
     ViewingStream(const RayScene& scene, std::size_t room)
-        : scene_(&scene), progress_(room), queries_(room) {}
+        : scene_(&scene),
+          progress_(room),
+          rays_(room),
+          u_(room),
+          v_(room),
+          meshes_(room),
+          triangles_(room) {}
 
     /// `hits[i]` becomes the first hit of `rays[i]`; infinitely far where there
     /// is none.
@@ -24,10 +31,17 @@ class ViewingStream {
 
   private:
     void start(std::span<const Ray> rays);
+    RTCRayHitNp embree();
+    bool isNearEdge(std::size_t at) const;
 
     const RayScene* scene_;
     std::vector<ViewingProgress> progress_;
-    std::vector<RTCRayHit> queries_;
+    RayRows rays_;
+    // What Embree says of the hits:
+    std::vector<float> u_;
+    std::vector<float> v_;
+    std::vector<std::uint32_t> meshes_;
+    std::vector<std::uint32_t> triangles_;
 };
 
 }  // namespace tavora::studio
