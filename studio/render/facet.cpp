@@ -17,15 +17,10 @@ void setCorners(Facet& facet) {
     }
 }
 
-/// Whether a ray comes from behind, where that shows the back.
-bool showsBack(const Facet& facet, const Imath::V3d& front, const Ray& ray) {
-    return facet.source().surface->doubleSided && front.dot(ray.direction) > 0;
-}
-
 void setCornerNormals(Facet& facet) {
     const Mesh& mesh = *facet.source().mesh;
     facet.cornerNormals.fill(facet.normal);
-    if (!mesh.smooth) return;
+    if (!facet.isSmooth) return;
     for (std::size_t i = 0; i < 3; ++i) {
         const Imath::V3d front =
             Imath::V3d(mesh.normals[facet.vertices[i]]) * facet.key.geometry->normalToWorld;
@@ -39,9 +34,18 @@ void setSide(const Ray& ray, Facet& facet) {
     facet.area = 0.5 * cross.length();
     facet.toScale = -cross;
     const Imath::V3d front = unitOr(cross * facet.key.geometry->facing, -ray.direction);
-    facet.key.isBack = showsBack(facet, front, ray);
+    facet.key.isBack = facet.showsBack && front.dot(ray.direction) > 0;
     facet.normal = facet.key.isBack ? -front : front;
     setCornerNormals(facet);
+}
+
+void setSurface(const RayScene& scene, Facet& facet) {
+    const SceneMesh& source = facet.source();
+    const SurfaceTraits& traits = scene.traits(source.surfaceIndex);
+    facet.surface = source.surfaceIndex;
+    facet.isSmooth = source.mesh->smooth;
+    facet.showsBack = source.surface->doubleSided;
+    facet.even = traits.isEven && source.mesh->colors.empty() ? &traits.even : nullptr;
 }
 
 }  // namespace
@@ -50,24 +54,16 @@ Facet facetAt(const RayScene& scene, const Ray& ray, const HitKey& hit) {
     Facet facet;
     facet.key.geometry = &scene.geometry(hit.mesh);
     facet.key.triangle = hit.triangle;
+    facet.mesh = hit.mesh;
+    setSurface(scene, facet);
     setCorners(facet);
     setSide(ray, facet);
     setEye(ray.origin, facet);
     return facet;
 }
 
-bool isSameFacet(const Facet& facet, const RayScene& scene, const Ray& ray, const HitKey& hit) {
-    // A triangle without area faces each ray.
-    if (facet.key.triangle != hit.triangle || facet.key.geometry != &scene.geometry(hit.mesh) ||
-        !(facet.area > 0)) {
-        return false;
-    }
-    const Imath::V3d front = facet.key.isBack ? -facet.normal : facet.normal;
-    return showsBack(facet, front, ray) == facet.key.isBack;
-}
-
 void setFacet(const RayScene& scene, const Ray& ray, const HitKey& hit, Facet& facet) {
-    if (!isSameFacet(facet, scene, ray, hit)) {
+    if (!isSameFacet(facet, ray, hit)) {
         facet = facetAt(scene, ray, hit);
     } else if (facet.eye != ray.origin) {
         setEye(ray.origin, facet);

@@ -23,6 +23,11 @@ struct FacetKey {
 /// the front of a single-sided surface, the viewer's side of a double-sided one.
 struct Facet {
     FacetKey key;
+    std::uint32_t mesh = 0;                   ///< in RayScene
+    int surface = 0;                          ///< in Scene::surfaces
+    bool isSmooth = false;                    ///< normals are interpolated
+    bool showsBack = false;                   ///< both of its sides are seen
+    const OwnColor* even = nullptr;           ///< own colour, if it is the same all over the mesh
     std::array<std::uint32_t, 3> vertices{};  ///< in the mesh
     std::array<Imath::V3d, 3> corners{};
     std::array<Imath::V3d, 3> cornerNormals{};  ///< all `normal` on flat meshes
@@ -38,14 +43,21 @@ struct Facet {
     Imath::V3d toScale{0, 0, 0};
 
     const SceneMesh& source() const { return *key.geometry->source; }
-    int surfaceIndex() const { return source().surfaceIndex; }
 };
 
 /// The side of the triangle that `ray` meets at `hit`.
 Facet facetAt(const RayScene& scene, const Ray& ray, const HitKey& hit);
 
-/// Whether facetAt() would give `facet` once more, the rays' start aside.
-bool isSameFacet(const Facet& facet, const RayScene& scene, const Ray& ray, const HitKey& hit);
+/// Whether facetAt() would give `facet`, of the same scene, once more, the rays'
+/// start aside. A triangle without area faces each ray.
+inline bool isSameFacet(const Facet& facet, const Ray& ray, const HitKey& hit) {
+    if (facet.key.triangle != hit.triangle || facet.mesh != hit.mesh || !(facet.area > 0)) {
+        return false;
+    }
+    if (!facet.showsBack) return true;
+    const Imath::V3d front = facet.key.isBack ? -facet.normal : facet.normal;
+    return facet.key.isBack == (front.dot(ray.direction) > 0);
+}
 
 /// Moves the start of the rays.
 void setEye(const Imath::V3d& eye, Facet& facet);

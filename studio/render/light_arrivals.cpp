@@ -8,7 +8,10 @@
 namespace tavora::studio {
 
 LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
-    : scene_(&scene), lights_(&lights), slots_(lights.lights.size()) {
+    : scene_(&scene),
+      lights_(&lights),
+      slots_(lights.lights.size()),
+      unknown_(lights.lights.size(), -1.0) {
     for (std::size_t light = 0; light < slots_.size(); ++light) {
         if (lights.lights[light].light->kind != LightKind::Directional) continue;
         meetAnew(light);
@@ -24,13 +27,23 @@ void LightArrivals::prepare() {
 
 double LightArrivals::cosine(std::size_t light) {
     const Slot& slot = meet(light);
-    return slot.distance >= 0 ? -slot.arrival.direction.dot(point_->normal) : 0;
+    return slot.distance >= 0 ? -slot.whole.direction.dot(point_->normal) : 0;
+}
+
+void LightArrivals::settle(std::size_t light, double share) {
+    const LightArrival& whole = meet(light).whole;
+    Slot& slot = slots_[light];
+    slot.settledAt = sample_;
+    slot.share = share;
+    slot.arrival = {share > 0, whole.direction, whole.color * share};
 }
 
 LightsMet LightArrivals::met() const {
     LightsMet met;
     for (std::size_t light = 0; light < std::min(slots_.size(), LightsMet::kMost); ++light) {
-        if (slots_[light].askedAt == sample_) met.note(light, slots_[light].share);
+        const Slot& slot = slots_[light];
+        if (slot.askedAt != sample_) continue;
+        met.note(light, slot.settledAt == sample_ ? slot.share : shares_[light]);
     }
     return met;
 }
@@ -55,9 +68,10 @@ LightArrival LightArrivals::elsewhere(std::size_t light, const Imath::V3d& posit
 void LightArrivals::meetAnew(std::size_t light) {
     Slot& slot = slots_[light];
     slot.metAt = sample_;
+    slot.whole.lit = true;
     const Imath::V3d position = point_ != nullptr ? point_->position : Imath::V3d(0);
-    slot.distance = arrivingLight(*lights_, lights_->lights[light], position,
-                                  slot.arrival.direction, slot.color);
+    slot.distance = arrivingLight(*lights_, lights_->lights[light], position, slot.whole.direction,
+                                  slot.whole.color);
 }
 
 /// What is kept of it, or what is traced and then kept.
@@ -75,11 +89,11 @@ KeptShare LightArrivals::kept(std::size_t light) const {
 /// Share of the light that passes to the sample; 0 where it is dark or behind.
 double LightArrivals::traceShare(std::size_t light) {
     const Slot& slot = meet(light);
-    if (!(slot.distance >= 0) || isBehind(slot.arrival.direction)) return 0;
+    if (!(slot.distance >= 0) || isBehind(slot.whole.direction)) return 0;
     ShadowRays rays;
     const bool blockable =
         rays.aim(shadowRay(), lights_->lights[light],
-                 {point_->position, slot.arrival.direction, slot.distance, &point_->normal});
+                 {point_->position, slot.whole.direction, slot.distance, &point_->normal});
     return blockable ? passing(rays) : 1;
 }
 

@@ -18,7 +18,7 @@ namespace tavora::studio {
 
 /// What one light brings to one place, shadows counted in.
 struct LightArrival {
-    bool lit = false;         ///< the light reaches the place; else the rest is unspecified
+    bool lit = false;         ///< the light reaches the place; else its colour is unspecified
     Imath::V3d direction{0};  ///< unit, the way the light travels
     Imath::V3d color{0};      ///< display-referred
 };
@@ -33,21 +33,16 @@ class LightArrivals {
     /// Both must outlive it.
     LightArrivals(const RayScene& scene, const LightRig& lights);
 
-    /// Forgets the sample before. `point` must outlive the sample. at() sets the
-    /// entry in `asked` of each light it is asked for.
-    void start(const SurfacePoint& point, std::span<std::uint8_t> asked) {
+    /// Forgets the sample before. `shares` of the lights are what is known to reach
+    /// the sample, by light, negative where that is not known; empty: nothing is.
+    /// at() sets the entry in `asked` of each light it is asked for. What is given
+    /// must outlive the sample.
+    void start(const SurfacePoint& point, std::uint8_t* asked, std::span<const double> shares) {
         point_ = &point;
         asked_ = asked;
+        shares_ = shares.empty() ? unknown_.data() : shares.data();
         path_ = nullptr;
         ++sample_;
-    }
-
-    /// After start(): shares of the lights, by light, that reach the sample; negative
-    /// where that is not known.
-    void know(std::span<const double> shares) {
-        for (std::size_t light = 0; light < shares.size(); ++light) {
-            if (shares[light] >= 0) settle(light, shares[light]);
-        }
     }
 
     /// After start(): what becomes known of the lights is kept at `place` of `path`.
@@ -65,10 +60,14 @@ class LightArrivals {
 
     /// The light at a place of LightRig::lights.
     const LightArrival& at(std::size_t light) {
-        asked_[light] = 1;
         Slot& slot = slots_[light];
         slot.askedAt = sample_;
-        if (slot.settledAt != sample_) settle(light, findShare(light));
+        asked_[light] = 1;
+        if (slot.metAt == kAlways) {
+            if (shares_[light] == 1) return slot.whole;
+            if (shares_[light] == 0) return kDark;
+        }
+        if (slot.settledAt != sample_) settle(light, shareOf(light));
         return slot.arrival;
     }
 
@@ -84,8 +83,8 @@ class LightArrivals {
 
   private:
     struct Slot {
-        LightArrival arrival;
-        Imath::V3d color{0};          ///< that arrives where nothing is in the way
+        LightArrival whole;           ///< where nothing is in the way
+        LightArrival arrival;         ///< once settled
         double distance = 0;          ///< to the light; negative where it is dark
         std::uint64_t metAt = 0;      ///< sample in which direction, colour and distance were found
         std::uint64_t settledAt = 0;  ///< sample in which the shadow was
@@ -94,6 +93,7 @@ class LightArrivals {
     };
     /// Directional lights are the same everywhere, and met for good.
     static constexpr std::uint64_t kAlways = std::numeric_limits<std::uint64_t>::max();
+    inline static constexpr LightArrival kDark{};
 
     const Slot& meet(std::size_t light) {
         Slot& slot = slots_[light];
@@ -102,12 +102,9 @@ class LightArrivals {
     }
     void meetAnew(std::size_t light);
     /// Once a sample.
-    void settle(std::size_t light, double share) {
-        Slot& slot = slots_[light];
-        slot.settledAt = sample_;
-        slot.share = share;
-        slot.arrival.lit = share > 0;
-        if (slot.arrival.lit) slot.arrival.color = meet(light).color * share;
+    void settle(std::size_t light, double share);
+    double shareOf(std::size_t light) {
+        return shares_[light] >= 0 ? shares_[light] : findShare(light);
     }
     double findShare(std::size_t light);
     KeptShare kept(std::size_t light) const;
@@ -120,7 +117,9 @@ class LightArrivals {
     const LightRig* lights_;
     std::vector<Slot> slots_;
     const SurfacePoint* point_ = nullptr;
-    std::span<std::uint8_t> asked_;
+    std::uint8_t* asked_ = nullptr;   ///< by light
+    const double* shares_ = nullptr;  ///< by light
+    std::vector<double> unknown_;     ///< shares of which nothing is known
     KeptPath* path_ = nullptr;
     KeptPath::Place place_ = KeptPath::kStart;
     Ray shadowRay_;  ///< from the sample

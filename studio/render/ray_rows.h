@@ -14,60 +14,43 @@ namespace tavora::studio {
 class RayRows {
   public:
     explicit RayRows(std::size_t room);
-
-    std::size_t room() const { return ids_.size(); }
+    RayRows(const RayRows&) = delete;
+    RayRows& operator=(const RayRows&) = delete;
 
     void set(std::size_t at, const Ray& ray) {
-        setStart(at, Imath::V3f(ray.origin), static_cast<float>(ray.nearest),
-                 static_cast<float>(ray.farthest));
+        setStart(at, Imath::V3f(ray.origin));
         setDirection(at, embreeDirection(ray.direction));
+        rows_.tnear[at] = static_cast<float>(ray.nearest);
+        rows_.tfar[at] = static_cast<float>(ray.farthest);
     }
-    void setStart(std::size_t at, const Imath::V3f& origin, float nearest, float farthest) {
-        float* const value = values_.data() + at;
-        value[kOriginX * room()] = origin.x;
-        value[kOriginY * room()] = origin.y;
-        value[kOriginZ * room()] = origin.z;
-        value[kNearest * room()] = nearest;
-        value[kFarthest * room()] = farthest;
+    void setStart(std::size_t at, const Imath::V3f& origin) {
+        rows_.org_x[at] = origin.x;
+        rows_.org_y[at] = origin.y;
+        rows_.org_z[at] = origin.z;
     }
-    /// `direction` as embreeDirection() gives it.
-    void setDirection(std::size_t at, const Imath::V3f& direction) {
-        float* const value = values_.data() + at;
-        value[kDirectionX * room()] = direction.x;
-        value[kDirectionY * room()] = direction.y;
-        value[kDirectionZ * room()] = direction.z;
-    }
-    /// setDirection() of the first `count` rays.
-    void setDirections(std::size_t count, const Imath::V3f& direction);
+    /// Turns the first `count` rays, whose starts are set, to one direction, without
+    /// end; `direction` as embreeDirection() gives it.
+    void turnToSky(std::size_t count, const Imath::V3f& direction);
 
-    /// Where the ray ends: where it starts out to, or what tracing made of it.
-    float farthest(std::size_t at) const { return values_[kFarthest * room() + at]; }
+    /// Where the ray ends: what was set, or what tracing made of it.
+    float farthest(std::size_t at) const { return rows_.tfar[at]; }
 
     /// The ray as Embree takes one alone.
     RTCRay alone(std::size_t at) const;
 
     /// For Embree, with the place of each ray as its `id`; valid while this lives.
-    RTCRayNp embree();
+    const RTCRayNp& embree() const { return rows_; }
 
   private:
-    enum Value : std::size_t {
-        kOriginX,
-        kOriginY,
-        kOriginZ,
-        kNearest,
-        kDirectionX,
-        kDirectionY,
-        kDirectionZ,
-        kFarthest,
-        kValues
-    };
-    float* row(Value value) { return values_.data() + value * room(); }
+    void setDirection(std::size_t at, const Imath::V3f& direction) {
+        rows_.dir_x[at] = direction.x;
+        rows_.dir_y[at] = direction.y;
+        rows_.dir_z[at] = direction.z;
+    }
 
-    std::vector<unsigned> ids_;
-    std::vector<unsigned> masks_;
-    std::vector<unsigned> flags_;
-    std::vector<float> times_;
-    std::vector<float> values_;  ///< row after row
+    std::vector<float> values_;    ///< row after row
+    std::vector<unsigned> words_;  ///< likewise
+    RTCRayNp rows_;                ///< into both
 };
 
 }  // namespace tavora::studio

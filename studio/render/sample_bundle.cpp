@@ -8,6 +8,11 @@ namespace {
 
 constexpr std::size_t kRoom = 128;
 
+/// Whether the polygon, too, faces away from a light which the normal does.
+bool isBehind(const SurfacePoint& point, const Imath::V3d& toLight) {
+    return !(toLight.dot(point.facet->normal) > 0);
+}
+
 /// Rays next to each other meet so many facets in turn.
 constexpr std::size_t kLookBack = 4;
 
@@ -23,7 +28,8 @@ SampleBundle::SampleBundle(const RayScene& scene, const LightRig& lights)
       shadows_(scene, kRoom),
       hits_(kRoom),
       met_(kRoom),
-      shares_(std::max<std::size_t>(kRoom * lights_, 1)) {
+      shares_(std::max<std::size_t>(kRoom * lights_, 1)),
+      going_(kRoom) {
     facets_.reserve(kRoom);
 }
 
@@ -39,11 +45,11 @@ void SampleBundle::trace(std::span<const Ray> rays, std::span<const KnownShadows
     for (std::size_t light = 0; light < lights_; ++light) {
         const LitLight& lit = rig_->lights[light];
         if (!lit.points.empty()) {
-            goToPoints(light, shader);
+            goToPoints(light);
         } else if (lit.light->kind == LightKind::Directional) {
-            goToSky(light, shader);
+            goToSky(light);
         } else {
-            goToMiddle(light, shader);
+            goToMiddle(light);
         }
     }
 }
@@ -69,7 +75,7 @@ void SampleBundle::findSurfaces(std::span<const Ray> rays) {
 const Facet& SampleBundle::facetFor(const Ray& ray, const HitKey& hit) {
     const std::size_t oldest = facets_.size() - std::min(facets_.size(), kLookBack);
     for (std::size_t i = facets_.size(); i-- > oldest;) {
-        if (!isSameFacet(facets_[i], *scene_, ray, hit)) continue;
+        if (!isSameFacet(facets_[i], ray, hit)) continue;
         if (facets_[i].eye == ray.origin) return facets_[i];
         Facet& facet = facets_.emplace_back(facets_[i]);
         setEye(ray.origin, facet);
@@ -86,61 +92,54 @@ void SampleBundle::findStations(std::span<const KnownShadows* const> known,
         if (surface == nullptr || !shader.takesLight(*surface)) continue;
         const SurfacePoint& point = surface->point;
         const HitKey& hit = surface->hit;
-        const ShadowOrigin origin = shadowOrigin(point);
-        stations_.push_back({origin, Imath::V3f(origin.position), point.normal,
-                             point.surfaceIndex(), static_cast<std::uint32_t>(i),
-                             known[i] != nullptr ? known[i]->at(hit.mesh, hit.distance) : nullptr});
+        Station& station = stations_.emplace_back();
+        station.origin = shadowOrigin(point);
+        station.start = Imath::V3f(station.origin.position);
+        station.viewing = static_cast<std::uint32_t>(i);
+        station.point = &point;
+        station.asked = shader.askedLights(point.surfaceIndex());
+        station.known = known[i] != nullptr ? known[i]->at(hit.mesh, hit.distance) : nullptr;
     }
 }
 
-/// Whether the polygon, too, faces away from a light which the normal does.
-bool SampleBundle::isBehind(const Station& station, const Imath::V3d& toLight) const {
-    return !(toLight.dot(met_[station.viewing].point.facet->normal) > 0);
-}
-
 /// One ray from each station that faces a directional light without a size.
-void SampleBundle::goToSky(std::size_t light, const SampleShader& shader) {
+void SampleBundle::goToSky(std::size_t light) {
     shadows_.clear();
-    going_.clear();
     const Imath::V3d toLight = -rig_->lights[light].light->direction;
     for (const Station& station : stations_) {
         const double known = knownShare(station, light);
-        if (known < 0 && !shader.asksFor(station.surface, light)) continue;
-        if (!(toLight.dot(station.normal) > 0)) {
-            if (isBehind(station, toLight)) share(station.viewing, light) = 0;
-            continue;
-        }
-        if (known >= 0) {
+        if (known < 0 && station.asked[light] == 0) continue;
+        if (!(toLight.dot(station.point->normal) > 0)) {
+            if (isBehind(*station.point, toLight)) share(station.viewing, light) = 0;
+        } else if (known >= 0) {
             share(station.viewing, light) = known;
-            continue;
+        } else {
+            going_[shadows_.count()] = station.viewing;
+            shadows_.addToSky(station.origin, station.start);
         }
-        shadows_.addToSky(station.origin, station.start);
-        going_.push_back(station.viewing);
     }
     settle(light, shadows_.traceToSky(toLight));
 }
 
 /// One ray from each station that faces a light without a size which has a place.
-void SampleBundle::goToMiddle(std::size_t light, const SampleShader& shader) {
+void SampleBundle::goToMiddle(std::size_t light) {
     shadows_.clear();
-    going_.clear();
     LitPlace place;
     for (const Station& station : stations_) {
-        if (!isToSettle(station, light, shader, place)) continue;
+        if (!isToSettle(station, light, place)) continue;
         Ray ray = station.origin.ray();
         if (!turnToMiddle(place, ray)) continue;
+        going_[shadows_.count()] = station.viewing;
         shadows_.add(ray);
-        going_.push_back(station.viewing);
     }
     settle(light, shadows_.trace());
 }
 
 /// Whether shadow rays have to tell what of the light reaches the station, where
 /// it is asked for; says it, where that is known without.
-bool SampleBundle::isToSettle(const Station& station, std::size_t light, const SampleShader& shader,
-                              LitPlace& place) {
+bool SampleBundle::isToSettle(const Station& station, std::size_t light, LitPlace& place) {
     const double known = knownShare(station, light);
-    if (known < 0 && !shader.asksFor(station.surface, light)) return false;
+    if (known < 0 && station.asked[light] == 0) return false;
     if (!isReached(station, rig_->lights[light], place)) return false;
     if (known >= 0) share(station.viewing, light) = known;
     return known < 0;
@@ -149,10 +148,10 @@ bool SampleBundle::isToSettle(const Station& station, std::size_t light, const S
 /// Whether the light, shadows aside, shines on the side that is seen.
 bool SampleBundle::isReached(const Station& station, const LitLight& lit, LitPlace& place) const {
     Imath::V3d color;
-    place.position = met_[station.viewing].point.position;
+    place.position = station.point->position;
     place.distance = arrivingLight(*rig_, lit, place.position, place.direction, color);
-    place.facing = &station.normal;
-    return place.distance >= 0 && -place.direction.dot(station.normal) > 0;
+    place.facing = &station.point->normal;
+    return place.distance >= 0 && -place.direction.dot(station.point->normal) > 0;
 }
 
 /// `passed` along the ray to the light from each station that goes.
@@ -162,13 +161,13 @@ void SampleBundle::settle(std::size_t light, std::span<const double> passed) {
         share(going_[i], light) = passed[i];
 }
 
-void SampleBundle::goToPoints(std::size_t light, const SampleShader& shader) {
+void SampleBundle::goToPoints(std::size_t light) {
     ways_.clear();
     const LitLight& lit = rig_->lights[light];
     Way way;
     LitPlace place;
     for (const Station& station : stations_) {
-        if (!isToSettle(station, light, shader, place)) continue;
+        if (!isToSettle(station, light, place)) continue;
         way.viewing = station.viewing;
         if (way.rays.aim(station.origin.ray(), lit, place)) ways_.push_back(way);
     }
@@ -182,12 +181,11 @@ void SampleBundle::goToPoints(std::size_t light, const SampleShader& shader) {
 /// the same place in the light.
 bool SampleBundle::stepToPoints() {
     shadows_.clear();
-    going_.clear();
     Ray ray;
     for (std::size_t i = 0; i < ways_.size(); ++i) {
         if (!ways_[i].rays.next(ray)) continue;
+        going_[shadows_.count()] = static_cast<std::uint32_t>(i);
         shadows_.add(ray);
-        going_.push_back(static_cast<std::uint32_t>(i));
     }
     const std::span<const double> passed = shadows_.trace();
     shadowRays_ += passed.size();

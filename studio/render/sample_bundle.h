@@ -45,12 +45,12 @@ class SampleBundle {
   private:
     /// Where a viewing ray ends, and takes light.
     struct Station {
-        ShadowOrigin origin;  ///< of shadow rays from there
-        Imath::V3f start;     ///< the same place in single precision
-        Imath::V3d normal;
-        int surface;
-        std::uint32_t viewing;   ///< where the viewing ray stands
-        const LightsMet* known;  ///< of the lights there, or null
+        ShadowOrigin origin;    ///< of shadow rays from there
+        Imath::V3f start;       ///< the same place in single precision
+        std::uint32_t viewing;  ///< where the viewing ray stands
+        const SurfacePoint* point;
+        const std::uint8_t* asked;  ///< by light, whether the surface's shader asks for it
+        const LightsMet* known;     ///< of the lights there, or null
     };
     /// The ways from a station to one light with a size.
     struct Way {
@@ -60,13 +60,11 @@ class SampleBundle {
     void findSurfaces(std::span<const Ray> rays);
     const Facet& facetFor(const Ray& ray, const HitKey& hit);
     void findStations(std::span<const KnownShadows* const> known, const SampleShader& shader);
-    void goToSky(std::size_t light, const SampleShader& shader);
-    void goToMiddle(std::size_t light, const SampleShader& shader);
-    void goToPoints(std::size_t light, const SampleShader& shader);
-    bool isToSettle(const Station& station, std::size_t light, const SampleShader& shader,
-                    LitPlace& place);
+    void goToSky(std::size_t light);
+    void goToMiddle(std::size_t light);
+    void goToPoints(std::size_t light);
+    bool isToSettle(const Station& station, std::size_t light, LitPlace& place);
     bool isReached(const Station& station, const LitLight& lit, LitPlace& place) const;
-    bool isBehind(const Station& station, const Imath::V3d& toLight) const;
     bool stepToPoints();
     void settle(std::size_t light, std::span<const double> passed);
     /// Share of the light that is known to pass there; negative where it is not.
@@ -87,7 +85,7 @@ class SampleBundle {
     std::vector<MetSurface> met_;
     std::vector<double> shares_;  ///< by ray and light
     std::vector<Station> stations_;
-    std::vector<std::uint32_t> going_;  ///< viewing rays, or ways, of the shadow rays
+    std::vector<std::uint32_t> going_;  ///< viewing rays, or ways, of the shadow rays added
     std::vector<Way> ways_;
     std::uint64_t viewingRays_ = 0;
     std::uint64_t shadowRays_ = 0;

@@ -38,21 +38,6 @@ void fillIdentities(const RayScene& scene, const Facet& facet, HostSample& recor
     record.polygonId = scene.index().polygonId(key.geometry->number, key.triangle);
 }
 
-void fillSight(const SurfacePoint& point, const Viewpoint& from, HostSample& record) {
-    record.spotSize = point.spotSize;
-    fill(from.position, record.raySource);
-    record.rayLength = (point.position - from.position).length();
-    record.cosine = std::clamp(-from.direction.dot(point.normal), 0.0, 1.0);
-}
-
-void fillValues(const SampleValues& values, HostSample& record) {
-    fill(values.color, record.color);
-    record.luminosity = values.luminosity;
-    record.diffuse = values.diffuse;
-    record.specular = values.specular;
-    record.transparency = values.transparency;
-}
-
 /// Nothing is NaN or infinite: these times 0 are NaN, all else times 0 is 0.
 bool isSound(const SampleValues& values) {
     const Imath::V3d& color = values.color;
@@ -76,18 +61,20 @@ void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record) {
     record.bumpHeight = 0;
 }
 
-void fillPoint(const SurfacePoint& point, const Viewpoint& from, const SampleValues& values,
+void fillPoint(const SurfacePoint& point, const Viewpoint& from, double distance,
                HostSample& record) {
     fill(toObject(*point.facet->key.geometry, point.position), record.objectPosition);
     fill(point.position, record.worldPosition);
     fill(point.normal, record.worldNormal);
     for (std::size_t i = 0; i < 3; ++i)
         record.vertexWeights[i] = static_cast<float>(point.weights[i]);
-    fillSight(point, from, record);
-    fillValues(values, record);
+    record.spotSize = point.spotSize;
+    fill(from.position, record.raySource);
+    record.rayLength = distance;
+    record.cosine = std::clamp(-from.direction.dot(point.normal), 0.0, 1.0);
 }
 
-void takeBack(unsigned flags, HostSample& record, SampleValues& values) {
+void takeBack(unsigned flags, const HostSample& record, SampleValues& values) {
     if ((flags & HOST_SHADER_COLOR) != 0)
         values.color = {record.color[0], record.color[1], record.color[2]};
     if ((flags & HOST_SHADER_LUMINOUS) != 0) values.luminosity = record.luminosity;
@@ -97,7 +84,6 @@ void takeBack(unsigned flags, HostSample& record, SampleValues& values) {
     // Black as a whole: one broken channel would leave a false colour.
     if (!isSound(values)) values = {Imath::V3d(0), 0, 0, 0, values.transparency};
     values.transparency = std::clamp(finiteOr(values.transparency, 0), 0.0, 1.0);
-    fillValues(values, record);
 }
 
 }  // namespace tavora::studio

@@ -24,12 +24,23 @@ struct SampleValues {
 /// Fills the fields of `record` that all samples on a facet share.
 void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record);
 
-/// Fills all others but the callbacks.
-void fillPoint(const SurfacePoint& point, const Viewpoint& from, const SampleValues& values,
+/// Fills those that say where it is and how it is seen, from `distance` away.
+void fillPoint(const SurfacePoint& point, const Viewpoint& from, double distance,
                HostSample& record);
 
+/// Fills what a shader may change.
+inline void fillValues(const SampleValues& values, HostSample& record) {
+    record.color[0] = values.color.x;
+    record.color[1] = values.color.y;
+    record.color[2] = values.color.z;
+    record.luminosity = values.luminosity;
+    record.diffuse = values.diffuse;
+    record.specular = values.specular;
+    record.transparency = values.transparency;
+}
+
 /// Takes from a shader's work in `record` what its `flags` name into `values`, and
-/// no value that is not a number or infinite. The record then holds the same.
-void takeBack(unsigned flags, HostSample& record, SampleValues& values);
+/// no value that is not a number or infinite.
+void takeBack(unsigned flags, const HostSample& record, SampleValues& values);
 
 }  // namespace tavora::studio

@@ -34,9 +34,9 @@ int answer(const LightArrival& arrival, double direction[3], double color[3]) {
 
 /// Seldom asked for: apart, so that answer() costs no room for it.
 [[gnu::noinline]] int answerElsewhere(LightArrivals& lights, std::size_t light,
-                                      const Imath::V3d& position, double direction[3],
+                                      const double position[3], double direction[3],
                                       double color[3]) {
-    return answer(lights.elsewhere(light, position), direction, color);
+    return answer(lights.elsewhere(light, vector(position)), direction, color);
 }
 
 /// The last ray that a sample's shader traced. Shaders may ask for the same
@@ -75,12 +75,6 @@ struct SampleShader::Level {
 
 namespace {
 
-/// The own colour there, if it is the same all over the mesh; else null.
-const OwnColor* evenColor(const RayScene& scene, const SurfacePoint& point) {
-    const SurfaceTraits& traits = scene.traits(point.surfaceIndex());
-    return traits.isEven && point.source().mesh->colors.empty() ? &traits.even : nullptr;
-}
-
 OwnColor ownColorAt(const RayScene& scene, const SurfacePoint& point) {
     return ownColor(scene.index(), scene.traits(point.surfaceIndex()), point.texturePlace());
 }
@@ -89,8 +83,7 @@ OwnColor ownColorAt(const RayScene& scene, const SurfacePoint& point) {
 
 bool meet(const RayScene& scene, const Facet& facet, const Ray& ray, MetSurface& met) {
     setSurfacePoint(facet, ray, met.point);
-    const OwnColor* even = evenColor(scene, met.point);
-    met.own = even != nullptr ? *even : ownColorAt(scene, met.point);
+    met.own = facet.even != nullptr ? *facet.even : ownColorAt(scene, met.point);
     return met.own.alpha > 0;
 }
 
@@ -102,6 +95,7 @@ SampleShader::SampleShader(const RayScene& scene, const LightRig& lights,
       asked_(scene.index().scene().surfaces.size() * lights.lights.size()) {
     for (std::size_t depth = 0; depth <= kDeepestTrace; ++depth)
         levels_.push_back(std::make_unique<Level>(scene, lights));
+    level_ = levels_.front().get();
 }
 
 SampleShader::~SampleShader() = default;
@@ -174,7 +168,7 @@ bool SampleShader::findVisible(Level& level, HitKey after) {
 
 OwnColor SampleShader::findOwnColor(const Level& level) {
     const SurfacePoint& point = level.found.point;
-    if (const OwnColor* even = evenColor(*scene_, point)) return *even;
+    if (level.facet.even != nullptr) return *level.facet.even;
     if (!level.onPath) return ownColorAt(*scene_, point);
     if (const OwnColor* kept = path_.ownColor(level.place)) return *kept;
     OwnColor own = ownColorAt(*scene_, point);
@@ -192,8 +186,7 @@ Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<co
     const OwnColor& own = level.met->own;
     SampleValues values{own.color, own.luminosity, own.diffuse,
                         active.shader != nullptr ? traits.specular : 0, 1 - own.alpha};
-    level.lights.start(point, {asked_.data() + firstAsked(surface), lights_->lights.size()});
-    level.lights.know(shares);
+    level.lights.start(point, asked_.data() + firstAsked(surface), shares);
     if (level.onPath) level.lights.keep(path_, level.place);
     fill(level, from, values, record);
     if (active.shader != nullptr) evaluate(level, active, record, values);
@@ -217,7 +210,11 @@ void SampleShader::fill(Level& level, const Viewpoint& from, const SampleValues&
         record.illuminate = illuminate;
         record.traceAndShade = traceAndShade;
     }
-    fillPoint(level.met->point, from, values, record);
+    const SurfacePoint& point = level.met->point;
+    const bool isView = from.position == level.ray->origin;
+    fillPoint(point, from, isView ? point.distance : (point.position - from.position).length(),
+              record);
+    fillValues(values, record);
 }
 
 void SampleShader::evaluate(Level& level, const ActiveShader& active, HostSample& record,
@@ -229,18 +226,21 @@ void SampleShader::evaluate(Level& level, const ActiveShader& active, HostSample
     ++evaluations_;
     active.shader->evaluate(record);
     takeBack(active.flags, record, values);
+    // Shaders see what came of the samples that they traced.
+    if (&record != &level.record) fillValues(values, record);
 }
 
 int SampleShader::illuminate(HostItemId light, const double position[3], double direction[3],
                              double color[3]) {
-    Level& level = *working->levels_[working->depth_];
+    Level& level = *working->level_;
     const std::ptrdiff_t index = lightIndex(*working->lights_, light);
     if (index < 0) return 0;
     const auto number = static_cast<std::size_t>(index);
-    if (vector(position) == level.met->point.position) {
-        return answer(level.lights.at(number), direction, color);
+    const Imath::V3d& here = level.met->point.position;
+    if (position[0] != here.x || position[1] != here.y || position[2] != here.z) {
+        return answerElsewhere(level.lights, number, position, direction, color);
     }
-    return answerElsewhere(level.lights, number, vector(position), direction, color);
+    return answer(level.lights.at(number), direction, color);
 }
 
 double SampleShader::traceAndShade(const double position[3], const double direction[3],
@@ -252,16 +252,16 @@ double SampleShader::traceAndShade(const double position[3], const double direct
 }
 
 double SampleShader::trace(const Viewpoint& from, HostSample& hit) {
-    Level& outer = *levels_[depth_];
+    Level& outer = *level_;
     if (!outer.mayTrace || depth_ >= kDeepestTrace) return -1;
     Traced& traced = outer.lastTraced;
     const bool known = traced.valid && traced.from.position == from.position &&
                        traced.from.direction == from.direction;
     if (!known) {
         traced.from = from;
-        ++depth_;
+        level_ = levels_[++depth_].get();
         traced.distance = traceAnew(outer, from, traced.hit);
-        --depth_;
+        level_ = levels_[--depth_].get();
         traced.valid = true;
     }
     if (traced.distance >= 0) hit = traced.hit;
@@ -270,7 +270,7 @@ double SampleShader::trace(const Viewpoint& from, HostSample& hit) {
 }
 
 double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSample& hit) {
-    Level& level = *levels_[depth_];
+    Level& level = *level_;
     HitKey after;
     if (from.position == outer.met->point.position &&
         isSameDirection(from.direction, outer.ray->direction)) {
@@ -291,7 +291,7 @@ double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSa
     }
     if (!findVisible(level, after)) return -1;
     copyTo(hit.color, shade(level, from, {}, hit).color);
-    return (level.met->point.position - from.position).length();
+    return hit.rayLength;
 }
 
 }  // namespace tavora::studio

@@ -70,10 +70,10 @@ class SampleShader {
         return met.own.diffuse != 0 || shaders_->of(met.point.surfaceIndex()).shader != nullptr;
     }
 
-    /// Whether samples of the surface asked for the light so far, so that the next
+    /// By light, 1 where samples of the surface asked for it so far, so that the next
     /// is likely to: shaders that work with a few of many lights name theirs.
-    bool asksFor(int surface, std::size_t light) const {
-        return asked_[firstAsked(surface) + light] != 0;
+    const std::uint8_t* askedLights(int surface) const {
+        return asked_.data() + firstAsked(surface);
     }
 
     /// What the last shadeNext() that found something asked of the lights, or
@@ -121,6 +121,7 @@ class SampleShader {
     const LaneShaders* shaders_;
     std::vector<std::unique_ptr<Level>> levels_;  ///< the camera's sample, then nested ones
     std::size_t depth_ = 0;                       ///< of the sample being shaded
+    Level* level_ = nullptr;                      ///< there
     KeptPath path_;                               ///< of the camera's sample
     SurfaceSet shaded_;
     std::vector<std::uint8_t> asked_;  ///< by surface and light: whether ever

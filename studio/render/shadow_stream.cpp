@@ -5,8 +5,8 @@ namespace tavora::studio {
 std::span<const double> ShadowStream::trace() {
     RayContext context = rayContext(*scene_, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.shadows = progress_.data();
-    const RTCRayNp rays = rays_.embree();
-    rtcOccludedNp(scene_->embree(), &context.embree, &rays, static_cast<unsigned>(count_));
+    rtcOccludedNp(scene_->embree(), &context.embree, &rays_.embree(),
+                  static_cast<unsigned>(count_));
     for (std::size_t i = 0; i < count_; ++i)
         shares_[i] = isStoppedAt(rays_.farthest(i)) ? 0 : 1;
     if (scene_->judgesShadows()) judge();
@@ -23,7 +23,7 @@ void ShadowStream::judge() {
 }
 
 std::span<const double> ShadowStream::traceToSky(const Imath::V3d& direction) {
-    rays_.setDirections(count_, embreeDirection(direction));
+    rays_.turnToSky(count_, embreeDirection(direction));
     return trace();
 }
 

@@ -3,7 +3,6 @@
 #include <ImathVec.h>
 #include <cstddef>
 #include <embree3/rtcore.h>
-#include <limits>
 #include <span>
 #include <vector>
 
@@ -24,6 +23,7 @@ class ShadowStream {
 
     /// Makes it empty.
     void clear() { count_ = 0; }
+    std::size_t count() const { return count_; }
 
     void add(const Ray& ray) {
         rays_.set(count_, ray);
@@ -33,7 +33,7 @@ class ShadowStream {
     /// Adds a ray without end whose direction is to be given to traceToSky().
     /// `start` is the origin's place as Embree takes it.
     void addToSky(const ShadowOrigin& origin, const Imath::V3f& start) {
-        rays_.setStart(count_, start, 0, std::numeric_limits<float>::infinity());
+        rays_.setStart(count_, start);
         begin(origin.spot, 0, origin.spared);
     }
 

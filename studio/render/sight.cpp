@@ -61,11 +61,16 @@ Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>&
 void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
              std::span<const double> shares, const std::optional<Imath::V3d>& background,
              bool notesLights, ViewSample& sample) {
-    Layers layers(sample.sight);
-    HitKey hit = met.hit;
-    sample.first = firstSurface(hit, met.point);
-    layers.add(shader.shadeMet(ray, met, shares));
+    sample.first = firstSurface(met.hit, met.point);
+    const Appearance first = shader.shadeMet(ray, met, shares);
     if (notesLights) sample.lights = shader.lightsMet();
+    if (first.transparency == 0) {
+        sample.sight = {first.color, 1};
+        return;
+    }
+    Layers layers(sample.sight);
+    layers.add(first);
+    HitKey hit = met.hit;
     for (Appearance surface; !layers.hide() && shader.shadeNext(ray, hit, hit, surface);)
         layers.add(surface);
     layers.lieOver(background);

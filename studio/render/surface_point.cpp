@@ -41,9 +41,8 @@ void setSurfacePoint(const Facet& facet, const Ray& ray, SurfacePoint& point) {
     point.facet = &facet;
     setWeights(facet, ray.direction, point.weights);
     point.position = blend(facet.corners, point.weights);
-    point.normal = facet.source().mesh->smooth
-                       ? unitOr(blend(facet.cornerNormals, point.weights), facet.normal)
-                       : facet.normal;
+    point.normal = facet.isSmooth ? unitOr(blend(facet.cornerNormals, point.weights), facet.normal)
+                                  : facet.normal;
     point.distance = (point.position - ray.origin).length();
     point.spotSize = ray.spotAt(point.distance);
 }
@@ -52,7 +51,7 @@ Imath::V3d shadowStart(const SurfacePoint& point) {
     const Facet& facet = *point.facet;
     const double magnitude = std::max(magnitudeOf(point.position), facet.magnitude);
     const Imath::V3d start = point.position + facet.normal * roundingMargin(magnitude);
-    if (!facet.source().mesh->smooth) return start;
+    if (!facet.isSmooth) return start;
     Imath::V3d lift(0);
     for (std::size_t i = 0; i < 3; ++i) {
         const Imath::V3d& normal = facet.cornerNormals[i];

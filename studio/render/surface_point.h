@@ -18,7 +18,7 @@ struct SurfacePoint {
     double spotSize = 0;
 
     const SceneMesh& source() const { return facet->source(); }
-    int surfaceIndex() const { return facet->surfaceIndex(); }
+    int surfaceIndex() const { return facet->surface; }
     TexturePlace texturePlace() const;
 };
 

@@ -14,12 +14,21 @@ class View {
 
     /// `x` to the right and `y` down, in pixels from the upper left corner.
     Ray rayThrough(double x, double y) const {
-        const Imath::V3d across = corner_ + right_ * x + down_ * y;
         Ray ray;
-        ray.origin = orthographic_ ? eye_ + across : eye_;
-        ray.direction = orthographic_ ? forward_ : (forward_ + across).normalized();
+        ray.origin = eye_;
+        ray.direction = forward_;
         (orthographic_ ? ray.spot : ray.spread) = footprint_;
+        aim(x, y, ray);
         return ray;
+    }
+    /// Makes `ray`, which rayThrough() gave, that through another place.
+    void aim(double x, double y, Ray& ray) const {
+        const Imath::V3d across = corner_ + right_ * x + down_ * y;
+        if (orthographic_) {
+            ray.origin = eye_ + across;
+        } else {
+            ray.direction = (forward_ + across).normalized();
+        }
     }
 
   private:

@@ -10,7 +10,7 @@ ViewSampler::ViewSampler(const RayScene& scene, const LightRig& lights, const La
       background_(&background),
       shader_(scene, lights, shaders),
       bundle_(scene, lights),
-      rays_(bundle_.room()),
+      rays_(bundle_.room(), view.rayThrough(0, 0)),
       known_(bundle_.room()) {}
 
 void ViewSampler::look(std::span<const ViewPlace> places, std::span<ViewSample> samples,
@@ -25,7 +25,7 @@ void ViewSampler::look(std::span<const ViewPlace> places, std::span<ViewSample> 
 void ViewSampler::lookTogether(std::span<const ViewPlace> places, std::span<ViewSample> samples,
                                bool notesLights) {
     for (std::size_t i = 0; i < places.size(); ++i) {
-        rays_[i] = view_->rayThrough(places[i].at.x, places[i].at.y);
+        view_->aim(places[i].at.x, places[i].at.y, rays_[i]);
         known_[i] = places[i].known;
     }
     bundle_.trace({rays_.data(), places.size()}, known_, shader_);

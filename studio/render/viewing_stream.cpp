@@ -14,7 +14,8 @@ bool ViewingStream::isNearEdge(std::size_t at) const {
 void ViewingStream::start(std::span<const Ray> rays) {
     for (std::size_t i = 0; i < rays.size(); ++i) {
         rays_.set(i, rays[i]);
-        progress_[i] = {&rays[i]};
+        progress_[i].ray = &rays[i];
+        progress_[i].best = ViewingProgress{}.best;
     }
     std::fill_n(meshes_.begin(), rays.size(), RTC_INVALID_GEOMETRY_ID);
 }
