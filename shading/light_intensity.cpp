@@ -1,5 +1,6 @@
 #include "shading/light_intensity.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -22,46 +23,52 @@ void ambientColor(double color[3]) {
     if (lightinfo != nullptr) lightinfo->ambient(currentTime, color);
 }
 
-/// Adds one light to `sum` and `colorIllum`. False when it does not reach the
-/// sample at all.
-bool addLight(HostItemId light, const HostSample* sample, double& sum) {
+/// What the lights bring, as far as they were asked.
+struct LightSum {
+    double intensity = 0.0;
+    double color[3] = {0.0, 0.0, 0.0};
+
+    void add(double share, const double light[3]) {
+        intensity += share;
+        for (int i = 0; i < 3; ++i)
+            color[i] += light[i];
+    }
+};
+
+/// Adds one light. False when the walk needs no more: it reaches the sample, and
+/// the sum is above 1.
+[[gnu::always_inline]] inline bool addLight(HostItemId light, const HostSample* sample,
+                                            LightSum& sum) {
     double direction[3];
     double color[3];
-    if (sample->illuminate(light, sample->worldPosition, direction, color) == 0) return false;
+    if (sample->illuminate(light, sample->worldPosition, direction, color) == 0) return true;
     const double cosine = ddot(direction, sample->worldNormal);
     // Edge-on (0) still gives its colour; behind, or not a number, does not.
-    if (!(cosine <= 0.0)) return true;
-    sum += -cosine * (color[0] + color[1] + color[2]) / 3.0;
-    for (int i = 0; i < 3; ++i)
-        colorIllum[i] += color[i];
-    return true;
+    if (cosine <= 0.0) sum.add(-cosine * (color[0] + color[1] + color[2]) / 3.0, color);
+    return !(sum.intensity > 1.0);
 }
 
-double sumAllLights(const HostSample* sample, SceneLights& lights) {
-    ambientColor(colorIllum);
-    double sum = mean(colorIllum);
-    lights.each([&](HostItemId light) { return !addLight(light, sample, sum) || !(sum > 1.0); });
+void addAmbient(LightSum& sum) {
+    double ambient[3];
+    ambientColor(ambient);
+    sum.add(mean(ambient), ambient);
+}
+
+LightSum sumAllLights(const HostSample* sample, SceneLights& lights) {
+    LightSum sum;
+    ambientColor(sum.color);
+    sum.intensity = mean(sum.color);
+    lights.each([&](HostItemId light) { return addLight(light, sample, sum); });
     return sum;
 }
 
-void addAmbient(double& sum) {
-    double ambient[3];
-    ambientColor(ambient);
-    sum += mean(ambient);
-    for (int i = 0; i < 3; ++i)
-        colorIllum[i] += ambient[i];
-}
-
-double sumChosenLights(ShaderInstance* instance, const HostSample* sample, SceneLights& lights) {
-    double sum = 0.0;
-    for (double& channel : colorIllum)
-        channel = 0.0;
+LightSum sumChosenLights(ShaderInstance* instance, const HostSample* sample, SceneLights& lights) {
+    LightSum sum;
     LightEntry*& cursor = instance->lightCursor;
     for (; cursor != nullptr; cursor = cursor->next) {
         if (std::strcmp(cursor->name, "Ambient") == 0) addAmbient(sum);
-        lights.eachNamed(cursor->name, [&](HostItemId light) {
-            return !addLight(light, sample, sum) || !(sum > 1.0);
-        });
+        lights.eachNamed(cursor->name,
+                         [&](HostItemId light) { return addLight(light, sample, sum); });
     }
     return sum;
 }
@@ -83,9 +90,10 @@ double throughPowerCurve(double sum, int lightPower) {
 
 double cb_lightIntensity(ShaderInstance* instance, const HostSample* sample, SceneLights& lights) {
     instance->lightCursor = instance->lightList;
-    const double sum = instance->useAllLights != 0 ? sumAllLights(sample, lights)
-                                                   : sumChosenLights(instance, sample, lights);
-    const double intensity = throughPowerCurve(sum, instance->lightPower);
+    const LightSum sum = instance->useAllLights != 0 ? sumAllLights(sample, lights)
+                                                     : sumChosenLights(instance, sample, lights);
+    std::copy_n(sum.color, 3, colorIllum);
+    const double intensity = throughPowerCurve(sum.intensity, instance->lightPower);
     return intensity < 1.0 ? intensity : 1.0;
 }
 

@@ -30,6 +30,12 @@ double LightArrivals::cosine(std::size_t light) {
     return slot.distance >= 0 ? -slot.whole.direction.dot(point_->normal) : 0;
 }
 
+const LightArrival& LightArrivals::workedOut(std::size_t light) {
+    const Slot& slot = slots_[light];
+    if (slot.settledAt != sample_) settle(light, shareOf(light));
+    return slot.arrival;
+}
+
 void LightArrivals::settle(std::size_t light, double share) {
     const LightArrival& whole = meet(light).whole;
     Slot& slot = slots_[light];

@@ -60,16 +60,19 @@ class LightArrivals {
 
     /// The light at a place of LightRig::lights.
     const LightArrival& at(std::size_t light) {
+        const LightArrival* arrival = atOnce(light);
+        return arrival != nullptr ? *arrival : workedOut(light);
+    }
+    /// at() where it is known without work; else null, and workedOut() is at().
+    const LightArrival* atOnce(std::size_t light) {
         Slot& slot = slots_[light];
         slot.askedAt = sample_;
         asked_[light] = 1;
-        if (slot.metAt == kAlways) {
-            if (shares_[light] == 1) return slot.whole;
-            if (shares_[light] == 0) return kDark;
-        }
-        if (slot.settledAt != sample_) settle(light, shareOf(light));
-        return slot.arrival;
+        if (slot.metAt != kAlways) return nullptr;
+        if (shares_[light] == 1) return &slot.whole;
+        return shares_[light] == 0 ? &kDark : nullptr;
     }
+    const LightArrival& workedOut(std::size_t light);
 
     /// Of the lights that the sample was asked for, what of them reaches it: this
     /// depends on nothing but the sample.

@@ -73,11 +73,11 @@ void SampleBundle::findSurfaces(std::span<const Ray> rays) {
 
 /// That of a ray shortly before, if it is the same.
 const Facet& SampleBundle::facetFor(const Ray& ray, const HitKey& hit) {
-    const std::size_t oldest = facets_.size() - std::min(facets_.size(), kLookBack);
-    for (std::size_t i = facets_.size(); i-- > oldest;) {
-        if (!isSameFacet(facets_[i], ray, hit)) continue;
-        if (facets_[i].eye == ray.origin) return facets_[i];
-        Facet& facet = facets_.emplace_back(facets_[i]);
+    std::size_t looks = kLookBack;
+    for (auto before = facets_.rbegin(); before != facets_.rend() && looks-- > 0; ++before) {
+        if (!isSameFacet(*before, ray, hit)) continue;
+        if (before->eye == ray.origin) return *before;
+        Facet& facet = facets_.emplace_back(*before);
         setEye(ray.origin, facet);
         return facet;
     }

@@ -32,7 +32,12 @@ int answer(const LightArrival& arrival, double direction[3], double color[3]) {
     return 1;
 }
 
-/// Seldom asked for: apart, so that answer() costs no room for it.
+/// Apart, as is the next, so that the usual answer costs no room for them.
+[[gnu::noinline]] int answerWorkedOut(LightArrivals& lights, std::size_t light, double direction[3],
+                                      double color[3]) {
+    return answer(lights.workedOut(light), direction, color);
+}
+
 [[gnu::noinline]] int answerElsewhere(LightArrivals& lights, std::size_t light,
                                       const double position[3], double direction[3],
                                       double color[3]) {
@@ -240,7 +245,9 @@ int SampleShader::illuminate(HostItemId light, const double position[3], double 
     if (position[0] != here.x || position[1] != here.y || position[2] != here.z) {
         return answerElsewhere(level.lights, number, position, direction, color);
     }
-    return answer(level.lights.at(number), direction, color);
+    const LightArrival* arrival = level.lights.atOnce(number);
+    if (arrival == nullptr) return answerWorkedOut(level.lights, number, direction, color);
+    return answer(*arrival, direction, color);
 }
 
 double SampleShader::traceAndShade(const double position[3], const double direction[3],
