@@ -1,7 +1,11 @@
 #include "studio/render/refinement.h"
 
 #include <algorithm>
+#include <bit>
 #include <cmath>
+#include <memory>
+#include <new>
+#include <type_traits>
 
 namespace tavora::studio {
 namespace {
@@ -14,24 +18,23 @@ constexpr int kAcrossSurfaces = 2;
 /// Cosine of the angle between normals that makes a crease.
 constexpr float kCrease = 0.9F;
 
-std::array<std::uint8_t, 4> levelsOf(const Sight& sight) {
-    const auto level = [](double value) {
-        return static_cast<std::uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + 0.5);
-    };
-    return {level(sight.color.x), level(sight.color.y), level(sight.color.z), level(sight.alpha)};
-}
-
-void widen(PixelState& pixel, const std::array<std::uint8_t, 4>& levels) {
+void widen(PixelState& pixel, const SeenLevels& levels) {
     for (std::size_t i = 0; i < 4; ++i) {
         pixel.least[i] = std::min(pixel.least[i], levels[i]);
         pixel.most[i] = std::max(pixel.most[i], levels[i]);
     }
 }
 
+/// To compare in one go.
+std::uint32_t asWord(const SeenLevels& levels) {
+    return std::bit_cast<std::uint32_t>(levels);
+}
+
 /// How far what both show lies apart at most.
 int distance(const PixelState& a, const PixelState& b) {
     // Most pixels of a picture lie within a zone.
-    if (a.least == b.least && a.most == b.most && a.least == a.most) return 0;
+    const std::uint32_t level = asWord(a.least);
+    if (level == asWord(b.least) && level == asWord(a.most) && level == asWord(b.most)) return 0;
     int largest = 0;
     for (std::size_t i = 0; i < 4; ++i) {
         const int least = std::min(a.least[i], b.least[i]);
@@ -44,8 +47,8 @@ int toleranceOf(const PixelState& a, const PixelState& b) {
     return a.mixed || b.mixed || a.mesh() != b.mesh() ? kAcrossSurfaces : kOnOneSurface;
 }
 
-bool isCrease(const FirstSurface& a, const FirstSurface& b) {
-    return a.mesh != b.mesh || a.normal.dot(b.normal) < kCrease;
+bool isCrease(const PixelState& pixel, const FirstSurface& other) {
+    return other.mesh != pixel.mesh() || other.normal.dot(pixel.normal) < kCrease;
 }
 
 /// The part of `whole` within `by` pixels of the window.
@@ -54,17 +57,15 @@ PixelBox grown(const PixelBox& window, int by, const PixelBox& whole) {
             std::min(window.right + by, whole.right), std::min(window.bottom + by, whole.bottom)};
 }
 
-/// Notes what a sample met of the lights; on a third mesh in the pixel nothing.
-void noteLights(PixelState& pixel, const ViewSample& sample) {
-    const FirstSurface& first = sample.first;
-    if (first.mesh == MeshLights::kNone) return;
-    MeshLights& other = pixel.lights[1];
-    if (first.mesh != pixel.mesh() && other.mesh == MeshLights::kNone) {
-        other = {first.mesh, first.distance, {}};
-    }
-    for (MeshLights& met : pixel.lights) {
-        if (met.mesh == first.mesh) met.lights.note(sample.lights);
-    }
+bool isIn(const PixelBox& box, int x, int y) {
+    return x >= box.left && x < box.right && y >= box.top && y < box.bottom;
+}
+
+PixelState* roomFor(const PixelBox& area) {
+    static_assert(std::is_trivially_destructible_v<PixelState>);
+    const auto count =
+        static_cast<std::size_t>(area.width()) * static_cast<std::size_t>(area.height());
+    return static_cast<PixelState*>(::operator new(count * sizeof(PixelState)));
 }
 
 /// How far from a side a sample is near it, in pixels: four of sixteen are.
@@ -72,9 +73,11 @@ constexpr double kNear = 0.25;
 
 /// Rounds after which neighbours are looked at, each from one pixel further.
 constexpr int kRoundsWithNeighbours = 2;
+/// What first samples met is looked at from one pixel further still.
+constexpr int kReach = kRoundsWithNeighbours + 1;
 
 /// One number for a colour, to tell whether it is another one.
-std::uint8_t brightness(const std::array<std::uint8_t, 4>& levels) {
+std::uint8_t brightness(const SeenLevels& levels) {
     const int sum = 3 * levels[0] + 5 * levels[1] + 2 * levels[2] + 6 * levels[3];
     return static_cast<std::uint8_t>(sum / 16);
 }
@@ -91,18 +94,26 @@ void widenSides(PixelState& pixel, const Imath::V2d& place, std::uint8_t level) 
 }  // namespace
 
 Refinement::Refinement(const PixelBox& window, const PixelBox& whole)
-    : window_(window),
-      area_(grown(window, kRoundsWithNeighbours, whole)),
-      pixels_(static_cast<std::size_t>(area_.width()) * static_cast<std::size_t>(area_.height())) {}
+    : window_(window), area_(grown(window, kReach, whole)), pixels_(roomFor(area_)) {}
+
+void Refinement::begin(const PixelBox& tile) {
+    const PixelBox wanting = grown(window_, kRoundsWithNeighbours, area_);
+    for (int y = tile.top; y < tile.bottom; ++y) {
+        for (int x = tile.left; x < tile.right; ++x) {
+            PixelState& pixel = *std::construct_at(&pixels_[offset(x, y)]);
+            pixel.wanting = isIn(wanting, x, y);
+        }
+    }
+}
 
 void Refinement::add(int x, int y, std::span<const Imath::V2d> places,
                      std::span<const ViewSample> samples, LightMeter& meter) {
     PixelState& pixel = pixels_[offset(x, y)];
-    const bool isFirstRound = pixel.count == 0;
-    std::array<std::uint8_t, 4> levels = levelsOf(samples.front().sight);
-    if (isFirstRound) {
+    SeenLevels levels = levelsOf(samples.front().sight);
+    if (pixel.count == 0) {
         const FirstSurface& first = samples.front().first;
-        pixel.lights[0] = {first.mesh, first.distance, {}};
+        pixel.lights = {first.mesh, first.distance, samples.front().lights};
+        pixel.normal = first.normal;
         pixel.least = pixel.most = levels;
     }
     widen(pixel, levels);
@@ -115,14 +126,20 @@ void Refinement::add(int x, int y, std::span<const Imath::V2d> places,
             widen(pixel, levels);
         }
         widenSides(pixel, places[i], brightness(levels));
-        if (isFirstRound) noteLights(pixel, sample);
-        pixel.mixed |=
-            sample.first.mesh != pixel.mesh() || isCrease(sample.first, samples[0].first);
+        if (pixel.count + i < PixelState::kKept) pixel.first[pixel.count + i] = levels;
+        pixel.mixed |= isCrease(pixel, sample.first);
     }
     for (int i = 0; i < 3; ++i)
         pixel.sum[static_cast<std::size_t>(i)] += static_cast<float>(sum.color[i]);
     pixel.sum[3] += static_cast<float>(sum.alpha);
     pixel.count = static_cast<std::uint16_t>(pixel.count + samples.size());
+}
+
+void Refinement::settle(int x, int y, const std::array<float, 4>& rgba) {
+    PixelState& pixel = pixels_[offset(x, y)];
+    for (std::size_t i = 0; i < 4; ++i)
+        pixel.sum[i] = rgba[i] * static_cast<float>(pixel.count);
+    pixel.wanting = false;
 }
 
 bool Refinement::differsFromNeighbours(int x, int y) const {
@@ -140,8 +157,7 @@ bool Refinement::differsFromNeighbours(int x, int y) const {
 /// Whether what a neighbour shows near `side`, which it shares with `pixel`, is
 /// another colour than the pixel's: a border between both may go on in there.
 bool Refinement::isReached(const PixelState& pixel, int x, int y, std::size_t side) const {
-    const PixelBox& area = area_;
-    if (x < area.left || x >= area.right || y < area.top || y >= area.bottom) return false;
+    if (!isIn(area_, x, y)) return false;
     const PixelState& other = at(x, y);
     if (other.mostAt[side] < other.leastAt[side]) return false;
     const int least = brightness(pixel.least);
@@ -165,38 +181,27 @@ bool Refinement::wantsMore(int x, int y, int round) const {
     return !even || (round <= kRoundsWithNeighbours && isReached(x, y));
 }
 
-void Refinement::decide(const PixelBox& tile, int round) {
+std::size_t Refinement::decide(const PixelBox& tile, int round) {
+    std::size_t count = 0;
     // Pixels around the window matter as far as later rounds look at them.
     const PixelBox judged = grown(window_, std::max(kRoundsWithNeighbours - round, 0), area_);
     for (int y = tile.top; y < tile.bottom; ++y) {
         for (int x = tile.left; x < tile.right; ++x) {
-            const bool inside =
-                x >= judged.left && x < judged.right && y >= judged.top && y < judged.bottom;
-            pixels_[offset(x, y)].wanting = inside && wantsMore(x, y, round);
+            const bool wants = isIn(judged, x, y) && wantsMore(x, y, round);
+            pixels_[offset(x, y)].wanting = wants;
+            count += wants ? 1U : 0U;
         }
-    }
-}
-
-std::size_t Refinement::wanting(const PixelBox& tile) const {
-    std::size_t count = 0;
-    for (int y = tile.top; y < tile.bottom; ++y) {
-        for (int x = tile.left; x < tile.right; ++x)
-            count += at(x, y).wanting ? 1U : 0U;
     }
     return count;
 }
 
 KnownShadows Refinement::shadowsAbout(int x, int y) const {
     KnownShadows known;
-    const auto add = [&known](const PixelState& pixel) {
-        for (const MeshLights& met : pixel.lights)
-            known.add(met);
-    };
-    add(at(x, y));  // first: what finds no room should be the neighbours'
+    known.add(at(x, y).lights);  // first: what finds no room should be the neighbours'
     for (int row = std::max(y - 1, area_.top); row < std::min(y + 2, area_.bottom); ++row) {
         for (int column = std::max(x - 1, area_.left); column < std::min(x + 2, area_.right);
              ++column) {
-            if (row != y || column != x) add(at(column, row));
+            if (row != y || column != x) known.add(at(column, row).lights);
         }
     }
     return known;

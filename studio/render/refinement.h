@@ -3,60 +3,71 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <memory>
 
 #include "studio/render/film.h"
 #include "studio/render/known_shadows.h"
 #include "studio/render/picture.h"
+#include "studio/render/seen_levels.h"
 #include "studio/render/view_samples.h"
 
 namespace tavora::studio {
 
 /// What is kept of a pixel's samples between one round of samples and the next.
 struct PixelState {
-    std::array<float, 4> sum{};           ///< scene-linear RGB, premultiplied, and alpha
-    std::array<std::uint8_t, 4> least{};  ///< of display-referred RGBA, 255 for 1
-    std::array<std::uint8_t, 4> most{};
+    /// First samples of which it is kept what they show.
+    static constexpr std::size_t kKept = 4;
+
+    std::array<float, 4> sum{};  ///< scene-linear RGB, premultiplied, and alpha
+    std::array<SeenLevels, kKept> first{};
+    SeenLevels least{};  ///< of all samples
+    SeenLevels most{};
     /// Darkest and brightest sample near each side: left, right, upper, lower.
     std::array<std::uint8_t, 4> leastAt{255, 255, 255, 255};
     std::array<std::uint8_t, 4> mostAt{};
-    /// Lights met in the first round, by mesh; that of the first sample comes first.
-    std::array<MeshLights, 2> lights;
-    std::uint16_t count = 0;  ///< of samples
-    bool mixed = false;       ///< samples see several meshes, or a crease
-    bool wanting = false;     ///< gets samples in the next round
+    MeshLights lights;           ///< that the first sample met
+    Imath::V3f normal{0, 0, 0};  ///< there
+    std::uint16_t count = 0;     ///< of samples
+    bool mixed = false;          ///< samples see several meshes, or a crease
+    bool wanting = false;        ///< gets samples in the next round
 
-    std::uint32_t mesh() const { return lights[0].mesh; }  ///< seen by the first sample
+    std::uint32_t mesh() const { return lights.mesh; }  ///< seen by the first sample
 };
 
 /// Where a picture needs more samples. Decides by what the samples show and by
 /// nothing else, so that a pixel gets the same samples whoever renders it, and in
 /// a crop as in the whole picture.
 ///
-/// Threads may work on different tiles: add() and decide() change pixels of their
-/// own tile only, and must not run at the same time.
+/// Threads may work on different tiles: add(), settle() and decide() change pixels of their
+/// own tile only; the last must not run at the same time as the others.
 class Refinement {
   public:
     /// `window` is what is wanted of a picture that fills `whole`. Throws
     /// std::bad_alloc.
     Refinement(const PixelBox& window, const PixelBox& whole);
 
-    /// The window and two pixels around it, by which its border is judged.
+    /// The window and some pixels around it, by which its border is judged. All get
+    /// a first sample, and want more who lie near enough.
     const PixelBox& area() const { return area_; }
     const PixelState& at(int x, int y) const { return pixels_[offset(x, y)]; }
+
+    /// Before the first samples of a tile: until then nothing is known of its pixels.
+    void begin(const PixelBox& tile);
 
     /// Adds the samples of a pixel that one round brought, and where in the
     /// pixel they lie.
     void add(int x, int y, std::span<const Imath::V2d> places, std::span<const ViewSample> samples,
              LightMeter& meter);
 
-    /// Decides which pixels of a tile want more. `round` is how many they have had.
-    void decide(const PixelBox& tile, int round);
+    /// The pixel is done: this is its average.
+    void settle(int x, int y, const std::array<float, 4>& rgba);
 
-    /// How many pixels of a tile want more.
-    std::size_t wanting(const PixelBox& tile) const;
+    /// Decides which pixels of a tile want more; for the `round`th time, counted
+    /// from 1.
+    /// Returns how many do.
+    std::size_t decide(const PixelBox& tile, int round);
 
-    /// What the first round met of the lights in a pixel and its neighbours. Other
+    /// What the first samples of a pixel and its neighbours met of the lights. Other
     /// threads may add() later rounds at the same time.
     KnownShadows shadowsAbout(int x, int y) const;
 
@@ -76,7 +87,11 @@ class Refinement {
 
     PixelBox window_;
     PixelBox area_;
-    std::vector<PixelState> pixels_;
+    struct Release {
+        void operator()(PixelState* pixels) const { ::operator delete(pixels); }
+    };
+    /// Made tile by tile, by begin(): so the lanes do it together.
+    std::unique_ptr<PixelState[], Release> pixels_;
 };
 
 }  // namespace tavora::studio

@@ -36,14 +36,31 @@ void RenderLane::refineTile(const PixelBox& tile, const SampleRun& run,
                             const std::atomic<bool>* stop, Refinement& refinement) {
     notesLights_ = run.first == 0;
     if (notesLights_) {
+        refinement.begin(tile);
         findAll(tile);
     } else {
         findWanting(tile, refinement);
     }
+    const std::span<const Imath::V2d> places(job_->pattern);
+    const bool searches = searchesBordersAfter(run);
+    borders_.clear();
     look(pixels_, run, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
-        const std::span<const Imath::V2d> pattern(job_->pattern);
-        refinement.add(pixel.x, pixel.y, pattern.subspan(run.first, run.size()), samples, meter_);
+        refinement.add(pixel.x, pixel.y, places.subspan(run.first, run.size()), samples, meter_);
+        if (!searches) return;
+        borders_.add({pixel.x, pixel.y, &pixel.known}, places.first(run.last),
+                     refinement.at(pixel.x, pixel.y).first, samples, meter_);
     });
+    const ServiceBinding binding(job_->scene.index(), job_->lights);
+    primaryRays_ += borders_.search(sampler_, meter_, refinement);
+}
+
+/// After the first round that not all pixels get, if what came before is kept. A
+/// border is as straight among the samples as in the picture where a filter does not
+/// spread them.
+bool RenderLane::searchesBordersAfter(const SampleRun& run) const {
+    const RenderOptions& options = job_->options;
+    return options.filter == PixelFilter::Box && run.last < job_->pattern.size() &&
+           run.first == static_cast<std::size_t>(options.samples) && run.first <= PixelState::kKept;
 }
 
 void RenderLane::findAll(const PixelBox& tile) {

@@ -12,6 +12,7 @@
 #include "studio/render/ray_scene.h"
 #include "studio/render/refinement.h"
 #include "studio/render/renderer.h"
+#include "studio/render/tile_borders.h"
 #include "studio/render/view.h"
 #include "studio/render/view_samples.h"
 
@@ -62,6 +63,7 @@ class RenderLane {
     };
     using Take = std::function<void(const Pixel& pixel, std::span<const ViewSample> samples)>;
 
+    bool searchesBordersAfter(const SampleRun& run) const;
     void look(std::span<const Pixel> pixels, const SampleRun& run, const std::atomic<bool>* stop,
               const Take& take);
     void lookAtOnce(std::span<const Pixel> pixels, const SampleRun& run, const Take& take);
@@ -75,6 +77,7 @@ class RenderLane {
     std::vector<Pixel> pixels_;      ///< of a tile, that are looked at
     std::vector<ViewPlace> places_;  ///< of some pixels' samples
     std::vector<ViewSample> samples_;
+    TileBorders borders_;       ///< that are searched for in a tile
     bool notesLights_ = false;  ///< in the samples
     std::uint64_t primaryRays_ = 0;
 };

@@ -99,12 +99,21 @@ void renderEvenly(const RenderWatch& watch, Lanes& lanes, Picture& picture) {
         watch.progress);
 }
 
-/// The samples of round after round, each bringing four times as many.
+/// Enough to tell what meets in a pixel.
+constexpr std::size_t kTelling = 12;
+
+/// The samples of round after round. All pixels get those of the first two: the
+/// first sample traces the shadows about, so that the others need trace but few.
+/// Each of the rest brings up to four times as many.
 std::vector<SampleRun> roundsOf(const RenderOptions& options) {
     const auto most = static_cast<std::size_t>(options.mostSamples);
-    std::vector<SampleRun> rounds{{0, static_cast<std::size_t>(options.samples)}};
-    while (rounds.back().last < most)
-        rounds.push_back({rounds.back().last, std::min(most, rounds.back().last * 4)});
+    const auto least = static_cast<std::size_t>(options.samples);
+    std::vector<SampleRun> rounds{{0, 1}};
+    if (least > 1) rounds.push_back({1, least});
+    while (rounds.back().last < most) {
+        const std::size_t before = rounds.back().last;
+        rounds.push_back({before, std::min(most, std::max(kTelling, before * 4))});
+    }
     return rounds;
 }
 
@@ -143,22 +152,41 @@ class RoundProgress {
     double last_ = 0;
 };
 
-/// Leaves the tiles with pixels that want more samples, those with most first, so
-/// that no lane is left alone with a long one. Returns how many pixels do.
-std::size_t keepWanting(const Refinement& refinement, std::vector<PixelBox>& tiles) {
-    std::vector<std::pair<std::size_t, PixelBox>> counted;
-    std::size_t all = 0;
-    for (const PixelBox& tile : tiles) {
-        counted.emplace_back(refinement.wanting(tile), tile);
-        all += counted.back().first;
-    }
+/// Decides for the `time`th time which pixels want more samples, and leaves the
+/// tiles with such, those with most first, so that no lane is left alone with a long
+/// one. Returns how many pixels there are.
+std::size_t keepWanting(Lanes& lanes, const RenderWatch& watch, int time, Refinement& refinement,
+                        std::vector<PixelBox>& tiles) {
+    std::vector<std::pair<std::size_t, PixelBox>> counted(tiles.size());
+    forTiles(
+        lanes, tiles, watch,
+        [&](RenderLane&, const PixelBox& tile) {
+            const auto place = static_cast<std::size_t>(&tile - tiles.data());
+            counted[place] = {refinement.decide(tile, time), tile};
+        },
+        [](double) {});
     std::stable_sort(counted.begin(), counted.end(),
                      [](const auto& a, const auto& b) { return a.first > b.first; });
+    std::size_t all = 0;
     tiles.clear();
     for (const auto& [pixels, tile] : counted) {
         if (pixels > 0) tiles.push_back(tile);
+        all += pixels;
     }
     return all;
+}
+
+void develop(Lanes& lanes, const RenderWatch& watch, const Refinement& refinement,
+             Picture& picture) {
+    forTiles(
+        lanes, tilesOf(picture.window), watch,
+        [&](RenderLane&, const PixelBox& tile) {
+            for (int y = tile.top; y < tile.bottom; ++y) {
+                for (int x = tile.left; x < tile.right; ++x)
+                    refinement.develop(x, y, picture.pixel(x, y));
+            }
+        },
+        [](double) {});
 }
 
 void renderInRounds(const RenderOptions& options, const RenderWatch& watch, Lanes& lanes,
@@ -166,7 +194,9 @@ void renderInRounds(const RenderOptions& options, const RenderWatch& watch, Lane
     Refinement refinement(picture.window, {0, 0, options.width, options.height});
     const std::vector<SampleRun> rounds = roundsOf(options);
     std::vector<PixelBox> tiles = tilesOf(refinement.area());
-    RoundProgress progress(rounds, picture.rgba.size() / 4);
+    std::size_t wanting = picture.rgba.size() / 4;
+    RoundProgress progress(rounds, wanting);
+    int decisions = 0;
     for (std::size_t round = 0; round < rounds.size(); ++round) {
         forTiles(
             lanes, tiles, watch,
@@ -175,21 +205,13 @@ void renderInRounds(const RenderOptions& options, const RenderWatch& watch, Lane
             },
             [&](double share) { watch.progress(progress.at(share)); });
         if (round + 1 == rounds.size()) break;
-        forTiles(
-            lanes, tiles, watch,
-            [&](RenderLane&, const PixelBox& tile) {
-                refinement.decide(tile, static_cast<int>(round) + 1);
-            },
-            [](double) {});
-        const std::size_t wanting = keepWanting(refinement, tiles);
+        if (rounds[round].last >= static_cast<std::size_t>(options.samples)) {
+            wanting = keepWanting(lanes, watch, ++decisions, refinement, tiles);
+        }
         const auto samples = static_cast<double>(rounds[round + 1].size());
         progress.begin(round + 1, static_cast<double>(wanting) * samples);
     }
-    const PixelBox& window = picture.window;
-    for (int y = window.top; y < window.bottom; ++y) {
-        for (int x = window.left; x < window.right; ++x)
-            refinement.develop(x, y, picture.pixel(x, y));
-    }
+    develop(lanes, watch, refinement, picture);
 }
 
 std::vector<Imath::V2d> patternOf(const RenderOptions& options) {

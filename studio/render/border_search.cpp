@@ -1,0 +1,85 @@
+#include "studio/render/border_search.h"
+
+#include <algorithm>
+
+namespace tavora::studio {
+namespace {
+
+/// Steps of 255 within which samples show the same colour.
+constexpr int kSame = 5;
+
+/// A share is wrong by about a sixth of the slack: as by 64 samples spread evenly.
+constexpr double kFine = 0.06;
+
+bool isSame(const SeenLevels& a, const SeenLevels& b) {
+    return distance(a, b) <= kSame;
+}
+
+/// Which of two colours it is; -1: neither, or either.
+int sideOf(const SeenLevels& levels, const SeenLevels& near, const SeenLevels& far) {
+    const bool isNear = isSame(levels, near);
+    if (isNear == isSame(levels, far)) return -1;
+    return isNear ? 0 : 1;
+}
+
+}  // namespace
+
+std::optional<BorderSearch> BorderSearch::begin(std::span<const Imath::V2d> places,
+                                                std::span<const SeenLevels> levels) {
+    std::array<Side, 2> sides;
+    sides[0].levels = levels.front();
+    const auto other = std::find_if_not(levels.begin(), levels.end(), [&](const SeenLevels& seen) {
+        return isSame(seen, levels.front());
+    });
+    if (other == levels.end()) return {};
+    sides[1].levels = *other;
+
+    std::array<Imath::V2d, 2> sums{Imath::V2d(0), Imath::V2d(0)};
+    std::array<int, 2> counts{};
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        const int side = sideOf(levels[i], sides[0].levels, sides[1].levels);
+        if (side < 0) return {};
+        sums[static_cast<std::size_t>(side)] += places[i];
+        ++counts[static_cast<std::size_t>(side)];
+    }
+    StraightBorder border(sums[0] / counts[0], sums[1] / counts[1]);
+    for (std::size_t i = 0; i < levels.size(); ++i) {
+        const bool isFar = sideOf(levels[i], sides[0].levels, sides[1].levels) == 1;
+        if (!border.add(places[i], isFar)) return {};
+    }
+    return BorderSearch(sides, border);
+}
+
+void BorderSearch::color(const Sight& sight, LightMeter& meter) {
+    const int side = sideOf(levelsOf(sight), sides_[0].levels, sides_[1].levels);
+    if (side < 0) return;
+    meter.add(sight, sides_[static_cast<std::size_t>(side)].sum);
+    ++sides_[static_cast<std::size_t>(side)].count;
+}
+
+bool BorderSearch::add(const Imath::V2d& place, const Sight& sight, LightMeter& meter) {
+    const int side = sideOf(levelsOf(sight), sides_[0].levels, sides_[1].levels);
+    if (side < 0) return false;
+    color(sight, meter);
+    return border_.add(place, side == 1);
+}
+
+bool BorderSearch::isDone() const {
+    return sides_[0].count > 0 && sides_[1].count > 0 && border_.slack() <= kFine;
+}
+
+std::array<float, 4> BorderSearch::pixel() const {
+    const double share = border_.farShare();
+    std::array<float, 4> near{};
+    std::array<float, 4> far{};
+    sides_[0].sum.develop(sides_[0].count, near.data());
+    sides_[1].sum.develop(sides_[1].count, far.data());
+    std::array<float, 4> mixed{};
+    for (std::size_t i = 0; i < mixed.size(); ++i) {
+        mixed[i] = static_cast<float>(static_cast<double>(near[i]) * (1 - share) +
+                                      static_cast<double>(far[i]) * share);
+    }
+    return mixed;
+}
+
+}  // namespace tavora::studio

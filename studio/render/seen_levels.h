@@ -1,0 +1,31 @@
+#pragma once
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <cstdlib>
+
+#include "studio/render/sight.h"
+
+namespace tavora::studio {
+
+/// What shows, as a display tells it apart: red, green, blue and alpha, 255 for 1.
+using SeenLevels = std::array<std::uint8_t, 4>;
+
+inline SeenLevels levelsOf(const Sight& sight) {
+    const auto level = [](double value) {
+        return static_cast<std::uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + 0.5);
+    };
+    return {level(sight.color.x), level(sight.color.y), level(sight.color.z), level(sight.alpha)};
+}
+
+/// By which the channel that differs most does.
+inline int distance(const SeenLevels& a, const SeenLevels& b) {
+    int largest = 0;
+    for (std::size_t i = 0; i < a.size(); ++i)
+        largest = std::max(largest, std::abs(a[i] - b[i]));
+    return largest;
+}
+
+}  // namespace tavora::studio
