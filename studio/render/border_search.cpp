@@ -6,10 +6,11 @@ namespace tavora::studio {
 namespace {
 
 /// Steps of 255 within which samples show the same colour.
-constexpr int kSame = 5;
+constexpr int kSame = 2;
 
-/// A share is wrong by about a sixth of the slack: as by 64 samples spread evenly.
-constexpr double kFine = 0.06;
+/// A share is wrong by about a sixth of the slack: by less than from 64 samples spread
+/// evenly, even where the border runs along the pixel's sides, and they do best.
+constexpr double kFine = 0.02;
 
 bool isSame(const SeenLevels& a, const SeenLevels& b) {
     return distance(a, b) <= kSame;

@@ -10,7 +10,7 @@ namespace {
 constexpr float kApart = 0.02F;
 
 /// So many pixels tell of what nothing is in front of.
-constexpr int kEnough = 4;
+constexpr int kEnough = 6;
 /// Beside the edge of what is in front slivers of a shadow may show that fall
 /// between the samples of a few pixels.
 constexpr int kEnoughBehind = 8;

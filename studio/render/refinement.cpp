@@ -73,7 +73,7 @@ constexpr double kNear = 0.25;
 
 /// Rounds after which neighbours are looked at, each from one pixel further.
 constexpr int kRoundsWithNeighbours = 2;
-/// What first samples met is looked at from one pixel further still.
+/// What the first round met is looked at from one pixel further still.
 constexpr int kReach = kRoundsWithNeighbours + 1;
 
 /// One number for a colour, to tell whether it is another one.
@@ -109,10 +109,11 @@ void Refinement::begin(const PixelBox& tile) {
 void Refinement::add(int x, int y, std::span<const Imath::V2d> places,
                      std::span<const ViewSample> samples, LightMeter& meter) {
     PixelState& pixel = pixels_[offset(x, y)];
+    const bool isFirstRound = pixel.count == 0;
     SeenLevels levels = levelsOf(samples.front().sight);
-    if (pixel.count == 0) {
+    if (isFirstRound) {
         const FirstSurface& first = samples.front().first;
-        pixel.lights = {first.mesh, first.distance, samples.front().lights};
+        pixel.lights = {first.mesh, first.distance, {}};
         pixel.normal = first.normal;
         pixel.least = pixel.most = levels;
     }
@@ -126,6 +127,9 @@ void Refinement::add(int x, int y, std::span<const Imath::V2d> places,
             widen(pixel, levels);
         }
         widenSides(pixel, places[i], brightness(levels));
+        if (isFirstRound && sample.first.mesh == pixel.mesh()) {
+            pixel.lights.lights.note(sample.lights);
+        }
         if (pixel.count + i < PixelState::kKept) pixel.first[pixel.count + i] = levels;
         pixel.mixed |= isCrease(pixel, sample.first);
     }

@@ -25,7 +25,7 @@ struct PixelState {
     /// Darkest and brightest sample near each side: left, right, upper, lower.
     std::array<std::uint8_t, 4> leastAt{255, 255, 255, 255};
     std::array<std::uint8_t, 4> mostAt{};
-    MeshLights lights;           ///< that the first sample met
+    MeshLights lights;           ///< met in the first round, on what its first sample saw
     Imath::V3f normal{0, 0, 0};  ///< there
     std::uint16_t count = 0;     ///< of samples
     bool mixed = false;          ///< samples see several meshes, or a crease
@@ -47,7 +47,7 @@ class Refinement {
     Refinement(const PixelBox& window, const PixelBox& whole);
 
     /// The window and some pixels around it, by which its border is judged. All get
-    /// a first sample, and want more who lie near enough.
+    /// the first round, and want the next who lie near enough.
     const PixelBox& area() const { return area_; }
     const PixelState& at(int x, int y) const { return pixels_[offset(x, y)]; }
 
@@ -67,7 +67,7 @@ class Refinement {
     /// Returns how many do.
     std::size_t decide(const PixelBox& tile, int round);
 
-    /// What the first samples of a pixel and its neighbours met of the lights. Other
+    /// What the first round met of the lights in a pixel and its neighbours. Other
     /// threads may add() later rounds at the same time.
     KnownShadows shadowsAbout(int x, int y) const;
 

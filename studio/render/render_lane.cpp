@@ -23,7 +23,7 @@ RenderLane::RenderLane(const RenderJob& job, std::shared_ptr<const LaneShaders> 
 void RenderLane::renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture) {
     findAll(tile);
     notesLights_ = false;
-    const SampleRun all{0, job_->pattern.size()};
+    const SampleRun all{0, job_->samples()};
     look(pixels_, all, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
         PixelSum sum;
         for (const ViewSample& sample : samples)
@@ -41,10 +41,10 @@ void RenderLane::refineTile(const PixelBox& tile, const SampleRun& run,
     } else {
         findWanting(tile, refinement);
     }
-    const std::span<const Imath::V2d> places(job_->pattern);
     const bool searches = searchesBordersAfter(run);
     borders_.clear();
     look(pixels_, run, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
+        const std::span<const Imath::V2d> places = job_->placesIn(pixel.x, pixel.y);
         refinement.add(pixel.x, pixel.y, places.subspan(run.first, run.size()), samples, meter_);
         if (!searches) return;
         borders_.add({pixel.x, pixel.y, &pixel.known}, places.first(run.last),
@@ -59,7 +59,7 @@ void RenderLane::refineTile(const PixelBox& tile, const SampleRun& run,
 /// spread them.
 bool RenderLane::searchesBordersAfter(const SampleRun& run) const {
     const RenderOptions& options = job_->options;
-    return options.filter == PixelFilter::Box && run.last < job_->pattern.size() &&
+    return options.filter == PixelFilter::Box && run.last < job_->samples() &&
            run.first == static_cast<std::size_t>(options.samples) && run.first <= PixelState::kKept;
 }
 
@@ -95,8 +95,9 @@ void RenderLane::lookAtOnce(std::span<const Pixel> pixels, const SampleRun& run,
     places_.clear();
     for (const Pixel& pixel : pixels) {
         const Imath::V2d corner(pixel.x, pixel.y);
-        for (std::size_t i = run.first; i < run.last; ++i)
-            places_.push_back({corner + job_->pattern[i], &pixel.known});
+        const std::span<const Imath::V2d> places = job_->placesIn(pixel.x, pixel.y);
+        for (const Imath::V2d& place : places.subspan(run.first, run.size()))
+            places_.push_back({corner + place, &pixel.known});
     }
     samples_.resize(std::max(samples_.size(), places_.size()));
     const std::span<ViewSample> samples(samples_.data(), places_.size());

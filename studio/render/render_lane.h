@@ -4,6 +4,7 @@
 #include <filesystem>
 #include <functional>
 #include <memory>
+#include <span>
 #include <vector>
 
 #include "studio/render/film.h"
@@ -26,10 +27,16 @@ struct RenderJob {
     const std::filesystem::path& module;
     const RenderOptions& options;
     View view;
-    std::vector<Imath::V2d> pattern;  ///< places of a pixel's samples, in order
+    /// Places of a pixel's samples, 0..1 each way, in turn for pixels side by side.
+    std::vector<std::vector<Imath::V2d>> patterns;
+
+    std::span<const Imath::V2d> placesIn(int x, int y) const {
+        return patterns[static_cast<std::size_t>(x + y) % patterns.size()];
+    }
+    std::size_t samples() const { return patterns.front().size(); }  ///< of a pixel, at most
 };
 
-/// Some of a pixel's samples: places `first` to `last` of the pattern, the last
+/// Some of a pixel's samples: `first` to `last` of its places, the last
 /// excluded.
 struct SampleRun {
     std::size_t first = 0;
@@ -44,7 +51,7 @@ class RenderLane {
     /// `job` must outlive it.
     RenderLane(const RenderJob& job, std::shared_ptr<const LaneShaders> shaders);
 
-    /// Renders the pixels of a tile with all samples of the pattern. Throws
+    /// Renders the pixels of a tile with all samples. Throws
     /// RenderStopped soon after `stop` is set; the tile is then incomplete.
     void renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture);
 

@@ -100,16 +100,17 @@ void renderEvenly(const RenderWatch& watch, Lanes& lanes, Picture& picture) {
 }
 
 /// Enough to tell what meets in a pixel.
-constexpr std::size_t kTelling = 12;
+constexpr std::size_t kTelling = 10;
 
-/// The samples of round after round. All pixels get those of the first two: the
-/// first sample traces the shadows about, so that the others need trace but few.
-/// Each of the rest brings up to four times as many.
+/// The samples of round after round. All pixels get those of the first two, of which
+/// the first traces the shadows about, so that the others need trace but few. Each of
+/// the rest brings up to four times as many.
 std::vector<SampleRun> roundsOf(const RenderOptions& options) {
     const auto most = static_cast<std::size_t>(options.mostSamples);
     const auto least = static_cast<std::size_t>(options.samples);
-    std::vector<SampleRun> rounds{{0, 1}};
-    if (least > 1) rounds.push_back({1, least});
+    const std::size_t first = (least + 1) / 2;
+    std::vector<SampleRun> rounds{{0, first}};
+    if (least > first) rounds.push_back({first, least});
     while (rounds.back().last < most) {
         const std::size_t before = rounds.back().last;
         rounds.push_back({before, std::min(most, std::max(kTelling, before * 4))});
@@ -214,12 +215,21 @@ void renderInRounds(const RenderOptions& options, const RenderWatch& watch, Lane
     develop(lanes, watch, refinement, picture);
 }
 
-std::vector<Imath::V2d> patternOf(const RenderOptions& options) {
+/// The samples of adaptive pixels begin with each of the least ones in turn: along a
+/// row of pixels, or a column, those that trace the shadows do not all lie on a line,
+/// which a thin shadow could pass by.
+std::vector<std::vector<Imath::V2d>> patternsOf(const RenderOptions& options) {
     std::vector<Imath::V2d> pattern =
         isAdaptive(options) ? growingPattern(options.mostSamples) : samplePattern(options.samples);
     for (Imath::V2d& place : pattern)
         place = spreadAsFilter(options.filter, place);
-    return pattern;
+    std::vector<std::vector<Imath::V2d>> patterns{pattern};
+    if (!isAdaptive(options)) return patterns;
+    while (patterns.size() < static_cast<std::size_t>(options.samples)) {
+        std::rotate(pattern.begin(), pattern.begin() + 1, pattern.begin() + options.samples);
+        patterns.push_back(pattern);
+    }
+    return patterns;
 }
 
 }  // namespace
@@ -254,7 +264,7 @@ Picture Renderer::render(const Camera& camera, const LightRig& lights,
         module,
         options,
         View(camera, options.width, options.height, std::max(options.samples, options.mostSamples)),
-        patternOf(options)};
+        patternsOf(options)};
     Lanes lanes(job, laneCount(options, tilesOf(picture.window).size()));
     if (isAdaptive(options)) {
         renderInRounds(options, watch, lanes, picture);

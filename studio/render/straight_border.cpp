@@ -29,8 +29,7 @@ double shareBeyond(const Imath::V2d& normal, double height) {
 StraightBorder::StraightBorder(const Imath::V2d& near, const Imath::V2d& far)
     : across_((far - near).normalized()),
       along_(-across_.y, across_.x),
-      corners_({Line{-1, -1}, Line{1, -1}, Line{1, 1}, Line{-1, 1}}),
-      count_(4) {}
+      corners_({Line{-1, -1}, Line{1, -1}, Line{1, 1}, Line{-1, 1}}) {}
 
 /// Sutherland and Hodgman, "Reentrant Polygon Clipping" (1974).
 bool StraightBorder::add(const Imath::V2d& place, bool isFar) {
@@ -55,7 +54,7 @@ bool StraightBorder::add(const Imath::V2d& place, bool isFar) {
         if (here > 0) kept[count++] = corner;
         before = here;
     }
-    corners_ = kept;
+    std::copy_n(kept.begin(), count, corners_.begin());
     count_ = count;
     return count >= 3;
 }
@@ -63,7 +62,7 @@ bool StraightBorder::add(const Imath::V2d& place, bool isFar) {
 /// The set's centroid.
 StraightBorder::Line StraightBorder::middle() const {
     const Line& first = corners_[0];
-    Line sum;
+    Line sum{0, 0};
     double weight = 0;
     for (std::size_t i = 2; i < count_; ++i) {
         const Line& a = corners_[i - 1];

@@ -38,19 +38,19 @@ class StraightBorder {
     /// height + slope * along, from the pixel's centre; `along` the line that is
     /// upright to `across_`.
     struct Line {
-        double height = 0;
-        double slope = 0;
+        double height;
+        double slope;
 
         double at(double along) const { return height + slope * along; }
     };
     /// Where the middle line enters or leaves the pixel.
     struct End {
-        double along = 0;
-        double least = 0;  ///< heights of the outermost lines there
-        double most = 0;
+        double along;
+        double least;  ///< heights of the outermost lines there
+        double most;
     };
     /// Corners that the set may have; more are never needed for some dozen samples.
-    static constexpr std::size_t kMost = 48;
+    static constexpr std::size_t kMost = 24;
 
     std::span<const Line> corners() const { return {corners_.data(), count_}; }
     Line middle() const;
@@ -60,7 +60,7 @@ class StraightBorder {
     Imath::V2d across_;  ///< unit, from the near side to the far one
     Imath::V2d along_;   ///< unit
     std::array<Line, kMost> corners_;
-    std::size_t count_;
+    std::size_t count_ = 4;
 };
 
 }  // namespace tavora::studio

@@ -34,8 +34,8 @@ void add(KnownShadows& shadows, int pixels, const MeshLights& met) {
 
 TEST(KnownShadows, TellOfAMeshWhatAllWhoMetItAgreeOn) {
     KnownShadows shadows;
-    add(shadows, 3, {7, 10, lightsMet({1, 0, 1, -1})});
-    EXPECT_TRUE(known(shadows, 7, 10).empty());  // three may all miss an edge
+    add(shadows, 5, {7, 10, lightsMet({1, 0, 1, -1})});
+    EXPECT_TRUE(known(shadows, 7, 10).empty());  // five may all miss an edge
     shadows.add({7, 10.1F, lightsMet({1, 0, 1, -1})});
     EXPECT_EQ(known(shadows, 7, 10), (std::vector<double>{1, 0, 1, -1}));
     shadows.add({});
@@ -46,7 +46,7 @@ TEST(KnownShadows, TellOfAMeshWhatAllWhoMetItAgreeOn) {
 
 TEST(KnownShadows, KeepApartWhatOneMeshShowsInFrontOfItself) {
     KnownShadows shadows;
-    add(shadows, 4, {7, 10, lightsMet({1, 1, 1, 1})});
+    add(shadows, 6, {7, 10, lightsMet({1, 1, 1, 1})});
     add(shadows, 7, {7, 11, lightsMet({0, 0, 0, 0})});
     EXPECT_EQ(known(shadows, 7, 10), (std::vector<double>{1, 1, 1, 1}));
     EXPECT_TRUE(known(shadows, 7, 10.5F).empty());

@@ -16,10 +16,12 @@ using Imath::V3d;
 
 constexpr PixelBox kArea{0, 0, 9, 9};
 
-/// One round of samples whose grey at a place in the picture is `shade`.
+/// One round of samples whose grey at a place in the picture is `shade`. Returns how
+/// many pixels want more.
 template <typename Shade>
-void sample(Refinement& refinement, Shade shade) {
+std::size_t sample(Refinement& refinement, Shade shade) {
     LightMeter meter;
+    refinement.begin(kArea);
     for (int y = 0; y < kArea.bottom; ++y) {
         for (int x = 0; x < kArea.right; ++x) {
             std::vector<ViewSample> samples;
@@ -29,13 +31,14 @@ void sample(Refinement& refinement, Shade shade) {
             refinement.add(x, y, places, samples, meter);
         }
     }
-    refinement.decide(kArea, 1);
+    return refinement.decide(kArea, 1);
 }
 
 TEST(Refinement, LeavesSmoothShadingAlone) {
     Refinement refinement(kArea, kArea);
-    sample(refinement, [](double x, double y) { return (2.5 * x + 50) / 255 + 0.001 * y; });
-    EXPECT_EQ(refinement.wanting(kArea), 0U);
+    EXPECT_EQ(
+        sample(refinement, [](double x, double y) { return (2.5 * x + 50) / 255 + 0.001 * y; }),
+        0U);
 }
 
 TEST(Refinement, TakesMoreAboutAStepAndNowhereElse) {
@@ -48,10 +51,25 @@ TEST(Refinement, TakesMoreAboutAStepAndNowhereElse) {
 
 TEST(Refinement, FindsWhatOnlyANeighbourMet) {
     Refinement refinement(kArea, kArea);
-    sample(refinement, [](double x, double y) {
-        return std::abs(x - 4.125) < 0.02 && std::abs(y - 4.125) < 0.02 ? 1.0 : 0.0;
-    });
-    EXPECT_EQ(refinement.wanting(kArea), 9U);
+    EXPECT_EQ(sample(refinement,
+                     [](double x, double y) {
+                         return std::abs(x - 4.125) < 0.02 && std::abs(y - 4.125) < 0.02 ? 1.0
+                                                                                         : 0.0;
+                     }),
+              9U);
+}
+
+TEST(Refinement, LeavesSettledPixelsAsTheyAre) {
+    Refinement refinement(kArea, kArea);
+    sample(refinement, [](double x, double) { return x < 4.6 ? 0.2 : 0.8; });
+    refinement.settle(4, 4, {0.25F, 0.5F, 0.75F, 1});
+    EXPECT_FALSE(refinement.at(4, 4).wanting);
+    refinement.decide(kArea, 2);
+    EXPECT_FALSE(refinement.at(4, 4).wanting);
+    EXPECT_TRUE(refinement.at(4, 5).wanting);
+    float rgba[4];
+    refinement.develop(4, 4, rgba);
+    EXPECT_EQ(std::vector<float>(rgba, rgba + 4), (std::vector<float>{0.25F, 0.5F, 0.75F, 1}));
 }
 
 TEST(GrowingPattern, EachBeginningIsEvenAndAboutTheCentre) {
