@@ -49,6 +49,8 @@ struct MeshLights {
 /// the pixel need no shadow rays. Copies are cheap.
 class KnownShadows {
   public:
+    bool empty() const { return count_ == 0; }
+
     /// Adds what one pixel met on a mesh, or kNone. What finds no room stays unknown.
     void add(const MeshLights& met);
 

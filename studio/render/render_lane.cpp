@@ -96,8 +96,9 @@ void RenderLane::lookAtOnce(std::span<const Pixel> pixels, const SampleRun& run,
     for (const Pixel& pixel : pixels) {
         const Imath::V2d corner(pixel.x, pixel.y);
         const std::span<const Imath::V2d> places = job_->placesIn(pixel.x, pixel.y);
+        const KnownShadows* known = pixel.known.empty() ? nullptr : &pixel.known;
         for (const Imath::V2d& place : places.subspan(run.first, run.size()))
-            places_.push_back({corner + place, &pixel.known});
+            places_.push_back({corner + place, known});
     }
     samples_.resize(std::max(samples_.size(), places_.size()));
     const std::span<ViewSample> samples(samples_.data(), places_.size());

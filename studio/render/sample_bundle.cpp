@@ -6,7 +6,7 @@
 namespace tavora::studio {
 namespace {
 
-constexpr std::size_t kRoom = 128;
+constexpr std::size_t kRoom = 512;
 
 /// Whether the polygon, too, faces away from a light which the normal does.
 bool isBehind(const SurfacePoint& point, const Imath::V3d& toLight) {
@@ -29,6 +29,7 @@ SampleBundle::SampleBundle(const RayScene& scene, const LightRig& lights)
       hits_(kRoom),
       met_(kRoom),
       shares_(std::max<std::size_t>(kRoom * lights_, 1)),
+      starts_(kRoom),
       going_(kRoom) {
     facets_.reserve(kRoom);
 }
@@ -87,14 +88,14 @@ const Facet& SampleBundle::facetFor(const Ray& ray, const HitKey& hit) {
 void SampleBundle::findStations(std::span<const KnownShadows* const> known,
                                 const SampleShader& shader) {
     stations_.clear();
+    starts_.clear();
     for (std::size_t i = 0; i < known.size(); ++i) {
         const MetSurface* surface = met(i);
         if (surface == nullptr || !shader.takesLight(*surface)) continue;
         const SurfacePoint& point = surface->point;
         const HitKey& hit = surface->hit;
         Station& station = stations_.emplace_back();
-        station.origin = shadowOrigin(point);
-        station.start = Imath::V3f(station.origin.position);
+        starts_.add(shadowOrigin(point));
         station.viewing = static_cast<std::uint32_t>(i);
         station.point = &point;
         station.asked = shader.askedLights(point.surfaceIndex());
@@ -104,9 +105,10 @@ void SampleBundle::findStations(std::span<const KnownShadows* const> known,
 
 /// One ray from each station that faces a directional light without a size.
 void SampleBundle::goToSky(std::size_t light) {
-    shadows_.clear();
+    std::size_t count = 0;
     const Imath::V3d toLight = -rig_->lights[light].light->direction;
-    for (const Station& station : stations_) {
+    for (std::size_t i = 0; i < stations_.size(); ++i) {
+        const Station& station = stations_[i];
         const double known = knownShare(station, light);
         if (known < 0 && station.asked[light] == 0) continue;
         if (!(toLight.dot(station.point->normal) > 0)) {
@@ -114,11 +116,10 @@ void SampleBundle::goToSky(std::size_t light) {
         } else if (known >= 0) {
             share(station.viewing, light) = known;
         } else {
-            going_[shadows_.count()] = station.viewing;
-            shadows_.addToSky(station.origin, station.start);
+            going_[count++] = static_cast<std::uint32_t>(i);
         }
     }
-    settle(light, shadows_.traceToSky(toLight));
+    settle(light, shadows_.traceToSky(starts_, {going_.data(), count}, toLight));
 }
 
 /// One ray from each station that faces a light without a size which has a place.
@@ -127,9 +128,9 @@ void SampleBundle::goToMiddle(std::size_t light) {
     LitPlace place;
     for (const Station& station : stations_) {
         if (!isToSettle(station, light, place)) continue;
-        Ray ray = station.origin.ray();
+        Ray ray = rayFrom(station);
         if (!turnToMiddle(place, ray)) continue;
-        going_[shadows_.count()] = station.viewing;
+        going_[shadows_.count()] = static_cast<std::uint32_t>(&station - stations_.data());
         shadows_.add(ray);
     }
     settle(light, shadows_.trace());
@@ -158,7 +159,7 @@ bool SampleBundle::isReached(const Station& station, const LitLight& lit, LitPla
 void SampleBundle::settle(std::size_t light, std::span<const double> passed) {
     shadowRays_ += passed.size();
     for (std::size_t i = 0; i < passed.size(); ++i)
-        share(going_[i], light) = passed[i];
+        share(stations_[going_[i]].viewing, light) = passed[i];
 }
 
 void SampleBundle::goToPoints(std::size_t light) {
@@ -169,7 +170,7 @@ void SampleBundle::goToPoints(std::size_t light) {
     for (const Station& station : stations_) {
         if (!isToSettle(station, light, place)) continue;
         way.viewing = station.viewing;
-        if (way.rays.aim(station.origin.ray(), lit, place)) ways_.push_back(way);
+        if (way.rays.aim(rayFrom(station), lit, place)) ways_.push_back(way);
     }
     while (stepToPoints())
         ;

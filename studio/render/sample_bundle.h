@@ -43,10 +43,9 @@ class SampleBundle {
     std::uint64_t shadowRays() const { return shadowRays_; }
 
   private:
-    /// Where a viewing ray ends, and takes light.
+    /// Where a viewing ray ends, and takes light. Its shadow rays start at the place of
+    /// the same number in `starts_`.
     struct Station {
-        ShadowOrigin origin;    ///< of shadow rays from there
-        Imath::V3f start;       ///< the same place in single precision
         std::uint32_t viewing;  ///< where the viewing ray stands
         const SurfacePoint* point;
         const std::uint8_t* asked;  ///< by light, whether the surface's shader asks for it
@@ -67,6 +66,9 @@ class SampleBundle {
     bool isReached(const Station& station, const LitLight& lit, LitPlace& place) const;
     bool stepToPoints();
     void settle(std::size_t light, std::span<const double> passed);
+    Ray rayFrom(const Station& station) const {
+        return starts_[static_cast<std::size_t>(&station - stations_.data())].ray();
+    }
     /// Share of the light that is known to pass there; negative where it is not.
     static double knownShare(const Station& station, std::size_t light) {
         return station.known != nullptr ? station.known->share(light) : -1;
@@ -85,7 +87,8 @@ class SampleBundle {
     std::vector<MetSurface> met_;
     std::vector<double> shares_;  ///< by ray and light
     std::vector<Station> stations_;
-    std::vector<std::uint32_t> going_;  ///< viewing rays, or ways, of the shadow rays added
+    ShadowStarts starts_;
+    std::vector<std::uint32_t> going_;  ///< stations, or ways, of the shadow rays
     std::vector<Way> ways_;
     std::uint64_t viewingRays_ = 0;
     std::uint64_t shadowRays_ = 0;

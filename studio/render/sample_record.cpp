@@ -61,8 +61,7 @@ void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record) {
     record.bumpHeight = 0;
 }
 
-void fillPoint(const SurfacePoint& point, const Viewpoint& from, double distance,
-               HostSample& record) {
+void fillPoint(const SurfacePoint& point, const Viewpoint& from, HostSample& record) {
     fill(toObject(*point.facet->key.geometry, point.position), record.objectPosition);
     fill(point.position, record.worldPosition);
     fill(point.normal, record.worldNormal);
@@ -70,7 +69,7 @@ void fillPoint(const SurfacePoint& point, const Viewpoint& from, double distance
         record.vertexWeights[i] = static_cast<float>(point.weights[i]);
     record.spotSize = point.spotSize;
     fill(from.position, record.raySource);
-    record.rayLength = distance;
+    record.rayLength = from.distance;
     record.cosine = std::clamp(-from.direction.dot(point.normal), 0.0, 1.0);
 }
 

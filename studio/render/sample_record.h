@@ -6,10 +6,11 @@
 
 namespace tavora::studio {
 
-/// Where a viewing or traced ray starts, as modules see it.
+/// From where a viewing or traced ray comes, as modules see it.
 struct Viewpoint {
     Imath::V3d position{0, 0, 0};
     Imath::V3d direction{0, 0, -1};  ///< unit, of the ray
+    double distance = 0;             ///< from there to the sample
 };
 
 /// What a shader may change in a record.
@@ -24,9 +25,8 @@ struct SampleValues {
 /// Fills the fields of `record` that all samples on a facet share.
 void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record);
 
-/// Fills those that say where it is and how it is seen, from `distance` away.
-void fillPoint(const SurfacePoint& point, const Viewpoint& from, double distance,
-               HostSample& record);
+/// Fills those that say where it is and how it is seen.
+void fillPoint(const SurfacePoint& point, const Viewpoint& from, HostSample& record);
 
 /// Fills what a shader may change.
 inline void fillValues(const SampleValues& values, HostSample& record) {

@@ -125,7 +125,8 @@ bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
     level.ray = &ray;
     if (!findVisible(level, after)) return false;
     hit = level.found.hit;
-    appearance = shade(level, {ray.origin, ray.direction}, {}, level.record);
+    appearance =
+        shade(level, {ray.origin, ray.direction, level.found.point.distance}, {}, level.record);
     return true;
 }
 
@@ -135,7 +136,7 @@ Appearance SampleShader::shadeMet(const Ray& ray, const MetSurface& met,
     Level& level = *levels_.front();
     level.ray = &ray;
     level.met = &met;
-    return shade(level, {ray.origin, ray.direction}, shares, level.record);
+    return shade(level, {ray.origin, ray.direction, met.point.distance}, shares, level.record);
 }
 
 LightsMet SampleShader::lightsMet() const {
@@ -215,10 +216,7 @@ void SampleShader::fill(Level& level, const Viewpoint& from, const SampleValues&
         record.illuminate = illuminate;
         record.traceAndShade = traceAndShade;
     }
-    const SurfacePoint& point = level.met->point;
-    const bool isView = from.position == level.ray->origin;
-    fillPoint(point, from, isView ? point.distance : (point.position - from.position).length(),
-              record);
+    fillPoint(level.met->point, from, record);
     fillValues(values, record);
 }
 
@@ -297,8 +295,9 @@ double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSa
         level.onPath = false;
     }
     if (!findVisible(level, after)) return -1;
-    copyTo(hit.color, shade(level, from, {}, hit).color);
-    return hit.rayLength;
+    const double distance = (level.met->point.position - from.position).length();
+    copyTo(hit.color, shade(level, {from.position, from.direction, distance}, {}, hit).color);
+    return distance;
 }
 
 }  // namespace tavora::studio

@@ -3,10 +3,13 @@
 namespace tavora::studio {
 
 std::span<const double> ShadowStream::trace() {
+    return trace(rays_.embree());
+}
+
+std::span<const double> ShadowStream::trace(const RTCRayNp& rays) {
     RayContext context = rayContext(*scene_, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.shadows = progress_.data();
-    rtcOccludedNp(scene_->embree(), &context.embree, &rays_.embree(),
-                  static_cast<unsigned>(count_));
+    rtcOccludedNp(scene_->embree(), &context.embree, &rays, static_cast<unsigned>(count_));
     for (std::size_t i = 0; i < count_; ++i)
         shares_[i] = isStoppedAt(rays_.farthest(i)) ? 0 : 1;
     if (scene_->judgesShadows()) judge();
@@ -22,9 +25,26 @@ void ShadowStream::judge() {
     }
 }
 
-std::span<const double> ShadowStream::traceToSky(const Imath::V3d& direction) {
+std::span<const double> ShadowStream::traceToSky(const ShadowStarts& starts,
+                                                 std::span<const std::uint32_t> from,
+                                                 const Imath::V3d& direction) {
+    count_ = from.size();
     rays_.turnToSky(count_, embreeDirection(direction));
-    return trace();
+    RTCRayNp rays = rays_.embree();
+    const RTCRayNp& places = starts.embree();
+    if (count_ == starts.size() && !scene_->judgesShadows()) {
+        // The usual case: as they stand.
+        rays.org_x = places.org_x;
+        rays.org_y = places.org_y;
+        rays.org_z = places.org_z;
+        return trace(rays);
+    }
+    count_ = 0;
+    for (const std::uint32_t start : from) {
+        rays_.setStart(count_, {places.org_x[start], places.org_y[start], places.org_z[start]});
+        begin(starts[start].spot, 0, starts[start].spared);
+    }
+    return trace(rays);
 }
 
 }  // namespace tavora::studio

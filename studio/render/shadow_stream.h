@@ -2,6 +2,7 @@
 
 #include <ImathVec.h>
 #include <cstddef>
+#include <cstdint>
 #include <embree3/rtcore.h>
 #include <span>
 #include <vector>
@@ -9,7 +10,7 @@
 #include "studio/render/ray_context.h"
 #include "studio/render/ray_rows.h"
 #include "studio/render/ray_scene.h"
-#include "studio/render/shadow_rays.h"
+#include "studio/render/shadow_starts.h"
 
 namespace tavora::studio {
 
@@ -30,18 +31,14 @@ class ShadowStream {
         begin(ray.spot, ray.spread, ray.spared);
     }
 
-    /// Adds a ray without end whose direction is to be given to traceToSky().
-    /// `start` is the origin's place as Embree takes it.
-    void addToSky(const ShadowOrigin& origin, const Imath::V3f& start) {
-        rays_.setStart(count_, start);
-        begin(origin.spot, 0, origin.spared);
-    }
-
     /// RayScene::transmittance() along each ray that was added, in that order;
     /// valid until the next call.
     std::span<const double> trace();
-    /// The same, after all rays were added by addToSky() and turn to one `direction`.
-    std::span<const double> traceToSky(const Imath::V3d& direction);
+    /// The same of rays without end from some of `starts`, by their numbers in `from`,
+    /// to one `direction`.
+    std::span<const double> traceToSky(const ShadowStarts& starts,
+                                       std::span<const std::uint32_t> from,
+                                       const Imath::V3d& direction);
 
   private:
     void begin(double spot, double spread, const SceneMesh* spared) {
@@ -50,6 +47,7 @@ class ShadowStream {
         }
         ++count_;
     }
+    std::span<const double> trace(const RTCRayNp& rays);
     void judge();
 
     const RayScene* scene_;

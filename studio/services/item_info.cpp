@@ -43,8 +43,13 @@ HostItemId first(int itemType, HostItemId parent) {
 HostItemId next(HostItemId item) {
     const ServiceBinding* binding = ServiceBinding::current();
     if (binding == nullptr) return nullptr;
+    // Lights come first: shaders walk them in every sample.
+    const std::vector<LitLight>& lights = binding->lights().lights;
     const std::ptrdiff_t light = lightIndex(binding->lights(), item);
-    if (light >= 0) return itemAt(*binding, HOST_ITEM_LIGHT, light + 1);
+    if (light >= 0) {
+        const auto after = static_cast<std::size_t>(light) + 1;
+        return after < lights.size() ? itemId(lights[after]) : nullptr;
+    }
     const std::ptrdiff_t camera = cameraIndex(binding->scene().scene(), item);
     if (camera >= 0) return itemAt(*binding, HOST_ITEM_CAMERA, camera + 1);
     const std::ptrdiff_t object = binding->scene().objectIndex(item);
