@@ -38,8 +38,9 @@ struct PixelState {
 /// nothing else, so that a pixel gets the same samples whoever renders it, and in
 /// a crop as in the whole picture.
 ///
-/// Threads may work on different tiles: add(), settle() and decide() change pixels of their
-/// own tile only; the last must not run at the same time as the others.
+/// Threads may work on different tiles: begin(), add(), settle() and decide() change
+/// pixels of their own tile only. decide() and the first add() of pixels must not run
+/// at the same time as the others.
 class Refinement {
   public:
     /// `window` is what is wanted of a picture that fills `whole`. Throws
@@ -62,9 +63,8 @@ class Refinement {
     /// The pixel is done: this is its average.
     void settle(int x, int y, const std::array<float, 4>& rgba);
 
-    /// Decides which pixels of a tile want more; for the `round`th time, counted
-    /// from 1.
-    /// Returns how many do.
+    /// Decides which pixels of a tile want more, for the `round`th time, counted from
+    /// 1. Returns how many do.
     std::size_t decide(const PixelBox& tile, int round);
 
     /// What the first round met of the lights in a pixel and its neighbours. Other
@@ -76,6 +76,9 @@ class Refinement {
     void develop(int x, int y, float rgba[4]) const;
 
   private:
+    struct Release {
+        void operator()(PixelState* pixels) const { ::operator delete(pixels); }
+    };
     std::size_t offset(int x, int y) const {
         return static_cast<std::size_t>(y - area_.top) * static_cast<std::size_t>(area_.width()) +
                static_cast<std::size_t>(x - area_.left);
@@ -87,9 +90,6 @@ class Refinement {
 
     PixelBox window_;
     PixelBox area_;
-    struct Release {
-        void operator()(PixelState* pixels) const { ::operator delete(pixels); }
-    };
     /// Made tile by tile, by begin(): so the lanes do it together.
     std::unique_ptr<PixelState[], Release> pixels_;
 };
