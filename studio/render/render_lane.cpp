@@ -1,6 +1,7 @@
 #include "studio/render/render_lane.h"
 
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "studio/services/messages.h"
@@ -114,20 +115,15 @@ void RenderLane::addTo(RenderStats& stats) const {
     stats.evaluations += sampler_.evaluations();
 }
 
-std::vector<std::unique_ptr<RenderLane>> makeLanes(const RenderJob& job, std::size_t count) {
+std::unique_ptr<RenderLane> makeLane(const RenderJob& job, const RenderLane* first) {
     const ServiceBinding binding(job.scene.index(), job.lights);
-    const auto load = [&job] {
-        return std::make_shared<const LaneShaders>(job.scene.index(), job.shading, job.module);
-    };
-    const auto first = load();
-    std::vector<std::unique_ptr<RenderLane>> lanes;
-    lanes.push_back(std::make_unique<RenderLane>(job, first));
-    const QuietMessages quiet;
-    while (lanes.size() < count) {
-        lanes.push_back(
-            std::make_unique<RenderLane>(job, job.options.moduleEachThread ? load() : first));
-    }
-    return lanes;
+    std::optional<QuietMessages> quiet;
+    if (first != nullptr) quiet.emplace();
+    const bool shares = first != nullptr && !job.options.moduleEachThread;
+    return std::make_unique<RenderLane>(
+        job, shares
+                 ? first->shaders()
+                 : std::make_shared<const LaneShaders>(job.scene.index(), job.shading, job.module));
 }
 
 }  // namespace tavora::studio

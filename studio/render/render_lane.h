@@ -62,6 +62,8 @@ class RenderLane {
 
     void addTo(RenderStats& stats) const;
 
+    std::shared_ptr<const LaneShaders> shaders() const { return shaders_; }
+
   private:
     struct Pixel {
         int x;
@@ -89,8 +91,9 @@ class RenderLane {
     std::uint64_t primaryRays_ = 0;
 };
 
-/// Lanes for `count` threads. What modules have to say about the settings, the
-/// first copy says. Throws LinkError.
-std::vector<std::unique_ptr<RenderLane>> makeLanes(const RenderJob& job, std::size_t count);
+/// A lane for another thread than that of `first`, or the first one if that is null:
+/// what modules have to say about the settings, the first copy says. Any thread. Throws
+/// LinkError.
+std::unique_ptr<RenderLane> makeLane(const RenderJob& job, const RenderLane* first);
 
 }  // namespace tavora::studio

@@ -69,8 +69,12 @@ Picture emptyPicture(const RenderOptions& options) {
 /// The lanes of a render, and the threads that they work on: one of them keeps to
 /// its lane from the first round to the last, whose module's mutex is its own.
 struct Lanes {
-    explicit Lanes(const RenderJob& job, std::size_t count)
-        : each(makeLanes(job, count)), team(count + 1) {}
+    Lanes(const RenderJob& job, std::size_t count) : each(count), team(count + 1) {
+        each[0] = makeLane(job, nullptr);
+        team.run([&](std::size_t thread) {
+            if (thread > 1) each[thread - 1] = makeLane(job, each[0].get());
+        });
+    }
 
     std::vector<std::unique_ptr<RenderLane>> each;
     LaneTeam team;
