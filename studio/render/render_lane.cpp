@@ -14,6 +14,25 @@ namespace {
 /// share rays well, few enough to stop soon and to stay in the cache.
 constexpr std::size_t kTogether = 4096;
 
+/// Embree follows 32 rays at once, best those of pixels close to each other.
+constexpr int kBlockWidth = 8;
+constexpr int kBlockHeight = 4;
+
+/// Calls `visit(x, y)` for the pixels of a tile, block by block.
+template <typename Visit>
+void inBlocks(const PixelBox& tile, Visit visit) {
+    for (int top = tile.top; top < tile.bottom; top += kBlockHeight) {
+        for (int left = tile.left; left < tile.right; left += kBlockWidth) {
+            const int right = std::min(left + kBlockWidth, tile.right);
+            const int bottom = std::min(top + kBlockHeight, tile.bottom);
+            for (int y = top; y < bottom; ++y) {
+                for (int x = left; x < right; ++x)
+                    visit(x, y);
+            }
+        }
+    }
+}
+
 }  // namespace
 
 RenderLane::RenderLane(const RenderJob& job, std::shared_ptr<const LaneShaders> shaders)
@@ -66,20 +85,14 @@ bool RenderLane::searchesBordersAfter(const SampleRun& run) const {
 
 void RenderLane::findAll(const PixelBox& tile) {
     pixels_.clear();
-    for (int y = tile.top; y < tile.bottom; ++y) {
-        for (int x = tile.left; x < tile.right; ++x)
-            pixels_.push_back({x, y, {}});
-    }
+    inBlocks(tile, [&](int x, int y) { pixels_.push_back({x, y, {}}); });
 }
 
 void RenderLane::findWanting(const PixelBox& tile, const Refinement& refinement) {
     pixels_.clear();
-    for (int y = tile.top; y < tile.bottom; ++y) {
-        for (int x = tile.left; x < tile.right; ++x) {
-            if (refinement.at(x, y).wanting)
-                pixels_.push_back({x, y, refinement.shadowsAbout(x, y)});
-        }
-    }
+    inBlocks(tile, [&](int x, int y) {
+        if (refinement.at(x, y).wanting) pixels_.push_back({x, y, refinement.shadowsAbout(x, y)});
+    });
 }
 
 void RenderLane::look(std::span<const Pixel> pixels, const SampleRun& run,

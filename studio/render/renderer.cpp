@@ -104,7 +104,7 @@ void renderEvenly(const RenderWatch& watch, Lanes& lanes, Picture& picture) {
 }
 
 /// Enough to tell what meets in a pixel.
-constexpr std::size_t kTelling = 10;
+constexpr std::size_t kTelling = 9;
 
 /// The samples of round after round. All pixels get those of the first two, of which
 /// the first traces the shadows about, so that the others need trace but few. Each of

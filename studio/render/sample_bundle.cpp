@@ -14,7 +14,7 @@ bool isBehind(const SurfacePoint& point, const Imath::V3d& toLight) {
 }
 
 /// Rays next to each other meet so many facets in turn.
-constexpr std::size_t kLookBack = 4;
+constexpr std::size_t kLookBack = 10;
 
 constexpr float kNothing = std::numeric_limits<float>::infinity();
 
