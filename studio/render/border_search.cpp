@@ -10,7 +10,7 @@ constexpr int kSame = 2;
 
 /// A share is wrong by about a sixth of the slack: by less than from 64 samples spread
 /// evenly, even where the border runs along the pixel's sides, and they do best.
-constexpr double kFine = 0.02;
+constexpr double kFine = 0.025;
 
 bool isSame(const SeenLevels& a, const SeenLevels& b) {
     return distance(a, b) <= kSame;

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <new>
 
 #include "studio/render/film.h"
 #include "studio/render/known_shadows.h"
@@ -43,6 +44,8 @@ struct PixelState {
 /// at the same time as the others.
 class Refinement {
   public:
+    static constexpr std::align_val_t kAlignment{1U << 21U};  ///< a large page's
+
     /// `window` is what is wanted of a picture that fills `whole`. Throws
     /// std::bad_alloc.
     Refinement(const PixelBox& window, const PixelBox& whole);
@@ -77,7 +80,7 @@ class Refinement {
 
   private:
     struct Release {
-        void operator()(PixelState* pixels) const { ::operator delete(pixels); }
+        void operator()(PixelState* pixels) const { ::operator delete(pixels, kAlignment); }
     };
     std::size_t offset(int x, int y) const {
         return static_cast<std::size_t>(y - area_.top) * static_cast<std::size_t>(area_.width()) +
