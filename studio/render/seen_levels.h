@@ -14,8 +14,9 @@ namespace tavora::studio {
 using SeenLevels = std::array<std::uint8_t, 4>;
 
 inline SeenLevels levelsOf(const Sight& sight) {
+    constexpr double kHalf = 0.5;  // nothing is negative: to cut off is to round
     const auto level = [](double value) {
-        return static_cast<std::uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + 0.5);
+        return static_cast<std::uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + kHalf);
     };
     return {level(sight.color.x), level(sight.color.y), level(sight.color.z), level(sight.alpha)};
 }
