@@ -17,7 +17,7 @@ bool isSame(const SeenLevels& a, const SeenLevels& b) {
 }
 
 /// Which of two colours it is; -1: neither, or either.
-int sideOf(const SeenLevels& levels, const SeenLevels& near, const SeenLevels& far) {
+int whichOf(const SeenLevels& levels, const SeenLevels& near, const SeenLevels& far) {
     const bool isNear = isSame(levels, near);
     if (isNear == isSame(levels, far)) return -1;
     return isNear ? 0 : 1;
@@ -38,31 +38,38 @@ std::optional<BorderSearch> BorderSearch::begin(std::span<const Imath::V2d> plac
     std::array<Imath::V2d, 2> sums{Imath::V2d(0), Imath::V2d(0)};
     std::array<int, 2> counts{};
     for (std::size_t i = 0; i < levels.size(); ++i) {
-        const int side = sideOf(levels[i], sides[0].levels, sides[1].levels);
+        const int side = whichOf(levels[i], sides[0].levels, sides[1].levels);
         if (side < 0) return {};
         sums[static_cast<std::size_t>(side)] += places[i];
         ++counts[static_cast<std::size_t>(side)];
     }
     StraightBorder border(sums[0] / counts[0], sums[1] / counts[1]);
     for (std::size_t i = 0; i < levels.size(); ++i) {
-        const bool isFar = sideOf(levels[i], sides[0].levels, sides[1].levels) == 1;
+        const bool isFar = whichOf(levels[i], sides[0].levels, sides[1].levels) == 1;
         if (!border.add(places[i], isFar)) return {};
     }
     return BorderSearch(sides, border);
 }
 
+void BorderSearch::color(int side, const Sight& sight, LightMeter& meter) {
+    Side& seen = sides_[static_cast<std::size_t>(side)];
+    meter.add(sight, seen.sum);
+    ++seen.count;
+}
+
 void BorderSearch::color(const Sight& sight, LightMeter& meter) {
-    const int side = sideOf(levelsOf(sight), sides_[0].levels, sides_[1].levels);
-    if (side < 0) return;
-    meter.add(sight, sides_[static_cast<std::size_t>(side)].sum);
-    ++sides_[static_cast<std::size_t>(side)].count;
+    color(sideOf(sight), sight, meter);
 }
 
 bool BorderSearch::add(const Imath::V2d& place, const Sight& sight, LightMeter& meter) {
-    const int side = sideOf(levelsOf(sight), sides_[0].levels, sides_[1].levels);
+    const int side = sideOf(sight);
     if (side < 0) return false;
-    color(sight, meter);
+    color(side, sight, meter);
     return border_.add(place, side == 1);
+}
+
+int BorderSearch::sideOf(const Sight& sight) const {
+    return whichOf(levelsOf(sight), sides_[0].levels, sides_[1].levels);
 }
 
 bool BorderSearch::isDone() const {

@@ -48,6 +48,8 @@ class BorderSearch {
 
     BorderSearch(const std::array<Side, 2>& sides, const StraightBorder& border)
         : sides_(sides), border_(border) {}
+    int sideOf(const Sight& sight) const;
+    void color(int side, const Sight& sight, LightMeter& meter);
 
     std::array<Side, 2> sides_;  ///< the near one, the far one
     StraightBorder border_;

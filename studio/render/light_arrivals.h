@@ -18,7 +18,7 @@ namespace tavora::studio {
 
 /// What one light brings to one place, shadows counted in.
 struct LightArrival {
-    bool lit = false;         ///< the light reaches the place; else its colour is unspecified
+    bool lit = false;         ///< the light reaches the place; else the rest is unspecified
     Imath::V3d direction{0};  ///< unit, the way the light travels
     Imath::V3d color{0};      ///< display-referred
 };

@@ -221,7 +221,7 @@ void renderInRounds(const RenderOptions& options, const RenderWatch& watch, Lane
 
 /// The samples of adaptive pixels begin with each of the least ones in turn: along a
 /// row of pixels, or a column, those that trace the shadows do not all lie on a line,
-/// which a thin shadow could pass by.
+/// which a thin shadow could pass by. A few kinds of beginnings are enough for that.
 std::vector<std::vector<Imath::V2d>> patternsOf(const RenderOptions& options) {
     std::vector<Imath::V2d> pattern =
         isAdaptive(options) ? growingPattern(options.mostSamples) : samplePattern(options.samples);
@@ -229,7 +229,8 @@ std::vector<std::vector<Imath::V2d>> patternsOf(const RenderOptions& options) {
         place = spreadAsFilter(options.filter, place);
     std::vector<std::vector<Imath::V2d>> patterns{pattern};
     if (!isAdaptive(options)) return patterns;
-    while (patterns.size() < static_cast<std::size_t>(options.samples)) {
+    const int kinds = std::min(options.samples, 16);
+    while (patterns.size() < static_cast<std::size_t>(kinds)) {
         std::rotate(pattern.begin(), pattern.begin() + 1, pattern.begin() + options.samples);
         patterns.push_back(pattern);
     }

@@ -42,7 +42,8 @@ bool StraightBorder::add(const Imath::V2d& place, bool isFar) {
     std::array<Line, kMost> kept;
     std::size_t count = 0;
     double before = fits(corners_[count_ - 1]);
-    for (std::size_t i = 0; i < count_ && count + 2 <= kMost; ++i) {
+    for (std::size_t i = 0; i < count_; ++i) {
+        if (count + 2 > kMost) return false;
         const Line& corner = corners_[i];
         const Line& last = corners_[(i + count_ - 1) % count_];
         const double here = fits(corner);

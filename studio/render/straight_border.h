@@ -15,8 +15,8 @@ class StraightBorder {
     static constexpr std::size_t kTelling = 4;
 
     /// Between samples about `near` and samples about `far`, the means of their
-    /// places, which must differ. The border runs within 45 degrees of upright to
-    /// the way from one to the other.
+    /// places; where these are the same, no line will do. The border runs within 45 degrees of
+    /// upright to the way from one to the other.
     StraightBorder(const Imath::V2d& near, const Imath::V2d& far);
 
     /// A sample was seen. False when no line keeps all of them apart any more; it
@@ -49,7 +49,7 @@ class StraightBorder {
         double least;  ///< heights of the outermost lines there
         double most;
     };
-    /// Corners that the set may have; more are never needed for some dozen samples.
+    /// Corners that the set may have. It seldom has ten; with more it is given up.
     static constexpr std::size_t kMost = 24;
 
     std::span<const Line> corners() const { return {corners_.data(), count_}; }
