@@ -13,6 +13,7 @@
 #include "studio/render/ray_scene.h"
 #include "studio/render/refinement.h"
 #include "studio/render/renderer.h"
+#include "studio/render/sample_rounds.h"
 #include "studio/render/tile_borders.h"
 #include "studio/render/view.h"
 #include "studio/render/view_samples.h"
@@ -27,22 +28,12 @@ struct RenderJob {
     const std::filesystem::path& module;
     const RenderOptions& options;
     View view;
-    /// Places of a pixel's samples, 0..1 each way, in turn for pixels side by side.
-    std::vector<std::vector<Imath::V2d>> patterns;
+    std::vector<std::vector<Imath::V2d>> patterns;  ///< as patternsOf() gives them
 
     std::span<const Imath::V2d> placesIn(int x, int y) const {
         return patterns[static_cast<std::size_t>(x + y) % patterns.size()];
     }
     std::size_t samples() const { return patterns.front().size(); }  ///< of a pixel, at most
-};
-
-/// Some of a pixel's samples: `first` to `last` of its places, the last
-/// excluded.
-struct SampleRun {
-    std::size_t first = 0;
-    std::size_t last = 0;
-
-    std::size_t size() const { return last - first; }
 };
 
 /// What one render thread works with. One thread at a time.

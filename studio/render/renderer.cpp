@@ -8,11 +8,10 @@
 
 #include "studio/render/lane_team.h"
 #include "studio/render/lanes.h"
-#include "studio/render/pixel_filter.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/refinement.h"
 #include "studio/render/render_lane.h"
-#include "studio/render/sample_pattern.h"
+#include "studio/render/sample_rounds.h"
 #include "studio/render/tiles.h"
 #include "studio/services/scene_index.h"
 
@@ -23,10 +22,6 @@ using Clock = std::chrono::steady_clock;
 
 double secondsSince(Clock::time_point start) {
     return std::chrono::duration<double>(Clock::now() - start).count();
-}
-
-bool isAdaptive(const RenderOptions& options) {
-    return options.mostSamples > options.samples;
 }
 
 std::size_t laneCount(const RenderOptions& options, std::size_t tiles) {
@@ -101,25 +96,6 @@ void renderEvenly(const RenderWatch& watch, Lanes& lanes, Picture& picture) {
         lanes, tilesOf(picture.window), watch,
         [&](RenderLane& lane, const PixelBox& tile) { lane.renderTile(tile, watch.stop, picture); },
         watch.progress);
-}
-
-/// Enough to tell what meets in a pixel.
-constexpr std::size_t kTelling = 9;
-
-/// The samples of round after round. All pixels get those of the first two, of which
-/// the first traces the shadows about, so that the others need trace but few. Each of
-/// the rest brings up to four times as many.
-std::vector<SampleRun> roundsOf(const RenderOptions& options) {
-    const auto most = static_cast<std::size_t>(options.mostSamples);
-    const auto least = static_cast<std::size_t>(options.samples);
-    const std::size_t first = (least + 1) / 2;
-    std::vector<SampleRun> rounds{{0, first}};
-    if (least > first) rounds.push_back({first, least});
-    while (rounds.back().last < most) {
-        const std::size_t before = rounds.back().last;
-        rounds.push_back({before, std::min(most, std::max(kTelling, before * 4))});
-    }
-    return rounds;
 }
 
 /// How much of the work is done, where only its first round is known before. A
@@ -217,24 +193,6 @@ void renderInRounds(const RenderOptions& options, const RenderWatch& watch, Lane
         progress.begin(round + 1, static_cast<double>(wanting) * samples);
     }
     develop(lanes, watch, refinement, picture);
-}
-
-/// The samples of adaptive pixels begin with each of the least ones in turn: along a
-/// row of pixels, or a column, those that trace the shadows do not all lie on a line,
-/// which a thin shadow could pass by. A few kinds of beginnings are enough for that.
-std::vector<std::vector<Imath::V2d>> patternsOf(const RenderOptions& options) {
-    std::vector<Imath::V2d> pattern =
-        isAdaptive(options) ? growingPattern(options.mostSamples) : samplePattern(options.samples);
-    for (Imath::V2d& place : pattern)
-        place = spreadAsFilter(options.filter, place);
-    std::vector<std::vector<Imath::V2d>> patterns{pattern};
-    if (!isAdaptive(options)) return patterns;
-    const int kinds = std::min(options.samples, 16);
-    while (patterns.size() < static_cast<std::size_t>(kinds)) {
-        std::rotate(pattern.begin(), pattern.begin() + 1, pattern.begin() + options.samples);
-        patterns.push_back(pattern);
-    }
-    return patterns;
 }
 
 }  // namespace
