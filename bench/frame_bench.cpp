@@ -340,7 +340,7 @@ std::vector<Contender> contendersOf(Bench& bench) {
 }
 
 /// Mean distance of display-referred channels, in steps of 255.
-double meanError(const Picture& a, const Picture& b) {
+double meanChannelError(const Picture& a, const Picture& b) {
     double sum = 0;
     for (std::size_t i = 0; i < a.rgba.size(); ++i) {
         const auto shown = [i](const Picture& picture) {
@@ -371,11 +371,11 @@ void printErrors(Bench& bench) {
     const Picture even = bench.render(options, bench.look);
     options.samples = 1024;
     const Picture reference = bench.render(options, bench.look);
-    const double evenError = meanError(even, reference);
+    const double evenError = meanChannelError(even, reference);
     printRow("mean error, adaptive 1..64, beside 64 samples everywhere",
-             meanError(least, reference), evenError, "of 255", 1, true);
+             meanChannelError(least, reference), evenError, "of 255", 1, true);
     printRow("mean error, adaptive 4..64 (default), beside 64 samples everywhere",
-             meanError(usual, reference), evenError, "of 255", 1, true);
+             meanChannelError(usual, reference), evenError, "of 255", 1, true);
 }
 
 void run(const char* module, int rounds, std::size_t threads) {

@@ -90,15 +90,6 @@ struct Backyard : TestScene {
     }
 };
 
-double meanError(const Picture& a, const Picture& b) {
-    double sum = 0;
-    for (int y = 0; y < a.height; ++y) {
-        for (int x = 0; x < a.width; ++x)
-            sum += (displayed(a, x, y) - displayed(b, x, y)).length();
-    }
-    return sum / (a.width * a.height);
-}
-
 TEST(AdaptiveSampling, TakesShadowsOverWithoutLosingAnyEdge) {
     const Backyard test;
     const Camera camera = frontCamera({0, 0, 8}, 2);

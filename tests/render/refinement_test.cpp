@@ -104,16 +104,6 @@ TEST(PixelFilters, SpreadSamplesAsTheyWeigh) {
     }
 }
 
-/// Mean distance between pictures, in display values.
-double meanError(const Picture& a, const Picture& b) {
-    double sum = 0;
-    for (int y = 0; y < a.height; ++y) {
-        for (int x = 0; x < a.width; ++x)
-            sum += (displayed(a, x, y) - displayed(b, x, y)).length();
-    }
-    return sum / (a.width * a.height);
-}
-
 TEST(AdaptiveSampling, IsAsCleanAsManySamplesEverywhereForAFewAPixel) {
     TestScene test;
     test.addSurface().baseColor = {1, 1, 1, 1};

@@ -160,4 +160,13 @@ Imath::V3d displayed(const Picture& picture, int x, int y) {
             toEncoded(static_cast<double>(rgba[2]) / alpha)};
 }
 
+double meanError(const Picture& a, const Picture& b) {
+    double sum = 0;
+    for (int y = 0; y < a.height; ++y) {
+        for (int x = 0; x < a.width; ++x)
+            sum += (displayed(a, x, y) - displayed(b, x, y)).length();
+    }
+    return sum / (a.width * a.height);
+}
+
 }  // namespace tavora::studio

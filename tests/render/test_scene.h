@@ -62,4 +62,7 @@ Picture renderWith(const TestScene& test, const Camera& camera, const RenderOpti
 /// A pixel's colour as a display shows it (alpha not premultiplied).
 Imath::V3d displayed(const Picture& picture, int x, int y);
 
+/// Mean distance of pictures of the same size, in display values.
+double meanError(const Picture& a, const Picture& b);
+
 }  // namespace tavora::studio
