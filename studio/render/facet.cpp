@@ -50,7 +50,7 @@ void setSurface(const RayScene& scene, Facet& facet) {
 
 }  // namespace
 
-Facet facetAt(const RayScene& scene, const Ray& ray, const HitKey& hit) {
+Facet facetAt(const RayScene& scene, const Ray& ray, const Hit& hit) {
     Facet facet;
     facet.key.geometry = &scene.geometry(hit.mesh);
     facet.key.triangle = hit.triangle;
@@ -62,7 +62,7 @@ Facet facetAt(const RayScene& scene, const Ray& ray, const HitKey& hit) {
     return facet;
 }
 
-void setFacet(const RayScene& scene, const Ray& ray, const HitKey& hit, Facet& facet) {
+void setFacet(const RayScene& scene, const Ray& ray, const Hit& hit, Facet& facet) {
     if (!isSameFacet(facet, ray, hit)) {
         facet = facetAt(scene, ray, hit);
     } else if (facet.eye != ray.origin) {

@@ -46,11 +46,11 @@ struct Facet {
 };
 
 /// The side of the triangle that `ray` meets at `hit`.
-Facet facetAt(const RayScene& scene, const Ray& ray, const HitKey& hit);
+Facet facetAt(const RayScene& scene, const Ray& ray, const Hit& hit);
 
 /// Whether facetAt() would give `facet`, of the same scene, once more, the rays'
 /// start aside. A triangle without area faces each ray.
-inline bool isSameFacet(const Facet& facet, const Ray& ray, const HitKey& hit) {
+inline bool isSameFacet(const Facet& facet, const Ray& ray, const Hit& hit) {
     if (facet.key.triangle != hit.triangle || facet.mesh != hit.mesh || !(facet.area > 0)) {
         return false;
     }
@@ -63,6 +63,6 @@ inline bool isSameFacet(const Facet& facet, const Ray& ray, const HitKey& hit) {
 void setEye(const Imath::V3d& eye, Facet& facet);
 
 /// facetAt() into `facet`, at less cost where that is the same.
-void setFacet(const RayScene& scene, const Ray& ray, const HitKey& hit, Facet& facet);
+void setFacet(const RayScene& scene, const Ray& ray, const Hit& hit, Facet& facet);
 
 }  // namespace tavora::studio

@@ -1,9 +1,7 @@
 #include "studio/render/kept_paths.h"
 
 #include <algorithm>
-#include <bit>
 #include <cmath>
-#include <limits>
 
 #include "studio/scene/soft_light.h"
 
@@ -12,11 +10,10 @@ namespace {
 
 // A node is a row of words: the hit, the place of the node after it, then some
 // bits a light.
-constexpr std::size_t kDistance = 0;
-constexpr std::size_t kMesh = 1;
-constexpr std::size_t kTriangle = 2;
-constexpr std::size_t kNext = 3;
-constexpr std::size_t kLights = 4;
+constexpr std::size_t kMesh = 0;
+constexpr std::size_t kTriangle = 1;
+constexpr std::size_t kNext = 2;
+constexpr std::size_t kLights = 3;
 
 // Those bits: first two that say what is known. Where lights have sizes, then
 // how many of how many points of the light reach the hit; of none: not kept.
@@ -79,22 +76,20 @@ constexpr KeptPath::Place kFirst = 0xfffffffe;  // the node in the sample's laye
 constexpr std::uint32_t kUnknownNext = 0;
 constexpr std::uint32_t kNoNext = 0xfffffffd;
 
-// As distances of first hits.
-constexpr float kUnknown = -std::numeric_limits<float>::infinity();
-constexpr float kMiss = std::numeric_limits<float>::infinity();
+// As mesh of a first hit.
+constexpr std::uint32_t kUnknown = Hit::kNone - 1;
 
 constexpr std::size_t kGrowth = 64;  // nodes
 
 constexpr double kUnknownAlpha = -1;
 
-void write(const HitKey& hit, std::uint32_t* node) {
-    node[kDistance] = std::bit_cast<std::uint32_t>(hit.distance);
+void write(const Hit& hit, std::uint32_t* node) {
     node[kMesh] = hit.mesh;
     node[kTriangle] = hit.triangle;
 }
 
-HitKey read(const std::uint32_t* node) {
-    return {std::bit_cast<float>(node[kDistance]), node[kMesh], node[kTriangle]};
+Hit read(const std::uint32_t* node) {
+    return {node[kMesh], node[kTriangle]};
 }
 
 }  // namespace
@@ -103,13 +98,13 @@ std::uint32_t* KeptPath::node(Place place) const {
     return place == kFirst ? first_ : &tile_->further_[place];
 }
 
-KeptPath::Step KeptPath::next(Place& place, HitKey& hit) const {
+KeptPath::Step KeptPath::next(Place& place, Hit& hit) const {
     if (first_ == nullptr || place == kLost) return Step::Unknown;
     Place there = kFirst;
     if (place == kStart) {
-        const HitKey first = read(first_);
-        if (first.distance == kUnknown) return Step::Unknown;
-        if (first.distance == kMiss) return Step::Miss;
+        const Hit first = read(first_);
+        if (first.mesh == kUnknown) return Step::Unknown;
+        if (first.isNone()) return Step::Miss;
     } else {
         there = node(place)[kNext];
         if (there == kUnknownNext) return Step::Unknown;
@@ -120,10 +115,10 @@ KeptPath::Step KeptPath::next(Place& place, HitKey& hit) const {
     return Step::Hit;
 }
 
-void KeptPath::keep(Place& place, const HitKey* hit) {
+void KeptPath::keep(Place& place, const Hit* hit) {
     if (first_ == nullptr || place == kLost) return;
     if (place == kStart) {
-        write(hit != nullptr ? *hit : HitKey{kMiss, 0, 0}, first_);
+        write(hit != nullptr ? *hit : Hit{}, first_);
         place = kFirst;
         if (OwnColor* own = ownColorAt(place)) own->alpha = kUnknownAlpha;
         return;
@@ -230,7 +225,7 @@ void TilePaths::refresh(Layer& layer) {
 void TilePaths::clear(std::uint32_t* nodes, std::size_t count) const {
     std::fill_n(nodes, count * stride_, 0U);
     for (std::size_t i = 0; i < count; ++i)
-        nodes[i * stride_ + kDistance] = std::bit_cast<std::uint32_t>(kUnknown);
+        nodes[i * stride_ + kMesh] = kUnknown;
 }
 
 void TilePaths::clearLights(std::uint32_t* nodes, std::size_t count) const {
@@ -239,7 +234,7 @@ void TilePaths::clearLights(std::uint32_t* nodes, std::size_t count) const {
 }
 
 /// The place of a new node for that hit; kLost when there is no room.
-KeptPath::Place TilePaths::addFurther(const HitKey& hit) {
+KeptPath::Place TilePaths::addFurther(const Hit& hit) {
     const std::size_t place = std::max(further_.size(), stride_);
     if (!makeRoom(place + stride_)) return KeptPath::kLost;
     further_.resize(place + stride_);

@@ -52,9 +52,9 @@ class KeptPath {
     static constexpr std::size_t kNoPixel = std::numeric_limits<std::size_t>::max();
 
     /// Goes on from `place` to the next hit, if that is known.
-    Step next(Place& place, HitKey& hit) const;
+    Step next(Place& place, Hit& hit) const;
     /// Keeps the hit after `place`, null for none, and goes on to it.
-    void keep(Place& place, const HitKey* hit);
+    void keep(Place& place, const Hit* hit);
 
     KeptShare share(Place place, std::size_t light) const;
     void keepShare(Place place, std::size_t light, double share);
@@ -122,7 +122,7 @@ class TilePaths {
     void clear(std::uint32_t* nodes, std::size_t count) const;
     void clearLights(std::uint32_t* nodes, std::size_t count) const;
     std::size_t bitAt(std::size_t light) const { return light * lightBits_; }
-    KeptPath::Place addFurther(const HitKey& hit);
+    KeptPath::Place addFurther(const Hit& hit);
     OwnColor* ownColor(std::size_t pixel) const {
         return ownColors_ != nullptr ? &ownColors_[pixel] : nullptr;
     }

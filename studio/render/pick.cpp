@@ -9,7 +9,7 @@ std::optional<Picked> pick(const RayScene& scene, const Camera& camera, int widt
                            int x, int y) {
     if (x < 0 || y < 0 || x >= width || y >= height) return std::nullopt;
     const Ray ray = View(camera, width, height, 1).rayThrough(x + 0.5, y + 0.5);
-    for (HitKey hit; scene.nextHit(ray, hit, hit);) {
+    for (Hit hit; scene.nextHit(ray, hit, hit);) {
         const Facet facet = facetAt(scene, ray, hit);
         SurfacePoint point;
         setSurfacePoint(facet, ray, point);

@@ -5,20 +5,46 @@
 #include <embree3/rtcore.h>
 #include <limits>
 
+#include "studio/render/hit_order.h"
 #include "studio/render/ray_scene.h"
 
 namespace tavora::studio {
 
-/// What the filter of viewing rays' hits knows of one ray, and what it finds out.
+/// Between which distances hits count, as Embree's rays have them but without room
+/// for its doubts.
+struct Limits {
+    float nearest = 0;
+    float farthest = std::numeric_limits<float>::infinity();
+
+    bool exist() const { return nearest > 0 || std::isfinite(farthest); }
+    bool hold(float distance) const { return distance >= nearest && distance <= farthest; }
+};
+
+inline Limits limitsOf(const Ray& ray) {
+    return {static_cast<float>(ray.nearest), static_cast<float>(ray.farthest)};
+}
+
+/// What the filter of viewing rays' hits knows of a ray that goes alone, and what
+/// it finds out.
 struct ViewingProgress {
     const Ray* ray = nullptr;
+    Limits limits;
     HitKey after{};  ///< hits up to this one are passed
     /// The hit kept so far.
     HitKey best{std::numeric_limits<float>::infinity(), 0, 0};
 };
 
+/// The same of many unlimited rays from their start, by their `id`. Room enough is
+/// the caller's.
+struct FirstHits {
+    const Ray* rays = nullptr;
+    float* distances = nullptr;           ///< of the hit kept so far, by Embree
+    std::uint8_t* areDoubtful = nullptr;  ///< 1 where another may be as near
+};
+
 /// What the filter of shadow rays' hits knows of one ray, and what it finds out.
 struct ShadowProgress {
+    Limits limits;
     double spot = 0;    ///< as in Ray
     double spread = 0;  ///< as in Ray
     const SceneMesh* spared = nullptr;
@@ -27,18 +53,21 @@ struct ShadowProgress {
     /// them, only a ray alone meets each of them once to tell.
     bool leavesClear = false;
     bool metClear = false;
+
+    double spotAt(double distance) const { return spot + spread * distance; }
 };
 
 inline ShadowProgress shadowProgress(const Ray& ray) {
-    return {ray.spot, ray.spread, ray.spared};
+    return {limitsOf(ray), ray.spot, ray.spread, ray.spared};
 }
 
 /// What Embree hands through to filters.
 struct RayContext {
     RTCIntersectContext embree;  // comes first: Embree's pointer stands for the whole
     const RayScene* scene;
-    ViewingProgress* viewing;  ///< by the `id` of Embree's rays, as are:
-    ShadowProgress* shadows;
+    ViewingProgress* viewing;  ///< of a viewing ray alone
+    FirstHits first;           ///< of others
+    ShadowProgress* shadows;   ///< by the `id` of Embree's rays
 };
 
 inline RayContext rayContext(const RayScene& scene, RTCIntersectContextFlags flags) {
@@ -61,18 +90,26 @@ inline Imath::V3f embreeDirection(const Imath::V3d& direction) {
     return {tilted(direction.x), tilted(direction.y), tilted(direction.z)};
 }
 
+/// Where Embree is to begin to look, and to end: filters judge what is near.
+inline float embreeNearest(const Ray& ray) {
+    return surelyBefore(static_cast<float>(ray.nearest));
+}
+inline float embreeFarthest(const Ray& ray) {
+    return surelyBeyond(static_cast<float>(ray.farthest));
+}
+
 /// Fills `result` with `ray`, whose progress stands at `id`.
 inline void setEmbreeRay(const Ray& ray, unsigned id, RTCRay& result) {
     const Imath::V3f direction = embreeDirection(ray.direction);
     result.org_x = static_cast<float>(ray.origin.x);
     result.org_y = static_cast<float>(ray.origin.y);
     result.org_z = static_cast<float>(ray.origin.z);
-    result.tnear = static_cast<float>(ray.nearest);
+    result.tnear = embreeNearest(ray);
     result.dir_x = direction.x;
     result.dir_y = direction.y;
     result.dir_z = direction.z;
     result.time = 0;
-    result.tfar = static_cast<float>(ray.farthest);
+    result.tfar = embreeFarthest(ray);
     result.mask = ~0U;
     result.id = id;
     result.flags = 0;

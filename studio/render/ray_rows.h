@@ -20,8 +20,8 @@ class RayRows {
     void set(std::size_t at, const Ray& ray) {
         setStart(at, Imath::V3f(ray.origin));
         setDirection(at, embreeDirection(ray.direction));
-        rows_.tnear[at] = static_cast<float>(ray.nearest);
-        rows_.tfar[at] = static_cast<float>(ray.farthest);
+        rows_.tnear[at] = embreeNearest(ray);
+        rows_.tfar[at] = embreeFarthest(ray);
     }
     void setStart(std::size_t at, const Imath::V3f& origin) {
         rows_.org_x[at] = origin.x;

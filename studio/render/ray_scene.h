@@ -1,11 +1,11 @@
 #pragma once
 
 #include <ImathVec.h>
+#include <cmath>
 #include <cstdint>
 #include <embree3/rtcore.h>
 #include <limits>
 #include <memory>
-#include <tuple>
 #include <vector>
 
 #include "studio/render/mesh_geometry.h"
@@ -18,27 +18,27 @@ namespace tavora::studio {
 struct Ray {
     Imath::V3d origin{0, 0, 0};
     Imath::V3d direction{0, 0, -1};
-    double nearest = 0;  ///< excluded
+    double nearest = 0;
     double farthest = std::numeric_limits<double>::infinity();
     double spot = 0;    ///< diameter of the footprint at the origin
     double spread = 0;  ///< by which it grows for each unit of distance
     /// Shadow rays pass what wears its surface on its object; null: nothing.
     const SceneMesh* spared = nullptr;
 
+    bool isLimited() const { return nearest > 0 || std::isfinite(farthest); }
+
     double spotAt(double distance) const { return spot + spread * distance; }
 };
 
-/// Order of hits along one ray: by distance, equal ones by number, so that what
-/// is hit never depends on how the acceleration structure was built.
-struct HitKey {
-    float distance = -std::numeric_limits<float>::infinity();
-    std::uint32_t mesh = 0;
+/// A triangle that a ray meets, or none. How far it is, the ray tells.
+struct Hit {
+    static constexpr std::uint32_t kNone = 0xffffffff;
+
+    std::uint32_t mesh = kNone;  ///< in RayScene
     std::uint32_t triangle = 0;
 
-    friend bool operator>(const HitKey& a, const HitKey& b) {
-        return std::tie(a.distance, a.mesh, a.triangle) > std::tie(b.distance, b.mesh, b.triangle);
-    }
-    friend bool operator<=(const HitKey& a, const HitKey& b) { return !(a > b); }
+    bool isNone() const { return mesh == kNone; }
+    bool operator==(const Hit&) const = default;
 };
 
 struct ShadowProgress;
@@ -65,9 +65,9 @@ class RayScene {
     /// Whether shadow rays pass some of what they meet, so that their progress counts.
     bool judgesShadows() const { return judgesShadows_; }
 
-    /// The first hit of a viewing ray after `after` (a default key: from its
-    /// start). False when there is none.
-    bool nextHit(const Ray& ray, const HitKey& after, HitKey& hit) const;
+    /// The first hit of a viewing ray after `after`, which it meets (none: from its
+    /// start). False when there is none; then `hit` is none.
+    bool nextHit(const Ray& ray, const Hit& after, Hit& hit) const;
 
     /// Share of the light that passes along `ray`: 0 behind anything solid, the
     /// product of the transparencies of clear surfaces on the way otherwise.

@@ -1,7 +1,6 @@
 #include "studio/render/sample_bundle.h"
 
 #include <algorithm>
-#include <limits>
 
 namespace tavora::studio {
 namespace {
@@ -15,8 +14,6 @@ bool isBehind(const SurfacePoint& point, const Imath::V3d& toLight) {
 
 /// Rays next to each other meet so many facets in turn.
 constexpr std::size_t kLookBack = 10;
-
-constexpr float kNothing = std::numeric_limits<float>::infinity();
 
 }  // namespace
 
@@ -35,7 +32,7 @@ SampleBundle::SampleBundle(const RayScene& scene, const LightRig& lights)
 }
 
 const MetSurface* SampleBundle::met(std::size_t ray) const {
-    return met_[ray].hit.distance == kNothing ? nullptr : &met_[ray];
+    return met_[ray].hit.isNone() ? nullptr : &met_[ray];
 }
 
 void SampleBundle::trace(std::span<const Ray> rays, std::span<const KnownShadows* const> known,
@@ -61,19 +58,18 @@ void SampleBundle::findSurfaces(std::span<const Ray> rays) {
     facets_.clear();
     for (std::size_t i = 0; i < rays.size(); ++i) {
         const std::size_t before = facets_.size();
-        HitKey& hit = met_[i].hit;
+        Hit& hit = met_[i].hit;
         hit = hits_[i];
-        while (hit.distance != kNothing &&
-               !meet(*scene_, facetFor(rays[i], hit), rays[i], met_[i])) {
+        while (!hit.isNone() && !meet(*scene_, facetFor(rays[i], hit), rays[i], met_[i])) {
             facets_.resize(before);
             ++viewingRays_;
-            if (!scene_->nextHit(rays[i], hit, hit)) hit.distance = kNothing;
+            scene_->nextHit(rays[i], hit, hit);
         }
     }
 }
 
 /// That of a ray shortly before, if it is the same.
-const Facet& SampleBundle::facetFor(const Ray& ray, const HitKey& hit) {
+const Facet& SampleBundle::facetFor(const Ray& ray, const Hit& hit) {
     std::size_t looks = kLookBack;
     for (auto before = facets_.rbegin(); before != facets_.rend() && looks-- > 0; ++before) {
         if (!isSameFacet(*before, ray, hit)) continue;
@@ -93,13 +89,14 @@ void SampleBundle::findStations(std::span<const KnownShadows* const> known,
         const MetSurface* surface = met(i);
         if (surface == nullptr || !shader.takesLight(*surface)) continue;
         const SurfacePoint& point = surface->point;
-        const HitKey& hit = surface->hit;
         Station& station = stations_.emplace_back();
         starts_.add(shadowOrigin(point));
         station.viewing = static_cast<std::uint32_t>(i);
         station.point = &point;
         station.asked = shader.askedLights(point.surfaceIndex());
-        station.known = known[i] != nullptr ? known[i]->at(hit.mesh, hit.distance) : nullptr;
+        station.known = known[i] != nullptr
+                            ? known[i]->at(surface->hit.mesh, static_cast<float>(point.distance))
+                            : nullptr;
     }
 }
 

@@ -57,7 +57,7 @@ class SampleBundle {
         std::uint32_t viewing = 0;  ///< where the viewing ray stands
     };
     void findSurfaces(std::span<const Ray> rays);
-    const Facet& facetFor(const Ray& ray, const HitKey& hit);
+    const Facet& facetFor(const Ray& ray, const Hit& hit);
     void findStations(std::span<const KnownShadows* const> known, const SampleShader& shader);
     void goToSky(std::size_t light);
     void goToMiddle(std::size_t light);
@@ -82,7 +82,7 @@ class SampleBundle {
     std::size_t lights_;
     ViewingStream viewing_;
     ShadowStream shadows_;
-    std::vector<HitKey> hits_;
+    std::vector<Hit> hits_;
     std::vector<Facet> facets_;  ///< of the surfaces met; never grows beyond the room
     std::vector<MetSurface> met_;
     std::vector<double> shares_;  ///< by ray and light

@@ -118,8 +118,7 @@ void SampleShader::follow(const KeptPath& path) {
     levels_.front()->place = KeptPath::kStart;
 }
 
-bool SampleShader::shadeNext(const Ray& ray, const HitKey& after, HitKey& hit,
-                             Appearance& appearance) {
+bool SampleShader::shadeNext(const Ray& ray, const Hit& after, Hit& hit, Appearance& appearance) {
     working = this;
     Level& level = *levels_.front();
     level.ray = &ray;
@@ -147,8 +146,8 @@ const SurfacePoint& SampleShader::point() const {
     return levels_.front()->met->point;
 }
 
-bool SampleShader::nextHit(Level& level, const HitKey& after) {
-    HitKey& hit = level.found.hit;
+bool SampleShader::nextHit(Level& level, const Hit& after) {
+    Hit& hit = level.found.hit;
     if (level.onPath) {
         const KeptPath::Step step = path_.next(level.place, hit);
         if (step != KeptPath::Step::Unknown) return step == KeptPath::Step::Hit;
@@ -160,7 +159,7 @@ bool SampleShader::nextHit(Level& level, const HitKey& after) {
 }
 
 /// Finds the next surface after `after` that is not wholly clear.
-bool SampleShader::findVisible(Level& level, HitKey after) {
+bool SampleShader::findVisible(Level& level, Hit after) {
     level.met = &level.found;
     while (nextHit(level, after)) {
         setFacet(*scene_, *level.ray, level.found.hit, level.facet);
@@ -276,7 +275,7 @@ double SampleShader::trace(const Viewpoint& from, HostSample& hit) {
 
 double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSample& hit) {
     Level& level = *level_;
-    HitKey after;
+    Hit after;
     if (from.position == outer.met->point.position &&
         isSameDirection(from.direction, outer.ray->direction)) {
         // The viewing ray goes on: what it passed is known exactly.

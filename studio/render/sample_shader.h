@@ -28,7 +28,7 @@ struct Appearance {
 
 /// A surface that a viewing ray meets, before it is shaded.
 struct MetSurface {
-    HitKey hit;
+    Hit hit;  ///< none: nothing is met
     SurfacePoint point;
     OwnColor own;
 };
@@ -59,7 +59,7 @@ class SampleShader {
     /// Shades the first surface along `ray` after the hit `after` that is not
     /// wholly clear where it is hit, and says in `hit` which one it was.
     /// False when there is none.
-    bool shadeNext(const Ray& ray, const HitKey& after, HitKey& hit, Appearance& appearance);
+    bool shadeNext(const Ray& ray, const Hit& after, Hit& hit, Appearance& appearance);
 
     /// Shades what shadeNext() along `ray` would, found before; `shares` are the
     /// shares of the lights there that are known, by light, negative where not.
@@ -94,8 +94,8 @@ class SampleShader {
   private:
     struct Level;
 
-    bool nextHit(Level& level, const HitKey& after);
-    bool findVisible(Level& level, HitKey after);
+    bool nextHit(Level& level, const Hit& after);
+    bool findVisible(Level& level, Hit after);
     OwnColor findOwnColor(const Level& level);
     Appearance shade(Level& level, const Viewpoint& from, std::span<const double> shares,
                      HostSample& record);

@@ -1,5 +1,7 @@
 #include "studio/render/shadow_stream.h"
 
+#include "studio/render/hit_filters.h"
+
 namespace tavora::studio {
 
 std::span<const double> ShadowStream::trace() {
@@ -9,6 +11,7 @@ std::span<const double> ShadowStream::trace() {
 std::span<const double> ShadowStream::trace(const RTCRayNp& rays) {
     RayContext context = rayContext(*scene_, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.shadows = progress_.data();
+    if (areLimited_) context.embree.filter = kLimitFilter;
     rtcOccludedNp(scene_->embree(), &context.embree, &rays, static_cast<unsigned>(count_));
     for (std::size_t i = 0; i < count_; ++i)
         shares_[i] = isStoppedAt(rays_.farthest(i)) ? 0 : 1;
@@ -28,6 +31,7 @@ void ShadowStream::judge() {
 std::span<const double> ShadowStream::traceToSky(const ShadowStarts& starts,
                                                  std::span<const std::uint32_t> from,
                                                  const Imath::V3d& direction) {
+    clear();
     count_ = from.size();
     rays_.turnToSky(count_, embreeDirection(direction));
     RTCRayNp rays = rays_.embree();
@@ -42,7 +46,7 @@ std::span<const double> ShadowStream::traceToSky(const ShadowStarts& starts,
     count_ = 0;
     for (const std::uint32_t start : from) {
         rays_.setStart(count_, {places.org_x[start], places.org_y[start], places.org_z[start]});
-        begin(starts[start].spot, 0, starts[start].spared);
+        progress_[count_++] = {{}, starts[start].spot, 0, starts[start].spared, 0, true, false};
     }
     return trace(rays);
 }

@@ -23,12 +23,18 @@ class ShadowStream {
         : scene_(&scene), progress_(room), rays_(room), shares_(room) {}
 
     /// Makes it empty.
-    void clear() { count_ = 0; }
+    void clear() {
+        count_ = 0;
+        areLimited_ = false;
+    }
     std::size_t count() const { return count_; }
 
     void add(const Ray& ray) {
         rays_.set(count_, ray);
-        begin(ray.spot, ray.spread, ray.spared);
+        areLimited_ |= ray.isLimited();
+        ShadowProgress& progress = progress_[count_++];
+        progress = shadowProgress(ray);
+        progress.leavesClear = true;
     }
 
     /// RayScene::transmittance() along each ray that was added, in that order;
@@ -41,17 +47,12 @@ class ShadowStream {
                                        const Imath::V3d& direction);
 
   private:
-    void begin(double spot, double spread, const SceneMesh* spared) {
-        if (scene_->judgesShadows()) {
-            progress_[count_] = {spot, spread, spared, 0, true, false};
-        }
-        ++count_;
-    }
     std::span<const double> trace(const RTCRayNp& rays);
     void judge();
 
     const RayScene* scene_;
     std::size_t count_ = 0;
+    bool areLimited_ = false;  ///< some of the rays
     std::vector<ShadowProgress> progress_;
     RayRows rays_;
     std::vector<double> shares_;

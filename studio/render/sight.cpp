@@ -31,8 +31,8 @@ class Layers {
     double through_ = 1;
 };
 
-FirstSurface firstSurface(const HitKey& hit, const SurfacePoint& point) {
-    return {hit.mesh, hit.distance, Imath::V3f(point.normal)};
+FirstSurface firstSurface(const SurfacePoint& point) {
+    return {point.facet->mesh, static_cast<float>(point.distance), Imath::V3f(point.normal)};
 }
 
 }  // namespace
@@ -47,10 +47,10 @@ Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>&
           FirstSurface* first) {
     Sight sight;
     Layers layers(sight);
-    HitKey hit;
+    Hit hit;
     Appearance surface;
     while (!layers.hide() && shader.shadeNext(ray, hit, hit, surface)) {
-        if (first != nullptr) *first = firstSurface(hit, shader.point());
+        if (first != nullptr) *first = firstSurface(shader.point());
         first = nullptr;
         layers.add(surface);
     }
@@ -61,7 +61,7 @@ Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>&
 void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
              std::span<const double> shares, const std::optional<Imath::V3d>& background,
              bool notesLights, ViewSample& sample) {
-    sample.first = firstSurface(met.hit, met.point);
+    sample.first = firstSurface(met.point);
     const Appearance first = shader.shadeMet(ray, met, shares);
     if (notesLights) sample.lights = shader.lightsMet();
     if (first.transparency == 0) {
@@ -70,7 +70,7 @@ void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
     }
     Layers layers(sample.sight);
     layers.add(first);
-    HitKey hit = met.hit;
+    Hit hit = met.hit;
     for (Appearance surface; !layers.hide() && shader.shadeNext(ray, hit, hit, surface);)
         layers.add(surface);
     layers.lieOver(background);

@@ -1,6 +1,7 @@
 #include "studio/render/viewing_stream.h"
 
 #include <algorithm>
+#include <limits>
 
 namespace tavora::studio {
 
@@ -12,15 +13,14 @@ bool ViewingStream::isNearEdge(std::size_t at) const {
 }
 
 void ViewingStream::start(std::span<const Ray> rays) {
-    for (std::size_t i = 0; i < rays.size(); ++i) {
+    for (std::size_t i = 0; i < rays.size(); ++i)
         rays_.set(i, rays[i]);
-        progress_[i].ray = &rays[i];
-        progress_[i].best = ViewingProgress{}.best;
-    }
+    std::fill_n(distances_.begin(), rays.size(), std::numeric_limits<float>::infinity());
+    std::fill_n(areDoubtful_.begin(), rays.size(), 0);
     std::fill_n(meshes_.begin(), rays.size(), RTC_INVALID_GEOMETRY_ID);
 }
 
-/// Embree leaves out what is null.
+/// Embree leaves out normals that are null.
 RTCRayHitNp ViewingStream::embree() {
     RTCRayHitNp query{};
     query.ray = rays_.embree();
@@ -31,17 +31,19 @@ RTCRayHitNp ViewingStream::embree() {
     return query;
 }
 
-void ViewingStream::firstHits(std::span<const Ray> rays, std::span<HitKey> hits) {
+void ViewingStream::firstHits(std::span<const Ray> rays, std::span<Hit> hits) {
     start(rays);
     RayContext context = rayContext(*scene_, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
-    context.viewing = progress_.data();
+    context.first = {rays.data(), distances_.data(), areDoubtful_.data()};
     const RTCRayHitNp query = embree();
     rtcIntersectNp(scene_->embree(), &context.embree, &query, static_cast<unsigned>(rays.size()));
     for (std::size_t i = 0; i < rays.size(); ++i) {
-        // Without a hit the best one is what it started as: infinitely far.
-        hits[i] = progress_[i].best;
-        if (meshes_[i] == RTC_INVALID_GEOMETRY_ID || !isNearEdge(i)) continue;
-        if (!scene_->nextHit(rays[i], {}, hits[i])) hits[i] = ViewingProgress{}.best;
+        const bool meets = meshes_[i] != RTC_INVALID_GEOMETRY_ID;
+        if (areDoubtful_[i] != 0 || rays[i].isLimited() || (meets && isNearEdge(i))) {
+            scene_->nextHit(rays[i], {}, hits[i]);
+        } else {
+            hits[i] = meets ? Hit{meshes_[i], triangles_[i]} : Hit{};
+        }
     }
 }
 

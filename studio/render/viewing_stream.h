@@ -18,16 +18,16 @@ class ViewingStream {
     /// At most `room` rays at once. `scene` must outlive it.
     ViewingStream(const RayScene& scene, std::size_t room)
         : scene_(&scene),
-          progress_(room),
           rays_(room),
+          distances_(room),
+          areDoubtful_(room),
           u_(room),
           v_(room),
           meshes_(room),
           triangles_(room) {}
 
-    /// `hits[i]` becomes the first hit of `rays[i]`; infinitely far where there
-    /// is none.
-    void firstHits(std::span<const Ray> rays, std::span<HitKey> hits);
+    /// `hits[i]` becomes the first hit of `rays[i]`, or none.
+    void firstHits(std::span<const Ray> rays, std::span<Hit> hits);
 
   private:
     void start(std::span<const Ray> rays);
@@ -35,8 +35,10 @@ class ViewingStream {
     bool isNearEdge(std::size_t at) const;
 
     const RayScene* scene_;
-    std::vector<ViewingProgress> progress_;
     RayRows rays_;
+    // As in FirstHits:
+    std::vector<float> distances_;
+    std::vector<std::uint8_t> areDoubtful_;
     // What Embree says of the hits:
     std::vector<float> u_;
     std::vector<float> v_;

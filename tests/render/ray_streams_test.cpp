@@ -110,10 +110,10 @@ std::vector<Ray> flatRays() {
     return rays;
 }
 
-std::vector<HitKey> hitsOf(const RayScene& scene, const std::vector<Ray>& rays,
+std::vector<Hit> hitsOf(const RayScene& scene, const std::vector<Ray>& rays,
                            std::size_t length) {
     ViewingStream stream(scene, length);
-    std::vector<HitKey> hits(rays.size());
+    std::vector<Hit> hits(rays.size());
     for (std::size_t first = 0; first < rays.size(); first += length) {
         const std::size_t count = std::min(length, rays.size() - first);
         stream.firstHits({&rays[first], count}, {&hits[first], count});
@@ -137,15 +137,12 @@ std::vector<double> sharesOf(const RayScene& scene, const std::vector<Ray>& rays
 
 /// Returns how many meet nothing.
 std::size_t expectAloneTheSame(const RayScene& scene, const std::vector<Ray>& rays,
-                               const std::vector<HitKey>& hits) {
+                               const std::vector<Hit>& hits) {
     std::size_t misses = 0;
     for (std::size_t i = 0; i < rays.size(); ++i) {
-        HitKey alone;
-        if (!scene.nextHit(rays[i], {}, alone)) {
-            alone = {std::numeric_limits<float>::infinity(), 0, 0};
-            ++misses;
-        }
-        EXPECT_FALSE(hits[i] > alone || alone > hits[i]) << i;
+        Hit alone;
+        if (!scene.nextHit(rays[i], {}, alone)) ++misses;
+        EXPECT_EQ(hits[i], alone) << i;
     }
     return misses;
 }
