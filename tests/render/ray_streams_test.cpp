@@ -110,8 +110,7 @@ std::vector<Ray> flatRays() {
     return rays;
 }
 
-std::vector<Hit> hitsOf(const RayScene& scene, const std::vector<Ray>& rays,
-                           std::size_t length) {
+std::vector<Hit> hitsOf(const RayScene& scene, const std::vector<Ray>& rays, std::size_t length) {
     ViewingStream stream(scene, length);
     std::vector<Hit> hits(rays.size());
     for (std::size_t first = 0; first < rays.size(); first += length) {
