@@ -75,6 +75,13 @@ void LightArrivals::meetAnew(std::size_t light) {
     Slot& slot = slots_[light];
     slot.metAt = sample_;
     slot.whole.lit = true;
+    if (ways_ != nullptr && ways_[light].distance != LightWay::kUnknown) {
+        const LightWay& way = ways_[light];
+        slot.distance = way.distance;
+        slot.whole.direction = way.direction;
+        slot.whole.color = way.color;
+        return;
+    }
     const Imath::V3d position = point_ != nullptr ? point_->position : Imath::V3d(0);
     slot.distance = arrivingLight(*lights_, lights_->lights[light], position, slot.whole.direction,
                                   slot.whole.color);

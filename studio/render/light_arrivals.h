@@ -23,6 +23,22 @@ struct LightArrival {
     Imath::V3d color{0};      ///< display-referred
 };
 
+/// The way of one light to one place, shadows aside, as arrivingLight() tells it.
+struct LightWay {
+    static constexpr double kUnknown = 0;
+
+    double distance = kUnknown;
+    Imath::V3d direction{0};
+    Imath::V3d color{0};
+};
+
+/// What is known of the lights at a sample, by light; either may be empty, and must
+/// outlive its use.
+struct KnownLights {
+    std::span<const double> shares;  ///< of each that reach the sample; negative: unknown
+    std::span<const LightWay> ways;
+};
+
 /// The lights at one sample after the other. Each light is worked out at most
 /// once a sample. One thread at a time.
 ///
@@ -33,14 +49,13 @@ class LightArrivals {
     /// Both must outlive it.
     LightArrivals(const RayScene& scene, const LightRig& lights);
 
-    /// Forgets the sample before. `shares` of the lights are what is known to reach
-    /// the sample, by light, negative where that is not known; empty: nothing is.
-    /// at() sets the entry in `asked` of each light it is asked for. What is given
-    /// must outlive the sample.
-    void start(const SurfacePoint& point, std::uint8_t* asked, std::span<const double> shares) {
+    /// Forgets the sample before. at() sets the entry in `asked` of each light it is
+    /// asked for. What is given must outlive the sample.
+    void start(const SurfacePoint& point, std::uint8_t* asked, const KnownLights& known) {
         point_ = &point;
         asked_ = asked;
-        shares_ = shares.empty() ? unknown_.data() : shares.data();
+        shares_ = known.shares.empty() ? unknown_.data() : known.shares.data();
+        ways_ = known.ways.empty() ? nullptr : known.ways.data();
         path_ = nullptr;
         ++sample_;
     }
@@ -122,6 +137,7 @@ class LightArrivals {
     const SurfacePoint* point_ = nullptr;
     std::uint8_t* asked_ = nullptr;   ///< by light
     const double* shares_ = nullptr;  ///< by light
+    const LightWay* ways_ = nullptr;  ///< by light; null: none is known
     std::vector<double> unknown_;     ///< shares of which nothing is known
     KeptPath* path_ = nullptr;
     KeptPath::Place place_ = KeptPath::kStart;

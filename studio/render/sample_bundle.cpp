@@ -12,6 +12,12 @@ bool isBehind(const SurfacePoint& point, const Imath::V3d& toLight) {
     return !(toLight.dot(point.facet->normal) > 0);
 }
 
+bool havePlaces(const LightRig& rig) {
+    return std::any_of(rig.lights.begin(), rig.lights.end(), [](const LitLight& lit) {
+        return lit.light->kind != LightKind::Directional;
+    });
+}
+
 /// Rays next to each other meet so many facets in turn.
 constexpr std::size_t kLookBack = 10;
 
@@ -26,6 +32,7 @@ SampleBundle::SampleBundle(const RayScene& scene, const LightRig& lights)
       hits_(kRoom),
       met_(kRoom),
       shares_(std::max<std::size_t>(kRoom * lights_, 1)),
+      ways_(havePlaces(lights) ? kRoom * lights_ : 0),
       starts_(kRoom),
       going_(kRoom) {
     facets_.reserve(kRoom);
@@ -40,6 +47,8 @@ void SampleBundle::trace(std::span<const Ray> rays, std::span<const KnownShadows
     findSurfaces(rays);
     findStations(known.first(rays.size()), shader);
     std::fill_n(shares_.begin(), rays.size() * lights_, -1.0);
+    for (LightWay& way : std::span(ways_).first(ways_.empty() ? 0 : rays.size() * lights_))
+        way.distance = LightWay::kUnknown;
     for (std::size_t light = 0; light < lights_; ++light) {
         const LitLight& lit = rig_->lights[light];
         if (!lit.points.empty()) {
@@ -138,16 +147,20 @@ void SampleBundle::goToMiddle(std::size_t light) {
 bool SampleBundle::isToSettle(const Station& station, std::size_t light, LitPlace& place) {
     const double known = knownShare(station, light);
     if (known < 0 && station.asked[light] == 0) return false;
-    if (!isReached(station, rig_->lights[light], place)) return false;
+    if (!isReached(station, light, place)) return false;
     if (known >= 0) share(station.viewing, light) = known;
     return known < 0;
 }
 
 /// Whether the light, shadows aside, shines on the side that is seen.
-bool SampleBundle::isReached(const Station& station, const LitLight& lit, LitPlace& place) const {
-    Imath::V3d color;
+bool SampleBundle::isReached(const Station& station, std::size_t light, LitPlace& place) {
+    LightWay way;
     place.position = station.point->position;
-    place.distance = arrivingLight(*rig_, lit, place.position, place.direction, color);
+    way.distance =
+        arrivingLight(*rig_, rig_->lights[light], place.position, way.direction, way.color);
+    if (!ways_.empty()) ways_[station.viewing * lights_ + light] = way;
+    place.distance = way.distance;
+    place.direction = way.direction;
     place.facing = &station.point->normal;
     return place.distance >= 0 && -place.direction.dot(station.point->normal) > 0;
 }
@@ -160,18 +173,18 @@ void SampleBundle::settle(std::size_t light, std::span<const double> passed) {
 }
 
 void SampleBundle::goToPoints(std::size_t light) {
-    ways_.clear();
+    softWays_.clear();
     const LitLight& lit = rig_->lights[light];
     Way way;
     LitPlace place;
     for (const Station& station : stations_) {
         if (!isToSettle(station, light, place)) continue;
         way.viewing = station.viewing;
-        if (way.rays.aim(rayFrom(station), lit, place)) ways_.push_back(way);
+        if (way.rays.aim(rayFrom(station), lit, place)) softWays_.push_back(way);
     }
     while (stepToPoints())
         ;
-    for (const Way& gone : ways_)
+    for (const Way& gone : softWays_)
         share(gone.viewing, light) = gone.rays.share();
 }
 
@@ -180,15 +193,15 @@ void SampleBundle::goToPoints(std::size_t light) {
 bool SampleBundle::stepToPoints() {
     shadows_.clear();
     Ray ray;
-    for (std::size_t i = 0; i < ways_.size(); ++i) {
-        if (!ways_[i].rays.next(ray)) continue;
+    for (std::size_t i = 0; i < softWays_.size(); ++i) {
+        if (!softWays_[i].rays.next(ray)) continue;
         going_[shadows_.count()] = static_cast<std::uint32_t>(i);
         shadows_.add(ray);
     }
     const std::span<const double> passed = shadows_.trace();
     shadowRays_ += passed.size();
     for (std::size_t i = 0; i < passed.size(); ++i)
-        ways_[going_[i]].rays.add(passed[i]);
+        softWays_[going_[i]].rays.add(passed[i]);
     return !passed.empty();
 }
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "studio/render/known_shadows.h"
+#include "studio/render/light_arrivals.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_shader.h"
 #include "studio/render/shadow_rays.h"
@@ -34,9 +35,11 @@ class SampleBundle {
 
     /// The first surface along a ray that is not wholly clear, or null.
     const MetSurface* met(std::size_t ray) const;
-    /// Share of each light that reaches it; negative where that was not traced.
-    std::span<const double> shares(std::size_t ray) const {
-        return {&shares_[ray * lights_], lights_};
+    /// What was found out of the lights there.
+    KnownLights lights(std::size_t ray) const {
+        KnownLights known{{&shares_[ray * lights_], lights_}, {}};
+        if (!ways_.empty()) known.ways = {&ways_[ray * lights_], lights_};
+        return known;
     }
 
     std::uint64_t viewingRays() const { return viewingRays_; }
@@ -63,7 +66,7 @@ class SampleBundle {
     void goToMiddle(std::size_t light);
     void goToPoints(std::size_t light);
     bool isToSettle(const Station& station, std::size_t light, LitPlace& place);
-    bool isReached(const Station& station, const LitLight& lit, LitPlace& place) const;
+    bool isReached(const Station& station, std::size_t light, LitPlace& place);
     bool stepToPoints();
     void settle(std::size_t light, std::span<const double> passed);
     Ray rayFrom(const Station& station) const {
@@ -86,10 +89,11 @@ class SampleBundle {
     std::vector<Facet> facets_;  ///< of the surfaces met; never grows beyond the room
     std::vector<MetSurface> met_;
     std::vector<double> shares_;  ///< by ray and light
+    std::vector<LightWay> ways_;  ///< the same, of lights that have a place; empty: none has
     std::vector<Station> stations_;
     ShadowStarts starts_;
     std::vector<std::uint32_t> going_;  ///< stations, or ways, of the shadow rays
-    std::vector<Way> ways_;
+    std::vector<Way> softWays_;
     std::uint64_t viewingRays_ = 0;
     std::uint64_t shadowRays_ = 0;
 };

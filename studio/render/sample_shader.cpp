@@ -130,12 +130,12 @@ bool SampleShader::shadeNext(const Ray& ray, const Hit& after, Hit& hit, Appeara
 }
 
 Appearance SampleShader::shadeMet(const Ray& ray, const MetSurface& met,
-                                  std::span<const double> shares) {
+                                  const KnownLights& lights) {
     working = this;
     Level& level = *levels_.front();
     level.ray = &ray;
     level.met = &met;
-    return shade(level, {ray.origin, ray.direction, met.point.distance}, shares, level.record);
+    return shade(level, {ray.origin, ray.direction, met.point.distance}, lights, level.record);
 }
 
 LightsMet SampleShader::lightsMet() const {
@@ -181,7 +181,7 @@ OwnColor SampleShader::findOwnColor(const Level& level) {
     return own;
 }
 
-Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<const double> shares,
+Appearance SampleShader::shade(Level& level, const Viewpoint& from, const KnownLights& lights,
                                HostSample& record) {
     const SurfacePoint& point = level.met->point;
     const int surface = point.surfaceIndex();
@@ -191,7 +191,7 @@ Appearance SampleShader::shade(Level& level, const Viewpoint& from, std::span<co
     const OwnColor& own = level.met->own;
     SampleValues values{own.color, own.luminosity, own.diffuse,
                         active.shader != nullptr ? traits.specular : 0, 1 - own.alpha};
-    level.lights.start(point, asked_.data() + firstAsked(surface), shares);
+    level.lights.start(point, asked_.data() + firstAsked(surface), lights);
     if (level.onPath) level.lights.keep(path_, level.place);
     fill(level, from, values, record);
     if (active.shader != nullptr) evaluate(level, active, record, values);

@@ -11,6 +11,7 @@
 #include "studio/render/kept_paths.h"
 #include "studio/render/known_shadows.h"
 #include "studio/render/lane_shaders.h"
+#include "studio/render/light_arrivals.h"
 #include "studio/render/ray_scene.h"
 #include "studio/render/sample_record.h"
 #include "studio/render/surface_point.h"
@@ -61,9 +62,9 @@ class SampleShader {
     /// False when there is none.
     bool shadeNext(const Ray& ray, const Hit& after, Hit& hit, Appearance& appearance);
 
-    /// Shades what shadeNext() along `ray` would, found before; `shares` are the
-    /// shares of the lights there that are known, by light, negative where not.
-    Appearance shadeMet(const Ray& ray, const MetSurface& met, std::span<const double> shares);
+    /// Shades what shadeNext() along `ray` would, found before, with what is
+    /// known of the lights there.
+    Appearance shadeMet(const Ray& ray, const MetSurface& met, const KnownLights& lights);
 
     /// Whether shading it takes light at all.
     bool takesLight(const MetSurface& met) const {
@@ -97,7 +98,7 @@ class SampleShader {
     bool nextHit(Level& level, const Hit& after);
     bool findVisible(Level& level, Hit after);
     OwnColor findOwnColor(const Level& level);
-    Appearance shade(Level& level, const Viewpoint& from, std::span<const double> shares,
+    Appearance shade(Level& level, const Viewpoint& from, const KnownLights& lights,
                      HostSample& record);
     void fill(Level& level, const Viewpoint& from, const SampleValues& values,
               HostSample& record) const;

@@ -13,7 +13,7 @@ constexpr double kAlmost = 1 - 1e-6;
 
 /// Turns `ray` by `way`, to end almost there. False where that is too near.
 bool pointAlong(const Imath::V3d& way, Ray& ray) {
-    const double length = way.length();
+    const double length = std::sqrt(way.length2());
     if (!(length > ray.nearest)) return false;
     ray.direction = way / length;
     ray.farthest = length * kAlmost;

@@ -58,11 +58,10 @@ Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>&
     return sight;
 }
 
-void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
-             std::span<const double> shares, const std::optional<Imath::V3d>& background,
-             bool notesLights, ViewSample& sample) {
+void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met, const KnownLights& lights,
+             const std::optional<Imath::V3d>& background, bool notesLights, ViewSample& sample) {
     sample.first = firstSurface(met.point);
-    const Appearance first = shader.shadeMet(ray, met, shares);
+    const Appearance first = shader.shadeMet(ray, met, lights);
     if (notesLights) sample.lights = shader.lightsMet();
     if (first.transparency == 0) {
         sample.sight = {first.color, 1};

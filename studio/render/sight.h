@@ -42,10 +42,9 @@ struct ViewSample {
     LightsMet lights{};  ///< that the first surface asked for, if they are noted
 };
 
-/// see() into `sample` where the first surface is known; `shares` as for
+/// see() into `sample` where the first surface is known; `lights` as for
 /// SampleShader::shadeMet(). The lights are noted if `notesLights`.
-void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met,
-             std::span<const double> shares, const std::optional<Imath::V3d>& background,
-             bool notesLights, ViewSample& sample);
+void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met, const KnownLights& lights,
+             const std::optional<Imath::V3d>& background, bool notesLights, ViewSample& sample);
 
 }  // namespace tavora::studio

@@ -1,6 +1,7 @@
 #include "studio/render/surface_point.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "studio/render/rounding_margin.h"
 #include "studio/render/unit_vector.h"
@@ -43,7 +44,7 @@ void setSurfacePoint(const Facet& facet, const Ray& ray, SurfacePoint& point) {
     point.position = blend(facet.corners, point.weights);
     point.normal = facet.isSmooth ? unitOr(blend(facet.cornerNormals, point.weights), facet.normal)
                                   : facet.normal;
-    point.distance = (point.position - ray.origin).length();
+    point.distance = std::sqrt((point.position - ray.origin).length2());
     point.spotSize = ray.spotAt(point.distance);
 }
 

@@ -31,7 +31,7 @@ void ViewSampler::lookTogether(std::span<const ViewPlace> places, std::span<View
     bundle_.trace({rays_.data(), places.size()}, known_, shader_);
     for (std::size_t i = 0; i < places.size(); ++i) {
         if (const MetSurface* met = bundle_.met(i)) {
-            seeFrom(shader_, rays_[i], *met, bundle_.shares(i), *background_, notesLights,
+            seeFrom(shader_, rays_[i], *met, bundle_.lights(i), *background_, notesLights,
                     samples[i]);
         } else {
             samples[i] = {seeNothing(*background_), {}, {}};

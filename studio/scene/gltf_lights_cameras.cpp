@@ -7,6 +7,7 @@
 #include "studio/scene/angle_units.h"
 #include "studio/scene/gltf_accessor.h"
 #include "studio/scene/gltf_nodes.h"
+#include "studio/scene/portable_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -99,8 +100,8 @@ Light readLight(const GltfSource& source, int index, int node, const Imath::M44d
     light.intensity = static_cast<float>(std::max(from.intensity, 0.0));
     if (from.range > 0) light.range = static_cast<float>(from.range);
     const double outer = std::clamp(from.spot.outerConeAngle, 0.0, kWidestCone);
-    light.outerCone = static_cast<float>(outer);
-    light.innerCone = static_cast<float>(std::clamp(from.spot.innerConeAngle, 0.0, outer));
+    light.outerCosine = portable::cos(outer);
+    light.innerCosine = portable::cos(std::clamp(from.spot.innerConeAngle, 0.0, outer));
     const std::string own = fmt::format("/extensions/KHR_lights_punctual/lights/{}", index);
     LightExtras(source, own, warnings).readInto(light);
     LightExtras(source, fmt::format("/nodes/{}", node), warnings).readInto(light);

@@ -7,7 +7,6 @@
 #include "studio/scene/color.h"
 #include "studio/scene/default_view.h"
 #include "studio/scene/glob.h"
-#include "studio/scene/portable_math.h"
 #include "studio/scene/soft_light.h"
 
 namespace tavora::studio {
@@ -81,9 +80,8 @@ double brightest(const std::vector<const Light*>& lights, const Scene& scene) {
 
 /// 1 inside the inner cone, falling to 0 at the outer one.
 double coneShare(const Light& light, double cosine) {
-    const double inner = portable::cos(static_cast<double>(light.innerCone));
-    const double outer = portable::cos(static_cast<double>(light.outerCone));
-    const double t = (cosine - outer) / std::max(inner - outer, 1e-3);
+    const double t =
+        (cosine - light.outerCosine) / std::max(light.innerCosine - light.outerCosine, 1e-3);
     const double clamped = std::clamp(t, 0.0, 1.0);
     return clamped * clamped;
 }
@@ -127,7 +125,7 @@ double arrivingLight(const LightRig& rig, const LitLight& lit, const V3d& positi
         return std::numeric_limits<double>::infinity();
     }
     const V3d way = position - light.position;
-    const double distance = way.length();
+    const double distance = std::sqrt(way.length2());
     direction = distance > 0 ? way / distance : light.direction;
     double level = 1;
     if (light.kind == LightKind::Spot) level *= coneShare(light, direction.dot(light.direction));

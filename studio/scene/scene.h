@@ -116,8 +116,9 @@ struct Light {
     Imath::V3f color{1, 1, 1};       ///< scene-linear
     float intensity = 1;             ///< lux for directional, candela for others
     float range = std::numeric_limits<float>::infinity();  ///< metres
-    float innerCone = 0;                                   ///< radians from the axis
-    float outerCone = 0.7853982F;
+    // Of a spot light's cones, from the axis; it shines wholly within the inner one.
+    double innerCosine = 1;
+    double outerCosine = 0.70710678118654752;  ///< an eighth of a turn
     double radius = 0;  ///< metres; of a point or spot light's ball; 0: hard shadows
     double angle = 0;   ///< radians, diameter of a directional light in the sky; 0: hard shadows
     bool makesHighlights = true;

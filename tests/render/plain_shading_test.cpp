@@ -63,8 +63,8 @@ TEST(PlainShading, SpotsLightTheirConeAlone) {
     test.addQuad({0, 0, 0}, 10, 0);
     Light& spot = test.addLight(LightKind::Spot);
     spot.position = {0, 0, 1};
-    spot.innerCone = 0.5F;
-    spot.outerCone = static_cast<float>(std::numbers::pi / 4);
+    spot.innerCosine = std::cos(0.5);
+    spot.outerCosine = std::sqrt(0.5);
     const Picture picture = renderPlain(test, frontCamera({0, 0, 5}, 2), squareOptions(41));
     const double step = 4.0 / 41;
     for (int x = 0; x < 41; ++x) {
@@ -109,8 +109,8 @@ std::vector<double> underHalfARoof(LightKind kind, double radius, double angle) 
     Light& light = test.addLight(kind);
     light.position = {0, 0, 2};
     light.direction = kDown;
-    light.outerCone = 1.5F;
-    light.innerCone = 1.4F;
+    light.outerCosine = std::cos(1.5);
+    light.innerCosine = std::cos(1.4);
     test.soften(radius, angle);
     const Picture picture = renderPlain(test, frontCamera({0, 0, 0.5}, 2), squareOptions(80));
     std::vector<double> row;

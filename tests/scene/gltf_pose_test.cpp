@@ -203,13 +203,13 @@ TEST(GltfPose, LightsShineAlongMinusZWithoutTheirNodesScale) {
     EXPECT_EQ(spot.color, V3f(1, 0.5F, 0.25F));
     EXPECT_EQ(spot.intensity, 40);
     EXPECT_EQ(spot.range, 7);
-    EXPECT_EQ(spot.innerCone, 0.2F);
-    EXPECT_EQ(spot.outerCone, 0.4F);
+    EXPECT_NEAR(spot.innerCosine, std::cos(0.2), 1e-15);
+    EXPECT_NEAR(spot.outerCosine, std::cos(0.4), 1e-15);
     EXPECT_EQ(scene.lights[1]->kind, LightKind::Point);
     EXPECT_EQ(scene.lights[1]->intensity, 1);
     EXPECT_TRUE(std::isinf(scene.lights[1]->range));
     EXPECT_EQ(scene.lights[2]->kind, LightKind::Directional);
-    EXPECT_NEAR(static_cast<double>(scene.lights[3]->outerCone), std::atan(1.0), 1e-6);
+    EXPECT_NEAR(scene.lights[3]->outerCosine, std::sqrt(0.5), 1e-9);
 }
 
 TEST(GltfPose, HighlightsAreSwitchedByTheLightThenByItsNode) {

@@ -41,8 +41,8 @@ Light spot(float candela, double height) {
     Light light = point(candela, {0, height, 0});
     light.kind = LightKind::Spot;
     light.direction = {0, -1, 0};
-    light.innerCone = 0.2F;
-    light.outerCone = 0.5F;
+    light.innerCosine = std::cos(0.2);
+    light.outerCosine = std::cos(0.5);
     return light;
 }
 
