@@ -12,7 +12,7 @@ template <class Object, class Id>
 class Handles {
   public:
     /// An identity for an object to be made.
-    Id next() { return reinterpret_cast<Id>(++last_); }
+    Id next() { return reinterpret_cast<Id>(++last_); }  // NOLINT(performance-no-int-to-ptr)
     void add(Id id, Object& object) { live_[id] = &object; }
     void remove(Id id) { live_.erase(id); }
 

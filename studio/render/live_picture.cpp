@@ -195,6 +195,7 @@ std::uint64_t LivePicture::setShading(std::vector<SurfaceShading> shading) {
         throw std::invalid_argument("every surface needs its shading");
     }
     std::vector<std::shared_ptr<const SurfaceShading>> shared;
+    shared.reserve(shading.size());
     for (SurfaceShading& one : shading)
         shared.push_back(std::make_shared<const SurfaceShading>(std::move(one)));
     return parts_->post(true, [&](LiveWish& wish) {

@@ -45,7 +45,7 @@ Cover coverOf(const Surface& surface, const SceneIndex& scene) {
 /// a whole number.
 unsigned lobeExponent(double roughness) {
     const double alpha = std::max(roughness * roughness, 0.01);
-    return static_cast<unsigned>(std::max(2 / (alpha * alpha) - 2, 1.0) + 0.5);
+    return static_cast<unsigned>(std::lround(std::max(2 / (alpha * alpha) - 2, 1.0)));
 }
 
 Imath::V4d vertexColor(const TexturePlace& place) {

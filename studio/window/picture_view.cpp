@@ -49,7 +49,8 @@ void PictureView::takePicture() {
     if (frame == nullptr || frame->width == 0) return;
     // The image keeps the frame for as long as it shows its pixels.
     image_ = QImage(
-        frame->rgba.data(), frame->width, frame->height, frame->width * 4, QImage::Format_RGBA8888,
+        frame->rgba.data(), frame->width, frame->height, qsizetype{4} * frame->width,
+        QImage::Format_RGBA8888,
         [](void* kept) { delete static_cast<std::shared_ptr<const LiveFrame>*>(kept); },
         new std::shared_ptr<const LiveFrame>(frame));
     update();

@@ -63,7 +63,7 @@ void Session::setSize(int width, int height) {
 void Session::setInterest(int x, int y) {
     const std::vector<Imath::V3d> shown = placesShown();
     if (shown.empty()) return;
-    const Imath::V3d foreground = shown[shown.size() / 4];
+    const Imath::V3d& foreground = shown[shown.size() / 4];
     const auto picked = picture_->pickAt(x, y);
     const bool near = picked && depthOf(picked->position) <= kBackdrop * depthOf(foreground);
     orbit_->setInterest(near ? picked->position : foreground);
