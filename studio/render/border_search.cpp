@@ -1,6 +1,7 @@
 #include "studio/render/border_search.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace tavora::studio {
 namespace {
@@ -11,6 +12,32 @@ constexpr int kSame = 2;
 /// A share is wrong by about a sixth of the slack: by less than from 64 samples spread
 /// evenly, even where the border runs along the pixel's sides, and they do best.
 constexpr double kFine = 0.025;
+
+/// A bit for each corner of the pixel.
+using Corners = std::uint8_t;
+constexpr std::array kCorners = {Imath::V2d(0, 0), Imath::V2d(1, 0), Imath::V2d(0, 1),
+                                 Imath::V2d(1, 1)};
+/// How far from the sides a corner is looked at.
+constexpr double kInset = 0.04;
+
+/// Whether one of some places lies near a corner, along both sides together.
+bool isToldOf(const Imath::V2d& corner, std::span<const Imath::V2d> places, double near) {
+    return std::any_of(places.begin(), places.end(), [&](const Imath::V2d& place) {
+        return std::abs(place.x - corner.x) + std::abs(place.y - corner.y) <= near;
+    });
+}
+
+/// Corners with no place nearer than samples lie apart, neither of those before nor of
+/// those that come next.
+Corners cornersUntold(std::span<const Imath::V2d> before, std::span<const Imath::V2d> next) {
+    const double apart = 1 / std::sqrt(static_cast<double>(before.size()));
+    unsigned untold = 0;
+    for (std::size_t i = 0; i < kCorners.size(); ++i) {
+        const Imath::V2d& corner = kCorners[i];
+        if (!isToldOf(corner, before, apart) && !isToldOf(corner, next, apart)) untold |= 1U << i;
+    }
+    return static_cast<Corners>(untold);
+}
 
 bool isSame(const SeenLevels& a, const SeenLevels& b) {
     return distance(a, b) <= kSame;
@@ -48,7 +75,7 @@ std::optional<BorderSearch> BorderSearch::begin(std::span<const Imath::V2d> plac
         const bool isFar = whichOf(levels[i], sides[0].levels, sides[1].levels) == 1;
         if (!border.add(places[i], isFar)) return {};
     }
-    return BorderSearch(sides, border);
+    return BorderSearch(sides, border, cornersUntold(places, border.telling()));
 }
 
 void BorderSearch::color(int side, const Sight& sight, LightMeter& meter) {
@@ -59,6 +86,18 @@ void BorderSearch::color(int side, const Sight& sight, LightMeter& meter) {
 
 void BorderSearch::color(const Sight& sight, LightMeter& meter) {
     color(sideOf(sight), sight, meter);
+}
+
+BorderSearch::Places BorderSearch::nextPlaces() {
+    Places next;
+    for (const Imath::V2d& place : border_.telling())
+        next.at[next.count++] = place;
+    for (std::size_t i = 0; i < kCorners.size(); ++i) {
+        if ((corners_ >> i & 1) == 0) continue;
+        next.at[next.count++] = kCorners[i] + (Imath::V2d(0.5) - kCorners[i]) * (2 * kInset);
+    }
+    corners_ = 0;
+    return next;
 }
 
 bool BorderSearch::add(const Imath::V2d& place, const Sight& sight, LightMeter& meter) {
@@ -73,7 +112,7 @@ int BorderSearch::sideOf(const Sight& sight) const {
 }
 
 bool BorderSearch::isDone() const {
-    return sides_[0].count > 0 && sides_[1].count > 0 && border_.slack() <= kFine;
+    return corners_ == 0 && sides_[0].count > 0 && sides_[1].count > 0 && border_.slack() <= kFine;
 }
 
 std::array<float, 4> BorderSearch::pixel() const {

@@ -2,6 +2,8 @@
 
 #include <ImathVec.h>
 #include <array>
+#include <cstddef>
+#include <cstdint>
 #include <optional>
 #include <span>
 
@@ -13,10 +15,17 @@ namespace tavora::studio {
 
 /// Finds out how much of a pixel each of two even colours takes that meet along a
 /// straight border: the usual edge of a zone, of a highlight or of an object. A
-/// dozen samples placed about the border tell more than many spread evenly.
+/// dozen samples placed about the border tell more than many spread evenly. Corners
+/// of the pixel are looked at, too, where an ink line may end and a third colour begin.
 class BorderSearch {
   public:
-    static constexpr std::size_t kPlaces = StraightBorder::kTelling;
+    /// Where to look next.
+    struct Places {
+        std::array<Imath::V2d, StraightBorder::kTelling + 4> at;
+        std::size_t count = 0;
+
+        std::span<const Imath::V2d> all() const { return {at.data(), count}; }
+    };
 
     /// By what the pixel's samples show so far, at places 0..1 each way. Nothing
     /// unless they show two colours that a line can keep apart.
@@ -26,8 +35,8 @@ class BorderSearch {
     /// Lets a sample that begin() knew count for the colour of its side.
     void color(const Sight& sight, LightMeter& meter);
 
-    /// Where to look next.
-    std::array<Imath::V2d, kPlaces> places() const { return border_.telling(); }
+    /// All of them are to be looked at.
+    Places nextPlaces();
 
     /// What shows at one of the places. False when it does not fit: there is more
     /// to the pixel than two colours and a straight border.
@@ -46,13 +55,15 @@ class BorderSearch {
         int count = 0;
     };
 
-    BorderSearch(const std::array<Side, 2>& sides, const StraightBorder& border)
-        : sides_(sides), border_(border) {}
+    BorderSearch(const std::array<Side, 2>& sides, const StraightBorder& border,
+                 std::uint8_t corners)
+        : sides_(sides), border_(border), corners_(corners) {}
     int sideOf(const Sight& sight) const;
     void color(int side, const Sight& sight, LightMeter& meter);
 
     std::array<Side, 2> sides_;  ///< the near one, the far one
     StraightBorder border_;
+    std::uint8_t corners_;  ///< that are yet to be looked at, a bit for each
 };
 
 }  // namespace tavora::studio

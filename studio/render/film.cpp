@@ -1,5 +1,7 @@
 #include "studio/render/film.h"
 
+#include <utility>
+
 #include "studio/scene/color.h"
 
 namespace tavora::studio {
@@ -22,11 +24,11 @@ void PixelSum::develop(int count, float rgba[4]) const {
 }
 
 void LightMeter::add(const Sight& sight, PixelSum& sum) {
-    if (sight != last_) {
-        last_ = sight;
-        lastLinear_ = linear(sight);
+    if (sight != last_.sight) {
+        std::swap(last_, before_);
+        if (sight != last_.sight) last_ = {sight, linear(sight)};
     }
-    sum.color += lastLinear_;
+    sum.color += last_.color;
     sum.alpha += sight.alpha;
 }
 

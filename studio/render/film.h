@@ -22,8 +22,13 @@ class LightMeter {
     void add(const Sight& sight, PixelSum& sum);
 
   private:
-    Sight last_;  ///< neighbouring samples often see the same
-    Imath::V3d lastLinear_{0, 0, 0};
+    struct Metered {
+        Sight sight;
+        Imath::V3d color{0, 0, 0};  ///< as in PixelSum
+    };
+    // Neighbouring samples often see the same, or by turns the two sides of a border.
+    Metered last_;
+    Metered before_;
 };
 
 }  // namespace tavora::studio

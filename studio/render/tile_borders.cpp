@@ -9,9 +9,6 @@ namespace {
 /// Each leaves a third of what is open; what is open then is no straight border.
 constexpr int kSteps = 4;
 
-/// Places that a step looks at in each pixel.
-constexpr std::size_t kEach = BorderSearch::kPlaces;
-
 }  // namespace
 
 void TileBorders::add(const Pixel& pixel, std::span<const Imath::V2d> places,
@@ -25,7 +22,7 @@ void TileBorders::add(const Pixel& pixel, std::span<const Imath::V2d> places,
     if (!search) return;
     for (const ViewSample& sample : samples)
         search->color(sample.sight, meter);
-    borders_.push_back({pixel, *search});
+    borders_.push_back({pixel, *search, 0});
 }
 
 std::uint64_t TileBorders::search(ViewSampler& sampler, LightMeter& meter, Refinement& refinement) {
@@ -42,9 +39,11 @@ std::uint64_t TileBorders::search(ViewSampler& sampler, LightMeter& meter, Refin
 std::uint64_t TileBorders::step(ViewSampler& sampler, LightMeter& meter) {
     places_.clear();
     inPixel_.clear();
-    for (const Border& border : borders_) {
+    for (Border& border : borders_) {
         const Imath::V2d corner(border.pixel.x, border.pixel.y);
-        for (const Imath::V2d& place : border.search.places()) {
+        const BorderSearch::Places next = border.search.nextPlaces();
+        border.count = next.count;
+        for (const Imath::V2d& place : next.all()) {
             inPixel_.push_back(place);
             places_.push_back({corner + place, border.pixel.known});
         }
@@ -54,14 +53,14 @@ std::uint64_t TileBorders::step(ViewSampler& sampler, LightMeter& meter) {
     std::size_t first = 0;
     std::erase_if(borders_, [&](Border& border) {
         const bool fits = take(border, first, meter);
-        first += kEach;
+        first += border.count;
         return !fits;
     });
     return places_.size();
 }
 
 bool TileBorders::take(Border& border, std::size_t first, LightMeter& meter) {
-    for (std::size_t i = first; i < first + kEach; ++i) {
+    for (std::size_t i = first; i < first + border.count; ++i) {
         if (!border.search.add(inPixel_[i], samples_[i].sight, meter)) return false;
     }
     return true;

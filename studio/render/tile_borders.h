@@ -38,6 +38,7 @@ class TileBorders {
     struct Border {
         Pixel pixel;
         BorderSearch search;
+        std::size_t count = 0;  ///< of places that the step looks at
     };
     std::uint64_t step(ViewSampler& sampler, LightMeter& meter);
     bool take(Border& border, std::size_t first, LightMeter& meter);
