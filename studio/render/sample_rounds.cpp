@@ -1,6 +1,7 @@
 #include "studio/render/sample_rounds.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "studio/render/pixel_filter.h"
 #include "studio/render/sample_pattern.h"
@@ -10,6 +11,12 @@ namespace {
 
 /// Enough samples to tell what meets in a pixel.
 constexpr std::size_t kTelling = 9;
+
+/// Samples after a round with so many before: about four times as many, a power of
+/// two if it can be: by these their sequence is most even.
+std::size_t afterwards(std::size_t before) {
+    return std::max(kTelling, std::bit_floor(before * 4));
+}
 
 /// So many kinds of patterns are enough for pixels that lie side by side.
 constexpr int kKinds = 16;
@@ -24,7 +31,7 @@ std::vector<SampleRun> roundsOf(const RenderOptions& options) {
     if (least > first) rounds.push_back({first, least});
     while (rounds.back().last < most) {
         const std::size_t before = rounds.back().last;
-        rounds.push_back({before, std::min(most, std::max(kTelling, before * 4))});
+        rounds.push_back({before, std::min(most, afterwards(before))});
     }
     return rounds;
 }
