@@ -35,11 +35,7 @@ class HitAtFilter {
     const SceneMesh& source() const { return *geometry_->source; }
     Cover cover() const { return scene().traits(source().surfaceIndex).cover; }
     unsigned triangle() const { return RTCHitN_primID(hit_, count_, number_); }
-    std::array<Imath::V3f, 3> corners() const {
-        const auto& vertices = source().mesh->triangles[triangle()];
-        return {geometry_->vertices[vertices[0]], geometry_->vertices[vertices[1]],
-                geometry_->vertices[vertices[2]]};
-    }
+    std::array<Imath::V3f, 3> corners() const { return cornersOf(*geometry_, triangle()); }
 
     /// As Embree has it: not quite the same on all processors.
     float roughDistance() const { return RTCRayN_tfar(ray_, count_, number_); }

@@ -2,6 +2,7 @@
 
 #include <ImathMatrix.h>
 #include <ImathVec.h>
+#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -20,6 +21,13 @@ struct MeshGeometry {
     double worldTransform[9] = {};   ///< rows: object to world, for directions
     double facing = 1;               ///< -1 when the transform turns triangles inside out
 };
+
+/// Of a triangle, in the world.
+inline std::array<Imath::V3f, 3> cornersOf(const MeshGeometry& geometry, std::uint32_t triangle) {
+    const auto& vertices = geometry.source->mesh->triangles[triangle];
+    return {geometry.vertices[vertices[0]], geometry.vertices[vertices[1]],
+            geometry.vertices[vertices[2]]};
+}
 
 /// A place in the world, in the object's own space.
 inline Imath::V3d toObject(const MeshGeometry& geometry, const Imath::V3d& place) {

@@ -14,12 +14,9 @@ namespace {
 constexpr const char* kDevice = "max_isa=avx";
 
 HitKey keyOf(const RayScene& scene, const RTCRay& ray, const Hit& hit) {
-    const MeshGeometry& geometry = scene.geometry(hit.mesh);
-    const auto& vertices = geometry.source->mesh->triangles[hit.triangle];
     const float distance =
         hitDistance({ray.org_x, ray.org_y, ray.org_z}, {ray.dir_x, ray.dir_y, ray.dir_z},
-                    {geometry.vertices[vertices[0]], geometry.vertices[vertices[1]],
-                     geometry.vertices[vertices[2]]});
+                    cornersOf(scene.geometry(hit.mesh), hit.triangle));
     return {distance, hit.mesh, hit.triangle};
 }
 

@@ -108,13 +108,9 @@ TEST(HitOrder, IsTheSameWhoeverIsAsked) {
         HitKey before;
         int met = 0;
         for (Hit hit; rays.nextHit(ray, hit, hit); ++met) {
-            const MeshGeometry& geometry = rays.geometry(hit.mesh);
-            const auto& triangle = geometry.source->mesh->triangles[hit.triangle];
-            const HitKey key{
-                hitDistance(V3f(ray.origin), embreeDirection(ray.direction),
-                            {geometry.vertices[triangle[0]], geometry.vertices[triangle[1]],
-                             geometry.vertices[triangle[2]]}),
-                hit.mesh, hit.triangle};
+            const HitKey key{hitDistance(V3f(ray.origin), embreeDirection(ray.direction),
+                                         cornersOf(rays.geometry(hit.mesh), hit.triangle)),
+                             hit.mesh, hit.triangle};
             EXPECT_GT(key, before) << i;
             before = key;
         }
