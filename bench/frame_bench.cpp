@@ -273,7 +273,7 @@ struct Bench {
         : module(moduleFile),
           threads(threadCount),
           bare(scene, nullptr),
-          bareUnfused(scene, "max_isa=avx"),
+          bareUnfused(scene, kEmbreeDevice),
           renderer(scene) {}
 
     RenderOptions options() const {
@@ -301,7 +301,7 @@ struct Bench {
     Scene scene = benchScene();
     LightRig rig = benchLights();
     BareScene bare;         ///< with the fastest kernels that the processor has
-    BareScene bareUnfused;  ///< with those that give the same picture on all processors
+    BareScene bareUnfused;  ///< with those that pictures are made with
     Renderer renderer;
     StateBlock look = newShaderSettings(ModuleCopy(module, findService));
 };

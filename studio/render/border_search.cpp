@@ -15,8 +15,8 @@ constexpr double kFine = 0.025;
 
 /// A bit for each corner of the pixel.
 using Corners = std::uint8_t;
-constexpr std::array kCorners = {Imath::V2d(0, 0), Imath::V2d(1, 0), Imath::V2d(0, 1),
-                                 Imath::V2d(1, 1)};
+constexpr std::array<Imath::V2d, BorderSearch::kCorners> kCornerPlaces = {
+    Imath::V2d(0, 0), Imath::V2d(1, 0), Imath::V2d(0, 1), Imath::V2d(1, 1)};
 /// How far from the sides a corner is looked at.
 constexpr double kInset = 0.04;
 
@@ -32,8 +32,8 @@ bool isToldOf(const Imath::V2d& corner, std::span<const Imath::V2d> places, doub
 Corners cornersUntold(std::span<const Imath::V2d> before, std::span<const Imath::V2d> next) {
     const double apart = 1 / std::sqrt(static_cast<double>(before.size()));
     unsigned untold = 0;
-    for (std::size_t i = 0; i < kCorners.size(); ++i) {
-        const Imath::V2d& corner = kCorners[i];
+    for (std::size_t i = 0; i < kCornerPlaces.size(); ++i) {
+        const Imath::V2d& corner = kCornerPlaces[i];
         if (!isToldOf(corner, before, apart) && !isToldOf(corner, next, apart)) untold |= 1U << i;
     }
     return static_cast<Corners>(untold);
@@ -92,9 +92,10 @@ BorderSearch::Places BorderSearch::nextPlaces() {
     Places next;
     for (const Imath::V2d& place : border_.telling())
         next.at[next.count++] = place;
-    for (std::size_t i = 0; i < kCorners.size(); ++i) {
+    for (std::size_t i = 0; i < kCornerPlaces.size(); ++i) {
         if ((corners_ >> i & 1) == 0) continue;
-        next.at[next.count++] = kCorners[i] + (Imath::V2d(0.5) - kCorners[i]) * (2 * kInset);
+        next.at[next.count++] =
+            kCornerPlaces[i] + (Imath::V2d(0.5) - kCornerPlaces[i]) * (2 * kInset);
     }
     corners_ = 0;
     return next;

@@ -19,9 +19,10 @@ namespace tavora::studio {
 /// of the pixel are looked at, too, where an ink line may end and a third colour begin.
 class BorderSearch {
   public:
-    /// Where to look next.
+    static constexpr std::size_t kCorners = 4;
+    /// Where to look next: about the border, and in corners.
     struct Places {
-        std::array<Imath::V2d, StraightBorder::kTelling + 4> at;
+        std::array<Imath::V2d, StraightBorder::kTelling + kCorners> at;
         std::size_t count = 0;
 
         std::span<const Imath::V2d> all() const { return {at.data(), count}; }

@@ -10,6 +10,9 @@
 namespace tavora::studio {
 namespace {
 
+/// Transparencies multiply as sums of logarithms in 32 binary places, because
+/// integers add up to the same in any order and the order of hits is no one's
+/// promise. Halves, quarters and so on stay exact.
 constexpr double kLogUnit = 4294967296.0;
 /// Less light than this (2^-14) counts as none.
 constexpr std::int64_t kDarkest = 14 * static_cast<std::int64_t>(kLogUnit);

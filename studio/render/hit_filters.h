@@ -19,9 +19,7 @@ extern const RTCFilterFunctionN kShadowFilter;
 /// Of shadow rays with limits on anything at all.
 extern const RTCFilterFunctionN kLimitFilter;
 
-/// Transparencies multiply as sums of logarithms in 32 binary places, because
-/// integers add up to the same in any order and the order of hits is no one's
-/// promise. Halves, quarters and so on stay exact.
+/// Share of the light, 0..1, that a ShadowProgress::darkening leaves.
 double lightLeft(std::int64_t darkening);
 
 }  // namespace tavora::studio

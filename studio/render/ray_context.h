@@ -48,7 +48,7 @@ struct ShadowProgress {
     double spot = 0;    ///< as in Ray
     double spread = 0;  ///< as in Ray
     const SceneMesh* spared = nullptr;
-    std::int64_t darkening = 0;  ///< -log2 of the light left
+    std::int64_t darkening = 0;  ///< as lightLeft() takes it
     /// In a stream: a clear surface was met, and left out. How much passes all of
     /// them, only a ray alone meets each of them once to tell.
     bool leavesClear = false;

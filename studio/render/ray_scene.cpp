@@ -9,10 +9,6 @@
 namespace tavora::studio {
 namespace {
 
-/// Kernels for later processors fuse multiplications with additions, and so meet
-/// another triangle, or none, at edges: these make pictures the same on all.
-constexpr const char* kDevice = "max_isa=avx";
-
 HitKey keyOf(const RayScene& scene, const RTCRay& ray, const Hit& hit) {
     const float distance =
         hitDistance({ray.org_x, ray.org_y, ray.org_z}, {ray.dir_x, ray.dir_y, ray.dir_z},
@@ -23,7 +19,7 @@ HitKey keyOf(const RayScene& scene, const RTCRay& ray, const Hit& hit) {
 }  // namespace
 
 RayScene::RayScene(const SceneIndex& scene)
-    : index_(&scene), device_(rtcNewDevice(kDevice)), scene_(nullptr) {
+    : index_(&scene), device_(rtcNewDevice(kEmbreeDevice)), scene_(nullptr) {
     checkDevice();
     scene_.reset(rtcNewScene(device_.get()));
     rtcSetSceneFlags(scene_.get(), RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION);

@@ -1,7 +1,6 @@
 #pragma once
 
 #include <ImathVec.h>
-#include <cmath>
 #include <cstdint>
 #include <embree3/rtcore.h>
 #include <limits>
@@ -25,8 +24,6 @@ struct Ray {
     /// Shadow rays pass what wears its surface on its object; null: nothing.
     const SceneMesh* spared = nullptr;
 
-    bool isLimited() const { return nearest > 0 || std::isfinite(farthest); }
-
     double spotAt(double distance) const { return spot + spread * distance; }
 };
 
@@ -40,6 +37,11 @@ struct Hit {
     bool isNone() const { return mesh == kNone; }
     bool operator==(const Hit&) const = default;
 };
+
+/// The Embree device that pictures are made with. Kernels for later processors fuse
+/// multiplications with additions, and so meet another triangle, or none, at edges:
+/// these make pictures the same on all.
+inline constexpr const char* kEmbreeDevice = "max_isa=avx";
 
 struct ShadowProgress;
 

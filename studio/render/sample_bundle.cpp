@@ -47,8 +47,7 @@ void SampleBundle::trace(std::span<const Ray> rays, std::span<const KnownShadows
     findSurfaces(rays);
     findStations(known.first(rays.size()), shader);
     std::fill_n(shares_.begin(), rays.size() * lights_, -1.0);
-    for (LightWay& way : std::span(ways_).first(ways_.empty() ? 0 : rays.size() * lights_))
-        way.distance = LightWay::kUnknown;
+    if (!ways_.empty()) std::fill_n(ways_.begin(), rays.size() * lights_, LightWay{});
     for (std::size_t light = 0; light < lights_; ++light) {
         const LitLight& lit = rig_->lights[light];
         if (!lit.points.empty()) {
@@ -175,7 +174,7 @@ void SampleBundle::settle(std::size_t light, std::span<const double> passed) {
 void SampleBundle::goToPoints(std::size_t light) {
     softWays_.clear();
     const LitLight& lit = rig_->lights[light];
-    Way way;
+    SoftWay way;
     LitPlace place;
     for (const Station& station : stations_) {
         if (!isToSettle(station, light, place)) continue;
@@ -184,7 +183,7 @@ void SampleBundle::goToPoints(std::size_t light) {
     }
     while (stepToPoints())
         ;
-    for (const Way& gone : softWays_)
+    for (const SoftWay& gone : softWays_)
         share(gone.viewing, light) = gone.rays.share();
 }
 

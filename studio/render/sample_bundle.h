@@ -55,7 +55,7 @@ class SampleBundle {
         const LightsMet* known;     ///< of the lights there, or null
     };
     /// The ways from a station to one light with a size.
-    struct Way {
+    struct SoftWay {
         ShadowRays rays;
         std::uint32_t viewing = 0;  ///< where the viewing ray stands
     };
@@ -93,7 +93,7 @@ class SampleBundle {
     std::vector<Station> stations_;
     ShadowStarts starts_;
     std::vector<std::uint32_t> going_;  ///< stations, or ways, of the shadow rays
-    std::vector<Way> softWays_;
+    std::vector<SoftWay> softWays_;
     std::uint64_t viewingRays_ = 0;
     std::uint64_t shadowRays_ = 0;
 };

@@ -31,10 +31,10 @@ class ShadowStream {
 
     void add(const Ray& ray) {
         rays_.set(count_, ray);
-        areLimited_ |= ray.isLimited();
         ShadowProgress& progress = progress_[count_++];
         progress = shadowProgress(ray);
         progress.leavesClear = true;
+        areLimited_ |= progress.limits.exist();
     }
 
     /// RayScene::transmittance() along each ray that was added, in that order;

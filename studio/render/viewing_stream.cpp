@@ -39,7 +39,7 @@ void ViewingStream::firstHits(std::span<const Ray> rays, std::span<Hit> hits) {
     rtcIntersectNp(scene_->embree(), &context.embree, &query, static_cast<unsigned>(rays.size()));
     for (std::size_t i = 0; i < rays.size(); ++i) {
         const bool meets = meshes_[i] != RTC_INVALID_GEOMETRY_ID;
-        if (areDoubtful_[i] != 0 || rays[i].isLimited() || (meets && isNearEdge(i))) {
+        if (areDoubtful_[i] != 0 || limitsOf(rays[i]).exist() || (meets && isNearEdge(i))) {
             scene_->nextHit(rays[i], {}, hits[i]);
         } else {
             hits[i] = meets ? Hit{meshes_[i], triangles_[i]} : Hit{};

@@ -3,8 +3,8 @@
 #include "studio/render/hit_order.h"
 
 #include <cmath>
-#include <embree3/rtcore.h>
 #include <gtest/gtest.h>
+#include <memory>
 #include <random>
 
 #include "studio/render/ray_context.h"
@@ -18,48 +18,36 @@ using Imath::V3d;
 using Imath::V3f;
 using Corners = std::array<V3f, 3>;
 
-/// How far the plane of one triangle lies along a ray by the kernels that an Embree
-/// device takes; negative where the triangle is missed.
-class OneTriangle {
-  public:
-    OneTriangle(const char* device, const Corners& corners)
-        : device_(rtcNewDevice(device)), scene_(rtcNewScene(device_)), corners_(corners) {
-        rtcSetSceneFlags(scene_, RTC_SCENE_FLAG_ROBUST);
-        RTCGeometry geometry = rtcNewGeometry(device_, RTC_GEOMETRY_TYPE_TRIANGLE);
-        auto* vertices = static_cast<V3f*>(rtcSetNewGeometryBuffer(
-            geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, sizeof(V3f), 3));
-        std::copy(corners.begin(), corners.end(), vertices);
-        auto* numbers = static_cast<unsigned*>(rtcSetNewGeometryBuffer(
-            geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3, 3 * sizeof(unsigned), 1));
-        for (unsigned i = 0; i < 3; ++i)
-            numbers[i] = i;
-        rtcCommitGeometry(geometry);
-        rtcAttachGeometry(scene_, geometry);
-        rtcReleaseGeometry(geometry);
-        rtcCommitScene(scene_);
-    }
-    ~OneTriangle() {
-        rtcReleaseScene(scene_);
-        rtcReleaseDevice(device_);
-    }
-    OneTriangle(const OneTriangle&) = delete;
-    OneTriangle& operator=(const OneTriangle&) = delete;
+/// One triangle, seen from both sides.
+struct OneTriangle : TestScene {
+    SceneIndex index;
+    RayScene rays;
 
-    float distance(const V3f& origin, const V3f& direction) const {
-        RTCIntersectContext context;
-        rtcInitIntersectContext(&context);
+    explicit OneTriangle(const Corners& corners) : index(with(corners).scene), rays(index) {}
+
+    /// As Embree has it; infinite where the triangle is missed.
+    float roughDistance(const Ray& ray) const {
+        float distance = INFINITY;
+        std::uint8_t isDoubtful = 0;
+        RayContext context = rayContext(rays, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
+        context.first = {&ray, &distance, &isDoubtful};
         RTCRayHit query{};
-        query.ray = {origin.x,    origin.y, origin.z, 0,   direction.x, direction.y,
-                     direction.z, 0,        INFINITY, ~0U, 0,           0};
+        setEmbreeRay(ray, 0, query.ray);
         query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-        rtcIntersect1(scene_, &context, &query);
-        return query.hit.geomID == RTC_INVALID_GEOMETRY_ID ? -1 : query.ray.tfar;
+        rtcIntersect1(rays.embree(), &context.embree, &query);
+        return distance;
     }
 
   private:
-    RTCDevice device_;
-    RTCScene scene_;
-    Corners corners_;
+    const TestScene& with(const Corners& corners) {
+        addSurface().doubleSided = true;
+        auto mesh = std::make_shared<Mesh>();
+        mesh->positions.assign(corners.begin(), corners.end());
+        mesh->normals.assign(3, V3f(0, 0, 1));
+        mesh->triangles = {{0, 1, 2}};
+        addObject(std::move(mesh), 0);
+        return *this;
+    }
 };
 
 /// Triangles of all sizes, met at all angles down to a thousandth.
@@ -73,7 +61,7 @@ TEST(HitOrder, DistancesDifferFromThoseOfEmbreeInTheLastPlacesOnly) {
         const V3f middle = anywhere() * 20.0F;
         const Corners corners{middle + anywhere() * size, middle + anywhere() * size,
                               middle + anywhere() * size};
-        const OneTriangle triangle("max_isa=avx", corners);
+        const OneTriangle triangle(corners);
         const V3f normal = (corners[1] - corners[0]).cross(corners[2] - corners[0]).normalized();
         for (int j = 0; j < 50; ++j) {
             const float a = std::abs(between(numbers)) / 2;
@@ -81,20 +69,22 @@ TEST(HitOrder, DistancesDifferFromThoseOfEmbreeInTheLastPlacesOnly) {
             const V3f aim = corners[0] * (1 - a - b) + corners[1] * a + corners[2] * b;
             V3f way = anywhere();
             if (j % 2 == 0) way += normal * (std::exp2(-10.0F) - 1) * normal.dot(way);
-            const V3f origin = aim - way * 30.0F;
-            const float found = triangle.distance(origin, way.normalized());
-            if (found < 0) continue;
+            Ray ray;
+            ray.origin = V3d(aim - way * 30.0F);
+            ray.direction = V3d(way).normalized();
+            const float rough = triangle.roughDistance(ray);
+            if (std::isinf(rough)) continue;
             ++hits;
-            const float worked = hitDistance(origin, way.normalized(), corners);
-            EXPECT_NEAR(worked, found, found * kDistanceDoubt / 4) << i << ' ' << j;
+            const float worked =
+                hitDistance(V3f(ray.origin), embreeDirection(ray.direction), corners);
+            EXPECT_NEAR(worked, rough, rough * kDistanceDoubt / 4) << i << ' ' << j;
         }
     }
     EXPECT_GT(hits, 10000);
 }
 
-/// Squares so near each other that rounding says which is first: alone a ray meets
-/// all, each once, in the order that hitDistance() gives.
-TEST(HitOrder, IsTheSameWhoeverIsAsked) {
+/// So near each other that rounding says which is first.
+TEST(HitOrder, GoesThroughAllSurfacesInOnePlaceOnceEach) {
     TestScene scene;
     scene.addSurface().doubleSided = true;
     for (int i = 0; i < 5; ++i)
