@@ -5,9 +5,9 @@
 #include <cstring>
 
 #include "host/handler.h"
-#include "plugin/instance_life.h"
-#include "plugin/services.h"
-#include "plugin/shader_instance.h"
+#include "plugin/record/instance_life.h"
+#include "plugin/record/services.h"
+#include "plugin/record/shader_instance.h"
 #include "shading/evaluate.h"
 #include "shading/render_pass.h"
 #include "zones/zone_list.h"

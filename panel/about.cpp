@@ -1,6 +1,6 @@
 #include "panel/about.h"
 
-#include "panel/controls.h"
+#include "panel/controls/controls.h"
 #include "panel/credits.h"
 
 namespace tavora {

@@ -4,15 +4,16 @@
 #include <iterator>
 
 #include "panel/about.h"
-#include "panel/bindings.h"
-#include "panel/controls.h"
+#include "panel/controls/bindings.h"
+#include "panel/controls/controls.h"
+#include "panel/default_settings_event.h"
 #include "panel/light_list.h"
 #include "panel/setting_events.h"
 #include "panel/swatches.h"
 #include "panel/tabs.h"
 #include "persist/default_settings.h"
-#include "zones/gradient_editor.h"
-#include "zones/zone.h"
+#include "plugin/record/zone.h"
+#include "zones/editor/gradient_editor.h"
 
 namespace tavora {
 namespace {

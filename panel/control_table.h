@@ -1,6 +1,6 @@
 #pragma once
 
-#include "plugin/shader_instance.h"
+#include "plugin/record/shader_instance.h"
 
 namespace tavora {
 

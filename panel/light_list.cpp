@@ -4,10 +4,10 @@
 #include <new>
 #include <utility>
 
-#include "panel/controls.h"
-#include "plugin/notify.h"
-#include "plugin/services.h"
-#include "plugin/shader_instance.h"
+#include "panel/controls/controls.h"
+#include "plugin/record/notify.h"
+#include "plugin/record/services.h"
+#include "plugin/record/shader_instance.h"
 
 namespace tavora {
 namespace {

@@ -4,13 +4,13 @@
 #include <new>
 
 #include "panel/control_table.h"
-#include "panel/controls.h"
+#include "panel/controls/controls.h"
 #include "panel/tabs.h"
 #include "persist/default_settings.h"
-#include "plugin/instance_life.h"
-#include "plugin/services.h"
-#include "plugin/shader_instance.h"
-#include "zones/gradient_painter.h"
+#include "plugin/record/instance_life.h"
+#include "plugin/record/services.h"
+#include "plugin/record/shader_instance.h"
+#include "zones/editor/gradient_painter.h"
 
 namespace tavora {
 namespace {

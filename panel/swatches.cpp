@@ -1,9 +1,9 @@
 #include "panel/swatches.h"
 
-#include "panel/controls.h"
-#include "panel/pick_color.h"
-#include "plugin/notify.h"
-#include "plugin/shader_instance.h"
+#include "panel/controls/controls.h"
+#include "panel/controls/pick_color.h"
+#include "plugin/record/notify.h"
+#include "plugin/record/shader_instance.h"
 
 namespace tavora {
 namespace {

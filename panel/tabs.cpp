@@ -2,10 +2,10 @@
 
 #include <span>
 
-#include "panel/bindings.h"
-#include "panel/controls.h"
-#include "plugin/shader_instance.h"
-#include "zones/zone.h"
+#include "panel/controls/bindings.h"
+#include "panel/controls/controls.h"
+#include "plugin/record/shader_instance.h"
+#include "plugin/record/zone.h"
 
 namespace tavora {
 namespace {

@@ -3,13 +3,8 @@
 #include <cstdio>
 #include <cstring>
 
-#include "panel/bindings.h"
-#include "panel/controls.h"
-#include "panel/tabs.h"
 #include "persist/state_block.h"
-#include "plugin/notify.h"
-#include "plugin/services.h"
-#include "zones/gradient_painter.h"
+#include "plugin/record/services.h"
 
 namespace tavora {
 namespace {
@@ -39,50 +34,6 @@ class DefaultPath {
   private:
     char text_[1024] = {};
 };
-
-// What the panel shows of the record, in the order it is refreshed. "Max Trace
-// Depth", "Use All Lights" and the light list keep what they showed.
-constexpr int refreshed[] = {slot::position,
-                             slot::opacity,
-                             slot::bright,
-                             slot::sat,
-                             slot::trans,
-                             slot::highlightColor,
-                             slot::highlightMode,
-                             slot::highlightSize,
-                             slot::highlightOpacity,
-                             slot::outlineSize,
-                             slot::outlineOpacity,
-                             slot::outlineEnable,
-                             slot::outlineColor,
-                             slot::forceColor,
-                             slot::accountLights,
-                             slot::edgeColor,
-                             slot::edgeEnable,
-                             slot::edgeCoverage,
-                             slot::edgeSharpness,
-                             slot::accountLume,
-                             slot::slopeTopOpacity,
-                             slot::slopeBottomOpacity,
-                             slot::slopeTopColor,
-                             slot::slopeBottomColor,
-                             slot::slopeCenter,
-                             slot::slopeEnable,
-                             slot::slopeStyle,
-                             slot::inkColor,
-                             slot::inkPaintColor,
-                             slot::inkEnable,
-                             slot::inkObject,
-                             slot::lightPower,
-                             slot::colorTextureUse,
-                             slot::accountLightOpac};
-
-void refreshPanel(ShaderInstance* instance) {
-    showSettings(refreshed, *instance);
-    tab1_event(nullptr, instance);
-    drawGradient(instance);
-    drawGradCon(instance);
-}
 
 void reportRefusal(LoadOutcome outcome, const DefaultPath& path) {
     char remedy[1200];
@@ -135,7 +86,7 @@ int cb_setDefault(HostControlId /*control*/, ShaderInstance* instance) {
     return 1;
 }
 
-int cb_getDefault(HostControlId button, ShaderInstance* instance) {
+int loadDefaultSettings(ShaderInstance* instance) {
     if (fiof == nullptr) return 2;
     if (dirinfo == nullptr) {
         msg->warning(directoryMissing, notLoaded);
@@ -143,8 +94,6 @@ int cb_getDefault(HostControlId button, ShaderInstance* instance) {
         return 0;
     }
     instance->zoneCursor = instance->zoneList;
-    if (button != nullptr) refreshPanel(instance);
-    notifyHost(instance);
     return 1;
 }
 

@@ -3,9 +3,8 @@
 #include <iterator>
 
 #include "persist/stored_fields.h"
-#include "plugin/services.h"
-#include "zones/zone.h"
-#include "zones/zone_list.h"
+#include "plugin/record/services.h"
+#include "plugin/record/zone.h"
 
 namespace tavora {
 namespace {

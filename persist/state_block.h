@@ -2,7 +2,7 @@
 
 #include "host/state.h"
 #include "host/types.h"
-#include "plugin/shader_instance.h"
+#include "plugin/record/shader_instance.h"
 
 namespace tavora {
 

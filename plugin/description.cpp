@@ -4,7 +4,7 @@
 #include <iterator>
 
 #include "host/handler.h"
-#include "plugin/shader_instance.h"
+#include "plugin/record/shader_instance.h"
 
 namespace tavora {
 

@@ -3,8 +3,9 @@
 #include "host/handler.h"
 #include "persist/state_block.h"
 #include "plugin/description.h"
-#include "plugin/instance_life.h"
-#include "plugin/services.h"
+#include "plugin/instance_creation.h"
+#include "plugin/record/instance_life.h"
+#include "plugin/record/services.h"
 #include "shading/evaluate.h"
 #include "shading/render_pass.h"
 

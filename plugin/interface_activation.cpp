@@ -2,7 +2,7 @@
 
 #include "host/interface.h"
 #include "panel/settings_panel.h"
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 
 namespace tavora {
 

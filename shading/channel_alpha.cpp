@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <iterator>
 
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 #include "shading/vector_math.h"
 
 namespace tavora {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/sample.h"
-#include "plugin/shader_instance.h"
+#include "plugin/record/shader_instance.h"
 
 namespace tavora {
 

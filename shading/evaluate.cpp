@@ -1,7 +1,8 @@
 #include "shading/evaluate.h"
 
-#include "plugin/services.h"
-#include "plugin/shader_instance.h"
+#include "plugin/record/services.h"
+#include "plugin/record/shader_instance.h"
+#include "plugin/record/zone.h"
 #include "shading/channel_alpha.h"
 #include "shading/highlight.h"
 #include "shading/ink_over.h"
@@ -10,7 +11,6 @@
 #include "shading/render_pass.h"
 #include "shading/scene_lights.h"
 #include "shading/vector_math.h"
-#include "zones/zone.h"
 #include "zones/zone_lookup.h"
 
 namespace tavora {

@@ -1,6 +1,6 @@
 #include "shading/highlight.h"
 
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 #include "shading/render_pass.h"
 #include "shading/vector_math.h"
 

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <cstring>
 
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 #include "shading/render_pass.h"
 #include "shading/vector_math.h"
 

@@ -1,8 +1,8 @@
 #include "shading/render_pass.h"
 
-#include "plugin/services.h"
-#include "plugin/shader_instance.h"
-#include "zones/zone.h"
+#include "plugin/record/services.h"
+#include "plugin/record/shader_instance.h"
+#include "plugin/record/zone.h"
 
 namespace tavora {
 

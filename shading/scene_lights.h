@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <cstring>
 
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 #include "shading/light_name.h"
 
 namespace tavora {

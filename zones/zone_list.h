@@ -1,7 +1,7 @@
 #pragma once
 
-#include "plugin/shader_instance.h"
-#include "zones/zone.h"
+#include "plugin/record/shader_instance.h"
+#include "plugin/record/zone.h"
 
 namespace tavora {
 
@@ -30,28 +30,5 @@ int deleteZone(ShaderInstance* instance, double position);
 /// and returns it. Never the last zone: from its position on, the zone before
 /// it. Below the first zone's position the selection stays.
 Zone* moveZone(ShaderInstance* instance, double position);
-
-/// Builds a zone list at its tail, in the order given; frees what nobody took.
-class ZoneListBuilder {
-  public:
-    ZoneListBuilder() = default;
-    ZoneListBuilder(const ZoneListBuilder&) = delete;
-    ZoneListBuilder& operator=(const ZoneListBuilder&) = delete;
-    ~ZoneListBuilder();
-
-    /// Appends a copy of `zone`, links made anew. False when memory runs out;
-    /// the list is then as it was.
-    bool append(const Zone& zone);
-
-    /// The list, from now on the caller's to free with freeZones().
-    Zone* take();
-
-  private:
-    Zone* head_ = nullptr;
-    Zone* tail_ = nullptr;
-};
-
-/// Frees a zone list from its head; null is an empty list.
-void freeZones(Zone* head);
 
 }  // namespace tavora

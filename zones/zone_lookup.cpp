@@ -1,6 +1,6 @@
 #include "zones/zone_lookup.h"
 
-#include "zones/zone.h"
+#include "plugin/record/zone.h"
 
 // Products and sums of two settings are formed in single precision and then
 // widened; everything else is double. The casts below are those roundings.

@@ -1,7 +1,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
-#include "panel/controls.h"
+#include "panel/controls/controls.h"
 #include "tests/support/open_panel.h"
 #include "zones/zone_list.h"
 

@@ -3,10 +3,10 @@
 #include <cstring>
 #include <gtest/gtest.h>
 
-#include "panel/controls.h"
-#include "plugin/services.h"
+#include "panel/controls/controls.h"
+#include "plugin/record/services.h"
 #include "tests/support/open_panel.h"
-#include "zones/gradient_painter.h"
+#include "zones/editor/gradient_painter.h"
 
 namespace tavora::testing {
 namespace {

@@ -2,8 +2,9 @@
 
 #include <gtest/gtest.h>
 
-#include "panel/controls.h"
-#include "plugin/services.h"
+#include "panel/controls/controls.h"
+#include "panel/default_settings_event.h"
+#include "plugin/record/services.h"
 #include "tests/support/open_panel.h"
 #include "zones/zone_list.h"
 

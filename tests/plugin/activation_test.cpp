@@ -4,7 +4,7 @@
 #include "host/interface.h"
 #include "host/module.h"
 #include "persist/state_block.h"
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 #include "tests/support/fake_host.h"
 
 extern "C" const HostModuleDescriptor _mod_descrip;

@@ -1,4 +1,4 @@
-#include "plugin/instance_life.h"
+#include "plugin/instance_creation.h"
 
 #include <bit>
 #include <cstring>

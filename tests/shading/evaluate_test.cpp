@@ -7,7 +7,7 @@
 #include <limits>
 
 #include "plugin/description.h"
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 #include "shading/render_pass.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/heap.h"

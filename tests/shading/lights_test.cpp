@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 #include <limits>
 
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 #include "shading/highlight.h"
 #include "shading/light_intensity.h"
 #include "shading/render_pass.h"

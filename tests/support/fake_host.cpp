@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <gtest/gtest.h>
 
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 
 namespace tavora::testing {
 namespace {

@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "panel/controls.h"
-#include "plugin/services.h"
+#include "panel/controls/controls.h"
+#include "plugin/record/services.h"
 
 namespace tavora::testing {
 namespace {

@@ -8,7 +8,7 @@
 
 #include "host/services/color_picker.h"
 #include "host/services/panels.h"
-#include "panel/slots.h"
+#include "panel/controls/slots.h"
 #include "tests/support/fake_host.h"
 
 namespace tavora::testing {

@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 
 #include "persist/state_block.h"
+#include "plugin/instance_creation.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {

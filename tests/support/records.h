@@ -8,9 +8,9 @@
 #include <vector>
 
 #include "host/state.h"
-#include "plugin/instance_life.h"
-#include "plugin/shader_instance.h"
-#include "zones/zone.h"
+#include "plugin/record/instance_life.h"
+#include "plugin/record/shader_instance.h"
+#include "plugin/record/zone.h"
 
 namespace tavora::testing {
 

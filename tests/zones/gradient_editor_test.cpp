@@ -1,9 +1,9 @@
-#include "zones/gradient_editor.h"
+#include "zones/editor/gradient_editor.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "panel/controls.h"
+#include "panel/controls/controls.h"
 #include "tests/support/open_panel.h"
 #include "zones/zone_list.h"
 

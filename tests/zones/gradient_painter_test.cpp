@@ -1,8 +1,8 @@
-#include "zones/gradient_painter.h"
+#include "zones/editor/gradient_painter.h"
 
 #include <gtest/gtest.h>
 
-#include "panel/controls.h"
+#include "panel/controls/controls.h"
 #include "tests/support/open_panel.h"
 #include "zones/zone_list.h"
 

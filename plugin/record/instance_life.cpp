@@ -1,38 +1,32 @@
-#include "plugin/instance_life.h"
+#include "plugin/record/instance_life.h"
 
 #include <algorithm>
 #include <iterator>
-#include <memory>
 #include <new>
 
-#include "persist/default_settings.h"
-#include "plugin/shader_instance.h"
-#include "zones/preview_grid.h"
-#include "zones/zone.h"
-#include "zones/zone_list.h"
+#include "plugin/record/shader_instance.h"
+#include "plugin/record/zone.h"
 
 namespace tavora {
 namespace {
 
 struct DefaultZone {
-    double position;
+    float position;
     float color[3];
 };
 
-// From the top down: each zone lands in front of the one before it, so the
-// black one is added last and ends selected.
 constexpr DefaultZone defaultZones[] = {
-    {1.0, {1.0f, 1.0f, 1.0f}},   //
-    {0.75, {1.0f, 0.0f, 0.0f}},  //
-    {0.5, {0.0f, 1.0f, 0.0f}},   //
-    {0.25, {0.0f, 0.0f, 1.0f}},  //
-    {0.0, {0.0f, 0.0f, 0.0f}},
+    {0.0f, {0.0f, 0.0f, 0.0f}},  //
+    {0.25f, {0.0f, 0.0f, 1.0f}}, {0.5f, {0.0f, 1.0f, 0.0f}},
+    {0.75f, {1.0f, 0.0f, 0.0f}}, {1.0f, {1.0f, 1.0f, 1.0f}},
 };
 
-bool addDefaultZones(ShaderInstance* record) {
-    for (const DefaultZone& zone : defaultZones) {
-        if (addZone(record, zone.position, 0) == 0) return false;
-        std::copy(std::begin(zone.color), std::end(zone.color), record->zoneCursor->color);
+bool appendDefaultZones(ZoneListBuilder& zones) {
+    for (const DefaultZone& preset : defaultZones) {
+        Zone zone;
+        zone.position = preset.position;
+        std::copy(std::begin(preset.color), std::end(preset.color), zone.color);
+        if (!zones.append(zone)) return false;
     }
     return true;
 }
@@ -53,22 +47,19 @@ bool copyLights(ShaderInstance& from, LightListBuilder& copies) {
     return true;
 }
 
-struct DestroyRecord {
-    void operator()(ShaderInstance* record) const { Destroy(record); }
-};
-
 }  // namespace
 
-HostInstance Create(void* /*privateData*/, HostSurfaceId context, HostError* error) {
-    std::unique_ptr<ShaderInstance, DestroyRecord> record(new (std::nothrow) ShaderInstance{});
-    if (record == nullptr || !addDefaultZones(record.get())) {
-        if (error != nullptr) *error = "Tavora: not enough memory for the settings of a surface";
+ShaderInstance* createRecord(HostSurfaceId context) {
+    ZoneListBuilder zones;
+    auto* record = new (std::nothrow) ShaderInstance{};
+    if (record == nullptr) return nullptr;
+    if (!appendDefaultZones(zones)) {
+        Destroy(record);
         return nullptr;
     }
     record->context = context;
-    cb_getDefault(nullptr, record.get());
-    fillPreviewGrid();
-    return record.release();
+    record->zoneList = record->zoneCursor = record->selectedZone = zones.take();
+    return record;
 }
 
 void Destroy(HostInstance instance) {

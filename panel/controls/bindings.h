@@ -2,7 +2,7 @@
 
 #include <span>
 
-#include "plugin/shader_instance.h"
+#include "plugin/record/shader_instance.h"
 
 /// Which setting each control shows and edits. A binding's kind of field says
 /// how it is converted: a float shows as percent, three as a colour, an integer

@@ -1,16 +1,14 @@
 #pragma once
 
 #include "host/types.h"
-#include "plugin/shader_instance.h"
+#include "plugin/record/shader_instance.h"
 
 namespace tavora {
 
 /// A new record for the surface `context` with the built-in settings and the
 /// five zones black 0.0, blue 0.25, green 0.5, red 0.75, white 1.0, black
-/// selected; then the stored default settings, where there are any. The caller frees it with
-/// Destroy(). Returns null and sets `*error` when memory runs out, and leaves `*error` alone
-/// otherwise. [interface]
-HostInstance Create(void* privateData, HostSurfaceId context, HostError* error);
+/// selected. The caller frees it with Destroy(). Null when memory runs out.
+ShaderInstance* createRecord(HostSurfaceId context);
 
 /// Frees a record with its zones and lights; null is ignored. [interface]
 void Destroy(HostInstance instance);

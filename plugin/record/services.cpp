@@ -1,4 +1,4 @@
-#include "plugin/services.h"
+#include "plugin/record/services.h"
 
 namespace tavora {
 

@@ -1,14 +1,14 @@
-#include "zones/gradient_editor.h"
+#include "zones/editor/gradient_editor.h"
 
 #include <algorithm>
 #include <cstdint>
 
-#include "panel/bindings.h"
-#include "panel/controls.h"
-#include "panel/pick_color.h"
-#include "plugin/notify.h"
-#include "plugin/shader_instance.h"
-#include "zones/gradient_painter.h"
+#include "panel/controls/bindings.h"
+#include "panel/controls/controls.h"
+#include "panel/controls/pick_color.h"
+#include "plugin/record/notify.h"
+#include "plugin/record/shader_instance.h"
+#include "zones/editor/gradient_painter.h"
 #include "zones/zone_list.h"
 
 namespace tavora {

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/services/panels.h"
-#include "plugin/shader_instance.h"
+#include "plugin/record/shader_instance.h"
 
 /// The gradient on the settings panel: a strip of colour with a row of markers
 /// under it. All [interface]; they take no lock and move `zoneCursor`.

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "host/handler.h"
-#include "plugin/services.h"
-#include "plugin/shader_instance.h"
+#include "plugin/record/services.h"
+#include "plugin/record/shader_instance.h"
 
 namespace tavora {
 

@@ -1,9 +1,9 @@
-#include "zones/gradient_painter.h"
+#include "zones/editor/gradient_painter.h"
 
-#include "panel/controls.h"
-#include "plugin/whole_part.h"
+#include "panel/controls/controls.h"
+#include "panel/controls/whole_part.h"
+#include "plugin/record/zone.h"
 #include "zones/preview_grid.h"
-#include "zones/zone.h"
 #include "zones/zone_lookup.h"
 
 // Settings and whole pixel values are mixed in single precision.

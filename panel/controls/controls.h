@@ -5,7 +5,7 @@
 #include "host/services/color_picker.h"
 #include "host/services/panels.h"
 #include "host/services/raster.h"
-#include "panel/slots.h"
+#include "panel/controls/slots.h"
 
 /// The open settings panel: its controls by slot, the services behind it, and
 /// values on their way to and from controls. One set for the module, as at most

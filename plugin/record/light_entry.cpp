@@ -1,4 +1,4 @@
-#include "plugin/shader_instance.h"
+#include "plugin/record/light_entry.h"
 
 #include <cstring>
 #include <new>

@@ -1,6 +1,6 @@
-#include "panel/pick_color.h"
+#include "panel/controls/pick_color.h"
 
-#include "panel/controls.h"
+#include "panel/controls/controls.h"
 
 namespace tavora {
 

@@ -1,6 +1,6 @@
-#include "panel/controls.h"
+#include "panel/controls/controls.h"
 
-#include "plugin/whole_part.h"
+#include "panel/controls/whole_part.h"
 
 namespace tavora {
 

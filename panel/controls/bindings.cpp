@@ -1,11 +1,11 @@
-#include "panel/bindings.h"
+#include "panel/controls/bindings.h"
 
 #include <algorithm>
 #include <array>
 #include <variant>
 
-#include "panel/controls.h"
-#include "zones/zone.h"
+#include "panel/controls/controls.h"
+#include "plugin/record/zone.h"
 
 namespace tavora {
 namespace {
