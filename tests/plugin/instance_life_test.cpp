@@ -1,10 +1,9 @@
-#include "plugin/instance_creation.h"
-
 #include <bit>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "plugin/instance_creation.h"
 #include "tests/support/heap.h"
 #include "tests/support/records.h"
 #include "zones/zone_list.h"
