@@ -179,6 +179,51 @@ TEST(PlainShading, ASurfaceMaySpareItselfItsShadows) {
     EXPECT_GT(darkPixels(false), 2 * others - 10);
 }
 
+/// A floor under a roof, which is clear or not, and a light above both.
+struct Roofed : TestScene {
+    Roofed(LightKind kind, double size, float alpha) {
+        addSurface();
+        addSurface().baseColor.w = alpha;
+        scene.surfaces[1].alphaMode = AlphaMode::Blend;
+        addQuad({0, 0, 0}, 1, 0);
+        addQuad({0, 0, 2}, 4, 1);
+        addLight(kind).position = {0, 0, 4};
+        soften(size, size);
+    }
+    /// How bright the floor is.
+    double level(std::uint64_t& shadowRays) const {
+        RenderStats stats;
+        const Picture picture =
+            renderPlain(*this, frontCamera({0, 0, 1}, 0.1), squareOptions(1), &stats);
+        shadowRays = stats.shadowRays;
+        return displayed(picture, 0, 0).x;
+    }
+};
+
+TEST(PlainShading, LightsAndSurfacesMayGoWithoutShadows) {
+    constexpr double kLit = 0.99;
+    for (const LightKind kind : {LightKind::Directional, LightKind::Point, LightKind::Spot}) {
+        for (const double size : {0.0, 0.1}) {
+            for (const float alpha : {1.0F, 0.5F}) {
+                std::uint64_t rays = 0;
+                Roofed test(kind, size, alpha);
+                EXPECT_LT(test.level(rays), 0.6);
+                EXPECT_GT(rays, 0U);
+                test.scene.surfaces[1].castsShadows = false;
+                EXPECT_GT(test.level(rays), kLit);
+                test.scene.surfaces[1].castsShadows = true;
+                test.scene.surfaces[0].receivesShadows = false;
+                EXPECT_GT(test.level(rays), kLit);
+                EXPECT_EQ(rays, 0U);
+                test.scene.surfaces[0].receivesShadows = true;
+                test.rig.lights[0].castsShadow = false;
+                EXPECT_GT(test.level(rays), kLit);
+                EXPECT_EQ(rays, 0U);
+            }
+        }
+    }
+}
+
 TEST(PlainShading, SinglesidedBacksAreUnseenButThrowShadows) {
     TestScene test;
     test.addSurface();
