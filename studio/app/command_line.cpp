@@ -211,6 +211,10 @@ void addLighting(Command& command, LightingOptions& lighting) {
                      lighting.angles.push_back(lightSize(option, text, kWidestSunDegrees));
                      lighting.angles.back().size *= kRadiansPerDegree;
                  });
+    command.list("--no-shadows", "LIGHT", "Lights, by name or pattern, without shadows; repeatable",
+                 [&lighting](const std::string&, const std::string& text) {
+                     lighting.withoutShadows.push_back(text);
+                 });
 }
 
 void addQuality(Command& command, RenderRequest& request) {
@@ -248,6 +252,10 @@ void addRender(Command& command, RenderRequest& request) {
                       "Plain shading for all or some surfaces; repeatable");
     command->add_flag("--no-self-shadow{*}", request.withoutSelfShadow,
                       "Surfaces, all or some, that throw no shadow on themselves; repeatable");
+    command->add_flag("--no-cast-shadows{*}", request.withoutCastShadows,
+                      "Surfaces, all or some, that throw no shadow at all; repeatable");
+    command->add_flag("--no-received-shadows{*}", request.withoutReceivedShadows,
+                      "Surfaces, all or some, on which no shadow falls; repeatable");
     command.option("--progress", "KIND", "auto, none, bar or json (auto)",
                    into(request.progress, progressKind));
     addReport(command, request.report);

@@ -26,6 +26,8 @@ Json describe(const Surface& surface) {
             {"doubleSided", surface.doubleSided},
             {"unlit", surface.unlit},
             {"selfShadow", surface.selfShadow},
+            {"castsShadows", surface.castsShadows},
+            {"receivesShadows", surface.receivesShadows},
             {"textured", surface.baseColorTexture.has_value()},
             {"shader", surface.shader ? Json(surface.shader->server) : Json()},
             {"enabled", surface.shader && surface.shader->enabled}};
@@ -35,7 +37,8 @@ Json describe(const Light& light) {
     Json json{{"name", light.name},
               {"kind", nameOf(light.kind)},
               {"color", vectorOf(light.color)},
-              {"intensity", light.intensity}};
+              {"intensity", light.intensity},
+              {"castsShadow", light.castsShadow}};
     if (light.kind != LightKind::Directional) json["position"] = vectorOf(light.position);
     if (light.kind != LightKind::Point) json["direction"] = vectorOf(light.direction);
     if (light.kind == LightKind::Directional) {

@@ -16,6 +16,8 @@ std::string textOf(const Surface& surface) {
     if (surface.doubleSided) text += ", double-sided";
     if (surface.unlit) text += ", unlit";
     if (!surface.selfShadow) text += ", no self-shadow";
+    if (!surface.castsShadows) text += ", casts no shadows";
+    if (!surface.receivesShadows) text += ", receives no shadows";
     if (surface.shader) {
         text += fmt::format(", shader {}{}", surface.shader->server,
                             surface.shader->enabled ? "" : " (off)");
@@ -31,6 +33,7 @@ std::string textOf(const Light& light) {
     if (light.radius > 0) text += fmt::format(", radius {:.4g} m", light.radius);
     if (light.angle > 0)
         text += fmt::format(", {:.4g} degrees wide", light.angle * kDegreesPerRadian);
+    if (!light.castsShadow) text += ", no shadow";
     return text;
 }
 

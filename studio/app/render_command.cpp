@@ -38,14 +38,23 @@ PictureFormat checkedFormat(const RenderRequest& request) {
     }
 }
 
+/// Clears a flag of the surfaces that an option names.
+void clear(bool Surface::*flag, const std::vector<std::string>& patterns, const char* option,
+           Scene& scene) {
+    for (const std::string& pattern : patterns) {
+        for (const std::size_t i : matchingSurfaces(scene, pattern, option))
+            scene.surfaces[i].*flag = false;
+    }
+}
+
 Scene readScene(const RenderRequest& request, Report& report) {
     Scene scene = readGltf(request.scene);
     for (const std::string& warning : scene.warnings)
         report.warning(warning);
-    for (const std::string& pattern : request.withoutSelfShadow) {
-        for (const std::size_t i : matchingSurfaces(scene, pattern, "--no-self-shadow"))
-            scene.surfaces[i].selfShadow = false;
-    }
+    clear(&Surface::selfShadow, request.withoutSelfShadow, "--no-self-shadow", scene);
+    clear(&Surface::castsShadows, request.withoutCastShadows, "--no-cast-shadows", scene);
+    clear(&Surface::receivesShadows, request.withoutReceivedShadows, "--no-received-shadows",
+          scene);
     return scene;
 }
 

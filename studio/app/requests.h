@@ -67,6 +67,8 @@ struct RenderRequest {
     LightingOptions lighting;
     /// Names or globs of surfaces that throw no shadow on themselves.
     std::vector<std::string> withoutSelfShadow;
+    std::vector<std::string> withoutCastShadows;      ///< that throw none at all
+    std::vector<std::string> withoutReceivedShadows;  ///< on which none falls
     PictureDepth depth = PictureDepth::Default;
     ProgressKind progress = ProgressKind::Auto;
 };

@@ -53,12 +53,26 @@ void checkSizes(const char* option, const std::vector<LightSize>& sizes, bool su
     }
 }
 
+void checkNames(const char* option, const std::vector<std::string>& wanted, const LightRig& rig) {
+    const std::vector<std::string> names = lightNames(rig);
+    for (const std::string& lights : wanted) {
+        const bool fits = std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+            return matchesName(lights, name);
+        });
+        if (!fits) {
+            throw UsageError(
+                fmt::format("{}: no light \"{}\"{}", option, lights, nearestNames(lights, names)));
+        }
+    }
+}
+
 }  // namespace
 
 LightRig lightsFor(const Scene& scene, const Camera& camera, const LightingOptions& options) {
     LightRig rig = settleLights(scene, camera, options);
     checkSizes("--light-radius", options.radii, false, rig);
     checkSizes("--light-angle", options.angles, true, rig);
+    checkNames("--no-shadows", options.withoutShadows, rig);
     return rig;
 }
 

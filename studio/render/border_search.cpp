@@ -78,14 +78,14 @@ std::optional<BorderSearch> BorderSearch::begin(std::span<const Imath::V2d> plac
     return BorderSearch(sides, border, cornersUntold(places, border.telling()));
 }
 
-void BorderSearch::color(int side, const Sight& sight, LightMeter& meter) {
+void BorderSearch::color(int side, const Sight& sight) {
     Side& seen = sides_[static_cast<std::size_t>(side)];
-    meter.add(sight, seen.sum);
+    seen.sum.add(sight);
     ++seen.count;
 }
 
-void BorderSearch::color(const Sight& sight, LightMeter& meter) {
-    color(sideOf(sight), sight, meter);
+void BorderSearch::color(const Sight& sight) {
+    color(sideOf(sight), sight);
 }
 
 BorderSearch::Places BorderSearch::nextPlaces() {
@@ -101,15 +101,15 @@ BorderSearch::Places BorderSearch::nextPlaces() {
     return next;
 }
 
-bool BorderSearch::add(const Imath::V2d& place, const Sight& sight, LightMeter& meter) {
+bool BorderSearch::add(const Imath::V2d& place, const Sight& sight) {
     const int side = sideOf(sight);
     if (side < 0) return false;
-    color(side, sight, meter);
+    color(side, sight);
     return border_.add(place, side == 1);
 }
 
 int BorderSearch::sideOf(const Sight& sight) const {
-    return whichOf(levelsOf(sight), sides_[0].levels, sides_[1].levels);
+    return whichOf(sight.levels, sides_[0].levels, sides_[1].levels);
 }
 
 bool BorderSearch::isDone() const {

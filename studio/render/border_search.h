@@ -34,14 +34,14 @@ class BorderSearch {
                                              std::span<const SeenLevels> levels);
 
     /// Lets a sample that begin() knew count for the colour of its side.
-    void color(const Sight& sight, LightMeter& meter);
+    void color(const Sight& sight);
 
     /// All of them are to be looked at.
     Places nextPlaces();
 
     /// What shows at one of the places. False when it does not fit: there is more
     /// to the pixel than two colours and a straight border.
-    bool add(const Imath::V2d& place, const Sight& sight, LightMeter& meter);
+    bool add(const Imath::V2d& place, const Sight& sight);
 
     /// Whether more samples would hardly change the pixel.
     bool isDone() const;
@@ -60,7 +60,7 @@ class BorderSearch {
                  std::uint8_t corners)
         : sides_(sides), border_(border), corners_(corners) {}
     int sideOf(const Sight& sight) const;
-    void color(int side, const Sight& sight, LightMeter& meter);
+    void color(int side, const Sight& sight);
 
     std::array<Side, 2> sides_;  ///< the near one, the far one
     StraightBorder border_;

@@ -1,19 +1,8 @@
 #include "studio/render/film.h"
 
-#include <utility>
-
 #include "studio/scene/color.h"
 
 namespace tavora::studio {
-namespace {
-
-Imath::V3d linear(const Sight& sight) {
-    if (!(sight.alpha > 0)) return Imath::V3d(0);
-    const Imath::V3d color = sight.color / sight.alpha;
-    return Imath::V3d(toLinear(color.x), toLinear(color.y), toLinear(color.z)) * sight.alpha;
-}
-
-}  // namespace
 
 void PixelSum::develop(int count, float rgba[4]) const {
     const Imath::V3d average = color / count;
@@ -23,13 +12,16 @@ void PixelSum::develop(int count, float rgba[4]) const {
     rgba[3] = static_cast<float>(alpha / count);
 }
 
-void LightMeter::add(const Sight& sight, PixelSum& sum) {
-    if (sight != last_.sight) {
-        std::swap(last_, before_);
-        if (sight != last_.sight) last_ = {sight, linear(sight)};
-    }
-    sum.color += last_.color;
-    sum.alpha += sight.alpha;
+Backdrop::Backdrop(const std::optional<Imath::V3d>& color) {
+    if (color) light_.emplace(toLinear(color->x), toLinear(color->y), toLinear(color->z));
+}
+
+void Backdrop::layUnder(float rgba[4]) const {
+    if (!light_) return;
+    const double through = 1 - static_cast<double>(rgba[3]);
+    for (int i = 0; i < 3; ++i)
+        rgba[i] = static_cast<float>(static_cast<double>(rgba[i]) + through * (*light_)[i]);
+    rgba[3] = 1;
 }
 
 }  // namespace tavora::studio

@@ -217,6 +217,10 @@ bool stopsLight(const HitAtFilter& at) {
     return progress.darkening > kDarkest;
 }
 
+bool neverStopsLight(const HitAtFilter&) {
+    return false;
+}
+
 /// Embree hands over one hit each of one ray or of several side by side.
 template <bool (*keep)(const HitAtFilter&)>
 void filter(const RTCFilterFunctionNArguments* arguments) {
@@ -235,6 +239,7 @@ RTCFilterFunctionN viewingFilter(const SurfaceTraits& worn) {
 }
 
 const RTCFilterFunctionN kShadowFilter = filter<stopsLight>;
+const RTCFilterFunctionN kNoShadowFilter = filter<neverStopsLight>;
 const RTCFilterFunctionN kLimitFilter = filter<isWithinLimits>;
 
 double lightLeft(std::int64_t darkening) {

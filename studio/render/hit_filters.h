@@ -16,6 +16,9 @@ RTCFilterFunctionN viewingFilter(const SurfaceTraits& worn);
 /// Of shadow rays on what some of them pass.
 extern const RTCFilterFunctionN kShadowFilter;
 
+/// Of shadow rays on what all of them pass.
+extern const RTCFilterFunctionN kNoShadowFilter;
+
 /// Of shadow rays with limits on anything at all.
 extern const RTCFilterFunctionN kLimitFilter;
 

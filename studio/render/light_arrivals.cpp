@@ -63,8 +63,9 @@ LightArrival LightArrivals::elsewhere(std::size_t light, const Imath::V3d& posit
     base.origin = position;
     base.nearest = 4 * roundingMargin(magnitudeOf(position));
     ShadowRays rays;
-    const bool blockable =
-        rays.aim(base, lights_->lights[light], {position, arrival.direction, distance, nullptr});
+    const LitLight& lit = lights_->lights[light];
+    const bool blockable = canBeShadowed(lit, *point_) &&
+                           rays.aim(base, lit, {position, arrival.direction, distance, nullptr});
     const double share = blockable ? passing(rays) : 1;
     arrival.lit = share > 0;
     arrival.color *= share;
@@ -103,9 +104,11 @@ KeptShare LightArrivals::kept(std::size_t light) const {
 double LightArrivals::traceShare(std::size_t light) {
     const Slot& slot = meet(light);
     if (!(slot.distance >= 0) || isBehind(slot.whole.direction)) return 0;
+    const LitLight& lit = lights_->lights[light];
     ShadowRays rays;
     const bool blockable =
-        rays.aim(shadowRay(), lights_->lights[light],
+        canBeShadowed(lit, *point_) &&
+        rays.aim(shadowRay(), lit,
                  {point_->position, slot.whole.direction, slot.distance, &point_->normal});
     return blockable ? passing(rays) : 1;
 }

@@ -93,8 +93,8 @@ class LightArrivals {
     /// depends on nothing but the sample.
     LightsMet met() const;
 
-    /// The light at any place in the world, which need not be on a surface;
-    /// nothing is kept.
+    /// The light at any place in the world, which need not be on a surface, as it falls
+    /// on the sample's; nothing is kept.
     LightArrival elsewhere(std::size_t light, const Imath::V3d& position);
 
     std::uint64_t shadowRays() const { return shadowRays_; }

@@ -58,7 +58,7 @@ void LiveLane::renderTile(LiveTile& tile, const LivePass& pass, const LiveShot& 
             const int number = (y - box.top) * box.width() + x - box.left;
             refine({x, y, static_cast<std::size_t>(number)}, pass.target, shot, paths, pixel);
             tile.shaded.add(pixel.shaded);
-            show(pixel, canvas.shown(x, y));
+            show(pixel, shot.backdrop, canvas.shown(x, y));
         }
     }
     if (pass.step == 1) tile.least = pass.target;
@@ -71,7 +71,7 @@ void LiveLane::refine(const Spot& spot, int target, const LiveShot& shot, TilePa
         const Imath::V2d& place = shot.pattern[sample];
         const Ray ray = shot.view.rayThrough(spot.x + place.x, spot.y + place.y);
         shader_->follow(paths.path(spot.number, sample));
-        meter_.add(see(*shader_, ray, shot.background), pixel.sum);
+        pixel.sum.add(see(*shader_, decoder_, ray));
         pixel.shaded.add(shader_->takeShaded());
     }
 }
@@ -84,9 +84,10 @@ std::uint64_t LiveLane::evaluations() const {
     return evaluationsBefore_ + (shader_ ? shader_->evaluations() : 0);
 }
 
-void LiveLane::show(const LivePixel& pixel, std::uint8_t* bytes) {
+void LiveLane::show(const LivePixel& pixel, const Backdrop& backdrop, std::uint8_t* bytes) {
     float rgba[4];
     pixel.sum.develop(pixel.count, rgba);
+    backdrop.layUnder(rgba);
     unsigned levels[4];
     displayLevels(rgba, true, 255, levels);
     for (int i = 0; i < 4; ++i)

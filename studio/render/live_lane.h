@@ -23,7 +23,7 @@ namespace tavora::studio {
 struct LiveShot {
     View view;
     std::vector<Imath::V2d> pattern;  ///< places of the samples, in order
-    std::optional<Imath::V3d> background;
+    Backdrop backdrop;
 };
 
 /// One turn over the tiles.
@@ -62,7 +62,7 @@ class LiveLane {
     };
     void refine(const Spot& spot, int target, const LiveShot& shot, TilePaths& paths,
                 LivePixel& pixel);
-    void show(const LivePixel& pixel, std::uint8_t* bytes);
+    void show(const LivePixel& pixel, const Backdrop& backdrop, std::uint8_t* bytes);
 
     const RayScene* scene_;
     bool speaks_;
@@ -70,7 +70,7 @@ class LiveLane {
     std::vector<std::shared_ptr<const SurfaceShading>> worn_;  ///< by surface
     std::shared_ptr<const LightRig> lights_;
     std::optional<SampleShader> shader_;
-    LightMeter meter_;
+    ColorDecoder decoder_;
     std::uint64_t tracedBefore_ = 0;  ///< by shaders with lights of before
     std::uint64_t evaluationsBefore_ = 0;
 };

@@ -82,7 +82,7 @@ LivePainter::Change LivePainter::adopt(const LiveWish& wish) {
 
 void LivePainter::adoptView(const LiveWish& wish) {
     shot_.emplace(LiveShot{View(*wish.camera, wish.width, wish.height, options_.samples),
-                           samplePattern(options_.samples), options_.background});
+                           samplePattern(options_.samples), Backdrop(options_.background)});
     const bool fits = canvas_ && canvas_->width() == wish.width && canvas_->height() == wish.height;
     if (fits) return;
     paths_.reset();

@@ -58,7 +58,9 @@ void RayScene::attach(MeshGeometry& geometry) {
     rtcSetGeometryUserData(handle, &geometry);
     const SurfaceTraits& worn = traits(geometry.source->surfaceIndex);
     rtcSetGeometryIntersectFilterFunction(handle, viewingFilter(worn));
-    if (worn.cover != Cover::Solid || !worn.surface->selfShadow) {
+    if (!worn.surface->castsShadows) {
+        rtcSetGeometryOccludedFilterFunction(handle, kNoShadowFilter);
+    } else if (worn.cover != Cover::Solid || !worn.surface->selfShadow) {
         judgesShadows_ = true;
         rtcSetGeometryOccludedFilterFunction(handle, kShadowFilter);
     }

@@ -112,10 +112,10 @@ void Refinement::begin(const PixelBox& tile) {
 }
 
 void Refinement::add(int x, int y, std::span<const Imath::V2d> places,
-                     std::span<const ViewSample> samples, LightMeter& meter) {
+                     std::span<const ViewSample> samples) {
     PixelState& pixel = pixels_[offset(x, y)];
     const bool isFirstRound = pixel.count == 0;
-    SeenLevels levels = levelsOf(samples.front().sight);
+    SeenLevels levels = samples.front().sight.levels;
     if (isFirstRound) {
         const FirstSurface& first = samples.front().first;
         pixel.lights = {first.mesh, first.distance, {}};
@@ -126,9 +126,9 @@ void Refinement::add(int x, int y, std::span<const Imath::V2d> places,
     PixelSum sum;
     for (std::size_t i = 0; i < samples.size(); ++i) {
         const ViewSample& sample = samples[i];
-        meter.add(sample.sight, sum);
-        if (i > 0 && sample.sight != samples[i - 1].sight) {
-            levels = levelsOf(sample.sight);
+        sum.add(sample.sight);
+        if (asWord(sample.sight.levels) != asWord(levels)) {
+            levels = sample.sight.levels;
             widen(pixel, levels);
         }
         widenSides(pixel, places[i], brightness(levels));

@@ -60,8 +60,7 @@ class Refinement {
 
     /// Adds the samples of a pixel that one round brought, and where in the
     /// pixel they lie.
-    void add(int x, int y, std::span<const Imath::V2d> places, std::span<const ViewSample> samples,
-             LightMeter& meter);
+    void add(int x, int y, std::span<const Imath::V2d> places, std::span<const ViewSample> samples);
 
     /// The pixel is done: this is its average.
     void settle(int x, int y, const std::array<float, 4>& rgba);

@@ -38,7 +38,7 @@ void inBlocks(const PixelBox& tile, Visit visit) {
 RenderLane::RenderLane(const RenderJob& job, std::shared_ptr<const LaneShaders> shaders)
     : job_(&job),
       shaders_(std::move(shaders)),
-      sampler_(job.scene, job.lights, *shaders_, job.view, job.options.background) {}
+      sampler_(job.scene, job.lights, *shaders_, job.view) {}
 
 void RenderLane::renderTile(const PixelBox& tile, const std::atomic<bool>* stop, Picture& picture) {
     findAll(tile);
@@ -47,7 +47,7 @@ void RenderLane::renderTile(const PixelBox& tile, const std::atomic<bool>* stop,
     look(pixels_, all, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
         PixelSum sum;
         for (const ViewSample& sample : samples)
-            meter_.add(sample.sight, sum);
+            sum.add(sample.sight);
         sum.develop(static_cast<int>(samples.size()), picture.pixel(pixel.x, pixel.y));
     });
 }
@@ -65,13 +65,13 @@ void RenderLane::refineTile(const PixelBox& tile, const SampleRun& run,
     borders_.clear();
     look(pixels_, run, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
         const std::span<const Imath::V2d> places = job_->placesIn(pixel.x, pixel.y);
-        refinement.add(pixel.x, pixel.y, places.subspan(run.first, run.size()), samples, meter_);
+        refinement.add(pixel.x, pixel.y, places.subspan(run.first, run.size()), samples);
         if (!searches) return;
         borders_.add({pixel.x, pixel.y, &pixel.known}, places.first(run.last),
-                     refinement.at(pixel.x, pixel.y).first, samples, meter_);
+                     refinement.at(pixel.x, pixel.y).first, samples);
     });
     const ServiceBinding binding(job_->scene.index(), job_->lights);
-    primaryRays_ += borders_.search(sampler_, meter_, refinement);
+    primaryRays_ += borders_.search(sampler_, refinement);
 }
 
 /// After the first round that not all pixels get, if what came before is kept. A

@@ -73,7 +73,6 @@ class RenderLane {
     const RenderJob* job_;
     std::shared_ptr<const LaneShaders> shaders_;
     ViewSampler sampler_;
-    LightMeter meter_;
     std::vector<Pixel> pixels_;      ///< of a tile, that are looked at
     std::vector<ViewPlace> places_;  ///< of some pixels' samples
     std::vector<ViewSample> samples_;

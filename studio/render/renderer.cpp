@@ -6,6 +6,7 @@
 #include <thread>
 #include <utility>
 
+#include "studio/render/film.h"
 #include "studio/render/lane_team.h"
 #include "studio/render/lanes.h"
 #include "studio/render/ray_scene.h"
@@ -195,6 +196,11 @@ void renderInRounds(const RenderOptions& options, const RenderWatch& watch, Lane
     develop(lanes, watch, refinement, picture);
 }
 
+void layOver(const Backdrop& backdrop, Picture& picture) {
+    for (std::size_t i = 0; i < picture.rgba.size(); i += 4)
+        backdrop.layUnder(&picture.rgba[i]);
+}
+
 }  // namespace
 
 struct Renderer::Parts {
@@ -234,6 +240,7 @@ Picture Renderer::render(const Camera& camera, const LightRig& lights,
     } else {
         renderEvenly(watch, lanes, picture);
     }
+    layOver(Backdrop(options.background), picture);
     if (stats != nullptr) {
         *stats = {};
         for (const auto& lane : lanes.each)

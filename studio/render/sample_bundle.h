@@ -73,7 +73,8 @@ class SampleBundle {
         return starts_[static_cast<std::size_t>(&station - stations_.data())].ray();
     }
     /// Share of the light that is known to pass there; negative where it is not.
-    static double knownShare(const Station& station, std::size_t light) {
+    double knownShare(const Station& station, std::size_t light) const {
+        if (!canBeShadowed(rig_->lights[light], *station.point)) return 1;
         return station.known != nullptr ? station.known->share(light) : -1;
     }
     double& share(std::uint32_t viewing, std::size_t light) {

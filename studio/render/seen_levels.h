@@ -1,24 +1,24 @@
 #pragma once
 
+#include <ImathVec.h>
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
 
-#include "studio/render/sight.h"
-
 namespace tavora::studio {
 
 /// What shows, as a display tells it apart: red, green, blue and alpha, 255 for 1.
 using SeenLevels = std::array<std::uint8_t, 4>;
 
-inline SeenLevels levelsOf(const Sight& sight) {
+/// Of an opaque, display-referred colour.
+inline SeenLevels levelsOf(const Imath::V3d& color) {
     constexpr double kHalf = 0.5;  // nothing is negative: to cut off is to round
     const auto level = [](double value) {
         return static_cast<std::uint8_t>(std::clamp(value, 0.0, 1.0) * 255 + kHalf);
     };
-    return {level(sight.color.x), level(sight.color.y), level(sight.color.z), level(sight.alpha)};
+    return {level(color.x), level(color.y), level(color.z), 255};
 }
 
 /// By which the channel that differs most does.

@@ -17,6 +17,12 @@ struct LitPlace {
     const Imath::V3d* facing = nullptr;  ///< unit, towards the side that is lit; null: all sides
 };
 
+/// Whether anything can keep the light off a place on the surface, so that shadow rays
+/// have to tell.
+inline bool canBeShadowed(const LitLight& light, const SurfacePoint& point) {
+    return light.castsShadow && point.source().surface->receivesShadows;
+}
+
 /// Where shadow rays from a place on a surface start, and what they pass.
 struct ShadowOrigin {
     Imath::V3d position{0, 0, 0};       ///< world

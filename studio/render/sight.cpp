@@ -1,33 +1,40 @@
 #include "studio/render/sight.h"
 
+#include <utility>
+
+#include "studio/render/display_levels.h"
+#include "studio/scene/color.h"
+
 namespace tavora::studio {
 namespace {
 
 /// What shows less than this is not looked for.
 constexpr double kInvisible = 1e-4;
 
-/// Surfaces over each other, front to back.
+/// Surfaces over each other, front to back, in linear light.
 class Layers {
   public:
-    explicit Layers(Sight& sight) : sight_(&sight) { sight = {}; }
+    explicit Layers(ColorDecoder& decoder) : decoder_(&decoder) {}
 
     void add(const Appearance& surface) {
-        sight_->color += surface.color * (through_ * (1 - surface.transparency));
+        const double share = through_ * (1 - surface.transparency);
+        color_ += decoder_->opaque(surface.color).color * share;
         through_ *= surface.transparency;
         if (through_ < kInvisible) through_ = 0;
     }
     bool hide() const { return through_ == 0; }
 
-    void lieOver(const std::optional<Imath::V3d>& background) {
-        if (background) {
-            sight_->color += *background * through_;
-            through_ = 0;
-        }
-        sight_->alpha = 1 - through_;
+    Sight sight() const {
+        const auto level = [](double linear) {
+            return static_cast<std::uint8_t>(byteLevel(linear));
+        };
+        const auto covered = static_cast<std::uint8_t>(255 - level(through_));
+        return {color_, 1 - through_, {level(color_.x), level(color_.y), level(color_.z), covered}};
     }
 
   private:
-    Sight* sight_;
+    ColorDecoder* decoder_;
+    Imath::V3d color_{0, 0, 0};
     double through_ = 1;
 };
 
@@ -35,44 +42,44 @@ FirstSurface firstSurface(const SurfacePoint& point) {
     return {point.facet->mesh, static_cast<float>(point.distance), Imath::V3f(point.normal)};
 }
 
-}  // namespace
-
-Sight seeNothing(const std::optional<Imath::V3d>& background) {
-    Sight sight;
-    Layers(sight).lieOver(background);
-    return sight;
-}
-
-Sight see(SampleShader& shader, const Ray& ray, const std::optional<Imath::V3d>& background,
-          FirstSurface* first) {
-    Sight sight;
-    Layers layers(sight);
-    Hit hit;
-    Appearance surface;
-    while (!layers.hide() && shader.shadeNext(ray, hit, hit, surface)) {
-        if (first != nullptr) *first = firstSurface(shader.point());
-        first = nullptr;
-        layers.add(surface);
-    }
-    layers.lieOver(background);
-    return sight;
-}
-
-void seeFrom(SampleShader& shader, const Ray& ray, const MetSurface& met, const KnownLights& lights,
-             const std::optional<Imath::V3d>& background, bool notesLights, ViewSample& sample) {
-    sample.first = firstSurface(met.point);
-    const Appearance first = shader.shadeMet(ray, met, lights);
-    if (notesLights) sample.lights = shader.lightsMet();
-    if (first.transparency == 0) {
-        sample.sight = {first.color, 1};
-        return;
-    }
-    Layers layers(sample.sight);
-    layers.add(first);
-    Hit hit = met.hit;
+/// Where `ray` meets `nearest` at `hit`.
+Sight seeOnwards(SampleShader& shader, ColorDecoder& decoder, const Ray& ray, Hit hit,
+                 const Appearance& nearest) {
+    if (nearest.transparency == 0) return decoder.opaque(nearest.color);
+    Layers layers(decoder);
+    layers.add(nearest);
     for (Appearance surface; !layers.hide() && shader.shadeNext(ray, hit, hit, surface);)
         layers.add(surface);
-    layers.lieOver(background);
+    return layers.sight();
+}
+
+}  // namespace
+
+const Sight& ColorDecoder::opaque(const Imath::V3d& color) {
+    if (color != last_.from) {
+        std::swap(last_, before_);
+        if (color != last_.from) {
+            const Imath::V3d light(toLinear(color.x), toLinear(color.y), toLinear(color.z));
+            last_ = {color, {light, 1, levelsOf(color)}};
+        }
+    }
+    return last_.sight;
+}
+
+Sight see(SampleShader& shader, ColorDecoder& decoder, const Ray& ray, FirstSurface* first) {
+    Hit hit;
+    Appearance nearest;
+    if (!shader.shadeNext(ray, {}, hit, nearest)) return {};
+    if (first != nullptr) *first = firstSurface(shader.point());
+    return seeOnwards(shader, decoder, ray, hit, nearest);
+}
+
+void seeFrom(SampleShader& shader, ColorDecoder& decoder, const Ray& ray, const MetSurface& met,
+             const KnownLights& lights, bool notesLights, ViewSample& sample) {
+    sample.first = firstSurface(met.point);
+    const Appearance nearest = shader.shadeMet(ray, met, lights);
+    if (notesLights) sample.lights = shader.lightsMet();
+    sample.sight = seeOnwards(shader, decoder, ray, met.hit, nearest);
 }
 
 }  // namespace tavora::studio

@@ -12,31 +12,30 @@ constexpr int kSteps = 4;
 }  // namespace
 
 void TileBorders::add(const Pixel& pixel, std::span<const Imath::V2d> places,
-                      std::span<const SeenLevels> first, std::span<const ViewSample> samples,
-                      LightMeter& meter) {
+                      std::span<const SeenLevels> first, std::span<const ViewSample> samples) {
     const std::size_t before = places.size() - samples.size();
     levels_.assign(first.begin(), first.begin() + static_cast<std::ptrdiff_t>(before));
     for (const ViewSample& sample : samples)
-        levels_.push_back(levelsOf(sample.sight));
+        levels_.push_back(sample.sight.levels);
     std::optional<BorderSearch> search = BorderSearch::begin(places, levels_);
     if (!search) return;
     for (const ViewSample& sample : samples)
-        search->color(sample.sight, meter);
+        search->color(sample.sight);
     borders_.push_back({pixel, *search, 0});
 }
 
-std::uint64_t TileBorders::search(ViewSampler& sampler, LightMeter& meter, Refinement& refinement) {
+std::uint64_t TileBorders::search(ViewSampler& sampler, Refinement& refinement) {
     std::uint64_t count = 0;
     settleDone(refinement);
     for (int i = 0; i < kSteps && !borders_.empty(); ++i) {
-        count += step(sampler, meter);
+        count += step(sampler);
         settleDone(refinement);
     }
     return count;
 }
 
 /// Looks once more in each pixel, and gives those up that show something else.
-std::uint64_t TileBorders::step(ViewSampler& sampler, LightMeter& meter) {
+std::uint64_t TileBorders::step(ViewSampler& sampler) {
     places_.clear();
     inPixel_.clear();
     for (Border& border : borders_) {
@@ -52,16 +51,16 @@ std::uint64_t TileBorders::step(ViewSampler& sampler, LightMeter& meter) {
     sampler.look(places_, samples_);
     std::size_t first = 0;
     std::erase_if(borders_, [&](Border& border) {
-        const bool fits = take(border, first, meter);
+        const bool fits = take(border, first);
         first += border.count;
         return !fits;
     });
     return places_.size();
 }
 
-bool TileBorders::take(Border& border, std::size_t first, LightMeter& meter) {
+bool TileBorders::take(Border& border, std::size_t first) {
     for (std::size_t i = first; i < first + border.count; ++i) {
-        if (!border.search.add(inPixel_[i], samples_[i].sight, meter)) return false;
+        if (!border.search.add(inPixel_[i], samples_[i].sight)) return false;
     }
     return true;
 }

@@ -28,11 +28,10 @@ class TileBorders {
     /// Searches in a pixel later, if what it shows so far promises anything: `first`
     /// at the first places, then `samples` at the others.
     void add(const Pixel& pixel, std::span<const Imath::V2d> places,
-             std::span<const SeenLevels> first, std::span<const ViewSample> samples,
-             LightMeter& meter);
+             std::span<const SeenLevels> first, std::span<const ViewSample> samples);
 
     /// Settles the pixels whose border is found. Returns how many samples that took.
-    std::uint64_t search(ViewSampler& sampler, LightMeter& meter, Refinement& refinement);
+    std::uint64_t search(ViewSampler& sampler, Refinement& refinement);
 
   private:
     struct Border {
@@ -40,8 +39,8 @@ class TileBorders {
         BorderSearch search;
         std::size_t count = 0;  ///< of places that the step looks at
     };
-    std::uint64_t step(ViewSampler& sampler, LightMeter& meter);
-    bool take(Border& border, std::size_t first, LightMeter& meter);
+    std::uint64_t step(ViewSampler& sampler);
+    bool take(Border& border, std::size_t first);
     void settleDone(Refinement& refinement);
 
     std::vector<Border> borders_;

@@ -5,9 +5,8 @@
 namespace tavora::studio {
 
 ViewSampler::ViewSampler(const RayScene& scene, const LightRig& lights, const LaneShaders& shaders,
-                         const View& view, const std::optional<Imath::V3d>& background)
+                         const View& view)
     : view_(&view),
-      background_(&background),
       shader_(scene, lights, shaders),
       bundle_(scene, lights),
       rays_(bundle_.room(), view.rayThrough(0, 0)),
@@ -31,10 +30,9 @@ void ViewSampler::lookTogether(std::span<const ViewPlace> places, std::span<View
     bundle_.trace({rays_.data(), places.size()}, known_, shader_);
     for (std::size_t i = 0; i < places.size(); ++i) {
         if (const MetSurface* met = bundle_.met(i)) {
-            seeFrom(shader_, rays_[i], *met, bundle_.lights(i), *background_, notesLights,
-                    samples[i]);
+            seeFrom(shader_, decoder_, rays_[i], *met, bundle_.lights(i), notesLights, samples[i]);
         } else {
-            samples[i] = {seeNothing(*background_), {}, {}};
+            samples[i] = {};
         }
     }
 }

@@ -3,7 +3,6 @@
 #include <ImathVec.h>
 #include <cstddef>
 #include <cstdint>
-#include <optional>
 #include <span>
 #include <vector>
 
@@ -29,7 +28,7 @@ class ViewSampler {
   public:
     /// All must outlive it.
     ViewSampler(const RayScene& scene, const LightRig& lights, const LaneShaders& shaders,
-                const View& view, const std::optional<Imath::V3d>& background);
+                const View& view);
 
     /// `samples[i]` becomes what shows at `places[i]`, with the lights met there if
     /// `notesLights`. Neighbours next to each other cost least. What shows at a
@@ -46,8 +45,8 @@ class ViewSampler {
                       bool notesLights);
 
     const View* view_;
-    const std::optional<Imath::V3d>* background_;
     SampleShader shader_;
+    ColorDecoder decoder_;
     SampleBundle bundle_;
     std::vector<Ray> rays_;  ///< as many as fit the bundle
     std::vector<const KnownShadows*> known_;

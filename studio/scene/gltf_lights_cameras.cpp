@@ -29,7 +29,7 @@ LightKind kindOf(const GltfSource& source, const tinygltf::Light& light, int ind
 }
 
 /// What the extras of a light, or of its node, say of it beyond the file format:
-/// {"tavora": {"makesHighlights": false, "radius": 0.2, "angle": 0.5}}
+/// {"tavora": {"makesHighlights": false, "castsShadow": false, "radius": 0.2, "angle": 0.5}}
 class LightExtras {
   public:
     /// `place` points to what holds the extras.
@@ -39,6 +39,7 @@ class LightExtras {
 
     void readInto(Light& light) {
         if (const Json* flag = member("makesHighlights")) readFlag(*flag, light.makesHighlights);
+        if (const Json* flag = member("castsShadow")) readFlag(*flag, light.castsShadow);
         const bool sun = light.kind == LightKind::Directional;
         if (const Json* size = member("radius")) {
             readSize(*size, !sun, "a length of a point or spot light, in metres", light.radius);

@@ -72,19 +72,25 @@ class MaterialReader {
         surface.shader = shaderFromExtras(
             member(material, "extras"),
             oneLine(fmt::format("{}: surface {}", source_.path, surface.name)), scene_.warnings);
-        readSelfShadow(member(member(material, "extras"), "tavora"), surface);
+        readShadows(member(member(material, "extras"), "tavora"), surface);
         scene_.surfaces.push_back(std::move(surface));
     }
 
-    /// {"tavora": {"selfShadow": false}}
-    void readSelfShadow(const Json& own, Surface& surface) {
-        const Json& flag = member(own, "selfShadow");
+    /// {"tavora": {"selfShadow": false, "castsShadows": false, "receivesShadows": false}}
+    void readShadows(const Json& own, Surface& surface) {
+        readFlag(own, "selfShadow", surface, surface.selfShadow);
+        readFlag(own, "castsShadows", surface, surface.castsShadows);
+        readFlag(own, "receivesShadows", surface, surface.receivesShadows);
+    }
+
+    void readFlag(const Json& own, const char* name, const Surface& surface, bool& target) {
+        const Json& flag = member(own, name);
         if (flag.is_boolean()) {
-            surface.selfShadow = flag.get<bool>();
+            target = flag.get<bool>();
         } else if (!flag.is_null()) {
-            scene_.warnings.push_back(oneLine(
-                fmt::format("{}: surface {}: its selfShadow is neither true nor false and left out",
-                            source_.path, surface.name)));
+            scene_.warnings.push_back(
+                oneLine(fmt::format("{}: surface {}: its {} is neither true nor false and left out",
+                                    source_.path, surface.name, name)));
         }
     }
 

@@ -70,6 +70,13 @@ std::vector<V3d> pointsOf(const Light& light, const LightingOptions& options) {
                : softLampPoints(light, sizeOf(light, light.radius, options.radii));
 }
 
+bool castsShadow(const Light& light, const LightingOptions& options) {
+    const auto& without = options.withoutShadows;
+    return light.castsShadow &&
+           std::none_of(without.begin(), without.end(),
+                        [&](const std::string& lights) { return matchesName(lights, light.name); });
+}
+
 /// The strength that counts as 1: that of the brightest light.
 double brightest(const std::vector<const Light*>& lights, const Scene& scene) {
     double most = 0;
@@ -111,6 +118,7 @@ LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOp
     for (const Light* light : lights) {
         rig.lights.push_back(settle(*light, scene, unit));
         rig.lights.back().points = pointsOf(*light, options);
+        rig.lights.back().castsShadow = castsShadow(*light, options);
     }
     rig.ambient = options.ambient.value_or(scene.ambient.value_or(V3d(defaultAmbient)));
     return rig;

@@ -22,6 +22,7 @@ struct LightingOptions {
     bool falloff = false;               ///< inverse square and range, instead of even light
     std::vector<LightSize> radii = {};  ///< over those of the scene; the last that matches counts
     std::vector<LightSize> angles = {};
+    std::vector<std::string> withoutShadows = {};  ///< names or globs of lights that cast none
 };
 
 /// One light with its level settled.
@@ -31,6 +32,7 @@ struct LitLight {
     double scale = 1;  ///< with falloff: factor on 1 / distance^2; else unused
     /// Of a light with a size; else empty. See soft_light.h.
     std::vector<Imath::V3d> points = {};
+    bool castsShadow = true;
 };
 
 /// The lights of one render. Its lights point into the scene or into `own`.

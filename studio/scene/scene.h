@@ -71,7 +71,9 @@ struct Surface {
     float alphaCutoff = 0.5F;
     bool doubleSided = false;
     bool unlit = false;
-    bool selfShadow = true;  ///< false: on no object does it shade itself, only others
+    bool selfShadow = true;       ///< false: on no object does it shade itself, only others
+    bool castsShadows = true;     ///< false: light passes as if it were not there
+    bool receivesShadows = true;  ///< false: light reaches it through whatever is in the way
     std::optional<TextureUse> translucencyTexture;
     Component translucencyComponent = Component::Red;
     float translucencyFactor = 0;
@@ -122,6 +124,7 @@ struct Light {
     double radius = 0;  ///< metres; of a point or spot light's ball; 0: hard shadows
     double angle = 0;   ///< radians, diameter of a directional light in the sky; 0: hard shadows
     bool makesHighlights = true;
+    bool castsShadow = true;  ///< false: it shines through whatever is in the way
 };
 
 /// A camera looks along its own -z with +y up.

@@ -49,7 +49,7 @@ std::vector<HalfPlane> manyBorders() {
 }
 
 Sight grey(double level) {
-    return {V3d(level), 1};
+    return ColorDecoder().opaque(V3d(level));
 }
 
 /// Searches in a pixel that shows `look(place)`. Returns how many samples more that
@@ -57,22 +57,21 @@ Sight grey(double level) {
 template <typename Look>
 int search(Look look, std::array<float, 4>& pixel) {
     constexpr int kMost = 24;
-    LightMeter meter;
     const std::vector<V2d> all = growingPattern(64);
     const std::span<const V2d> places(all.data(), kBefore);
     std::vector<SeenLevels> levels;
     for (const V2d& place : places)
-        levels.push_back(levelsOf(look(place)));
+        levels.push_back(look(place).levels);
     std::optional<BorderSearch> search = BorderSearch::begin(places, levels);
     if (!search) return -1;
     for (const V2d& place : places)
-        search->color(look(place), meter);
+        search->color(look(place));
     int count = 0;
     while (!search->isDone()) {
         if (count >= kMost) return -1;
         const BorderSearch::Places next = search->nextPlaces();
         for (const V2d& place : next.all()) {
-            if (!search->add(place, look(place), meter)) return -1;
+            if (!search->add(place, look(place))) return -1;
         }
         count += static_cast<int>(next.count);
     }

@@ -52,6 +52,7 @@ struct Room : TestScene {
         pane.alphaMode = AlphaMode::Blend;
         pane.baseColor = {0.2F, 0.6F, 1, 0.4F};
         pane.doubleSided = true;
+        pane.receivesShadows = false;
         Surface& leaf = addSurface();
         leaf.alphaMode = AlphaMode::Mask;
         leaf.doubleSided = true;
@@ -78,6 +79,7 @@ std::shared_ptr<const LightRig> lights(double sun, double right, int points, dou
     for (int i = 0; i < points; ++i)
         made->addLight(LightKind::Point, V3d(0.2, 0.3, 0.5) / points).position = {2, 3.0 - i, 4};
     made->soften(size, size);
+    made->rig.lights[1].castsShadow = false;
     made->rig.ambient = V3d(0.1);
     return {made, &made->rig};
 }

@@ -117,6 +117,40 @@ TEST(PictureFile, PngDividesColourByAlphaAndBoundsValues) {
     EXPECT_EQ(readPng(folder / "a.png").values, expected);
 }
 
+/// By how many steps of 255 a straight pixel, laid over a background in linear light,
+/// shows something else than `color`, premultiplied, with that alpha.
+double errorOver(double background, const unsigned* pixel, double color, double alpha) {
+    const double covered = pixel[3] / 255.0;
+    const double is = toLinear(pixel[0] / 255.0) * covered + (1 - covered) * background;
+    return 255 * std::abs(toEncoded(is) - toEncoded(color + (1 - alpha) * background));
+}
+
+TEST(PictureFile, PngOfBytesLaidOverAnythingShowsWhatItShould) {
+    const TemporaryFolder folder;
+    std::vector<float> rgba;
+    for (int covered = 1; covered < 1000; ++covered) {
+        for (const double level : {0.0, 0.1, 0.25, 0.5, 0.75, 1.0}) {
+            const auto alpha = static_cast<float>(covered / 1000.0);
+            const float color = linear(level) * alpha;
+            rgba.insert(rgba.end(), {color, color, color, alpha});
+        }
+    }
+    const int count = static_cast<int>(rgba.size()) / 4;
+    writePicture(pictureOf(rgba, count, 1), folder / "a.png",
+                 {Kind::Png, PictureDepth::Eight, true});
+    const std::vector<unsigned> values = readPng(folder / "a.png").values;
+    for (std::size_t i = 0; i < rgba.size(); i += 4) {
+        const auto color = static_cast<double>(rgba[i]);
+        const auto alpha = static_cast<double>(rgba[i + 3]);
+        // Where next to nothing shows through next to black, bytes say no better.
+        const double bound = color + 1 - alpha < 0.06 ? 3.7 : 1;
+        for (const double background : {0.0, 0.01, 0.2, 0.6, 1.0}) {
+            ASSERT_LE(errorOver(background, &values[i], color, alpha), bound)
+                << color << ' ' << alpha << ' ' << background;
+        }
+    }
+}
+
 TEST(PictureFile, PngHoldsTheWindowAlone) {
     const TemporaryFolder folder;
     Picture picture{10, 10, {4, 6, 6, 7}, {0, 0, 0, 1, 1, 1, 1, 1}};

@@ -21,6 +21,10 @@ void expectColor(const V3d& actual, const V3d& expected) {
     EXPECT_NEAR(actual.z, expected.z, kClose);
 }
 
+V3d encoded(const V3d& linear) {
+    return {toEncoded(linear.x), toEncoded(linear.y), toEncoded(linear.z)};
+}
+
 const V3d kDown(0, 0, -1);  // straight at a quad
 
 /// One quad that fills the picture, and its surface.
@@ -175,6 +179,51 @@ TEST(PlainShading, ASurfaceMaySpareItselfItsShadows) {
     EXPECT_GT(darkPixels(false), 2 * others - 10);
 }
 
+/// A floor under a roof, which is clear or not, and a light above both.
+struct Roofed : TestScene {
+    Roofed(LightKind kind, double size, float alpha) {
+        addSurface();
+        addSurface().baseColor.w = alpha;
+        scene.surfaces[1].alphaMode = AlphaMode::Blend;
+        addQuad({0, 0, 0}, 1, 0);
+        addQuad({0, 0, 2}, 4, 1);
+        addLight(kind).position = {0, 0, 4};
+        soften(size, size);
+    }
+    /// How bright the floor is.
+    double level(std::uint64_t& shadowRays) const {
+        RenderStats stats;
+        const Picture picture =
+            renderPlain(*this, frontCamera({0, 0, 1}, 0.1), squareOptions(1), &stats);
+        shadowRays = stats.shadowRays;
+        return displayed(picture, 0, 0).x;
+    }
+};
+
+TEST(PlainShading, LightsAndSurfacesMayGoWithoutShadows) {
+    constexpr double kLit = 0.99;
+    for (const LightKind kind : {LightKind::Directional, LightKind::Point, LightKind::Spot}) {
+        for (const double size : {0.0, 0.1}) {
+            for (const float alpha : {1.0F, 0.5F}) {
+                std::uint64_t rays = 0;
+                Roofed test(kind, size, alpha);
+                EXPECT_LT(test.level(rays), 0.6);
+                EXPECT_GT(rays, 0U);
+                test.scene.surfaces[1].castsShadows = false;
+                EXPECT_GT(test.level(rays), kLit);
+                test.scene.surfaces[1].castsShadows = true;
+                test.scene.surfaces[0].receivesShadows = false;
+                EXPECT_GT(test.level(rays), kLit);
+                EXPECT_EQ(rays, 0U);
+                test.scene.surfaces[0].receivesShadows = true;
+                test.rig.lights[0].castsShadow = false;
+                EXPECT_GT(test.level(rays), kLit);
+                EXPECT_EQ(rays, 0U);
+            }
+        }
+    }
+}
+
 TEST(PlainShading, SinglesidedBacksAreUnseenButThrowShadows) {
     TestScene test;
     test.addSurface();
@@ -218,10 +267,70 @@ TEST(PlainShading, ClearSurfacesLieOverWhatIsBehind) {
     test.addQuad({0, 0, 1}, 1, 1);
     const Picture open = render(std::nullopt);
     EXPECT_NEAR(static_cast<double>(open.pixel(0, 0)[3]), 1 - 0.75 * 0.5, kClose);
-    expectColor(displayed(open, 0, 0), V3d(0.5 * 0.25, 0, 0.5) / 0.625);
-    expectColor(displayed(render(V3d(0, 0.5, 0)), 0, 0), V3d(0.125, 0.1875, 0.5));
+    // What covers is a share of light, not of display values.
+    const double red = 0.5 * 0.25;
+    const double through = 0.5 * 0.75;
+    expectColor(displayed(open, 0, 0), encoded({red / (1 - through), 0, 0.5 / (1 - through)}));
+    expectColor(displayed(render(V3d(0, 0.5, 0)), 0, 0),
+                encoded({red, through * toLinear(0.5), 0.5}));
     test.addQuad({0, 0, 0}, 1, 0);
-    expectColor(displayed(render(std::nullopt), 0, 0), V3d(0.125, 0.375, 0.5));
+    expectColor(displayed(render(std::nullopt), 0, 0), encoded({red, through, 0.5}));
+}
+
+/// Balls, one as dark and one as bright as can be, behind and before tilted panes of
+/// many strengths and a leaf with holes.
+struct Panes : TestScene {
+    Panes() {
+        rig.ambient = V3d(0.6);
+        addSun({0.4, -0.3, -1}, V3d(0.4));
+        addObject(sphereMesh(0.8, 24, 12), surface({0, 0, 0, 1}),
+                  Imath::M44d().translate(V3d(-0.8, 0.3, -1)));
+        addObject(sphereMesh(0.7, 24, 12), surface({0, 1, 0, 1}),
+                  Imath::M44d().translate(V3d(0.9, -0.4, -1)));
+        const Imath::V4f colors[] = {
+            {1, 0.2F, 0.1F, 0.1F}, {0.1F, 0.9F, 0.3F, 0.5F}, {0, 0, 0, 0.97F}, {1, 1, 1, 0.03F}};
+        for (int i = 0; i < 4; ++i) {
+            const int pane = surface(colors[i]);
+            scene.surfaces.back().alphaMode = AlphaMode::Blend;
+            place(pane, 0.5 * i, V3d(0.5 * i - 0.9, 0.3 * (i % 2), 0.3 * i));
+        }
+        const int leaf = surface({1, 1, 1, 1});
+        scene.surfaces.back().alphaMode = AlphaMode::Mask;
+        scene.surfaces.back().baseColorTexture = TextureUse{};
+        scene.surfaces.back().baseColorTexture->image =
+            addImage(2, 2, {0, 200, 0, 255, 0, 0, 0, 0, 0, 0, 0, 0, 90, 200, 0, 255});
+        place(leaf, 0.3, V3d(-0.7, -0.8, 2));
+    }
+
+  private:
+    int surface(const Imath::V4f& color) {
+        addSurface().baseColor = color;
+        return static_cast<int>(scene.surfaces.size()) - 1;
+    }
+    void place(int surface, double turn, const V3d& at) {
+        addObject(quadMesh(0.7), surface,
+                  Imath::M44d().rotate(V3d(0.1, 0, turn)) * Imath::M44d().translate(at));
+    }
+};
+
+TEST(PlainShading, OverABackgroundItIsTheClearPictureLaidOverIt) {
+    const Panes test;
+    RenderOptions options = squareOptions(48);
+    options.samples = 4;
+    options.mostSamples = 64;
+    options.background = {};
+    const Picture clear = renderPlain(test, frontCamera({0, 0, 5}, 2), options);
+    for (const V3d& background : {V3d(0), V3d(1), V3d(0, 1, 0), V3d(0.1, 0.3, 0.5)}) {
+        options.background = background;
+        const Picture over = renderPlain(test, frontCamera({0, 0, 5}, 2), options);
+        for (std::size_t i = 0; i < over.rgba.size(); ++i) {
+            const auto channel = static_cast<int>(i % 4);
+            const double through = 1 - static_cast<double>(clear.rgba[i - i % 4 + 3]);
+            const double behind = channel == 3 ? 1 : toLinear(background[channel]);
+            ASSERT_NEAR(over.rgba[i], static_cast<double>(clear.rgba[i]) + through * behind, 1e-6)
+                << i;
+        }
+    }
 }
 
 TEST(PlainShading, ClearSurfacesLetLightThrough) {

@@ -20,15 +20,16 @@ constexpr PixelBox kArea{0, 0, 9, 9};
 /// many pixels want more.
 template <typename Shade>
 std::size_t sample(Refinement& refinement, Shade shade) {
-    LightMeter meter;
+    ColorDecoder decoder;
     refinement.begin(kArea);
     for (int y = 0; y < kArea.bottom; ++y) {
         for (int x = 0; x < kArea.right; ++x) {
             std::vector<ViewSample> samples;
             const std::vector<V2d> places = growingPattern(4);
             for (const V2d& place : places)
-                samples.push_back({{V3d(shade(x + place.x, y + place.y)), 1}, {0, 1, {0, 0, 1}}});
-            refinement.add(x, y, places, samples, meter);
+                samples.push_back(
+                    {decoder.opaque(V3d(shade(x + place.x, y + place.y))), {0, 1, {0, 0, 1}}});
+            refinement.add(x, y, places, samples);
         }
     }
     return refinement.decide(kArea, 1);

@@ -9,6 +9,7 @@
 
 #include "host/handler.h"
 #include "studio/link/link_error.h"
+#include "studio/scene/color.h"
 #include "studio/services/messages.h"
 #include "tests/render/probe.h"
 #include "tests/render/test_scene.h"
@@ -153,8 +154,8 @@ TEST(FlagWord, NamesWhatAShaderMayChange) {
     expectColor(paint(HOST_SHADER_COLOR), V3d(0, 0, 0.5));
     expectColor(paint(HOST_SHADER_LUMINOUS), V3d(1.5, 0, 0));
     expectColor(paint(HOST_SHADER_DIFFUSE), V3d(0, 0, 0));
-    expectColor(paint(HOST_SHADER_TRANSPARENCY), V3d(0.375, 0, 0));
-    expectColor(paint(kAll), V3d(0, 0, 0.75));
+    expectColor(paint(HOST_SHADER_TRANSPARENCY), V3d(toEncoded(0.75 * toLinear(0.5)), 0, 0));
+    expectColor(paint(kAll), V3d(0, 0, toEncoded(0.75)));
 }
 
 TEST(FlagWord, RecordsAreOnlyTheShadersToScribbleIn) {

@@ -69,6 +69,16 @@ GltfBuilder textured(const Json& image, Json info = Json::object()) {
     return file;
 }
 
+TEST(GltfMaterials, ExtrasSwitchShadows) {
+    const Scene scene = withMaterial(R"({"name": "Fur", "extras": {"tavora": {"selfShadow": false,
+        "castsShadows": 0, "receivesShadows": false}}})"_j)
+                            .read();
+    const Surface& fur = scene.surfaces.at(0);
+    EXPECT_FALSE(fur.selfShadow || fur.receivesShadows);
+    EXPECT_TRUE(fur.castsShadows);
+    EXPECT_THAT(scene.warnings, testing::Contains(HasSubstr("surface Fur: its castsShadows is")));
+}
+
 TEST(GltfMaterials, SamplersSayHowToWrapAndFilter) {
     GltfBuilder file = textured({{"uri", kRedPng}});
     const TextureUse plain = *file.read().surfaces.at(0).baseColorTexture;

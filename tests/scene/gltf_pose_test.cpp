@@ -212,21 +212,29 @@ TEST(GltfPose, LightsShineAlongMinusZWithoutTheirNodesScale) {
     EXPECT_NEAR(scene.lights[3]->outerCosine, std::sqrt(0.5), 1e-9);
 }
 
-TEST(GltfPose, HighlightsAreSwitchedByTheLightThenByItsNode) {
+TEST(GltfPose, SwitchesAreThoseOfTheLightThenOfItsNode) {
     GltfBuilder file;
     lightsOf(file) = R"([{"type": "point"},
-        {"type": "point", "extras": {"tavora": {"makesHighlights": false}}}])"_j;
+        {"type": "point", "extras": {"tavora": {"makesHighlights": false,
+                                               "castsShadow": false}}}])"_j;
     file.root(onLight(0));
     file.root(onLight(1));
-    file.root(onLight(1, R"({"extras": {"tavora": {"makesHighlights": true}}})"_j));
+    file.root(
+        onLight(1, R"({"extras": {"tavora": {"makesHighlights": true, "castsShadow": 1}}})"_j));
     file.root(onLight(0, R"({"extras": {"tavora": {"makesHighlights": "no"}}})"_j));
     file.root(onLight(0, R"({"extras": [{"makesHighlights": false}]})"_j));
     const Scene scene = file.read();
     std::vector<bool> makes;
-    for (const auto& light : scene.lights)
+    std::vector<bool> casts;
+    for (const auto& light : scene.lights) {
         makes.push_back(light->makesHighlights);
+        casts.push_back(light->castsShadow);
+    }
     EXPECT_EQ(makes, (std::vector<bool>{true, false, true, true, true}));
-    EXPECT_THAT(scene.warnings, testing::Contains(HasSubstr("/nodes/3/extras/tavora")));
+    EXPECT_EQ(casts, (std::vector<bool>{true, false, false, true, true}));
+    EXPECT_THAT(scene.warnings,
+                testing::IsSupersetOf({HasSubstr("/nodes/3/extras/tavora/makesHighlights"),
+                                       HasSubstr("/nodes/2/extras/tavora/castsShadow")}));
 }
 
 TEST(GltfPose, LightsHaveSizesOfTheirKind) {
