@@ -22,7 +22,7 @@ class Planner {
     Planner(const Scene& scene, const ShaderClass& shader, Report& report)
         : scene_(scene),
           server_(shader.server),
-          defaults_(settingsOf(shader.defaults)),
+          builtIn_(settingsOf(shader.builtIn)),
           report_(report),
           surfaces_(scene.surfaces.size()) {}
 
@@ -105,16 +105,16 @@ class Planner {
 
     Settings storedSettings(const Surface& surface) {
         try {
-            return settingsOf(surface.shader->state, defaults_);
+            return settingsOf(surface.shader->state, builtIn_);
         } catch (const SceneError& error) {
-            report_.warning(fmt::format("surface \"{}\": {}; a new shader's settings stand in",
+            report_.warning(fmt::format("surface \"{}\": {}; the built-in settings stand in",
                                         surface.name, error.what()));
-            return defaults_;
+            return builtIn_;
         }
     }
 
     void wear(PlannedSurface& surface, const Look& look) {
-        if (!surface.settings) surface.settings = defaults_;
+        surface.settings = builtIn_;
         applySettings(*surface.settings, look.settings, look.name);
         surface.enabled = true;
         surface.touched = true;
@@ -147,7 +147,7 @@ class Planner {
 
     const Scene& scene_;
     std::string server_;
-    Settings defaults_;
+    Settings builtIn_;
     Report& report_;
     std::vector<PlannedSurface> surfaces_;
 };
