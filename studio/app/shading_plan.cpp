@@ -16,6 +16,7 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kDefaultLook = "two-tone";
+constexpr std::size_t kMostLightsNamed = 20;  // in warnings
 
 class Planner {
   public:
@@ -86,7 +87,13 @@ class Planner {
                 unknown.try_emplace(name, scene_.surfaces[i].name);
             }
         }
+        std::size_t left = unknown.size();
         for (const auto& [light, surface] : unknown) {
+            if (unknown.size() - left == kMostLightsNamed) {
+                report_.warning(fmt::format("{} more lights are not in the scene", left));
+                break;
+            }
+            --left;
             report_.warning(fmt::format("surface \"{}\": its light \"{}\" is not in the scene{}",
                                         surface, light, nearestNames(light, lightNames)));
         }
