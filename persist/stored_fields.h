@@ -28,8 +28,10 @@ inline constexpr int blockVersion = 6;
 /// The `firstVersion` of fields that every block holds, whatever its version.
 inline constexpr int everyVersion = std::numeric_limits<int>::min();
 
-/// More zones or lights than this are a sign of damage.
-inline constexpr int maxStoredEntries = 4096;
+/// More zones or lights than this are a sign of damage. Far more than anybody
+/// makes: whatever was saved must load. Readers never make room by a stored
+/// count, only for the entries that are there.
+inline constexpr int maxStoredEntries = 1'000'000;
 
 /// One stored setting: plain data, for whoever names settings or reads blocks.
 struct StoredField {

@@ -11,8 +11,9 @@
  * the host maps it to its platform's own. Records belong to the caller until
  * it closes them. */
 typedef struct HostFileIo {
-    /* Null when the file cannot be opened. What is written replaces the file
-     * at closing, whole or not at all. */
+    /* Null when the file cannot be opened, and for a file that is there but could
+     * not be read: what nobody could look at is not replaced. What is written
+     * replaces the file at closing, whole or not at all. */
     const HostSaveState* (*openSave)(const char* path, int ioMode);
     void (*closeSave)(const HostSaveState* state);
     /* Null when the file is missing or unreadable. */

@@ -17,7 +17,7 @@ namespace fs = std::filesystem;
     const fs::path program = fs::read_symlink("/proc/self/exe").parent_path() / "tavora-window";
     execv(program.c_str(), argv);
     throw tavora::studio::LinkError(
-        fmt::format("{}: cannot start the program with the window: {}; install Tavora again",
+        fmt::format("{}: cannot start the program with the window: {}; scripts/build makes it",
                     program.string(), std::strerror(errno)));
 }
 

@@ -16,13 +16,14 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kDefaultLook = "two-tone";
+constexpr std::size_t kMostLightsNamed = 20;  // in warnings
 
 class Planner {
   public:
     Planner(const Scene& scene, const ShaderClass& shader, Report& report)
         : scene_(scene),
           server_(shader.server),
-          defaults_(settingsOf(shader.defaults)),
+          builtIn_(settingsOf(shader.builtIn)),
           report_(report),
           surfaces_(scene.surfaces.size()) {}
 
@@ -86,7 +87,13 @@ class Planner {
                 unknown.try_emplace(name, scene_.surfaces[i].name);
             }
         }
+        std::size_t left = unknown.size();
         for (const auto& [light, surface] : unknown) {
+            if (unknown.size() - left == kMostLightsNamed) {
+                report_.warning(fmt::format("{} more lights are not in the scene", left));
+                break;
+            }
+            --left;
             report_.warning(fmt::format("surface \"{}\": its light \"{}\" is not in the scene{}",
                                         surface, light, nearestNames(light, lightNames)));
         }
@@ -105,16 +112,16 @@ class Planner {
 
     Settings storedSettings(const Surface& surface) {
         try {
-            return settingsOf(surface.shader->state, defaults_);
+            return settingsOf(surface.shader->state, builtIn_);
         } catch (const SceneError& error) {
-            report_.warning(fmt::format("surface \"{}\": {}; a new shader's settings stand in",
+            report_.warning(fmt::format("surface \"{}\": {}; the built-in settings stand in",
                                         surface.name, error.what()));
-            return defaults_;
+            return builtIn_;
         }
     }
 
     void wear(PlannedSurface& surface, const Look& look) {
-        if (!surface.settings) surface.settings = defaults_;
+        surface.settings = builtIn_;
         applySettings(*surface.settings, look.settings, look.name);
         surface.enabled = true;
         surface.touched = true;
@@ -147,7 +154,7 @@ class Planner {
 
     const Scene& scene_;
     std::string server_;
-    Settings defaults_;
+    Settings builtIn_;
     Report& report_;
     std::vector<PlannedSurface> surfaces_;
 };

@@ -28,10 +28,11 @@ bool storesShaders(const Scene& scene);
 /// stored, which is noted in the report; else the request as it is.
 ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report);
 
-/// Settles the settings of every surface: the shader's defaults, over them what
-/// the scene stores, over that the last look that names the surface, over that
-/// the single changes; plain where asked. Damaged settings and lights that the
-/// scene has not are reported as warnings. Throws UsageError for names that
+/// Settles the settings of every surface: the last look that names it, laid over
+/// the shader's built-in settings, else what the scene stores; over that the
+/// single changes; plain where asked. What the user stored as default plays no
+/// part, so that everybody gets the same picture. Damaged settings and lights that
+/// the scene has not are reported as warnings. Throws UsageError for names that
 /// match nothing, SceneError for looks.
 std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingRequest& request,
                                          const ShaderClass& shader,

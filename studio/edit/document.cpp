@@ -210,8 +210,7 @@ void Document::wearLook(const std::string& look, const std::vector<std::size_t>&
     const std::vector<std::string> lights = lightNamesOf(scene());
     std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
     for (const std::size_t surface : surfaces) {
-        const auto& before = settings(surface).block;
-        Settings after = settingsOf(before ? *before : parts_->records.defaults());
+        Settings after = settingsOf(parts_->records.builtIn());
         applySettings(after, worn.settings, worn.name);
         settleLightList(after, lights);
         changes.push_back({surface, {true, blockOf(after)}});

@@ -62,8 +62,9 @@ class Document {
     /// SceneError for a damaged block, and then changes nothing.
     void setSettings(const std::vector<std::pair<std::size_t, SurfaceSettings>>& changes,
                      std::string what);
-    /// Lays a look (a name or file) over the surfaces and turns them on: one
-    /// step. Throws SceneError.
+    /// Puts a look (a name or file) on the surfaces and turns them on: one step.
+    /// As on the command line it lies over the built-in settings, whatever the
+    /// surfaces wore and the user stored. Throws SceneError.
     void wearLook(const std::string& look, const std::vector<std::size_t>& surfaces);
     /// Writes the surface's settings as a look. Throws SceneError, OutputError.
     void saveLook(std::size_t surface, const std::filesystem::path& file) const;

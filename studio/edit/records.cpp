@@ -1,6 +1,7 @@
 #include "studio/edit/records.h"
 
 #include "studio/link/module_file.h"
+#include "studio/services/directory_info.h"
 #include "studio/services/registry.h"
 
 namespace tavora::studio {
@@ -10,16 +11,22 @@ HostSurfaceId surfaceId(const Surface& surface) {
     return reinterpret_cast<HostSurfaceId>(const_cast<Surface*>(&surface));
 }
 
+/// For settings that are loaded next: what the user stored is not read first.
+Shader recordToLoad(const ModuleCopy& module, HostSurfaceId surface) {
+    const HiddenSettingsFolder hidden;
+    return Shader(module, surface);
+}
+
 }  // namespace
 
 Records::Records(const std::string& option, const Scene& scene)
     : scene_(&scene),
       module_(findModule(option), findServiceOrWindow),
-      scratch_(module_, nullptr),
+      scratch_(recordToLoad(module_, nullptr)),
       records_(scene.surfaces.size()) {}
 
 ShaderClass Records::shaderClass() const {
-    return {module_.file(), module_.server(), defaults()};
+    return {module_.file(), module_.server(), builtIn()};
 }
 
 StateBlock Records::settled(const StateBlock& block) {
@@ -30,8 +37,9 @@ StateBlock Records::settled(const StateBlock& block) {
 Shader& Records::at(std::size_t surface, const SurfaceSettings& settings) {
     std::unique_ptr<Shader>& record = records_[surface];
     if (record == nullptr) {
-        auto made = std::make_unique<Shader>(module_, surfaceId(scene_->surfaces[surface]));
-        if (settings.block) made->load(*settings.block);
+        const HostSurfaceId id = surfaceId(scene_->surfaces[surface]);
+        auto made = std::make_unique<Shader>(recordToLoad(module_, id));
+        made->load(settings.block ? *settings.block : defaults());
         record = std::move(made);
     }
     return *record;

@@ -23,8 +23,11 @@ class Records {
 
     const ModuleCopy& module() const { return module_; }
     ShaderClass shaderClass() const;
-    /// Settings of a new shader, as of now: a panel may store others.
+    /// What the user gets on a surface that never had the shader: the settings
+    /// stored as default, as of now (a panel may store others).
     StateBlock defaults() const { return newShaderSettings(module_); }
+    /// What looks are laid over.
+    StateBlock builtIn() const { return builtInSettings(module_); }
     /// What a record saves after it loaded this complete block of any version.
     StateBlock settled(const StateBlock& block);
 

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "studio/services/directory_info.h"
 #include "studio/services/registry.h"
 
 namespace tavora::studio {
@@ -49,7 +50,11 @@ void LaneShaders::put(const SurfaceChange& change) {
     std::optional<Shader>& shader = shaders_[change.surface];
     if (!change.shading->shader) return shader.reset();
     if (!module_) module_.emplace(file_, findService);
-    if (!shader) shader.emplace(*module_, scene_->surfaceId(change.surface));
+    if (!shader) {
+        // The settings come with the surface, whatever the user stored as default.
+        const HiddenSettingsFolder hidden;
+        shader.emplace(*module_, scene_->surfaceId(change.surface));
+    }
     shader->load(*change.shading->shader);
 }
 

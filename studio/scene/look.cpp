@@ -18,7 +18,8 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t kMostBytes = std::size_t{16} << 20;
+// More than the largest gradient that a surface can hold takes as text.
+constexpr std::size_t kMostBytes = std::size_t{512} << 20;
 constexpr const char* kSuffix = ".json";
 
 /// A look's text, for messages that say where in it something stands.

@@ -200,8 +200,7 @@ std::int32_t sizeOf(const StoredField& field, const Settings& list) {
     wrongKind(field, list);
 }
 
-Settings readZone(BlockItems& items) {
-    const Settings fresh = newZone();
+Settings readZone(BlockItems& items, const Settings& fresh) {
     Settings zone;
     for (const StoredField& field : storedZoneFields) {
         const std::string name(field.name);
@@ -211,9 +210,10 @@ Settings readZone(BlockItems& items) {
 }
 
 Settings readZones(const StoredField& field, BlockItems& items) {
+    const Settings fresh = newZone();
     Settings zones = Settings::array();
     for (std::int32_t left = readCount(field, items); left > 0; --left) {
-        zones.push_back(readZone(items));
+        zones.push_back(readZone(items, fresh));
     }
     return zones;
 }

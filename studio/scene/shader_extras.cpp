@@ -64,6 +64,7 @@ const Json* memberOf(const Json& object, const char* key) {
 std::optional<StateBlock> stateOf(const Json* items) {
     if (items == nullptr || !items->is_array()) return {};
     StateBlock state;
+    state.reserve(items->size());
     for (const Json& value : *items) {
         std::optional<StateItem> item = itemOf(value);
         if (!item) return {};

@@ -49,6 +49,7 @@ const char* directoryInfo(const char* directoryName) {
     if (directoryName == nullptr || std::strcmp(directoryName, HOST_DIRECTORY_SETTINGS) != 0) {
         return nullptr;
     }
+    if (HiddenSettingsFolder::any()) return nullptr;
     const std::optional<fs::path> folder = settingsFolder();
     if (!folder) return nullptr;
     answer = withoutEndSlash(folder->string());

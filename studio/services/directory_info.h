@@ -14,4 +14,22 @@ void setSettingsFolder(const std::filesystem::path& folder);
 /// set. It need not exist.
 std::optional<std::filesystem::path> settingsFolder();
 
+/// While it lives, modules that ask on this thread are told that there is no
+/// folder of the user's settings: new shaders start from the values that are
+/// built into the module, and a panel that opens stores nothing. settingsFolder()
+/// is as before. May be nested.
+class HiddenSettingsFolder {
+  public:
+    HiddenSettingsFolder() { ++hidden; }
+    ~HiddenSettingsFolder() { --hidden; }
+    HiddenSettingsFolder(const HiddenSettingsFolder&) = delete;
+    HiddenSettingsFolder& operator=(const HiddenSettingsFolder&) = delete;
+
+    /// Whether one lives on this thread.
+    static bool any() { return hidden > 0; }
+
+  private:
+    inline static thread_local int hidden = 0;
+};
+
 }  // namespace tavora::studio

@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include "studio/app/scene_view.h"
+#include "studio/app/shader_class.h"
 #include "studio/render/display_levels.h"
 #include "studio/scene/look.h"
 #include "studio/scene/settings.h"
@@ -17,7 +18,7 @@ constexpr int kSamples = 9;  // a pixel
 constexpr int kNice = 15;    // the picture comes first
 
 StateBlock blockWearing(const std::string& look, const Session& session) {
-    Settings settings = settingsOf(newShaderSettings(session.document().moduleCopy()));
+    Settings settings = settingsOf(builtInSettings(session.document().moduleCopy()));
     applySettings(settings, readLook(look).settings, look);
     settleLightList(settings, lightNames(session.lights()));
     return blockOf(settings);

@@ -10,6 +10,7 @@
 #include "studio/files/whole_file.h"
 #include "studio/link/link_error.h"
 #include "studio/panels/panels.h"
+#include "studio/services/directory_info.h"
 #include "studio/window/application.h"
 #include "studio/window/commands.h"
 #include "studio/window/panel_services.h"
@@ -43,6 +44,9 @@ QImage drawOptions(const Document& document, Shader& record, int tab) {
         picture = panel.grab().toImage();
     };
     const Panels panels(nullptr, hooks);
+    // A panel that opens stores default settings where there are none; drawing one
+    // must leave the user's folder as it is.
+    const HiddenSettingsFolder hidden;
     openOptions(document.moduleCopy(), record);
     return picture;
 }

@@ -1,6 +1,7 @@
 #include "studio/window/panel_session.h"
 
 #include <QDialog>
+#include <QScopeGuard>
 #include <QScreen>
 #include <QWindow>
 #include <utility>
@@ -92,7 +93,10 @@ void PanelSession::showOnce(const SurfaceSettings& before) {
     if (!document.settings(surface_).block) document.setEnabled(surface_, true);
     emit opened(surface_);
     confirmed_ = false;
-    openOptions(document.moduleCopy(), document.record(surface_));
+    Shader& record = document.record(surface_);
+    opening_.emplace();
+    const auto opened = qScopeGuard([this] { opening_.reset(); });
+    openOptions(document.moduleCopy(), record);
     if (confirmed_) {
         document.takeRecord(surface_, 0);
     } else if (document.settings(surface_) != before) {
@@ -106,6 +110,7 @@ void PanelSession::showOnce(const SurfaceSettings& before) {
 /// Panels over the settings panel look after themselves.
 void PanelSession::panelOpened(QWidget& panel) {
     if (panel_ != nullptr) return;
+    opening_.reset();
     panel_ = &panel;
     const std::string& name = session_->document().scene().surfaces[surface_].name;
     panel.setWindowTitle(tr("%1 – %2").arg(QString::fromStdString(name), panel.windowTitle()));

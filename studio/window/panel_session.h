@@ -5,6 +5,7 @@
 #include <optional>
 
 #include "studio/panels/panels.h"
+#include "studio/services/panel_opening.h"
 #include "studio/window/gestures.h"
 #include "studio/window/session.h"
 
@@ -56,9 +57,10 @@ class PanelSession : public QObject {
     Session* session_ = nullptr;
     QWidget* panel_ = nullptr;  ///< the settings panel, while it is shown
     std::size_t surface_ = 0;
-    std::optional<std::size_t> next_;  ///< the surface to go on with
-    std::function<void()> between_;    ///< to do before the panel is shown again
-    std::function<void()> after_;      ///< to do when all is closed
+    std::optional<std::size_t> next_;      ///< the surface to go on with
+    std::function<void()> between_;        ///< to do before the panel is shown again
+    std::function<void()> after_;          ///< to do when all is closed
+    std::optional<PanelOpening> opening_;  ///< until the panel is on the screen
     bool confirmed_ = false;
     std::optional<QPoint> position_;  ///< where the user left the panel
 };

@@ -59,7 +59,7 @@ TEST_F(ShadingPlan, LooksGoOnTheSurfacesTheyName) {
     EXPECT_EQ((*planned[1].settings)["edgeCoverage"].dump(), "0.4");
     EXPECT_EQ((*planned[1].settings)["edgeEnable"], true) << "the last look alone counts";
     EXPECT_EQ((*planned[2].settings)["lightList"].dump(), "[\"Key\",\"F\xc3\xbcll\"]");
-    EXPECT_EQ((*planned[0].settings)["maxTraceDepth"], 3) << "the rest is the shader's default";
+    EXPECT_EQ((*planned[0].settings)["maxTraceDepth"], 3) << "the rest is built in";
     EXPECT_EQ(said_, "");
 }
 
@@ -70,7 +70,7 @@ TEST_F(ShadingPlan, ANameIsNotAPattern) {
     EXPECT_FALSE(planned[0].settings);
 }
 
-TEST_F(ShadingPlan, ChangesLieOverLooksOverStoredSettings) {
+TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {
     StateBlock stored = sampleBlock();
     stored[2] = 0.5F;
     scene_.surfaces[0].shader = StoredShader{"TAVO", false, stored};
@@ -88,7 +88,7 @@ TEST_F(ShadingPlan, ChangesLieOverLooksOverStoredSettings) {
     EXPECT_TRUE(planned[0].enabled);
     EXPECT_TRUE(planned[0].touched);
     const Settings& settings = *planned[0].settings;
-    EXPECT_EQ(settings["highlightOutlineSize"], 0.5);
+    EXPECT_EQ(settings["highlightOutlineSize"].dump(), "0.02") << "built in, not stored";
     EXPECT_EQ(settings["edgeCoverage"].dump(), "0.9");
     EXPECT_EQ(settings["zoneList"][0]["color"].dump(), "[1.0,0.0,0.0]");
     EXPECT_EQ(settings["lightList"].dump(), R"(["Key","Ambient"])");

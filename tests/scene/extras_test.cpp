@@ -3,6 +3,7 @@
 
 #include "studio/scene/gltf_container.h"
 #include "studio/scene/gltf_settings.h"
+#include "studio/scene/settings.h"
 #include "studio/scene/shader_extras.h"
 #include "tests/scene/gltf_builder.h"
 #include "tests/scene/settings_samples.h"
@@ -36,6 +37,12 @@ TEST(ShaderExtras, ReturnWhatWasStored) {
     EXPECT_EQ(again.state, shader.state);
     shader.state = sampleBlock();
     EXPECT_EQ(read(extrasWithShader("{}", shader)).state, shader.state);
+    StateBlock zones;
+    for (int i = 0; i < 5000; ++i)
+        append(zones, zoneItems(static_cast<float>(i) / 4999));
+    const std::vector<std::string> lights(5000, "Key");
+    shader.state = sampleBlock(zones, 5000, lights);
+    EXPECT_EQ(blockOf(settingsOf(read(extrasWithShader("{}", shader)).state)), shader.state);
     shader.state = {INT32_MIN, INT32_MAX};
     EXPECT_EQ(read(extrasWithShader("null", shader)).state, shader.state);
 }

@@ -14,6 +14,7 @@
 #include "host/services/file_io.h"
 #include "studio/services/directory_info.h"
 #include "studio/services/messages.h"
+#include "studio/services/panel_opening.h"
 #include "tests/files/temporary_folder.h"
 #include "tests/services/service_test.h"
 
@@ -116,6 +117,10 @@ TEST(SettingsFiles, ThatCannotBeOpenedAreNull) {
     EXPECT_EQ(fileIo().openSave("/proc/settings/here", HOST_IO_OBJECT), nullptr);
     EXPECT_EQ(fileIo().openSave(nullptr, HOST_IO_OBJECT), nullptr);
     EXPECT_EQ(fileIo().openSave((folder.path() / "text").c_str(), HOST_IO_SCENE), nullptr);
+    // A panel that opens must not take a file that is there for a missing one.
+    const PanelOpening opening;
+    EXPECT_EQ(fileIo().openLoad((folder.path() / "absent").c_str(), HOST_IO_OBJECT), nullptr);
+    EXPECT_EQ(goodItems(folder.path()), 0);
     setMessageSink({});
     fileIo().closeSave(nullptr);
     fileIo().closeLoad(nullptr);
@@ -139,6 +144,12 @@ TEST(SettingsFolder, IsTheFirstThatIsSet) {
         EXPECT_EQ(folder(), expected) << variable << "=" << value;
     }
     setSettingsFolder("/option");
+    EXPECT_EQ(folder(), "/option");
+    {
+        const HiddenSettingsFolder hidden;
+        EXPECT_EQ(folder(), "null");
+        EXPECT_EQ(settingsFolder(), "/option") << "hidden from modules alone";
+    }
     EXPECT_EQ(folder(), "/option");
     setSettingsFolder({});
     for (const char* unknown : {"Kitchen", static_cast<const char*>(nullptr)})
