@@ -7,6 +7,7 @@
 #include "studio/scene/color.h"
 #include "studio/scene/default_view.h"
 #include "studio/scene/glob.h"
+#include "studio/scene/light_strength.h"
 #include "studio/scene/soft_light.h"
 
 namespace tavora::studio {
@@ -14,29 +15,20 @@ namespace {
 
 using Imath::V3d;
 
-constexpr double kNearest = 0.05;   // of the scene's size: lights no nearer to its centre
-constexpr double kMostLevel = 1e6;  // what a fixed exposure can make of a light
+constexpr double kNearest = 0.05;    // of the scene's size: lights no nearer to its centre
+constexpr double kMostLevel = 1e6;   // what a fixed exposure can make of a light
+constexpr double kLeastCone = 0.05;  // of its light that an even spot must send to what it reaches
 
-double sizeOf(const Scene& scene) {
-    return scene.bounds.isEmpty() ? 1.0 : std::max(scene.bounds.size().length(), 1e-30);
+bool isLamp(const Light& light) {
+    return light.kind != LightKind::Directional;
 }
 
-V3d centreOf(const Scene& scene) {
-    return scene.bounds.isEmpty() ? V3d(0) : scene.bounds.center();
-}
-
-/// Squared distance at which a light's level is taken.
-double levelDistance2(const Light& light, const Scene& scene) {
-    const double nearest = kNearest * sizeOf(scene);
-    return std::max((light.position - centreOf(scene)).length2(), nearest * nearest);
-}
-
-/// Physical strength at the centre of the scene, for the brightest channel.
-double strengthAtCentre(const Light& light, const Scene& scene) {
-    const double peak = std::max({light.color.x, light.color.y, light.color.z, 0.0F});
-    const double strength = std::max(0.0, static_cast<double>(light.intensity)) * peak;
-    return light.kind == LightKind::Directional ? strength
-                                                : strength / levelDistance2(light, scene);
+/// Squared distance to the centre of the scene, for a lamp that lights no surface.
+double centreDistance2(const Light& lamp, const Scene& scene) {
+    const bool empty = scene.bounds.isEmpty();
+    const double size = empty ? 1.0 : std::max(scene.bounds.size().length(), 1e-30);
+    const V3d centre = empty ? V3d(0) : scene.bounds.center();
+    return std::max((lamp.position - centre).length2(), kNearest * kNearest * size * size);
 }
 
 /// The light's hue, display-referred, its brightest channel 1.
@@ -48,12 +40,50 @@ V3d hueOf(const Light& light) {
     return V3d(toEncoded(color.x / peak), toEncoded(color.y / peak), toEncoded(color.z / peak));
 }
 
-LitLight settle(const Light& light, const Scene& scene, double unit) {
+/// The strengths that count as 1: a sun's, a lamp's.
+struct Units {
+    double sun = 0;
+    double lamp = 0;
+};
+
+/// Suns are measured by the brightest sun, which so keeps its level whatever
+/// lamps there are; lamps by the brightest light of all.
+Units brightest(const std::vector<LightStrength>& strengths) {
+    Units units;
+    double unreached = 0;
+    for (const LightStrength& strength : strengths) {
+        double& most = strength.sun ? units.sun : strength.reaches ? units.lamp : unreached;
+        most = std::max(most, strength.value);
+    }
+    units.lamp = std::max(units.lamp, units.sun);
+    if (!(units.lamp > 0)) units.lamp = unreached > 0 ? unreached : 1.0;
+    if (!(units.sun > 0)) units.sun = 1.0;
+    return units;
+}
+
+LitLight resolve(const Light& light, const LightStrength& strength, const Units& units,
+                 const LightingOptions& options) {
     LitLight lit;
     lit.light = &light;
-    lit.color = hueOf(light) * std::clamp(strengthAtCentre(light, scene) / unit, 0.0, kMostLevel);
-    lit.scale = light.kind == LightKind::Directional ? 1.0 : levelDistance2(light, scene);
+    const double one =
+        options.exposure ? 1.0 / *options.exposure : (isLamp(light) ? units.lamp : units.sun);
+    double level = strength.value / one;
+    if (options.falloff) {
+        if (isLamp(light) && strength.value > 0) lit.scale = peakIntensity(light) / strength.value;
+    } else {
+        if (!options.exposure) level = std::min(level, 1.0);
+        level /= std::max(strength.cone, kLeastCone);
+    }
+    lit.color = hueOf(light) * std::clamp(level, 0.0, kMostLevel);
     return lit;
+}
+
+/// Whether some light is there that a single sun is not.
+bool wantsAmbient(const std::vector<LightStrength>& strengths) {
+    const auto shines = [](const LightStrength& strength) { return strength.value > 0; };
+    const auto lampShines = [](const LightStrength& s) { return !s.sun && s.value > 0; };
+    return std::count_if(strengths.begin(), strengths.end(), shines) > 1 ||
+           std::any_of(strengths.begin(), strengths.end(), lampShines);
 }
 
 /// The size of the last choice for the light, else its own.
@@ -65,9 +95,8 @@ double sizeOf(const Light& light, double own, const std::vector<LightSize>& choi
 }
 
 std::vector<V3d> pointsOf(const Light& light, const LightingOptions& options) {
-    return light.kind == LightKind::Directional
-               ? softSunPoints(light, sizeOf(light, light.angle, options.angles))
-               : softLampPoints(light, sizeOf(light, light.radius, options.radii));
+    return isLamp(light) ? softLampPoints(light, sizeOf(light, light.radius, options.radii))
+                         : softSunPoints(light, sizeOf(light, light.angle, options.angles));
 }
 
 bool castsShadow(const Light& light, const LightingOptions& options) {
@@ -77,48 +106,52 @@ bool castsShadow(const Light& light, const LightingOptions& options) {
                         [&](const std::string& lights) { return matchesName(lights, light.name); });
 }
 
-/// The strength that counts as 1: that of the brightest light.
-double brightest(const std::vector<const Light*>& lights, const Scene& scene) {
-    double most = 0;
-    for (const Light* light : lights)
-        most = std::max(most, strengthAtCentre(*light, scene));
-    return most > 0 ? most : 1.0;
-}
-
-/// 1 inside the inner cone, falling to 0 at the outer one.
-double coneShare(const Light& light, double cosine) {
-    const double t =
-        (cosine - light.outerCosine) / std::max(light.innerCosine - light.outerCosine, 1e-3);
-    const double clamped = std::clamp(t, 0.0, 1.0);
-    return clamped * clamped;
-}
-
-/// Fades a light out towards its range.
-double rangeWindow(const Light& light, double distance) {
-    if (!std::isfinite(light.range)) return 1.0;
-    const double ratio = distance / static_cast<double>(light.range);
-    return std::clamp(1.0 - ratio * ratio * ratio * ratio, 0.0, 1.0);
-}
-
 }  // namespace
 
+std::vector<LightStrength> lightStrengths(const Scene& scene) {
+    const auto isLampAt = [](const auto& light) { return isLamp(*light); };
+    std::vector<SurfacePoint> points;
+    if (std::any_of(scene.lights.begin(), scene.lights.end(), isLampAt))
+        points = surfacePoints(scene);
+    std::vector<LightStrength> strengths;
+    for (const auto& light : scene.lights) {
+        LightStrength strength{peakIntensity(*light)};
+        if (isLamp(*light)) {
+            const LampReach reach = lampReach(*light, points);
+            strength.sun = false;
+            strength.reaches = reach.strength > 0;
+            strength.cone = reach.cone;
+            strength.value =
+                strength.reaches ? reach.strength : strength.value / centreDistance2(*light, scene);
+        }
+        strengths.push_back(strength);
+    }
+    return strengths;
+}
+
 LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options) {
+    return settleLights(scene, camera, options, lightStrengths(scene));
+}
+
+LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options,
+                      std::vector<LightStrength> strengths) {
     LightRig rig;
     rig.falloff = options.falloff;
     std::vector<const Light*> lights;
     for (const auto& light : scene.lights)
         lights.push_back(light.get());
-    double defaultAmbient = 0;
+    double defaultAmbient = wantsAmbient(strengths) ? kFillAmbient : 0;
     if (lights.empty()) {
         rig.own.push_back(std::make_unique<const Light>(keyLight(camera)));
         lights.push_back(rig.own.back().get());
+        strengths = {{peakIntensity(*lights.back())}};
         defaultAmbient = kDefaultAmbient;
     }
-    const double unit = options.exposure ? 1.0 / *options.exposure : brightest(lights, scene);
-    for (const Light* light : lights) {
-        rig.lights.push_back(settle(*light, scene, unit));
-        rig.lights.back().points = pointsOf(*light, options);
-        rig.lights.back().castsShadow = castsShadow(*light, options);
+    const Units units = brightest(strengths);
+    for (std::size_t i = 0; i < lights.size(); ++i) {
+        rig.lights.push_back(resolve(*lights[i], strengths.at(i), units, options));
+        rig.lights.back().points = pointsOf(*lights[i], options);
+        rig.lights.back().castsShadow = castsShadow(*lights[i], options);
     }
     rig.ambient = options.ambient.value_or(scene.ambient.value_or(V3d(defaultAmbient)));
     return rig;

@@ -18,7 +18,7 @@ struct LightSize {
 /// How physical light units become the 0..1 that a gradient of zones wants.
 struct LightingOptions {
     std::optional<Imath::V3d> ambient;  ///< display-referred; overrides the scene's
-    std::optional<double> exposure;     ///< factor on physical units; empty: brightest light = 1
+    std::optional<double> exposure;     ///< factor on physical units; empty: brightest = 1
     bool falloff = false;               ///< inverse square and range, instead of even light
     std::vector<LightSize> radii = {};  ///< over those of the scene; the last that matches counts
     std::vector<LightSize> angles = {};
@@ -43,9 +43,32 @@ struct LightRig {
     std::vector<std::unique_ptr<const Light>> own;  ///< lights the file lacked
 };
 
-/// Settles levels: relative strengths at the centre of the scene are kept, and
-/// the brightest counts as 1 unless a fixed exposure is given. A scene without
-/// lights gets a key light seen from `camera` and an ambient of kDefaultAmbient.
+/// How bright a light is where it meets surfaces.
+struct LightStrength {
+    double value = 0;     ///< lux times the brightest colour channel, facing the light
+    bool sun = true;      ///< directional
+    bool reaches = true;  ///< false: a lamp that lights no surface; value is that at the centre
+    double cone = 1;      ///< what the cone of a spot leaves on the surfaces that it reaches
+};
+
+/// Of the scene's lights, in order. Of a point or spot light it is lampReach() of
+/// the scene's surfaces. Over a film, take them for some frames and keep the
+/// greatest, so that levels don't change while lights or objects move.
+std::vector<LightStrength> lightStrengths(const Scene& scene);
+
+/// The ambient colour of a scene with lights but no ambient of its own, unless
+/// its only light is one sun.
+inline constexpr double kFillAmbient = 0.1;
+
+/// Settles levels. The strongest sun counts as 1 and other suns in proportion: no
+/// lamp turns the sun's side into shade. Point and spot lights count in proportion
+/// to the strongest light of all. A fixed exposure is a factor on all
+/// strengths instead. A scene without lights gets a key light seen from `camera` and
+/// an ambient of kDefaultAmbient. `strengths` are those of the scene's lights.
+LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options,
+                      std::vector<LightStrength> strengths);
+
+/// With strengths as the scene stands.
 LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options);
 
 /// Light that arrives at `position` from `light`, shadows aside: fills the unit
