@@ -32,7 +32,7 @@ class Layers {
 };
 
 FirstSurface firstSurface(const SurfacePoint& point) {
-    return {point.facet->mesh, static_cast<float>(point.distance), Imath::V3f(point.normal)};
+    return {point.facet->mesh, static_cast<float>(point.distance), Imath::V3f(point.smoothNormal)};
 }
 
 }  // namespace
