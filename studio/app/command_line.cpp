@@ -248,6 +248,8 @@ void addRender(Command& command, RenderRequest& request) {
                       "Plain shading for all or some surfaces; repeatable");
     command->add_flag("--no-self-shadow{*}", request.withoutSelfShadow,
                       "Surfaces, all or some, that throw no shadow on themselves; repeatable");
+    command->add_flag("--no-normal-map{*}", request.withoutNormalMap,
+                      "Surfaces, all or some, shaded without their normal map; repeatable");
     command.option("--progress", "KIND", "auto, none, bar or json (auto)",
                    into(request.progress, progressKind));
     addReport(command, request.report);

@@ -26,6 +26,8 @@ Json describe(const Surface& surface) {
             {"doubleSided", surface.doubleSided},
             {"unlit", surface.unlit},
             {"selfShadow", surface.selfShadow},
+            {"normalMap", surface.normalTexture && surface.normalMap},
+            {"avatar", surface.toon.has_value()},
             {"textured", surface.baseColorTexture.has_value()},
             {"shader", surface.shader ? Json(surface.shader->server) : Json()},
             {"enabled", surface.shader && surface.shader->enabled}};

@@ -6,6 +6,7 @@
 #include "studio/app/interruption.h"
 #include "studio/app/picture_area.h"
 #include "studio/app/progress.h"
+#include "studio/app/scene_report.h"
 #include "studio/app/scene_view.h"
 #include "studio/app/shading_plan.h"
 #include "studio/app/surface_names.h"
@@ -40,11 +41,14 @@ PictureFormat checkedFormat(const RenderRequest& request) {
 
 Scene readScene(const RenderRequest& request, Report& report) {
     Scene scene = readGltf(request.scene);
-    for (const std::string& warning : scene.warnings)
-        report.warning(warning);
+    reportScene(scene, report);
     for (const std::string& pattern : request.withoutSelfShadow) {
         for (const std::size_t i : matchingSurfaces(scene, pattern, "--no-self-shadow"))
             scene.surfaces[i].selfShadow = false;
+    }
+    for (const std::string& pattern : request.withoutNormalMap) {
+        for (const std::size_t i : matchingSurfaces(scene, pattern, "--no-normal-map"))
+            scene.surfaces[i].normalMap = false;
     }
     return scene;
 }

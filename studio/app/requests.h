@@ -67,6 +67,7 @@ struct RenderRequest {
     LightingOptions lighting;
     /// Names or globs of surfaces that throw no shadow on themselves.
     std::vector<std::string> withoutSelfShadow;
+    std::vector<std::string> withoutNormalMap;  ///< the same, shaded without theirs
     PictureDepth depth = PictureDepth::Default;
     ProgressKind progress = ProgressKind::Auto;
 };

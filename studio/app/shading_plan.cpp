@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 #include <map>
 
 #include "studio/app/surface_names.h"
@@ -9,6 +10,7 @@
 #include "studio/scene/look.h"
 #include "studio/scene/nearest_name.h"
 #include "studio/scene/scene_error.h"
+#include "studio/scene/toon_zones.h"
 
 namespace tavora::studio {
 namespace {
@@ -33,6 +35,20 @@ class Planner {
                 surfaces_[i].settings = storedSettings(surface);
                 surfaces_[i].enabled = surface.shader->enabled;
             }
+        }
+    }
+
+    /// An avatar's own shading, where the file keeps no shader on it.
+    void takeAvatars() {
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            const Surface& surface = scene_.surfaces[i];
+            if (surfaces_[i].settings || !surface.toon) continue;
+            const ToonZones zones = toonZones(scene_, surface);
+            surfaces_[i].settings = defaults_;
+            applySettings(*surfaces_[i].settings, zones.settings, surface.name);
+            if (zones.inexact.empty()) continue;
+            report_.note(1, fmt::format("surface \"{}\": its avatar's shading is met nearly: {}",
+                                        surface.name, fmt::join(zones.inexact, "; ")));
         }
     }
 
@@ -154,6 +170,11 @@ class Planner {
 
 }  // namespace
 
+bool hasAvatars(const Scene& scene) {
+    return std::any_of(scene.surfaces.begin(), scene.surfaces.end(),
+                       [](const Surface& surface) { return surface.toon.has_value(); });
+}
+
 bool storesShaders(const Scene& scene) {
     return std::any_of(scene.surfaces.begin(), scene.surfaces.end(),
                        [](const Surface& surface) { return surface.shader.has_value(); });
@@ -161,6 +182,15 @@ bool storesShaders(const Scene& scene) {
 
 ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report) {
     if (!request.looks.empty() || storesShaders(scene)) return request;
+    if (hasAvatars(scene)) {
+        for (const Surface& surface : scene.surfaces) {
+            if (!surface.toon) request.looks.push_back({surface.name, kDefaultLook});
+        }
+        report.note(1, fmt::format("no look given and none stored: avatars are shaded as their "
+                                   "materials say, {} goes on the rest",
+                                   kDefaultLook));
+        return request;
+    }
     request.looks.push_back({{}, kDefaultLook});
     report.note(
         1, fmt::format("no look given and none stored: {} goes on every surface", kDefaultLook));
@@ -172,6 +202,7 @@ std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingReques
                                          std::span<const std::string> lightNames, Report& report) {
     Planner planner(scene, shader, report);
     planner.takeStored();
+    planner.takeAvatars();
     planner.takeLooks(request.looks);
     planner.takeChanges(request.changes);
     planner.takePlain(request.plain);

@@ -23,16 +23,19 @@ struct PlannedSurface {
 /// Whether the scene file keeps a shader on any surface.
 bool storesShaders(const Scene& scene);
 
+/// Whether a surface of it is shaded as an avatar's material says.
+bool hasAvatars(const Scene& scene);
+
 /// A scene that says nothing of shading still makes a picture worth keeping: the
-/// request with a look for every surface when it asks for none and none is
-/// stored, which is noted in the report; else the request as it is.
+/// request with a look for every surface but those of avatars when it asks for
+/// none and none is stored, which is noted in the report; else the request as it is.
 ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report);
 
 /// Settles the settings of every surface: the shader's defaults, over them what
-/// the scene stores, over that the last look that names the surface, over that
-/// the single changes; plain where asked. Damaged settings and lights that the
-/// scene has not are reported as warnings. Throws UsageError for names that
-/// match nothing, SceneError for looks.
+/// the scene stores or else the zones of an avatar's material, over that the last look that names
+/// the surface, over that the single changes; plain where asked. Damaged settings and lights that
+/// the scene has not are reported as warnings. Throws UsageError for names that match nothing,
+/// SceneError for looks.
 std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingRequest& request,
                                          const ShaderClass& shader,
                                          std::span<const std::string> lightNames, Report& report);
