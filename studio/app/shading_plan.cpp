@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <map>
 
 #include "studio/app/surface_names.h"
@@ -10,6 +9,7 @@
 #include "studio/scene/look.h"
 #include "studio/scene/nearest_name.h"
 #include "studio/scene/scene_error.h"
+#include "studio/scene/some_names.h"
 #include "studio/scene/toon_zones.h"
 
 namespace tavora::studio {
@@ -40,16 +40,18 @@ class Planner {
 
     /// An avatar's own shading, where the file keeps no shader on it.
     void takeAvatars() {
+        std::map<std::string, std::vector<std::string>> inexact;  // surfaces by what is
         for (std::size_t i = 0; i < surfaces_.size(); ++i) {
             const Surface& surface = scene_.surfaces[i];
             if (surfaces_[i].settings || !surface.toon) continue;
             const ToonZones zones = toonZones(scene_, surface);
             surfaces_[i].settings = defaults_;
             applySettings(*surfaces_[i].settings, zones.settings, surface.name);
-            if (zones.inexact.empty()) continue;
-            report_.note(1, fmt::format("surface \"{}\": its avatar's shading is met nearly: {}",
-                                        surface.name, fmt::join(zones.inexact, "; ")));
+            for (const std::string& what : zones.inexact)
+                inexact[what].push_back(surface.name);
         }
+        for (const auto& [what, surfaces] : inexact)
+            report_.note(1, fmt::format("avatars are met nearly: {} ({})", what, someOf(surfaces)));
     }
 
     void takeLooks(const std::vector<LookChoice>& choices) {
@@ -183,7 +185,8 @@ bool storesShaders(const Scene& scene) {
 ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report) {
     if (!request.looks.empty() || storesShaders(scene)) return request;
     if (hasAvatars(scene)) {
-        for (const Surface& surface : scene.surfaces) {
+        for (const std::size_t i : listedSurfaces(scene)) {
+            const Surface& surface = scene.surfaces[i];
             if (!surface.toon) request.looks.push_back({surface.name, kDefaultLook});
         }
         report.note(1, fmt::format("no look given and none stored: avatars are shaded as their "

@@ -7,13 +7,12 @@
 
 #include "studio/scene/gltf_extensions.h"
 #include "studio/scene/json_members.h"
+#include "studio/scene/some_names.h"
 
 namespace tavora::studio {
 namespace {
 
 using Json = nlohmann::ordered_json;
-
-constexpr std::size_t kMostNames = 4;  // of materials in one line
 
 bool isGiven(const Json& value) {
     return value.is_object();
@@ -148,15 +147,10 @@ class Lacks {
 
     std::string whose(const std::set<std::size_t>& materials) const {
         if (materials.empty()) return "";
-        std::string names;
-        std::size_t count = 0;
-        for (const std::size_t i : materials) {
-            if (count++ == kMostNames) break;
-            names += (names.empty() ? "" : ", ") + scene_.surfaces[i].name;
-        }
-        const std::size_t more = materials.size() - std::min(materials.size(), kMostNames);
-        return more == 0 ? fmt::format(" ({})", names)
-                         : fmt::format(" ({} and {} more)", names, more);
+        std::vector<std::string> names;
+        for (const std::size_t i : materials)
+            names.push_back(scene_.surfaces[i].name);
+        return fmt::format(" ({})", someOf(names));
     }
 
     const GltfSource& source_;

@@ -27,8 +27,11 @@ V3d mix(const V3d& a, const V3d& b, double share) {
 /// The border between shade and base colour over the cosine to the light.
 struct Border {
     explicit Border(const ToonShade& toon)
-        : start(static_cast<double>(toon.toony) - 1 - static_cast<double>(toon.shift)),
-          end(1 - static_cast<double>(toon.toony) - static_cast<double>(toon.shift)) {}
+        : start(rounded(static_cast<double>(toon.toony) - 1 - static_cast<double>(toon.shift))),
+          end(rounded(1 - static_cast<double>(toon.toony) - static_cast<double>(toon.shift))) {}
+
+    /// Files round their numbers: 0.95 - 1 + 0.05 is to be 0.
+    static double rounded(double cosine) { return std::round(cosine * 1e6) / 1e6; }
 
     /// Share of the base colour.
     double at(double cosine) const {
