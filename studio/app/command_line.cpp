@@ -256,6 +256,8 @@ void addRender(Command& command, RenderRequest& request) {
                       "Surfaces, all or some, that throw no shadow at all; repeatable");
     command->add_flag("--no-received-shadows{*}", request.withoutReceivedShadows,
                       "Surfaces, all or some, on which no shadow falls; repeatable");
+    command->add_flag("--no-normal-map{*}", request.withoutNormalMap,
+                      "Surfaces, all or some, shaded without their normal map; repeatable");
     command.option("--progress", "KIND", "auto, none, bar or json (auto)",
                    into(request.progress, progressKind));
     addReport(command, request.report);

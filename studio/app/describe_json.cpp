@@ -28,6 +28,8 @@ Json describe(const Surface& surface) {
             {"selfShadow", surface.selfShadow},
             {"castsShadows", surface.castsShadows},
             {"receivesShadows", surface.receivesShadows},
+            {"normalMap", surface.normalTexture && surface.normalMap},
+            {"avatar", surface.toon.has_value()},
             {"textured", surface.baseColorTexture.has_value()},
             {"shader", surface.shader ? Json(surface.shader->server) : Json()},
             {"enabled", surface.shader && surface.shader->enabled}};

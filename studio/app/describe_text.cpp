@@ -15,6 +15,8 @@ std::string textOf(const Surface& surface) {
     text += fmt::format(", {}", nameOf(surface.alphaMode));
     if (surface.doubleSided) text += ", double-sided";
     if (surface.unlit) text += ", unlit";
+    if (surface.normalTexture && surface.normalMap) text += ", normal map";
+    if (surface.toon) text += ", avatar";
     if (!surface.selfShadow) text += ", no self-shadow";
     if (!surface.castsShadows) text += ", casts no shadows";
     if (!surface.receivesShadows) text += ", receives no shadows";

@@ -1,13 +1,13 @@
 #include "studio/app/commands.h"
 #include "studio/app/describe.h"
+#include "studio/app/scene_report.h"
 #include "studio/scene/gltf_reader.h"
 
 namespace tavora::studio {
 
 void showInfo(const InfoRequest& request, Report& report) {
     const Scene scene = readGltf(request.scene);
-    for (const std::string& warning : scene.warnings)
-        report.warning(warning);
+    reportScene(scene, report);
     const nlohmann::ordered_json module = describeModule(request.plugin);
     if (!request.json) return writeOut(sceneText(scene, module));
     const auto keepGoing = nlohmann::ordered_json::error_handler_t::replace;

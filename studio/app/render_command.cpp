@@ -6,6 +6,7 @@
 #include "studio/app/interruption.h"
 #include "studio/app/picture_area.h"
 #include "studio/app/progress.h"
+#include "studio/app/scene_report.h"
 #include "studio/app/scene_view.h"
 #include "studio/app/shading_plan.h"
 #include "studio/app/surface_names.h"
@@ -49,12 +50,12 @@ void clear(bool Surface::*flag, const std::vector<std::string>& patterns, const 
 
 Scene readScene(const RenderRequest& request, Report& report) {
     Scene scene = readGltf(request.scene);
-    for (const std::string& warning : scene.warnings)
-        report.warning(warning);
+    reportScene(scene, report);
     clear(&Surface::selfShadow, request.withoutSelfShadow, "--no-self-shadow", scene);
     clear(&Surface::castsShadows, request.withoutCastShadows, "--no-cast-shadows", scene);
     clear(&Surface::receivesShadows, request.withoutReceivedShadows, "--no-received-shadows",
           scene);
+    clear(&Surface::normalMap, request.withoutNormalMap, "--no-normal-map", scene);
     return scene;
 }
 

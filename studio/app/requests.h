@@ -69,6 +69,7 @@ struct RenderRequest {
     std::vector<std::string> withoutSelfShadow;
     std::vector<std::string> withoutCastShadows;      ///< that throw none at all
     std::vector<std::string> withoutReceivedShadows;  ///< on which none falls
+    std::vector<std::string> withoutNormalMap;  ///< shaded without their normal map
     PictureDepth depth = PictureDepth::Default;
     ProgressKind progress = ProgressKind::Auto;
 };

@@ -3,6 +3,7 @@
 #include <set>
 
 #include "studio/app/commands.h"
+#include "studio/app/scene_report.h"
 #include "studio/app/scene_view.h"
 #include "studio/app/shading_plan.h"
 #include "studio/app/surface_names.h"
@@ -95,10 +96,10 @@ void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
 void showOrStoreSettings(const SettingsRequest& request, Report& report) {
     if (!request.output.empty()) outputPlace(request.output);
     const Scene scene = readGltf(request.scene);
-    for (const std::string& warning : scene.warnings)
-        report.warning(warning);
+    reportScene(scene, report);
     const std::set<std::size_t> chosen = chosenSurfaces(scene, request.surfaces);
-    const bool needsModule = storesShaders(scene) || !request.shading.looks.empty();
+    const bool needsModule =
+        storesShaders(scene) || hasAvatars(scene) || !request.shading.looks.empty();
     const bool changes = !request.shading.changes.empty();
     std::vector<PlannedSurface> planned(scene.surfaces.size());
     std::string server;

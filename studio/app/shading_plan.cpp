@@ -9,6 +9,8 @@
 #include "studio/scene/look.h"
 #include "studio/scene/nearest_name.h"
 #include "studio/scene/scene_error.h"
+#include "studio/scene/some_names.h"
+#include "studio/scene/toon_zones.h"
 
 namespace tavora::studio {
 namespace {
@@ -35,6 +37,22 @@ class Planner {
                 surfaces_[i].enabled = surface.shader->enabled;
             }
         }
+    }
+
+    /// An avatar's own shading, where the file keeps no shader on it.
+    void takeAvatars() {
+        std::map<std::string, std::vector<std::string>> inexact;  // surfaces by what is
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            const Surface& surface = scene_.surfaces[i];
+            if (surfaces_[i].settings || !surface.toon) continue;
+            const ToonZones zones = toonZones(scene_, surface);
+            surfaces_[i].settings = builtIn_;
+            applySettings(*surfaces_[i].settings, zones.settings, surface.name);
+            for (const std::string& what : zones.inexact)
+                inexact[what].push_back(surface.name);
+        }
+        for (const auto& [what, surfaces] : inexact)
+            report_.note(1, fmt::format("avatars are met nearly: {} ({})", what, someOf(surfaces)));
     }
 
     void takeLooks(const std::vector<LookChoice>& choices) {
@@ -161,6 +179,11 @@ class Planner {
 
 }  // namespace
 
+bool hasAvatars(const Scene& scene) {
+    return std::any_of(scene.surfaces.begin(), scene.surfaces.end(),
+                       [](const Surface& surface) { return surface.toon.has_value(); });
+}
+
 bool storesShaders(const Scene& scene) {
     return std::any_of(scene.surfaces.begin(), scene.surfaces.end(),
                        [](const Surface& surface) { return surface.shader.has_value(); });
@@ -168,6 +191,16 @@ bool storesShaders(const Scene& scene) {
 
 ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report) {
     if (!request.looks.empty() || storesShaders(scene)) return request;
+    if (hasAvatars(scene)) {
+        for (const std::size_t i : listedSurfaces(scene)) {
+            const Surface& surface = scene.surfaces[i];
+            if (!surface.toon) request.looks.push_back({surface.name, kDefaultLook});
+        }
+        report.note(1, fmt::format("no look given and none stored: avatars are shaded as their "
+                                   "materials say, {} goes on the rest",
+                                   kDefaultLook));
+        return request;
+    }
     request.looks.push_back({{}, kDefaultLook});
     report.note(
         1, fmt::format("no look given and none stored: {} goes on every surface", kDefaultLook));
@@ -179,6 +212,7 @@ std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingReques
                                          std::span<const std::string> lightNames, Report& report) {
     Planner planner(scene, shader, report);
     planner.takeStored();
+    planner.takeAvatars();
     planner.takeLooks(request.looks);
     planner.takeChanges(request.changes);
     planner.takePlain(request.plain);

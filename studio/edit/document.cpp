@@ -2,6 +2,7 @@
 
 #include <fmt/format.h>
 
+#include "studio/app/scene_report.h"
 #include "studio/app/surface_names.h"
 #include "studio/edit/file_stamp.h"
 #include "studio/edit/look_writing.h"
@@ -50,8 +51,7 @@ Document::Parts::Parts(const fs::path& file, const ShadingRequest& shading, Repo
       scene(readGltf(file)),
       records(shading.plugin, scene),
       listed(listedSurfaces(scene)) {
-    for (const std::string& warning : scene.warnings)
-        report.warning(warning);
+    reportScene(scene, report);
     OpenedSurfaces opened = openSurfaces(scene, shading, records, report);
     saved = std::move(opened.saved);
     current = std::move(opened.shown);

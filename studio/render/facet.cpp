@@ -44,6 +44,8 @@ void setSurface(const RayScene& scene, Facet& facet) {
     const SurfaceTraits& traits = scene.traits(source.surfaceIndex);
     facet.surface = source.surfaceIndex;
     facet.isSmooth = source.mesh->smooth;
+    facet.isMapped = source.surface->normalTexture && source.surface->normalMap &&
+                     !source.mesh->tangents.empty();
     facet.showsBack = source.surface->doubleSided;
     facet.even = traits.isEven && source.mesh->colors.empty() ? &traits.even : nullptr;
 }

@@ -26,6 +26,7 @@ struct Facet {
     std::uint32_t mesh = 0;                   ///< in RayScene
     int surface = 0;                          ///< in Scene::surfaces
     bool isSmooth = false;                    ///< normals are interpolated
+    bool isMapped = false;                    ///< a normal map turns them
     bool showsBack = false;                   ///< both of its sides are seen
     const OwnColor* even = nullptr;           ///< own colour, if it is the same all over the mesh
     std::array<std::uint32_t, 3> vertices{};  ///< in the mesh

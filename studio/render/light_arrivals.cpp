@@ -103,13 +103,13 @@ KeptShare LightArrivals::kept(std::size_t light) const {
 /// Share of the light that passes to the sample; 0 where it is dark or behind.
 double LightArrivals::traceShare(std::size_t light) {
     const Slot& slot = meet(light);
-    if (!(slot.distance >= 0) || isBehind(slot.whole.direction)) return 0;
+    if (!(slot.distance >= 0) || isBehind(*point_, slot.whole.direction)) return 0;
     const LitLight& lit = lights_->lights[light];
     ShadowRays rays;
     const bool blockable =
         canBeShadowed(lit, *point_) &&
         rays.aim(shadowRay(), lit,
-                 {point_->position, slot.whole.direction, slot.distance, &point_->normal});
+                 {point_->position, slot.whole.direction, slot.distance, &point_->smoothNormal});
     return blockable ? passing(rays) : 1;
 }
 
@@ -119,10 +119,6 @@ const Ray& LightArrivals::shadowRay() {
         shadowRayFoundAt_ = sample_;
     }
     return shadowRay_;
-}
-
-bool LightArrivals::isBehind(const Imath::V3d& direction) const {
-    return direction.dot(point_->normal) >= 0 && direction.dot(point_->facet->normal) >= 0;
 }
 
 double LightArrivals::passing(ShadowRays& rays) {

@@ -66,10 +66,10 @@ class LightArrivals {
         place_ = place;
     }
 
-    /// Works out all lights that the interpolated normal faces.
+    /// Works out all lights that the shading normal faces.
     void prepare();
 
-    /// How far the interpolated normal faces the light: 1 straight, 0 and below
+    /// How far the shading normal faces the light: 1 straight, 0 and below
     /// not, or where the light is dark anyway. Traces nothing.
     double cosine(std::size_t light);
 
@@ -128,7 +128,6 @@ class LightArrivals {
     KeptShare kept(std::size_t light) const;
     double traceShare(std::size_t light);
     const Ray& shadowRay();
-    bool isBehind(const Imath::V3d& direction) const;
     double passing(ShadowRays& rays);
 
     const RayScene* scene_;

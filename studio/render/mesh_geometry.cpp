@@ -46,6 +46,7 @@ MeshGeometry placeMesh(const SceneMesh& source, std::size_t number) {
     geometry.worldToObject = object.objectToWorld.inverse();
     geometry.normalToWorld = normalMatrix(object.objectToWorld, object.mirrored);
     geometry.facing = object.mirrored ? -1 : 1;
+    geometry.handedness = object.objectToWorld.determinant() < 0 ? -1 : 1;
     fillRows(geometry.worldToObject, geometry.objectTransform);
     fillRows(object.objectToWorld, geometry.worldTransform);
     return geometry;

@@ -20,6 +20,7 @@ struct MeshGeometry {
     double objectTransform[9] = {};  ///< rows: world to object, for directions
     double worldTransform[9] = {};   ///< rows: object to world, for directions
     double facing = 1;               ///< -1 when the transform turns triangles inside out
+    double handedness = 1;           ///< -1 when it mirrors the object's space
 };
 
 /// Of a triangle, in the world.

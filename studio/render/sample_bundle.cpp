@@ -7,11 +7,6 @@ namespace {
 
 constexpr std::size_t kRoom = 512;
 
-/// Whether the polygon, too, faces away from a light which the normal does.
-bool isBehind(const SurfacePoint& point, const Imath::V3d& toLight) {
-    return !(toLight.dot(point.facet->normal) > 0);
-}
-
 bool havePlaces(const LightRig& rig) {
     return std::any_of(rig.lights.begin(), rig.lights.end(), [](const LitLight& lit) {
         return lit.light->kind != LightKind::Directional;
@@ -116,8 +111,10 @@ void SampleBundle::goToSky(std::size_t light) {
         const Station& station = stations_[i];
         const double known = knownShare(station, light);
         if (known < 0 && station.asked[light] == 0) continue;
-        if (!(toLight.dot(station.point->normal) > 0)) {
-            if (isBehind(*station.point, toLight)) share(station.viewing, light) = 0;
+        if (isBehind(*station.point, -toLight)) {
+            share(station.viewing, light) = 0;
+        } else if (!(toLight.dot(station.point->normal) > 0)) {
+            continue;  // not shaded by it, most likely
         } else if (known >= 0) {
             share(station.viewing, light) = known;
         } else {
@@ -160,8 +157,9 @@ bool SampleBundle::isReached(const Station& station, std::size_t light, LitPlace
     if (!ways_.empty()) ways_[station.viewing * lights_ + light] = way;
     place.distance = way.distance;
     place.direction = way.direction;
-    place.facing = &station.point->normal;
-    return place.distance >= 0 && -place.direction.dot(station.point->normal) > 0;
+    place.facing = &station.point->smoothNormal;
+    return place.distance >= 0 && -place.direction.dot(station.point->normal) > 0 &&
+           !isBehind(*station.point, place.direction);
 }
 
 /// `passed` along the ray to the light from each station that goes.

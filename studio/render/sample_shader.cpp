@@ -4,6 +4,7 @@
 
 #include "host/handler.h"
 #include "studio/render/light_arrivals.h"
+#include "studio/render/normal_map.h"
 #include "studio/render/rounding_margin.h"
 #include "studio/render/scattering.h"
 #include "studio/render/surface_point.h"
@@ -89,7 +90,9 @@ OwnColor ownColorAt(const RayScene& scene, const SurfacePoint& point) {
 bool meet(const RayScene& scene, const Facet& facet, const Ray& ray, MetSurface& met) {
     setSurfacePoint(facet, ray, met.point);
     met.own = facet.even != nullptr ? *facet.even : ownColorAt(scene, met.point);
-    return met.own.alpha > 0;
+    if (!(met.own.alpha > 0)) return false;
+    if (facet.isMapped) bendNormal(scene.index(), met.point);
+    return true;
 }
 
 SampleShader::SampleShader(const RayScene& scene, const LightRig& lights,
@@ -165,7 +168,10 @@ bool SampleShader::findVisible(Level& level, Hit after) {
         setFacet(*scene_, *level.ray, level.found.hit, level.facet);
         setSurfacePoint(level.facet, *level.ray, level.found.point);
         level.found.own = findOwnColor(level);
-        if (level.found.own.alpha > 0) return true;
+        if (level.found.own.alpha > 0) {
+            if (level.facet.isMapped) bendNormal(scene_->index(), level.found.point);
+            return true;
+        }
         after = level.found.hit;
     }
     return false;

@@ -39,7 +39,7 @@ class Layers {
 };
 
 FirstSurface firstSurface(const SurfacePoint& point) {
-    return {point.facet->mesh, static_cast<float>(point.distance), Imath::V3f(point.normal)};
+    return {point.facet->mesh, static_cast<float>(point.distance), Imath::V3f(point.smoothNormal)};
 }
 
 /// Where `ray` meets `nearest` at `hit`.

@@ -42,8 +42,10 @@ void setSurfacePoint(const Facet& facet, const Ray& ray, SurfacePoint& point) {
     point.facet = &facet;
     setWeights(facet, ray.direction, point.weights);
     point.position = blend(facet.corners, point.weights);
-    point.normal = facet.isSmooth ? unitOr(blend(facet.cornerNormals, point.weights), facet.normal)
-                                  : facet.normal;
+    point.smoothNormal = facet.isSmooth
+                             ? unitOr(blend(facet.cornerNormals, point.weights), facet.normal)
+                             : facet.normal;
+    point.normal = point.smoothNormal;
     point.distance = std::sqrt((point.position - ray.origin).length2());
     point.spotSize = ray.spotAt(point.distance);
 }

@@ -13,7 +13,11 @@ struct SurfacePoint {
     const Facet* facet = nullptr;
     double weights[3] = {1, 0, 0};  ///< barycentric, sum 1
     Imath::V3d position{0, 0, 0};
-    Imath::V3d normal{0, 0, 0};  ///< interpolated, unit, on the side that is seen
+    /// Both unit vectors on the side that is seen: that which is shaded, turned by
+    /// the surface's normal map, and the interpolated one, which says what light
+    /// can reach the surface at all.
+    Imath::V3d normal{0, 0, 0};
+    Imath::V3d smoothNormal{0, 0, 0};
     double distance = 0;
     double spotSize = 0;
 
@@ -23,7 +27,7 @@ struct SurfacePoint {
 };
 
 /// Sets `point` to where `ray`, which is known to hit it and starts at its eye,
-/// meets `facet`, which must outlive it.
+/// meets `facet`, which must outlive it; as though it had no normal map.
 void setSurfacePoint(const Facet& facet, const Ray& ray, SurfacePoint& point);
 
 /// Where shadow rays from `point` start: lifted off its polygon, as far as
@@ -32,5 +36,11 @@ void setSurfacePoint(const Facet& facet, const Ray& ray, SurfacePoint& point);
 /// mesh throw no shadows on one another along the terminator.
 /// Formula: Hanika, "Hacking the Shadow Terminator", Ray Tracing Gems II (2021).
 Imath::V3d shadowStart(const SurfacePoint& point);
+
+/// Whether the surface itself is in the way of light that travels along
+/// `direction`: it comes from behind both the polygon and the interpolated normal.
+inline bool isBehind(const SurfacePoint& point, const Imath::V3d& direction) {
+    return direction.dot(point.smoothNormal) >= 0 && direction.dot(point.facet->normal) >= 0;
+}
 
 }  // namespace tavora::studio

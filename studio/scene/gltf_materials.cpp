@@ -1,14 +1,12 @@
 #include "studio/scene/gltf_materials.h"
 
 #include <algorithm>
-#include <cmath>
 #include <fmt/format.h>
 #include <limits>
-#include <map>
 
-#include "studio/scene/gltf_accessor.h"
-#include "studio/scene/image_decoder.h"
-#include "studio/scene/scene_error.h"
+#include "studio/scene/gltf_mtoon.h"
+#include "studio/scene/gltf_textures.h"
+#include "studio/scene/json_members.h"
 #include "studio/scene/shader_extras.h"
 #include "studio/scene/unique_names.h"
 
@@ -18,34 +16,12 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr double kLargestFloat = std::numeric_limits<float>::max();
-constexpr std::size_t kLastUvSet = 3;
-
-const Json& member(const Json& object, const char* key) {
-    static const Json none;
-    if (!object.is_object()) return none;
-    const auto found = object.find(key);
-    return found == object.end() ? none : *found;
-}
-
-double numberOr(const Json& value, double otherwise) {
-    if (!value.is_number()) return otherwise;
-    const double number = value.get<double>();
-    return std::abs(number) <= kLargestFloat ? number : otherwise;
-}
-
-/// A whole number from 0 to `most`; -1 for anything else.
-int indexOf(const Json& value, std::size_t most) {
-    return value.is_number_unsigned() && value.get<std::uint64_t>() <= most ? value.get<int>() : -1;
-}
-
-double componentOr(const Json& list, std::size_t i, double otherwise) {
-    return list.is_array() && i < list.size() ? numberOr(list[i], otherwise) : otherwise;
-}
 
 /// Reads the materials of one file into a scene.
 class MaterialReader {
   public:
-    MaterialReader(const GltfSource& source, Scene& scene) : source_(source), scene_(scene) {}
+    MaterialReader(const GltfSource& source, Scene& scene)
+        : source_(source), scene_(scene), textures_(source, scene) {}
 
     void readAll() {
         const Json& materials = member(source_.document, "materials");
@@ -68,6 +44,8 @@ class MaterialReader {
         readEmission(material, surface);
         readAlpha(material, surface);
         readExtensions(member(material, "extensions"), surface);
+        readToonShade(material, surface);
+        readNormalMap(material, surface);
         surface.doubleSided = member(material, "doubleSided") == true;
         surface.shader = shaderFromExtras(
             member(material, "extras"),
@@ -94,6 +72,30 @@ class MaterialReader {
         }
     }
 
+    /// An avatar's shading takes the place of none at all, which stands beside it
+    /// for programs that do not know it.
+    void readToonShade(const Json& material, Surface& surface) {
+        surface.toon = toonShadeOf(source_, material, surface, textures_);
+        if (surface.toon) surface.unlit = false;
+    }
+
+    /// {"tavora": {"normalMap": false}} leaves it out.
+    void readNormalMap(const Json& material, Surface& surface) {
+        const Json& flag = member(member(member(material, "extras"), "tavora"), "normalMap");
+        if (flag.is_boolean()) {
+            surface.normalMap = flag.get<bool>();
+        } else if (!flag.is_null()) {
+            scene_.warnings.push_back(oneLine(
+                fmt::format("{}: surface {}: its normalMap is neither true nor false and left out",
+                            source_.path, surface.name)));
+        }
+        if (!surface.normalMap) return;
+        const Json& info = member(material, "normalTexture");
+        surface.normalTexture = textures_.readSpare(info, "normal map", surface.name);
+        if (surface.normalTexture) surface.normalTexture->isData = true;
+        surface.normalScale = static_cast<float>(numberOr(member(info, "scale"), 1.0));
+    }
+
     void readBase(const Json& material, Surface& surface) {
         const Json& pbr = member(material, "pbrMetallicRoughness");
         const Json& factor = member(pbr, "baseColorFactor");
@@ -103,7 +105,7 @@ class MaterialReader {
         }
         surface.metallic = static_cast<float>(numberOr(member(pbr, "metallicFactor"), 1.0));
         surface.roughness = static_cast<float>(numberOr(member(pbr, "roughnessFactor"), 1.0));
-        surface.baseColorTexture = texture(member(pbr, "baseColorTexture"));
+        surface.baseColorTexture = textures_.read(member(pbr, "baseColorTexture"));
     }
 
     void readEmission(const Json& material, Surface& surface) {
@@ -117,7 +119,7 @@ class MaterialReader {
                 static_cast<float>(std::clamp(level, 0.0, kLargestFloat));
         }
         if (surface.emissive != Imath::V3f(0)) {
-            surface.emissiveTexture = texture(member(material, "emissiveTexture"));
+            surface.emissiveTexture = textures_.read(member(material, "emissiveTexture"));
         }
     }
 
@@ -136,14 +138,15 @@ class MaterialReader {
         if (through.is_object()) {
             surface.translucencyFactor =
                 static_cast<float>(numberOr(member(through, "transmissionFactor"), 0.0));
-            surface.translucencyTexture = texture(member(through, "transmissionTexture"));
+            surface.translucencyTexture = textures_.read(member(through, "transmissionTexture"));
             surface.translucencyComponent = Component::Red;
         }
         const Json& diffuse = member(extensions, "KHR_materials_diffuse_transmission");
         if (diffuse.is_object()) {
             surface.translucencyFactor =
                 static_cast<float>(numberOr(member(diffuse, "diffuseTransmissionFactor"), 0.0));
-            surface.translucencyTexture = texture(member(diffuse, "diffuseTransmissionTexture"));
+            surface.translucencyTexture =
+                textures_.read(member(diffuse, "diffuseTransmissionTexture"));
             surface.translucencyComponent = Component::Alpha;
         }
     }
@@ -154,103 +157,16 @@ class MaterialReader {
             surface.baseColor[static_cast<int>(i)] =
                 static_cast<float>(componentOr(factor, i, 1.0));
         }
-        surface.baseColorTexture = texture(member(glossy, "diffuseTexture"));
+        surface.baseColorTexture = textures_.read(member(glossy, "diffuseTexture"));
         surface.metallic = 0;
         surface.roughness =
             static_cast<float>(1.0 - numberOr(member(glossy, "glossinessFactor"), 1.0));
     }
 
-    std::optional<TextureUse> texture(const Json& info) {
-        if (!info.is_object()) return std::nullopt;
-        TextureUse use;
-        const int index = indexOf(member(info, "index"), source_.model.textures.size());
-        const tinygltf::Texture& texture =
-            element(source_, source_.model.textures, index, "texture");
-        use.image = imageOf(texture, index);
-        use.uvSet = uvSetOf(info, index);
-        readTransform(member(member(info, "extensions"), "KHR_texture_transform"), use);
-        if (texture.sampler >= 0) readSampler(texture.sampler, use);
-        return use;
-    }
-
-    int uvSetOf(const Json& info, int texture) const {
-        const Json& moved =
-            member(member(member(info, "extensions"), "KHR_texture_transform"), "texCoord");
-        const Json& set = moved.is_null() ? member(info, "texCoord") : moved;
-        if (set.is_null()) return 0;
-        const int index = indexOf(set, kLastUvSet);
-        if (index < 0) {
-            source_.fail(fmt::format("texture {} uses the UV set {}: only 0 to {} can be read",
-                                     texture, set.dump().substr(0, 40), kLastUvSet));
-        }
-        return index;
-    }
-
-    static void readTransform(const Json& transform, TextureUse& use) {
-        if (!transform.is_object()) return;
-        const Json& offset = member(transform, "offset");
-        const Json& scale = member(transform, "scale");
-        use.offset = {static_cast<float>(componentOr(offset, 0, 0)),
-                      static_cast<float>(componentOr(offset, 1, 0))};
-        use.scale = {static_cast<float>(componentOr(scale, 0, 1)),
-                     static_cast<float>(componentOr(scale, 1, 1))};
-        use.rotation = static_cast<float>(numberOr(member(transform, "rotation"), 0.0));
-    }
-
-    void readSampler(int index, TextureUse& use) {
-        const tinygltf::Sampler& sampler =
-            element(source_, source_.model.samplers, index, "sampler");
-        const auto wrap = [](int mode) {
-            if (mode == TINYGLTF_TEXTURE_WRAP_CLAMP_TO_EDGE) return Wrap::ClampToEdge;
-            return mode == TINYGLTF_TEXTURE_WRAP_MIRRORED_REPEAT ? Wrap::MirroredRepeat
-                                                                 : Wrap::Repeat;
-        };
-        use.wrapS = wrap(sampler.wrapS);
-        use.wrapT = wrap(sampler.wrapT);
-        if (sampler.magFilter == TINYGLTF_TEXTURE_FILTER_NEAREST) use.magnify = Filter::Nearest;
-        use.mipmaps = sampler.minFilter != TINYGLTF_TEXTURE_FILTER_NEAREST &&
-                      sampler.minFilter != TINYGLTF_TEXTURE_FILTER_LINEAR;
-        const bool nearest = sampler.minFilter == TINYGLTF_TEXTURE_FILTER_NEAREST ||
-                             sampler.minFilter == TINYGLTF_TEXTURE_FILTER_NEAREST_MIPMAP_NEAREST ||
-                             sampler.minFilter == TINYGLTF_TEXTURE_FILTER_NEAREST_MIPMAP_LINEAR;
-        if (nearest) use.minify = Filter::Nearest;
-    }
-
-    /// The scene's image for a texture, decoded at its first use.
-    int imageOf(const tinygltf::Texture& texture, int textureIndex) {
-        int index = texture.source;
-        const auto webp = texture.extensions.find("EXT_texture_webp");
-        if (webp != texture.extensions.end() && webp->second.Has("source")) {
-            index = webp->second.Get("source").GetNumberAsInt();
-        }
-        if (index < 0)
-            source_.fail(
-                fmt::format("texture {} names no image: export the file again", textureIndex));
-        const auto known = images_.find(index);
-        if (known != images_.end()) return known->second;
-        const int at = static_cast<int>(scene_.images.size());
-        scene_.images.push_back(decode(index));
-        images_[index] = at;
-        return at;
-    }
-
-    Image decode(int index) {
-        const SourceImage& image = element(source_, source_.images, index, "image");
-        if (!image.problem.empty()) {
-            source_.fail(fmt::format("the texture \"{}\" {}", image.name, image.problem));
-        }
-        try {
-            return decodeImage(image.bytes, image.name);
-        } catch (const SceneError& error) {
-            source_.fail(
-                fmt::format("the texture \"{}\" {}: export it again", image.name, error.what()));
-        }
-    }
-
     const GltfSource& source_;
     Scene& scene_;
+    TextureReader textures_;
     UniqueNames names_;
-    std::map<int, int> images_;  // index in the file to index in the scene
 };
 
 }  // namespace

@@ -18,39 +18,50 @@ bool isTriangles(int mode) {
            mode == TINYGLTF_MODE_TRIANGLE_FAN;
 }
 
-}  // namespace
-
-const std::vector<SourcePrimitive>& MeshStore::primitives(int index,
-                                                          std::vector<std::string>& warnings) {
-    const auto known = meshes_.find(index);
-    if (known != meshes_.end()) return known->second;
-    return meshes_.emplace(index, read(index, warnings)).first->second;
+MaterialNeeds needsOf(const std::vector<Surface>& surfaces, int material) {
+    MaterialNeeds needs;
+    if (material < 0) return needs;
+    const Surface& surface = surfaces[static_cast<std::size_t>(material)];
+    if (surface.normalMap) needs.normalTexture = surface.normalTexture;
+    needs.colors = !surface.toon;
+    return needs;
 }
 
-std::vector<SourcePrimitive> MeshStore::read(int index, std::vector<std::string>& warnings) {
+}  // namespace
+
+const std::vector<SourcePrimitive>& MeshStore::primitives(int index, Scene& scene) {
+    const auto known = meshes_.find(index);
+    if (known != meshes_.end()) return known->second;
+    return meshes_.emplace(index, read(index, scene)).first->second;
+}
+
+std::vector<SourcePrimitive> MeshStore::read(int index, Scene& scene) {
     const tinygltf::Mesh& mesh = element(source_, source_.model.meshes, index, "mesh");
     std::vector<SourcePrimitive> result;
     for (std::size_t i = 0; i < mesh.primitives.size(); ++i) {
         const tinygltf::Primitive& primitive = mesh.primitives[i];
         const std::string where = fmt::format("mesh {} \"{}\", primitive {}", index, mesh.name, i);
         if (!isTriangles(primitive.mode)) {
-            warnings.push_back(oneLine(
+            scene.warnings.push_back(oneLine(
                 fmt::format("{}: {}: points and lines are not drawn", source_.path, where)));
             continue;
         }
-        result.push_back({geometryOf(primitive, mesh.name, where), primitive.material});
+        const MaterialNeeds needs = needsOf(scene.surfaces, primitive.material);
+        result.push_back({geometryOf(primitive, needs, mesh.name, where), primitive.material});
     }
     return result;
 }
 
 std::shared_ptr<const PrimitiveGeometry> MeshStore::geometryOf(const tinygltf::Primitive& primitive,
+                                                               const MaterialNeeds& needs,
                                                                const std::string& name,
                                                                const std::string& where) {
-    const Key key{primitive.attributes, primitive.indices, primitive.mode, primitive.targets,
-                  dracoView(primitive)};
+    const Key key{primitive.attributes, primitive.indices,    primitive.mode,
+                  primitive.targets,    dracoView(primitive), needs.key()};
     std::shared_ptr<const PrimitiveGeometry>& geometry = geometries_[key];
     if (geometry == nullptr) {
-        auto fresh = std::make_shared<PrimitiveGeometry>(readPrimitive(source_, primitive, where));
+        auto fresh =
+            std::make_shared<PrimitiveGeometry>(readPrimitive(source_, primitive, needs, where));
         fresh->mesh.name = name;
         spend(*fresh, where);
         geometry = std::move(fresh);

@@ -24,19 +24,22 @@ class MeshStore {
     /// `source` must outlive the store.
     explicit MeshStore(const GltfSource& source) : source_(source) {}
 
-    /// All triangle primitives of mesh `index`; others are left out with a line
-    /// in `warnings`. Valid as long as the store. Throws SceneError.
-    const std::vector<SourcePrimitive>& primitives(int index, std::vector<std::string>& warnings);
+    /// All triangle primitives of mesh `index`, for `scene`, which has the file's
+    /// surfaces, the same in every call; others are left out with a line in its
+    /// warnings. Valid as long as the store. Throws SceneError.
+    const std::vector<SourcePrimitive>& primitives(int index, Scene& scene);
 
     /// How many vertices and triangles the file's bytes may stand for.
     std::size_t mostValues() const;
 
   private:
     using Attributes = std::map<std::string, int>;
-    using Key = std::tuple<Attributes, int, int, std::vector<Attributes>, int>;
+    using Needs = decltype(MaterialNeeds().key());
+    using Key = std::tuple<Attributes, int, int, std::vector<Attributes>, int, Needs>;
 
-    std::vector<SourcePrimitive> read(int index, std::vector<std::string>& warnings);
+    std::vector<SourcePrimitive> read(int index, Scene& scene);
     std::shared_ptr<const PrimitiveGeometry> geometryOf(const tinygltf::Primitive& primitive,
+                                                        const MaterialNeeds& needs,
                                                         const std::string& name,
                                                         const std::string& where);
     void spend(const PrimitiveGeometry& geometry, const std::string& where);

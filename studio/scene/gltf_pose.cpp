@@ -8,6 +8,7 @@
 #include "studio/scene/gltf_lights_cameras.h"
 #include "studio/scene/mesh_bending.h"
 #include "studio/scene/mesh_normals.h"
+#include "studio/scene/mesh_tangents.h"
 #include "studio/scene/unique_names.h"
 
 namespace tavora::studio {
@@ -77,7 +78,7 @@ class Posing {
 
     void addParts(const tinygltf::Node& node, int index, Object& object) {
         std::int32_t polygons = 0;
-        for (const SourcePrimitive& primitive : meshes_.primitives(node.mesh, scene_.warnings)) {
+        for (const SourcePrimitive& primitive : meshes_.primitives(node.mesh, scene_)) {
             Part part;
             part.mesh = posedMesh(node, index, *primitive.geometry, primitive.geometry);
             part.surface = surfaceOf(primitive.material);
@@ -125,6 +126,7 @@ class Posing {
         auto mesh = std::make_shared<Mesh>(geometry.mesh);
         morph(geometry, weights, *mesh);
         if (!geometry.flat) repairNormals(*mesh);
+        if (morphs && geometry.tangentsMadeFor) remakeTangents(geometry, *mesh);
         if (node.skin >= 0) hang(node, geometry, *mesh);
         if (geometry.flat) {
             makeFlatNormals(*mesh);
@@ -132,6 +134,11 @@ class Posing {
         }
         if (node.skin < 0) morphed_[key] = mesh;
         return mesh;
+    }
+
+    static void remakeTangents(const PrimitiveGeometry& geometry, Mesh& mesh) {
+        if (geometry.flat) makeFlatNormals(mesh);
+        mesh.tangents = makeTangents(mesh, *geometry.tangentsMadeFor);
     }
 
     void hang(const tinygltf::Node& node, const PrimitiveGeometry& geometry, Mesh& mesh) {

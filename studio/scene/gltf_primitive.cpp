@@ -6,6 +6,7 @@
 #include "studio/scene/gltf_accessor.h"
 #include "studio/scene/gltf_draco.h"
 #include "studio/scene/mesh_normals.h"
+#include "studio/scene/mesh_tangents.h"
 #include "studio/scene/vertex_picks.h"
 
 namespace tavora::studio {
@@ -46,12 +47,21 @@ std::vector<V3f> vectors(const FloatTable& values) {
     return result;
 }
 
+std::vector<V4f> fourVectors(const FloatTable& values) {
+    std::vector<V4f> result(values.count);
+    for (std::size_t i = 0; i < values.count; ++i) {
+        const float* v = values.at(i);
+        result[i] = V4f(v[0], v[1], v[2], v[3]);
+    }
+    return result;
+}
+
 /// Where a primitive's vertex data comes from: accessors, or a compressed mesh.
 class PrimitiveReader {
   public:
     PrimitiveReader(const GltfSource& source, const tinygltf::Primitive& primitive,
-                    const std::string& where)
-        : source_(source), primitive_(primitive), where_(where) {
+                    const MaterialNeeds& needs, const std::string& where)
+        : source_(source), primitive_(primitive), needs_(needs), where_(where) {
         compressed_ = isDraco(primitive);
         if (compressed_) draco_ = readDraco(source, primitive, where_);
     }
@@ -66,6 +76,7 @@ class PrimitiveReader {
         picks_ = result.flat ? VertexPicks::corners(vertices_, mesh.triangles)
                              : VertexPicks::used(vertices_, mesh.triangles);
         readVertices(mesh);
+        if (needs_.normalTexture) readTangents(*needs_.normalTexture, result);
         result.influences = {readInfluences("JOINTS_0", "WEIGHTS_0"),
                              readInfluences("JOINTS_1", "WEIGHTS_1")};
         for (const auto& target : primitive_.targets)
@@ -128,7 +139,7 @@ class PrimitiveReader {
         mesh.positions = vectors(table("POSITION", 3, 3));
         for (std::size_t set = 0; set < mesh.uvs.size(); ++set)
             mesh.uvs[set] = readUvs(set);
-        if (has("COLOR_0")) mesh.colors = readColors();
+        if (needs_.colors && has("COLOR_0")) mesh.colors = readColors();
         if (!has("NORMAL")) {
             makeFlatNormals(mesh);
             return;
@@ -136,6 +147,18 @@ class PrimitiveReader {
         mesh.normals = vectors(table("NORMAL", 3, 3));
         repairNormals(mesh);
         mesh.smooth = isSmooth(mesh);
+    }
+
+    /// Tangents in a file belong to its normals, and count with these alone.
+    void readTangents(const TextureUse& normalTexture, PrimitiveGeometry& result) const {
+        Mesh& mesh = result.mesh;
+        if (mesh.uvs[static_cast<std::size_t>(normalTexture.uvSet)].empty()) return;
+        if (has("NORMAL") && has("TANGENT")) {
+            mesh.tangents = tangentsOfVertices(mesh, fourVectors(table("TANGENT", 4, 4)));
+        } else {
+            mesh.tangents = makeTangents(mesh, normalTexture);
+            result.tangentsMadeFor = normalTexture;
+        }
     }
 
     std::vector<V2f> readUvs(std::size_t set) const {
@@ -184,11 +207,14 @@ class PrimitiveReader {
             }
             return vectors(readFloats(source_, found->second, 3, 3, &picks_));
         };
-        return {displacements("POSITION"), displacements("NORMAL")};
+        MorphTarget target{displacements("POSITION"), displacements("NORMAL"), {}};
+        if (needs_.normalTexture) target.tangents = displacements("TANGENT");
+        return target;
     }
 
     const GltfSource& source_;
     const tinygltf::Primitive& primitive_;
+    const MaterialNeeds& needs_;
     const std::string& where_;
     DracoPrimitive draco_;
     bool compressed_ = false;
@@ -199,8 +225,8 @@ class PrimitiveReader {
 }  // namespace
 
 PrimitiveGeometry readPrimitive(const GltfSource& source, const tinygltf::Primitive& primitive,
-                                const std::string& where) {
-    return PrimitiveReader(source, primitive, where).read();
+                                const MaterialNeeds& needs, const std::string& where) {
+    return PrimitiveReader(source, primitive, needs, where).read();
 }
 
 }  // namespace tavora::studio

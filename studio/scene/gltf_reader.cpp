@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 
 #include "studio/scene/gltf_accessor.h"
+#include "studio/scene/gltf_lacks.h"
 #include "studio/scene/gltf_materials.h"
 #include "studio/scene/gltf_pose.h"
 #include "studio/scene/gltf_source.h"
@@ -15,7 +16,6 @@ using Json = nlohmann::ordered_json;
 
 constexpr double kMostAmbient = 1000;
 constexpr double kLargestScene = 1e18;  // whose square still is a float
-constexpr const char* kMissed[] = {"EXT_lights_image_based", "EXT_mesh_gpu_instancing"};
 
 AnimationInfo describe(const GltfSource& source, const tinygltf::Animation& animation) {
     AnimationInfo info;
@@ -61,17 +61,6 @@ void checkBounds(const GltfSource& source, const Scene& scene) {
     source.fail(fmt::format("is larger than {} metres: scale the model down", kLargestScene));
 }
 
-/// What the file shows elsewhere and will be missed here.
-void warnOfExtensions(const GltfSource& source, Scene& scene) {
-    const auto used = source.document.find("extensionsUsed");
-    if (used == source.document.end() || !used->is_array()) return;
-    for (const char* name : kMissed) {
-        if (std::find(used->begin(), used->end(), name) == used->end()) continue;
-        scene.warnings.push_back(
-            fmt::format("{}: what {} adds is not drawn", oneLine(source.path), name));
-    }
-}
-
 }  // namespace
 
 Scene readGltf(const std::filesystem::path& file) {
@@ -85,7 +74,7 @@ Scene readGltf(const std::filesystem::path& file) {
         scene.animations.push_back(describe(source, animation));
     }
     readAmbient(source, scene);
-    warnOfExtensions(source, scene);
+    tellLacks(source, scene);
     return scene;
 }
 

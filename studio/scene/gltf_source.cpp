@@ -1,12 +1,12 @@
 #include "studio/scene/gltf_source.h"
 
 #include <algorithm>
-#include <array>
 #include <cstring>
 #include <fmt/format.h>
 #include <string_view>
 
 #include "studio/scene/gltf_container.h"
+#include "studio/scene/gltf_extensions.h"
 #include "studio/scene/gltf_resources.h"
 #include "studio/scene/gltf_shape.h"
 #include "studio/scene/json_text.h"
@@ -19,28 +19,6 @@ using Json = nlohmann::ordered_json;
 namespace fs = std::filesystem;
 
 constexpr int kDeepestJson = 128;
-
-// What is drawn as the extension says, or looks right without it.
-constexpr std::array<std::string_view, 18> kSupported = {
-    "EXT_texture_webp",
-    "KHR_draco_mesh_compression",
-    "KHR_lights_punctual",
-    "KHR_materials_clearcoat",
-    "KHR_materials_diffuse_transmission",
-    "KHR_materials_emissive_strength",
-    "KHR_materials_ior",
-    "KHR_materials_iridescence",
-    "KHR_materials_pbrSpecularGlossiness",
-    "KHR_materials_sheen",
-    "KHR_materials_specular",
-    "KHR_materials_transmission",
-    "KHR_materials_unlit",
-    "KHR_materials_variants",
-    "KHR_materials_volume",
-    "KHR_mesh_quantization",
-    "KHR_texture_transform",
-    "KHR_xmp_json_ld",
-};
 
 /// Brackets inside brackets, before any parser walks into them.
 int depthOf(std::string_view json) {
@@ -84,7 +62,7 @@ void checkExtensions(const GltfSource& source) {
     if (required == source.document.end() || !required->is_array()) return;
     for (const Json& name : *required) {
         const std::string text = name.is_string() ? name.get<std::string>() : name.dump();
-        if (std::find(kSupported.begin(), kSupported.end(), text) != kSupported.end()) continue;
+        if (canDoWithout(supportOf(text))) continue;
         source.fail(fmt::format(
             "needs the extension {}, which is not supported: export the scene without it", text));
     }

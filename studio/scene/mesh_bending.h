@@ -14,7 +14,8 @@ struct JointPose {
 };
 
 /// Adds the morph targets of `geometry` to `mesh`, a copy of its mesh, as far as
-/// there are `weights`. Normals may lose their length.
+/// there are `weights`. Normals and tangents may lose their length; tangents that
+/// were made, not read, are left as they are.
 void morph(const PrimitiveGeometry& geometry, const std::vector<double>& weights, Mesh& mesh);
 
 /// Moves `mesh` with its joints; the shares of a vertex count relative to their

@@ -1,5 +1,6 @@
 #include "studio/scene/portable_math.h"
 
+#include <algorithm>
 #include <array>
 #include <bit>
 #include <cmath>
@@ -154,6 +155,15 @@ double cos(double angle) {
 
 double tan(double angle) {
     return sin(angle) / cos(angle);
+}
+
+/// Abramowitz and Stegun, Handbook of Mathematical Functions, 4.4.46.
+double arcCosine(double x) {
+    constexpr std::array kSeries = {-0.0012624911, 0.0066700901, -0.0170881256, 0.0308918810,
+                                    -0.0501743046, 0.0889789874, -0.2145988016, 1.5707963050};
+    const double size = std::min(std::abs(x), 1.0);
+    const double angle = std::sqrt(1 - size) * polynomial(kSeries, size);
+    return x < 0 ? std::numbers::pi - angle : angle;
 }
 
 }  // namespace tavora::studio::portable

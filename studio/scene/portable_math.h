@@ -24,4 +24,7 @@ double sin(double angle);
 double cos(double angle);
 double tan(double angle);
 
+/// Of -1 to 1, in radians, within 3e-8; beyond these as at them.
+double arcCosine(double x);
+
 }  // namespace tavora::studio::portable

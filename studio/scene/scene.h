@@ -43,6 +43,7 @@ struct TextureUse {
     Imath::V2f offset{0, 0};  ///< texture transform: scale, then rotate, then offset
     float rotation = 0;       ///< radians, counter-clockwise in UV space
     Imath::V2f scale{1, 1};
+    bool isData = false;  ///< texels are numbers, averaged as they are; else sRGB-encoded colours
 };
 
 enum class AlphaMode { Opaque, Mask, Blend };
@@ -57,6 +58,17 @@ struct StoredShader {
 /// Which component of a texel is the strength of a channel.
 enum class Component { Red, Alpha };
 
+/// The two tones of an avatar's material and the border between them: from
+/// `shift` + the cosine between normal and light of `toony` - 1, where the shade
+/// shows, to 1 - `toony`, where the base colour does, they blend.
+/// Formula: the glTF extension VRMC_materials_mtoon 1.0, "Lighting".
+struct ToonShade {
+    Imath::V3f shadeColor{0, 0, 0};  ///< scene-linear; a factor of the texture, if there is one
+    std::optional<TextureUse> shadeTexture;
+    float shift = 0;     ///< -1..1
+    float toony = 0.9F;  ///< 0..1; 1 is a hard border
+};
+
 /// A material. Factors are scene-linear as in the file.
 struct Surface {
     std::string name;        ///< UTF-8, unique in the scene
@@ -65,6 +77,9 @@ struct Surface {
     std::optional<TextureUse> baseColorTexture;
     Imath::V3f emissive{0, 0, 0};  ///< strength counted in
     std::optional<TextureUse> emissiveTexture;
+    std::optional<TextureUse> normalTexture;  ///< in the frame of the mesh's tangents
+    float normalScale = 1;                    ///< of its x and y
+    bool normalMap = true;                    ///< false: it is not applied
     float metallic = 1;
     float roughness = 1;
     AlphaMode alphaMode = AlphaMode::Opaque;
@@ -77,8 +92,14 @@ struct Surface {
     std::optional<TextureUse> translucencyTexture;
     Component translucencyComponent = Component::Red;
     float translucencyFactor = 0;
+    std::optional<ToonShade> toon;       ///< of an avatar
     std::optional<StoredShader> shader;  ///< from the file's extras
 };
+
+/// The tangents at a triangle's corners: xyz is the direction in which u grows
+/// along the surface, of unit length or 0 where there is none; w is 1, or -1
+/// where the texture is mirrored: the bitangent is normal x tangent * w.
+using CornerTangents = std::array<Imath::V4f, 3>;
 
 /// Triangles of one surface in the space of their object.
 /// Per-vertex arrays are empty or as long as `positions`.
@@ -90,6 +111,8 @@ struct Mesh {
     std::vector<Imath::V4f> colors;                       ///< linear RGBA
     std::vector<std::array<std::uint32_t, 3>> triangles;  ///< counter-clockwise seen from the front
     bool smooth = false;  ///< normals differ from the flat ones somewhere
+    /// As many as `triangles`; empty on surfaces without a normal map.
+    std::vector<CornerTangents> tangents;
 };
 
 /// A mesh with its surface.
@@ -155,6 +178,7 @@ struct Scene {
     std::optional<Imath::V3d> ambient;  ///< display-referred, when the file sets one
     Imath::Box3d bounds;                ///< of all triangles, world; empty without any
     std::vector<std::string> warnings;  ///< one line each, for the user
+    std::vector<std::string> notes;     ///< the same, for who wants to know more
 };
 
 }  // namespace tavora::studio

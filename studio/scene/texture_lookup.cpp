@@ -111,19 +111,22 @@ double tamed(double v) {
 
 }  // namespace
 
-TexturePyramid::TexturePyramid(const Image& image) {
+TexturePyramid::TexturePyramid(const Image& image, bool isData) {
     levels_.push_back({image.width, image.height, image.rgba});
     while (levels_.back().width > 1 || levels_.back().height > 1)
-        addHalved();
+        addHalved(isData);
 }
 
-void TexturePyramid::addHalved() {
+void TexturePyramid::addHalved(bool isData) {
     const Level& from = levels_.back();
     const int width = std::max(1, from.width / 2);
     const int height = std::max(1, from.height / 2);
     const std::vector<Cover> columns = covers(from.width, width);
     const std::vector<Cover> rows = covers(from.height, height);
-    const std::array<double, 256>& linear = linearOfByte();
+    const std::array<double, 256>& value = isData ? shareOfByte() : linearOfByte();
+    const auto byteOf = [isData](double v) {
+        return isData ? static_cast<std::uint8_t>(std::lround(255.0 * v)) : encodedByte(v);
+    };
     std::vector<std::uint8_t> rgba;
     rgba.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
     for (const Cover& row : rows) {
@@ -134,12 +137,12 @@ void TexturePyramid::addHalved() {
                     const double weight = row.weights[y] * column.weights[x];
                     const std::uint8_t* texel = from.texel(column.first + x, row.first + y);
                     for (int c = 0; c < 3; ++c)
-                        sum[c] += weight * linear[texel[c]];
+                        sum[c] += weight * value[texel[c]];
                     sum[3] += weight * texel[3];
                 }
             }
             for (int c = 0; c < 3; ++c)
-                rgba.push_back(encodedByte(std::min(sum[c], 1.0)));
+                rgba.push_back(byteOf(std::min(sum[c], 1.0)));
             rgba.push_back(static_cast<std::uint8_t>(std::lround(std::min(sum[3], 255.0))));
         }
     }

@@ -9,13 +9,13 @@
 
 namespace tavora::studio {
 
-/// An image ready to be looked up at any size: its pyramid of halved levels,
-/// averaged in linear light and stored sRGB-encoded.
+/// An image ready to be looked up at any size: its pyramid of halved levels.
+/// Colours are averaged in linear light and stored sRGB-encoded, data as it is.
 class TexturePyramid {
   public:
     /// `image` must hold a pixel and outlive the pyramid, which reads its finest
     /// level there.
-    explicit TexturePyramid(const Image& image);
+    explicit TexturePyramid(const Image& image, bool isData = false);
     TexturePyramid(const TexturePyramid&) = delete;
     TexturePyramid& operator=(const TexturePyramid&) = delete;
 
@@ -36,7 +36,7 @@ class TexturePyramid {
             return &rgba[(row + static_cast<std::size_t>(x)) * 4];
         }
     };
-    void addHalved();
+    void addHalved(bool isData);
     static Imath::V4d sample(const Level& level, Filter filter, const TextureUse& use,
                              const Imath::V2d& uv);
     static Imath::V4d nearest(const Level& level, const TextureUse& use, const Imath::V2d& uv);

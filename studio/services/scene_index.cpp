@@ -12,7 +12,7 @@ static_assert(sizeof(std::uintptr_t) == 8, "polygon identities need 64 bits");
 
 }  // namespace
 
-SceneIndex::SceneIndex(const Scene& scene) : scene_(&scene), pyramids_(scene.images.size()) {
+SceneIndex::SceneIndex(const Scene& scene) : scene_(&scene), pyramids_(2 * scene.images.size()) {
     for (const auto& object : scene.objects) {
         objects_.emplace(object.get(), static_cast<std::ptrdiff_t>(objects_.size()));
         for (const Part& part : object->parts) {
@@ -24,20 +24,29 @@ SceneIndex::SceneIndex(const Scene& scene) : scene_(&scene), pyramids_(scene.ima
         addPyramid(surface.baseColorTexture);
         addPyramid(surface.emissiveTexture);
         addPyramid(surface.translucencyTexture);
+        if (surface.normalMap) addPyramid(surface.normalTexture);
     }
 }
 
+std::size_t SceneIndex::pyramidIndex(const TextureUse& use) const {
+    const std::size_t images = scene_->images.size();
+    const auto image = static_cast<std::size_t>(use.image);
+    if (use.image < 0 || image >= images) return pyramids_.size();
+    return use.isData ? images + image : image;
+}
+
 void SceneIndex::addPyramid(const std::optional<TextureUse>& use) {
-    if (!use || use->image < 0 || static_cast<std::size_t>(use->image) >= pyramids_.size()) return;
-    const auto number = static_cast<std::size_t>(use->image);
-    const Image& image = scene_->images[number];
-    if (pyramids_[number] != nullptr || image.rgba.empty()) return;
-    pyramids_[number] = std::make_unique<TexturePyramid>(image);
+    if (!use) return;
+    const std::size_t index = pyramidIndex(*use);
+    if (index >= pyramids_.size() || pyramids_[index] != nullptr) return;
+    const Image& image = scene_->images[static_cast<std::size_t>(use->image)];
+    if (image.rgba.empty()) return;
+    pyramids_[index] = std::make_unique<TexturePyramid>(image, use->isData);
 }
 
 const TexturePyramid* SceneIndex::pyramid(const TextureUse& use) const {
-    const auto image = static_cast<std::size_t>(use.image);
-    return use.image >= 0 && image < pyramids_.size() ? pyramids_[image].get() : nullptr;
+    const std::size_t index = pyramidIndex(use);
+    return index < pyramids_.size() ? pyramids_[index].get() : nullptr;
 }
 
 std::ptrdiff_t SceneIndex::objectIndex(HostItemId id) const {

@@ -56,11 +56,14 @@ class SceneIndex {
     SceneTriangle triangle(HostPolygonId id) const;
 
   private:
+    /// Where in `pyramids_` a texture's stands; past the end for an image that is not there.
+    std::size_t pyramidIndex(const TextureUse& use) const;
     void addPyramid(const std::optional<TextureUse>& use);
 
     const Scene* scene_;
     std::vector<SceneMesh> meshes_;
-    std::vector<std::unique_ptr<const TexturePyramid>> pyramids_;  ///< by image
+    /// By image; the images first as colours, then as data.
+    std::vector<std::unique_ptr<const TexturePyramid>> pyramids_;
     std::unordered_map<const void*, std::ptrdiff_t> objects_;
 };
 

@@ -72,7 +72,7 @@ bool SceneFiles::askAndOpen() {
     const QString folder =
         session_ == nullptr ? QString() : text(session_->document().path().parent_path());
     const QString chosen = QFileDialog::getOpenFileName(&window_, tr("Open Scene"), folder,
-                                                        tr("glTF scenes (*.gltf *.glb)"));
+                                                        tr("glTF scenes (*.gltf *.glb *.vrm)"));
     return !chosen.isEmpty() && open(path(chosen));
 }
 

@@ -164,5 +164,85 @@ TEST(GltfMaterials, TexturesThatCannotBeUsedAreNamed) {
         EXPECT_THAT(refusalOf(file.write(folder)), HasSubstr(says));
 }
 
+TEST(GltfMaterials, NormalMapsAreReadAsDataAndMayBeLeftOut) {
+    GltfBuilder file = textured({{"uri", kRedPng}});
+    Json& material = file.document["materials"][0];
+    material = R"({"name": "M", "normalTexture": {"index": 0, "scale": 0.5}})"_j;
+    Surface surface = file.read().surfaces.at(0);
+    EXPECT_TRUE(surface.normalTexture && surface.normalTexture->isData && surface.normalMap);
+    EXPECT_EQ(surface.normalScale, 0.5F);
+    material["extras"]["tavora"]["normalMap"] = false;
+    surface = file.read().surfaces.at(0);
+    EXPECT_FALSE(surface.normalTexture || surface.normalMap);
+    material.erase("extras");
+    file.document["images"][0] = {{"uri", "gone.png"}};
+    const Scene without = file.read();
+    EXPECT_FALSE(without.surfaces.at(0).normalTexture);
+    ASSERT_EQ(without.warnings.size(), 1U);
+    EXPECT_THAT(without.warnings[0], HasSubstr("surface M goes without its normal map"));
+}
+
+TEST(GltfMaterials, TangentsComeFromTheFileOrAreMadeAndBendWithTheMesh) {
+    GltfBuilder file = textured({{"uri", kRedPng}});
+    file.document["materials"][0] = {{"normalTexture", {{"index", 0}}}};
+    const std::vector<float> z = {0, 0, 1, 0, 0, 1, 0, 0, 1};
+    const std::vector<float> uv = {0, 0, 0, 1, 1, 0};
+    const std::vector<float> diagonal = {3, 4, 0, -1, 3, 4, 0, -1, 3, 4, 0, -1};
+    const std::vector<float> turn = {-3, 0, 0, -3, 0, 0, -3, 0, 0};
+    Json& primitive = file.primitive(0);
+    primitive["material"] = 0;
+    primitive["attributes"]["NORMAL"] = file.accessor(z, "VEC3");
+    EXPECT_TRUE(firstMesh(file.read()).tangents.empty()) << "without UVs";
+    primitive["attributes"]["TEXCOORD_0"] = file.accessor(uv, "VEC2");
+    EXPECT_EQ(firstMesh(file.read()).tangents.at(0)[0], V4f(0, 1, 0, 1)) << "made";
+    primitive["attributes"]["TANGENT"] = file.accessor(diagonal, "VEC4");
+    EXPECT_EQ(firstMesh(file.read()).tangents.at(0)[2], V4f(0.6F, 0.8F, 0, -1)) << "read";
+    primitive["targets"] = {{{"TANGENT", file.accessor(turn, "VEC3")}}};
+    file.document["meshes"][0]["weights"] = {0.2};
+    EXPECT_EQ(firstMesh(file.read()).tangents.at(0)[1], V4f(0, 0.8F, 0, -1)) << "morphed";
+    primitive.erase("material");
+    EXPECT_TRUE(firstMesh(file.read()).tangents.empty()) << "nothing asks for them";
+}
+
+TEST(GltfMaterials, AvatarsAreLitThoughAFallbackSaysUnlit) {
+    GltfBuilder file = withMaterial(R"({"extensions": {"KHR_materials_unlit": {},
+        "VRMC_materials_mtoon": {"shadeColorFactor": [0.5, 0.25, 2], "shadingShiftFactor": -0.3,
+                                 "shadingToonyFactor": 0.95}}})"_j);
+    file.document["extensionsRequired"] = {"VRMC_materials_mtoon", "VRMC_vrm"};
+    const Surface surface = file.read().surfaces.at(0);
+    EXPECT_FALSE(surface.unlit);
+    ASSERT_TRUE(surface.toon);
+    EXPECT_EQ(surface.toon->shadeColor, V3f(0.5F, 0.25F, 1));
+    EXPECT_EQ(surface.toon->shift, -0.3F);
+    EXPECT_EQ(surface.toon->toony, 0.95F);
+    // Of version 0: a blend from 0.2 to 0.2 + a quarter of the rest.
+    GltfBuilder old = withMaterial(R"({"extensions": {"KHR_materials_unlit": {}}})"_j);
+    old.document["extensions"]["VRM"]["materialProperties"] = R"([{"shader": "VRM/MToon",
+        "floatProperties": {"_ShadeShift": 0.2, "_ShadeToony": 0.75},
+        "vectorProperties": {"_ShadeColor": [1, 0.5, 0, 1]}}])"_j;
+    const Surface older = old.read().surfaces.at(0);
+    ASSERT_TRUE(older.toon && !older.unlit);
+    EXPECT_NEAR(older.toon->shift, -0.3, 1e-6);
+    EXPECT_NEAR(older.toon->toony, 0.9, 1e-6);
+    EXPECT_NEAR(older.toon->shadeColor.y, 0.2140, 1e-4);
+}
+
+TEST(GltfMaterials, WhatIsNotDrawnIsSaidOnceWithTheMaterialsThatAskForIt) {
+    GltfBuilder file = withMaterial(R"({"name": "A", "occlusionTexture": {"index": 9},
+        "extensions": {"KHR_materials_clearcoat": {}, "VRMC_materials_mtoon":
+            {"outlineWidthMode": "worldCoordinates", "parametricRimColorFactor": [0, 0, 0]}}})"_j);
+    file.add("materials", R"({"name": "B", "occlusionTexture": {}, "normalTexture": 1})"_j);
+    file.document["extensionsUsed"] = {"KHR_materials_clearcoat", "ACME_wind", "VRMC_vrm"};
+    const Scene scene = file.read();
+    const auto said = [](const char* what) { return testing::EndsWith(what); };
+    EXPECT_THAT(scene.notes,
+                testing::ElementsAre(
+                    said("occlusion textures are not drawn (A, B)"),
+                    said("outlines are not drawn; the shader's edge band may stand in (A)"),
+                    said("what KHR_materials_clearcoat adds is not drawn (A)"),
+                    said("what ACME_wind adds is not drawn")));
+    EXPECT_TRUE(scene.warnings.empty());
+}
+
 }  // namespace
 }  // namespace tavora::studio
