@@ -16,13 +16,13 @@ from island.glb import Glb
 from island.glow import glow
 from island.land import land, on_ground
 from island.shapes import linear
-from island.sky import sky
+from island.sky import perched_gull, sky
 from island.vectors import aimed
 from island.water import water
 
 INKED = ('Ground', 'Cliff', 'Rock', 'Tower', 'Gallery', 'Dome', 'Cottage', 'Chimney', 'Roof', 'Planks', 'Wood',
          'Fence', 'Leaves', 'Flowers', 'Cloth', 'Figure', 'Hull', 'Mast', 'Sail', 'Buoy', 'Gull')
-SHADED = ('Sea', 'Ripples', 'Foam', 'Blades', 'Iron')
+SHADED = ('Sea', 'Ripples', 'Foam', 'Blades', 'Iron', 'Smoke')
 PAINTED = ('Sky', 'Hills', 'Clouds', 'Window Light', 'Lamp')
 CLEAR = ('Halo', 'Beam')
 
@@ -71,8 +71,9 @@ def main():
     cottage(glb)
     jetty(glb)
     fences(glb)
-    washing(glb, (-2.5, -7.6), (-0.95, -6.75))
-    keeper(glb, on_jetty(3.4), -30)
+    washing(glb, (-3.0, -7.2), (-1.15, -6.55))
+    keeper(glb, on_jetty(3.3), -40)
+    perched_gull(glb, (-6.75, 0.36, -0.85), 62)
     water(glb)
     lights_and_cameras(glb)
     glb.write(target)

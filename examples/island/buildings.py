@@ -5,7 +5,7 @@ import random
 
 from .land import ground, on_ground, tuft
 from .palette import (AMBER, BROAD, CORAL, CREAM, DEEP_RED, FINE, GLOW, HAIR, INK, LAMP, NAVY, PALE_PLANK,
-                      PLANK, PLASTER, RED, SLATE, STONE, TILE_GAP, TILES, WHITE, WOOD)
+                      PLANK, PLASTER, RED, TEAL, STONE, TILE_GAP, TILES, WHITE, WINDOW, WOOD)
 from .shapes import (Shape, box, fan, flat, lathe, leaning, merged, placed, sheet, smoothed, sphere,
                      strip, thickened, tinted, tube)
 from .vectors import about_axis, add, mix, mul, sub, turned, unit
@@ -52,21 +52,14 @@ WINDOWS = ((-16, 2.1), (16, 3.4), (-16, 4.65))  # angle and foot
 
 def tower_windows():
     frames = [tinted(arch(0.42, 0.66, angle, foot - 0.07, 0.02), NAVY) for angle, foot in WINDOWS]
-    panes = [tinted(arch(0.28, 0.5, angle, foot, 0.045), GLOW) for angle, foot in WINDOWS]
-    sills = [turned_box(box(0.54, 0.08, 0.2), angle, tower_radius(foot), foot - 0.14)
-             for angle, foot in WINDOWS]
+    panes = [tinted(arch(0.28, 0.5, angle, foot, 0.045), WINDOW) for angle, foot in WINDOWS]
     door = arch(0.62, 1.06, DOOR_ANGLE, 0.1, 0.035)
     frame = arch(0.84, 1.2, DOOR_ANGLE, 0.1, 0.02)
-    return (merged(*frames, *[tinted(s, CREAM) for s in sills], tinted(frame, CREAM), tinted(door, NAVY)),
+    return (merged(*frames, tinted(frame, CREAM), tinted(door, NAVY)),
             merged(*panes))
 
 
 DOOR_ANGLE = -38
-
-
-def turned_box(shape, angle, radius, height):
-    a = math.radians(angle)
-    return placed(shape, (radius * math.sin(a), height, radius * math.cos(a)), angle)
 
 
 def plinth():
@@ -89,26 +82,27 @@ def railing():
              for a in [2 * math.pi * k / 16 for k in range(16)]]
     bars = [placed(lathe([(0.026, h + 0.2), (0.026, h + 1.0)], 8), (0.47 * math.sin(a), 0, 0.47 * math.cos(a)))
             for a in [2 * math.pi * (k + 0.3) / 8 for k in range(8)]]
-    return tinted(merged(*rails, *posts, *bars), INK)
+    rod = lathe([(0.028, h + 1.7), (0.016, h + 2.3), (0.0, h + 2.3)], 10)
+    return tinted(merged(*rails, *posts, *bars, rod), INK)
 
 
 def dome():
     h = TOWER_HEIGHT + 1.06
-    under = lathe([(0.3, h), (0.68, h - 0.02)], 56)
-    roof = lathe([(0.68, h - 0.02), (0.68, h + 0.05), (0.62, h + 0.08)], 56)
-    cap = lathe([(0.62, h + 0.08), (0.58, h + 0.2), (0.46, h + 0.36), (0.28, h + 0.5), (0.1, h + 0.6), (0.0, h + 0.62)], 56, True)
-    ball = placed(sphere(0.1, 20, 10), (0, h + 0.7, 0))
-    mast = lathe([(0.02, h + 0.7), (0.012, h + 1.25)], 8)
-    return merged(tinted(merged(under, roof, cap), RED), tinted(merged(ball, mast), NAVY))
+    rim = lathe([(0.3, h), (0.7, h - 0.02), (0.7, h + 0.05), (0.6, h + 0.07)], 56)
+    angles = [math.pi / 2 * k / 14 for k in range(15)]
+    cap = lathe([(0.62 * math.cos(a) ** 0.9 if k < 14 else 0.0, h + 0.07 + 0.66 * math.sin(a)) for k, a in enumerate(angles)], 56, True)
+    ball = placed(sphere(0.1, 20, 10), (0, h + 0.8, 0))
+    return tinted(rim, DEEP_RED), merged(tinted(cap, RED), tinted(ball, NAVY))
 
 
 def lighthouse(glb):
     base = on_ground(*LIGHTHOUSE, -0.05)
     details, panes = tower_windows()
+    rim, cap = dome()
     tower = glb.thing('Lighthouse', ('Tower', merged(tower_bands(), plinth(), details), BROAD),
-                      ('Window Light', panes), ('Gallery', gallery(), FINE), ('Iron', railing()),
-                      ('Dome', dome(), BROAD), translation=base)
-    glb.thing('Lamp', ('Lamp', tinted(placed(sphere(0.27, 24, 12), scale=(1, 1.25, 1)), LAMP)), parent=tower,
+                      ('Window Light', panes), ('Gallery', merged(gallery(), rim), FINE), ('Iron', railing()),
+                      ('Dome', cap, BROAD), translation=base)
+    glb.thing('Lamp', ('Lamp', tinted(lathe([(0.44, -0.17), (0.457, -0.1), (0.457, 0.1), (0.44, 0.17)], 40), LAMP)), parent=tower,
               translation=[0, LAMP_HEIGHT, 0])
     glb.thing('Lantern Panes', ('Lamp', tinted(lathe([(0.44, TOWER_HEIGHT + 0.4), (0.44, TOWER_HEIGHT + 1.04)], 40), GLOW)),
               parent=tower)
@@ -194,9 +188,9 @@ def cottage_window(at, turn):
     def board(w, h, x, y, out): return panel(w, h, add(at, turned((x, y, 0), turn)), turn, out)
     solid = [tinted(board(0.44, 0.5, 0, -0.04, 0.012), WHITE)]
     for side in (-1, 1):
-        solid.append(tinted(board(0.15, 0.5, side * 0.315, -0.04, 0.012), '#3d7f86'))
-    solid.append(tinted(placed(box(0.56, 0.05, 0.1), add(at, turned((0, -0.09, 0.04), turn)), turn), WHITE))
-    panes = [tinted(board(0.155, 0.185, sx * 0.0925, 0.015 + sy * 0.215, 0.02), GLOW)
+        solid.append(tinted(board(0.15, 0.5, side * 0.315, -0.04, 0.012), TEAL))
+    solid.append(tinted(placed(box(0.6, 0.06, 0.1), add(at, turned((0, -0.1, 0.04), turn)), turn), TEAL))
+    panes = [tinted(board(0.155, 0.185, sx * 0.0925, 0.015 + sy * 0.215, 0.02), WINDOW)
              for sx in (-1, 1) for sy in (0, 1)]
     return merged(*solid), merged(*panes)
 
@@ -210,14 +204,26 @@ def cottage(glb):
                   tinted(placed(sphere(0.03, 10, 6), (0.13, 0.4, z + 0.03)), AMBER))
     step = tinted(placed(box(0.7, 0.22, 0.3), (0, -0.24, z + 0.15)), STONE)
     base = tinted(placed(box(WIDTH + 0.08, 0.5, DEPTH + 0.08), (0, -0.5, 0)), STONE)
-    chimney = merged(tinted(placed(box(0.34, 0.95, 0.34), (0.55, WALL + 0.5, -0.28)), PLASTER),
-                     tinted(placed(box(0.44, 0.1, 0.44), (0.55, WALL + 1.42, -0.28)), DEEP_RED),
-                     tinted(placed(lathe([(0.09, 0), (0.07, 0.22), (0.0, 0.22)], 14), (0.55, WALL + 1.5, -0.28)), TILE_GAP))
+    chimney = merged(tinted(placed(box(0.34, 0.95, 0.34), (-0.6, WALL + 0.5, -0.28)), PLASTER),
+                     tinted(placed(box(0.44, 0.1, 0.44), (-0.6, WALL + 1.42, -0.28)), DEEP_RED),
+                     tinted(placed(lathe([(0.09, 0), (0.07, 0.22), (0.0, 0.22)], 14), (-0.6, WALL + 1.5, -0.28)), TILE_GAP))
     body = tinted(walls(), PLASTER)
-    glb.thing('Cottage', ('Cottage', merged(body, base, step, door, *[w for w, _ in windows]), FINE),
+    node = glb.thing('Cottage', ('Cottage', merged(body, base, step, door, *[w for w, _ in windows]), FINE),
               ('Chimney', chimney, FINE), ('Roof', roof(), HAIR),
               ('Window Light', merged(*[p for _, p in windows])),
-              translation=on_ground(*COTTAGE, 0.2), rotation=about_axis(UP, COTTAGE_TURN))
+              translation=on_ground(*COTTAGE, 0.16), rotation=about_axis(UP, COTTAGE_TURN))
+    smoke(glb, node)
+
+
+SMOKE = ((0.0, 0.0, 0.13), (0.16, 0.3, 0.19), (0.42, 0.62, 0.25), (0.8, 0.95, 0.21), (1.2, 1.2, 0.14))
+
+
+def smoke(glb, cottage_node):
+    """Puffs that the wind takes along, each a node."""
+    wind = turned((1, 0, 0), -COTTAGE_TURN)
+    for number, (along, up, radius) in enumerate(SMOKE, 1):
+        glb.thing('Smoke %d' % number, ('Smoke', tinted(placed(sphere(radius, 24, 12), scale=(1.15, 0.9, 1)), '#efe0dc')),
+                  parent=cottage_node, translation=add((-0.6, WALL + 1.95 + up, -0.28), mul(wind, along)))
 
 
 # --- jetty, fence, washing, keeper ------------------------------------------------------
@@ -278,7 +284,7 @@ def fences(glb):
     glb.thing('Fence', ('Fence', fence(FENCE), HAIR))
 
 
-CLOTHES = ((0.42, 0.5, RED), (0.34, 0.4, CREAM), (0.5, 0.56, '#5aa0a8'), (0.3, 0.44, AMBER), (0.36, 0.36, WHITE))
+CLOTHES = ((0.4, 0.52, RED), (0.32, 0.44, CREAM), (0.44, 0.6, '#4f9aa6'), (0.28, 0.4, AMBER), (0.34, 0.38, WHITE))
 
 
 def washing(glb, start, end):

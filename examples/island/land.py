@@ -9,7 +9,11 @@ from .shapes import (Shape, convex, flat, grid_faces, lathe, leaning, merged, pl
                      sphere, tinted)
 from .vectors import add, mix, mul, smooth, sub, turned, unit
 
-CENTRE = (2.6, -8.0)  # x and z of the island
+CENTRE = (2.6, -8.0)            # x and z of the island
+TERRACE = (-2.05, 0.5, 1.28)    # x and z from there, and height: the cottage stands on it
+
+
+CLIFF_MIDDLE = math.radians(118)
 
 
 def shore(angle):
@@ -20,7 +24,12 @@ def shore(angle):
 
 def steepness(angle):
     """1 where a cliff ends the island, 0 where a beach does."""
-    return smooth(-0.02, 0.22, math.cos(angle - math.radians(118)))
+    return smooth(-0.02, 0.22, math.cos(angle - CLIFF_MIDDLE))
+
+
+def beach(angle):
+    """1 where the grass ends in sand; gone before the cliff begins."""
+    return smooth(0.0, -0.12, math.cos(angle - CLIFF_MIDDLE))
 
 
 def ground(x, z):
@@ -32,8 +41,10 @@ def ground(x, z):
     rim = 1.15 * cliff
     rise = max(0.0, 1 - share ** 1.5) ** 1.5
     knoll = 0.55 * math.exp(-((x - 1.7) ** 2 + (z + 0.8) ** 2) / 2.6)
+    height = rim + (1.75 - rim) * rise + 0.4 * (1 - share) * (1 - cliff) + knoll
+    terrace = 0.85 * smooth(2.3, 1.0, math.hypot(x - TERRACE[0], z - TERRACE[1]))
     dunes = 0.05 * math.sin(1.7 * x + 0.5) * math.cos(1.5 * z) * smooth(1.0, 0.7, share)
-    return rim + (1.75 - rim) * rise + 0.4 * (1 - share) * (1 - cliff) + knoll + dunes
+    return height + (TERRACE[2] - height) * terrace + dunes
 
 
 def on_ground(x, z, lift=0.0):
@@ -69,17 +80,24 @@ def ring(inner, outer, rows, lift=0.0, segments=144):
 def lawn_end(angle):
     """Where the grass ends: at the cliff, or above the sand."""
     waves = 0.02 * math.sin(9 * angle) + 0.012 * math.sin(17 * angle + 1)
-    share = smooth(0.0, 0.5, steepness(angle))
-    return share + (0.8 + waves) * (1 - share)
+    return 1.0 - beach(angle) * (0.2 - waves)
 
 
 def ground_parts():
-    def sand_end(a): return 1.0 + 0.1 * (1 - steepness(a))
-    def wet(a): return lawn_end(a) + 0.8 * (sand_end(a) - lawn_end(a)) + 0.012 * math.sin(8 * a)
+    def sand_end(a): return 1.0 + 0.1 * beach(a)
+    def wet(a): return lawn_end(a) + 0.57 * (sand_end(a) - lawn_end(a)) + 0.012 * math.sin(8 * a)
     return merged(tinted(ring(lambda a: 0.0, lambda a: 0.45, 14), MEADOW),
                   tinted(ring(lambda a: 0.45, lawn_end, 18), GRASS),
                   tinted(ring(lawn_end, wet, 8), SAND),
-                  tinted(ring(wet, sand_end, 4), WET_SAND))
+                  tinted(ring(wet, sand_end, 4), WET_SAND), tinted(skirt(sand_end), WET_SAND))
+
+
+def skirt(start, segments=144):
+    """From the edge of the ground down under water, so that no edge shows."""
+    angles = [2 * math.pi * k / segments for k in range(segments + 1)]
+    upper = [at_shore(a, start(a)) for a in angles]
+    lower = [(x, -0.6, z) for x, _, z in (at_shore(a, start(a) + 0.02) for a in angles)]
+    return smoothed([*lower, *upper], grid_faces(2, segments + 1))
 
 
 def path_between(places, width):
@@ -91,7 +109,7 @@ def path_between(places, width):
         ahead, behind = line[min(k + 1, len(line) - 1)], line[max(k - 1, 0)]
         across = unit((behind[1] - ahead[1], 0, ahead[0] - behind[0]))
         for side in (-1, -0.4, 0.4, 1):
-            half = width / 2 * side * rng.uniform(0.84, 1.16)
+            half = width / 2 * side * rng.uniform(0.9, 1.1)
             px, pz = x + across[0] * half, z + across[2] * half
             points.append(on_ground(px, pz))
     return tinted(draped(points, grid_faces(len(line), 4), 0.03), PATH)
@@ -114,7 +132,7 @@ def cliff():
     """Facets from the edge of the grass down into the water."""
     rng = random.Random(5)
     columns, levels = 34, (1.0, 0.74, 0.4, -0.25)
-    first, last = math.radians(8), math.radians(222)
+    first, last = math.radians(27), math.radians(209)
     rows = []
     for j, level in enumerate(reversed(levels)):
         row = []
@@ -153,8 +171,8 @@ def boulder(radius, seed, squash=0.75, corners=15, colors=(ROCK, PALE_ROCK, ROCK
 
 # Of rocks by the water: x, z, height of the middle, radius, number.
 SHORE_ROCKS = ((9.6, -6.4, 0.1, 1.15, 3), (10.9, -7.2, -0.15, 0.8, 4), (8.7, -4.9, -0.1, 0.75, 5),
-               (9.9, -4.7, -0.2, 0.5, 6), (5.35, -3.95, 0.0, 0.72, 7), (4.5, -3.6, -0.1, 0.36, 8),
-               (-3.9, -9.6, 0.0, 0.8, 9), (-4.7, -9.2, -0.15, 0.5, 10), (6.4, -3.9, -0.1, 0.5, 11),
+               (9.9, -4.7, -0.2, 0.5, 6), (5.0, -3.75, 0.0, 0.66, 7), (4.2, -3.5, -0.08, 0.34, 8),
+               (-3.9, -9.6, 0.0, 0.8, 9), (-4.7, -9.2, -0.15, 0.5, 10), (6.2, -3.7, -0.1, 0.48, 11),
                (-6.9, -0.9, -0.1, 0.62, 12), (-6.15, -0.55, -0.15, 0.4, 13))
 
 
@@ -182,8 +200,8 @@ def flower(x, z, color, seed):
     rng = random.Random(seed)
     height = rng.uniform(0.12, 0.22)
     stalk = lathe([(0.012, -0.03), (0.008, height)], 5)
-    heart = placed(lens([0.022] * 8, 0.04), (0, height, 0))
-    petals = placed(lens([0.07 if k % 2 else 0.05 for k in range(10)], 0.025), (0, height, 0))
+    heart = placed(lens([0.034] * 8, 0.055), (0, height, 0))
+    petals = placed(lens([0.056 + 0.028 * abs(math.sin(math.pi * k / 4)) ** 0.6 for k in range(20)], 0.02), (0, height, 0))
     whole = merged(tinted(stalk, MOSS), tinted(petals, color),
                    tinted(heart, AMBER if color != AMBER else CREAM))
     return placed(whole, on_ground(x, z), rng.uniform(-20, 20))

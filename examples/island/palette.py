@@ -14,14 +14,14 @@ BROAD, FINE, HAIR = 0.034, 0.02, 0.013  # metres
 CREAM, WHITE = '#fdf1d8', '#fffaf0'
 RED, DEEP_RED = '#e0483b', '#b5342f'
 CORAL, AMBER = '#f2704f', '#f7b24a'
-NAVY, SLATE = '#27385f', '#4b5f80'
-GLOW, LAMP = '#ffe39a', '#fff6d2'
+NAVY, TEAL = '#27385f', '#3d7f86'
+GLOW, LAMP, WINDOW = '#ffe39a', '#fff6d2', '#ffcf5c'
 
 GRASS, MEADOW, MOSS = '#8fbb55', '#a9cb62', '#6d9c4c'
 SAND, WET_SAND, PATH = '#f3d39a', '#c9a377', '#efd3a0'
 ROCK, PALE_ROCK, DARK_ROCK = '#a99a96', '#c2b1a6', '#7f7681'
 PINE, LEAF = '#3f8560', '#7fae4e'
-WOOD, PLANK, PALE_PLANK = '#9a6a45', '#cf9f68', '#dcb27c'
+WOOD, DARK_WOOD, PLANK, PALE_PLANK = '#9a6a45', '#74503c', '#cf9f68', '#dcb27c'
 PLASTER, STONE = '#fbeacb', '#b9a79a'
 TILES = ('#d9673f', '#cf5a39', '#e07749')
 TILE_GAP = '#8e3a30'

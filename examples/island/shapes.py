@@ -84,10 +84,12 @@ def thickened(sheet, thickness):
     rim = []
     for a, b in sorted(edges):
         if (b, a) not in edges:
-            rim.append(flat([front[a], back[a], back[b], front[b]], [(0, 1, 2), (0, 2, 3)]))
+            wall = flat([front[a], back[a], back[b], front[b]], [(0, 1, 2), (0, 2, 3)])
+            rim.append(wall._replace(colors=sheet.colors and [sheet.colors[a]] * len(wall.points)))
     body = Shape(front + back,
                  sheet.faces + [tuple(i + count for i in face[::-1]) for face in sheet.faces],
-                 sheet.normals + [mul(n, -1) for n in sheet.normals])
+                 sheet.normals + [mul(n, -1) for n in sheet.normals],
+                 sheet.colors and sheet.colors * 2)
     return merged(body, *rim)
 
 

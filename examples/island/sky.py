@@ -5,15 +5,15 @@ import random
 
 from .palette import BROAD, CREAM, FINE, NAVY, WHITE
 from .picture import ASPECT, EYE, at_distance
-from .shapes import Shape, lathe, merged, placed, sheet, strip, thickened, tinted
+from .shapes import Shape, lathe, merged, placed, sheet, sphere, strip, thickened, tinted
 from .vectors import about_axis, add, mix, mul, sub
 
 TO_VIEWER = (0, 0, 1)
 
 # Share of the picture's height where a band ends, and its colour; from the top.
-SKY_BANDS = ((0.07, '#2a4a7c'), (0.145, '#33598a'), (0.215, '#406b97'), (0.28, '#527fa3'), (0.34, '#6b95ab'),
-             (0.395, '#8aabb1'), (0.44, '#aebfb2'), (0.48, '#cfcfb0'), (0.52, '#e9d8ab'), (0.56, '#f6d19f'),
-             (0.60, '#fbbf8e'), (0.70, '#fbaa80'))
+SKY_BANDS = ((0.05, '#27467a'), (0.1, '#2c4f83'), (0.15, '#33598c'), (0.2, '#3c6695'), (0.245, '#48749d'), (0.29, '#5885a6'),
+             (0.335, '#6d97ae'), (0.375, '#87aab2'), (0.415, '#a3bcb3'), (0.45, '#bfc9b2'), (0.485, '#d9d3af'),
+             (0.52, '#ecd8a8'), (0.555, '#f7d09c'), (0.59, '#fbc08d'), (0.70, '#fbab80'))
 
 
 def backdrop(far=2400):
@@ -55,7 +55,7 @@ def lit_flank(start, peak, height, foot, far, rng):
     for k in range(steps + 1):
         t = k / steps
         u = start + (peak - start) * (0.12 + 0.88 * t)
-        zig = 0.3 * abs((k % 6) / 3 - 1) * (1 - t)
+        zig = 0.17 * abs((k % 6) / 3 - 1) * (1 - t)
         depth = (0.18 + zig + 0.5 * t * (1 - t)) * height(u) * (1 - t ** 6)
         upper.append(at_distance(u, foot - height(u), far))
         lower.append(at_distance(u + 0.01 * (1 - t), foot - height(u) + depth, far))
@@ -103,12 +103,12 @@ def cloud(u, v, width, height, far, seed, colors):
     smaller and moved towards the sun."""
     rng = random.Random(seed)
     discs = []
-    for k in range(9):
-        t = (k + 0.5) / 9 * 2 - 1
+    for k in range(11):
+        t = (k + 0.5) / 11 * 2 - 1
         size = (0.55 + 0.45 * rng.random()) * (1 - 0.75 * abs(t) ** 1.4)
         discs.append((t * 0.82, max(0.14, size * 0.52) * 1.0, max(0.16, size * 0.5)))
     def top(x, shrink):
-        best = 0.0
+        best = 0.16 * shrink
         for cx, cy, r in discs:
             r *= shrink
             # The heap is `width` by `height`; discs are round in the picture.
@@ -123,7 +123,8 @@ def cloud(u, v, width, height, far, seed, colors):
         xs = [first + (last - first) * i / 240 for i in range(241)]
         upper, lower = [], []
         for x in xs:
-            y = top(x - shift, shrink)
+            inside = 2 * (x - first) / (last - first) - 1
+            y = top(x - shift, shrink) * math.sqrt(max(0.0, 1 - inside ** 8))
             low = foot * (0.75 + 0.25 * math.sin(9 * x + seed)) + 0.02 * math.sin(14 * x) * (depth == 0)
             low = min(low, y)
             upper.append((x, y))
@@ -150,15 +151,9 @@ def wing(side, lift):
         chord = 0.2 * (1 - u) ** 0.7 + 0.012
         sweep = 0.16 * u * u - 0.05 * math.sin(math.pi * u)
         return (along, bow, sweep + chord * (0.5 - v))
-    def shape(part, color):
-        flat_part = sheet(lambda u, v: at(part[0] + (part[1] - part[0]) * u, v), 4, 8)
-        return tinted(flat_part, color)
-    both = merged(shape((0.0, 0.72), WHITE), shape((0.72, 1.0), NAVY))
-    slab = thickened(both._replace(colors=None), 0.016)
-    tip = 0.72 * 0.62 - 1e-6
-    colors = tinted(Shape([(0, 0, 0)], []), WHITE).colors * 1
-    dark = tinted(Shape([(0, 0, 0)], []), NAVY).colors
-    slab = slab._replace(colors=[(dark if p[0] > tip + 0.01 else colors)[0] for p in slab.points])
+    def part(first, last, color):
+        return tinted(sheet(lambda u, v: at(first + (last - first) * u, v), 4, 8), color)
+    slab = thickened(merged(part(0.0, 0.72, WHITE), part(0.72, 1.0, NAVY)), 0.016)
     return slab if side > 0 else mirrored(slab)
 
 
@@ -183,7 +178,7 @@ def gull_body():
 
 
 # Place in the picture and distance, heading, roll, how high the wings are, size.
-GULLS = ((0.30, 0.245, 20, 62, 14, 0.22, 1.0), (0.385, 0.175, 23, 75, -16, 0.12, 0.95),
+GULLS = ((0.30, 0.245, 20, 62, 14, 0.22, 1.0), (0.385, 0.175, 16.5, 75, -16, 0.12, 0.68),
          (0.235, 0.155, 27, 60, 10, 0.2, 0.9), (0.90, 0.235, 26, -60, -12, 0.2, 0.9),
          (0.46, 0.30, 34, 70, 8, 0.16, 0.9))
 
@@ -206,6 +201,19 @@ def quaternion_product(a, b):
     bx, by, bz, bw = b
     return [aw * bx + ax * bw + ay * bz - az * by, aw * by - ax * bz + ay * bw + az * bx,
             aw * bz + ax * by - ay * bx + az * bw, aw * bw - ax * bx - ay * by - az * bz]
+
+
+def perched_gull(glb, place, heading):
+    """Standing, its wings folded."""
+    body = placed(sphere(1.0, 20, 10), (0, 0.2, 0), 0, (0.09, 0.095, 0.19))
+    head = placed(sphere(0.068, 16, 8), (0, 0.33, 0.13))
+    beak = placed(lying(lathe([(0.0, -0.11), (0.02, 0.0)], 8)), (0, 0.32, 0.19), 180)
+    wings = [placed(sphere(1.0, 16, 8), (side * 0.07, 0.23, -0.05), 0, (0.035, 0.07, 0.19)) for side in (-1, 1)]
+    tail = placed(sphere(1.0, 12, 6), (0, 0.22, -0.2), 0, (0.04, 0.025, 0.1))
+    legs = [placed(lathe([(0.012, -0.02), (0.012, 0.14)], 6), (side * 0.035, 0, 0.02)) for side in (-1, 1)]
+    glb.thing('Perched Gull', ('Gull', merged(tinted(merged(body, head), WHITE), tinted(merged(*wings), '#a9b4c8'),
+                                              tinted(tail, NAVY), tinted(merged(beak, *legs), '#f39a3c')), HAIR_GULL),
+              translation=place, rotation=about_axis((0, 1, 0), heading))
 
 
 def sky(glb):

@@ -4,8 +4,8 @@ import math
 import random
 
 from .buildings import jetty_post_places
-from .land import CENTRE, SHORE_ROCKS, at_shore, boulder, shore, steepness
-from .palette import (AMBER, BROAD, CORAL, CREAM, DEEP_RED, FINE, FOAM, HAIR, INK, NAVY, PLANK, RED, RIPPLE, WHITE, WOOD)
+from .land import CENTRE, SHORE_ROCKS, at_shore, boulder, on_ground, shore, steepness
+from .palette import (AMBER, BROAD, CORAL, CREAM, DEEP_RED, FINE, FOAM, HAIR, INK, NAVY, PALE_PLANK, PLANK, RED, RIPPLE, TEAL, WHITE, WOOD, DARK_WOOD)
 from .picture import EYE, on_water
 from .shapes import (Shape, box, closed_strip, flat, grid_faces, lathe, merged, placed, sheet, smoothed,
                      sphere, strip, thickened, tinted, tube)
@@ -81,15 +81,17 @@ def wave_color(row, rng):
     return rng.choice(far if row < 5 else near)
 
 
-def reflection(u, top, bottom, width, color, seed):
-    """A streak of lenses below something bright, breaking up as it comes nearer."""
+def reflection(u, top, bottom, width, colors, seed):
+    """A streak of lenses below something bright, breaking up as it comes nearer; their
+    colours take turns."""
     rng = random.Random(seed)
     parts, v = [], top
     while v < bottom:
         t = (v - top) / (bottom - top)
-        size = width * (1 - 0.55 * t) * rng.uniform(0.6, 1.15)
-        parts.append(crest(u + rng.uniform(-0.3, 0.3) * width * (0.3 + t), v, size, 0.006 + 0.004 * t, color, 0.1, 0.008))
-        v += 0.0125 + 0.012 * t
+        size = width * (1 - 0.5 * t) * rng.uniform(0.7, 1.15)
+        parts.append(crest(u + rng.uniform(-0.25, 0.25) * width * (0.3 + t), v, size, 0.0075 + 0.004 * t,
+                           colors[len(parts) % len(colors)], 0.1, 0.008))
+        v += 0.0135 + 0.006 * t
     return merged(*parts)
 
 
@@ -178,7 +180,7 @@ def island_foam():
         away = unit((x - CENTRE[0], 0, z - CENTRE[1]))
         return (x + away[0] * out, 0.01, z + away[2] * out)
     def cliff_reach(a): return 0.62 * smooth_step(steepness(a))
-    def lace(k): return 0.4 + 0.22 * abs(math.sin(k * math.pi / 6)) + 0.08 * math.sin(k * 0.31)
+    def lace(k): return 0.5 + 0.3 * abs(math.sin(k * math.pi / 6)) + 0.08 * math.sin(k * 0.31)
     inner = [at(a, -0.1) for a in angles]
     outer = [at(a, cliff_reach(a) + lace(k)) for k, a in enumerate(angles)]
     parts = [closed_strip(inner, outer, UP)]
@@ -225,8 +227,7 @@ def sheer(t): return 0.5 + 0.36 * (1 - t) ** 2.2 + 0.06 * t * t
 
 def hull_point(t, y):
     """On the starboard side; y from the keel to the sheer."""
-    keel = -DRAUGHT + 0.3 * max(0.0, 0.25 - t) / 0.25
-    u = max(0.0, (y - keel) / (sheer(t) - keel))
+    u = max(0.0, (y - keel(t)) / (sheer(t) - keel(t)))
     rake = 0.32 * (1 - t) ** 6 * (y - 0.0)
     return (half_breadth(t) * (1 - (1 - min(u, 1.0)) ** 2.4), y, BOW + (STERN - BOW) * t + rake)
 
@@ -245,8 +246,10 @@ def strake(low, high, color):
     return tinted(merged(starboard, port, transom), color)
 
 
+def keel(t): return -DRAUGHT + 0.3 * max(0.0, 0.25 - t) / 0.25
+
+
 def boat_hull():
-    def keel(t): return -DRAUGHT + 0.3 * max(0.0, 0.25 - t) / 0.25
     def water(t): return 0.09
     def lower(t): return sheer(t) - 0.13
     strakes = merged(strake(keel, water, NAVY), strake(water, lower, RED), strake(lower, sheer, CREAM))
@@ -265,18 +268,23 @@ def is_up(points, face):
     return (b[2] - a[2]) * (c[0] - a[0]) - (b[0] - a[0]) * (c[2] - a[2]) > 0
 
 
-def sail(tack, clew, head, belly, roach=0.0):
-    """A triangle that the wind fills towards `belly`; the leech curves out by `roach`."""
+def sail(tack, clew, head, belly, bands, roach=0.0):
+    """A triangle that the wind fills towards `belly`; the leech curves out by `roach`.
+    Bands: the share of the height where each ends, and its colour."""
+    aft = unit(sub(clew, tack))
     def at(u, v):
-        foot = mix(tack, clew, u)
-        p = mix(foot, head, v)
+        v = min(v, 0.985)
         out = math.sin(math.pi * v) * u * roach * (1 - v) * 2
         full = math.sin(math.pi * (0.12 + 0.76 * u)) * (1 - v) ** 0.8 * (0.35 + v) * 1.1
-        return add(add(p, mul(unit(sub(clew, tack)), out)), mul(belly, full))
-    return thickened(sheet(lambda u, v: at(u, min(v, 0.985)), 16, 12), 0.03)
+        return add(add(mix(mix(tack, clew, u), head, v), mul(aft, out)), mul(belly, full))
+    def band(low, high, color):
+        rows = 2 + round(14 * (high - low))
+        return tinted(sheet(lambda u, v: at(u, low + (high - low) * v), rows, 12), color)
+    lows = [0.0, *[end for end, _ in bands]]
+    return thickened(merged(*[band(low, end, color) for low, (end, color) in zip(lows, bands)]), 0.03)
 
 
-BOAT, BOAT_TURN = (-6.2, -6.2), 66
+BOAT, BOAT_TURN = (-6.9, -6.3), 66
 
 
 def boat(glb):
@@ -285,14 +293,14 @@ def boat(glb):
     root = glb.node('Boat', translation=[BOAT[0], 0, BOAT[1]], rotation=product(turn, tilt))
     mast = placed(lathe([(0.05, 0.3), (0.03, 4.15)], 12), (0, 0, 0.5))
     boom = tube([(0, 1.0, 0.5), (0.1, 0.98, -1.55)], 0.035)
-    rigging = [tube([(0, sheer(0) - 0.02, BOW + 0.25), (0, 3.9, 0.5)], 0.012, 6),
-               tube([(0, 4.1, 0.5), (0, sheer(1), STERN + 0.05)], 0.01, 6)]
+    forestay = tube([(0, sheer(0) - 0.02, BOW + 0.25), (0, 3.9, 0.5)], 0.012, 6)
     glb.thing('Hull', ('Hull', boat_hull(), 0.03), ('Mast', tinted(merged(mast, boom), WOOD), HAIR),
-              ('Iron', tinted(merged(*rigging), INK)), parent=root)
-    main_sail = sail((0.02, 1.06, 0.44), (0.12, 1.04, -1.5), (0.0, 4.0, 0.47), (0.42, 0, 0), 0.28)
-    jib = sail((0, 0.98, BOW + 0.1), (0.1, 0.9, 0.42), (0, 3.6, 0.58), (0.36, 0, 0), 0.0)
-    glb.thing('Main Sail', ('Sail', tinted(main_sail, CREAM), 0.024), parent=root)
-    glb.thing('Jib', ('Sail', tinted(jib, CORAL), 0.024), parent=root)
+              ('Iron', tinted(forestay, INK)), parent=root)
+    main_sail = sail((0.02, 1.06, 0.44), (0.12, 1.04, -1.5), (0.0, 4.0, 0.47), (0.42, 0, 0),
+                     ((0.13, CREAM), (0.23, RED), (1.0, CREAM)), 0.28)
+    jib = sail((0, 0.98, BOW + 0.1), (0.1, 0.9, 0.42), (0, 3.6, 0.58), (0.36, 0, 0), ((1.0, CORAL),))
+    glb.thing('Main Sail', ('Sail', main_sail, 0.024), parent=root)
+    glb.thing('Jib', ('Sail', jib, 0.024), parent=root)
     flag = thickened(sheet(lambda u, v: (0.06 * math.sin(5 * u), (v - 0.5) * 0.26 * (1 - 0.8 * u), 0.75 * u), 4, 12), 0.02)
     glb.thing('Pennant', ('Cloth', tinted(flag, RED), HAIR), parent=root, translation=[0, 4.08, 0.5])
     glb.thing('Boat Foam', ('Foam', wake()), translation=[BOAT[0], 0, BOAT[1]], rotation=turn)
@@ -337,6 +345,22 @@ def product(a, b):
             aw * bz + ax * by - ay * bx + az * bw, aw * bw - ax * bx - ay * by - az * bz]
 
 
+def dinghy(glb):
+    """Drawn up on the sand, its bow to the land."""
+    def lower(t): return sheer(t) - 0.2
+    inside = [hull_point(t, sheer(t) - 0.16) for t in [j / 16 for j in range(17)]]
+    floor = facing_up(strip([(-x, y, z) for x, y, z in inside], inside, UP))
+    benches = [placed(box(1.1, 0.06, 0.26), (0, 0.42, z)) for z in (-0.9, 0.0)]
+    oar = tube([(0.5, 0.62, -1.5), (-0.1, 0.66, 1.2)], 0.035)
+    shape = merged(strake(keel, lower, CREAM), strake(lower, sheer, TEAL), tinted(floor, DARK_WOOD),
+                   tinted(merged(*benches), PLANK), tinted(oar, PALE_PLANK))
+    x, z = 2.35, -3.95
+    glb.thing('Dinghy', ('Hull', shape, BROAD / DINGHY_SIZE), translation=on_ground(x, z, 0.12), scale=[DINGHY_SIZE] * 3,
+              rotation=product(about_axis(UP, 128), about_axis((0, 0, 1), -14)))
+
+
+DINGHY_SIZE = 0.42
+
 BUOY = (7.0, 0, -2.5)
 
 
@@ -354,9 +378,9 @@ def buoy(glb):
     glb.thing('Buoy Foam', ('Foam', foam_ring(outline, 0.34, 91)))
 
 
-# Middle, top and bottom of the streak, width, colour: of the tower, its lamp, the sails and the buoy.
-REFLECTIONS = ((0.672, 0.955, 1.03, 0.05, '#e98a72'), (0.672, 0.94, 1.03, 0.03, '#fbe2a8'), (0.255, 0.915, 1.0, 0.075, '#e9dcc4'),
-               (0.285, 0.92, 0.97, 0.03, '#e8806a'), (0.862, 0.955, 1.01, 0.026, '#e0685a'))
+# Middle, top and bottom of the streak, width, colours: of the tower, the sails, the hull and the buoy.
+REFLECTIONS = ((0.672, 0.95, 1.03, 0.06, ('#f3dcae', '#e0776a')), (0.205, 0.915, 1.01, 0.075, ('#e6dcc6',)),
+               (0.258, 0.912, 0.97, 0.034, ('#e27a6a',)), (0.862, 0.955, 1.02, 0.028, ('#e0685a', '#f3dcc0')))
 
 
 def reflections(glb):
@@ -370,4 +394,5 @@ def water(glb):
     reflections(glb)
     foam(glb)
     boat(glb)
+    dinghy(glb)
     buoy(glb)
