@@ -53,6 +53,25 @@ def leaning(shape, lean):
     return shape._replace(points=[(x + lean[0] * y, y, z + lean[1] * y) for x, y, z in shape.points])
 
 
+def mirrored(shape):
+    """In x."""
+    def flip(vectors): return [(-x, y, z) for x, y, z in vectors]
+    return shape._replace(points=flip(shape.points), faces=[face[::-1] for face in shape.faces],
+                          normals=flip(shape.normals))
+
+
+def laid(shape):
+    """What stood along y lies along z."""
+    def turn(vectors): return [(x, -z, y) for x, y, z in vectors]
+    return shape._replace(points=turn(shape.points), normals=turn(shape.normals))
+
+
+def facing(shape, normal):
+    """A flat shape with all of its faces turned to the side of `normal`."""
+    def is_away(face): return dot(face_normal(shape.points, face), normal) < 0
+    return shape._replace(faces=[face[::-1] if is_away(face) else face for face in shape.faces])
+
+
 def face_normal(points, face):
     a, b, c = (points[i] for i in face)
     return cross(sub(b, a), sub(c, a))

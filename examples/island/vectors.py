@@ -1,6 +1,8 @@
-"""Vectors of three numbers, as tuples."""
+"""Vectors of three numbers, as tuples, and quaternions as glTF has them."""
 
 import math
+
+UP = (0, 1, 0)
 
 
 def add(a, b): return (a[0] + b[0], a[1] + b[1], a[2] + b[2])
@@ -19,7 +21,7 @@ def unit(a):
 
 
 def smooth(low, high, x):
-    """0 up to `low`, 1 from `high` on, an S between."""
+    """0 at `low`, 1 at `high`, an S between."""
     t = min(1.0, max(0.0, (x - low) / (high - low)))
     return t * t * (3 - 2 * t)
 
@@ -30,20 +32,20 @@ def turned(v, degrees):
     return (c * v[0] + s * v[2], v[1], -s * v[0] + c * v[2])
 
 
-def about_axis(axis, degrees):
+def about(axis, degrees):
     """The quaternion that turns about a unit axis."""
     half = math.radians(degrees) / 2
     return [*mul(axis, math.sin(half)), math.cos(half)]
 
 
+def product(a, b):
+    """The quaternion that turns by b, then by a."""
+    v = add(add(mul(b[:3], a[3]), mul(a[:3], b[3])), cross(a, b))
+    return [*v, a[3] * b[3] - dot(a, b)]
+
+
 def aimed(direction):
     """The quaternion that turns -z to `direction`, upright."""
-    z = unit(mul(direction, -1))
-    x = unit(cross((0, 1, 0) if abs(z[1]) < 0.999 else (0, 0, -1), z))
-    y = cross(z, x)
-    # Roll, pitch and yaw: the yaw first turns z, the pitch then lifts it.
-    yaw = math.atan2(z[0], z[2]) if abs(z[1]) < 0.999 else math.atan2(-x[2], x[0])
-    pitch = -math.asin(max(-1.0, min(1.0, z[1])))
-    cy, sy = math.cos(yaw / 2), math.sin(yaw / 2)
-    cp, sp = math.cos(pitch / 2), math.sin(pitch / 2)
-    return [cy * sp, sy * cp, -sy * sp, cy * cp]
+    x, y, z = unit(mul(direction, -1))
+    yaw, pitch = math.degrees(math.atan2(x, z)), -math.degrees(math.asin(y))
+    return product(about(UP, yaw), about((1, 0, 0), pitch))
