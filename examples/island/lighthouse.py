@@ -84,11 +84,11 @@ def dome():
 
 # --- light ----------------------------------------------------------------------------
 
-# From gold to the blue of the air: yellow alone would make the blue sky grey.
+# From gold through white to the blue of the air: gold over blue sky would be grey.
 # Radius in metres, colour, and how much of what lies behind each disc covers.
-HALO = ((0.95, GLOW, 0.42), (1.6, PALE_GLOW, 0.2), (2.5, HAZE, 0.13), (3.7, HAZE, 0.08))
+HALO = ((1.12, GLOW, 0.55), (1.7, PALE_GLOW, 0.24), (2.4, HAZE, 0.17), (3.3, HAZE, 0.11), (4.4, HAZE, 0.06))
 # Metres from the lamp where a piece of the beam begins and ends, colour, how much it covers.
-BEAM = ((0.4, 3.6, GLOW, 0.34), (3.6, 6.6, PALE_GLOW, 0.23), (6.6, 10.2, HAZE, 0.2), (10.2, 18.0, HAZE, 0.12))
+BEAM = ((0.4, 3.4, GLOW, 0.55), (3.4, 6.2, PALE_GLOW, 0.36), (6.2, 10.2, HAZE, 0.27), (10.2, 18.0, HAZE, 0.15))
 BEAM_HEADING = 102   # degrees
 SPREAD = 0.085       # of its radius, a metre
 

@@ -14,7 +14,7 @@ BROAD, FINE, HAIR = 0.034, 0.02, 0.013  # metres: two pixels, one, and just one
 CREAM, WHITE = '#fdf1d8', '#fffaf0'
 RED, DEEP_RED, CORAL, AMBER = '#e0483b', '#b5342f', '#f2704f', '#f7b24a'
 NAVY, TEAL = '#27385f', '#3d7f86'
-GLOW, PALE_GLOW, HAZE, LAMP, WINDOW = '#ffdf8a', '#ffedbe', '#b4d6e6', '#fff6d2', '#ffcf5c'
+GLOW, PALE_GLOW, HAZE, LAMP, WINDOW = '#ffdc82', '#e9f1ec', '#bcdcea', '#fff6d2', '#ffcf5c'
 
 GRASS, MEADOW, MOSS, PINE, LEAF = '#8fbb55', '#a9cb62', '#6d9c4c', '#3f8560', '#7fae4e'
 SAND, WET_SAND, PATH = '#f3d39a', '#c9a377', '#efd3a0'

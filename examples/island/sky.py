@@ -3,8 +3,9 @@
 import math
 import random
 
+from .palette import CREAM
 from .picture import ASPECT, HORIZON, at_distance
-from .shapes import merged, strip, tinted
+from .shapes import fan, merged, strip, tinted
 
 TO_VIEWER = (0, 0, 1)
 
@@ -130,8 +131,22 @@ def streak(u, v, width, height, color):
                           [(u + width / 2 * t, v - h) for t, h in zip(ts, half)], 1200), color)
 
 
+# Place and size.
+STARS = ((0.035, 0.115, 0.9), (0.11, 0.03, 0.7), (0.245, 0.085, 0.6), (0.355, 0.035, 1.1), (0.47, 0.085, 0.7),
+         (0.525, 0.03, 0.8), (0.80, 0.035, 0.7), (0.955, 0.05, 1.1), (0.925, 0.145, 0.7), (0.83, 0.145, 0.5))
+
+
+def star(u, v, size):
+    """With four points."""
+    height = 0.0065 * size
+    corners = [(height if k % 2 == 0 else 0.26 * height, math.pi / 4 * k) for k in range(8)]
+    outline = [(u + r * math.cos(a) / ASPECT, v - r * math.sin(a)) for r, a in corners]
+    return tinted(fan([at_distance(*place, 2000) for place in outline], TO_VIEWER), CREAM)
+
+
 def sky(glb):
     glb.thing('Sky', ('Sky', backdrop()))
+    glb.thing('Stars', ('Clouds', merged(*[star(*s) for s in STARS])))
     for number, hills in enumerate(HILLS, 1):
         glb.thing('Hills %d' % number, ('Hills', range_of_hills(*hills, number)))
     for number, heap_of_discs in enumerate(CLOUDS, 1):
