@@ -43,7 +43,7 @@ def materials(glb):
     for name in PAINTED:
         glb.material(name, extensions=unlit)
     for name in CLEAR:
-        glb.material(name, alphaMode='BLEND', extensions=unlit)
+        glb.material(name, alphaMode='BLEND', extensions=unlit, extras={'tavora': {'castsShadows': False}})
 
 
 def light_and_cameras(glb):

@@ -121,6 +121,7 @@ def lighthouse(glb):
     at_lamp = {'parent': node, 'translation': [0, LAMP_HEIGHT, 0]}
     glb.thing('Lantern', ('Lamp', tinted(glass, GLOW)), parent=node)
     glb.thing('Lamp', ('Lamp', tinted(lens, LAMP)), **at_lamp)
-    glb.thing('Beam', ('Beam', merged(*[beam_piece(*piece) for piece in BEAM])), rotation=about(UP, BEAM_HEADING), **at_lamp)
+    beam = merged(*[beam_piece(*piece) for piece in BEAM])
+    glb.thing('Beam', ('Beam', beam), rotation=about(UP, BEAM_HEADING), **at_lamp)
     viewer = unit(sub(EYE, base))
     glb.thing('Halo', ('Halo', halo()), rotation=about(UP, math.degrees(math.atan2(viewer[0], viewer[2]))), **at_lamp)

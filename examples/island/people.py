@@ -39,7 +39,8 @@ def sagging(start, end, sag, count):
 
 def jetty(glb):
     posts = [placed(POST, (side * 0.5, 0, z)) for z in JETTY_POSTS for side in (-1, 1)]
-    ropes = [tube(sagging((0.5, 0.62, a), (0.5, 0.62, b), 0.16, 8), 0.016, 6) for a, b in zip(JETTY_POSTS, JETTY_POSTS[1:])]
+    ropes = [tube(sagging((0.5, 0.62, a), (0.5, 0.62, b), 0.16, 8), 0.016, 6)
+             for a, b in zip(JETTY_POSTS, JETTY_POSTS[1:])]
     glb.thing('Jetty', ('Planks', planks(), HAIR), ('Wood', tinted(merged(*posts), WOOD), FINE),
               ('Iron', tinted(merged(*ropes), INK)), translation=JETTY, rotation=about(UP, JETTY_TURN))
 

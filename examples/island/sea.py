@@ -35,7 +35,8 @@ def crest(u, v, width, height, color, bend=0.25, lift=0.006):
     """A lens of light on the water, given by its place and size in the picture."""
     ts = [k / 6 - 1 for k in range(13)]
     def line(side):
-        return [on_water(u + width * t / 2, v + height * (bend * (t * t - 0.5) + side / 2 * (1 - t * t)), lift) for t in ts]
+        return [on_water(u + width * t / 2, v + height * (bend * (t * t - 0.5) + side / 2 * (1 - t * t)), lift)
+                for t in ts]
     return tinted(strip(line(1), line(-1), UP), color)
 
 
