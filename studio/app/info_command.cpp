@@ -1,5 +1,6 @@
 #include "studio/app/commands.h"
 #include "studio/app/describe.h"
+#include "studio/files/standard_streams.h"
 #include "studio/scene/gltf_reader.h"
 
 namespace tavora::studio {

@@ -49,8 +49,8 @@ using CropShares = std::array<double, 4>;
 
 struct RenderRequest {
     ReportOptions report;
-    std::string scene;
-    std::string output;
+    std::string scene;   ///< "-": standard input
+    std::string output;  ///< "-": standard output
     int width = 1280;
     int height = 720;
     double scale = 1;
@@ -67,6 +67,7 @@ struct RenderRequest {
     LightingOptions lighting;
     /// Names or globs of surfaces that throw no shadow on themselves.
     std::vector<std::string> withoutSelfShadow;
+    std::optional<PictureFormat::Kind> format;  ///< empty: as the output's suffix says
     PictureDepth depth = PictureDepth::Default;
     ProgressKind progress = ProgressKind::Auto;
 };
@@ -81,7 +82,7 @@ struct InfoRequest {
 struct SettingsRequest {
     ReportOptions report;
     std::string scene;
-    std::string output;                 ///< empty: print
+    std::string output;                 ///< empty: print; "-": the scene to standard output
     std::vector<std::string> surfaces;  ///< names or globs; empty: all
     ShadingRequest shading;
 };
