@@ -74,6 +74,10 @@ TEST(OptionValues, TellSurfacesFromLooksAndSettings) {
         {"a.zones[0].b.edgeEnable=1", "a.zones[0].b", "edgeEnable", "1"},
         {"Body.zones=[]", "Body", "zones", "[]"},
         {"Body.lights=a=b", "Body", "lights", "a=b"},
+        {"a=b.edgeEnable=1", "a=b", "edgeEnable", "1"},
+        {"x.y=z.edgeEnable=1", "x.y=z", "edgeEnable", "1"},
+        {"a.lights\\=b.edgeEnable=1", "a.lights\\=b", "edgeEnable", "1"},
+        {"Body.edgeEnabel=a=b", "Body", "edgeEnabel", "a=b"},
     };
     for (const Case& expected : cases) {
         const SettingChange change = settingChange(expected.text);
