@@ -466,6 +466,11 @@ class Parser {
             throw UsageError(fmt::format("{} needs a value; see tavora {} --help",
                                          text.substr(0, text.find(':')), command.name()));
         }
+        if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+            // Options keep their texts; only a flag is converted, from what stands behind "=".
+            throw UsageError(fmt::format("{}: a flag takes no value; see tavora {} --help", text,
+                                         command.name()));
+        }
         if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) command.checkRequired();
         throw UsageError(fmt::format("{}; see tavora {} --help", text, command.name()));
     }

@@ -62,7 +62,8 @@ PictureFormat pictureFormat(const fs::path& file, PictureDepth depth, bool alpha
     const Suffix& suffix = settledSuffix(file, kind);
     if (depth == PictureDepth::Default) depth = suffix.depths[0];
     if (std::find(suffix.depths.begin(), suffix.depths.end(), depth) == suffix.depths.end()) {
-        throw std::invalid_argument(fmt::format("{}: the depth of a {} file is {}", file.string(),
+        throw std::invalid_argument(fmt::format("{}: the depth of a {} file is {}",
+                                                file == "-" ? "standard output" : file.string(),
                                                 suffix.text, suffix.depthNames));
     }
     return {suffix.kind, depth, alpha};
