@@ -1,15 +1,16 @@
-// The one file that includes the option parser, which is slow to compile.
 #include "studio/app/command_line.h"
 
-#include <cstdlib>
-#include <deque>
+#include <algorithm>
+#include <array>
+#include <filesystem>
 #include <fmt/format.h>
-#include <functional>
+#include <fmt/ranges.h>
 #include <memory>
+#include <system_error>
 #include <tuple>
+#include <unistd.h>
 
-#include <CLI/CLI.hpp>
-
+#include "studio/app/command.h"
 #include "studio/app/option_values.h"
 #include "studio/app/report.h"
 #include "studio/app/usage_error.h"
@@ -26,7 +27,7 @@ constexpr const char* kProgramExamples = R"(Examples:
   tavora render model.glb -o picture.png
   tavora render model.glb -o picture.png --look comic
   tavora edit model.glb
-  tavora COMMAND --help
+  tavora help render
 
 Exit status: 0 done, 1 internal, 2 usage, 3 scene, 4 write, 6 plug-in,
 128+n stopped by signal n.
@@ -39,7 +40,12 @@ constexpr const char* kRenderExamples = R"(Examples:
   tavora render model.glb -o out.png --set '*.edgeEnable=true' --set Body.edgeColor=#800000
   tavora render model.glb -o out.png --look noir --set 'Body.zones[1].color=#ff8000'
   tavora render model.glb -o detail.exr --crop 0.5,0,1,0.5 --background transparent
-  tavora render model.glb --list-cameras)";
+  tavora render model.glb --list-cameras
+  cat model.glb | tavora render - -o - --format exr >picture.exr
+
+SCENE - is standard input, which must hold everything; -o - is standard output.
+SURFACE and LIGHT are names or patterns (* ? [a-z]). The very name comes before the
+pattern; a backslash takes the next character as it is: --look 'a\=b=noir'.)";
 
 constexpr const char* kInfoExamples = R"(Examples:
   tavora info model.glb
@@ -49,7 +55,16 @@ constexpr const char* kSettingsExamples = R"(Examples:
   tavora settings model.glb
   tavora settings model.glb --surface Body
   tavora settings model.glb --look comic --surface 'Body*' -o styled.glb
-  tavora settings styled.glb --set Body.edgeCoverage=0.3 -o styled.glb)";
+  tavora settings styled.glb --set Body.edgeCoverage=0.3 -o styled.glb
+  tavora settings model.glb --look noir -o - | tavora render - -o noir.png
+
+SCENE - is standard input, which can be printed only; -o - is standard output.
+SURFACE and NAME are names or patterns (* ? [a-z]). The very name comes before the
+pattern; a backslash takes the next character as it is: --surface 'a\*b'.)";
+
+constexpr const char* kHelpExamples = R"(Examples:
+  tavora help
+  tavora help render)";
 
 constexpr const char* kLooksExamples = R"(Examples:
   tavora looks
@@ -62,74 +77,6 @@ constexpr const char* kEditExamples = R"(Examples:
 constexpr const char* kPanelExamples = R"(Examples:
   tavora panel model.glb -o panel.png
   tavora panel model.glb --surface Body --tab 3 -o slope.png --scale 200 --theme dark)";
-
-using Texts = std::vector<std::string>;
-
-// Where an option's text goes once the whole line is read.
-using Convert = std::function<void(const std::string& option, const std::string& text)>;
-
-/// Shows an option whose value may be left out as people write it.
-class HelpFormatter : public CLI::Formatter {
-  public:
-    std::string make_option_name(const CLI::Option* option, bool positional) const override {
-        std::string name = Formatter::make_option_name(option, positional);
-        const std::size_t value = name.find("{*}");
-        return value == std::string::npos ? name : name.replace(value, 3, "[=SURFACE]");
-    }
-};
-
-/// One command while the line is read: the parser's part and ours.
-class Command {
-  public:
-    Command(CLI::App& parent, const char* name, const char* text, const char* examples)
-        : app_(parent.add_subcommand(name, text)) {
-        app_->footer(examples);
-        app_->formatter(std::make_shared<HelpFormatter>());
-        app_->allow_extras();
-        app_->set_help_flag("-h,--help", "Show this help");
-    }
-
-    bool chosen() const { return app_->parsed(); }
-    const CLI::App& app() const { return *app_; }
-
-    void option(const char* name, const char* placeholder, const char* text, Convert convert) {
-        values_.push_back({{}, std::move(convert), nullptr});
-        Value& value = values_.back();
-        value.option = app_->add_option(name, value.texts, text);
-        value.option->type_name(placeholder)->expected(1)->allow_extra_args(false);
-        value.option->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-    }
-
-    /// An option that may stand several times; each is converted.
-    void list(const char* name, const char* placeholder, const char* text, Convert convert) {
-        option(name, placeholder, text, std::move(convert));
-        values_.back().option->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-    }
-
-    void flag(const char* name, bool& target, const char* text) {
-        app_->add_flag(name, target, text);
-    }
-
-    CLI::App* operator->() { return app_; }
-
-    void convert() const {
-        for (const Value& value : values_) {
-            for (const std::string& text : value.texts) {
-                value.convert(value.option->get_name(), text);
-            }
-        }
-    }
-
-  private:
-    struct Value {
-        Texts texts;
-        Convert convert;
-        CLI::Option* option;
-    };
-
-    CLI::App* app_;
-    std::deque<Value> values_;  // the parser keeps addresses of entries
-};
 
 Convert into(std::string& target) {
     return [&target](const std::string&, const std::string& text) { target = text; };
@@ -150,12 +97,18 @@ void addReport(Command& command, ReportOptions& report) {
     command.option("--log-file", "FILE", "Add all that is said to a file", into(report.logFile));
 }
 
-void addScene(Command& command, std::string& scene) {
-    command.option("SCENE", "", "The glTF file, .gltf or .glb", into(scene));
+CLI::Option* addScene(Command& command, std::string& scene) {
+    return command.option("SCENE", "", "the glTF file, .gltf or .glb", into(scene));
+}
+
+CLI::Option* addOutput(Command& command, const char* text, std::string& output) {
+    return command.single("-o,--output", "FILE", text, into(output));
 }
 
 void addPlugin(Command& command, std::string& plugin) {
-    command.option("--plugin", "PATH", "The shader module tavora.so or its folder", into(plugin));
+    command.option("--plugin", "PATH",
+                   "The shader module tavora.so or its folder, else TAVORA_PLUGIN_PATH",
+                   into(plugin));
 }
 
 void addShading(Command& command, ShadingRequest& shading) {
@@ -179,17 +132,21 @@ void addPictureSize(Command& command, RenderRequest& request) {
                        std::tie(request.width, request.height) = resolution(option, text);
                    });
     command.option("--scale", "PCT", "Scale the size, in percent", into(request.scale, percentage));
-    command.option("--crop", "X0,Y0,X1,Y1", "Render a part, in shares of the picture",
-                   into(request.cropShares, cropShares));
-    command.option("--crop-pixels", "X0,Y0,X1,Y1", "Render a part, in pixels",
-                   into(request.cropPixels, cropPixels));
+    CLI::Option* shares =
+        command.option("--crop", "X0,Y0,X1,Y1", "Render a part, in shares of the picture",
+                       into(request.cropShares, cropShares));
+    command
+        .option("--crop-pixels", "X0,Y0,X1,Y1", "Render a part, in pixels",
+                into(request.cropPixels, cropPixels))
+        ->excludes(shares);
 }
 
 void addThreads(Command& command, int& target) {
     const auto threads = [](const std::string& option, const std::string& text) {
         return wholeNumber(option, text, 0, 1024);
     };
-    command.option("-t,--threads", "N", "Threads; 0 for one a core (0)", into(target, threads));
+    command.option("-t,--threads", "N", "Threads; 0 for one a core (0)", into(target, threads))
+        ->envname("TAVORA_THREADS");
 }
 
 void addLighting(Command& command, LightingOptions& lighting) {
@@ -228,12 +185,19 @@ void addQuality(Command& command, RenderRequest& request) {
     addThreads(command, request.threads);
     command.option("--depth", "DEPTH", "8 or 16 for .png, half or float for .exr",
                    into(request.depth, depth));
+    command.option("--format", "png|exr", "Where no suffix says so (png for -o -)",
+                   into(request.format, pictureKind));
 }
 
 void addView(Command& command, RenderRequest& request) {
     command.option("-c,--camera", "NAME|INDEX", "Camera of the scene (its first)",
                    into(request.camera));
-    command.flag("--list-cameras", request.listCameras, "List the scene's cameras and stop");
+    // Whoever lists cameras wants no picture.
+    const auto list = [&request, app = command.operator->()] {
+        request.listCameras = true;
+        app->get_option("--output")->required(false);
+    };
+    command->add_flag_callback("--list-cameras", list, "List the scene's cameras and stop");
     command.option("--background", "COLOUR", "#rrggbb, R,G,B, a grey, or transparent",
                    into(request.background, background));
     addLighting(command, request.lighting);
@@ -242,8 +206,8 @@ void addView(Command& command, RenderRequest& request) {
 void addRender(Command& command, RenderRequest& request) {
     constexpr double kBackdrop[] = {0.925, 0.933, 0.945};
     request.background = Imath::V3d(kBackdrop[0], kBackdrop[1], kBackdrop[2]);
-    addScene(command, request.scene);
-    command.option("-o,--output", "FILE", "Picture to write, .png or .exr", into(request.output));
+    addScene(command, request.scene)->required();
+    addOutput(command, "the picture to write, .png or .exr", request.output)->required();
     addPictureSize(command, request);
     addQuality(command, request);
     addView(command, request);
@@ -264,16 +228,15 @@ void addRender(Command& command, RenderRequest& request) {
 }
 
 void addInfo(Command& command, InfoRequest& request) {
-    addScene(command, request.scene);
+    addScene(command, request.scene)->required();
     command.flag("--json", request.json, "As JSON");
     addPlugin(command, request.plugin);
     addReport(command, request.report);
 }
 
 void addSettings(Command& command, SettingsRequest& request) {
-    addScene(command, request.scene);
-    command.option("-o,--output", "FILE", "Store the settings in this copy of the scene",
-                   into(request.output));
+    addScene(command, request.scene)->required();
+    addOutput(command, "Store the settings in this copy of the scene", request.output);
     command.list(
         "--surface", "NAME", "Only surfaces of this name or pattern; repeatable",
         [&](const std::string&, const std::string& text) { request.surfaces.push_back(text); });
@@ -298,8 +261,8 @@ void addPanel(Command& command, PanelRequest& request) {
     const auto tab = [](const std::string& option, const std::string& text) {
         return wholeNumber(option, text, 0, 5);
     };
-    addScene(command, request.scene);
-    command.option("-o,--output", "FILE", "Picture to write, .png", into(request.output));
+    addScene(command, request.scene)->required();
+    addOutput(command, "the picture to write, .png", request.output)->required();
     command.option("--surface", "NAME", "Whose settings (the first surface)",
                    into(request.surface));
     command.option("--tab", "0..5", "Zones, CelSpec, Edges, Slope, InkOver or Advanced (0)",
@@ -312,49 +275,66 @@ void addPanel(Command& command, PanelRequest& request) {
     addReport(command, request.report);
 }
 
-// What the line holds beyond what the command knows.
-void checkExtras(const CLI::App& app, const std::string& command) {
-    const std::vector<std::string> extras = app.remaining();
-    if (extras.empty()) return;
-    const std::string& first = extras.front();
-    if (!first.starts_with('-')) {
-        throw UsageError(fmt::format("{}: \"{}\" is one argument too many; see tavora {} --help",
-                                     command, first, command));
-    }
-    Texts known;
-    for (const CLI::Option* option : app.get_options()) {
-        for (const std::string& name : option->get_lnames())
-            known.push_back("--" + name);
-    }
-    const std::string name = first.substr(0, first.find('='));
-    std::string near = nearestNames(name, known);
-    if (near.empty()) near = fmt::format("; see tavora {} --help", command);
-    throw UsageError(fmt::format("{}: unknown option {}{}", command, name, near));
-}
-
-void readEnvironment(int& target) {
-    const char* threads = std::getenv("TAVORA_THREADS");
-    if (threads == nullptr || *threads == '\0') return;
-    target = wholeNumber("TAVORA_THREADS", threads, 0, 1024);
-}
-
-void requireScene(const std::string& command, const std::string& scene) {
-    if (!scene.empty()) return;
-    throw UsageError(fmt::format("{} needs a SCENE, a .gltf or .glb file; see tavora {} --help",
-                                 command, command));
-}
-
-void checkConflicts(const ReportOptions& report) {
+// Options that stand on both sides of the command: counts add up, the last file counts.
+void addBefore(ReportOptions& report, const ReportOptions& before) {
+    report.verbosity += before.verbosity;
+    report.quiet = report.quiet || before.quiet;
+    if (report.logFile.empty()) report.logFile = before.logFile;
     if (report.quiet && report.verbosity > 0) {
-        throw UsageError("-v and --quiet exclude each other; give one");
+        throw UsageError("--quiet and --verbose exclude each other; give one");
     }
 }
 
-void checkConflicts(const RenderRequest& request) {
-    if (request.cropShares && request.cropPixels) {
-        throw UsageError("--crop and --crop-pixels exclude each other; give one");
+bool sameFile(const std::string& a, const std::string& b) {
+    namespace fs = std::filesystem;
+    std::error_code error;
+    if (fs::equivalent(a, b, error)) return true;
+    return fs::weakly_canonical(a, error) == fs::weakly_canonical(b, error);
+}
+
+// A log is added to its file, which would spoil a scene or be lost in a picture.
+void checkLog(const std::string& log, const std::string& file) {
+    if (log.empty() || file.empty() || !sameFile(log, file)) return;
+    throw UsageError(
+        fmt::format("--log-file: {} is the scene or the output itself; name another file", log));
+}
+
+// Whether a command that reads its scene once, and from wherever, may read standard input.
+template <class Asked>
+constexpr bool kReadsStreams =
+    std::is_same_v<Asked, RenderRequest> || std::is_same_v<Asked, InfoRequest> ||
+    std::is_same_v<Asked, SettingsRequest>;
+
+template <class Asked>
+void checkInput(const std::string& command, const Asked& request) {
+    if (request.scene != "-") return;
+    if constexpr (!kReadsStreams<Asked>) {
+        throw UsageError(
+            fmt::format("{} needs a scene in a file, not standard input; name one", command));
+    } else if constexpr (std::is_same_v<Asked, SettingsRequest>) {
+        if (!request.output.empty()) {
+            throw UsageError("settings -o needs a scene in a file, not standard input; name one");
+        }
+    }
+    if (::isatty(STDIN_FILENO) == 1) {
+        throw UsageError(fmt::format(
+            "{}: SCENE is standard input, which is a terminal; pipe a scene into it or name a file",
+            command));
     }
 }
+
+template <class Asked>
+void checkOutput(const std::string& command, const Asked& request) {
+    if (request.output != "-" || ::isatty(STDOUT_FILENO) != 1) return;
+    throw UsageError(fmt::format(
+        "{}: -o - is standard output, which is a terminal; direct it to a file or a program",
+        command));
+}
+
+/// Help on a command, by name.
+struct HelpRequest {
+    std::string command;
+};
 
 /// All commands of one command line.
 class Parser {
@@ -364,80 +344,157 @@ class Parser {
         app_.set_help_flag("-h,--help", "Show this help");
         app_.set_version_flag("--version", "tavora " TAVORA_VERSION, "Show the version");
         app_.allow_extras();
+        app_.require_subcommand(0, 1);
+        addReport(before_, reportBefore_);
         addRender(render_, renderRequest_);
         addInfo(info_, infoRequest_);
         addSettings(settings_, settingsRequest_);
         addLooks(looks_, looksRequest_);
         addEdit(edit_, editRequest_);
         addPanel(panel_, panelRequest_);
+        help_.option("COMMAND", "", "Which command", into(helpRequest_.command));
+        for (CLI::App* app : app_.get_subcommands([](const CLI::App*) { return true; }))
+            app->formatter(std::make_shared<HelpFormatter>());
+        app_.formatter(std::make_shared<HelpFormatter>());
     }
 
     Request parse(int argc, char** argv) {
         try {
             app_.parse(argc, argv);
         } catch (const CLI::CallForHelp&) {
+            if (chosen() == nullptr) checkBeforeCommand();
             return TextRequest{app_.help() + "\n"};
-        } catch (const CLI::CallForVersion&) {
-            return TextRequest{"tavora " TAVORA_VERSION "\n"};
-        } catch (const CLI::ArgumentMismatch& error) {
-            const std::string text = error.what();
-            throw UsageError(text.substr(0, text.find(':')) +
-                             " needs a value; see tavora COMMAND --help");
+        } catch (const CLI::CallForVersion& version) {
+            return TextRequest{std::string(version.what()) + "\n"};
         } catch (const CLI::ParseError& error) {
-            throw UsageError(fmt::format("{}; see tavora --help", oneLine(error.what())));
+            refuse(error);
         }
         return chosenRequest();
     }
 
   private:
     Request chosenRequest() {
-        if (render_.chosen()) {
-            readEnvironment(renderRequest_.threads);
-            finish(render_, "render", renderRequest_);
-            checkConflicts(renderRequest_);
-            return renderRequest_;
-        }
-        if (info_.chosen()) return finish(info_, "info", infoRequest_);
-        if (settings_.chosen()) return finish(settings_, "settings", settingsRequest_);
-        if (looks_.chosen()) return finish(looks_, "looks", looksRequest_);
-        if (edit_.chosen()) {
-            readEnvironment(editRequest_.threads);
-            return finish(edit_, "edit", editRequest_);
-        }
-        if (panel_.chosen()) return finish(panel_, "panel", panelRequest_);
-        refuseCommand();
+        const Command& command = checkedCommand();
+        if (&command == &help_) return helpText();
+        if (&command == &render_) return finish(command, renderRequest_);
+        if (&command == &info_) return finish(command, infoRequest_);
+        if (&command == &settings_) return finish(command, settingsRequest_);
+        if (&command == &looks_) return finish(command, looksRequest_);
+        if (&command == &edit_) return finish(command, editRequest_);
+        return finish(command, panelRequest_);
     }
 
     template <class Asked>
-    static Asked& finish(const Command& command, const std::string& name, Asked& request) {
-        checkExtras(command.app(), name);
+    Asked& finish(const Command& command, Asked& request) {
+        before_.convert();
         command.convert();
-        checkConflicts(request.report);
-        // The edit window can ask for its scene.
-        if constexpr (requires { request.scene; } && !std::is_same_v<Asked, EditRequest>) {
-            requireScene(name, request.scene);
+        addBefore(request.report, reportBefore_);
+        if constexpr (requires { request.scene; }) {
+            checkInput(command.name(), request);
+            checkLog(request.report.logFile, request.scene);
+        }
+        if constexpr (requires { request.output; }) {
+            checkOutput(command.name(), request);
+            checkLog(request.report.logFile, request.output);
         }
         return request;
     }
 
-    [[noreturn]] void refuseCommand() const {
-        const std::vector<std::string> rest = app_.remaining();
-        const Texts known{"render", "edit", "panel", "info", "settings", "looks"};
-        if (rest.empty()) {
-            throw UsageError(
-                "name a command: render, edit, panel, info, settings or looks; see tavora --help");
+    TextRequest helpText() {
+        help_.convert();
+        const std::string& name = helpRequest_.command;
+        if (name.empty()) {
+            // Not help(), which would tell of the command chosen.
+            return {app_.get_formatter()->make_help(&app_, "tavora", CLI::AppFormatMode::Normal) +
+                    "\n"};
         }
-        throw UsageError(fmt::format("unknown command \"{}\"{}", rest.front(),
-                                     nearestNames(rest.front(), known)));
+        for (const Command* command : commands_) {
+            if (command->name() == name) return {command->help() + "\n"};
+        }
+        refuseCommand(name);
+    }
+
+    const Command* chosen() const {
+        const auto found = std::find_if(commands_.begin(), commands_.end(),
+                                        [](const Command* command) { return command->chosen(); });
+        return found == commands_.end() ? nullptr : *found;
+    }
+
+    // The command, once what is on the line is known to have a meaning.
+    const Command& checkedCommand() const {
+        checkBeforeCommand();
+        const Command* command = chosen();
+        if (command == nullptr) {
+            throw UsageError(fmt::format("name a command: {}; see tavora --help",
+                                         fmt::join(commandNames(), ", ")));
+        }
+        command->checkExtras();
+        return *command;
+    }
+
+    void checkBeforeCommand() const {
+        std::vector<std::string> extras = app_.remaining();
+        std::erase(extras, "--");
+        if (extras.empty()) return;
+        const std::string& first = extras.front();
+        const std::string option = first.substr(0, first.find('='));
+        const Command* command = chosen();
+        if (command != nullptr && (command->knows(option) || !first.starts_with('-'))) {
+            throw UsageError(fmt::format("\"{}\" stands before the command; write tavora {} ... {}",
+                                         first, command->name(), first));
+        }
+        if (first.starts_with('-') && first != "-") {
+            throw UsageError(fmt::format("unknown option {}; see tavora --help", option));
+        }
+        refuseCommand(first);
+    }
+
+    std::vector<std::string> commandNames() const {
+        std::vector<std::string> names;
+        for (const Command* command : commands_)
+            names.push_back(command->name());
+        return names;
+    }
+
+    [[noreturn]] void refuseCommand(const std::string& name) const {
+        std::error_code ignored;
+        if (std::filesystem::is_regular_file(name, ignored)) {
+            throw UsageError(fmt::format(
+                "\"{}\" is a file; name a command first, as in tavora render {} -o picture.png",
+                name, name));
+        }
+        throw UsageError(
+            fmt::format("unknown command \"{}\"{}", name, nearestNames(name, commandNames())));
+    }
+
+    // What is said of a line that the library refused. A slip in a name explains more than
+    // what is missing for it.
+    [[noreturn]] void refuse(const CLI::ParseError& error) const {
+        const Command& command = checkedCommand();
+        const std::string text = oneLine(error.what());
+        if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+            throw UsageError(fmt::format("{} needs a value; see tavora {} --help",
+                                         text.substr(0, text.find(':')), command.name()));
+        }
+        if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
+            // Options keep their texts; only a flag is converted, from what stands behind "=".
+            throw UsageError(fmt::format("{}: a flag takes no value; see tavora {} --help", text,
+                                         command.name()));
+        }
+        if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) command.checkRequired();
+        throw UsageError(fmt::format("{}; see tavora {} --help", text, command.name()));
     }
 
     CLI::App app_;
+    ReportOptions reportBefore_;
     RenderRequest renderRequest_;
     InfoRequest infoRequest_;
     SettingsRequest settingsRequest_;
     LooksRequest looksRequest_;
     EditRequest editRequest_;
     PanelRequest panelRequest_;
+    HelpRequest helpRequest_;
+    Command before_{app_};
     Command render_{app_, "render", "Render a scene to a picture", kRenderExamples};
     Command edit_{app_, "edit", "Edit the shaders of a scene in a window with a live picture",
                   kEditExamples};
@@ -446,6 +503,9 @@ class Parser {
     Command settings_{app_, "settings", "Print the shader settings of a scene, or store some in it",
                       kSettingsExamples};
     Command looks_{app_, "looks", "List the looks that ship", kLooksExamples};
+    Command help_{app_, "help", "Show what a command does and takes", kHelpExamples};
+    const std::array<const Command*, 7> commands_{&render_,   &edit_,  &panel_, &info_,
+                                                  &settings_, &looks_, &help_};
 };
 
 }  // namespace

@@ -1,6 +1,7 @@
 #include "studio/app/commands.h"
 #include "studio/app/describe.h"
 #include "studio/app/scene_report.h"
+#include "studio/files/standard_streams.h"
 #include "studio/scene/gltf_reader.h"
 
 namespace tavora::studio {

@@ -5,6 +5,8 @@
 
 #include "studio/app/exit_status.h"
 #include "studio/files/atomic_file.h"
+#include "studio/files/standard_streams.h"
+#include "studio/files/written_mark.h"
 
 namespace tavora::studio {
 namespace {
@@ -17,8 +19,8 @@ void stop(int signal) {
     signalSeen.store(signal);
     if (polite.load() && !stopAsked.exchange(true)) return;
     removeUnfinishedFiles();
-    constexpr char kMessage[] = "tavora: stopped by a signal; nothing was written\n";
-    [[maybe_unused]] const ssize_t ignored = ::write(STDERR_FILENO, kMessage, sizeof kMessage - 1);
+    for (const char* part : {"tavora: ", stoppedText(), "\n"})
+        writeError(part);
     ::_exit(kSignal + signal);
 }
 
@@ -58,6 +60,10 @@ const std::atomic<bool>& PoliteStop::asked() const {
 
 int stopSignal() {
     return signalSeen.load();
+}
+
+const char* stoppedText() noexcept {
+    return anythingWritten() ? "stopped by a signal" : "stopped by a signal; nothing was written";
 }
 
 }  // namespace tavora::studio

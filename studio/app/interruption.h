@@ -26,4 +26,8 @@ class PoliteStop {
 /// The signal that asked to stop; 0 when none did.
 int stopSignal();
 
+/// What to say of a program that a signal stopped: that nothing was written, where that
+/// is true. Safe to call from a signal handler.
+const char* stoppedText() noexcept;
+
 }  // namespace tavora::studio

@@ -2,6 +2,7 @@
 #include <fmt/format.h>
 
 #include "studio/app/commands.h"
+#include "studio/files/standard_streams.h"
 #include "studio/scene/look.h"
 #include "studio/scene/scene_error.h"
 

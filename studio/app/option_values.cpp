@@ -12,6 +12,8 @@
 #include <vector>
 
 #include "studio/app/usage_error.h"
+#include "studio/scene/look.h"
+#include "studio/scene/setting_names.h"
 
 namespace tavora::studio {
 namespace {
@@ -107,6 +109,19 @@ std::size_t settingDot(const std::string& left) {
         if (std::count(rest.begin(), rest.end(), '.') <= 1) found = dot;
     }
     return found;
+}
+
+// Where "=" stands in `text`, but for those behind a backslash.
+std::vector<std::size_t> equalSigns(std::string_view text) {
+    std::vector<std::size_t> signs;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\\') {
+            ++i;
+        } else if (text[i] == '=') {
+            signs.push_back(i);
+        }
+    }
+    return signs;
 }
 
 bool isShare(double value) {
@@ -215,6 +230,14 @@ PixelFilter pixelFilter(const std::string& option, const std::string& text) {
     return chosen<PixelFilter>(option, text, kChoices);
 }
 
+std::optional<PictureFormat::Kind> pictureKind(const std::string& option, const std::string& text) {
+    static constexpr std::array<Named<PictureFormat::Kind>, 2> kChoices{{
+        {"png", PictureFormat::Kind::Png},
+        {"exr", PictureFormat::Kind::Exr},
+    }};
+    return chosen<PictureFormat::Kind>(option, text, kChoices);
+}
+
 PictureDepth depth(const std::string& option, const std::string& text) {
     static constexpr std::array<Named<PictureDepth>, 4> kChoices{{
         {"8", PictureDepth::Eight},
@@ -245,10 +268,16 @@ Theme theme(const std::string& option, const std::string& text) {
 
 LookChoice lookChoice(const std::string& text) {
     std::error_code ignored;
-    const std::size_t equals = text.find('=');
-    const bool whole = equals == std::string::npos || std::filesystem::exists(text, ignored);
-    LookChoice choice =
-        whole ? LookChoice{{}, text} : LookChoice{text.substr(0, equals), text.substr(equals + 1)};
+    const std::vector<std::size_t> signs = equalSigns(text);
+    const bool whole = signs.empty() || std::filesystem::exists(text, ignored);
+    LookChoice choice{{}, text};
+    if (!whole) {
+        const auto named = std::find_if(signs.rbegin(), signs.rend(), [&](std::size_t sign) {
+            return isLook(text.substr(sign + 1));
+        });
+        const std::size_t sign = named == signs.rend() ? signs.back() : *named;
+        choice = {text.substr(0, sign), text.substr(sign + 1)};
+    }
     if (!choice.look.empty() && (whole || !choice.surfaces.empty())) return choice;
     refuse("--look", "LOOK or SURFACE=LOOK", text);
 }
@@ -261,14 +290,17 @@ LightSize lightSize(const std::string& option, const std::string& text, double m
 }
 
 SettingChange settingChange(const std::string& text) {
-    const std::size_t equals = text.find('=');
-    const std::string left = text.substr(0, equals);
-    const std::size_t dot = settingDot(left);
-    const bool whole = equals != std::string::npos && dot != std::string::npos && dot > 0;
-    if (!whole || dot + 1 == left.size()) {
-        refuse("--set", "SURFACE.SETTING=VALUE like '*.edgeEnable=true'", text);
+    std::optional<SettingChange> first;  // stands when no setting is known, for its message
+    for (const std::size_t sign : equalSigns(text)) {
+        const std::string left = text.substr(0, sign);
+        const std::size_t dot = settingDot(left);
+        if (dot == std::string::npos || dot == 0 || dot + 1 == left.size()) continue;
+        SettingChange change{left.substr(0, dot), left.substr(dot + 1), text.substr(sign + 1)};
+        if (isSettingName(change.setting.substr(0, change.setting.find('[')))) return change;
+        if (!first) first = std::move(change);
     }
-    return {left.substr(0, dot), left.substr(dot + 1), text.substr(equals + 1)};
+    if (first) return *first;
+    refuse("--set", "SURFACE.SETTING=VALUE like '*.edgeEnable=true'", text);
 }
 
 }  // namespace tavora::studio

@@ -42,14 +42,20 @@ LightSize lightSize(const std::string& option, const std::string& text, double m
 
 bool falloff(const std::string& option, const std::string& text);
 PixelFilter pixelFilter(const std::string& option, const std::string& text);
+std::optional<PictureFormat::Kind> pictureKind(const std::string& option, const std::string& text);
 PictureDepth depth(const std::string& option, const std::string& text);
 ProgressKind progressKind(const std::string& option, const std::string& text);
 Theme theme(const std::string& option, const std::string& text);
 
-/// "[SURFACE=]FILE"; a text that names a file as it stands is one.
+/// In names of surfaces and lights a backslash takes the next character as it is; so
+/// "a\=b" is the name a=b, and "a\*b" no pattern.
+///
+/// "[SURFACE=]LOOK": a text that names a file as it stands is one; else the last "=" counts
+/// that a look stands behind, so that names may hold "=".
 LookChoice lookChoice(const std::string& text);
 
-/// "SURFACE.field=value"; surface names may hold dots.
+/// "SURFACE.SETTING=VALUE": the first "=" counts that the name of a setting stands before, so
+/// that names may hold "=" and dots.
 SettingChange settingChange(const std::string& text);
 
 }  // namespace tavora::studio

@@ -1,6 +1,6 @@
 #include "studio/app/program.h"
 
-#include <cerrno>
+#include <csignal>
 #include <exception>
 #include <fmt/format.h>
 #include <new>
@@ -15,6 +15,7 @@
 #include "studio/app/stopped.h"
 #include "studio/app/usage_error.h"
 #include "studio/files/output_error.h"
+#include "studio/files/standard_streams.h"
 #include "studio/link/link_error.h"
 #include "studio/render/renderer.h"
 #include "studio/scene/scene_error.h"
@@ -69,8 +70,10 @@ int explained(Report& report) {
         report.error(fmt::format("stopped by a signal; {}", stopped.what()));
         return kSignal + stopSignal();
     } catch (const RenderStopped&) {
-        report.error("stopped by a signal; nothing was written");
+        report.error(stoppedText());
         return kSignal + stopSignal();
+    } catch (const ReaderGone&) {
+        return kSignal + SIGPIPE;
     } catch (const std::bad_alloc&) {
         report.error("not enough memory; render a smaller picture or a crop of it");
     } catch (const std::exception& error) {
@@ -109,6 +112,7 @@ int run(const Request& request, const WindowCommands& window, Report& report) {
 }  // namespace
 
 int runProgram(int argc, char** argv, const WindowCommands& window) {
+    openMissingStreams();
     watchSignals();
     Report plain{ReportOptions{}};
     try {

@@ -2,18 +2,30 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstdlib>
 #include <fmt/format.h>
+#include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include "studio/files/standard_streams.h"
 
 namespace tavora::studio {
 namespace {
 
 constexpr double kFirstEstimate = 0.01;  // share done before the time left means anything
 
+// Whether a line on standard error can be drawn over.
+bool canRedraw() {
+    const char* terminal = std::getenv("TERM");
+    const bool able =
+        terminal != nullptr && *terminal != '\0' && std::string_view(terminal) != "dumb";
+    return able && ::isatty(STDERR_FILENO) == 1;
+}
+
 ProgressKind settled(ProgressKind kind, bool quiet) {
     if (kind != ProgressKind::Auto) return kind;
-    return !quiet && ::isatty(STDERR_FILENO) == 1 ? ProgressKind::Bar : ProgressKind::None;
+    return !quiet && canRedraw() ? ProgressKind::Bar : ProgressKind::None;
 }
 
 int terminalWidth() {
@@ -58,10 +70,10 @@ std::string progressJson(double done, double elapsed) {
 }
 
 Progress::Progress(ProgressKind kind, bool quiet)
-    : kind_(settled(kind, quiet)), start_(Clock::now()) {}
+    : kind_(settled(kind, quiet)), redraws_(canRedraw()), start_(Clock::now()) {}
 
 Progress::~Progress() {
-    if (barShown_) fmt::print(stderr, "\r\x1b[K");
+    if (barShown_) writeError("\r\x1b[K");
 }
 
 void Progress::update(double done) {
@@ -73,12 +85,22 @@ void Progress::update(double done) {
     done = std::clamp(done, 0.0, 1.0);
     const double elapsed = std::chrono::duration<double>(now - start_).count();
     if (kind_ == ProgressKind::Json) {
-        fmt::print(stderr, "{}\n", progressJson(done, elapsed));
+        writeError(progressJson(done, elapsed) + "\n");
     } else {
-        fmt::print(stderr, "\r\x1b[K{}", progressBar(done, elapsed, terminalWidth()));
-        barShown_ = true;
+        showBar(progressBar(done, elapsed, terminalWidth()), done);
     }
-    std::fflush(stderr);
+}
+
+void Progress::showBar(const std::string& bar, double done) {
+    if (redraws_) {
+        writeError("\r\x1b[K" + bar);
+        barShown_ = true;
+        return;
+    }
+    const auto tenth = static_cast<int>(done * 10);
+    if (tenth <= tenthShown_) return;
+    tenthShown_ = tenth;
+    writeError(bar + "\n");
 }
 
 }  // namespace tavora::studio

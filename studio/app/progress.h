@@ -11,7 +11,8 @@ namespace tavora::studio {
 /// JSON lines for programs. Calls from one thread at a time.
 class Progress {
   public:
-    /// Auto is a bar on a terminal, else none.
+    /// Auto is a bar on a terminal that can redraw a line, else none. A bar that is asked
+    /// for where no line can be redrawn becomes a line at every tenth.
     Progress(ProgressKind kind, bool quiet);
     /// Takes the bar off the terminal.
     ~Progress();
@@ -24,7 +25,11 @@ class Progress {
   private:
     using Clock = std::chrono::steady_clock;
 
+    void showBar(const std::string& bar, double done);
+
     ProgressKind kind_;
+    bool redraws_;        ///< standard error is a terminal that moves its cursor
+    int tenthShown_ = 0;  ///< of the lines that stand for a bar
     Clock::time_point start_;
     Clock::time_point shown_;
     bool barShown_ = false;

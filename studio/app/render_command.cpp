@@ -11,6 +11,7 @@
 #include "studio/app/shading_plan.h"
 #include "studio/app/surface_names.h"
 #include "studio/app/usage_error.h"
+#include "studio/files/standard_streams.h"
 #include "studio/render/picture_file.h"
 #include "studio/render/renderer.h"
 #include "studio/scene/gltf_reader.h"
@@ -26,13 +27,16 @@ void listCameras(const Scene& scene) {
     writeOut(text);
 }
 
-// Fails before anything is rendered for a file that could not be written after.
+bool toStandardOutput(const RenderRequest& request) {
+    return request.output == "-";
+}
+
+// Fails before anything is rendered for a picture that could not be written after.
 PictureFormat checkedFormat(const RenderRequest& request) {
-    if (request.output.empty()) throw UsageError("render needs -o FILE, the picture to write");
     try {
         const PictureFormat format =
-            pictureFormat(request.output, request.depth, !request.background);
-        checkWritable(request.output);
+            pictureFormat(request.output, request.depth, !request.background, request.format);
+        toStandardOutput(request) ? checkStandardOutput() : checkWritable(request.output);
         return format;
     } catch (const std::invalid_argument& error) {
         throw UsageError(error.what());
@@ -133,8 +137,13 @@ void render(const RenderRequest& request, Report& report) {
     const double aspect = static_cast<double>(area.width) / area.height;
     const Camera camera = chooseCamera(scene, request.camera, aspect);
     report.note(1, fmt::format("camera \"{}\"", camera.name));
-    writePicture(renderPicture(scene, camera, request, area, report), request.output, format);
-    report.note(1, fmt::format("{} written", request.output));
+    const Picture picture = renderPicture(scene, camera, request, area, report);
+    if (toStandardOutput(request)) {
+        writeOut(encodePicture(picture, format));
+    } else {
+        writePicture(picture, request.output, format);
+        report.note(1, fmt::format("{} written", request.output));
+    }
 }
 
 }  // namespace tavora::studio

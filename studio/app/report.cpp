@@ -2,12 +2,14 @@
 
 #include <cerrno>
 #include <cstdlib>
+#include <fcntl.h>
 #include <fmt/format.h>
-#include <system_error>
 #include <unistd.h>
+#include <utility>
 
 #include "studio/files/output_error.h"
 #include "studio/files/output_place.h"
+#include "studio/files/standard_streams.h"
 
 namespace tavora::studio {
 namespace {
@@ -22,28 +24,35 @@ bool colored() {
 
 void say(std::string_view color, std::string_view label, const std::string& text) {
     const bool paint = colored() && !color.empty();
-    fmt::print(stderr, "{}tavora:{} {}{}\n", paint ? color : "", paint ? "\x1b[0m" : "", label,
-               text);
+    writeError(
+        fmt::format("{}tavora:{} {}{}\n", paint ? color : "", paint ? "\x1b[0m" : "", label, text));
 }
 
 }  // namespace
 
 Report::Report(const ReportOptions& options) : options_(options) {
+    constexpr mode_t kPermissions = 0666;  // less the process's mask
     if (options.logFile.empty()) return;
-    log_ = std::fopen(options.logFile.c_str(), "ae");
-    if (log_ == nullptr) {
-        throw OutputError(outputMessage(options.logFile, "cannot be written", errno));
-    }
+    log_ = ::open(options.logFile.c_str(), O_WRONLY | O_APPEND | O_CREAT | O_CLOEXEC, kPermissions);
+    if (log_ < 0) throw OutputError(outputMessage(options.logFile, "cannot be written", errno));
 }
 
 Report::~Report() {
-    if (log_ != nullptr) std::fclose(log_);
+    closeLog();
+}
+
+void Report::closeLog() {
+    if (log_ >= 0) ::close(std::exchange(log_, -1));
 }
 
 void Report::log(std::string_view text) {
-    if (log_ == nullptr) return;
-    fmt::print(log_, "{}\n", text);
-    std::fflush(log_);
+    if (log_ < 0) return;
+    const std::string line = fmt::format("{}\n", text);
+    const ssize_t written = ::write(log_, line.data(), line.size());
+    if (written == static_cast<ssize_t>(line.size())) return;
+    const int error = written < 0 ? errno : ENOSPC;
+    closeLog();
+    warning(outputMessage(options_.logFile, "is incomplete", error));
 }
 
 void Report::error(std::string_view text) {
@@ -71,12 +80,6 @@ std::string oneLine(std::string_view text) {
         if (byte < 0x20 || byte == 0x7f) c = '?';
     }
     return line;
-}
-
-void writeOut(std::string_view text) {
-    const bool written = std::fwrite(text.data(), 1, text.size(), stdout) == text.size();
-    if (written && std::fflush(stdout) == 0) return;
-    throw OutputError(outputMessage("standard output", "cannot be written", errno));
 }
 
 }  // namespace tavora::studio

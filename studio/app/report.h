@@ -1,6 +1,5 @@
 #pragma once
 
-#include <cstdio>
 #include <string>
 #include <string_view>
 
@@ -8,8 +7,8 @@
 
 namespace tavora::studio {
 
-/// What the program says about its work, on stderr and in the log file. Main
-/// thread.
+/// What the program says about its work, on stderr and in the log file. Neither
+/// can fail the work: a log file that takes no more is told of once. Main thread.
 class Report {
   public:
     /// Throws OutputError when the log file cannot be opened.
@@ -28,16 +27,14 @@ class Report {
 
   private:
     void log(std::string_view text);
+    void closeLog();
 
     ReportOptions options_;
-    std::FILE* log_ = nullptr;
+    int log_ = -1;  ///< descriptor
 };
 
 /// `text` with control characters replaced, so that no name in a file breaks a
 /// line or speaks to the terminal.
 std::string oneLine(std::string_view text);
-
-/// Writes data to stdout; throws OutputError when it does not get there.
-void writeOut(std::string_view text);
 
 }  // namespace tavora::studio

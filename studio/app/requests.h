@@ -49,8 +49,8 @@ using CropShares = std::array<double, 4>;
 
 struct RenderRequest {
     ReportOptions report;
-    std::string scene;
-    std::string output;
+    std::string scene;   ///< "-": standard input
+    std::string output;  ///< "-": standard output
     int width = 1280;
     int height = 720;
     double scale = 1;
@@ -69,7 +69,8 @@ struct RenderRequest {
     std::vector<std::string> withoutSelfShadow;
     std::vector<std::string> withoutCastShadows;      ///< that throw none at all
     std::vector<std::string> withoutReceivedShadows;  ///< on which none falls
-    std::vector<std::string> withoutNormalMap;  ///< shaded without their normal map
+    std::vector<std::string> withoutNormalMap;        ///< shaded without their normal map
+    std::optional<PictureFormat::Kind> format;        ///< empty: as the output's suffix says
     PictureDepth depth = PictureDepth::Default;
     ProgressKind progress = ProgressKind::Auto;
 };
@@ -84,7 +85,7 @@ struct InfoRequest {
 struct SettingsRequest {
     ReportOptions report;
     std::string scene;
-    std::string output;                 ///< empty: print
+    std::string output;                 ///< empty: print; "-": the scene to standard output
     std::vector<std::string> surfaces;  ///< names or globs; empty: all
     ShadingRequest shading;
 };

@@ -9,6 +9,7 @@
 #include "studio/app/surface_names.h"
 #include "studio/app/usage_error.h"
 #include "studio/files/output_place.h"
+#include "studio/files/standard_streams.h"
 #include "studio/scene/gltf_reader.h"
 #include "studio/scene/gltf_settings.h"
 #include "studio/scene/scene_error.h"
@@ -94,7 +95,8 @@ void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
 }  // namespace
 
 void showOrStoreSettings(const SettingsRequest& request, Report& report) {
-    if (!request.output.empty()) outputPlace(request.output);
+    if (request.output == "-") checkStandardOutput();
+    if (!request.output.empty() && request.output != "-") outputPlace(request.output);
     const Scene scene = readGltf(request.scene);
     reportScene(scene, report);
     const std::set<std::size_t> chosen = chosenSurfaces(scene, request.surfaces);

@@ -34,8 +34,8 @@ std::vector<std::size_t> matchingSurfaces(const Scene& scene, const std::string&
     std::vector<std::string> names;
     for (const std::size_t i : listedSurfaces(scene)) {
         const std::string& name = scene.surfaces[i].name;
-        // A name may hold brackets and stars of its own.
-        if (name == pattern) return {i};
+        // A name may hold brackets and stars of its own, but "*" means all.
+        if (name == pattern && pattern != "*") return {i};
         if (matchesName(pattern, name)) matches.push_back(i);
         names.push_back(name);
     }

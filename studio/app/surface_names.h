@@ -13,8 +13,8 @@ namespace tavora::studio {
 std::vector<std::size_t> listedSurfaces(const Scene& scene);
 
 /// The listed surfaces of that name, or else those that the glob ("Glass*") matches,
-/// by index. Throws UsageError that opens with `option` and lists near names
-/// when there is none.
+/// by index; "*" is always all of them. Throws UsageError that opens with `option` and lists near
+/// names when there is none.
 std::vector<std::size_t> matchingSurfaces(const Scene& scene, const std::string& pattern,
                                           const std::string& option);
 

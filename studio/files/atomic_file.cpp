@@ -13,6 +13,7 @@
 #include "studio/files/output_error.h"
 #include "studio/files/output_place.h"
 #include "studio/files/unfinished_files.h"
+#include "studio/files/written_mark.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -57,7 +58,7 @@ void AtomicFile::create(unsigned permissions) {
     for (int i = 0; i < kTries; ++i) {
         temporary_ = target_.parent_path() / temporaryName();
         slot_ = listUnfinished(temporary_.c_str());
-        descriptor_ = ::open(temporary_.c_str(), O_WRONLY | O_CREAT | O_EXCL | O_CLOEXEC,
+        descriptor_ = ::open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
                              static_cast<mode_t>(permissions));
         if (descriptor_ >= 0) return;
         const int error = errno;
@@ -93,12 +94,13 @@ void AtomicFile::write(const void* data, std::size_t size) {
     if (error_ != 0) fail("cannot be written", error_);
 }
 
-void AtomicFile::commit(const std::function<void(const fs::path&)>& readBack) {
+void AtomicFile::commit(const std::function<void(int)>& readBack) {
     if (error_ != 0) fail("cannot be written", error_);
     if (!flushed(descriptor_)) fail("cannot be flushed to disk", errno);
-    if (readBack) readBack(temporary_);
+    if (readBack) readBack(descriptor_);
     // From here on the descriptor is done with, whatever closing it says.
     const int closed = ::close(std::exchange(descriptor_, -1)) == 0 ? 0 : errno;
+    markWritten();
     const int renamed =
         closed == 0 && ::rename(temporary_.c_str(), target_.c_str()) != 0 ? errno : 0;
     if (closed != 0 || renamed != 0) ::unlink(temporary_.c_str());

@@ -24,13 +24,13 @@ class AtomicFile {
     /// Throws OutputError (disk full and the like), then and at every later call.
     void write(const void* data, std::size_t size);
 
-    /// The file while it is being written, for reading back.
+    /// The file while it is being written. Not for messages: the user never named it.
     const std::filesystem::path& temporaryPath() const { return temporary_; }
 
-    /// Flushes, lets `readBack` look at the temporary file (it throws when the
-    /// file is not as it should be), renames, flushes the folder.
-    /// Throws OutputError, and what `readBack` throws.
-    void commit(const std::function<void(const std::filesystem::path&)>& readBack = {});
+    /// Flushes, lets `readBack` look at the file through a descriptor that can be
+    /// read (it throws when the file is not as it should be), renames, flushes the
+    /// folder. Throws OutputError, and what `readBack` throws.
+    void commit(const std::function<void(int descriptor)>& readBack = {});
 
   private:
     void create(unsigned permissions);

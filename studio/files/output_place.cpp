@@ -19,7 +19,7 @@ struct Advice {
     const char* text;
 };
 
-constexpr std::array<Advice, 11> kAdvice{{
+constexpr std::array<Advice, 12> kAdvice{{
     {ENOSPC, "free some space or choose another disk"},
     {EDQUOT, "free some of your quota or choose another disk"},
     {EFBIG, "raise the limit on file sizes or choose another disk"},
@@ -30,6 +30,7 @@ constexpr std::array<Advice, 11> kAdvice{{
     {ENOTDIR, "name a folder, not a file, before the last '/'"},
     {EISDIR, "name a file, not a folder"},
     {ENAMETOOLONG, "choose a shorter name"},
+    {EBADF, "do not close it, or name a file"},
     {ELOOP, "remove the links that point at each other"},
 }};
 
@@ -75,13 +76,14 @@ void checkPlainFile(const fs::path& asked, const fs::path& target, const struct 
 OutputPlace outputPlace(const fs::path& asked) {
     if (asked.filename().empty()) refuse(asked, "cannot be written", EISDIR);
     OutputPlace place;
-    place.target = fs::absolute(followLinks(asked));
+    std::error_code error;
+    place.target = fs::absolute(followLinks(asked), error);
+    if (error) refuse(asked, "cannot be written", error.value());
     struct stat status {};
     if (::stat(place.target.c_str(), &status) != 0) {
-        const int error = errno;
-        std::error_code ignored;
-        if (error == ENOENT && fs::exists(place.target.parent_path(), ignored)) return place;
-        refuse(asked, "cannot be written", error);
+        const int missing = errno;
+        if (missing == ENOENT && fs::exists(place.target.parent_path(), error)) return place;
+        refuse(asked, "cannot be written", missing);
     }
     checkPlainFile(asked, place.target, status);
     place.replaces = true;

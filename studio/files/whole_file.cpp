@@ -1,6 +1,5 @@
 #include "studio/files/whole_file.h"
 
-#include <algorithm>
 #include <array>
 #include <cerrno>
 #include <fcntl.h>
@@ -12,6 +11,7 @@
 
 #include "studio/files/atomic_file.h"
 #include "studio/files/output_error.h"
+#include "studio/files/output_place.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -25,47 +25,47 @@ class OpenFile {
   public:
     // Without blocking: a pipe that nobody writes to must not hang the program.
     explicit OpenFile(const fs::path& file)
-        : file_(file), descriptor_(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
-        if (descriptor_ < 0) failReading(file, errno);
+        : descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        if (descriptor < 0) failReading(file, errno);
     }
-    ~OpenFile() { ::close(descriptor_); }
+    ~OpenFile() { ::close(descriptor); }
     OpenFile(const OpenFile&) = delete;
     OpenFile& operator=(const OpenFile&) = delete;
 
-    std::size_t plainSize() const {
-        struct stat status {};
-        if (::fstat(descriptor_, &status) != 0) failReading(file_, errno);
-        if (S_ISDIR(status.st_mode)) failReading(file_, EISDIR);
-        if (!S_ISREG(status.st_mode)) failReading(file_, EINVAL);
-        return static_cast<std::size_t>(status.st_size);
-    }
-
-    /// Up to `size` bytes; fewer only at the end of the file.
-    std::size_t read(char* to, std::size_t size) const {
-        std::size_t done = 0;
-        while (done < size) {
-            const ssize_t got = ::read(descriptor_, to + done, size - done);
-            if (got < 0 && errno == EINTR) continue;
-            if (got < 0) failReading(file_, errno);
-            if (got == 0) break;
-            done += static_cast<std::size_t>(got);
-        }
-        return done;
-    }
-
-  private:
-    const fs::path& file_;
-    int descriptor_;
+    const int descriptor;
 };
 
-bool holdsExactly(const fs::path& file, std::string_view bytes) {
-    const OpenFile in(file);
-    if (in.plainSize() != bytes.size()) return false;
+std::size_t plainSize(int descriptor, const fs::path& file) {
+    struct stat status {};
+    if (::fstat(descriptor, &status) != 0) failReading(file, errno);
+    if (S_ISDIR(status.st_mode)) failReading(file, EISDIR);
+    if (!S_ISREG(status.st_mode)) failReading(file, EINVAL);
+    return static_cast<std::size_t>(status.st_size);
+}
+
+// Up to `size` bytes from `offset` on; fewer only at the end of the file.
+std::size_t readAt(int descriptor, std::size_t offset, char* to, std::size_t size,
+                   const fs::path& file) {
+    std::size_t done = 0;
+    while (done < size) {
+        const ssize_t got =
+            ::pread(descriptor, to + done, size - done, static_cast<off_t>(offset + done));
+        if (got < 0 && errno == EINTR) continue;
+        if (got < 0) failReading(file, errno);
+        if (got == 0) break;
+        done += static_cast<std::size_t>(got);
+    }
+    return done;
+}
+
+bool holdsExactly(int descriptor, std::string_view bytes, const fs::path& file) {
+    if (plainSize(descriptor, file) != bytes.size()) return false;
     std::array<char, 65536> buffer;
-    while (!bytes.empty()) {
-        const std::size_t got = in.read(buffer.data(), std::min(buffer.size(), bytes.size()));
-        if (got == 0 || bytes.substr(0, got) != std::string_view(buffer.data(), got)) return false;
-        bytes.remove_prefix(got);
+    for (std::size_t offset = 0; offset < bytes.size();) {
+        const std::string_view wanted = bytes.substr(offset, buffer.size());
+        const std::size_t got = readAt(descriptor, offset, buffer.data(), wanted.size(), file);
+        if (std::string_view(buffer.data(), got) != wanted) return false;
+        offset += got;
     }
     return true;
 }
@@ -74,22 +74,26 @@ bool holdsExactly(const fs::path& file, std::string_view bytes) {
 
 std::string readWholeFile(const fs::path& file, std::size_t limit) {
     const OpenFile in(file);
-    const std::size_t size = in.plainSize();
+    const std::size_t size = plainSize(in.descriptor, file);
     if (size > limit) failReading(file, EFBIG);
     std::string bytes(size, '\0');
-    bytes.resize(in.read(bytes.data(), size));
+    bytes.resize(readAt(in.descriptor, 0, bytes.data(), size, file));
     return bytes;
 }
 
 void writeWholeFile(const fs::path& file, std::string_view bytes) {
     AtomicFile out(file);
     out.write(bytes.data(), bytes.size());
-    out.commit([&](const fs::path& written) {
-        if (holdsExactly(written, bytes)) return;
-        throw OutputError(fmt::format(
-            "{}: reads back other than it was written; check the disk or choose another place",
-            file.string()));
-    });
+    try {
+        out.commit([&](int descriptor) {
+            if (holdsExactly(descriptor, bytes, file)) return;
+            throw OutputError(fmt::format(
+                "{}: reads back other than it was written; check the disk or choose another place",
+                file.string()));
+        });
+    } catch (const std::system_error& error) {
+        throw OutputError(outputMessage(file, "cannot be read back", error.code().value()));
+    }
 }
 
 }  // namespace tavora::studio

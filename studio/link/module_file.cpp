@@ -45,8 +45,17 @@ std::vector<fs::path> placesToLook(const std::string& option) {
     }
     const char* path = std::getenv(kPathVariable);
     if (path != nullptr) addPlacesOfPath(path, places);
-    addPlaceBesideProgram(places);
+    if (places.empty()) addPlaceBesideProgram(places);
     return places;
+}
+
+/// Whoever set the variable must learn that it leads nowhere.
+const char* adviceFor(const std::string& option) {
+    const char* path = std::getenv(kPathVariable);
+    if (!option.empty()) return "give --plugin the module or its folder, or leave it out";
+    if (path != nullptr && *path != '\0')
+        return "set TAVORA_PLUGIN_PATH to the module or its folder, or unset it";
+    return "install Tavora again, or name a module with --plugin";
 }
 
 }  // namespace
@@ -59,10 +68,8 @@ fs::path findModule(const std::string& option) {
         if (fs::exists(place, error) && !fs::is_directory(place, error)) return place;
         names.push_back(place.string());
     }
-    throw LinkError(
-        fmt::format("no plug-in module {} found; looked for {}; name one with --plugin "
-                    "or {}",
-                    kFileName, fmt::join(names, ", "), kPathVariable));
+    throw LinkError(fmt::format("no plug-in module {} found; looked for {}; {}", kFileName,
+                                fmt::join(names, ", "), adviceFor(option)));
 }
 
 }  // namespace tavora::studio

@@ -10,7 +10,8 @@ namespace tavora::studio {
 
 /// Where to look for the module "tavora.so": `option` (a file or a folder) when
 /// not empty, else the folders and files of TAVORA_PLUGIN_PATH (':' between
-/// them), else beside the running program. Returns the first that exists.
+/// them) when it names any, else beside the running program. Returns the first
+/// that exists.
 /// Throws LinkError that names every place it looked.
 std::filesystem::path findModule(const std::string& option);
 

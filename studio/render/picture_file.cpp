@@ -28,36 +28,55 @@ constexpr std::array<Suffix, 2> kSuffixes{{
     {".exr", PictureFormat::Kind::Exr, {PictureDepth::Half, PictureDepth::Float}, "half or float"},
 }};
 
-const Suffix& suffixOf(const fs::path& file) {
+// None for a suffix of another kind.
+const Suffix* knownSuffix(const fs::path& file) {
     std::string text = file.extension();
     std::transform(text.begin(), text.end(), text.begin(),
                    [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
-    for (const Suffix& suffix : kSuffixes) {
-        if (text == suffix.text) return suffix;
+    const auto found = std::find_if(kSuffixes.begin(), kSuffixes.end(),
+                                    [&](const Suffix& suffix) { return text == suffix.text; });
+    return found == kSuffixes.end() ? nullptr : &*found;
+}
+
+const Suffix& suffixOf(PictureFormat::Kind kind) {
+    return *std::find_if(kSuffixes.begin(), kSuffixes.end(),
+                         [&](const Suffix& suffix) { return suffix.kind == kind; });
+}
+
+const Suffix& settledSuffix(const fs::path& file, std::optional<PictureFormat::Kind> kind) {
+    const Suffix* suffix = file == "-" ? nullptr : knownSuffix(file);
+    if (kind && suffix != nullptr && suffix->kind != *kind) {
+        throw std::invalid_argument(fmt::format(
+            "{}: the suffix names another format than --format; leave one out", file.string()));
     }
-    throw std::invalid_argument(
-        fmt::format("{}: a picture's name must end in .png or .exr", file.string()));
+    if (suffix != nullptr) return *suffix;
+    if (kind || file == "-") return suffixOf(kind.value_or(PictureFormat::Kind::Png));
+    throw std::invalid_argument(fmt::format(
+        "{}: a picture's name must end in .png or .exr, or --format say which", file.string()));
 }
 
 }  // namespace
 
-PictureFormat pictureFormat(const fs::path& file, PictureDepth depth, bool alpha) {
-    const Suffix& suffix = suffixOf(file);
+PictureFormat pictureFormat(const fs::path& file, PictureDepth depth, bool alpha,
+                            std::optional<PictureFormat::Kind> kind) {
+    const Suffix& suffix = settledSuffix(file, kind);
     if (depth == PictureDepth::Default) depth = suffix.depths[0];
     if (std::find(suffix.depths.begin(), suffix.depths.end(), depth) == suffix.depths.end()) {
-        throw std::invalid_argument(fmt::format("{}: the depth of a {} file is {}", file.string(),
+        throw std::invalid_argument(fmt::format("{}: the depth of a {} file is {}",
+                                                file == "-" ? "standard output" : file.string(),
                                                 suffix.text, suffix.depthNames));
     }
     return {suffix.kind, depth, alpha};
 }
 
+std::string encodePicture(const Picture& picture, const PictureFormat& format) {
+    return format.kind == PictureFormat::Kind::Png
+               ? encodePng(picture, format.depth == PictureDepth::Sixteen, format.alpha)
+               : encodeExr(picture, format.depth == PictureDepth::Float, format.alpha);
+}
+
 void writePicture(const Picture& picture, const fs::path& file, const PictureFormat& format) {
-    if (format.kind == PictureFormat::Kind::Png) {
-        writeWholeFile(file,
-                       encodePng(picture, format.depth == PictureDepth::Sixteen, format.alpha));
-    } else {
-        writeWholeFile(file, encodeExr(picture, format.depth == PictureDepth::Float, format.alpha));
-    }
+    writeWholeFile(file, encodePicture(picture, format));
 }
 
 void checkWritable(const fs::path& file) {

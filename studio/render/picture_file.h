@@ -1,6 +1,8 @@
 #pragma once
 
 #include <filesystem>
+#include <optional>
+#include <string>
 
 #include "studio/render/picture.h"
 
@@ -15,16 +17,20 @@ struct PictureFormat {
     bool alpha = false;                        ///< keep the alpha channel
 };
 
-/// The format that `file`'s suffix (.png, .exr) and `depth` make together.
-/// Default: 8 bit for PNG, half for EXR. Throws std::invalid_argument with one
-/// line for another suffix and for a depth that the format has not.
-PictureFormat pictureFormat(const std::filesystem::path& file, PictureDepth depth, bool alpha);
+/// The format that `kind`, else `file`'s suffix (.png, .exr), and `depth` make
+/// together. Default: 8 bit for PNG, half for EXR; PNG for the file "-". Throws
+/// std::invalid_argument with one line for another suffix, for a suffix that
+/// contradicts `kind` and for a depth that the format has not.
+PictureFormat pictureFormat(const std::filesystem::path& file, PictureDepth depth, bool alpha,
+                            std::optional<PictureFormat::Kind> kind = {});
 
-/// Writes a picture: PNG encoded for display (alpha not premultiplied, only the
+/// The bytes of a picture's file: PNG encoded for display (alpha not premultiplied, only the
 /// window's pixels), EXR scene-linear (alpha premultiplied, display window
-/// kept, no date). The file is complete or absent: temporary name in the same
-/// folder, every write checked, flushed to disk, read back, renamed. Equal
-/// pictures are equal files.
+/// kept, no date). Equal pictures are equal files.
+std::string encodePicture(const Picture& picture, const PictureFormat& format);
+
+/// Writes encodePicture() to a file that is complete or absent: temporary name in
+/// the same folder, every write checked, flushed to disk, read back, renamed.
 /// Throws OutputError.
 void writePicture(const Picture& picture, const std::filesystem::path& file,
                   const PictureFormat& format);

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <system_error>
 
+#include "studio/files/standard_streams.h"
 #include "studio/files/whole_file.h"
 #include "studio/scene/scene_error.h"
 
@@ -34,7 +35,7 @@ std::string wordBytes(std::size_t word) {
 }
 
 [[noreturn]] void damaged(const std::filesystem::path& file, const char* what) {
-    throw SceneError(fmt::format("{}: {}; export it again", file.string(), what));
+    throw SceneError(fmt::format("{}: {}; export it again", shownName(file), what));
 }
 
 // The JSON chunk must come first; what follows must be whole chunks.
@@ -57,13 +58,26 @@ GltfContainer takeApart(const std::filesystem::path& file, std::string_view byte
 
 }  // namespace
 
+bool isStandardInput(const std::filesystem::path& file) {
+    return file == "-";
+}
+
+std::string shownName(const std::filesystem::path& file) {
+    return isStandardInput(file) ? "standard input" : file.string();
+}
+
 GltfContainer readContainer(const std::filesystem::path& file) {
+    const bool stream = isStandardInput(file);
     std::string bytes;
     try {
-        bytes = readWholeFile(file, kMostBytes);
+        bytes = stream ? readStandardInput(kMostBytes) : readWholeFile(file, kMostBytes);
     } catch (const std::system_error& error) {
-        throw SceneError(fmt::format("{}: cannot be read: {}; check the path", file.string(),
-                                     error.code().message()));
+        throw SceneError(fmt::format("{}: cannot be read: {}; {}", shownName(file),
+                                     error.code().message(),
+                                     stream ? "pipe a scene into it" : "check the path"));
+    }
+    if (stream && bytes.empty()) {
+        throw SceneError("standard input: is empty; pipe a .glb or .gltf into it");
     }
     if (bytes.starts_with(kMagic)) return takeApart(file, bytes);
     return {false, std::move(bytes), {}};

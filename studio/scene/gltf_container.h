@@ -12,7 +12,14 @@ struct GltfContainer {
     std::string chunks;   ///< .glb: all that follows the JSON chunk, byte for byte
 };
 
-/// Throws SceneError: missing file, neither JSON nor a whole .glb of version 2.
+/// Whether `file` is "-", which stands for standard input.
+bool isStandardInput(const std::filesystem::path& file);
+
+/// What messages call the file.
+std::string shownName(const std::filesystem::path& file);
+
+/// Reads a file, or standard input for "-". Throws SceneError: missing file,
+/// neither JSON nor a whole .glb of version 2.
 GltfContainer readContainer(const std::filesystem::path& file);
 
 /// The bytes of the file; throws SceneError when a .glb would pass 4 GiB.

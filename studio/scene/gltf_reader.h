@@ -6,11 +6,10 @@
 
 namespace tavora::studio {
 
-/// Reads a glTF 2.0 file (.gltf or .glb) with all it refers to and poses it at
-/// rest. Cameras and lights are those of the file; see default_view.h
-/// for what a file may lack.
-/// Throws SceneError for anything that cannot be rendered as the file says.
-/// Any thread.
+/// Reads a glTF 2.0 file (.gltf or .glb; "-" for standard input, which must hold
+/// everything) with all it refers to and poses it at rest. Cameras and lights are those of the
+/// file; see default_view.h for what a file may lack. Throws SceneError for anything that cannot be
+/// rendered as the file says. Any thread.
 Scene readGltf(const std::filesystem::path& file);
 
 }  // namespace tavora::studio

@@ -44,6 +44,12 @@ Bytes bytesOf(const GltfSource& source, const fs::path& folder, const std::strin
         if (!data) source.fail(place + " has a damaged data URI: export the file again");
         return std::move(*data);
     }
+    if (source.stream) {
+        source.fail(
+            fmt::format("{} names the file {}, but a scene from standard input has no folder: "
+                        "name the scene's file, or pipe a .glb that holds everything",
+                        place, shown(uri)));
+    }
     const auto file = fileOfUri(uri);
     if (!file) {
         source.fail(

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <fmt/format.h>
 
+#include "studio/files/standard_streams.h"
 #include "studio/files/whole_file.h"
 #include "studio/scene/gltf_container.h"
 #include "studio/scene/json_text.h"
@@ -25,8 +26,12 @@ std::string lowerSuffix(const fs::path& file) {
     return suffix;
 }
 
+bool isStandardOutput(const fs::path& file) {
+    return file == "-";
+}
+
 void checkSuffix(const fs::path& input, const fs::path& output) {
-    if (lowerSuffix(input) == lowerSuffix(output)) return;
+    if (isStandardOutput(output) || lowerSuffix(input) == lowerSuffix(output)) return;
     throw SceneError(fmt::format("{}: must end in {} like {}, since only settings change",
                                  output.string(), input.extension().string(), input.string()));
 }
@@ -53,10 +58,12 @@ bool sameFolder(const fs::path& a, const fs::path& b) {
 }
 
 void checkReferences(const Json& document, const fs::path& input, const fs::path& output) {
+    const bool stream = isStandardOutput(output);
     const std::string uri = referredFile(document);
-    if (uri.empty() || sameFolder(input, output)) return;
-    throw SceneError(fmt::format("{}: refers to {} beside it; write the result to the same folder",
-                                 input.string(), uri));
+    if (uri.empty() || (!stream && sameFolder(input, output))) return;
+    throw SceneError(fmt::format("{}: refers to {} beside it; write the result to {}",
+                                 input.string(), uri,
+                                 stream ? "a file in the same folder" : "the same folder"));
 }
 
 std::string materialWith(std::string_view material, const StoredShader& shader,
@@ -104,7 +111,8 @@ void writeGltfSettings(const fs::path& input, const fs::path& output,
     checkReferences(parsed, input, output);
     container.json = (marked ? std::string(kByteOrderMark) : std::string()) +
                      documentWith(document, shaders, where);
-    writeWholeFile(output, containerBytes(container));
+    const std::string bytes = containerBytes(container);
+    isStandardOutput(output) ? writeOut(bytes) : writeWholeFile(output, bytes);
 }
 
 }  // namespace tavora::studio

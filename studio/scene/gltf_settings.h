@@ -14,9 +14,10 @@ namespace tavora::studio {
 /// they are, so a .gltf written to another folder needs its files beside it
 /// (that case is an error unless the folder is the same or nothing is relative).
 /// `output` may be `input`; it is replaced whole or not at all, and its suffix
-/// (.gltf or .glb) must be that of the input.
+/// (.gltf or .glb) must be that of the input. "-" is standard output, for an
+/// input that refers to no other file.
 /// Throws SceneError when the input cannot be read, OutputError when the output
-/// cannot be written.
+/// cannot be written, ReaderGone.
 void writeGltfSettings(const std::filesystem::path& input, const std::filesystem::path& output,
                        const std::map<int, StoredShader>& shaders);
 

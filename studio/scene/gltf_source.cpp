@@ -144,7 +144,8 @@ void GltfSource::fail(const std::string& what) const {
 
 GltfSource readGltfSource(const fs::path& file) {
     GltfSource source;
-    source.path = file.string();
+    source.path = shownName(file);
+    source.stream = isStandardInput(file);
     const GltfContainer container = readContainer(file);
     source.document = parseDocument(source, container.json);
     checkVersion(source);

@@ -21,6 +21,7 @@ struct SourceImage {
 /// files, nothing posed or decoded yet. checkShape() passed the document.
 struct GltfSource {
     std::string path;                 ///< for messages
+    bool stream = false;              ///< from standard input: no folder, so no files beside it
     nlohmann::ordered_json document;  ///< all of it; for materials, extras and extensions
     tinygltf::Model model;            ///< the rest, without buffers, images and materials
     std::vector<std::vector<std::uint8_t>> buffers;  ///< each as long as it declares

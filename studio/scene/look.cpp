@@ -130,14 +130,20 @@ std::string readText(const fs::path& file) {
     }
 }
 
-fs::path findLook(const std::string& nameOrFile) {
-    const bool bare = nameOrFile.find('/') == std::string::npos && !nameOrFile.ends_with(kSuffix) &&
-                      !nameOrFile.empty();
-    if (!bare) return nameOrFile;
+bool isBareName(const std::string& nameOrFile) {
+    return nameOrFile.find('/') == std::string::npos && !nameOrFile.ends_with(kSuffix) &&
+           !nameOrFile.empty();
+}
+
+// The file that is meant: a bare name means a look that ships, if there is one.
+fs::path fileOfLook(const std::string& nameOrFile) {
     fs::path shipped = shippedLooksFolder() / (nameOrFile + kSuffix);
     std::error_code ignored;
-    if (fs::exists(shipped, ignored)) return shipped;
-    if (fs::exists(nameOrFile, ignored)) return nameOrFile;
+    return isBareName(nameOrFile) && fs::exists(shipped, ignored) ? shipped : fs::path(nameOrFile);
+}
+
+fs::path findLook(const std::string& nameOrFile) {
+    if (!isBareName(nameOrFile) || isLook(nameOrFile)) return fileOfLook(nameOrFile);
     const std::vector<std::string> names = shippedLooks();
     throw SceneError(
         fmt::format("no look \"{}\"{}", nameOrFile,
@@ -172,6 +178,11 @@ Look readLook(const std::string& nameOrFile) {
     Look look = parseLook(readText(file), file.string());
     if (look.name.empty()) look.name = file.stem();
     return look;
+}
+
+bool isLook(const std::string& nameOrFile) {
+    std::error_code ignored;
+    return !nameOrFile.empty() && fs::exists(fileOfLook(nameOrFile), ignored);
 }
 
 fs::path shippedLooksFolder() {

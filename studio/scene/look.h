@@ -26,6 +26,9 @@ Look readLook(const std::string& nameOrFile);
 /// The same from the text of a file; `where` is its name in messages.
 Look parseLook(std::string_view text, const std::string& where);
 
+/// Whether readLook() would find something of that name to read.
+bool isLook(const std::string& nameOrFile);
+
 /// Names of the looks that ship, sorted; none when their folder is missing.
 std::vector<std::string> shippedLooks();
 

@@ -1,7 +1,9 @@
 #include "studio/scene/setting_names.h"
 
+#include <algorithm>
 #include <array>
 #include <fmt/format.h>
+#include <iterator>
 #include <utility>
 #include <vector>
 
@@ -34,6 +36,11 @@ const StoredField& findField(std::span<const StoredField> table, std::string_vie
     }
     throw SceneError(
         fmt::format("{}: unknown setting \"{}\"{}", where, name, nearestNames(name, known)));
+}
+
+bool isSettingName(std::string_view name) {
+    return std::any_of(std::begin(storedFields), std::end(storedFields),
+                       [&](const StoredField& field) { return field.name == fullName(name); });
 }
 
 }  // namespace tavora::studio

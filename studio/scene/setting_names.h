@@ -13,4 +13,7 @@ namespace tavora::studio {
 const StoredField& findField(std::span<const StoredField> table, std::string_view name,
                              const std::string& where);
 
+/// Whether a shader has a setting of that name; lists may go by their short name.
+bool isSettingName(std::string_view name);
+
 }  // namespace tavora::studio

@@ -1,9 +1,9 @@
 #include "studio/services/messages.h"
 
-#include <cstdio>
 #include <fmt/format.h>
 #include <mutex>
 
+#include "studio/files/standard_streams.h"
 #include "studio/services/service_tables.h"
 
 namespace tavora::studio {
@@ -46,7 +46,7 @@ void sendMessage(MessageKind kind, const std::string& text) {
     if (currentSink) {
         currentSink(kind, text);
     } else {
-        fmt::print(stderr, "tavora: {}{}\n", label(kind), text);
+        writeError(fmt::format("tavora: {}{}\n", label(kind), text));
     }
 }
 

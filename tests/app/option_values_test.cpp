@@ -54,9 +54,9 @@ TEST(OptionValues, ReadColours) {
 
 TEST(OptionValues, TellSurfacesFromLooksAndSettings) {
     EXPECT_EQ(lookChoice("noir").surfaces, "");
-    const LookChoice look = lookChoice("Glass*=a=b.json");
-    EXPECT_EQ(look.surfaces, "Glass*");
-    EXPECT_EQ(look.look, "a=b.json");
+    const LookChoice look = lookChoice("a=b=none.json");
+    EXPECT_EQ(look.surfaces, "a=b");
+    EXPECT_EQ(look.look, "none.json");
     EXPECT_THROW(lookChoice("=noir"), UsageError);
     EXPECT_THROW(lookChoice("Body="), UsageError);
 
@@ -74,6 +74,10 @@ TEST(OptionValues, TellSurfacesFromLooksAndSettings) {
         {"a.zones[0].b.edgeEnable=1", "a.zones[0].b", "edgeEnable", "1"},
         {"Body.zones=[]", "Body", "zones", "[]"},
         {"Body.lights=a=b", "Body", "lights", "a=b"},
+        {"a=b.edgeEnable=1", "a=b", "edgeEnable", "1"},
+        {"x.y=z.edgeEnable=1", "x.y=z", "edgeEnable", "1"},
+        {"a.lights\\=b.edgeEnable=1", "a.lights\\=b", "edgeEnable", "1"},
+        {"Body.edgeEnabel=a=b", "Body", "edgeEnabel", "a=b"},
     };
     for (const Case& expected : cases) {
         const SettingChange change = settingChange(expected.text);

@@ -63,8 +63,10 @@ TEST(AtomicFile, ReadBackThatThrowsKeepsTheOldFile) {
     {
         AtomicFile file(folder / "a.txt");
         file.write("new", 3);
-        EXPECT_THROW(file.commit([](const fs::path& written) {
-            EXPECT_EQ(bytesOf(written), "new");
+        EXPECT_THROW(file.commit([](int descriptor) {
+            std::string written(3, ' ');
+            EXPECT_EQ(::pread(descriptor, written.data(), written.size(), 0), 3);
+            EXPECT_EQ(written, "new");
             throw OutputError("no good");
         }),
                      OutputError);

@@ -151,10 +151,19 @@ TEST(ModuleFile, IsLookedForInOrder) {
         findModule({});
         ADD_FAILURE() << "found one";
     } catch (const LinkError& error) {
-        const std::string beside = fs::read_symlink("/proc/self/exe").parent_path().string();
         EXPECT_THAT(error.what(),
                     AllOf(HasSubstr((folder / "first").string()),
-                          HasSubstr((folder / "second").string()), HasSubstr(beside)));
+                          HasSubstr((folder / "second").string()), HasSubstr("unset it")));
+    }
+    // Set but empty is as good as unset: the place beside the program counts.
+    const std::string beside = fs::read_symlink("/proc/self/exe").parent_path().string();
+    for (const char* none : {"", ":"}) {
+        setenv("TAVORA_PLUGIN_PATH", none, 1);
+        try {
+            EXPECT_EQ(findModule({}).parent_path(), beside);
+        } catch (const LinkError& error) {
+            EXPECT_THAT(error.what(), HasSubstr(beside));
+        }
     }
     unsetenv("TAVORA_PLUGIN_PATH");
 }

@@ -1,0 +1,94 @@
+#include "studio/files/standard_streams.h"
+
+#include <algorithm>
+#include <cerrno>
+#include <fcntl.h>
+#include <poll.h>
+#include <system_error>
+#include <unistd.h>
+
+#include "studio/files/output_error.h"
+#include "studio/files/output_place.h"
+#include "studio/files/written_mark.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr const char* kOutputName = "standard output";
+
+// Whether a call that failed is to be made again. Another program may have set a shared
+// stream to not wait; then this one waits here.
+bool again(int descriptor, short event) {
+    if (errno == EINTR) return true;
+    if (errno != EAGAIN) return false;
+    pollfd ready{descriptor, event, 0};
+    return ::poll(&ready, 1, -1) > 0 || errno == EINTR;
+}
+
+[[noreturn]] void failWriting(int error) {
+    if (error == EPIPE) throw ReaderGone();
+    throw OutputError(outputMessage(kOutputName, "cannot be written", error));
+}
+
+// Some network folders tell of a full disk only when the file is closed.
+void checkClosing() {
+    const int copy = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
+    if (copy >= 0 && ::close(copy) != 0 && errno != EINTR) failWriting(errno);
+}
+
+}  // namespace
+
+void openMissingStreams() noexcept {
+    // Each open takes the lowest free number. Writing to descriptor 1 and reading from 0 must
+    // fail as they do without a file, so these are opened for the opposite.
+    constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_WRONLY};
+    for (int descriptor = 0; descriptor <= STDERR_FILENO; ++descriptor) {
+        if (::fcntl(descriptor, F_GETFD) < 0 && errno == EBADF) {
+            [[maybe_unused]] const int opened = ::open("/dev/null", kModes[descriptor]);
+        }
+    }
+}
+
+void writeError(std::string_view text) noexcept {
+    while (!text.empty()) {
+        const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
+        if (written < 0 && errno == EINTR) continue;
+        if (written <= 0) return;
+        text.remove_prefix(static_cast<std::size_t>(written));
+    }
+}
+
+void writeOut(std::string_view bytes) {
+    markWritten();
+    while (!bytes.empty()) {
+        const ssize_t written = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
+        if (written < 0 && again(STDOUT_FILENO, POLLOUT)) continue;
+        if (written <= 0) failWriting(written < 0 ? errno : EIO);
+        bytes.remove_prefix(static_cast<std::size_t>(written));
+    }
+    checkClosing();
+}
+
+void checkStandardOutput() {
+    const int flags = ::fcntl(STDOUT_FILENO, F_GETFL);
+    if (flags < 0 || (flags & O_ACCMODE) == O_RDONLY) failWriting(EBADF);
+}
+
+std::string readStandardInput(std::size_t limit) {
+    constexpr std::size_t kFirst = std::size_t{1} << 16;
+    std::string bytes;
+    std::size_t size = 0;
+    for (;;) {
+        if (size == bytes.size()) bytes.resize(std::max(kFirst, 2 * size));
+        const ssize_t got = ::read(STDIN_FILENO, bytes.data() + size, bytes.size() - size);
+        if (got < 0 && again(STDIN_FILENO, POLLIN)) continue;
+        if (got < 0) throw std::system_error(errno, std::generic_category());
+        if (got == 0) break;
+        size += static_cast<std::size_t>(got);
+        if (size > limit) throw std::system_error(EFBIG, std::generic_category());
+    }
+    bytes.resize(size);
+    return bytes;
+}
+
+}  // namespace tavora::studio
