@@ -226,18 +226,20 @@ void addQuality(Command& command, RenderRequest& request) {
                    into(request.depth, depth));
 }
 
+void addBackground(Command& command, std::optional<Imath::V3d>& target) {
+    command.option("--background", "COLOUR", "#rrggbb, R,G,B, a grey, or transparent",
+                   into(target, background));
+}
+
 void addView(Command& command, RenderRequest& request) {
     command.option("-c,--camera", "NAME|INDEX", "Camera of the scene (its first)",
                    into(request.camera));
     command.flag("--list-cameras", request.listCameras, "List the scene's cameras and stop");
-    command.option("--background", "COLOUR", "#rrggbb, R,G,B, a grey, or transparent",
-                   into(request.background, background));
+    addBackground(command, request.background);
     addLighting(command, request.lighting);
 }
 
 void addRender(Command& command, RenderRequest& request) {
-    constexpr double kBackdrop[] = {0.925, 0.933, 0.945};
-    request.background = Imath::V3d(kBackdrop[0], kBackdrop[1], kBackdrop[2]);
     addScene(command, request.scene);
     command.option("-o,--output", "FILE", "Picture to write, .png or .exr", into(request.output));
     addPictureSize(command, request);
@@ -279,6 +281,7 @@ void addLooks(Command& command, LooksRequest& request) {
 void addEdit(Command& command, EditRequest& request) {
     addScene(command, request.scene);
     addShading(command, request.shading);
+    addBackground(command, request.background);
     addLighting(command, request.lighting);
     addThreads(command, request.threads);
     addReport(command, request.report);

@@ -65,6 +65,9 @@ class Document {
     /// Lays a look (a name or file) over the surfaces and turns them on: one
     /// step. Throws SceneError.
     void wearLook(const std::string& look, const std::vector<std::size_t>& surfaces);
+    /// What wearLook() would give the surfaces.
+    std::vector<std::pair<std::size_t, SurfaceSettings>> withLook(
+        const std::string& look, const std::vector<std::size_t>& surfaces) const;
     /// Writes the surface's settings as a look. Throws SceneError, OutputError.
     void saveLook(std::size_t surface, const std::filesystem::path& file) const;
 
@@ -74,6 +77,10 @@ class Document {
     std::string redoText() const;
     void undo();
     void redo();
+    /// Whether the last step is what this gesture did.
+    bool did(Gesture gesture) const;
+    /// Takes the gesture's step back for good; nothing when there is none.
+    void abandon(Gesture gesture);
     /// Changes after this are a step of their own, whatever their gesture.
     void endStep();
 
