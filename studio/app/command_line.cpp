@@ -189,6 +189,11 @@ void addQuality(Command& command, RenderRequest& request) {
                    into(request.format, pictureKind));
 }
 
+void addBackground(Command& command, std::optional<Imath::V3d>& target) {
+    command.option("--background", "COLOUR", "#rrggbb, R,G,B, a grey, or transparent",
+                   into(target, background));
+}
+
 void addView(Command& command, RenderRequest& request) {
     command.option("-c,--camera", "NAME|INDEX", "Camera of the scene (its first)",
                    into(request.camera));
@@ -198,14 +203,11 @@ void addView(Command& command, RenderRequest& request) {
         app->get_option("--output")->required(false);
     };
     command->add_flag_callback("--list-cameras", list, "List the scene's cameras and stop");
-    command.option("--background", "COLOUR", "#rrggbb, R,G,B, a grey, or transparent",
-                   into(request.background, background));
+    addBackground(command, request.background);
     addLighting(command, request.lighting);
 }
 
 void addRender(Command& command, RenderRequest& request) {
-    constexpr double kBackdrop[] = {0.925, 0.933, 0.945};
-    request.background = Imath::V3d(kBackdrop[0], kBackdrop[1], kBackdrop[2]);
     addScene(command, request.scene)->required();
     addOutput(command, "the picture to write, .png or .exr", request.output)->required();
     addPictureSize(command, request);
@@ -252,6 +254,7 @@ void addLooks(Command& command, LooksRequest& request) {
 void addEdit(Command& command, EditRequest& request) {
     addScene(command, request.scene);
     addShading(command, request.shading);
+    addBackground(command, request.background);
     addLighting(command, request.lighting);
     addThreads(command, request.threads);
     addReport(command, request.report);

@@ -47,6 +47,9 @@ struct ShadingRequest {
 /// Left, top, right, bottom as shares of the picture, 0..1.
 using CropShares = std::array<double, 4>;
 
+/// What lies behind a scene unless something else is asked for; display-referred.
+inline const Imath::V3d kUsualBackground{0.925, 0.933, 0.945};
+
 struct RenderRequest {
     ReportOptions report;
     std::string scene;   ///< "-": standard input
@@ -63,7 +66,7 @@ struct RenderRequest {
     std::string camera;
     bool listCameras = false;
     ShadingRequest shading;
-    std::optional<Imath::V3d> background;  ///< display-referred; empty: transparent
+    std::optional<Imath::V3d> background = kUsualBackground;  ///< empty: transparent
     LightingOptions lighting;
     /// Names or globs of surfaces that throw no shadow on themselves.
     std::vector<std::string> withoutSelfShadow;
@@ -98,8 +101,9 @@ struct LooksRequest {
 /// The edit window.
 struct EditRequest {
     ReportOptions report;
-    std::string scene;  ///< empty: the window asks
-    int threads = 0;    ///< 0: one a core
+    std::string scene;                                        ///< empty: the window asks
+    int threads = 0;                                          ///< 0: one a core
+    std::optional<Imath::V3d> background = kUsualBackground;  ///< empty: transparent
     ShadingRequest shading;
     LightingOptions lighting;
 };

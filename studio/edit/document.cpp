@@ -205,7 +205,8 @@ void Document::setSettings(const std::vector<std::pair<std::size_t, SurfaceSetti
     take(std::move(step));
 }
 
-void Document::wearLook(const std::string& look, const std::vector<std::size_t>& surfaces) {
+std::vector<std::pair<std::size_t, SurfaceSettings>> Document::withLook(
+    const std::string& look, const std::vector<std::size_t>& surfaces) const {
     const Look worn = readLook(look);
     const std::vector<std::string> lights = lightNamesOf(scene());
     std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
@@ -215,7 +216,12 @@ void Document::wearLook(const std::string& look, const std::vector<std::size_t>&
         settleLightList(after, lights);
         changes.push_back({surface, {true, blockOf(after)}});
     }
-    setSettings(changes, fmt::format("look {} on {}", worn.name, parts_->named(surfaces)));
+    return changes;
+}
+
+void Document::wearLook(const std::string& look, const std::vector<std::size_t>& surfaces) {
+    setSettings(withLook(look, surfaces),
+                fmt::format("look {} on {}", readLook(look).name, parts_->named(surfaces)));
 }
 
 void Document::saveLook(std::size_t surface, const fs::path& file) const {
@@ -245,6 +251,14 @@ void Document::undo() {
 
 void Document::redo() {
     if (canRedo()) show(parts_->steps.redo().changes, true);
+}
+
+bool Document::did(Gesture gesture) const {
+    return parts_->steps.isLast(gesture);
+}
+
+void Document::abandon(Gesture gesture) {
+    if (did(gesture)) show(parts_->steps.drop().changes, false);
 }
 
 void Document::endStep() {

@@ -66,6 +66,9 @@ class Document {
     /// As on the command line it lies over the built-in settings, whatever the
     /// surfaces wore and the user stored. Throws SceneError.
     void wearLook(const std::string& look, const std::vector<std::size_t>& surfaces);
+    /// What wearLook() would give the surfaces.
+    std::vector<std::pair<std::size_t, SurfaceSettings>> withLook(
+        const std::string& look, const std::vector<std::size_t>& surfaces) const;
     /// Writes the surface's settings as a look. Throws SceneError, OutputError.
     void saveLook(std::size_t surface, const std::filesystem::path& file) const;
 
@@ -75,6 +78,10 @@ class Document {
     std::string redoText() const;
     void undo();
     void redo();
+    /// Whether the last step is what this gesture did.
+    bool did(Gesture gesture) const;
+    /// Takes the gesture's step back for good; nothing when there is none.
+    void abandon(Gesture gesture);
     /// Changes after this are a step of their own, whatever their gesture.
     void endStep();
 

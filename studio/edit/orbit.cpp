@@ -80,9 +80,18 @@ Orbit::Orbit(const Camera& start, const Imath::Box3d& bounds)
       camera_(start),
       startInterest_(eyeOf(start) - backOf(start) * distanceAlong(start, bounds)),
       interest_(startInterest_),
+      bounds_(bounds),
       size_(lengthOf(bounds)) {
     start_.aspect = 0;
     camera_.aspect = 0;
+}
+
+void Orbit::setStart(const Camera& start) {
+    const bool goesAlong = isAtStart();
+    start_ = start;
+    start_.aspect = 0;
+    startInterest_ = eyeOf(start) - backOf(start) * distanceAlong(start, bounds_);
+    if (goesAlong) reset();
 }
 
 bool Orbit::isAtStart() const {
@@ -137,12 +146,14 @@ void Orbit::zoom(double factor) {
     }
 }
 
-void Orbit::frame(const Imath::Box3d& box) {
+void Orbit::frame(const Imath::Box3d& box, double aspect) {
     if (box.isEmpty()) return;
     const double radius = lengthOf(box) / 2;
-    double distance = radius / std::sin(camera_.verticalFov / 2);
+    const double narrow = std::min(aspect, 1.0);
+    const double halfFov = std::atan(std::tan(camera_.verticalFov / 2) * narrow);
+    double distance = radius / std::sin(halfFov);
     if (camera_.orthographic) {
-        camera_.halfHeight = radius;
+        camera_.halfHeight = radius / narrow;
         distance = std::max(depth(), 2 * radius);
     }
     interest_ = box.center();

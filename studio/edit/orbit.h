@@ -13,6 +13,10 @@ class Orbit {
     /// middle at its nearest.
     Orbit(const Camera& start, const Imath::Box3d& bounds);
 
+    /// Another camera to start as, the point of interest being what it is for a
+    /// new orbit. A view that is still at its start goes along.
+    void setStart(const Camera& start);
+
     /// Camera::aspect is 0: the picture's own.
     const Camera& camera() const { return camera_; }
     bool isAtStart() const;
@@ -29,9 +33,9 @@ class Orbit {
     /// Above 1 comes nearer by that factor; a perspective camera never passes
     /// its point of interest, an orthographic one changes its half height.
     void zoom(double factor);
-    /// Aims at the middle of `box` and sees all of it in a picture that is no
-    /// higher than wide. An empty box changes nothing.
-    void frame(const Imath::Box3d& box);
+    /// Aims at the middle of `box` and sees all of it in a picture of width /
+    /// height = `aspect`. An empty box changes nothing.
+    void frame(const Imath::Box3d& box, double aspect);
     void reset();
 
   private:
@@ -42,7 +46,8 @@ class Orbit {
     Camera camera_;
     Imath::V3d startInterest_;
     Imath::V3d interest_;
-    double size_;  ///< of the scene, metres
+    Imath::Box3d bounds_;  ///< of the scene
+    double size_;          ///< of the scene, metres
 };
 
 }  // namespace tavora::studio

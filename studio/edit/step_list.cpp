@@ -31,6 +31,19 @@ bool StepList::joins(const Step& step) const {
            last.changes.front().surface == step.changes.front().surface;
 }
 
+bool StepList::isLast(Gesture gesture) const {
+    return open_ && gesture != 0 && done_ > 0 && steps_[done_ - 1].gesture == gesture;
+}
+
+Step StepList::drop() {
+    Step last = std::move(steps_.back());
+    bytes_ -= steps_.back().bytes;
+    steps_.pop_back();
+    --done_;
+    open_ = false;
+    return last;
+}
+
 void StepList::join(Step step) {
     Entry& last = steps_.back();
     SettingsChange& change = last.changes.front();

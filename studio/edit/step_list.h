@@ -41,6 +41,11 @@ class StepList {
     /// The next step stands alone, whatever its gesture.
     void end() { open_ = false; }
 
+    /// Whether the last step is open and this gesture's.
+    bool isLast(Gesture gesture) const;
+    /// Removes the last step, which cannot be done again. Only when there is one.
+    Step drop();
+
     bool canUndo() const { return done_ > 0; }
     bool canRedo() const { return done_ < steps_.size(); }
     const std::string& undoText() const { return steps_[done_ - 1].what; }

@@ -13,8 +13,10 @@ class AreaWidget : public QWidget {
 
     /// Of the last press, from the upper left corner.
     QPoint mouse() const { return mouse_; }
-    /// How far the caret goes; 0: there is nothing to choose from.
+    /// How far the caret goes; 0: there is none.
     void setReach(int reach) { reach_ = reach; }
+    /// Counts as the user's.
+    void press(QPoint mouse);
 
   signals:
     void pressed();
@@ -27,7 +29,6 @@ class AreaWidget : public QWidget {
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    void press(QPoint mouse);
     void moveCaret(int distance);
 
     QPoint mouse_;

@@ -71,6 +71,11 @@ void DragButton::keyPressEvent(QKeyEvent* event) {
             return drag(-kPage);
         case Qt::Key_PageUp:
             return drag(kPage);
+        case Qt::Key_Escape:
+            if (!isDown()) return event->ignore();
+            setDown(false);
+            if (std::exchange(distance_, 0) != 0) emit moved(0);
+            return;
         default:
             event->ignore();
     }

@@ -21,7 +21,8 @@ PanelControl* controlOf(HostControlId id) {
 HostPanelId createPanel(const char* title, void* data) {
     if (world == nullptr) return nullptr;
     const HostPanelId id = world->panels.next();
-    auto* panel = new PanelDialog(id, QString::fromUtf8(title), data, world->top());
+    PanelDialog* owner = world->open.empty() ? nullptr : world->open.back().data();
+    auto* panel = new PanelDialog(id, QString::fromUtf8(title), data, owner);
     world->panels.add(id, *panel);
     return id;
 }
@@ -32,18 +33,38 @@ void destroyPanel(HostPanelId id) {
     // Those that were made over it go with it.
     const auto all = world->panels.all();
     for (const auto& [other, over] : all)
-        if (over->parentWidget() == panel) destroyPanel(other);
+        if (over->owner() == panel) destroyPanel(other);
     for (const PanelControl* control : panel->controls())
         world->controls.remove(control->id());
     world->panels.remove(id);
     panel->retire();
 }
 
+/// In the window that was kept for the outermost panel, or in a new one.
+bool showPanel(PanelDialog& panel, int mode) {
+    const bool outermost = world->open.size() == 1;
+    const QPointer<PanelFrame> frame =
+        outermost && !world->kept.isNull() ? world->kept.data() : new PanelFrame(world->under());
+    const bool confirmed = panel.run(mode, world->hooks, *frame);
+    if (outermost && world != nullptr && world->keepWindow) {
+        world->kept = frame;
+    } else if (!frame.isNull()) {
+        frame->hide();
+        frame->deleteLater();
+    }
+    return confirmed;
+}
+
 int openPanel(HostPanelId id, int mode) {
     PanelDialog* panel = panelOf(id);
     if (panel == nullptr || panel->isOpen()) return 0;
     world->open.emplace_back(panel);
-    const bool confirmed = panel->run(mode, world->hooks);
+    bool confirmed = false;
+    if (world->hooks.insteadOfShowing) {
+        panel->runUnseen(mode, world->hooks);
+    } else {
+        confirmed = showPanel(*panel, mode);
+    }
     if (world != nullptr) world->open.pop_back();
     return confirmed ? 1 : 0;
 }
@@ -122,6 +143,10 @@ constexpr HostRasterServices rasterTable = {nullptr};
 
 QWidget* PanelWorld::top() const {
     return open.empty() ? window.data() : static_cast<QWidget*>(open.back().data());
+}
+
+QWidget* PanelWorld::under() const {
+    return open.size() < 2 ? window.data() : static_cast<QWidget*>(open[open.size() - 2].data());
 }
 
 WindowServices panelServices() {

@@ -2,6 +2,7 @@
 
 #include <QHeaderView>
 #include <QKeyEvent>
+#include <QMouseEvent>
 #include <QPainter>
 #include <QStyledItemDelegate>
 #include <QVBoxLayout>
@@ -122,9 +123,13 @@ MultiListView::MultiListView(QWidget* parent) : QTableView(parent) {
     horizontalHeader()->setSectionsClickable(false);
     connect(this, &QTableView::clicked, this,
             [this](const QModelIndex& index) { emit rowPressed(index.row()); });
-    // The second of two quick clicks is a click as well.
-    connect(this, &QTableView::doubleClicked, this,
-            [this](const QModelIndex& index) { emit rowPressed(index.row()); });
+}
+
+/// The second of two quick clicks is a click as well.
+void MultiListView::mouseDoubleClickEvent(QMouseEvent* event) {
+    if (event->button() != Qt::LeftButton) return;
+    const QModelIndex index = indexAt(event->position().toPoint());
+    if (index.isValid()) emit rowPressed(index.row());
 }
 
 void MultiListView::focusInEvent(QFocusEvent* event) {

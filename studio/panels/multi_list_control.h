@@ -45,6 +45,7 @@ class MultiListView : public QTableView {
 
   protected:
     void keyPressEvent(QKeyEvent* event) override;
+    void mouseDoubleClickEvent(QMouseEvent* event) override;
     void focusInEvent(QFocusEvent* event) override;
 };
 

@@ -68,6 +68,22 @@ bool NumberField::commit() {
     return true;
 }
 
+/// Ends a drag where it began, or forgets what was typed. False when there was
+/// neither.
+bool NumberField::takeBack() {
+    if (std::exchange(dragging_, false)) {
+        pressed_ = false;
+        if (number_ == pressNumber_) return true;
+        setNumber(pressNumber_);
+        emit entered();
+        return true;
+    }
+    if (!isModified()) return false;
+    setTyping(false);
+    showNumber();
+    return true;
+}
+
 void NumberField::keyPressEvent(QKeyEvent* event) {
     const auto stepBy = [this](double steps) {
         commit();
@@ -87,6 +103,8 @@ void NumberField::keyPressEvent(QKeyEvent* event) {
             // Only what is not taken confirms the panel.
             if (commit()) return selectAll();
             return event->ignore();
+        case Qt::Key_Escape:
+            return takeBack() ? event->accept() : event->ignore();
         default:
             QLineEdit::keyPressEvent(event);
     }

@@ -26,6 +26,8 @@ class NumberField : public QLineEdit {
 
     /// Takes over what was typed. False when nothing was.
     bool commit();
+    /// As the user does it: within the range, with the decimals that it shows.
+    void enter(double number);
 
   signals:
     /// The user changed the number.
@@ -42,7 +44,7 @@ class NumberField : public QLineEdit {
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    void enter(double number);
+    bool takeBack();
     void dragTo(int distance, bool fine);
     void setTyping(bool typing);
     void showNumber();

@@ -6,6 +6,8 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QScrollArea>
+#include <QStyle>
 #include <QTabBar>
 #include <QVBoxLayout>
 #include <algorithm>
@@ -14,19 +16,23 @@
 #include "studio/panels/focus_order.h"
 #include "studio/panels/number_field.h"
 #include "studio/panels/panel_font.h"
+#include "studio/panels/panel_frame.h"
 #include "studio/panels/tips.h"
+#include "studio/panels/zone_markers.h"
 
 namespace tavora::studio {
 namespace {
 
 constexpr int kMargin = 10;
+constexpr int kWindowBorder = 60;  // pixels of a window's frame and of a task bar's edge
 
 }  // namespace
 
-PanelDialog::PanelDialog(HostPanelId id, const QString& title, void* userData, QWidget* parent)
-    : QDialog(parent),
-      id_(id),
+PanelDialog::PanelDialog(HostPanelId id, const QString& title, void* userData, PanelDialog* owner)
+    : id_(id),
+      owner_(owner),
       canvas_(new PanelCanvas(this)),
+      scroll_(new QScrollArea(this)),
       buttons_(new QDialogButtonBox(this)),
       userData_(userData) {
     setWindowTitle(title);
@@ -35,7 +41,10 @@ PanelDialog::PanelDialog(HostPanelId id, const QString& title, void* userData, Q
     lines->setContentsMargins(0, 0, 0, 0);
     lines->setSpacing(0);
     lines->setSizeConstraint(QLayout::SetFixedSize);
-    lines->addWidget(canvas_);
+    scroll_->setFrameShape(QFrame::NoFrame);
+    scroll_->setFocusPolicy(Qt::NoFocus);
+    scroll_->setWidget(canvas_);
+    lines->addWidget(scroll_);
     buttons_->setContentsMargins(kMargin, 0, kMargin, kMargin);
     lines->addWidget(buttons_);
     connect(buttons_, &QDialogButtonBox::accepted, this, &QDialog::accept);
@@ -88,22 +97,47 @@ void PanelDialog::set(HostPanelAttribute attribute, int value) {
     }
 }
 
-bool PanelDialog::run(int mode, const PanelHooks& hooks) {
-    if (isOpen() || retired_) return false;
-    const QPointer<PanelDialog> self(this);
+void PanelDialog::prepare(int mode) {
     setResult(Rejected);
+    findMarkers();
     addButtons(mode);
     drawAll();
     fit();
     settle();
-    if (hooks.insteadOfShowing) {
-        hooks.insteadOfShowing(*this);
-        return false;
-    }
+}
+
+void PanelDialog::findMarkers() {
+    const MarkerControls names = markerControlsOf(windowTitle());
+    const auto named = [this](const char* name) {
+        const auto found = std::ranges::find(controls_, QLatin1String(name), &QObject::objectName);
+        return found == controls_.end() ? nullptr : *found;
+    };
+    PanelControl* strip = named(names.strip);
+    PanelControl* choice = named(names.mode);
+    PanelControl* position = named(names.position);
+    if (markers_ != nullptr || strip == nullptr || choice == nullptr || position == nullptr) return;
+    markers_ = new ZoneMarkers({*strip, *choice, *position, *canvas_});
+}
+
+void PanelDialog::runUnseen(int mode, const PanelHooks& hooks) {
+    if (isOpen() || retired_) return;
+    prepare(mode);
+    hooks.insteadOfShowing(*this);
+}
+
+bool PanelDialog::run(int mode, const PanelHooks& hooks, PanelFrame& frame) {
+    if (isOpen() || retired_) return false;
+    const QPointer<PanelDialog> self(this);
+    prepare(mode);
     QEventLoop loop;
     loop_ = &loop;
-    place();
-    show();
+    limitTo(panelScreen(frame).availableGeometry());
+    frame.take(*this);
+    if (!frame.isVisible()) {
+        place(frame);
+        if (hooks.opening) hooks.opening(*this);
+        frame.show();
+    }
     focusFirst();
     if (hooks.opened) hooks.opened(*this);
     // The hook may have closed it, or destroyed it.
@@ -138,24 +172,39 @@ void PanelDialog::fit() {
         all |= item.fieldRect | item.labelRect;
     canvas_->setFixedSize(std::max(asked_.width(), all.right() + 1 + kMargin),
                           std::max(asked_.height(), all.bottom() + 1 + kMargin));
+    scroll_->setFixedSize(canvas_->size());
+    layout()->activate();
+    adjustSize();
+}
+
+/// On a small screen a part of the canvas is seen, and the rest scrolled to; the
+/// buttons under it are always seen.
+void PanelDialog::limitTo(const QRect& screen) {
+    const QSize size = canvas_->size();
+    const QSize most(screen.width() - kWindowBorder,
+                     screen.height() - kWindowBorder - buttons_->sizeHint().height());
+    const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
+    const bool high = size.height() > most.height();
+    const bool wide = size.width() + (high ? bar : 0) > most.width();
+    scroll_->setFixedSize((size + QSize(high ? bar : 0, wide ? bar : 0)).boundedTo(most));
     layout()->activate();
     adjustSize();
 }
 
 /// Where the module asked for, about the same centre when the panel grew.
-void PanelDialog::place() {
+void PanelDialog::place(PanelFrame& frame) const {
     // The outermost leaves its window usable, to look at what is edited.
-    const bool overPanel = qobject_cast<PanelDialog*>(parentWidget()) != nullptr;
-    setWindowModality(overPanel || parentWidget() == nullptr ? Qt::WindowModal : Qt::NonModal);
+    const bool blocks = owner_ != nullptr || frame.parentWidget() == nullptr;
+    frame.setWindowModality(blocks ? Qt::WindowModal : Qt::NonModal);
     if (!x_ || !y_) return;
-    const QRect screen = panelScreen(*this).availableGeometry();
-    const QSize own = frameSize();
+    const QRect screen = panelScreen(frame).availableGeometry();
+    const QSize own = frame.frameSize();
     const QSize asked = asked_.isEmpty() ? own : asked_;
     const QPoint wanted = screen.topLeft() + QPoint(*x_ + (asked.width() - own.width()) / 2,
                                                     *y_ + (asked.height() - own.height()) / 2);
     const QPoint last = screen.bottomRight() - QPoint(own.width(), own.height());
-    move(std::max(std::min(wanted.x(), last.x()), screen.left()),
-         std::max(std::min(wanted.y(), last.y()), screen.top()));
+    frame.move(std::max(std::min(wanted.x(), last.x()), screen.left()),
+               std::max(std::min(wanted.y(), last.y()), screen.top()));
 }
 
 void PanelDialog::drawAll() {
@@ -240,6 +289,7 @@ bool PanelDialog::focusNextPrevChild(bool next) {
         if (!widget->isVisible() || !widget->isEnabled()) continue;
         if ((widget->focusPolicy() & Qt::TabFocus) == 0) continue;
         widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
+        scroll_->ensureWidgetVisible(widget);
         return true;
     }
     return false;

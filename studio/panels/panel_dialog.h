@@ -12,16 +12,22 @@
 
 class QDialogButtonBox;
 class QEventLoop;
+class QScrollArea;
 
 namespace tavora::studio {
 
-/// One panel of a module. GUI thread.
+class PanelFrame;
+class ZoneMarkers;
+
+/// One panel of a module: what is inside the window that shows it. GUI thread.
 class PanelDialog : public QDialog {
     Q_OBJECT
   public:
-    PanelDialog(HostPanelId id, const QString& title, void* userData, QWidget* parent);
+    /// `owner`: the panel that it was made over; null for the outermost.
+    PanelDialog(HostPanelId id, const QString& title, void* userData, PanelDialog* owner);
 
     HostPanelId id() const { return id_; }
+    const PanelDialog* owner() const { return owner_; }
     PanelCanvas& canvas() { return *canvas_; }
 
     PanelControl& add(HostControlId id, const ControlClass& type,
@@ -33,10 +39,16 @@ class PanelDialog : public QDialog {
     void setUserData(void* userData) { userData_ = userData; }
 
     bool isOpen() const { return loop_ != nullptr; }
-    /// Shows the panel until the user closes it; whether with OK. With
-    /// HOST_PANEL_CANCEL in `mode` there are OK and Cancel, else only Close. The
-    /// panel may be destroyed meanwhile.
-    bool run(int mode, const PanelHooks& hooks);
+    /// Shows the panel in `frame` until the user closes it; whether with OK.
+    /// With HOST_PANEL_CANCEL in `mode` there are OK and Cancel, else only Close.
+    /// The panel may be destroyed meanwhile, and the frame with it. Leaves the
+    /// frame as it stands.
+    bool run(int mode, const PanelHooks& hooks, PanelFrame& frame);
+    /// The same without a window: see PanelHooks::insteadOfShowing.
+    void runUnseen(int mode, const PanelHooks& hooks);
+
+    /// The markers of its gradient; null when it has none.
+    ZoneMarkers* markers() const { return markers_; }
 
     /// Puts every control in its place when one was moved, drawn or erased.
     void settle();
@@ -54,9 +66,12 @@ class PanelDialog : public QDialog {
 
   private:
     QString nameFor(const ControlClass& type, const PanelControl& control) const;
+    void prepare(int mode);
+    void findMarkers();
     void addButtons(int mode);
     void fit();
-    void place();
+    void limitTo(const QRect& screen);
+    void place(PanelFrame& frame) const;
     void drawAll();
     void drawLater();
     void controlDrawn(const PanelControl& control, int mode);
@@ -65,9 +80,12 @@ class PanelDialog : public QDialog {
     void focusFirst();
 
     HostPanelId id_;
+    PanelDialog* owner_;
     PanelCanvas* canvas_;
+    QScrollArea* scroll_;
     QDialogButtonBox* buttons_;
     std::vector<PanelControl*> controls_;
+    ZoneMarkers* markers_ = nullptr;
     std::vector<QWidget*> order_;  ///< in which the Tab key goes through them
     HostPanelDraw* draw_ = nullptr;
     void* userData_;

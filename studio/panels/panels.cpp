@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "studio/panels/host_tables.h"
+#include "studio/panels/zone_markers.h"
 
 namespace tavora::studio {
 
@@ -23,6 +24,7 @@ Panels::~Panels() {
     setPanelWorld(nullptr);
     for (const auto& [id, panel] : parts_->world.panels.all())
         panel->retire();
+    delete parts_->world.kept;
 }
 
 QWidget* Panels::openPanel() const {
@@ -40,11 +42,38 @@ void Panels::close(bool confirm) {
     }
 }
 
+void Panels::keepWindow(bool keep) {
+    PanelWorld& world = parts_->world;
+    world.keepWindow = keep;
+    if (keep || world.kept.isNull() || !world.open.empty()) return;
+    world.kept->hide();
+    world.kept->deleteLater();
+    world.kept = nullptr;
+}
+
 bool selectTab(QWidget& panel, int tab) {
     auto* tabs = panel.findChild<QTabBar*>();
     if (tabs == nullptr || tabs->isHidden() || tab < 0 || tab >= tabs->count()) return false;
     tabs->setCurrentIndex(tab);
     return true;
+}
+
+namespace {
+
+ZoneMarkers* markersOf(const QWidget& panel) {
+    const auto* dialog = qobject_cast<const PanelDialog*>(&panel);
+    return dialog == nullptr ? nullptr : dialog->markers();
+}
+
+}  // namespace
+
+int selectedZone(const QWidget& panel) {
+    const ZoneMarkers* markers = markersOf(panel);
+    return markers == nullptr ? -1 : markers->selected();
+}
+
+void selectZone(QWidget& panel, int zone) {
+    if (ZoneMarkers* markers = markersOf(panel)) markers->select(zone);
 }
 
 }  // namespace tavora::studio

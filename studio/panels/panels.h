@@ -9,7 +9,11 @@ namespace tavora::studio {
 
 /// How the program around the panels takes part. GUI thread.
 struct PanelHooks {
-    /// A modal panel is shown, placed where its module asked; may move it.
+    /// A window is about to be shown around a panel (its window()), placed where
+    /// the module asked; may move it. Windows that are moved once they are
+    /// shown end up off by their frame.
+    std::function<void(QWidget& panel)> opening;
+    /// A modal panel is shown.
     std::function<void(QWidget& panel)> opened;
     /// It is closed; its controls live until the module destroys the panel.
     std::function<void(QWidget& panel)> closed;
@@ -36,6 +40,9 @@ class Panels {
     /// Closes every open panel, from the innermost, as if its OK (or Cancel)
     /// were pressed. The event loops end after the call returns.
     void close(bool confirm);
+    /// While set, the window of the outermost panel stays when that closes and
+    /// shows the next one instead. Unset, a window that still waits goes away.
+    void keepWindow(bool keep);
 
   private:
     struct Parts;
@@ -45,5 +52,10 @@ class Panels {
 /// Brings a page of the panel's tab control to the front, as a click on its tab
 /// does. False when the panel has no such tab.
 bool selectTab(QWidget& panel, int tab);
+
+/// The selected zone of a panel's gradient, counted from the dark end; -1: none.
+int selectedZone(const QWidget& panel);
+/// Selects a zone as a click on its marker does, or where there are fewer the last.
+void selectZone(QWidget& panel, int zone);
 
 }  // namespace tavora::studio

@@ -22,7 +22,10 @@ constexpr Entry settings[] = {
     {"Scale.drag", "Scale", "Drag sideways to stretch or squeeze all inner zones"},
     {"area.6", "Gradient",
      "The zones from dark (left) to light (right); click a zone to choose its colour"},
-    {"area.7", "Zone markers", "Click under the gradient to add, blend, select or delete a zone"},
+    {"area.7", "Zone markers",
+     "Click under the gradient to add, blend, select or delete a zone; drag a marker to move it. "
+     "Keys: left and right move the selected zone, up and down select the next, Delete removes "
+     "it, Space adds one after it"},
     {"choice", "What a click under the gradient does",
      "What a click under the gradient does: add a zone, add a blend, select or delete"},
     {"tab", "Pages", "The pages of settings"},
@@ -112,6 +115,11 @@ constexpr Entry settings[] = {
 };
 
 }  // namespace
+
+MarkerControls markerControlsOf(const QString& panelTitle) {
+    if (!panelTitle.startsWith(QLatin1String(settingsTitle))) return {};
+    return {"area.7", "choice", "Position.percent"};
+}
 
 ControlTip tipFor(const QString& panelTitle, const QString& control) {
     if (!panelTitle.startsWith(QLatin1String(settingsTitle))) return {};

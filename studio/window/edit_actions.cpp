@@ -39,6 +39,8 @@ EditActions::EditActions(QMainWindow& window) {
                 tr("Do again what was undone"));
     options = make(window, "options", tr("&Options…"), QKeySequence("Ctrl+Return"),
                    tr("Open the shader's panel for the selected surface"));
+    selectAll = make(window, "selectAll", tr("Select &All"), QKeySequence::SelectAll,
+                     tr("Select all surfaces"));
     copy = make(window, "copy", tr("&Copy Settings"), QKeySequence::Copy,
                 tr("Copy the settings of the selected surface"));
     paste = make(window, "paste", tr("&Paste Settings"), QKeySequence::Paste,
@@ -56,6 +58,12 @@ EditActions::EditActions(QMainWindow& window) {
     // Pressed and released, which an action's own key cannot tell.
     compare->setShortcutContext(Qt::WidgetShortcut);
 
+    keys = make(window, "keys", tr("&Keys and Mouse"), QKeySequence::HelpContents,
+                tr("What the keys and the mouse do"));
+    documentation = make(window, "documentation", tr("&Documentation"), {},
+                         tr("Open the documentation in the desktop's viewer"));
+    about = make(window, "about", tr("&About Tavora"), {}, tr("The version of this program"));
+
     QMenu* file = window.menuBar()->addMenu(tr("&File"));
     file->addAction(open);
     recent = file->addMenu(tr("Open &Recent"));
@@ -67,7 +75,7 @@ EditActions::EditActions(QMainWindow& window) {
     QMenu* edit = window.menuBar()->addMenu(tr("&Edit"));
     edit->addActions({undo, redo});
     edit->addSeparator();
-    edit->addActions({options, copy, paste});
+    edit->addActions({options, selectAll, copy, paste});
 
     looks = new LookMenu(&window);
     window.menuBar()->addMenu(looks);
@@ -77,6 +85,11 @@ EditActions::EditActions(QMainWindow& window) {
     view->addActions({resetView, frameAll, compare});
     view->addSeparator();
     view->addMenu(new ColorMenu(view));
+
+    QMenu* help = window.menuBar()->addMenu(tr("&Help"));
+    help->addActions({keys, documentation});
+    help->addSeparator();
+    help->addAction(about);
 
     QToolBar* bar = window.addToolBar(tr("Tools"));
     bar->setObjectName("tools");
@@ -95,8 +108,8 @@ EditActions::EditActions(QMainWindow& window) {
 }
 
 void EditActions::setSceneOpen(bool sceneOpen) {
-    for (QAction* action : {save, saveAs, undo, redo, options, copy, paste, applyLook, saveLook,
-                            resetView, frameAll, compare}) {
+    for (QAction* action : {save, saveAs, undo, redo, options, selectAll, copy, paste, applyLook,
+                            saveLook, resetView, frameAll, compare}) {
         action->setEnabled(sceneOpen);
     }
 }

@@ -24,6 +24,7 @@ struct EditActions {
     QAction* undo;
     QAction* redo;
     QAction* options;
+    QAction* selectAll;
     QAction* copy;
     QAction* paste;
 
@@ -34,6 +35,10 @@ struct EditActions {
     QAction* resetView;
     QAction* frameAll;
     QAction* compare;  ///< held, not toggled
+
+    QAction* keys;
+    QAction* documentation;
+    QAction* about;
 
     /// Those that need a scene.
     void setSceneOpen(bool open);

@@ -1,4 +1,6 @@
+#include <QScreen>
 #include <QTimer>
+#include <algorithm>
 
 #include "studio/app/interruption.h"
 #include "studio/app/stopped.h"
@@ -12,6 +14,22 @@ namespace {
 
 /// Leaves 960 x 540 for the picture.
 constexpr QSize kWindowSize(1240, 640);
+/// What the shader's panel takes beside the window.
+constexpr QSize kPanelSize(556, 430);
+/// What a desktop adds to a window: the title bar and the edges.
+constexpr QSize kFrameSize(8, 40);
+
+/// The usual size where the screen has room for it, and there the panel beside
+/// the window where it has room for both.
+void placeFirst(QWidget& window) {
+    const QRect screen = window.screen()->availableGeometry();
+    const QSize size = kWindowSize.boundedTo(screen.size() - kFrameSize);
+    window.resize(size);
+    const QSize free = screen.size() - kFrameSize - size;
+    const int panel = std::min(free.width(), kPanelSize.width());
+    window.move(screen.topLeft() + QPoint((free.width() - panel) / 2, free.height() / 2));
+}
+
 /// Says what became of the work. Now: a panel that closes with the program
 /// takes its changes back.
 std::string keepWork(EditWindow& window) {
@@ -32,7 +50,7 @@ void edit(const EditRequest& request, Report& report) {
     const auto application = startApplication(Display::Screen, 1, report);
     EditWindow window(request, report);
     if (!request.scene.empty()) window.openFirst(request.scene);
-    if (!WindowMemory().restore(window)) window.resize(kWindowSize);
+    if (!WindowMemory().restore(window)) placeFirst(window);
     window.show();
 
     const PoliteStop stop;

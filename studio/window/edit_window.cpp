@@ -10,6 +10,7 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "studio/window/help.h"
 #include "studio/window/look_menu.h"
 #include "studio/window/window_memory.h"
 
@@ -18,6 +19,7 @@ namespace {
 
 constexpr int kSideWidth = 250;  // pixels
 constexpr int kMargin = 6;
+constexpr int kSaidFor = 8000;  // milliseconds
 
 std::string droppedFile(const QMimeData& data) {
     if (!data.hasUrls() || !data.urls().front().isLocalFile()) return {};
@@ -52,7 +54,7 @@ EditWindow::EditWindow(const EditRequest& request, Report& report)
       lights_(this),
       files_(*this, request_, report),
       messages_(*this),
-      panel_(*this, gestures_) {
+      panel_(*this, surfaces_, gestures_) {
     auto* splitter = new QSplitter(this);
     splitter->setObjectName("picture-side");
     splitter->addWidget(&view_);
@@ -114,6 +116,10 @@ void EditWindow::connectFiles() {
     connect(&files_, &SceneFiles::sessionChanged, this, &EditWindow::showSession);
     connect(&files_, &SceneFiles::recentChosen, this,
             [this](const auto& scene) { whileNoPanel([=, this] { open(scene); }); });
+    connect(&files_, &SceneFiles::reloadChosen, this,
+            [this] { whileNoPanel([this] { files_.reload(); }); });
+    connect(&files_, &SceneFiles::saved, this,
+            [this](const auto& scene) { say(tr("Saved %1").arg(scene.c_str())); });
     connect(actions_.recent, &QMenu::aboutToShow, this,
             [this] { files_.listRecent(*actions_.recent); });
     connect(actions_.open, &QAction::triggered, this,
@@ -127,12 +133,19 @@ void EditWindow::connectEditing() {
     connect(&keys_, &WindowKeys::undo, this, &EditWindow::undo);
     connect(&keys_, &WindowKeys::redo, this, &EditWindow::redo);
     connect(&keys_, &WindowKeys::save, actions_.save, &QAction::trigger);
+    connect(&keys_, &WindowKeys::help, actions_.keys, &QAction::trigger);
+    connect(actions_.keys, &QAction::triggered, this, [this] { showKeys(*this); });
+    connect(actions_.documentation, &QAction::triggered, this,
+            [this] { openDocumentation(*this); });
+    connect(actions_.about, &QAction::triggered, this, [this] { showAbout(*this); });
+    connect(actions_.selectAll, &QAction::triggered, &surfaces_, &QListWidget::selectAll);
     connect(actions_.undo, &QAction::triggered, this, &EditWindow::undo);
     connect(actions_.redo, &QAction::triggered, this, &EditWindow::redo);
     connect(actions_.copy, &QAction::triggered, this, &EditWindow::copy);
     connect(actions_.paste, &QAction::triggered, this, &EditWindow::paste);
     connect(actions_.looks, &LookMenu::chosen, this,
             [this](const QString& look) { wear(look.toStdString()); });
+    actions_.looks->selection = [this] { return surfaces_.selection(); };
     connect(actions_.applyLook, &QAction::triggered, this, &EditWindow::askAndWear);
     connect(actions_.saveLook, &QAction::triggered, this, &EditWindow::askAndSaveLook);
     connect(actions_.options, &QAction::triggered, this, [this] {
@@ -174,7 +187,7 @@ void EditWindow::showSession() {
     actions_.looks->show(shown);
     actions_.setSceneOpen(shown != nullptr);
     if (shown != nullptr) {
-        lights_.show(shown->lights());
+        lights_.show(*shown->lights());
         connect(shown, &Session::stateChanged, this, &EditWindow::showState);
         connect(shown, &Session::pictureChanged, this, &EditWindow::showProgress);
         connect(shown, &Session::viewChanged, this, &EditWindow::showState);
@@ -199,11 +212,16 @@ void EditWindow::showState() {
     actions_.redo->setText(tr("&Redo %1").arg(QString::fromStdString(document.redoText())));
     actions_.paste->setEnabled(copied_.has_value());
     actions_.resetView->setEnabled(!shown->isViewAtStart());
+    const QString asSaved = tr("As saved");
     if (shown->isComparing()) {
-        statusBar()->showMessage(tr("As saved"));
-    } else {
+        statusBar()->showMessage(asSaved);
+    } else if (statusBar()->currentMessage() == asSaved) {
         statusBar()->clearMessage();
     }
+}
+
+void EditWindow::say(const QString& text) {
+    statusBar()->showMessage(text, kSaidFor);
 }
 
 void EditWindow::showProgress() {
@@ -274,6 +292,7 @@ void EditWindow::askAndSaveLook() {
     guarded(this, [&] {
         session()->document().saveLook(static_cast<std::size_t>(surfaces_.current()),
                                        file.toStdString());
+        say(tr("Saved %1").arg(file));
     });
 }
 

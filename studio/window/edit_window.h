@@ -50,6 +50,7 @@ class EditWindow : public QMainWindow {
     void showSession();
     void showState();
     void showProgress();
+    void say(const QString& text);
     void whileNoPanel(const std::function<void()>& work);
     void openPanel(std::size_t surface);
     void undo();

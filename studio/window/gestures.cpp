@@ -16,14 +16,29 @@ Gestures::Gestures() {
     qApp->installEventFilter(this);
 }
 
+void Gestures::keyPressed(const QKeyEvent& key) {
+    if (key.isAutoRepeat()) return;
+    if (!held_) {
+        ++current_;
+    } else if (key.key() == Qt::Key_Escape) {
+        QMetaObject::invokeMethod(
+            this, [this, gesture = current_] { emit abandoned(gesture); }, Qt::QueuedConnection);
+    }
+}
+
 bool Gestures::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
             ++current_;
+            held_ = true;
+            break;
+        case QEvent::MouseButtonRelease:
+            held_ = static_cast<QMouseEvent*>(event)->buttons() != Qt::NoButton;
             break;
         case QEvent::KeyPress:
-            if (!static_cast<QKeyEvent*>(event)->isAutoRepeat()) ++current_;
+            // Each event passes on its way from a window to a widget, and up again.
+            if (watched->isWidgetType()) keyPressed(*static_cast<QKeyEvent*>(event));
             break;
         case QEvent::Wheel:
             if (sinceWheel_.restart() > kWheelPause) ++current_;

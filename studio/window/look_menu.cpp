@@ -4,6 +4,7 @@
 #include <QWidgetAction>
 
 #include "studio/scene/look.h"
+#include "studio/window/dialogs.h"
 
 namespace tavora::studio {
 namespace {
@@ -20,7 +21,8 @@ QPixmap emptyPicture() {
 
 }  // namespace
 
-LookMenu::LookMenu(QWidget* parent) : QMenu(tr("&Looks"), parent), grid_(new QListWidget(this)) {
+LookMenu::LookMenu(QWidget* parent)
+    : QMenu(tr("&Looks"), parent), caption_(addSection({})), grid_(new QListWidget(this)) {
     grid_->setObjectName("looks");
     grid_->setAccessibleName(tr("Looks"));
     grid_->setViewMode(QListView::IconMode);
@@ -40,7 +42,10 @@ LookMenu::LookMenu(QWidget* parent) : QMenu(tr("&Looks"), parent), grid_(new QLi
     addAction(holder);
     addSeparator();
     fill();
-    connect(this, &QMenu::aboutToShow, this, &LookMenu::renderPictures);
+    connect(this, &QMenu::aboutToShow, this, &LookMenu::prepare);
+    connect(this, &QMenu::aboutToHide, this, [this] {
+        if (thumbnails_ != nullptr) thumbnails_->stop();  // nobody sees them
+    });
 }
 
 LookMenu::~LookMenu() = default;
@@ -65,14 +70,29 @@ void LookMenu::fill() {
     grid_->setFixedSize(kColumns * cell.width() + 2 * kGap, rows * cell.height() + 2 * kGap);
 }
 
-void LookMenu::renderPictures() {
-    if (session_ == nullptr || thumbnails_ != nullptr) return;
-    thumbnails_ = std::make_unique<LookThumbnails>(*session_);
-    connect(thumbnails_.get(), &LookThumbnails::ready, this,
-            [this](const QString& look, const QImage& picture) {
-                for (QListWidgetItem* item : grid_->findItems(look, Qt::MatchExactly))
-                    item->setIcon(QPixmap::fromImage(picture));
-            });
+void LookMenu::prepare() {
+    if (session_ == nullptr) return;
+    const std::vector<std::size_t> surfaces = selection();
+    nameSurfaces(surfaces);
+    grid_->setEnabled(!surfaces.empty());
+    if (thumbnails_ == nullptr) {
+        thumbnails_ = std::make_unique<LookThumbnails>(*session_);
+        connect(thumbnails_.get(), &LookThumbnails::ready, this,
+                [this](const QString& look, const QImage& picture) {
+                    for (QListWidgetItem* item : grid_->findItems(look, Qt::MatchExactly))
+                        item->setIcon(QPixmap::fromImage(picture));
+                });
+    }
+    guarded(this, [&] { thumbnails_->renderFor(surfaces); });
+}
+
+void LookMenu::nameSurfaces(const std::vector<std::size_t>& surfaces) {
+    if (surfaces.empty()) return caption_->setText(tr("Select a surface first"));
+    if (surfaces.size() > 1) {
+        return caption_->setText(tr("On the %1 selected surfaces").arg(surfaces.size()));
+    }
+    const std::string& name = session_->document().scene().surfaces[surfaces.front()].name;
+    caption_->setText(tr("On %1").arg(QString::fromStdString(name).replace('&', "&&")));
 }
 
 void LookMenu::choose(const QString& look) {

@@ -1,7 +1,9 @@
 #pragma once
 
 #include <QMenu>
+#include <functional>
 #include <memory>
+#include <vector>
 
 #include "studio/window/look_thumbnails.h"
 
@@ -9,15 +11,18 @@ class QListWidget;
 
 namespace tavora::studio {
 
-/// The looks that ship, as pictures of the open model, in a menu. GUI thread.
+/// The looks that ship, in a menu, as pictures of what choosing them gives. GUI
+/// thread.
 class LookMenu : public QMenu {
     Q_OBJECT
   public:
     explicit LookMenu(QWidget* parent);
     ~LookMenu() override;
 
-    /// Pictures are rendered when the menu is first shown. Null: no scene.
+    /// Null: no scene.
     void show(Session* session);
+    /// What a look is put on: read when the menu comes up, which shows it.
+    std::function<std::vector<std::size_t>()> selection;
 
   signals:
     /// The name of a look that ships.
@@ -25,10 +30,12 @@ class LookMenu : public QMenu {
 
   private:
     void fill();
-    void renderPictures();
+    void prepare();
+    void nameSurfaces(const std::vector<std::size_t>& surfaces);
     void choose(const QString& look);
 
     Session* session_ = nullptr;
+    QAction* caption_;
     QListWidget* grid_;
     std::unique_ptr<LookThumbnails> thumbnails_;
 };

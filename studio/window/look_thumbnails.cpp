@@ -1,14 +1,12 @@
 #include "studio/window/look_thumbnails.h"
 
+#include <cmath>
 #include <sys/resource.h>
 #include <sys/syscall.h>
 #include <unistd.h>
 
-#include "studio/app/scene_view.h"
-#include "studio/app/shader_class.h"
 #include "studio/render/display_levels.h"
 #include "studio/scene/look.h"
-#include "studio/scene/settings.h"
 #include "studio/services/messages.h"
 
 namespace tavora::studio {
@@ -17,20 +15,24 @@ namespace {
 constexpr int kSamples = 9;  // a pixel
 constexpr int kNice = 15;    // the picture comes first
 
-StateBlock blockWearing(const std::string& look, const Session& session) {
-    Settings settings = settingsOf(builtInSettings(session.document().moduleCopy()));
-    applySettings(settings, readLook(look).settings, look);
-    settleLightList(settings, lightNames(session.lights()));
-    return blockOf(settings);
-}
-
-RenderOptions thumbnailOptions() {
+RenderOptions thumbnailOptions(const Session& session) {
     RenderOptions options;
     options.width = LookThumbnails::kWidth;
     options.height = LookThumbnails::kHeight;
     options.samples = kSamples;
     options.threads = 1;
+    options.background = session.background();
     return options;
+}
+
+/// Sees in the thumbnail's shape all that the camera sees in a picture of
+/// width / height = `aspect`.
+Camera fitted(Camera camera, double aspect) {
+    const double wider = aspect * LookThumbnails::kHeight / LookThumbnails::kWidth;
+    if (wider <= 1) return camera;
+    camera.halfHeight *= wider;
+    camera.verticalFov = 2 * std::atan(std::tan(camera.verticalFov / 2) * wider);
+    return camera;
 }
 
 QImage imageOf(const Picture& picture) {
@@ -49,32 +51,54 @@ QImage imageOf(const Picture& picture) {
 
 }  // namespace
 
-LookThumbnails::LookThumbnails(Session& session) : session_(session) {
-    std::vector<Job> jobs;
-    const std::size_t surfaces = session.document().scene().surfaces.size();
-    for (const std::string& look : shippedLooks()) {
-        jobs.push_back(
-            {look, std::vector<SurfaceShading>(surfaces, {blockWearing(look, session)})});
-    }
-    const double aspect = static_cast<double>(kWidth) / kHeight;
-    const Camera camera = chooseCamera(session.document().scene(), {}, aspect);
-    thread_ = std::jthread([this, jobs = std::move(jobs), camera] { run(jobs, camera); });
-}
+LookThumbnails::LookThumbnails(Session& session) : session_(session) {}
 
 LookThumbnails::~LookThumbnails() {
-    stop_ = true;
+    stop();
 }
 
-void LookThumbnails::run(const std::vector<Job>& jobs, const Camera& camera) {
+void LookThumbnails::stop() {
+    stop_ = true;
+    if (thread_.joinable()) thread_.join();
+}
+
+void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
+    stop();
+    if (surfaces != surfaces_ || session_.revision() != revision_) made_ = 0;
+    surfaces_ = surfaces;
+    revision_ = session_.revision();
+    Order order{fitted(session_.camera(), session_.aspect()),
+                session_.lights(),
+                thumbnailOptions(session_),
+                {}};
+    const std::vector<std::string> looks = shippedLooks();
+    for (std::size_t i = made_; i < looks.size(); ++i)
+        order.jobs.push_back(jobFor(looks[i]));
+    if (order.jobs.empty()) return;
+    stop_ = false;
+    thread_ = std::jthread([this, order = std::move(order)] { run(order); });
+}
+
+LookThumbnails::Job LookThumbnails::jobFor(const std::string& look) const {
+    Job job{look, session_.shading()};
+    for (const auto& [surface, settings] : session_.document().withLook(look, surfaces_))
+        job.shading[surface].shader = settings.block;
+    return job;
+}
+
+void LookThumbnails::run(const Order& order) {
     setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), kNice);
     const QuietMessages quiet;
     try {
-        Renderer renderer(session_.document().scene());
-        for (const Job& job : jobs) {
-            const Picture picture = renderer.render(camera, session_.lights(), job.shading,
-                                                    session_.document().module(),
-                                                    thumbnailOptions(), {{}, &stop_}, nullptr);
+        if (renderer_ == nullptr) {
+            renderer_ = std::make_unique<Renderer>(session_.document().scene());
+        }
+        for (const Job& job : order.jobs) {
+            const Picture picture = renderer_->render(order.camera, *order.lights, job.shading,
+                                                      session_.document().module(), order.options,
+                                                      {{}, &stop_}, nullptr);
             emit ready(QString::fromStdString(job.look), imageOf(picture));
+            ++made_;
         }
     } catch (const std::exception&) {
         // Stopped, or no memory for pictures that nobody needs.

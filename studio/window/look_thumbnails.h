@@ -3,6 +3,7 @@
 #include <QImage>
 #include <QObject>
 #include <atomic>
+#include <memory>
 #include <string>
 #include <thread>
 #include <vector>
@@ -13,18 +14,25 @@
 
 namespace tavora::studio {
 
-/// Small pictures of the open model in each of the looks that ship, rendered
-/// one after the other in the background. GUI thread.
+/// Small pictures of the open scene as it is seen, each with one of the looks
+/// that ship on some surfaces: what choosing that look would give. Rendered in
+/// the background, behind everything else. GUI thread.
 class LookThumbnails : public QObject {
     Q_OBJECT
   public:
     static constexpr int kWidth = 144;
     static constexpr int kHeight = 81;
 
-    /// Begins at once. `session` must outlive it.
+    /// `session` must outlive it.
     explicit LookThumbnails(Session& session);
-    /// Stops at the next row of pixels.
     ~LookThumbnails() override;
+
+    /// Renders the pictures for these surfaces that are not there yet: none when
+    /// nothing changed since they were made, all after a change of the surfaces,
+    /// the settings or the view. Throws SceneError.
+    void renderFor(const std::vector<std::size_t>& surfaces);
+    /// Stops at the next row of pixels. What is ready stays.
+    void stop();
 
   signals:
     void ready(const QString& look, const QImage& picture);
@@ -34,9 +42,21 @@ class LookThumbnails : public QObject {
         std::string look;
         std::vector<SurfaceShading> shading;
     };
-    void run(const std::vector<Job>& jobs, const Camera& camera);
+    /// All that the thread needs, as it was when it started.
+    struct Order {
+        Camera camera;
+        std::shared_ptr<const LightRig> lights;
+        RenderOptions options;
+        std::vector<Job> jobs;
+    };
+    Job jobFor(const std::string& look) const;
+    void run(const Order& order);
 
     Session& session_;
+    std::unique_ptr<Renderer> renderer_;  ///< the thread's, kept from one to the next
+    std::vector<std::size_t> surfaces_;   ///< that the pictures are for
+    std::uint64_t revision_ = 0;          ///< of the session that they show
+    std::atomic<std::size_t> made_{0};    ///< the first so many are there
     std::atomic<bool> stop_{false};
     std::jthread thread_;
 };

@@ -3,37 +3,40 @@
 #include <QDialog>
 #include <QScopeGuard>
 #include <QScreen>
-#include <QWindow>
 #include <utility>
 
 #include "studio/services/instance_update.h"
+#include "studio/window/panel_place.h"
+#include "studio/window/panel_services.h"
 
 namespace tavora::studio {
 namespace {
 
-constexpr int kGap = 8;  // pixels
+/// Of a window, as the desktop frames it; taken for those of one not yet shown.
+QMargins borders(const QWidget& window) {
+    const QRect inner = window.geometry();
+    const QRect outer = window.frameGeometry();
+    return {inner.left() - outer.left(), inner.top() - outer.top(), outer.right() - inner.right(),
+            outer.bottom() - inner.bottom()};
+}
 
-/// Beside the window, or as far beside it as the screen has room.
-QPoint besideWindow(const QWidget& window, const QWidget& panel) {
-    const QRect screen = window.screen()->availableGeometry();
-    const QRect frame = window.frameGeometry();
-    const QSize size = panel.frameGeometry().size();
-    const int lastX = screen.right() - size.width();
-    const int lastY = screen.bottom() - size.height();
-    const int y = frame.top() + (frame.height() - size.height()) / 2;
-    return {std::max(screen.left(), std::min(frame.right() + kGap, lastX)),
-            std::max(screen.top(), std::min(y, lastY))};
+/// The panel's widgets in an order that is the same whenever it is opened.
+QList<QWidget*> widgetsOf(const QWidget& panel) {
+    return panel.findChildren<QWidget*>();
 }
 
 }  // namespace
 
-PanelSession::PanelSession(QWidget& window, const Gestures& gestures)
+PanelSession::PanelSession(QWidget& window, const QWidget& side, const Gestures& gestures)
     : window_(window),
+      side_(side),
       gestures_(gestures),
-      panels_(&window, {[this](QWidget& panel) { panelOpened(panel); },
+      panels_(&window, {[this](QWidget& panel) { placePanel(*panel.window()); },
+                        [this](QWidget& panel) { panelOpened(panel); },
                         [this](QWidget& panel) { panelClosed(panel); },
                         {}}) {
     setInstanceListener([this](const char*, HostInstance instance) { hear(instance); });
+    connect(&gestures_, &Gestures::abandoned, this, &PanelSession::abandon);
 }
 
 PanelSession::~PanelSession() {
@@ -42,29 +45,41 @@ PanelSession::~PanelSession() {
 
 void PanelSession::open(Session& session, std::size_t surface) {
     if (isOpen()) {
-        if (surface == surface_) return;
-        next_ = surface;
-        panels_.close(true);
+        if (surface != surface_) closeFor(surface);
         return;
     }
     session_ = &session;
     next_ = surface;
+    const auto end = [this] {
+        panels_.keepWindow(false);
+        session_ = nullptr;
+        emit closed();
+    };
     try {
         showUntilClosed();
     } catch (...) {
-        session_ = nullptr;
-        emit closed();
+        end();
         throw;
     }
-    session_ = nullptr;
-    emit closed();
+    end();
     if (after_) std::exchange(after_, {})();
 }
 
 void PanelSession::interrupt(std::function<void()> change) {
     if (!isOpen()) return change();
     between_ = std::move(change);
-    next_ = surface_;
+    closeFor(surface_);
+}
+
+/// Keeps the window for the panel that follows, and with the same surface what
+/// the user was at.
+void PanelSession::closeFor(std::size_t next) {
+    next_ = next;
+    if (panel_ != nullptr) {
+        focus_ = widgetsOf(*panel_).indexOf(panel_->focusWidget());
+        zone_ = next == surface_ ? selectedZone(*panel_) : -1;
+    }
+    panels_.keepWindow(true);
     panels_.close(true);
 }
 
@@ -73,6 +88,12 @@ void PanelSession::finish(std::function<void()> after) {
     after_ = std::move(after);
     next_.reset();
     panels_.close(true);
+}
+
+/// The control went back by itself, but not always to the last bit.
+void PanelSession::abandon(Gesture gesture) {
+    if (!isOpen() || !session_->document().did(gesture)) return;
+    interrupt([this, gesture] { session_->document().abandon(gesture); });
 }
 
 void PanelSession::showUntilClosed() {
@@ -93,6 +114,8 @@ void PanelSession::showOnce(const SurfaceSettings& before) {
     if (!document.settings(surface_).block) document.setEnabled(surface_, true);
     emit opened(surface_);
     confirmed_ = false;
+    const std::shared_ptr<const LightRig> lights = session_->lights();
+    const PanelBinding binding(*lights);
     Shader& record = document.record(surface_);
     opening_.emplace();
     const auto opened = qScopeGuard([this] { opening_.reset(); });
@@ -112,15 +135,26 @@ void PanelSession::panelOpened(QWidget& panel) {
     if (panel_ != nullptr) return;
     opening_.reset();
     panel_ = &panel;
+    panels_.keepWindow(false);
     const std::string& name = session_->document().scene().surfaces[surface_].name;
     panel.setWindowTitle(tr("%1 – %2").arg(QString::fromStdString(name), panel.windowTitle()));
-    panel.move(position_.value_or(besideWindow(window_, panel)));
+    if (zone_ >= 0) selectZone(panel, std::exchange(zone_, -1));
+    if (QWidget* widget = widgetsOf(panel).value(std::exchange(focus_, -1))) widget->setFocus();
+}
+
+void PanelSession::placePanel(QWidget& frame) {
+    if (panel_ != nullptr) return;
+    const QRect screen = window_.screen()->availableGeometry();
+    const QSize size = frame.size().grownBy(borders(window_));
+    const QRect side(side_.mapToGlobal(QPoint()), side_.size());
+    frame.move(position_ ? within(screen, *position_, size)
+                         : panelPlace(screen, window_.frameGeometry(), side, size));
 }
 
 void PanelSession::panelClosed(QWidget& panel) {
     if (&panel != panel_) return;
     panel_ = nullptr;
-    position_ = panel.pos();
+    position_ = panel.window()->pos();
     const auto* dialog = qobject_cast<QDialog*>(&panel);
     confirmed_ = dialog != nullptr && dialog->result() == QDialog::Accepted;
 }

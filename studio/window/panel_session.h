@@ -18,8 +18,9 @@ namespace tavora::studio {
 class PanelSession : public QObject {
     Q_OBJECT
   public:
-    /// `window` is the panels' parent. All must outlive it.
-    PanelSession(QWidget& window, const Gestures& gestures);
+    /// `window` is the panels' parent; they keep clear of `side`, a part of it,
+    /// where the screen has room. All must outlive it.
+    PanelSession(QWidget& window, const QWidget& side, const Gestures& gestures);
     ~PanelSession() override;
 
     /// Opens the panel for a surface and returns when the user closed it. With a
@@ -47,11 +48,15 @@ class PanelSession : public QObject {
   private:
     void showUntilClosed();
     void showOnce(const SurfaceSettings& before);
+    void closeFor(std::size_t next);
+    void abandon(Gesture gesture);
+    void placePanel(QWidget& frame);
     void panelOpened(QWidget& panel);
     void panelClosed(QWidget& panel);
     void hear(HostInstance instance);
 
     QWidget& window_;
+    const QWidget& side_;
     const Gestures& gestures_;
     Panels panels_;
     Session* session_ = nullptr;
@@ -62,6 +67,8 @@ class PanelSession : public QObject {
     std::function<void()> after_;          ///< to do when all is closed
     std::optional<PanelOpening> opening_;  ///< until the panel is on the screen
     bool confirmed_ = false;
+    qsizetype focus_ = -1;            ///< which widget of the panel had the keyboard
+    int zone_ = -1;                   ///< which zone was selected
     std::optional<QPoint> position_;  ///< where the user left the panel
 };
 

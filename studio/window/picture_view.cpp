@@ -14,6 +14,9 @@ constexpr double kWheelUnits = 120;
 /// Shares of the picture's height by which a key press moves the view.
 constexpr double kKeyStep = 0.05;
 
+constexpr int kChecker = 10;             // pixels
+constexpr int kCheckers[] = {153, 178};  // 0..255, neither of them a usual background
+
 bool pans(const QMouseEvent& event) {
     return (event.buttons() & (Qt::MiddleButton | Qt::RightButton)) != 0 ||
            (event.modifiers() & Qt::ShiftModifier) != 0;
@@ -56,18 +59,38 @@ void PictureView::takePicture() {
     update();
 }
 
+QSize PictureView::pixels() const {
+    return size() * devicePixelRatioF();
+}
+
 void PictureView::fitPicture() {
     if (session_ == nullptr) return;
-    const QSize pixels = size() * devicePixelRatioF();
-    session_->setSize(pixels.width(), pixels.height());
+    session_->setSize(pixels().width(), pixels().height());
 }
 
 void PictureView::paintEvent(QPaintEvent* /*event*/) {
     QPainter painter(this);
-    painter.fillRect(rect(), palette().color(QPalette::Mid));
-    if (image_.isNull()) return;
-    painter.setRenderHint(QPainter::SmoothPixmapTransform, image_.size() != size());
+    if (image_.isNull()) return painter.fillRect(rect(), palette().color(QPalette::Mid));
+    paintCheckers(painter);
+    if (image_.size() == pixels()) {
+        // A pixel of the picture is one of the screen.
+        painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
+        return painter.drawImage(QPoint(), image_);
+    }
+    painter.setRenderHint(QPainter::SmoothPixmapTransform);
     painter.drawImage(rect(), image_);
+}
+
+/// Shows through where the picture is transparent.
+void PictureView::paintCheckers(QPainter& painter) const {
+    if (session_->background()) return;
+    painter.fillRect(rect(), QColor(kCheckers[0], kCheckers[0], kCheckers[0]));
+    for (int y = 0; y * kChecker < height(); ++y) {
+        for (int x = y % 2; x * kChecker < width(); x += 2) {
+            painter.fillRect(x * kChecker, y * kChecker, kChecker, kChecker,
+                             QColor(kCheckers[1], kCheckers[1], kCheckers[1]));
+        }
+    }
 }
 
 void PictureView::resizeEvent(QResizeEvent* event) {

@@ -40,6 +40,8 @@ class PictureView : public QWidget {
   private:
     void takePicture();
     void fitPicture();
+    void paintCheckers(QPainter& painter) const;
+    QSize pixels() const;  ///< the size in those of the screen
     void takeInterest(const QPointF& position);
     QPoint pixelAt(const QPointF& position) const;
     std::ptrdiff_t surfaceAt(const QPointF& position) const;

@@ -65,6 +65,7 @@ void SceneFiles::load(const fs::path& scene) {
     request.scene = scene.string();
     auto session = std::make_unique<Session>(request, report_);
     addRecentFile(session->document().path());
+    if (session_ != nullptr) session_->document().discardOwnRecovery();
     replaceSession(std::move(session));
 }
 
@@ -76,12 +77,13 @@ bool SceneFiles::askAndOpen() {
     return !chosen.isEmpty() && open(path(chosen));
 }
 
+void SceneFiles::reload() {
+    guarded(&window_, [this] { load(session_->document().path()); });
+}
+
 bool SceneFiles::save() {
     Document& document = session_->document();
-    if (document.changedOnDisk()) {
-        if (!mayOverwrite(text(document.path()))) return false;
-        return saveWith([&] { document.save(true); });
-    }
+    if (document.changedOnDisk()) return saveChanged();
     return saveWith([&] { document.save(); });
 }
 
@@ -180,19 +182,58 @@ void SceneFiles::writeRecovery() {
 }
 
 bool SceneFiles::saveWith(const std::function<void()>& write) {
-    return guarded(&window_, [&] {
+    try {
         const Waiting waiting;
         write();
-        showWarnings();
-    });
+    } catch (const std::exception& error) {
+        return offerSaveAs(QString::fromUtf8(error.what()));
+    }
+    emit saved(session_->document().path());
+    showWarnings();
+    return true;
 }
 
-bool SceneFiles::mayOverwrite(const QString& file) {
-    const auto answer = QMessageBox::warning(
-        &window_, tr("Tavora"),
-        tr("%1 was changed by another program since it was opened. Save over it?").arg(file),
-        QMessageBox::Save | QMessageBox::Cancel);
-    return answer == QMessageBox::Save;
+/// An error leaves everything as it was; another file may take the work, as long
+/// as the scene is there to be copied.
+bool SceneFiles::offerSaveAs(const QString& error) {
+    std::error_code ignored;
+    if (!fs::exists(session_->document().path(), ignored)) return showError(&window_, error), false;
+    QMessageBox question(QMessageBox::Critical, tr("Tavora"), error,
+                         QMessageBox::Save | QMessageBox::Cancel, &window_);
+    question.setTextFormat(Qt::PlainText);
+    question.setInformativeText(tr("Your changes are still in the window."));
+    question.button(QMessageBox::Save)->setText(tr("Save &As…"));
+    question.setDefaultButton(QMessageBox::Save);
+    return question.exec() == QMessageBox::Save && askAndSaveAs();
+}
+
+/// For a file that another program changed since it was opened.
+bool SceneFiles::saveChanged() {
+    Document& document = session_->document();
+    QMessageBox question(
+        QMessageBox::Warning, tr("Tavora"),
+        tr("%1 was changed by another program since it was opened.").arg(text(document.path())),
+        QMessageBox::Save | QMessageBox::Reset | QMessageBox::Discard | QMessageBox::Cancel,
+        &window_);
+    question.setTextFormat(Qt::PlainText);
+    question.setInformativeText(
+        tr("Save As keeps both. Reload shows what the file holds now and gives up the changes in "
+           "this window. Save Over It puts this window's settings into the changed file."));
+    question.button(QMessageBox::Save)->setText(tr("Save &As…"));
+    question.button(QMessageBox::Reset)->setText(tr("&Reload"));
+    question.button(QMessageBox::Discard)->setText(tr("Save &Over It"));
+    question.setDefaultButton(QMessageBox::Save);
+    switch (question.exec()) {
+        case QMessageBox::Save:
+            return askAndSaveAs();
+        case QMessageBox::Discard:
+            return saveWith([&] { document.save(true); });
+        case QMessageBox::Reset:
+            emit reloadChosen();
+            return false;
+        default:
+            return false;
+    }
 }
 
 }  // namespace tavora::studio

@@ -33,6 +33,11 @@ class SceneFiles : public QObject {
     /// The same for a program that has just started: throws what Document throws.
     void openFirst(const std::filesystem::path& scene);
     bool askAndOpen();
+    /// Reads the scene that is open again; what was not saved is gone. No panel
+    /// may be open.
+    void reload();
+    /// Asks what to do where the file was changed by another program or cannot be
+    /// written. False when nothing was saved.
     bool save();
     bool askAndSaveAs();
     /// Asks; false when the user wants to stay.
@@ -49,6 +54,9 @@ class SceneFiles : public QObject {
     void sessionChanged();
     /// Somebody chose a scene of the menu.
     void recentChosen(const std::filesystem::path& scene);
+    /// Somebody asked for what the file holds now.
+    void reloadChosen();
+    void saved(const std::filesystem::path& scene);
 
   private:
     void load(const std::filesystem::path& scene);
@@ -58,7 +66,8 @@ class SceneFiles : public QObject {
     void showWarnings();
     void writeRecovery();
     bool saveWith(const std::function<void()>& write);
-    bool mayOverwrite(const QString& file);
+    bool saveChanged();
+    bool offerSaveAs(const QString& error);
 
     QWidget& window_;
     const EditRequest& request_;

@@ -18,13 +18,11 @@ constexpr int kProbes = 5;  // rows and columns of places to look at
 }  // namespace
 
 Session::Session(const EditRequest& request, Report& report)
-    : document_(std::make_unique<Document>(request.scene, request.shading, report)) {
-    const Scene& scene = document_->scene();
-    const Camera camera = chooseCamera(scene, {}, kUsualAspect);
-    lights_ = std::make_shared<const LightRig>(lightsFor(scene, camera, request.lighting));
-    binding_ = std::make_unique<PanelBinding>(*lights_);
-    orbit_ = std::make_unique<Orbit>(camera, scene.bounds);
-    startPicture(request.threads);
+    : lighting_(request.lighting),
+      background_(request.background),
+      document_(std::make_unique<Document>(request.scene, request.shading, report)) {
+    startAt(chooseCamera(document_->scene(), {}, kUsualAspect));
+    startPicture(request);
 
     document_->settingsChanged = [this](std::size_t surface) {
         if (!comparing_) revision_ = picture_->setSurface(surface, shadingOf(surface));
@@ -37,9 +35,24 @@ Session::~Session() {
     picture_.reset();  // its threads call back
 }
 
-void Session::startPicture(int threads) {
+/// The view begins, or where it is at its start begins again, as this camera.
+void Session::startAt(const Camera& camera) {
+    const Scene& scene = document_->scene();
+    if (orbit_ == nullptr) {
+        orbit_ = std::make_unique<Orbit>(camera, scene.bounds);
+    } else {
+        orbit_->setStart(camera);
+    }
+    // Only a scene without lights of its own is lit from where the camera stands.
+    if (lights_ != nullptr && !scene.lights.empty()) return;
+    lights_ = std::make_shared<const LightRig>(lightsFor(scene, camera, lighting_));
+    if (picture_ != nullptr) revision_ = picture_->setLights(lights_);
+}
+
+void Session::startPicture(const EditRequest& request) {
     LiveOptions options;
-    options.threads = threads;
+    options.threads = request.threads;
+    options.background = background_;
     picture_ =
         std::make_unique<LivePicture>(document_->scene(), document_->module(), options, [this] {
             QMetaObject::invokeMethod(this, &Session::pictureChanged, Qt::QueuedConnection);
@@ -57,7 +70,13 @@ void Session::setSize(int width, int height) {
     if (width < 1 || height < 1 || (width == width_ && height == height_)) return;
     width_ = width;
     height_ = height;
+    const Scene& scene = document_->scene();
+    if (scene.cameras.empty()) startAt(chooseCamera(scene, {}, aspect()));
     showView();
+}
+
+double Session::aspect() const {
+    return static_cast<double>(width_) / height_;
 }
 
 void Session::setInterest(int x, int y) {
@@ -106,7 +125,7 @@ void Session::zoom(double factor) {
 }
 
 void Session::frameAll() {
-    orbit_->frame(document_->scene().bounds);
+    orbit_->frame(document_->scene().bounds, aspect());
     showView();
 }
 
@@ -127,12 +146,15 @@ void Session::showView() {
     emit viewChanged();
 }
 
+std::vector<SurfaceShading> Session::shading() const {
+    std::vector<SurfaceShading> all;
+    for (std::size_t surface = 0; surface < document_->scene().surfaces.size(); ++surface)
+        all.push_back(shadingOf(surface));
+    return all;
+}
+
 void Session::showSettings() {
-    std::vector<SurfaceShading> shading;
-    for (std::size_t surface = 0; surface < document_->scene().surfaces.size(); ++surface) {
-        shading.push_back(shadingOf(surface));
-    }
-    revision_ = picture_->setShading(std::move(shading));
+    revision_ = picture_->setShading(shading());
 }
 
 SurfaceShading Session::shadingOf(std::size_t surface) const {

@@ -8,7 +8,6 @@
 #include "studio/edit/orbit.h"
 #include "studio/render/live_picture.h"
 #include "studio/scene/light_levels.h"
-#include "studio/window/panel_services.h"
 
 namespace tavora::studio {
 
@@ -23,8 +22,16 @@ class Session : public QObject {
 
     Document& document() { return *document_; }
     const Document& document() const { return *document_; }
-    const LightRig& lights() const { return *lights_; }
+    /// May be others after the picture changed its shape; those given out stay as
+    /// long as they are held.
+    const std::shared_ptr<const LightRig>& lights() const { return lights_; }
     const LivePicture& picture() const { return *picture_; }
+    const Camera& camera() const { return orbit_->camera(); }
+    /// What the picture shows of the settings, an entry a surface of the scene.
+    std::vector<SurfaceShading> shading() const;
+    const std::optional<Imath::V3d>& background() const { return background_; }
+    /// Grows with every change of what the picture shows.
+    std::uint64_t revision() const { return revision_; }
     /// Share of the samples of what was asked last that the picture shows; 1:
     /// it is clean.
     double refined() const;
@@ -33,6 +40,8 @@ class Session : public QObject {
     void setSize(int width, int height);
     int width() const { return width_; }
     int height() const { return height_; }
+    /// Width / height of the picture; only once it has a size.
+    double aspect() const;
 
     /// What the view turns around: the place that a pixel shows, or one in the
     /// foreground where it shows a backdrop or nothing.
@@ -58,16 +67,18 @@ class Session : public QObject {
     void stateChanged();
 
   private:
+    void startAt(const Camera& camera);
     std::vector<Imath::V3d> placesShown() const;
     double depthOf(const Imath::V3d& place) const;
     void showView();
     void showSettings();
     SurfaceShading shadingOf(std::size_t surface) const;
-    void startPicture(int threads);
+    void startPicture(const EditRequest& request);
 
+    LightingOptions lighting_;
+    std::optional<Imath::V3d> background_;
     std::unique_ptr<Document> document_;
     std::shared_ptr<const LightRig> lights_;
-    std::unique_ptr<PanelBinding> binding_;  ///< the panel's module copy asks on this thread
     std::unique_ptr<Orbit> orbit_;
     std::unique_ptr<LivePicture> picture_;
     std::uint64_t revision_ = 0;  ///< of what was asked last

@@ -60,6 +60,7 @@ bool WindowKeys::eventFilter(QObject* watched, QEvent* event) {
 WindowKeys::Action WindowKeys::actionOf(const QKeyEvent& key) {
     if (QApplication::activeModalWidget() != nullptr) return nullptr;
     if (key.matches(QKeySequence::Save)) return &WindowKeys::save;
+    if (key.matches(QKeySequence::HelpContents)) return &WindowKeys::help;
     if (keepsUndo()) return nullptr;
     if (key.matches(QKeySequence::Undo)) return &WindowKeys::undo;
     return isRedo(key) ? &WindowKeys::redo : nullptr;

@@ -6,7 +6,7 @@ class QKeyEvent;
 
 namespace tavora::studio {
 
-/// Keys that work in the window and in its panels alike: undo, redo and save, and
+/// Keys that work in the window and in its panels alike: undo, redo, save and help, and
 /// the one that is held to compare. Fields that are being typed in keep theirs.
 /// GUI thread; one a process, after the application.
 class WindowKeys : public QObject {
@@ -18,6 +18,7 @@ class WindowKeys : public QObject {
     void undo();
     void redo();
     void save();
+    void help();
     /// Held, or let go.
     void compare(bool held);
 

@@ -95,7 +95,7 @@ TEST(Orbit, ZoomComesNearerByTheFactorAndNeverPasses) {
             orbit.zoom(1.5);
         EXPECT_GT(seen(orbit.camera(), interest).z, 0);
         EXPECT_TRUE(std::isfinite(seen(orbit.camera(), aside).x));
-        orbit.frame(kBox);
+        orbit.frame(kBox, 16.0 / 9);
         for (unsigned i = 0; i < 8; ++i) {
             const V3d corner(kBox.min.x + (i & 1U) * 4.0, (i & 2U) * 1.0, (i & 4U) * 0.75 - 2);
             const V3d at = seen(orbit.camera(), corner);

@@ -165,8 +165,8 @@ TEST_F(PanelServices, ErasedAndGhostedControlsGetNoInput) {
         auto& canvas = *shownPanel.findChild<PanelCanvas*>();
         const auto clickBoth = [&] {
             for (const QPoint place : {QPoint(8, 10), QPoint(80, 70)})
-                QTest::mouseClick(shownPanel.windowHandle(), Qt::LeftButton, {},
-                                  canvas.mapTo(&shownPanel, place));
+                QTest::mouseClick(shownPanel.window()->windowHandle(), Qt::LeftButton, {},
+                                  canvas.mapTo(shownPanel.window(), place));
         };
         clickBoth();
         EXPECT_EQ(events, 2);

@@ -204,6 +204,10 @@ TEST(SettingsPanel, LightsAreToggledByMouseAndKeys) {
         QTest::mouseDClick(list.viewport(), Qt::LeftButton, {},
                            list.visualRect(list.model()->index(1, 1)).center());
         EXPECT_THAT(lights(rig), ElementsAre("Fill"));
+        const QPoint key = list.visualRect(list.model()->index(1, 1)).center();
+        QTest::mouseClick(list.viewport(), Qt::RightButton, {}, key);
+        QTest::mouseDClick(list.viewport(), Qt::RightButton, {}, key);
+        EXPECT_THAT(lights(rig), ElementsAre("Fill"));
         QTest::keyClick(&list, Qt::Key_Up);
         QTest::keyClick(&list, Qt::Key_Space);
         EXPECT_THAT(lights(rig), ElementsAre("Fill", "Ambient"));

@@ -110,18 +110,38 @@ TEST(ZoneEditing, DragsMoveZonesAndComeBack) {
     });
 }
 
-TEST(ZoneEditing, KeyboardMovesACaretThatPresses) {
+TEST(ZoneEditing, MarkersAreTakenByHandAndByKeys) {
     SettingsRig rig;
+    const auto start = positions(rig);
     rig.open([&](QWidget& panel) {
-        choose(panel, Add);
         auto& markers = find(panel, kMarkers);
-        QTest::keyClick(&markers, Qt::Key_Home);
-        for (int i = 0; i < 3; ++i)
-            QTest::keyClick(&markers, Qt::Key_PageUp);
-        QTest::keyClick(&markers, Qt::Key_Left);
-        QTest::keyClick(&markers, Qt::Key_Return);
-        EXPECT_THAT(positions(rig),
-                    ElementsAre(0, FloatNear(59.0F / 390, 1e-6F), 0.25F, 0.5F, 0.75F, 1));
+        const auto key = [&](Qt::Key pressed) { QTest::keyClick(&markers, pressed); };
+        choose(panel, Edit);
+        // Pressed a little to its left, the marker itself is meant, not the zone below.
+        QTest::mousePress(&markers, Qt::LeftButton, {}, QPoint(195 - 3, 6));
+        EXPECT_EQ(selectedZone(panel), 2);
+        EXPECT_EQ(positions(rig), start) << "a press moves nothing";
+        QTest::mouseMove(&markers, QPoint(195 - 3 + 39, 6));
+        EXPECT_NEAR(positions(rig)[2], 0.6, 2e-3);
+        QTest::mouseMove(&markers, QPoint(395, 6));
+        EXPECT_EQ(positions(rig)[2], 0.75F) << "it stops at its neighbour";
+        QTest::mouseRelease(&markers, Qt::LeftButton, {}, QPoint(395, 6));
+        key(Qt::Key_Left);
+        EXPECT_NEAR(positions(rig)[2], 0.74, 2e-3) << "from where it is, not where the mouse was";
+        key(Qt::Key_Down);
+        EXPECT_EQ(selectedZone(panel), 1);
+        QTest::keyClick(&markers, Qt::Key_Right, Qt::ControlModifier);
+        EXPECT_NEAR(positions(rig)[1], 0.35, 2e-3);
+        key(Qt::Key_Delete);
+        EXPECT_EQ(positions(rig).size(), 4U);
+        key(Qt::Key_Home);
+        key(Qt::Key_Delete);
+        key(Qt::Key_Right);
+        EXPECT_EQ(positions(rig).size(), 4U) << "the first zone stays, and stays where it is";
+        EXPECT_EQ(positions(rig)[0], 0);
+        choose(panel, Add);
+        key(Qt::Key_Space);
+        EXPECT_NEAR(positions(rig)[1], positions(rig)[2] / 2, 4e-3) << "half way to the next";
         EXPECT_TRUE(panel.isVisible());
     });
 }

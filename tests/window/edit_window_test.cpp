@@ -5,15 +5,25 @@
 #include <QMessageBox>
 #include <QMimeData>
 #include <QPushButton>
+#include <QStatusBar>
+#include <QTableView>
 #include <QTest>
 #include <fstream>
+#include <gmock/gmock.h>
+#include <map>
+#include <unistd.h>
 
+#include "studio/scene/look.h"
+#include "studio/window/look_thumbnails.h"
+#include "studio/window/panel_place.h"
 #include "studio/window/window_memory.h"
 #include "tests/panels/settings_rig.h"
 #include "tests/window/window_rig.h"
 
 namespace tavora::studio::testing {
 namespace {
+
+using ::testing::EndsWith;
 
 constexpr const char* kMarkers = "area.7";
 
@@ -127,6 +137,145 @@ TEST_F(EditWindowTest, RendersWhileZonesComeAndGo) {
     EXPECT_EQ(picture(), edited) << "what was rendered meanwhile left a trace";
 }
 
+TEST_F(EditWindowTest, EscEndsADragAndLeavesNothingToUndo) {
+    // Values that no slider shows exactly.
+    const auto look = folder_ / "odd.json";
+    std::ofstream(look) << R"({"tavora": "look", "version": 1, "name": "odd", "description": "",
+        "settings": {"zones": [{"position": 0}, {"position": 0.4234567, "opacity": 0.7654321},
+                               {"position": 0.8111111}, {"position": 1}]}})";
+    request_.shading.looks = {{{}, look.string()}};
+    start();
+    const auto first = state();
+    const auto dragAndEscape = [&](QWidget& panel, const char* name) {
+        QWidget& control = find(panel, name);
+        QTest::mousePress(&control, Qt::LeftButton, {}, control.rect().center());
+        for (const int distance : {-9, -20, -31})
+            QTest::mouseMove(&control, control.rect().center() + QPoint(distance, 0));
+        EXPECT_NE(state(), first) << name;
+        QTest::keyClick(&control, Qt::Key_Escape);
+    };
+    const auto goesOn = [&](QWidget& panel) {
+        EXPECT_EQ(state(), first);
+        EXPECT_EQ(selectedZone(panel), 1);
+        EXPECT_FALSE(document().canUndo() || document().canRedo());
+    };
+    inPanel({[&](QWidget& panel) {
+                 selectZone(panel, 1);
+                 dragAndEscape(panel, "Opacity.percent");
+             },
+             [&](QWidget& panel) {
+                 goesOn(panel);
+                 dragAndEscape(panel, "Scale.drag");
+             },
+             [&](QWidget& panel) {
+                 goesOn(panel);
+                 dragAndEscape(panel, "Position.percent");
+             },
+             [&](QWidget& panel) {
+                 goesOn(panel);
+                 QTest::keyClick(&panel, Qt::Key_Escape);
+             }});
+    EXPECT_FALSE(document().canUndo());
+}
+
+TEST_F(EditWindowTest, ThePanelStaysWhereItIs) {
+    start();
+    // A window that is moved once it is shown ends up off by its frame.
+    struct Moves : QObject {
+        int afterShowing = 0;
+        bool eventFilter(QObject* watched, QEvent* event) override {
+            const auto* widget = qobject_cast<QWidget*>(watched);
+            const bool frame = widget != nullptr && widget->isWindow() &&
+                               widget->findChild<QWidget*>(kMarkers) != nullptr;
+            if (frame && event->type() == QEvent::Move && widget->isVisible()) ++afterShowing;
+            return false;
+        }
+    } moves;
+    QPointer<QWidget> frame;
+    QPoint place;
+    const auto undoes = [&](QWidget& panel) {
+        frame = panel.window();
+        frame->move(70, 50);
+        place = frame->pos();
+        moves.afterShowing = 0;
+        drag(find(panel, "Opacity.percent"), -40);
+        find(panel, "Saturation.percent").setFocus();
+        QTest::keyClick(&panel, Qt::Key_Z, Qt::ControlModifier);
+    };
+    const auto looks = [&](QWidget& panel) {
+        EXPECT_EQ(panel.window(), frame) << "the same window";
+        EXPECT_EQ(frame->pos(), place);
+        EXPECT_EQ(panel.focusWidget(), &find(panel, "Saturation.percent"));
+    };
+    qApp->installEventFilter(&moves);
+    inPanel({undoes, looks});
+    EXPECT_TRUE(frame == nullptr || !frame->isVisible());
+    inPanel({[&](QWidget& panel) { EXPECT_EQ(panel.window()->pos(), place); }});
+    EXPECT_EQ(moves.afterShowing, 0);
+}
+
+TEST(PanelPlace, KeepsClearOfTheSurfacesAndThenOfTheWindow) {
+    const QSize panel(556, 430);
+    const auto place = [&](QRect screen, QRect window) {
+        const QRect side(window.right() - 250, window.top() + 60, 240, window.height() / 2);
+        const QRect shown(panelPlace(screen, window, side, panel), panel);
+        EXPECT_TRUE(screen.contains(shown));
+        EXPECT_FALSE(shown.intersects(side));
+        return shown;
+    };
+    const QRect window(60, 200, 1240, 680);
+    EXPECT_FALSE(place({0, 0, 1920, 1080}, window).intersects(window)) << "beside it";
+    EXPECT_FALSE(place({0, 0, 1920, 1080}, window.translated(560, 0)).intersects(window));
+    place({0, 0, 1024, 768}, {0, 0, 1024, 740});
+    place({0, 0, 800, 500}, {0, 0, 800, 500});
+    place({1920, 0, 1280, 720}, {1920, 0, 1280, 700});
+}
+
+TEST_F(EditWindowTest, KeysAreShownOnF1AlsoOverThePanel) {
+    start();
+    inPanel({[&](QWidget& panel) { QTest::keyClick(&panel, Qt::Key_F1); }});
+    const auto* keys = window().findChild<QDialog*>("keysWindow");
+    ASSERT_NE(keys, nullptr);
+    EXPECT_TRUE(keys->isVisible());
+}
+
+TEST_F(EditWindowTest, ASceneOpenedLaterHasItsLightsInThePanel) {
+    start();
+    ASSERT_TRUE(window().open(scene_));
+    inPanel({[&](QWidget& panel) {
+        const auto& list = *find(panel, "Lights.list").findChild<QTableView*>();
+        EXPECT_GT(list.model()->rowCount(), 1) << "more than the ambient light";
+    }});
+}
+
+TEST_F(EditWindowTest, ThumbnailsShowWhatChoosingALookGives) {
+    start();
+    picture();
+    std::map<QString, QImage> pictures;
+    LookThumbnails thumbnails(*window().session());
+    QObject::connect(&thumbnails, &LookThumbnails::ready, &window(),
+                     [&](const QString& look, const QImage& shown) { pictures[look] = shown; });
+    const std::size_t looks = shippedLooks().size();
+    const auto all = [&] { return pictures.size() == looks; };
+    thumbnails.renderFor({1});
+    ASSERT_TRUE(QTest::qWaitFor(all, 30000));
+    const QImage promised = pictures["noir"];
+    EXPECT_NE(promised, pictures["comic"]);
+
+    document().wearLook("noir", {1});
+    window().session()->turn(0, 0);
+    pictures.clear();
+    thumbnails.renderFor({});
+    ASSERT_TRUE(QTest::qWaitFor(all, 30000)) << "settings changed";
+    EXPECT_EQ(pictures["comic"], promised) << "what is shown, when no surface is chosen";
+
+    window().session()->turn(0.3, 0);
+    pictures.clear();
+    thumbnails.renderFor({});
+    ASSERT_TRUE(QTest::qWaitFor(all, 30000)) << "the view changed";
+    EXPECT_NE(pictures["comic"], promised);
+}
+
 TEST_F(EditWindowTest, AnotherSurfaceIsChosenUnderThePanel) {
     start();
     const auto first = state();
@@ -194,6 +343,50 @@ TEST_F(EditWindowTest, CopiesAndWearsLooksOnWhatIsSelected) {
     EXPECT_FALSE(state()[0].enabled) << "only the selected surface wears it";
     trigger("undo");
     EXPECT_EQ(state()[1], state()[0]);
+}
+
+TEST_F(EditWindowTest, AFileThatOthersChangedIsOverwrittenOnlyWhenAsked) {
+    start();
+    std::ifstream original(scene_);
+    const std::string text{std::istreambuf_iterator<char>(original), {}};
+    const auto change = [&] {
+        std::ofstream(scene_) << text << "\n";
+        surfaces().item(0)->setCheckState(Qt::Unchecked);
+    };
+    change();
+    answer(QMessageBox::Cancel);
+    trigger("save");
+    EXPECT_TRUE(document().isModified());
+    EXPECT_EQ(asDefault_, QMessageBox::Save) << "which asks for another name";
+    answer(QMessageBox::Discard);
+    trigger("save");
+    EXPECT_FALSE(document().isModified());
+    EXPECT_THAT(window().statusBar()->currentMessage().toStdString(), EndsWith("scene.gltf"));
+
+    change();
+    answer(QMessageBox::Reset);
+    trigger("save");
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !document().isModified(); }));
+    EXPECT_TRUE(surfaces().item(0)->checkState() == Qt::Checked) << "as the file has it";
+    surfaces().item(0)->setCheckState(Qt::Unchecked);
+    trigger("save");
+    EXPECT_FALSE(document().isModified()) << "nothing is asked any more";
+}
+
+TEST_F(EditWindowTest, AFileThatMayNotBeWrittenCanBeSavedElsewhere) {
+    start();
+    surfaces().item(0)->setCheckState(Qt::Unchecked);
+    using std::filesystem::perms;
+    std::filesystem::permissions(folder_.path(), perms(0755));
+    std::filesystem::permissions(scene_, perms(0444));
+    const bool root = ::geteuid() == 0;  // who may write anything
+    constexpr uid_t kNobody = 65534;
+    if (root) ASSERT_EQ(::seteuid(kNobody), 0);
+    answer(QMessageBox::Cancel);
+    trigger("save");
+    if (root) ASSERT_EQ(::seteuid(0), 0);
+    EXPECT_EQ(asDefault_, QMessageBox::Save);
+    EXPECT_TRUE(document().isModified());
 }
 
 TEST_F(EditWindowTest, UnsavedWorkIsNeverLostUnasked) {

@@ -104,6 +104,8 @@ void WindowTest::answer(int button) {
         auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
         if (box == nullptr) return;
         answering_->stop();
+        asDefault_ =
+            box->defaultButton() == nullptr ? 0 : box->standardButton(box->defaultButton());
         QTest::mouseClick(box->button(static_cast<QMessageBox::StandardButton>(button)),
                           Qt::LeftButton);
     });

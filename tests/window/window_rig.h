@@ -52,6 +52,7 @@ class WindowTest : public ::testing::Test {
     Report report_{ReportOptions{0, true, {}}};
     std::unique_ptr<EditWindow> window_;
     std::unique_ptr<QTimer> answering_;
+    int asDefault_ = 0;  ///< the button that Return would have pressed
 };
 
 }  // namespace tavora::studio::testing
