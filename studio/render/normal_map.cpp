@@ -1,6 +1,7 @@
 #include "studio/render/normal_map.h"
 
 #include <algorithm>
+#include <cmath>
 
 #include "studio/render/unit_vector.h"
 
@@ -9,11 +10,15 @@ namespace {
 
 using Imath::V3d;
 
-/// Of the texel, its parts along tangent, bitangent and normal. A map that points
-/// below the surface is damaged there, and taken as lying in it.
+/// Of the texel, its parts along tangent, bitangent and normal. No map points below
+/// its surface: one that seems to has left the third part out, which then follows
+/// from the others.
 V3d mappedVector(const Surface& surface, const Imath::V4d& texel) {
     const auto scale = static_cast<double>(surface.normalScale);
-    return {(2 * texel.x - 1) * scale, (2 * texel.y - 1) * scale, std::max(2 * texel.z - 1, 0.0)};
+    const double x = 2 * texel.x - 1;
+    const double y = 2 * texel.y - 1;
+    const double z = 2 * texel.z - 1;
+    return {x * scale, y * scale, z > 0 ? z : std::sqrt(std::max(1 - x * x - y * y, 0.0))};
 }
 
 V3d inWorld(const Imath::V4f& tangent, const Imath::M44d& m) {

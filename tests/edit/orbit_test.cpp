@@ -13,7 +13,7 @@ using Imath::V3d;
 const Imath::Box3d kBox(V3d(-1, 0, -2), V3d(3, 2, 1));
 
 Camera startCamera() {
-    Camera camera = framingCamera({}, 1);
+    Camera camera = framingCamera(Scene{}, 1);
     camera.cameraToWorld[3][2] += 8;
     camera.aspect = 1.5;
     return camera;

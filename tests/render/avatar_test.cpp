@@ -82,7 +82,7 @@ TEST(Avatars, ZonesAreTheFormulaWhereTheyCanBe) {
         const Picture picture = ball.picture(zones, kSize);
         // A smooth step is so far from a straight one at most, of 1; where the base
         // colour is left to a texture its upper half more.
-        const double most = avatar.exact ? 2e-3 : avatar.textured ? 0.08 : 0.03;
+        const double most = avatar.exact ? 2e-3 : avatar.textured ? 0.08 : 0.045;
         for (int y = 0; y < kSize; ++y) {
             for (int x = 0; x < kSize; ++x) {
                 const double cosine = (2 * x + 1.0) / kSize - 1;

@@ -14,6 +14,7 @@
 #include "host/handler.h"
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
+#include "studio/scene/mesh_tangents.h"
 #include "studio/scene/settings.h"
 #include "studio/services/registry.h"
 #include "tests/render/live_view.h"
@@ -43,6 +44,13 @@ StateBlock look(const Json& changes = Json::object()) {
 
 enum Place { kBall, kPane, kLeaf, kWall };
 
+/// The quad of the wall, ready for its normal map.
+std::shared_ptr<const Mesh> bumpyWall() {
+    const auto mesh = quadMesh(1.7);
+    mesh->tangents = makeTangents(*mesh, {});
+    return mesh;
+}
+
 /// A ball, a clear pane and a cut-out leaf before a painted wall on which they throw
 /// shadows; beyond the wall, nothing.
 struct Room : TestScene {
@@ -63,10 +71,13 @@ struct Room : TestScene {
         wall.baseColorTexture = TextureUse{};
         wall.baseColorTexture->image = addImage(
             2, 2, {250, 240, 200, 255, 90, 80, 200, 255, 200, 90, 80, 255, 20, 60, 40, 255});
+        wall.normalTexture.emplace().isData = true;
+        wall.normalTexture->image = addImage(
+            2, 2, {128, 128, 255, 255, 190, 128, 230, 255, 90, 200, 220, 255, 128, 60, 220, 255});
         addObject(sphereMesh(0.9, 24, 12), kBall, Imath::M44d().translate(V3d(-0.8, 0, 0)));
         addQuad({0.2, 0.3, 1.5}, 0.8, kPane);
         addQuad({0.9, -0.6, 0.5}, 0.7, kLeaf);
-        addQuad({0.3, 0, -2}, 1.7, kWall);
+        addObject(bumpyWall(), kWall, Imath::M44d().translate(V3d(0.3, 0, -2)));
     }
 };
 

@@ -189,18 +189,21 @@ TEST(GltfMaterials, TangentsComeFromTheFileOrAreMadeAndBendWithTheMesh) {
     const std::vector<float> uv = {0, 0, 0, 1, 1, 0};
     const std::vector<float> diagonal = {3, 4, 0, -1, 3, 4, 0, -1, 3, 4, 0, -1};
     const std::vector<float> turn = {-3, 0, 0, -3, 0, 0, -3, 0, 0};
-    Json& primitive = file.primitive(0);
-    primitive["material"] = 0;
-    primitive["attributes"]["NORMAL"] = file.accessor(z, "VEC3");
+    file.primitive(0)["material"] = 0;
+    const int normals = file.accessor(z, "VEC3");
+    file.primitive(0)["attributes"]["NORMAL"] = normals;
     EXPECT_TRUE(firstMesh(file.read()).tangents.empty()) << "without UVs";
-    primitive["attributes"]["TEXCOORD_0"] = file.accessor(uv, "VEC2");
+    const int uvs = file.accessor(uv, "VEC2");
+    file.primitive(0)["attributes"]["TEXCOORD_0"] = uvs;
     EXPECT_EQ(firstMesh(file.read()).tangents.at(0)[0], V4f(0, 1, 0, 1)) << "made";
-    primitive["attributes"]["TANGENT"] = file.accessor(diagonal, "VEC4");
+    const int tangents = file.accessor(diagonal, "VEC4");
+    file.primitive(0)["attributes"]["TANGENT"] = tangents;
     EXPECT_EQ(firstMesh(file.read()).tangents.at(0)[2], V4f(0.6F, 0.8F, 0, -1)) << "read";
-    primitive["targets"] = {{{"TANGENT", file.accessor(turn, "VEC3")}}};
+    const int turns = file.accessor(turn, "VEC3");
+    file.primitive(0)["targets"] = {{{"TANGENT", turns}}};
     file.document["meshes"][0]["weights"] = {0.2};
     EXPECT_EQ(firstMesh(file.read()).tangents.at(0)[1], V4f(0, 0.8F, 0, -1)) << "morphed";
-    primitive.erase("material");
+    file.primitive(0).erase("material");
     EXPECT_TRUE(firstMesh(file.read()).tangents.empty()) << "nothing asks for them";
 }
 

@@ -68,14 +68,14 @@ INSTANTIATE_TEST_SUITE_P(
                     Model{"Dogue.glb", 4736, 5, 0}, Model{"JapaneseBridgeGarden.glb", 21883, 13, 0},
                     Model{"HighPolyStillLife.glb", 569077, 14, 0},
                     Model{"CesiumMilkTruck.glb", 3624, 4, 1, 0, 0, 1},
-                    Model{"AlphaBlendModeTest.glb", 61, 6, 6, 0, 1},
+                    Model{"AlphaBlendModeTest.glb", 61, 6, 7, 0, 1},
                     Model{"MorphStressTest.gltf", 2412, 2, 2, 0, 0, 3},
                     Model{"SimpleSparseAccessor/SimpleSparseAccessor.gltf", 12, 0, 0},
                     Model{"TextureTransformTest/TextureTransformTest.gltf", 24, 9, 5},
                     Model{"VertexColorTest/VertexColorTest.gltf", 36, 2, 2},
                     Model{"InterpolationTest/InterpolationTest.gltf", 110, 10, 1, 0, 0, 9},
                     Model{"PointLightsAndCamera/lightCulling.gltf", 12, 1, 0, 4, 1},
-                    Model{"SphereLights/sphere_lights.gltf", 224, 1, 1, 4},
+                    Model{"SphereLights/sphere_lights.gltf", 224, 1, 2, 4},
                     Model{"ambulance/model.gltf", 2588, 8, 0}),
     [](const auto& tested) {
         std::string name = std::filesystem::path(tested.param.file).stem();
