@@ -7,16 +7,28 @@
 
 #include "studio/scene/color.h"
 #include "studio/scene/default_view.h"
+#include "tests/scene/made_scene.h"
 
 namespace tavora::studio {
 namespace {
 
 using Imath::V3d;
 
-/// A scene of size 2 around the origin with these lights.
-Scene sceneWith(const std::vector<Light>& lights) {
-    Scene scene;
+using Furnish = void (*)(Scene&);
+
+/// A box of 2 metres around the origin.
+void figure(Scene& scene) {
+    addBox(scene, Imath::V3f(-1), Imath::V3f(1));
+}
+
+/// Something of that size that no light can reach.
+void nothing(Scene& scene) {
     scene.bounds = Imath::Box3d(V3d(-1), V3d(1));
+}
+
+Scene sceneWith(const std::vector<Light>& lights, Furnish furnish = nothing) {
+    Scene scene;
+    furnish(scene);
     for (const Light& light : lights)
         scene.lights.push_back(std::make_unique<const Light>(light));
     return scene;
@@ -58,8 +70,9 @@ struct Lit {
     Scene scene;
     LightRig rig;
 
-    explicit Lit(const std::vector<Light>& lights, const LightingOptions& options = {})
-        : scene(sceneWith(lights)), rig(settleLights(scene, {}, options)) {}
+    explicit Lit(const std::vector<Light>& lights, const LightingOptions& options = {},
+                 Furnish furnish = nothing)
+        : scene(sceneWith(lights, furnish)), rig(settleLights(scene, {}, options)) {}
 
     V3d level(std::size_t light) const { return rig.lights.at(light).color; }
     Arrival at(const V3d& place, std::size_t light = 0) const {
@@ -70,29 +83,73 @@ struct Lit {
     }
 };
 
-TEST(LightLevels, TheBrightestAtTheCentreIsOneUnlessTheExposureIsFixed) {
-    // 100 cd from 5 m are 4 lux.
-    const std::vector<Light> lights = {directional(2), point(100, {0, 3, 4}), spot(36, 6)};
-    for (const auto& [exposure, one] :
-         {std::pair<std::optional<double>, double>{{}, 1}, {0.1, 0.4}, {0, 0}}) {
-        LightingOptions options;
-        options.exposure = exposure;
-        const Lit lit(lights, options);
-        ASSERT_EQ(lit.rig.lights.size(), 3U);
-        EXPECT_NEAR(lit.level(0).x, one / 2, 1e-12);
-        EXPECT_NEAR(lit.level(1).x, one, 1e-12);
-        EXPECT_NEAR(lit.level(2).x, one / 4, 1e-12);
-        EXPECT_EQ(lit.rig.ambient, V3d(0));
-        EXPECT_TRUE(lit.rig.own.empty());
-    }
+TEST(LightLevels, SunsCountByTheBrightestAndExposureByItself) {
     Light orange = directional(3);
     orange.color = {2, 0.5F, 0};  // brightest channel counts: 6 lux
-    const V3d hue = Lit({orange, directional(12)}).level(0);
-    EXPECT_NEAR((hue - V3d(0.5, toEncoded(0.25) * 0.5, 0)).length(), 0, 1e-12);
-    // In the middle of the scene no nearer than a twentieth of its size, which is sqrt(12).
-    const Lit middle({point(3, V3d(0)), directional(100)});
-    EXPECT_NEAR(middle.level(0).x, 1.0, 1e-12);
-    EXPECT_NEAR(middle.level(1).x, 100 / (3 / (12 * 0.05 * 0.05)), 1e-12);
+    for (const auto& [exposure, one] :
+         {std::pair<std::optional<double>, double>{{}, 1}, {0.1, 1.2}, {0, 0}}) {
+        const Lit lit({orange, directional(12)}, {.ambient = {}, .exposure = exposure});
+        const V3d half = V3d(one / 2, toEncoded(0.25) * one / 2, 0);
+        EXPECT_NEAR((lit.level(0) - half).length(), 0, 1e-12);
+        EXPECT_NEAR(lit.level(1).x, one, 1e-12);
+        EXPECT_TRUE(lit.rig.own.empty());
+    }
+}
+
+TEST(LightLevels, NoLampShadesTheSunsSide) {
+    for (const V3d& place : {V3d(0, 0, -3), V3d(0.3, 0.2, -1.001), V3d(0), V3d(0, 0, -30)}) {
+        Lit lit({directional(3), point(30, place), point(6, {0, 30, 0})}, {}, figure);
+        EXPECT_EQ(lit.level(0), V3d(1)) << place;
+        EXPECT_GT(lit.level(1).x, 0) << place;
+        EXPECT_LE(lit.level(1).x, 1) << place;
+    }
+    // From 30 m a lamp brings its candela / 29^2 to the side that it faces.
+    const Lit far({directional(3), point(1500, {0, 0, -30})}, {}, figure);
+    EXPECT_NEAR(far.level(1).x, 1500.0 / (29 * 29) / 3, 0.01);
+}
+
+TEST(LightLevels, LampsCountWhereTheyMeetSurfaces) {
+    // A room of 10 x 3 x 10 metres: the small lamp at its wall is the weaker one.
+    const auto room = [](Scene& scene) {
+        addBox(scene, {-5, 0, -5}, {5, 3, 5}).doubleSided = true;
+    };
+    const Lit walls({point(100, {0, 2, 0}), point(10, {4.98, 1, 0})}, {}, room);
+    EXPECT_EQ(walls.level(0).x, 1);
+    EXPECT_LT(walls.level(1).x, 0.2);
+    // Far-off ground around a figure does not make its lamp a weak one.
+    const auto ground = [](Scene& scene) {
+        figure(scene);
+        addTriangles(scene, {{-500, -1, -500}, {0, -1, 500}, {500, -1, -500}}, {{0, 1, 2}});
+    };
+    EXPECT_GT(Lit({directional(3), point(30, {0, 0, -3})}, {}, ground).level(1).x, 0.1);
+    // A lamp in a closed figure lights nothing, nor does one before what is unlit.
+    const auto backdrop = [](Scene& scene) {
+        figure(scene);
+        addBox(scene, {50, -1, -1}, {60, 1, 1}).unlit = true;
+    };
+    const Lit hidden({point(1e6, V3d(0)), point(1, {4, 0, 0}), point(1, {49, 0, 0})}, {}, backdrop);
+    EXPECT_EQ(hidden.level(0).x, 1);
+    EXPECT_EQ(hidden.level(1).x, 1);
+    EXPECT_LT(hidden.level(2).x, 0.01);
+    Light shortOne = point(1e6, {4, 0, 0});
+    shortOne.range = 2.5F;
+    EXPECT_EQ(Lit({shortOne, point(1, {4, 0, 0})}, {}, figure).level(1).x, 1);
+    // Alone, a lamp is the brightest wherever it is and whatever it is.
+    for (const double height : {1.01, 3.0, 1e4, 0.0})
+        EXPECT_EQ(Lit({point(1e-3F, {0, height, 0})}, {}, figure).level(0).x, 1) << height;
+}
+
+TEST(LightLevels, ASpotIsFullWhereItsConeIsBrightestOnTheSurfaces) {
+    // Beside the axis: most of the cone passes by the figure.
+    Light aside = spot(10, 6);
+    aside.position.x = 3;
+    const Lit lit({aside}, {}, figure);
+    const Arrival nearest = lit.at({1, -1, 0});  // to the axis, as it goes down
+    EXPECT_GT(nearest.color.x, 0.9);
+    EXPECT_LT(nearest.color.x, 2);
+    LightingOptions falloff;
+    falloff.falloff = true;
+    EXPECT_NEAR(Lit({aside}, falloff, figure).at({1, -1, 0}).color.x, 1, 0.3);
 }
 
 TEST(LightLevels, SizesThatAreChosenCountOverTheLightsOwn) {
@@ -149,7 +206,7 @@ TEST(LightLevels, EvenLightHasConesButNeitherRangeNorFalloff) {
     EXPECT_NEAR(lit.at({4 * std::tan(angle), 0, 0}, 1).color.x, share * share, 1e-6);
 }
 
-TEST(LightLevels, FalloffIsRelativeToTheCentreAndEndsAtTheRange) {
+TEST(LightLevels, FalloffIsPhysicalAndEndsAtTheRange) {
     Light lamp = point(50, {0, 4, 0});
     lamp.range = 8;
     Light sun = directional(1);
@@ -172,7 +229,7 @@ TEST(LightLevels, FalloffIsRelativeToTheCentreAndEndsAtTheRange) {
     EXPECT_EQ(there.color, V3d(1));
 }
 
-TEST(LightLevels, ASceneWithoutLightsGetsAKeyAndAmbientWhereNobodyChoseOne) {
+TEST(LightLevels, AmbientAndAKeyLightAreAddedWhereNobodyChoseThem) {
     Scene scene = sceneWith({});
     const LightRig rig = settleLights(scene, {}, {});  // looks along -z, right is +x
     ASSERT_EQ(rig.lights.size(), 1U);
@@ -184,6 +241,11 @@ TEST(LightLevels, ASceneWithoutLightsGetsAKeyAndAmbientWhereNobodyChoseOne) {
     EXPECT_LT(key.direction.y, -0.3);  // from above,
     EXPECT_LT(key.direction.z, -0.3);  // from behind the camera
     EXPECT_NEAR(key.direction.length(), 1, 1e-12);
+    Light black = point(5, V3d(0));
+    black.color = {0, 0, 0};
+    EXPECT_EQ(Lit({directional(1), black}).rig.ambient, V3d(0)) << "one sun stays as it is";
+    EXPECT_EQ(Lit({directional(1), directional(1)}).rig.ambient, V3d(kFillAmbient));
+    EXPECT_EQ(Lit({point(1, V3d(0))}).rig.ambient, V3d(kFillAmbient));
     scene.ambient = V3d(0.1, 0.2, 0.3);
     EXPECT_EQ(settleLights(scene, {}, {}).ambient, V3d(0.1, 0.2, 0.3));
     EXPECT_EQ(settleLights(scene, {}, {.ambient = V3d(0.7), .exposure = {}}).ambient, V3d(0.7));
