@@ -125,7 +125,7 @@ TEST(Settings, EveryPrefixOfABlockIsDamaged) {
         const StateBlock block(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(size));
         EXPECT_THAT(refusal([&] { settingsOf(block); }), HasSubstr("damaged")) << size;
     }
-    EXPECT_THAT(refusal([] { settingsOf(sampleBlock({}, 4097)); }), HasSubstr("4097"));
+    EXPECT_THAT(refusal([] { settingsOf(sampleBlock({}, 1'000'001)); }), HasSubstr("1000001"));
     StateBlock swapped = whole;
     swapped[2] = 1;
     EXPECT_THAT(refusal([&] { settingsOf(swapped); }), HasSubstr("highlightOutlineSize"));
