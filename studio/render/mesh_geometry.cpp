@@ -9,8 +9,8 @@ Imath::V3d row(const Imath::M44d& matrix, int i) {
 
 /// The cofactors of the upper left part, which transform normals also where
 /// the matrix flattens space and has no inverse.
-Imath::M33d normalMatrix(const Imath::M44d& matrix, bool mirrored) {
-    const double sign = mirrored ? -1 : 1;
+/// `sign` is -1 where it mirrors space, and would turn them inwards.
+Imath::M33d normalMatrix(const Imath::M44d& matrix, double sign) {
     const Imath::V3d x = row(matrix, 1).cross(row(matrix, 2)) * sign;
     const Imath::V3d y = row(matrix, 2).cross(row(matrix, 0)) * sign;
     const Imath::V3d z = row(matrix, 0).cross(row(matrix, 1)) * sign;
@@ -44,9 +44,10 @@ MeshGeometry placeMesh(const SceneMesh& source, std::size_t number) {
     geometry.number = number;
     geometry.vertices = worldVertices(*source.mesh, object.objectToWorld);
     geometry.worldToObject = object.objectToWorld.inverse();
-    geometry.normalToWorld = normalMatrix(object.objectToWorld, object.mirrored);
+    // Of a mesh that hangs on mirrored joints the triangles are turned, not the space.
     geometry.facing = object.mirrored ? -1 : 1;
     geometry.handedness = object.objectToWorld.determinant() < 0 ? -1 : 1;
+    geometry.normalToWorld = normalMatrix(object.objectToWorld, geometry.handedness);
     fillRows(geometry.worldToObject, geometry.objectTransform);
     fillRows(object.objectToWorld, geometry.worldTransform);
     return geometry;

@@ -51,6 +51,21 @@ TEST(PlainShading, ScattersLightByTheCosine) {
     expectColor(test.color(), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
 }
 
+TEST(PlainShading, MeshesThatHangOnMirroredJointsAreLitFromOutside) {
+    TestScene test;
+    test.addSurface();
+    auto mesh = sphereMesh(1, 32, 16);
+    for (auto& triangle : mesh->triangles)
+        std::swap(triangle[1], triangle[2]);
+    auto object = std::make_unique<Object>();
+    object->mirrored = true;
+    object->parts.push_back({mesh, 0, 0});
+    test.scene.objects.push_back(std::move(object));
+    test.addSun(kDown);
+    const Picture picture = renderPlain(test, frontCamera({0, 0, 5}, 1), squareOptions(5));
+    EXPECT_NEAR(displayed(picture, 2, 2).x, 1, 0.01);
+}
+
 TEST(PlainShading, PointLightsShineFromWhereTheyAre) {
     QuadScene test;
     test.addLight(LightKind::Point, {1, 0.5, 0}).position = {0, 3, 4};

@@ -89,6 +89,9 @@ TEST(TextureLookup, AveragesInLinearLight) {
     // Between two levels it goes smoothly.
     const double half = pyramid.lookUp(plain(Filter::Linear), {0.25, 0.25}, 1.0 / std::sqrt(2)).x;
     EXPECT_NEAR(half, toEncoded(0.5) / 2, 1.0 / 255);
+    const Image numbers = grayImage(2, 1, {40, 200});
+    EXPECT_NEAR(red(TexturePyramid(numbers, true), plain(Filter::Linear), {0, 0}, 1), 120, 1e-9)
+        << "data is averaged as it is";
 }
 
 TEST(TextureLookup, OddSizesLeaveNoTexelOut) {
