@@ -152,7 +152,7 @@ void addThreads(Command& command, int& target) {
 void addLighting(Command& command, LightingOptions& lighting) {
     command.option("--ambient", "COLOUR", "Light from everywhere (the scene's own)",
                    into(lighting.ambient, color));
-    command.option("--exposure", "auto|FACTOR", "auto: the brightest light counts as 1",
+    command.option("--exposure", "auto|FACTOR", "auto: the brightest sun or lamp counts as 1",
                    into(lighting.exposure, exposure));
     command.option("--falloff", "none|physical", "How light weakens with distance (none)",
                    into(lighting.falloff, falloff));

@@ -210,7 +210,7 @@ V3d framingEye(Scenes scenes, const Axes& axes, double slopeAcross, double slope
 
 }  // namespace
 
-Camera framingCamera(Scenes scenes, double aspect) {
+Camera framingCameraOfFilm(Scenes scenes, double aspect) {
     const Axes axes = viewOf(scenes);
     const double fov = kFov * std::min(1.0, kWidest / aspect);
     const double slope = portable::tan(fov / 2);
@@ -225,7 +225,7 @@ Camera framingCamera(Scenes scenes, double aspect) {
 
 Camera framingCamera(const Scene& scene, double aspect) {
     const Scene* const scenes[] = {&scene};
-    return framingCamera(scenes, aspect);
+    return framingCameraOfFilm(scenes, aspect);
 }
 
 Light keyLight(const Camera& camera) {

@@ -19,7 +19,7 @@ inline constexpr double kFramingMargin = 0.08;
 Camera framingCamera(const Scene& scene, double aspect);
 
 /// The same for a film: one camera for the scene at several times.
-Camera framingCamera(std::span<const Scene* const> scenes, double aspect);
+Camera framingCameraOfFilm(std::span<const Scene* const> scenes, double aspect);
 
 /// A directional light from over the camera's left shoulder, named "Key".
 Light keyLight(const Camera& camera);

@@ -110,9 +110,9 @@ bool castsShadow(const Light& light, const LightingOptions& options) {
 
 std::vector<LightStrength> lightStrengths(const Scene& scene) {
     const auto isLampAt = [](const auto& light) { return isLamp(*light); };
-    std::vector<SurfacePoint> points;
+    std::vector<SurfaceSample> points;
     if (std::any_of(scene.lights.begin(), scene.lights.end(), isLampAt))
-        points = surfacePoints(scene);
+        points = surfaceSamples(scene);
     std::vector<LightStrength> strengths;
     for (const auto& light : scene.lights) {
         LightStrength strength{peakIntensity(*light)};

@@ -18,7 +18,7 @@ struct LightSize {
 /// How physical light units become the 0..1 that a gradient of zones wants.
 struct LightingOptions {
     std::optional<Imath::V3d> ambient;  ///< display-referred; overrides the scene's
-    std::optional<double> exposure;     ///< factor on physical units; empty: brightest = 1
+    std::optional<double> exposure;     ///< factor on physical units; empty: as settleLights() says
     bool falloff = false;               ///< inverse square and range, instead of even light
     std::vector<LightSize> radii = {};  ///< over those of the scene; the last that matches counts
     std::vector<LightSize> angles = {};

@@ -21,7 +21,7 @@ struct LitPlace {
 };
 
 /// Dark where the place turns away or cone or range end before it.
-LitPlace lightAt(const Light& lamp, double candela, const SurfacePoint& point) {
+LitPlace lightAt(const Light& lamp, double candela, const SurfaceSample& point) {
     const V3d way = point.position - lamp.position;
     const double distance2 = way.length2();
     if (!(distance2 > 0) || !std::isfinite(distance2)) return {};
@@ -88,10 +88,10 @@ double rangeWindow(const Light& light, double distance) {
     return std::clamp(1.0 - ratio * ratio * ratio * ratio, 0.0, 1.0);
 }
 
-LampReach lampReach(const Light& lamp, std::span<const SurfacePoint> points) {
+LampReach lampReach(const Light& lamp, std::span<const SurfaceSample> points) {
     const double candela = peakIntensity(lamp);
     std::vector<LitPlace> places;
-    for (const SurfacePoint& point : points) {
+    for (const SurfaceSample& point : points) {
         const LitPlace place = lightAt(lamp, candela, point);
         if (place.flux > 0) places.push_back(place);
     }

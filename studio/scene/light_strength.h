@@ -3,7 +3,7 @@
 #include <span>
 
 #include "studio/scene/scene.h"
-#include "studio/scene/surface_points.h"
+#include "studio/scene/surface_samples.h"
 
 namespace tavora::studio {
 
@@ -25,7 +25,7 @@ struct LampReach {
     double cone = 1;      ///< coneShare() that is exceeded on a tenth of the reached area
 };
 
-LampReach lampReach(const Light& lamp, std::span<const SurfacePoint> points);
+LampReach lampReach(const Light& lamp, std::span<const SurfaceSample> points);
 
 /// Physical strength for the brightest channel: lux of a directional light,
 /// candela of others; 0 for what is negative or not a number.

@@ -33,7 +33,7 @@ Imath::Box2d projected(const std::vector<const Scene*>& scenes, const Camera& ca
 
 void expectFramed(const std::vector<const Scene*>& scenes) {
     for (const double aspect : {0.1, 9.0 / 16, 1.0, 16.0 / 9, 8.0}) {
-        const Camera camera = framingCamera(scenes, aspect);
+        const Camera camera = framingCameraOfFilm(scenes, aspect);
         const Imath::Box2d box = projected(scenes, camera, aspect);
         EXPECT_NEAR(std::max(box.max.x, box.max.y), 1 - 2 * kFramingMargin, 1e-6) << aspect;
         EXPECT_NEAR(box.center().x, 0, 1e-6) << aspect;

@@ -131,6 +131,10 @@ TEST(LightLevels, LampsCountWhereTheyMeetSurfaces) {
     EXPECT_EQ(hidden.level(0).x, 1);
     EXPECT_EQ(hidden.level(1).x, 1);
     EXPECT_LT(hidden.level(2).x, 0.01);
+    const auto bothSides = [](Scene& scene) {
+        addBox(scene, Imath::V3f(-1), Imath::V3f(1)).doubleSided = true;
+    };
+    EXPECT_LT(Lit({point(1e6, V3d(0)), point(1, {4, 0, 0})}, {}, bothSides).level(1).x, 0.01);
     Light shortOne = point(1e6, {4, 0, 0});
     shortOne.range = 2.5F;
     EXPECT_EQ(Lit({shortOne, point(1, {4, 0, 0})}, {}, figure).level(1).x, 1);

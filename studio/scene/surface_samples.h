@@ -7,7 +7,7 @@
 namespace tavora::studio {
 
 /// A place on a surface that light can change; it stands for the area around it.
-struct SurfacePoint {
+struct SurfaceSample {
     Imath::V3d position{0, 0, 0};  ///< world
     Imath::V3d normal{0, 0, 1};    ///< world, unit, away from the triangle's front
     double area = 0;               ///< square metres, times the opacity of a blended surface
@@ -18,6 +18,6 @@ struct SurfacePoint {
 /// ones: evenly spread over each mesh, more of them on larger meshes, a few on
 /// the smallest. The same for the same scene; none without triangles. Visits every
 /// triangle twice. Any thread.
-std::vector<SurfacePoint> surfacePoints(const Scene& scene);
+std::vector<SurfaceSample> surfaceSamples(const Scene& scene);
 
 }  // namespace tavora::studio

@@ -1,4 +1,4 @@
-#include "studio/scene/surface_points.h"
+#include "studio/scene/surface_samples.h"
 
 #include <algorithm>
 #include <cmath>
@@ -80,7 +80,7 @@ V3d pointInside(const Corners& corners, std::size_t n) {
 }
 
 /// Puts `count` points on the patch, each for the same area of successive triangles.
-void addPoints(const Patch& patch, std::size_t count, std::vector<SurfacePoint>& points) {
+void addPoints(const Patch& patch, std::size_t count, std::vector<SurfaceSample>& points) {
     const double step = patch.area / static_cast<double>(count);
     double passed = 0;
     std::size_t placed = 0;
@@ -88,7 +88,7 @@ void addPoints(const Patch& patch, std::size_t count, std::vector<SurfacePoint>&
         const Corners corners = cornersOf(patch, triangle);
         passed += areaOf(corners);
         for (; placed < count && (static_cast<double>(placed) + 0.5) * step < passed; ++placed) {
-            SurfacePoint point;
+            SurfaceSample point;
             point.position = pointInside(corners, placed);
             point.normal =
                 doubleAreaVector(corners).normalized() * (patch.object->mirrored ? -1.0 : 1.0);
@@ -101,14 +101,14 @@ void addPoints(const Patch& patch, std::size_t count, std::vector<SurfacePoint>&
 
 }  // namespace
 
-std::vector<SurfacePoint> surfacePoints(const Scene& scene) {
+std::vector<SurfaceSample> surfaceSamples(const Scene& scene) {
     const std::vector<Patch> patches = litPatches(scene);
     double area = 0;
     for (const Patch& patch : patches)
         area += patch.area;
     const std::size_t share =
         std::clamp<std::size_t>(kByMesh / std::max<std::size_t>(patches.size(), 1), 1, kMostByMesh);
-    std::vector<SurfacePoint> points;
+    std::vector<SurfaceSample> points;
     for (const Patch& patch : patches) {
         const auto byArea = static_cast<std::size_t>(kByArea * (patch.area / area));
         addPoints(patch, byArea + std::min(share, patch.mesh->triangles.size()), points);
