@@ -1,6 +1,7 @@
 // The picture of the window against the one that the command line renders.
 
 #include <QImage>
+#include <QTest>
 #include <fstream>
 #include <variant>
 
