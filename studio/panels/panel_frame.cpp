@@ -3,6 +3,7 @@
 #include <QCloseEvent>
 #include <QCoreApplication>
 #include <QVBoxLayout>
+#include <utility>
 
 namespace tavora::studio {
 
@@ -41,9 +42,13 @@ void PanelFrame::closeEvent(QCloseEvent* event) {
     if (!panel_.isNull()) panel_->reject();
 }
 
-/// Keys reach the window itself while nothing on the panel has the focus.
+/// Keys reach the window itself while nothing on the panel has the focus; what
+/// the panel leaves comes back here and goes no further.
 void PanelFrame::keyPressEvent(QKeyEvent* event) {
-    if (!panel_.isNull()) QCoreApplication::sendEvent(panel_, event);
+    if (panel_.isNull() || std::exchange(forwards_, true)) return event->ignore();
+    const QPointer<PanelFrame> self(this);
+    QCoreApplication::sendEvent(panel_, event);
+    if (!self.isNull()) forwards_ = false;
 }
 
 }  // namespace tavora::studio

@@ -28,6 +28,7 @@ class PanelFrame : public QWidget {
     void letGo();
 
     QPointer<PanelDialog> panel_;
+    bool forwards_ = false;  ///< a key is on its way to the panel
 };
 
 }  // namespace tavora::studio
