@@ -32,7 +32,7 @@ bool StepList::joins(const Step& step) const {
 }
 
 bool StepList::isLast(Gesture gesture) const {
-    return open_ && gesture != 0 && done_ > 0 && steps_[done_ - 1].gesture == gesture;
+    return gesture != 0 && done_ > 0 && !canRedo() && steps_.back().gesture == gesture;
 }
 
 Step StepList::drop() {

@@ -41,7 +41,7 @@ class StepList {
     /// The next step stands alone, whatever its gesture.
     void end() { open_ = false; }
 
-    /// Whether the last step is open and this gesture's.
+    /// Whether the last step is this gesture's and nothing was undone since.
     bool isLast(Gesture gesture) const;
     /// Removes the last step, which cannot be done again. Only when there is one.
     Step drop();
