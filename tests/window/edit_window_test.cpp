@@ -153,6 +153,7 @@ TEST_F(EditWindowTest, EscEndsADragAndLeavesNothingToUndo) {
             QTest::mouseMove(&control, control.rect().center() + QPoint(distance, 0));
         EXPECT_NE(state(), first) << name;
         QTest::keyClick(&control, Qt::Key_Escape);
+        QCoreApplication::sendPostedEvents();  // before the next step
     };
     const auto goesOn = [&](QWidget& panel) {
         EXPECT_EQ(state(), first);
