@@ -17,7 +17,7 @@
 namespace tavora::studio {
 namespace {
 
-constexpr int kSideWidth = 250;  // pixels
+constexpr int kSideWidth = 240;  // pixels; leaves the panel room on a screen of 800
 constexpr int kMargin = 6;
 constexpr int kSaidFor = 8000;  // milliseconds
 
@@ -60,6 +60,7 @@ EditWindow::EditWindow(const EditRequest& request, Report& report)
     splitter->addWidget(&view_);
     splitter->addWidget(makeSide());
     splitter->setStretchFactor(0, 1);
+    splitter->setSizes({view_.sizeHint().width(), kSideWidth});
     splitter->setChildrenCollapsible(false);
     setCentralWidget(splitter);
     makeStatus();
@@ -92,7 +93,7 @@ QWidget* EditWindow::makeSide() {
     options->setEnabled(false);
     layout->addWidget(options);
     side->addWidget(top);
-    side->addWidget(titled(tr("&Lights"), lights_));
+    side->addWidget(titled(tr("Li&ghts"), lights_));
     side->setStretchFactor(0, 3);
     side->setStretchFactor(1, 1);
     side->setMinimumWidth(kSideWidth);
