@@ -87,7 +87,6 @@ void WindowTest::inPanel(const std::vector<std::function<void(QWidget& panel)>>&
         busy = true;
         try {
             steps[next++](*panel);
-            QCoreApplication::sendPostedEvents();  // what it set going comes before the next
         } catch (...) {
             failed = std::current_exception();
         }
