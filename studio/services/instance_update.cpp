@@ -7,7 +7,9 @@
 namespace tavora::studio {
 namespace {
 
-InstanceListener currentListener;
+// Render threads make records of their own, which a module reports just the same
+// when it has laid the default settings over them: nobody waits for those.
+thread_local InstanceListener currentListener;
 
 }  // namespace
 

@@ -6,10 +6,10 @@
 
 namespace tavora::studio {
 
-/// Hears that a module changed one of its instances. Interface thread.
+/// Hears that a module changed one of its instances on this thread.
 using InstanceListener = std::function<void(const char* className, HostInstance instance)>;
 
-/// Replaces the listener; an empty one ends listening. Interface thread.
+/// Replaces the listener of the calling thread; an empty one ends listening.
 void setInstanceListener(InstanceListener listener);
 
 }  // namespace tavora::studio
