@@ -5,6 +5,7 @@
 #include <cstring>
 
 #include "host/handler.h"
+#include "plugin/instance_creation.h"
 #include "plugin/record/instance_life.h"
 #include "plugin/record/services.h"
 #include "plugin/record/shader_instance.h"
