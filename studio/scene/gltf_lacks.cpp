@@ -34,7 +34,7 @@ bool isDrawn(const Json& value) {
     return value.is_string() && value != "none";
 }
 
-bool isNotTrue(const Json& value) {
+bool isFalse(const Json& value) {
     return value == false;
 }
 
@@ -51,7 +51,7 @@ constexpr Wish kWishes[] = {
      "metallic-roughness textures are not read; the roughness factor alone counts"},
     {"/pbrMetallicRoughness/metallicFactor", isPositive,
      "metals are shaded like any other surface"},
-    {"/extras/tavora/normalMap", isNotTrue, "normal maps are turned off in the file"},
+    {"/extras/tavora/normalMap", isFalse, "normal maps are turned off in the file"},
     {"/extensions/KHR_materials_pbrSpecularGlossiness/specularGlossinessTexture", isGiven,
      "specular-glossiness textures are not read; the glossiness factor alone counts"},
     {"/extensions/VRMC_materials_mtoon/shadingShiftTexture", isGiven,

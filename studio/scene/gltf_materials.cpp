@@ -81,14 +81,8 @@ class MaterialReader {
 
     /// {"tavora": {"normalMap": false}} leaves it out.
     void readNormalMap(const Json& material, Surface& surface) {
-        const Json& flag = member(member(member(material, "extras"), "tavora"), "normalMap");
-        if (flag.is_boolean()) {
-            surface.normalMap = flag.get<bool>();
-        } else if (!flag.is_null()) {
-            scene_.warnings.push_back(oneLine(
-                fmt::format("{}: surface {}: its normalMap is neither true nor false and left out",
-                            source_.path, surface.name)));
-        }
+        readFlag(member(member(material, "extras"), "tavora"), "normalMap", surface,
+                 surface.normalMap);
         if (!surface.normalMap) return;
         const Json& info = member(material, "normalTexture");
         surface.normalTexture = textures_.readSpare(info, "normal map", surface.name);
