@@ -72,15 +72,14 @@ struct Shading {
     std::filesystem::path module;  ///< empty when no surface has a shader
 };
 
-Shading settleShading(const Scene& scene, const RenderRequest& request, const LightRig& rig,
-                      Report& report) {
+Shading settleShading(const Scene& scene, const RenderRequest& request, Report& report) {
     Shading shading{std::vector<SurfaceShading>(scene.surfaces.size()), {}};
     if (allPlain(request.shading)) return shading;
     const ShaderClass shader = openShaderClass(request.shading.plugin);
     report.note(1, fmt::format("module {}", shader.module.string()));
     const ShadingRequest asked = withDefaultLook(scene, request.shading, report);
     const std::vector<PlannedSurface> planned =
-        planSurfaces(scene, asked, shader, lightNames(rig), report);
+        planSurfaces(scene, asked, shader, lightNames(scene), report);
     for (std::size_t i = 0; i < planned.size(); ++i) {
         if (!planned[i].settings || !planned[i].enabled) continue;
         shading.surfaces[i].shader = blockOf(*planned[i].settings);
@@ -115,7 +114,7 @@ void noteStats(const RenderStats& stats, Report& report) {
 Picture renderPicture(const Scene& scene, const Camera& camera, const RenderRequest& request,
                       const PictureArea& area, Report& report) {
     const LightRig rig = lightsFor(scene, camera, request.lighting);
-    const Shading shading = settleShading(scene, request, rig, report);
+    const Shading shading = settleShading(scene, request, report);
     RenderStats stats;
     const PoliteStop stop;
     Progress progress(request.progress, request.report.quiet);

@@ -53,8 +53,8 @@ void checkSizes(const char* option, const std::vector<LightSize>& sizes, bool su
     }
 }
 
-void checkNames(const char* option, const std::vector<std::string>& wanted, const LightRig& rig) {
-    const std::vector<std::string> names = lightNames(rig);
+void checkNames(const char* option, const std::vector<std::string>& wanted,
+                const std::vector<std::string>& names) {
     for (const std::string& lights : wanted) {
         const bool fits = std::any_of(names.begin(), names.end(), [&](const std::string& name) {
             return matchesName(lights, name);
@@ -72,7 +72,7 @@ LightRig lightsFor(const Scene& scene, const Camera& camera, const LightingOptio
     LightRig rig = settleLights(scene, camera, options);
     checkSizes("--light-radius", options.radii, false, rig);
     checkSizes("--light-angle", options.angles, true, rig);
-    checkNames("--no-shadows", options.withoutShadows, rig);
+    checkNames("--no-shadows", options.withoutShadows, lightNames(scene));
     return rig;
 }
 
@@ -93,10 +93,11 @@ Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect
         cameras.empty() ? ", which has none; leave --camera out" : nearestNames(choice, names)));
 }
 
-std::vector<std::string> lightNames(const LightRig& rig) {
+std::vector<std::string> lightNames(const Scene& scene) {
+    if (scene.lights.empty()) return {kKeyLightName};
     std::vector<std::string> names;
-    for (const LitLight& light : rig.lights)
-        names.push_back(light.light->name);
+    for (const auto& light : scene.lights)
+        names.push_back(light->name);
     return names;
 }
 

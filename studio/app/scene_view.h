@@ -17,7 +17,8 @@ Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect
 /// its kind, and lists the near names.
 LightRig lightsFor(const Scene& scene, const Camera& camera, const LightingOptions& options);
 
-/// Names of the lights of a render, in order.
-std::vector<std::string> lightNames(const LightRig& rig);
+/// Names of the lights of a render of the scene, in order: its own, or that of the
+/// key light where it has none.
+std::vector<std::string> lightNames(const Scene& scene);
 
 }  // namespace tavora::studio

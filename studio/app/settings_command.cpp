@@ -107,9 +107,8 @@ void showOrStoreSettings(const SettingsRequest& request, Report& report) {
     std::string server;
     if (needsModule || changes) {
         const ShaderClass shader = openShaderClass(request.shading.plugin);
-        const LightRig rig = settleLights(scene, chooseCamera(scene, {}, 1), {});
         planned = planSurfaces(scene, narrowed(request.shading, request.surfaces), shader,
-                               lightNames(rig), report);
+                               lightNames(scene), report);
         server = shader.server;
     }
     if (request.output.empty()) {

@@ -3,6 +3,7 @@
 #include <fmt/format.h>
 
 #include "studio/app/scene_report.h"
+#include "studio/app/scene_view.h"
 #include "studio/app/surface_names.h"
 #include "studio/edit/file_stamp.h"
 #include "studio/edit/look_writing.h"
@@ -208,7 +209,7 @@ void Document::setSettings(const std::vector<std::pair<std::size_t, SurfaceSetti
 std::vector<std::pair<std::size_t, SurfaceSettings>> Document::withLook(
     const std::string& look, const std::vector<std::size_t>& surfaces) const {
     const Look worn = readLook(look);
-    const std::vector<std::string> lights = lightNamesOf(scene());
+    const std::vector<std::string> lights = lightNames(scene());
     std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
     for (const std::size_t surface : surfaces) {
         Settings after = settingsOf(parts_->records.builtIn());

@@ -18,9 +18,6 @@ struct OpenedSurfaces {
     bool asked = true;  ///< what differs is the user's wish, not a look that stands in
 };
 
-/// Names of the lights that shaders of this scene may name.
-std::vector<std::string> lightNamesOf(const Scene& scene);
-
 /// Settles it as planSurfaces() does, to the bit as a record keeps it. A shader
 /// that the request leaves out is turned off. Throws what planSurfaces() throws.
 OpenedSurfaces openSurfaces(const Scene& scene, const ShadingRequest& request, Records& records,

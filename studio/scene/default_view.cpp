@@ -236,7 +236,7 @@ Light keyLight(const Camera& camera) {
     camera.cameraToWorld.multDirMatrix(V3d(0, 1, 0), up);
     camera.cameraToWorld.multDirMatrix(V3d(0, 0, 1), back);
     Light light;
-    light.name = "Key";
+    light.name = kKeyLightName;
     light.direction = -(back * 1.0 - right * 0.8 + up * 0.9).normalized();
     return light;
 }

@@ -21,7 +21,10 @@ Camera framingCamera(const Scene& scene, double aspect);
 /// The same for a film: one camera for the scene at several times.
 Camera framingCameraOfFilm(std::span<const Scene* const> scenes, double aspect);
 
-/// A directional light from over the camera's left shoulder, named "Key".
+/// What keyLight() is called.
+inline constexpr const char* kKeyLightName = "Key";
+
+/// A directional light from over the camera's left shoulder, named kKeyLightName.
 Light keyLight(const Camera& camera);
 
 /// The ambient colour that goes with the key light.
