@@ -39,6 +39,7 @@ struct SettingChange {
 /// What goes on which surface.
 struct ShadingRequest {
     std::vector<LookChoice> looks;
+    std::string defaultLook = {};  ///< for surfaces that nothing is said of; empty: they stay plain
     std::vector<SettingChange> changes;
     std::vector<std::string> plain;  ///< names or globs of surfaces without shader
     std::string plugin;              ///< where to look for the module; empty: the usual places

@@ -55,6 +55,15 @@ class Planner {
             report_.note(1, fmt::format("avatars are met nearly: {} ({})", what, someOf(surfaces)));
     }
 
+    /// A look for what has no shading yet.
+    void takeDefault(const std::string& name) {
+        if (name.empty()) return;
+        const Look look = readLook(name);
+        for (const std::size_t i : listedSurfaces(scene_)) {
+            if (!surfaces_[i].settings) wear(surfaces_[i], look);
+        }
+    }
+
     void takeLooks(const std::vector<LookChoice>& choices) {
         std::vector<const LookChoice*> last(surfaces_.size(), nullptr);
         std::map<std::string, Look> looks;
@@ -191,19 +200,10 @@ bool storesShaders(const Scene& scene) {
 
 ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report) {
     if (!request.looks.empty() || storesShaders(scene)) return request;
-    if (hasAvatars(scene)) {
-        for (const std::size_t i : listedSurfaces(scene)) {
-            const Surface& surface = scene.surfaces[i];
-            if (!surface.toon) request.looks.push_back({surface.name, kDefaultLook});
-        }
-        report.note(1, fmt::format("no look given and none stored: avatars are shaded as their "
-                                   "materials say, {} goes on the rest",
-                                   kDefaultLook));
-        return request;
-    }
-    request.looks.push_back({{}, kDefaultLook});
-    report.note(
-        1, fmt::format("no look given and none stored: {} goes on every surface", kDefaultLook));
+    request.defaultLook = kDefaultLook;
+    const char* where =
+        hasAvatars(scene) ? "goes on all surfaces but those of avatars" : "goes on every surface";
+    report.note(1, fmt::format("no look given and none stored: {} {}", kDefaultLook, where));
     return request;
 }
 
@@ -213,6 +213,7 @@ std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingReques
     Planner planner(scene, shader, report);
     planner.takeStored();
     planner.takeAvatars();
+    planner.takeDefault(request.defaultLook);
     planner.takeLooks(request.looks);
     planner.takeChanges(request.changes);
     planner.takePlain(request.plain);

@@ -27,14 +27,14 @@ bool storesShaders(const Scene& scene);
 bool hasAvatars(const Scene& scene);
 
 /// A scene that says nothing of shading still makes a picture worth keeping: the
-/// request with a look for every surface but those of avatars when it asks for
-/// none and none is stored, which is noted in the report; else the request as it is.
+/// request with a default look when it asks for none and none is stored, which is
+/// noted in the report; else the request as it is.
 ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report);
 
 /// Settles the settings of every surface: the last look that names it, laid over
 /// the shader's built-in settings, else what the scene stores, else the zones of an
-/// avatar's material; over that the single changes; plain where asked. What the
-/// user stored as default plays no part, so that everybody gets the same picture.
+/// avatar's material, else the request's default look; over that the single changes; plain where
+/// asked. What the user stored as default plays no part, so that everybody gets the same picture.
 /// Damaged settings and lights that the scene has not are reported as warnings.
 /// Throws UsageError for names that match nothing, SceneError for looks.
 std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingRequest& request,

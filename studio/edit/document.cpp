@@ -207,13 +207,12 @@ void Document::setSettings(const std::vector<std::pair<std::size_t, SurfaceSetti
 }
 
 std::vector<std::pair<std::size_t, SurfaceSettings>> Document::withLook(
-    const std::string& look, const std::vector<std::size_t>& surfaces) const {
-    const Look worn = readLook(look);
+    const Look& look, const std::vector<std::size_t>& surfaces) const {
     const std::vector<std::string> lights = lightNames(scene());
     std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
     for (const std::size_t surface : surfaces) {
         Settings after = settingsOf(parts_->records.builtIn());
-        applySettings(after, worn.settings, worn.name);
+        applySettings(after, look.settings, look.name);
         settleLightList(after, lights);
         changes.push_back({surface, {true, blockOf(after)}});
     }
@@ -221,8 +220,9 @@ std::vector<std::pair<std::size_t, SurfaceSettings>> Document::withLook(
 }
 
 void Document::wearLook(const std::string& look, const std::vector<std::size_t>& surfaces) {
-    setSettings(withLook(look, surfaces),
-                fmt::format("look {} on {}", readLook(look).name, parts_->named(surfaces)));
+    const Look worn = readLook(look);
+    setSettings(withLook(worn, surfaces),
+                fmt::format("look {} on {}", worn.name, parts_->named(surfaces)));
 }
 
 void Document::saveLook(std::size_t surface, const fs::path& file) const {

@@ -18,6 +18,8 @@
 
 namespace tavora::studio {
 
+struct Look;
+
 struct SavePlan;
 
 /// A scene that is being edited: the settings of its surfaces, what was done to
@@ -68,7 +70,7 @@ class Document {
     void wearLook(const std::string& look, const std::vector<std::size_t>& surfaces);
     /// What wearLook() would give the surfaces.
     std::vector<std::pair<std::size_t, SurfaceSettings>> withLook(
-        const std::string& look, const std::vector<std::size_t>& surfaces) const;
+        const Look& look, const std::vector<std::size_t>& surfaces) const;
     /// Writes the surface's settings as a look. Throws SceneError, OutputError.
     void saveLook(std::size_t surface, const std::filesystem::path& file) const;
 

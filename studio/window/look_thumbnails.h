@@ -31,7 +31,8 @@ class LookThumbnails : public QObject {
     /// nothing changed since they were made, all after a change of the surfaces,
     /// the settings or the view. Throws SceneError.
     void renderFor(const std::vector<std::size_t>& surfaces);
-    /// Stops at the next row of pixels. What is ready stays.
+    /// Asks the rendering to stop, which it does at the next row of pixels; does not
+    /// wait for that. What is ready stays.
     void stop();
 
   signals:
@@ -49,6 +50,7 @@ class LookThumbnails : public QObject {
         RenderOptions options;
         std::vector<Job> jobs;
     };
+    void finish();
     Job jobFor(const std::string& look) const;
     void run(const Order& order);
 
