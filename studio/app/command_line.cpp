@@ -14,6 +14,7 @@
 #include "studio/app/option_values.h"
 #include "studio/app/report.h"
 #include "studio/app/usage_error.h"
+#include "studio/files/standard_streams.h"
 #include "studio/scene/angle_units.h"
 #include "studio/scene/nearest_name.h"
 
@@ -310,7 +311,7 @@ constexpr bool kReadsStreams =
 
 template <class Asked>
 void checkInput(const std::string& command, const Asked& request) {
-    if (request.scene != "-") return;
+    if (!isStream(request.scene)) return;
     if constexpr (!kReadsStreams<Asked>) {
         throw UsageError(
             fmt::format("{} needs a scene in a file, not standard input; name one", command));
@@ -328,7 +329,7 @@ void checkInput(const std::string& command, const Asked& request) {
 
 template <class Asked>
 void checkOutput(const std::string& command, const Asked& request) {
-    if (request.output != "-" || ::isatty(STDOUT_FILENO) != 1) return;
+    if (!isStream(request.output) || ::isatty(STDOUT_FILENO) != 1) return;
     throw UsageError(fmt::format(
         "{}: -o - is standard output, which is a terminal; direct it to a file or a program",
         command));

@@ -27,16 +27,12 @@ void listCameras(const Scene& scene) {
     writeOut(text);
 }
 
-bool toStandardOutput(const RenderRequest& request) {
-    return request.output == "-";
-}
-
 // Fails before anything is rendered for a picture that could not be written after.
 PictureFormat checkedFormat(const RenderRequest& request) {
     try {
         const PictureFormat format =
             pictureFormat(request.output, request.depth, !request.background, request.format);
-        toStandardOutput(request) ? checkStandardOutput() : checkWritable(request.output);
+        isStream(request.output) ? checkStandardOutput() : checkWritable(request.output);
         return format;
     } catch (const std::invalid_argument& error) {
         throw UsageError(error.what());
@@ -137,7 +133,7 @@ void render(const RenderRequest& request, Report& report) {
     const Camera camera = chooseCamera(scene, request.camera, aspect);
     report.note(1, fmt::format("camera \"{}\"", camera.name));
     const Picture picture = renderPicture(scene, camera, request, area, report);
-    if (toStandardOutput(request)) {
+    if (isStream(request.output)) {
         writeOut(encodePicture(picture, format));
     } else {
         writePicture(picture, request.output, format);

@@ -95,8 +95,11 @@ void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
 }  // namespace
 
 void showOrStoreSettings(const SettingsRequest& request, Report& report) {
-    if (request.output == "-") checkStandardOutput();
-    if (!request.output.empty() && request.output != "-") outputPlace(request.output);
+    if (isStream(request.output)) {
+        checkStandardOutput();
+    } else if (!request.output.empty()) {
+        outputPlace(request.output);
+    }
     const Scene scene = readGltf(request.scene);
     reportScene(scene, report);
     const std::set<std::size_t> chosen = chosenSurfaces(scene, request.surfaces);

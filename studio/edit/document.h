@@ -19,7 +19,6 @@
 namespace tavora::studio {
 
 struct Look;
-
 struct SavePlan;
 
 /// A scene that is being edited: the settings of its surfaces, what was done to

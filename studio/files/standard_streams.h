@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -14,6 +15,12 @@ class ReaderGone : public std::exception {
   public:
     const char* what() const noexcept override { return "nobody reads standard output any more"; }
 };
+
+/// Whether a file's name on the command line is "-": standard input where something is
+/// read, standard output where it is written.
+inline bool isStream(const std::filesystem::path& file) {
+    return file == "-";
+}
 
 /// Opens those of the descriptors 0, 1 and 2 that the program was started without, since the
 /// next file opened would take such a number and be written messages into. What is said on a

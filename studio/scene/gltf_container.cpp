@@ -58,16 +58,12 @@ GltfContainer takeApart(const std::filesystem::path& file, std::string_view byte
 
 }  // namespace
 
-bool isStandardInput(const std::filesystem::path& file) {
-    return file == "-";
-}
-
 std::string shownName(const std::filesystem::path& file) {
-    return isStandardInput(file) ? "standard input" : file.string();
+    return isStream(file) ? "standard input" : file.string();
 }
 
 GltfContainer readContainer(const std::filesystem::path& file) {
-    const bool stream = isStandardInput(file);
+    const bool stream = isStream(file);
     std::string bytes;
     try {
         bytes = stream ? readStandardInput(kMostBytes) : readWholeFile(file, kMostBytes);

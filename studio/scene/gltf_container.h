@@ -12,9 +12,6 @@ struct GltfContainer {
     std::string chunks;   ///< .glb: all that follows the JSON chunk, byte for byte
 };
 
-/// Whether `file` is "-", which stands for standard input.
-bool isStandardInput(const std::filesystem::path& file);
-
 /// What messages call the file.
 std::string shownName(const std::filesystem::path& file);
 

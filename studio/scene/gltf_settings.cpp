@@ -26,12 +26,8 @@ std::string lowerSuffix(const fs::path& file) {
     return suffix;
 }
 
-bool isStandardOutput(const fs::path& file) {
-    return file == "-";
-}
-
 void checkSuffix(const fs::path& input, const fs::path& output) {
-    if (isStandardOutput(output) || lowerSuffix(input) == lowerSuffix(output)) return;
+    if (isStream(output) || lowerSuffix(input) == lowerSuffix(output)) return;
     throw SceneError(fmt::format("{}: must end in {} like {}, since only settings change",
                                  output.string(), input.extension().string(), input.string()));
 }
@@ -58,7 +54,7 @@ bool sameFolder(const fs::path& a, const fs::path& b) {
 }
 
 void checkReferences(const Json& document, const fs::path& input, const fs::path& output) {
-    const bool stream = isStandardOutput(output);
+    const bool stream = isStream(output);
     const std::string uri = referredFile(document);
     if (uri.empty() || (!stream && sameFolder(input, output))) return;
     throw SceneError(fmt::format("{}: refers to {} beside it; write the result to {}",
@@ -112,7 +108,7 @@ void writeGltfSettings(const fs::path& input, const fs::path& output,
     container.json = (marked ? std::string(kByteOrderMark) : std::string()) +
                      documentWith(document, shaders, where);
     const std::string bytes = containerBytes(container);
-    isStandardOutput(output) ? writeOut(bytes) : writeWholeFile(output, bytes);
+    isStream(output) ? writeOut(bytes) : writeWholeFile(output, bytes);
 }
 
 }  // namespace tavora::studio

@@ -5,6 +5,7 @@
 #include <fmt/format.h>
 #include <string_view>
 
+#include "studio/files/standard_streams.h"
 #include "studio/scene/gltf_container.h"
 #include "studio/scene/gltf_extensions.h"
 #include "studio/scene/gltf_resources.h"
@@ -145,7 +146,7 @@ void GltfSource::fail(const std::string& what) const {
 GltfSource readGltfSource(const fs::path& file) {
     GltfSource source;
     source.path = shownName(file);
-    source.stream = isStandardInput(file);
+    source.stream = isStream(file);
     const GltfContainer container = readContainer(file);
     source.document = parseDocument(source, container.json);
     checkVersion(source);
