@@ -6,15 +6,16 @@
 #include "studio/app/interruption.h"
 #include "studio/app/picture_area.h"
 #include "studio/app/progress.h"
-#include "studio/app/scene_report.h"
-#include "studio/app/scene_view.h"
-#include "studio/app/shading_plan.h"
-#include "studio/app/surface_names.h"
-#include "studio/app/usage_error.h"
 #include "studio/files/standard_streams.h"
 #include "studio/render/picture_file.h"
 #include "studio/render/renderer.h"
-#include "studio/scene/gltf_reader.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/setup/scene_report.h"
+#include "studio/setup/scene_view.h"
+#include "studio/setup/shading_plan.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/error.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -35,7 +36,7 @@ PictureFormat checkedFormat(const RenderRequest& request) {
         isStream(request.output) ? checkStandardOutput() : checkWritable(request.output);
         return format;
     } catch (const std::invalid_argument& error) {
-        throw UsageError(error.what());
+        throw Error(Fault::Usage, error.what());
     }
 }
 

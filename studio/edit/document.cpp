@@ -2,20 +2,20 @@
 
 #include <fmt/format.h>
 
-#include "studio/app/scene_report.h"
-#include "studio/app/scene_view.h"
-#include "studio/app/surface_names.h"
 #include "studio/edit/file_stamp.h"
 #include "studio/edit/look_writing.h"
 #include "studio/edit/opening.h"
 #include "studio/edit/records.h"
 #include "studio/edit/scene_saving.h"
 #include "studio/edit/session_recovery.h"
-#include "studio/scene/gltf_reader.h"
-#include "studio/scene/gltf_settings.h"
-#include "studio/scene/look.h"
-#include "studio/scene/scene_error.h"
-#include "studio/scene/settings.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/scene/gltf/settings_writer.h"
+#include "studio/scene/settings/look.h"
+#include "studio/scene/settings/settings.h"
+#include "studio/setup/scene_report.h"
+#include "studio/setup/scene_view.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -103,10 +103,10 @@ SavePlan Document::Parts::planSaving(bool overwrite) const {
     const std::string& server = records.module().server();
     if (isUnchanged(path, stamp)) return planSave(scene, server, current, saved, clean);
     if (overwrite) return planSaveOver(scene, readGltf(path), server, current);
-    throw SceneError(fmt::format(
-        "{}: was changed by another program since it was opened, and is left as it is; save over "
-        "it or under another name",
-        path.string()));
+    throw Error(Fault::Scene, fmt::format("{}: was changed by another program since it was opened, "
+                                          "and is left as it is; save over "
+                                          "it or under another name",
+                                          path.string()));
 }
 
 void Document::Parts::takeSaved(const SavePlan& plan) {
@@ -273,7 +273,7 @@ bool Document::isModified() const {
 bool Document::changedOnDisk() const {
     try {
         return !isUnchanged(path(), parts_->stamp);
-    } catch (const SceneError&) {
+    } catch (const Error&) {
         return false;
     }
 }

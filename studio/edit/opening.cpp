@@ -1,7 +1,7 @@
 #include "studio/edit/opening.h"
 
-#include "studio/app/scene_view.h"
-#include "studio/app/shading_plan.h"
+#include "studio/setup/scene_view.h"
+#include "studio/setup/shading_plan.h"
 
 namespace tavora::studio {
 namespace {

@@ -3,11 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "studio/app/report.h"
-#include "studio/app/requests.h"
 #include "studio/edit/records.h"
 #include "studio/edit/surface_settings.h"
 #include "studio/scene/scene.h"
+#include "studio/setup/report.h"
+#include "studio/setup/shading_request.h"
 
 namespace tavora::studio {
 

@@ -32,11 +32,11 @@ void openMissingStreams() noexcept;
 /// Any thread, and signal handlers.
 void writeError(std::string_view text) noexcept;
 
-/// Writes data to standard output. Throws ReaderGone, or OutputError when not all of it
+/// Writes data to standard output. Throws ReaderGone, or Fault::Output when not all of it
 /// gets there. One thread at a time.
 void writeOut(std::string_view bytes);
 
-/// Fails early, before there is something to write: throws OutputError when standard output
+/// Fails early, before there is something to write: throws Fault::Output when standard output
 /// is closed or was opened for reading only.
 void checkStandardOutput();
 

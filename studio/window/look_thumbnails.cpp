@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "studio/render/display_levels.h"
-#include "studio/scene/look.h"
+#include "studio/scene/settings/look.h"
 #include "studio/services/messages.h"
 
 namespace tavora::studio {

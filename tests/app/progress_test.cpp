@@ -4,7 +4,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "studio/app/report.h"
+#include "studio/setup/report.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -27,7 +28,7 @@ TEST(Progress, JsonLinesParse) {
 }
 
 TEST(Report, NamesCannotBreakALineOrPaintTheTerminal) {
-    EXPECT_EQ(oneLine("a\nb\x1b[31m\x7f\xc3\xbc"), "a?b?[31m?\xc3\xbc");
+    EXPECT_EQ(oneLine("a\nb\x1b[31m\x7f\xc3\xbc"), "a b?[31m?\xc3\xbc");
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <sys/resource.h>
 
 #include "studio/edit/recent_files.h"
-#include "studio/files/output_error.h"
+#include "studio/util/error.h"
 #include "tests/edit/edit_test.h"
 
 namespace tavora::studio {
@@ -85,9 +85,9 @@ TEST_F(Saving, AFullDiskCostsNeitherTheFileNorTheWork) {
     const std::string before = bytesOf(file_);
     {
         const FullDisk full;
-        EXPECT_THROW(document->save(), OutputError);
-        EXPECT_THROW(document->saveAs(folder_ / "other.glb"), OutputError);
-        EXPECT_THROW(document->writeRecovery(), OutputError);
+        EXPECT_THROW(document->save(), Error);
+        EXPECT_THROW(document->saveAs(folder_ / "other.glb"), Error);
+        EXPECT_THROW(document->writeRecovery(), Error);
     }
     EXPECT_EQ(bytesOf(file_), before);
     EXPECT_EQ(document->path(), file_);
@@ -108,7 +108,7 @@ TEST_F(Saving, AFileThatChangedOnDiskIsNoticed) {
     writeScene({"Glass", "New", "Body"});
     const std::string theirs = bytesOf(file_);
     EXPECT_TRUE(document->changedOnDisk());
-    EXPECT_THROW(document->save(), SceneError);
+    EXPECT_THROW(document->save(), Error);
     EXPECT_EQ(bytesOf(file_), theirs);
     EXPECT_TRUE(document->isModified());
     document->save(true);
@@ -132,7 +132,7 @@ TEST_F(Saving, SavingAsGoesOnWithTheNewFile) {
     const std::string before = bytesOf(file_);
     edit(*document, 0, 0.5);
     document->writeRecovery();
-    EXPECT_THROW(document->saveAs(folder_ / "other.gltf"), SceneError);
+    EXPECT_THROW(document->saveAs(folder_ / "other.gltf"), Error);
     EXPECT_EQ(document->path(), file_);
     document->saveAs(folder_ / "other.glb");
     EXPECT_EQ(bytesOf(file_), before);

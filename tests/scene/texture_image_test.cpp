@@ -10,8 +10,8 @@
 #include <png.h>
 #include <webp/encode.h>
 
-#include "studio/scene/image_decoder.h"
-#include "studio/scene/scene_error.h"
+#include "studio/scene/image/image_decoder.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -97,7 +97,7 @@ Bytes webpOf(int width, int height, const Bytes& rgba) {
 std::string refusal(const Bytes& file) {
     try {
         decodeImage(file, "picture");
-    } catch (const SceneError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "";
