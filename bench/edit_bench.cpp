@@ -23,9 +23,9 @@
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
 #include "studio/render/live_picture.h"
-#include "studio/scene/default_view.h"
-#include "studio/scene/gltf_reader.h"
-#include "studio/scene/settings.h"
+#include "studio/scene/framing/default_view.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/scene/settings/settings.h"
 #include "studio/services/registry.h"
 
 namespace {

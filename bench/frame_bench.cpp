@@ -28,8 +28,8 @@
 #include "studio/render/sample_pattern.h"
 #include "studio/render/tiles.h"
 #include "studio/render/view.h"
-#include "studio/scene/color.h"
 #include "studio/services/registry.h"
+#include "studio/util/color.h"
 #include "tests/render/test_scene.h"
 
 namespace {

@@ -4,9 +4,9 @@
 #include <fmt/format.h>
 #include <memory>
 
-#include "studio/app/report.h"
-#include "studio/app/usage_error.h"
-#include "studio/scene/nearest_name.h"
+#include "studio/setup/report.h"
+#include "studio/util/error.h"
+#include "studio/util/nearest_name.h"
 
 namespace tavora::studio {
 namespace {
@@ -98,19 +98,20 @@ void Command::checkExtras() const {
     if (!first.starts_with('-') || first == "-") {
         std::string hint = valueHint(*app_, first);
         if (hint.empty()) hint = fmt::format("; see tavora {} --help", name_);
-        throw UsageError(fmt::format("{}: \"{}\" is one argument too many{}", name_, first, hint));
+        throw Error(Fault::Usage,
+                    fmt::format("{}: \"{}\" is one argument too many{}", name_, first, hint));
     }
     const std::string name = first.substr(0, first.find('='));
     std::string near = nearestNames(name, namesOf(*app_));
     if (near.empty()) near = fmt::format("; see tavora {} --help", name_);
-    throw UsageError(fmt::format("{}: unknown option {}{}", name_, name, near));
+    throw Error(Fault::Usage, fmt::format("{}: unknown option {}{}", name_, name, near));
 }
 
 void Command::checkRequired() const {
     for (const CLI::Option* option : app_->get_options()) {
         if (!option->get_required() || option->count() > 0) continue;
-        throw UsageError(fmt::format("{} needs {}: {}; see tavora {} --help", name_,
-                                     usageOf(*option), option->get_description(), name_));
+        throw Error(Fault::Usage, fmt::format("{} needs {}: {}; see tavora {} --help", name_,
+                                              usageOf(*option), option->get_description(), name_));
     }
 }
 
@@ -124,17 +125,18 @@ void Command::convert() const {
     for (const Value& value : values_) {
         const std::string source = value.texts.empty() ? std::string() : sourceOf(value);
         if (value.once && value.texts.size() > 1) {
-            throw UsageError(
-                fmt::format("{} stands there {} times; give one", source, value.texts.size()));
+            throw Error(Fault::Usage, fmt::format("{} stands there {} times; give one", source,
+                                                  value.texts.size()));
         }
         for (const std::string& text : value.texts) {
             if (text.empty()) {
-                throw UsageError(
-                    fmt::format("{} is empty; give it a value or leave it out", source));
+                throw Error(Fault::Usage,
+                            fmt::format("{} is empty; give it a value or leave it out", source));
             }
             // "-o=a.png" is no spelling of "--output=a.png".
             if (text.front() == '=' && !value.option->get_snames().empty()) {
-                throw UsageError(
+                throw Error(
+                    Fault::Usage,
                     fmt::format("{} must not begin with \"=\", as \"{}\" does; write "
                                 "-{} {}",
                                 source, text, value.option->get_snames().front(), text.substr(1)));

@@ -9,7 +9,7 @@
 
 namespace tavora::studio {
 
-/// Where an option's text goes once the whole line is read; throws UsageError that opens with
+/// Where an option's text goes once the whole line is read; throws Fault::Usage that opens with
 /// `option`, the option's name.
 using Convert = std::function<void(const std::string& option, const std::string& text)>;
 
@@ -41,11 +41,12 @@ class Command {
     /// Whether the command has an option of that name ("--look", "-o").
     bool knows(const std::string& option) const;
 
-    /// Throws UsageError for what the line holds beyond what the command knows.
+    /// Throws Error, Fault::Usage for what the line holds beyond what the command knows.
     void checkExtras() const;
-    /// Throws UsageError that names the first required option that is not there, if one is not.
+    /// Throws Error, Fault::Usage that names the first required option that is not there, if one is
+    /// not.
     void checkRequired() const;
-    /// Throws what the conversions throw, and UsageError for empty values.
+    /// Throws what the conversions throw, and Fault::Usage for empty values.
     void convert() const;
 
   private:

@@ -12,10 +12,12 @@
 
 #include "studio/app/command.h"
 #include "studio/app/option_values.h"
-#include "studio/app/report.h"
-#include "studio/app/usage_error.h"
-#include "studio/scene/angle_units.h"
-#include "studio/scene/nearest_name.h"
+#include "studio/files/standard_streams.h"
+#include "studio/setup/report.h"
+#include "studio/util/angle_units.h"
+#include "studio/util/error.h"
+#include "studio/util/nearest_name.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -284,7 +286,7 @@ void addBefore(ReportOptions& report, const ReportOptions& before) {
     report.quiet = report.quiet || before.quiet;
     if (report.logFile.empty()) report.logFile = before.logFile;
     if (report.quiet && report.verbosity > 0) {
-        throw UsageError("--quiet and --verbose exclude each other; give one");
+        throw Error(Fault::Usage, "--quiet and --verbose exclude each other; give one");
     }
 }
 
@@ -298,7 +300,8 @@ bool sameFile(const std::string& a, const std::string& b) {
 // A log is added to its file, which would spoil a scene or be lost in a picture.
 void checkLog(const std::string& log, const std::string& file) {
     if (log.empty() || file.empty() || !sameFile(log, file)) return;
-    throw UsageError(
+    throw Error(
+        Fault::Usage,
         fmt::format("--log-file: {} is the scene or the output itself; name another file", log));
 }
 
@@ -310,28 +313,32 @@ constexpr bool kReadsStreams =
 
 template <class Asked>
 void checkInput(const std::string& command, const Asked& request) {
-    if (request.scene != "-") return;
+    if (!isStream(request.scene)) return;
     if constexpr (!kReadsStreams<Asked>) {
-        throw UsageError(
+        throw Error(
+            Fault::Usage,
             fmt::format("{} needs a scene in a file, not standard input; name one", command));
     } else if constexpr (std::is_same_v<Asked, SettingsRequest>) {
         if (!request.output.empty()) {
-            throw UsageError("settings -o needs a scene in a file, not standard input; name one");
+            throw Error(Fault::Usage,
+                        "settings -o needs a scene in a file, not standard input; name one");
         }
     }
     if (::isatty(STDIN_FILENO) == 1) {
-        throw UsageError(fmt::format(
-            "{}: SCENE is standard input, which is a terminal; pipe a scene into it or name a file",
-            command));
+        throw Error(Fault::Usage, fmt::format("{}: SCENE is standard input, which is a terminal; "
+                                              "pipe a scene into it or name a file",
+                                              command));
     }
 }
 
 template <class Asked>
 void checkOutput(const std::string& command, const Asked& request) {
-    if (request.output != "-" || ::isatty(STDOUT_FILENO) != 1) return;
-    throw UsageError(fmt::format(
-        "{}: -o - is standard output, which is a terminal; direct it to a file or a program",
-        command));
+    if (!isStream(request.output) || ::isatty(STDOUT_FILENO) != 1) return;
+    throw Error(
+        Fault::Usage,
+        fmt::format(
+            "{}: -o - is standard output, which is a terminal; direct it to a file or a program",
+            command));
 }
 
 /// Help on a command, by name.
@@ -428,8 +435,8 @@ class Parser {
         checkBeforeCommand();
         const Command* command = chosen();
         if (command == nullptr) {
-            throw UsageError(fmt::format("name a command: {}; see tavora --help",
-                                         fmt::join(commandNames(), ", ")));
+            throw Error(Fault::Usage, fmt::format("name a command: {}; see tavora --help",
+                                                  fmt::join(commandNames(), ", ")));
         }
         command->checkExtras();
         return *command;
@@ -443,11 +450,12 @@ class Parser {
         const std::string option = first.substr(0, first.find('='));
         const Command* command = chosen();
         if (command != nullptr && (command->knows(option) || !first.starts_with('-'))) {
-            throw UsageError(fmt::format("\"{}\" stands before the command; write tavora {} ... {}",
-                                         first, command->name(), first));
+            throw Error(Fault::Usage,
+                        fmt::format("\"{}\" stands before the command; write tavora {} ... {}",
+                                    first, command->name(), first));
         }
         if (first.starts_with('-') && first != "-") {
-            throw UsageError(fmt::format("unknown option {}; see tavora --help", option));
+            throw Error(Fault::Usage, fmt::format("unknown option {}; see tavora --help", option));
         }
         refuseCommand(first);
     }
@@ -462,12 +470,14 @@ class Parser {
     [[noreturn]] void refuseCommand(const std::string& name) const {
         std::error_code ignored;
         if (std::filesystem::is_regular_file(name, ignored)) {
-            throw UsageError(fmt::format(
-                "\"{}\" is a file; name a command first, as in tavora render {} -o picture.png",
-                name, name));
+            throw Error(
+                Fault::Usage,
+                fmt::format(
+                    "\"{}\" is a file; name a command first, as in tavora render {} -o picture.png",
+                    name, name));
         }
-        throw UsageError(
-            fmt::format("unknown command \"{}\"{}", name, nearestNames(name, commandNames())));
+        throw Error(Fault::Usage, fmt::format("unknown command \"{}\"{}", name,
+                                              nearestNames(name, commandNames())));
     }
 
     // What is said of a line that the library refused. A slip in a name explains more than
@@ -476,16 +486,16 @@ class Parser {
         const Command& command = checkedCommand();
         const std::string text = oneLine(error.what());
         if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
-            throw UsageError(fmt::format("{} needs a value; see tavora {} --help",
-                                         text.substr(0, text.find(':')), command.name()));
+            throw Error(Fault::Usage, fmt::format("{} needs a value; see tavora {} --help",
+                                                  text.substr(0, text.find(':')), command.name()));
         }
         if (dynamic_cast<const CLI::ConversionError*>(&error) != nullptr) {
             // Options keep their texts; only a flag is converted, from what stands behind "=".
-            throw UsageError(fmt::format("{}: a flag takes no value; see tavora {} --help", text,
-                                         command.name()));
+            throw Error(Fault::Usage, fmt::format("{}: a flag takes no value; see tavora {} --help",
+                                                  text, command.name()));
         }
         if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) command.checkRequired();
-        throw UsageError(fmt::format("{}; see tavora {} --help", text, command.name()));
+        throw Error(Fault::Usage, fmt::format("{}; see tavora {} --help", text, command.name()));
     }
 
     CLI::App app_;

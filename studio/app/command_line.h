@@ -5,7 +5,7 @@
 namespace tavora::studio {
 
 /// Reads the command line and the environment that stands in for options.
-/// Throws UsageError.
+/// Throws Error, Fault::Usage.
 Request parseCommandLine(int argc, char** argv);
 
 }  // namespace tavora::studio

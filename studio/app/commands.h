@@ -1,10 +1,10 @@
 #pragma once
 
-#include "studio/app/report.h"
 #include "studio/app/requests.h"
+#include "studio/setup/report.h"
 
-/// One function a command. Each throws UsageError, SceneError, OutputError,
-/// LinkError or RenderStopped when it cannot do what was asked.
+/// One function a command. Each throws Fault::Usage, Fault::Scene, Fault::Output,
+/// Fault::Module or RenderStopped when it cannot do what was asked.
 namespace tavora::studio {
 
 void render(const RenderRequest& request, Report& report);

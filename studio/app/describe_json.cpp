@@ -1,11 +1,11 @@
 #include <array>
 
 #include "studio/app/describe.h"
-#include "studio/app/surface_names.h"
-#include "studio/link/link_error.h"
 #include "studio/link/module_file.h"
-#include "studio/scene/angle_units.h"
 #include "studio/services/registry.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/angle_units.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -116,7 +116,7 @@ Json describeModule(const std::string& option) {
         return {{"file", summary.file.string()},
                 {"descriptor", summary.descriptorVersion},
                 {"classes", describeAll(summary.classes)}};
-    } catch (const LinkError& error) {
+    } catch (const Error& error) {
         return {{"file", nullptr}, {"problem", error.what()}};
     }
 }

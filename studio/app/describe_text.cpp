@@ -1,9 +1,10 @@
 #include <fmt/format.h>
 
 #include "studio/app/describe.h"
-#include "studio/app/report.h"
-#include "studio/app/surface_names.h"
-#include "studio/scene/angle_units.h"
+#include "studio/setup/report.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/angle_units.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {

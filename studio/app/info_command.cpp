@@ -1,8 +1,8 @@
 #include "studio/app/commands.h"
 #include "studio/app/describe.h"
-#include "studio/app/scene_report.h"
 #include "studio/files/standard_streams.h"
-#include "studio/scene/gltf_reader.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/setup/scene_report.h"
 
 namespace tavora::studio {
 

@@ -3,16 +3,18 @@
 
 #include "studio/app/commands.h"
 #include "studio/files/standard_streams.h"
-#include "studio/scene/look.h"
-#include "studio/scene/scene_error.h"
+#include "studio/scene/settings/look.h"
+#include "studio/util/error.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 
 void listLooks(const LooksRequest& request, Report& report) {
     const std::vector<std::string> names = shippedLooks();
     if (names.empty()) {
-        throw SceneError(fmt::format("{}: no looks there; install Tavora's share folder beside bin",
-                                     shippedLooksFolder().string()));
+        throw Error(Fault::Scene,
+                    fmt::format("{}: no looks there; install Tavora's share folder beside bin",
+                                shippedLooksFolder().string()));
     }
     report.note(1, fmt::format("looks are in {}", shippedLooksFolder().string()));
     std::size_t width = 0;

@@ -5,7 +5,7 @@
 #include <unistd.h>
 
 #include "studio/app/program.h"
-#include "studio/link/link_error.h"
+#include "studio/util/error.h"
 
 namespace {
 
@@ -16,7 +16,8 @@ namespace fs = std::filesystem;
 [[noreturn]] void becomeWindowProgram(char** argv) {
     const fs::path program = fs::read_symlink("/proc/self/exe").parent_path() / "tavora-window";
     execv(program.c_str(), argv);
-    throw tavora::studio::LinkError(
+    throw tavora::studio::Error(
+        tavora::studio::Fault::Module,
         fmt::format("{}: cannot start the program with the window: {}; scripts/build makes it",
                     program.string(), std::strerror(errno)));
 }

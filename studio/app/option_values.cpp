@@ -11,16 +11,16 @@
 #include <string_view>
 #include <vector>
 
-#include "studio/app/usage_error.h"
-#include "studio/scene/look.h"
-#include "studio/scene/setting_names.h"
+#include "studio/scene/settings/look.h"
+#include "studio/scene/settings/setting_names.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
 
 [[noreturn]] void refuse(const std::string& option, const std::string& wanted,
                          const std::string& text) {
-    throw UsageError(fmt::format("{} must be {}, not \"{}\"", option, wanted, text));
+    throw Error(Fault::Usage, fmt::format("{} must be {}, not \"{}\"", option, wanted, text));
 }
 
 template <class Number>

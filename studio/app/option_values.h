@@ -6,7 +6,7 @@
 
 #include "studio/app/requests.h"
 
-/// Values as they are typed after an option. Each function throws UsageError
+/// Values as they are typed after an option. Each function throws Fault::Usage
 /// that opens with `option`.
 namespace tavora::studio {
 

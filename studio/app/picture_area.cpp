@@ -4,7 +4,7 @@
 #include <cmath>
 #include <fmt/format.h>
 
-#include "studio/app/usage_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -24,8 +24,9 @@ PixelBox boxOf(const CropShares& shares, const PictureArea& area) {
     PixelBox box{edge(shares[0], area.width), edge(shares[1], area.height),
                  edge(shares[2], area.width), edge(shares[3], area.height)};
     if (box.width() > 0 && box.height() > 0) return box;
-    throw UsageError(fmt::format("--crop leaves no pixel of {}x{}; take more of the picture",
-                                 area.width, area.height));
+    throw Error(Fault::Usage,
+                fmt::format("--crop leaves no pixel of {}x{}; take more of the picture", area.width,
+                            area.height));
 }
 
 }  // namespace
@@ -36,13 +37,14 @@ PictureArea pictureArea(const RenderRequest& request) {
     if (request.cropShares) area.crop = boxOf(*request.cropShares, area);
     if (request.cropPixels) area.crop = request.cropPixels;
     if (area.crop && (area.crop->right > area.width || area.crop->bottom > area.height)) {
-        throw UsageError(fmt::format("--crop-pixels reaches beyond the picture of {}x{}",
-                                     area.width, area.height));
+        throw Error(Fault::Usage, fmt::format("--crop-pixels reaches beyond the picture of {}x{}",
+                                              area.width, area.height));
     }
     const PixelBox box = area.crop.value_or(PixelBox{0, 0, area.width, area.height});
     if (static_cast<double>(box.width()) * box.height() > kMostPixels) {
-        throw UsageError(fmt::format("{}x{} pixels are too many at once; render crops of it",
-                                     box.width(), box.height()));
+        throw Error(Fault::Usage,
+                    fmt::format("{}x{} pixels are too many at once; render crops of it",
+                                box.width(), box.height()));
     }
     return area;
 }

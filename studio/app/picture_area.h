@@ -11,7 +11,7 @@ struct PictureArea {
     std::optional<PixelBox> crop;
 };
 
-/// Throws UsageError for a picture too large and for a crop outside of it.
+/// Throws Error, Fault::Usage for a picture too large and for a crop outside of it.
 PictureArea pictureArea(const RenderRequest& request);
 
 }  // namespace tavora::studio

@@ -11,15 +11,12 @@
 #include "studio/app/commands.h"
 #include "studio/app/exit_status.h"
 #include "studio/app/interruption.h"
-#include "studio/app/report.h"
 #include "studio/app/stopped.h"
-#include "studio/app/usage_error.h"
-#include "studio/files/output_error.h"
 #include "studio/files/standard_streams.h"
-#include "studio/link/link_error.h"
 #include "studio/render/renderer.h"
-#include "studio/scene/scene_error.h"
 #include "studio/services/messages.h"
+#include "studio/setup/report.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -54,18 +51,9 @@ ReportOptions reportOptions(const Request& request) {
 int explained(Report& report) {
     try {
         throw;
-    } catch (const UsageError& error) {
+    } catch (const Error& error) {
         report.error(error.what());
-        return kUsage;
-    } catch (const SceneError& error) {
-        report.error(error.what());
-        return kScene;
-    } catch (const OutputError& error) {
-        report.error(error.what());
-        return kWrite;
-    } catch (const LinkError& error) {
-        report.error(error.what());
-        return kPlugin;
+        return static_cast<int>(error.fault());
     } catch (const Stopped& stopped) {
         report.error(fmt::format("stopped by a signal; {}", stopped.what()));
         return kSignal + stopSignal();

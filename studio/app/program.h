@@ -2,8 +2,8 @@
 
 #include <functional>
 
-#include "studio/app/report.h"
 #include "studio/app/requests.h"
+#include "studio/setup/report.h"
 
 namespace tavora::studio {
 

@@ -6,15 +6,16 @@
 #include "studio/app/interruption.h"
 #include "studio/app/picture_area.h"
 #include "studio/app/progress.h"
-#include "studio/app/scene_report.h"
-#include "studio/app/scene_view.h"
-#include "studio/app/shading_plan.h"
-#include "studio/app/surface_names.h"
-#include "studio/app/usage_error.h"
 #include "studio/files/standard_streams.h"
 #include "studio/render/picture_file.h"
 #include "studio/render/renderer.h"
-#include "studio/scene/gltf_reader.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/setup/scene_report.h"
+#include "studio/setup/scene_view.h"
+#include "studio/setup/shading_plan.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/error.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -27,19 +28,15 @@ void listCameras(const Scene& scene) {
     writeOut(text);
 }
 
-bool toStandardOutput(const RenderRequest& request) {
-    return request.output == "-";
-}
-
 // Fails before anything is rendered for a picture that could not be written after.
 PictureFormat checkedFormat(const RenderRequest& request) {
     try {
         const PictureFormat format =
             pictureFormat(request.output, request.depth, !request.background, request.format);
-        toStandardOutput(request) ? checkStandardOutput() : checkWritable(request.output);
+        isStream(request.output) ? checkStandardOutput() : checkWritable(request.output);
         return format;
     } catch (const std::invalid_argument& error) {
-        throw UsageError(error.what());
+        throw Error(Fault::Usage, error.what());
     }
 }
 
@@ -72,15 +69,14 @@ struct Shading {
     std::filesystem::path module;  ///< empty when no surface has a shader
 };
 
-Shading settleShading(const Scene& scene, const RenderRequest& request, const LightRig& rig,
-                      Report& report) {
+Shading settleShading(const Scene& scene, const RenderRequest& request, Report& report) {
     Shading shading{std::vector<SurfaceShading>(scene.surfaces.size()), {}};
     if (allPlain(request.shading)) return shading;
     const ShaderClass shader = openShaderClass(request.shading.plugin);
     report.note(1, fmt::format("module {}", shader.module.string()));
     const ShadingRequest asked = withDefaultLook(scene, request.shading, report);
     const std::vector<PlannedSurface> planned =
-        planSurfaces(scene, asked, shader, lightNames(rig), report);
+        planSurfaces(scene, asked, shader, lightNames(scene), report);
     for (std::size_t i = 0; i < planned.size(); ++i) {
         if (!planned[i].settings || !planned[i].enabled) continue;
         shading.surfaces[i].shader = blockOf(*planned[i].settings);
@@ -115,7 +111,7 @@ void noteStats(const RenderStats& stats, Report& report) {
 Picture renderPicture(const Scene& scene, const Camera& camera, const RenderRequest& request,
                       const PictureArea& area, Report& report) {
     const LightRig rig = lightsFor(scene, camera, request.lighting);
-    const Shading shading = settleShading(scene, request, rig, report);
+    const Shading shading = settleShading(scene, request, report);
     RenderStats stats;
     const PoliteStop stop;
     Progress progress(request.progress, request.report.quiet);
@@ -138,7 +134,7 @@ void render(const RenderRequest& request, Report& report) {
     const Camera camera = chooseCamera(scene, request.camera, aspect);
     report.note(1, fmt::format("camera \"{}\"", camera.name));
     const Picture picture = renderPicture(scene, camera, request, area, report);
-    if (toStandardOutput(request)) {
+    if (isStream(request.output)) {
         writeOut(encodePicture(picture, format));
     } else {
         writePicture(picture, request.output, format);

@@ -10,39 +10,14 @@
 #include "studio/render/picture.h"
 #include "studio/render/picture_file.h"
 #include "studio/render/pixel_filter.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
+#include "studio/setup/report.h"
+#include "studio/setup/shading_request.h"
 
 /// What the user asked for: the command line read and checked, as plain data.
 namespace tavora::studio {
 
-struct ReportOptions {
-    int verbosity = 0;
-    bool quiet = false;
-    std::string logFile;
-};
-
 enum class ProgressKind { Auto, None, Bar, Json };
-
-/// --look [SURFACE=]FILE
-struct LookChoice {
-    std::string surfaces;  ///< name or glob; empty: all
-    std::string look;
-};
-
-/// --set SURFACE.field=value
-struct SettingChange {
-    std::string surfaces;  ///< name or glob
-    std::string setting;   ///< "edgeCoverage", "zones[1].color"
-    std::string value;     ///< as typed
-};
-
-/// What goes on which surface.
-struct ShadingRequest {
-    std::vector<LookChoice> looks;
-    std::vector<SettingChange> changes;
-    std::vector<std::string> plain;  ///< names or globs of surfaces without shader
-    std::string plugin;              ///< where to look for the module; empty: the usual places
-};
 
 /// Left, top, right, bottom as shares of the picture, 0..1.
 using CropShares = std::array<double, 4>;

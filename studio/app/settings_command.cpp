@@ -3,16 +3,15 @@
 #include <set>
 
 #include "studio/app/commands.h"
-#include "studio/app/scene_report.h"
-#include "studio/app/scene_view.h"
-#include "studio/app/shading_plan.h"
-#include "studio/app/surface_names.h"
-#include "studio/app/usage_error.h"
 #include "studio/files/output_place.h"
 #include "studio/files/standard_streams.h"
-#include "studio/scene/gltf_reader.h"
-#include "studio/scene/gltf_settings.h"
-#include "studio/scene/scene_error.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/scene/gltf/settings_writer.h"
+#include "studio/setup/scene_report.h"
+#include "studio/setup/scene_view.h"
+#include "studio/setup/shading_plan.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -71,7 +70,7 @@ bool canHold(const Scene& scene, const Surface& surface, const SettingsRequest& 
         "{}: surface \"{}\" has no material in the file to hold settings; give it one "
         "in your modeller",
         scene.path, surface.name);
-    if (!request.surfaces.empty()) throw SceneError(problem);
+    if (!request.surfaces.empty()) throw Error(Fault::Scene, problem);
     report.warning(problem);
     return false;
 }
@@ -86,7 +85,8 @@ void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
         shaders[surface.materialIndex] = {server, planned[i].enabled,
                                           blockOf(*planned[i].settings)};
     }
-    if (shaders.empty()) throw UsageError("settings: nothing to store; give --look or --set");
+    if (shaders.empty())
+        throw Error(Fault::Usage, "settings: nothing to store; give --look or --set");
     writeGltfSettings(request.scene, request.output, shaders);
     report.note(
         1, fmt::format("settings of {} surfaces stored in {}", shaders.size(), request.output));
@@ -95,8 +95,11 @@ void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
 }  // namespace
 
 void showOrStoreSettings(const SettingsRequest& request, Report& report) {
-    if (request.output == "-") checkStandardOutput();
-    if (!request.output.empty() && request.output != "-") outputPlace(request.output);
+    if (isStream(request.output)) {
+        checkStandardOutput();
+    } else if (!request.output.empty()) {
+        outputPlace(request.output);
+    }
     const Scene scene = readGltf(request.scene);
     reportScene(scene, report);
     const std::set<std::size_t> chosen = chosenSurfaces(scene, request.surfaces);
@@ -107,9 +110,8 @@ void showOrStoreSettings(const SettingsRequest& request, Report& report) {
     std::string server;
     if (needsModule || changes) {
         const ShaderClass shader = openShaderClass(request.shading.plugin);
-        const LightRig rig = settleLights(scene, chooseCamera(scene, {}, 1), {});
         planned = planSurfaces(scene, narrowed(request.shading, request.surfaces), shader,
-                               lightNames(rig), report);
+                               lightNames(scene), report);
         server = shader.server;
     }
     if (request.output.empty()) {

@@ -2,19 +2,20 @@
 
 #include <fmt/format.h>
 
-#include "studio/app/scene_report.h"
-#include "studio/app/surface_names.h"
 #include "studio/edit/file_stamp.h"
 #include "studio/edit/look_writing.h"
 #include "studio/edit/opening.h"
 #include "studio/edit/records.h"
 #include "studio/edit/scene_saving.h"
 #include "studio/edit/session_recovery.h"
-#include "studio/scene/gltf_reader.h"
-#include "studio/scene/gltf_settings.h"
-#include "studio/scene/look.h"
-#include "studio/scene/scene_error.h"
-#include "studio/scene/settings.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/scene/gltf/settings_writer.h"
+#include "studio/scene/settings/look.h"
+#include "studio/scene/settings/settings.h"
+#include "studio/setup/scene_report.h"
+#include "studio/setup/scene_view.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -102,10 +103,10 @@ SavePlan Document::Parts::planSaving(bool overwrite) const {
     const std::string& server = records.module().server();
     if (isUnchanged(path, stamp)) return planSave(scene, server, current, saved, clean);
     if (overwrite) return planSaveOver(scene, readGltf(path), server, current);
-    throw SceneError(fmt::format(
-        "{}: was changed by another program since it was opened, and is left as it is; save over "
-        "it or under another name",
-        path.string()));
+    throw Error(Fault::Scene, fmt::format("{}: was changed by another program since it was opened, "
+                                          "and is left as it is; save over "
+                                          "it or under another name",
+                                          path.string()));
 }
 
 void Document::Parts::takeSaved(const SavePlan& plan) {
@@ -206,13 +207,12 @@ void Document::setSettings(const std::vector<std::pair<std::size_t, SurfaceSetti
 }
 
 std::vector<std::pair<std::size_t, SurfaceSettings>> Document::withLook(
-    const std::string& look, const std::vector<std::size_t>& surfaces) const {
-    const Look worn = readLook(look);
-    const std::vector<std::string> lights = lightNamesOf(scene());
+    const Look& look, const std::vector<std::size_t>& surfaces) const {
+    const std::vector<std::string> lights = lightNames(scene());
     std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
     for (const std::size_t surface : surfaces) {
         Settings after = settingsOf(parts_->records.builtIn());
-        applySettings(after, worn.settings, worn.name);
+        applySettings(after, look.settings, look.name);
         settleLightList(after, lights);
         changes.push_back({surface, {true, blockOf(after)}});
     }
@@ -220,8 +220,9 @@ std::vector<std::pair<std::size_t, SurfaceSettings>> Document::withLook(
 }
 
 void Document::wearLook(const std::string& look, const std::vector<std::size_t>& surfaces) {
-    setSettings(withLook(look, surfaces),
-                fmt::format("look {} on {}", readLook(look).name, parts_->named(surfaces)));
+    const Look worn = readLook(look);
+    setSettings(withLook(worn, surfaces),
+                fmt::format("look {} on {}", worn.name, parts_->named(surfaces)));
 }
 
 void Document::saveLook(std::size_t surface, const fs::path& file) const {
@@ -272,7 +273,7 @@ bool Document::isModified() const {
 bool Document::changedOnDisk() const {
     try {
         return !isUnchanged(path(), parts_->stamp);
-    } catch (const SceneError&) {
+    } catch (const Error&) {
         return false;
     }
 }

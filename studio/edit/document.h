@@ -8,16 +8,17 @@
 #include <utility>
 #include <vector>
 
-#include "studio/app/report.h"
-#include "studio/app/requests.h"
 #include "studio/edit/step_list.h"
 #include "studio/edit/surface_settings.h"
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
 #include "studio/scene/scene.h"
+#include "studio/setup/report.h"
+#include "studio/setup/shading_request.h"
 
 namespace tavora::studio {
 
+struct Look;
 struct SavePlan;
 
 /// A scene that is being edited: the settings of its surfaces, what was done to
@@ -28,7 +29,7 @@ class Document {
     /// Reads the scene and settles what is on its surfaces, as `tavora render`
     /// does: stored settings, over them the request's looks and changes, and
     /// two-tone on all when nothing is stored and nothing asked.
-    /// Throws SceneError, LinkError, UsageError.
+    /// Throws Error, Fault::Module, Fault::Usage.
     Document(const std::filesystem::path& scene, const ShadingRequest& shading, Report& report);
     ~Document();
     Document(const Document&) = delete;
@@ -59,17 +60,17 @@ class Document {
     /// One step. A surface that never had the shader wears a new one's settings.
     void setEnabled(std::size_t surface, bool enabled);
     /// One step for all, named `what` in menus. Also loads the records. Throws
-    /// SceneError for a damaged block, and then changes nothing.
+    /// Fault::Scene for a damaged block, and then changes nothing.
     void setSettings(const std::vector<std::pair<std::size_t, SurfaceSettings>>& changes,
                      std::string what);
     /// Puts a look (a name or file) on the surfaces and turns them on: one step.
     /// As on the command line it lies over the built-in settings, whatever the
-    /// surfaces wore and the user stored. Throws SceneError.
+    /// surfaces wore and the user stored. Throws Error.
     void wearLook(const std::string& look, const std::vector<std::size_t>& surfaces);
     /// What wearLook() would give the surfaces.
     std::vector<std::pair<std::size_t, SurfaceSettings>> withLook(
-        const std::string& look, const std::vector<std::size_t>& surfaces) const;
-    /// Writes the surface's settings as a look. Throws SceneError, OutputError.
+        const Look& look, const std::vector<std::size_t>& surfaces) const;
+    /// Writes the surface's settings as a look. Throws Error, Fault::Output.
     void saveLook(std::size_t surface, const std::filesystem::path& file) const;
 
     bool canUndo() const;
@@ -93,8 +94,8 @@ class Document {
     /// False for one that is gone: save() says so.
     bool changedOnDisk() const;
     /// Writes into the scene's file, whole or not at all; the changes stay
-    /// unsaved when it throws OutputError or SceneError. Notices a file that
-    /// changed on disk since it was read: throws SceneError unless `overwrite`,
+    /// unsaved when it throws Fault::Output or Fault::Scene. Notices a file that
+    /// changed on disk since it was read: throws Fault::Scene unless `overwrite`,
     /// with which the settings go into the changed file, by the names of its
     /// materials. See warnings().
     void save(bool overwrite = false);
@@ -108,12 +109,12 @@ class Document {
     /// Writes unsaved work where a later start finds it; removes the recovery
     /// file when all is saved. Cheap when nothing changed since the last call.
     /// The file outlives the document unless it is saved or discarded.
-    /// Throws OutputError.
+    /// Throws Error, Fault::Output.
     void writeRecovery();
     /// Unsaved work of a session on this scene that did not end well; what open
     /// windows of any program keep does not count.
     bool hasRecovery() const;
-    /// Takes it over as one step; throws SceneError when it is damaged, and keeps
+    /// Takes it over as one step; throws Fault::Scene when it is damaged, and keeps
     /// the damaged file under another name. Surfaces that the scene no longer has
     /// are told in warnings().
     void recover();

@@ -4,7 +4,7 @@
 #include <system_error>
 
 #include "studio/files/whole_file.h"
-#include "studio/scene/scene_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -13,8 +13,9 @@ namespace {
 constexpr std::size_t kMostBytes = std::size_t{1} << 32;
 
 [[noreturn]] void refuse(const fs::path& file, const std::error_code& error) {
-    throw SceneError(fmt::format("{}: cannot be read: {}; put it back or open another scene",
-                                 file.string(), error.message()));
+    throw Error(Fault::Scene,
+                fmt::format("{}: cannot be read: {}; put it back or open another scene",
+                            file.string(), error.message()));
 }
 
 FileStamp quickStamp(const fs::path& file) {

@@ -13,11 +13,11 @@ struct FileStamp {
     std::uint64_t hash = 0;  ///< of its bytes (FNV-1a)
 };
 
-/// Throws SceneError when the file cannot be read.
+/// Throws Error when the file cannot be read.
 FileStamp stampOf(const std::filesystem::path& file);
 
 /// Whether the bytes are still those; they are read only when size or time
-/// differ. Throws SceneError when the file is gone or cannot be read.
+/// differ. Throws Error when the file is gone or cannot be read.
 bool isUnchanged(const std::filesystem::path& file, const FileStamp& stamp);
 
 /// FNV-1a of a text, for names of files and the like.

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "studio/files/whole_file.h"
-#include "studio/scene/look.h"
+#include "studio/scene/settings/look.h"
 
 namespace tavora::studio {
 namespace {

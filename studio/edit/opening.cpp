@@ -1,7 +1,7 @@
 #include "studio/edit/opening.h"
 
-#include "studio/app/scene_view.h"
-#include "studio/app/shading_plan.h"
+#include "studio/setup/scene_view.h"
+#include "studio/setup/shading_plan.h"
 
 namespace tavora::studio {
 namespace {
@@ -20,14 +20,10 @@ std::vector<SurfaceSettings> settingsOf(const std::vector<PlannedSurface>& plann
 
 }  // namespace
 
-std::vector<std::string> lightNamesOf(const Scene& scene) {
-    return lightNames(settleLights(scene, chooseCamera(scene, {}, 1), {}));
-}
-
 OpenedSurfaces openSurfaces(const Scene& scene, const ShadingRequest& request, Records& records,
                             Report& report) {
     const ShaderClass shader = records.shaderClass();
-    const std::vector<std::string> lights = lightNamesOf(scene);
+    const std::vector<std::string> lights = lightNames(scene);
     const ShadingRequest asked = withDefaultLook(scene, request, report);
     Report silent({0, true, {}});  // what the file holds is reported once
     OpenedSurfaces opened;

@@ -3,11 +3,11 @@
 #include <string>
 #include <vector>
 
-#include "studio/app/report.h"
-#include "studio/app/requests.h"
 #include "studio/edit/records.h"
 #include "studio/edit/surface_settings.h"
 #include "studio/scene/scene.h"
+#include "studio/setup/report.h"
+#include "studio/setup/shading_request.h"
 
 namespace tavora::studio {
 
@@ -17,9 +17,6 @@ struct OpenedSurfaces {
     std::vector<SurfaceSettings> shown;  ///< what they wear: saved, looks, changes
     bool asked = true;  ///< what differs is the user's wish, not a look that stands in
 };
-
-/// Names of the lights that shaders of this scene may name.
-std::vector<std::string> lightNamesOf(const Scene& scene);
 
 /// Settles it as planSurfaces() does, to the bit as a record keeps it. A shader
 /// that the request leaves out is turned off. Throws what planSurfaces() throws.

@@ -5,11 +5,11 @@
 #include <string>
 #include <vector>
 
-#include "studio/app/shader_class.h"
 #include "studio/edit/surface_settings.h"
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
 #include "studio/scene/scene.h"
+#include "studio/setup/shader_class.h"
 
 namespace tavora::studio {
 
@@ -18,7 +18,7 @@ namespace tavora::studio {
 class Records {
   public:
     /// Finds and loads the module, `option` first. `scene` must outlive it.
-    /// Throws LinkError.
+    /// Throws Error, Fault::Module.
     Records(const std::string& option, const Scene& scene);
 
     const ModuleCopy& module() const { return module_; }
@@ -31,7 +31,7 @@ class Records {
     /// What a record saves after it loaded this complete block of any version.
     StateBlock settled(const StateBlock& block);
 
-    /// Made with these settings when it is not there yet. Throws LinkError.
+    /// Made with these settings when it is not there yet. Throws Error, Fault::Module.
     Shader& at(std::size_t surface, const SurfaceSettings& settings);
     /// Loads the settings into the record if it is there.
     void show(std::size_t surface, const SurfaceSettings& settings);

@@ -5,9 +5,8 @@
 #include <system_error>
 
 #include "studio/edit/file_stamp.h"
-#include "studio/files/output_error.h"
 #include "studio/files/whole_file.h"
-#include "studio/scene/scene_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -61,8 +60,8 @@ std::string RecoveryFiles::readLeft() const {
     try {
         return readWholeFile(left_->file, kMostBytes);
     } catch (const std::system_error& error) {
-        throw SceneError(
-            fmt::format("{}: cannot be read: {}", left_->file.string(), error.code().message()));
+        throw Error(Fault::Scene, fmt::format("{}: cannot be read: {}", left_->file.string(),
+                                              error.code().message()));
     }
 }
 
@@ -84,10 +83,11 @@ fs::path RecoveryFiles::setLeftAside() {
 void RecoveryFiles::write(std::string_view text) {
     if (!own_ && !base_.empty()) findPlaces();
     if (!own_) {
-        throw OutputError(fmt::format(
-            "{}: cannot be written, so unsaved work is lost if the program ends; make it a folder "
-            "you may write to, or set XDG_STATE_HOME",
-            base_.empty() ? "tavora/recovery" : base_.parent_path().string()));
+        throw Error(Fault::Output,
+                    fmt::format("{}: cannot be written, so unsaved work is lost if the program "
+                                "ends; make it a folder "
+                                "you may write to, or set XDG_STATE_HOME",
+                                base_.empty() ? "tavora/recovery" : base_.parent_path().string()));
     }
     writeWholeFile(own_->file, text);
 }

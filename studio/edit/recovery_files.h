@@ -22,13 +22,13 @@ class RecoveryFiles {
     /// What a dead session left; only one at a time is offered.
     bool hasLeft() const { return left_.has_value(); }
     const std::filesystem::path& leftFile() const { return left_->file; }
-    /// Throws SceneError when it cannot be read.
+    /// Throws Error when it cannot be read.
     std::string readLeft() const;
     void removeLeft();
     /// Keeps it under another name, which is returned, and offers it no more.
     std::filesystem::path setLeftAside();
 
-    /// This session's own. Throws OutputError.
+    /// This session's own. Throws Error, Fault::Output.
     void write(std::string_view text);
     void remove();
 

@@ -4,10 +4,10 @@
 #include <fmt/chrono.h>
 #include <fmt/format.h>
 
-#include "studio/scene/json_text.h"
-#include "studio/scene/scene_error.h"
-#include "studio/scene/settings.h"
-#include "studio/scene/shader_extras.h"
+#include "studio/scene/settings/settings.h"
+#include "studio/scene/settings/shader_extras.h"
+#include "studio/util/error.h"
+#include "studio/util/json_text.h"
 
 namespace tavora::studio {
 namespace {
@@ -31,14 +31,14 @@ std::string surfaceText(const std::string& name, const SurfaceSettings& settings
 SurfaceSettings settingsIn(const Json& extras, const std::string& where) {
     std::vector<std::string> damage;
     std::optional<StoredShader> shader = shaderFromExtras(extras, where, damage);
-    if (!shader) throw SceneError(where + ": no settings");
+    if (!shader) throw Error(Fault::Scene, where + ": no settings");
     settingsOf(shader->state);  // throws for a damaged block
     return {shader->enabled, std::move(shader->state)};
 }
 
 UnsavedWork workIn(const Json& document, const std::string& where) {
     if (document.at("tavora") != "recovery" || document.at("version") != kVersion) {
-        throw SceneError(where + ": no recovery file of this version");
+        throw Error(Fault::Scene, where + ": no recovery file of this version");
     }
     UnsavedWork work;
     work.scene = document.at("scene").get<std::string>();
@@ -72,7 +72,7 @@ UnsavedWork readUnsavedWork(std::string_view text, const std::string& where) {
     try {
         return workIn(document, where);
     } catch (const std::exception&) {
-        throw SceneError(where + ": is damaged");
+        throw Error(Fault::Scene, where + ": is damaged");
     }
 }
 

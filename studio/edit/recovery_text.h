@@ -24,7 +24,7 @@ struct UnsavedWork {
 /// A text that readUnsavedWork() reads back to the bit; it also tells the time, for people.
 std::string textOfUnsavedWork(const UnsavedWork& work, const std::string& server);
 
-/// Throws SceneError for what is damaged; `where` opens the message. Blocks are
+/// Throws Error for what is damaged; `where` opens the message. Blocks are
 /// complete ones.
 UnsavedWork readUnsavedWork(std::string_view text, const std::string& where);
 

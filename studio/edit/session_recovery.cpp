@@ -2,20 +2,21 @@
 
 #include <fmt/format.h>
 
-#include "studio/scene/scene_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 
 UnsavedWork SessionRecovery::takeLeft() {
-    if (!hasLeft()) throw SceneError("there is no unsaved work to recover");
+    if (!hasLeft()) throw Error(Fault::Scene, "there is no unsaved work to recover");
     const std::string where = files_.leftFile().string();
     try {
         UnsavedWork work = readUnsavedWork(files_.readLeft(), where);
         taken_ = true;
         return work;
-    } catch (const SceneError& error) {
-        throw SceneError(fmt::format("the unsaved work cannot be recovered: {}; it is kept as {}",
-                                     error.what(), files_.setLeftAside().string()));
+    } catch (const Error& error) {
+        throw Error(Fault::Scene,
+                    fmt::format("the unsaved work cannot be recovered: {}; it is kept as {}",
+                                error.what(), files_.setLeftAside().string()));
     }
 }
 

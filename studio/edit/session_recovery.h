@@ -17,10 +17,10 @@ class SessionRecovery {
     /// Work that nobody took or discarded yet.
     bool hasLeft() const { return files_.hasLeft() && !taken_; }
     /// Its file stays until this session has written its own, or removes it.
-    /// Throws SceneError when it is damaged; then it is kept under another name.
+    /// Throws Error when it is damaged; then it is kept under another name.
     UnsavedWork takeLeft();
 
-    /// Writes this session's own unless that says so already. Throws OutputError.
+    /// Writes this session's own unless that says so already. Throws Error, Fault::Output.
     void write(const UnsavedWork& work, const std::string& server);
     /// Removes this session's own, and what it took.
     void removeTaken();

@@ -10,10 +10,10 @@
 #include <unistd.h>
 #include <utility>
 
-#include "studio/files/output_error.h"
 #include "studio/files/output_place.h"
 #include "studio/files/unfinished_files.h"
 #include "studio/files/written_mark.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -76,7 +76,7 @@ void AtomicFile::close() {
 }
 
 void AtomicFile::fail(const char* doing, int error) {
-    throw OutputError(outputMessage(asked_, doing, error));
+    throw Error(Fault::Output, outputMessage(asked_, doing, error));
 }
 
 void AtomicFile::write(const void* data, std::size_t size) {

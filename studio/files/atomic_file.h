@@ -14,14 +14,14 @@ namespace tavora::studio {
 /// permissions. One thread at a time.
 class AtomicFile {
   public:
-    /// Throws OutputError when the temporary file cannot be made, or when
+    /// Throws Error, Fault::Output when the temporary file cannot be made, or when
     /// something other than a writable plain file stands at `target`.
     explicit AtomicFile(const std::filesystem::path& target);
     ~AtomicFile();
     AtomicFile(const AtomicFile&) = delete;
     AtomicFile& operator=(const AtomicFile&) = delete;
 
-    /// Throws OutputError (disk full and the like), then and at every later call.
+    /// Throws Error, Fault::Output (disk full and the like), then and at every later call.
     void write(const void* data, std::size_t size);
 
     /// The file while it is being written. Not for messages: the user never named it.
@@ -29,7 +29,7 @@ class AtomicFile {
 
     /// Flushes, lets `readBack` look at the file through a descriptor that can be
     /// read (it throws when the file is not as it should be), renames, flushes the
-    /// folder. Throws OutputError, and what `readBack` throws.
+    /// folder. Throws Error, Fault::Output, and what `readBack` throws.
     void commit(const std::function<void(int descriptor)>& readBack = {});
 
   private:

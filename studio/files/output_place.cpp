@@ -8,7 +8,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "studio/files/output_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -42,7 +42,7 @@ const char* adviceFor(int error) {
 }
 
 [[noreturn]] void refuse(const fs::path& file, const char* doing, int error) {
-    throw OutputError(outputMessage(file, doing, error));
+    throw Error(Fault::Output, outputMessage(file, doing, error));
 }
 
 // Follows links one by one, because the last one may point at a file yet to be made.
@@ -62,7 +62,8 @@ fs::path followLinks(const fs::path& asked) {
 void checkPlainFile(const fs::path& asked, const fs::path& target, const struct stat& status) {
     if (S_ISDIR(status.st_mode)) refuse(asked, "cannot be written", EISDIR);
     if (!S_ISREG(status.st_mode)) {
-        throw OutputError(
+        throw Error(
+            Fault::Output,
             fmt::format("{}: is a device or pipe, which cannot be written whole; name a plain file",
                         asked.string()));
     }

@@ -12,7 +12,7 @@ struct OutputPlace {
     unsigned permissions = 0666;   ///< of that file; else what the process's mask cuts
 };
 
-/// Looks at what stands at `asked`. Throws OutputError for a folder, a device,
+/// Looks at what stands at `asked`. Throws Error, Fault::Output for a folder, a device,
 /// a file without write permission, a folder that is missing.
 OutputPlace outputPlace(const std::filesystem::path& asked);
 

@@ -7,9 +7,9 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "studio/files/output_error.h"
 #include "studio/files/output_place.h"
 #include "studio/files/written_mark.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -27,7 +27,7 @@ bool again(int descriptor, short event) {
 
 [[noreturn]] void failWriting(int error) {
     if (error == EPIPE) throw ReaderGone();
-    throw OutputError(outputMessage(kOutputName, "cannot be written", error));
+    throw Error(Fault::Output, outputMessage(kOutputName, "cannot be written", error));
 }
 
 // Some network folders tell of a full disk only when the file is closed.

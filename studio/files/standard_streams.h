@@ -2,6 +2,7 @@
 
 #include <cstddef>
 #include <exception>
+#include <filesystem>
 #include <string>
 #include <string_view>
 
@@ -15,6 +16,12 @@ class ReaderGone : public std::exception {
     const char* what() const noexcept override { return "nobody reads standard output any more"; }
 };
 
+/// Whether a file's name on the command line is "-": standard input where something is
+/// read, standard output where it is written.
+inline bool isStream(const std::filesystem::path& file) {
+    return file == "-";
+}
+
 /// Opens those of the descriptors 0, 1 and 2 that the program was started without, since the
 /// next file opened would take such a number and be written messages into. What is said on a
 /// missing standard error is lost; using a missing input or output still fails. Before
@@ -25,11 +32,11 @@ void openMissingStreams() noexcept;
 /// Any thread, and signal handlers.
 void writeError(std::string_view text) noexcept;
 
-/// Writes data to standard output. Throws ReaderGone, or OutputError when not all of it
+/// Writes data to standard output. Throws ReaderGone, or Fault::Output when not all of it
 /// gets there. One thread at a time.
 void writeOut(std::string_view bytes);
 
-/// Fails early, before there is something to write: throws OutputError when standard output
+/// Fails early, before there is something to write: throws Fault::Output when standard output
 /// is closed or was opened for reading only.
 void checkStandardOutput();
 

@@ -10,8 +10,8 @@
 #include <unistd.h>
 
 #include "studio/files/atomic_file.h"
-#include "studio/files/output_error.h"
 #include "studio/files/output_place.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -87,12 +87,13 @@ void writeWholeFile(const fs::path& file, std::string_view bytes) {
     try {
         out.commit([&](int descriptor) {
             if (holdsExactly(descriptor, bytes, file)) return;
-            throw OutputError(fmt::format(
-                "{}: reads back other than it was written; check the disk or choose another place",
-                file.string()));
+            throw Error(Fault::Output, fmt::format("{}: reads back other than it was written; "
+                                                   "check the disk or choose another place",
+                                                   file.string()));
         });
     } catch (const std::system_error& error) {
-        throw OutputError(outputMessage(file, "cannot be read back", error.code().value()));
+        throw Error(Fault::Output,
+                    outputMessage(file, "cannot be read back", error.code().value()));
     }
 }
 

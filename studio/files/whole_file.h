@@ -12,7 +12,7 @@ namespace tavora::studio {
 std::string readWholeFile(const std::filesystem::path& file, std::size_t limit);
 
 /// Writes `bytes` to `file` through an AtomicFile and, before the file gets its
-/// name, reads them back and compares. Throws OutputError.
+/// name, reads them back and compares. Throws Error, Fault::Output.
 void writeWholeFile(const std::filesystem::path& file, std::string_view bytes);
 
 }  // namespace tavora::studio

@@ -5,7 +5,7 @@
 #include <fmt/ranges.h>
 #include <vector>
 
-#include "studio/link/link_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -52,7 +52,8 @@ const HostServerRecord& findServer(const HostModuleDescriptor& module,
         }
         offered.push_back(describe(record->className, record->serverName));
     }
-    throw LinkError(
+    throw Error(
+        Fault::Module,
         fmt::format("{}: the plug-in module has no class {}; it has {}", file.string(),
                     describe(className, server),
                     offered.empty() ? "none" : fmt::format("{}", fmt::join(offered, ", "))));
@@ -64,20 +65,20 @@ void activate(const HostServerRecord& server, int version, HostLookup* lookup, v
     if (result == HOST_ACTIVATION_OK) return;
     const std::string which = describe(server.className, server.serverName);
     if (result == HOST_ACTIVATION_BAD_VERSION) {
-        throw LinkError(
-            fmt::format("{}: {} does not work with version {} of its class, the one "
-                        "that this host offers",
-                        file.string(), which, version));
+        throw Error(Fault::Module,
+                    fmt::format("{}: {} does not work with version {} of its class, the one "
+                                "that this host offers",
+                                file.string(), which, version));
     }
     if (result == HOST_ACTIVATION_NO_SERVICE) {
         const auto services = missingServices(server, version, lookup, classRecord);
-        throw LinkError(
-            fmt::format("{}: {} needs services that this host lacks; it asked in vain "
-                        "for {}",
-                        file.string(), which, fmt::join(services, ", ")));
+        throw Error(Fault::Module,
+                    fmt::format("{}: {} needs services that this host lacks; it asked in vain "
+                                "for {}",
+                                file.string(), which, fmt::join(services, ", ")));
     }
-    throw LinkError(
-        fmt::format("{}: {} did not activate (result {})", file.string(), which, result));
+    throw Error(Fault::Module,
+                fmt::format("{}: {} did not activate (result {})", file.string(), which, result));
 }
 
 }  // namespace tavora::studio

@@ -3,7 +3,7 @@
 #include <fmt/format.h>
 
 #include "studio/link/activation.h"
-#include "studio/link/link_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 
@@ -39,7 +39,8 @@ HostShaderInterface ModuleCopy::activateInterface(HostInstance instance) const {
 void ModuleCopy::start() {
     token_ = descriptor().startup();
     if (token_ == nullptr) {
-        throw LinkError(fmt::format("{}: the plug-in module failed to start", file().string()));
+        throw Error(Fault::Module,
+                    fmt::format("{}: the plug-in module failed to start", file().string()));
     }
 }
 
@@ -56,9 +57,9 @@ void ModuleCopy::checkHandler() const {
                           handler_.render == &renderCallbacks_ && life.create && life.destroy &&
                           life.load && life.save && handler_.evaluate && handler_.flags;
     if (!complete) {
-        throw LinkError(
-            fmt::format("{}: {} \"{}\" activated without all the functions of its class",
-                        file().string(), HOST_SHADER_HANDLER_CLASS, server_));
+        throw Error(Fault::Module,
+                    fmt::format("{}: {} \"{}\" activated without all the functions of its class",
+                                file().string(), HOST_SHADER_HANDLER_CLASS, server_));
     }
 }
 

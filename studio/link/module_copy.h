@@ -18,7 +18,7 @@ class ModuleCopy {
   public:
     /// Loads a private image of `file`, starts it and activates the
     /// "ShaderHandler" class of `server`, or of its first server when empty,
-    /// with the host's `lookup`. Throws LinkError with one line that says what
+    /// with the host's `lookup`. Throws Error, Fault::Module with one line that says what
     /// is wrong with which file.
     ModuleCopy(const std::filesystem::path& file, HostLookup* lookup,
                const std::string& server = {});
@@ -36,7 +36,7 @@ class ModuleCopy {
 
     /// Activates the "ShaderInterface" class of the same server for `instance`.
     /// Its options function is null when the module has no panel to open.
-    /// Throws LinkError. Interface thread.
+    /// Throws Error, Fault::Module. Interface thread.
     HostShaderInterface activateInterface(HostInstance instance) const;
 
   private:

@@ -6,7 +6,7 @@
 #include <fmt/ranges.h>
 #include <system_error>
 
-#include "studio/link/link_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -68,8 +68,8 @@ fs::path findModule(const std::string& option) {
         if (fs::exists(place, error) && !fs::is_directory(place, error)) return place;
         names.push_back(place.string());
     }
-    throw LinkError(fmt::format("no plug-in module {} found; looked for {}; {}", kFileName,
-                                fmt::join(names, ", "), adviceFor(option)));
+    throw Error(Fault::Module, fmt::format("no plug-in module {} found; looked for {}; {}",
+                                           kFileName, fmt::join(names, ", "), adviceFor(option)));
 }
 
 }  // namespace tavora::studio

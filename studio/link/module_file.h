@@ -12,7 +12,7 @@ namespace tavora::studio {
 /// not empty, else the folders and files of TAVORA_PLUGIN_PATH (':' between
 /// them) when it names any, else beside the running program. Returns the first
 /// that exists.
-/// Throws LinkError that names every place it looked.
+/// Throws Error, Fault::Module that names every place it looked.
 std::filesystem::path findModule(const std::string& option);
 
 /// What a module says of itself.
@@ -29,7 +29,7 @@ struct ModuleSummary {
 };
 
 /// Loads `file`, activates every class that this host knows with its `lookup`,
-/// and unloads it again. Throws LinkError for what ModuleCopy throws it for;
+/// and unloads it again. Throws Error, Fault::Module for what ModuleCopy throws it for;
 /// classes of other kinds are listed with version 0.
 ModuleSummary summarize(const std::filesystem::path& file, HostLookup* lookup);
 

@@ -11,7 +11,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "studio/link/link_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -67,20 +67,21 @@ void checkFile(const fs::path& file) {
     std::error_code error;
     const fs::file_status status = fs::status(file, error);
     if (!fs::exists(status)) {
-        throw LinkError(
-            fmt::format("{}: no such plug-in module; name one with --plugin or "
-                        "TAVORA_PLUGIN_PATH",
-                        file.string()));
+        throw Error(Fault::Module,
+                    fmt::format("{}: no such plug-in module; name one with --plugin or "
+                                "TAVORA_PLUGIN_PATH",
+                                file.string()));
     }
     if (!fs::is_regular_file(status)) {
-        throw LinkError(
-            fmt::format("{}: not a plug-in module but a folder or device; name the "
-                        "module's own file",
-                        file.string()));
+        throw Error(Fault::Module,
+                    fmt::format("{}: not a plug-in module but a folder or device; name the "
+                                "module's own file",
+                                file.string()));
     }
     if (access(file.c_str(), R_OK) != 0) {
-        throw LinkError(fmt::format("{}: the plug-in module cannot be read; check its permissions",
-                                    file.string()));
+        throw Error(Fault::Module,
+                    fmt::format("{}: the plug-in module cannot be read; check its permissions",
+                                file.string()));
     }
 }
 
@@ -108,8 +109,8 @@ void ModuleImage::load() {
     // Some systems forbid running code from memory files.
     if (image_ == nullptr) image_ = loadFromTemporaryFile();
     if (image_ == nullptr) {
-        throw LinkError(fmt::format("{}: not a loadable plug-in module ({}); {}", file_.string(),
-                                    loaderMessage(), kReinstall));
+        throw Error(Fault::Module, fmt::format("{}: not a loadable plug-in module ({}); {}",
+                                               file_.string(), loaderMessage(), kReinstall));
     }
 }
 
@@ -124,10 +125,10 @@ void* ModuleImage::loadFromTemporaryFile() {
     std::string name = (fs::temp_directory_path(error) / "tavora-plugin-XXXXXX").string();
     const int file = error ? -1 : mkostemp(name.data(), O_CLOEXEC);
     if (file < 0) {
-        throw LinkError(
-            fmt::format("{}: the plug-in module cannot be loaded: no room for a "
-                        "temporary file; set TMPDIR to a folder with space",
-                        file_.string()));
+        throw Error(Fault::Module,
+                    fmt::format("{}: the plug-in module cannot be loaded: no room for a "
+                                "temporary file; set TMPDIR to a folder with space",
+                                file_.string()));
     }
     const bool copied = copyBytes(file_, file);
     close(file);
@@ -139,29 +140,29 @@ void* ModuleImage::loadFromTemporaryFile() {
 void ModuleImage::findDescriptor() {
     descriptor_ = static_cast<const HostModuleDescriptor*>(dlsym(image_, HOST_MODULE_SYMBOL));
     if (descriptor_ == nullptr) {
-        throw LinkError(fmt::format("{}: not a plug-in module: it has no symbol {}", file_.string(),
-                                    HOST_MODULE_SYMBOL));
+        throw Error(Fault::Module, fmt::format("{}: not a plug-in module: it has no symbol {}",
+                                               file_.string(), HOST_MODULE_SYMBOL));
     }
     if (descriptor_->sync != HOST_MODULE_SYNC) {
-        throw LinkError(
-            fmt::format("{}: not a plug-in module: its descriptor starts with {:#x}, "
-                        "not {:#x}",
-                        file_.string(), descriptor_->sync, int{HOST_MODULE_SYNC}));
+        throw Error(Fault::Module,
+                    fmt::format("{}: not a plug-in module: its descriptor starts with {:#x}, "
+                                "not {:#x}",
+                                file_.string(), descriptor_->sync, int{HOST_MODULE_SYNC}));
     }
     if (descriptor_->version != HOST_MODULE_VERSION ||
         descriptor_->machine != HOST_MODULE_MACHINE) {
-        throw LinkError(
-            fmt::format("{}: made for another host: descriptor version {} for machine "
-                        "{:#x}, this host takes version {} for machine {:#x}",
-                        file_.string(), descriptor_->version, descriptor_->machine,
-                        int{HOST_MODULE_VERSION}, int{HOST_MODULE_MACHINE}));
+        throw Error(Fault::Module,
+                    fmt::format("{}: made for another host: descriptor version {} for machine "
+                                "{:#x}, this host takes version {} for machine {:#x}",
+                                file_.string(), descriptor_->version, descriptor_->machine,
+                                int{HOST_MODULE_VERSION}, int{HOST_MODULE_MACHINE}));
     }
     if (descriptor_->startup == nullptr || descriptor_->shutdown == nullptr ||
         descriptor_->servers == nullptr) {
-        throw LinkError(
-            fmt::format("{}: a damaged plug-in module: its descriptor lacks functions; "
-                        "{}",
-                        file_.string(), kReinstall));
+        throw Error(Fault::Module,
+                    fmt::format("{}: a damaged plug-in module: its descriptor lacks functions; "
+                                "{}",
+                                file_.string(), kReinstall));
     }
 }
 

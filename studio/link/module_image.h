@@ -12,7 +12,7 @@ namespace tavora::studio {
 /// Any thread; not moved while loaded.
 class ModuleImage {
   public:
-    /// Loads `file` and checks its descriptor. Throws LinkError: no such file,
+    /// Loads `file` and checks its descriptor. Throws Error, Fault::Module: no such file,
     /// not a loadable module, no or a foreign descriptor.
     explicit ModuleImage(const std::filesystem::path& file);
     ~ModuleImage();

@@ -3,13 +3,14 @@
 #include <fmt/format.h>
 #include <utility>
 
-#include "studio/link/link_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
 
 void check(HostError error) {
-    if (error != nullptr) throw LinkError(fmt::format("the plug-in module says: {}", error));
+    if (error != nullptr)
+        throw Error(Fault::Module, fmt::format("the plug-in module says: {}", error));
 }
 
 }  // namespace

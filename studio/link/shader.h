@@ -13,7 +13,7 @@ namespace tavora::studio {
 /// One thread at a time, the one that owns the copy.
 class Shader {
   public:
-    /// Throws LinkError with the module's own text when it cannot create one.
+    /// Throws Error, Fault::Module with the module's own text when it cannot create one.
     Shader(const ModuleCopy& module, HostSurfaceId surface);
     ~Shader();
     Shader(Shader&& other) noexcept;
@@ -21,7 +21,7 @@ class Shader {
     Shader(const Shader&) = delete;
     Shader& operator=(const Shader&) = delete;
 
-    /// Throws LinkError with the module's own text. The module decides what a
+    /// Throws Error, Fault::Module with the module's own text. The module decides what a
     /// damaged block leaves behind.
     void load(const StateBlock& block);
     StateBlock save() const;
@@ -33,7 +33,7 @@ class Shader {
 
     /// A render pass: init and new time before the first sample, endPass()
     /// after the last. No evaluation of the same copy may run meanwhile.
-    /// Throws LinkError with the module's own text.
+    /// Throws Error, Fault::Module with the module's own text.
     void beginPass(int renderMode, int frame, double seconds);
     void endPass();
 

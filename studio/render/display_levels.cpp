@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <limits>
 
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
 
 namespace tavora::studio {
 namespace {

@@ -1,6 +1,6 @@
 #include "studio/render/film.h"
 
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
 
 namespace tavora::studio {
 

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "studio/render/ray_context.h"
-#include "studio/scene/portable_math.h"
+#include "studio/util/portable_math.h"
 
 namespace tavora::studio {
 namespace {

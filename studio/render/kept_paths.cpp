@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "studio/scene/soft_light.h"
+#include "studio/scene/lighting/soft_light.h"
 
 namespace tavora::studio {
 namespace {

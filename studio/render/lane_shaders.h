@@ -32,7 +32,7 @@ class LaneShaders {
     /// All surfaces plain; the module is loaded when the first one is not.
     /// `scene` must outlive it.
     LaneShaders(const SceneIndex& scene, std::filesystem::path module);
-    /// `shading` has one entry a surface. Throws LinkError.
+    /// `shading` has one entry a surface. Throws Error, Fault::Module.
     LaneShaders(const SceneIndex& scene, const std::vector<SurfaceShading>& shading,
                 const std::filesystem::path& module);
     /// Ends the pass.
@@ -41,7 +41,7 @@ class LaneShaders {
     LaneShaders& operator=(const LaneShaders&) = delete;
 
     /// Ends the pass, loads the settings of those surfaces alone, begins a pass.
-    /// Throws LinkError and std::bad_alloc; it can then only be destroyed.
+    /// Throws Error, Fault::Module and std::bad_alloc; it can then only be destroyed.
     void change(std::span<const SurfaceChange> changes);
 
     ActiveShader of(int surface) const { return active_[static_cast<std::size_t>(surface)]; }

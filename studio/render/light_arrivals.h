@@ -12,7 +12,7 @@
 #include "studio/render/ray_scene.h"
 #include "studio/render/shadow_rays.h"
 #include "studio/render/surface_point.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 
 namespace tavora::studio {
 

@@ -40,7 +40,7 @@ class LiveLane {
     LiveLane(const RayScene& scene, const std::filesystem::path& module, bool speaks);
 
     /// Takes over lights and shading. Returns the surfaces whose shading is
-    /// another than before. Throws LinkError and std::bad_alloc; the lane is
+    /// another than before. Throws Error, Fault::Module and std::bad_alloc; the lane is
     /// then of no use any more.
     SurfaceSet adopt(const LiveWish& wish);
 

@@ -36,7 +36,7 @@ class LivePainter {
 
     /// Paints until the picture is clean or, once a first picture is out, `wish`
     /// is overtaken. That first one is not dropped: while changes come faster
-    /// than pictures, something must be seen. What it throws (LinkError,
+    /// than pictures, something must be seen. What it throws (Fault::Module,
     /// std::bad_alloc) leaves it ready for another try.
     void paint(const LiveWish& wish, const LiveWatch& watch);
 

@@ -9,7 +9,7 @@
 
 #include "studio/render/pick.h"
 #include "studio/render/renderer.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "studio/render/renderer.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "studio/files/atomic_file.h"
+#include "studio/files/standard_streams.h"
 #include "studio/files/whole_file.h"
 #include "studio/render/exr_encode.h"
 #include "studio/render/png_encode.h"
@@ -44,13 +45,13 @@ const Suffix& suffixOf(PictureFormat::Kind kind) {
 }
 
 const Suffix& settledSuffix(const fs::path& file, std::optional<PictureFormat::Kind> kind) {
-    const Suffix* suffix = file == "-" ? nullptr : knownSuffix(file);
+    const Suffix* suffix = knownSuffix(file);
     if (kind && suffix != nullptr && suffix->kind != *kind) {
         throw std::invalid_argument(fmt::format(
             "{}: the suffix names another format than --format; leave one out", file.string()));
     }
     if (suffix != nullptr) return *suffix;
-    if (kind || file == "-") return suffixOf(kind.value_or(PictureFormat::Kind::Png));
+    if (kind || isStream(file)) return suffixOf(kind.value_or(PictureFormat::Kind::Png));
     throw std::invalid_argument(fmt::format(
         "{}: a picture's name must end in .png or .exr, or --format say which", file.string()));
 }
@@ -63,7 +64,7 @@ PictureFormat pictureFormat(const fs::path& file, PictureDepth depth, bool alpha
     if (depth == PictureDepth::Default) depth = suffix.depths[0];
     if (std::find(suffix.depths.begin(), suffix.depths.end(), depth) == suffix.depths.end()) {
         throw std::invalid_argument(fmt::format("{}: the depth of a {} file is {}",
-                                                file == "-" ? "standard output" : file.string(),
+                                                isStream(file) ? "standard output" : file.string(),
                                                 suffix.text, suffix.depthNames));
     }
     return {suffix.kind, depth, alpha};

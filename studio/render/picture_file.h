@@ -31,11 +31,11 @@ std::string encodePicture(const Picture& picture, const PictureFormat& format);
 
 /// Writes encodePicture() to a file that is complete or absent: temporary name in
 /// the same folder, every write checked, flushed to disk, read back, renamed.
-/// Throws OutputError.
+/// Throws Error, Fault::Output.
 void writePicture(const Picture& picture, const std::filesystem::path& file,
                   const PictureFormat& format);
 
-/// Fails early, before the picture is rendered: throws OutputError when a file
+/// Fails early, before the picture is rendered: throws Fault::Output when a file
 /// could not be created at this place.
 void checkWritable(const std::filesystem::path& file);
 

@@ -83,7 +83,7 @@ class RenderLane {
 
 /// A lane for another thread than that of `first`, or the first one if that is null:
 /// what modules have to say about the settings, the first copy says. Any thread. Throws
-/// LinkError.
+/// Fault::Module.
 std::unique_ptr<RenderLane> makeLane(const RenderJob& job, const RenderLane* first);
 
 }  // namespace tavora::studio

@@ -11,7 +11,7 @@
 #include "studio/link/state_block.h"
 #include "studio/render/picture.h"
 #include "studio/render/pixel_filter.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
@@ -69,7 +69,7 @@ class Renderer {
 
     /// `shading` has one entry a surface of the scene; `module` may be empty
     /// when no entry has a shader. One module copy is loaded per thread.
-    /// Throws LinkError when the module cannot be used, RenderStopped, and
+    /// Throws Error, Fault::Module when the module cannot be used, RenderStopped, and
     /// std::invalid_argument for a picture without pixels or samples.
     Picture render(const Camera& camera, const LightRig& lights,
                    const std::vector<SurfaceShading>& shading, const std::filesystem::path& module,

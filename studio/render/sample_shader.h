@@ -17,7 +17,7 @@
 #include "studio/render/surface_point.h"
 #include "studio/render/surface_set.h"
 #include "studio/render/surface_traits.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 
 namespace tavora::studio {
 

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "studio/scene/portable_math.h"
+#include "studio/util/portable_math.h"
 
 namespace tavora::studio {
 namespace {

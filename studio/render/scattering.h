@@ -5,7 +5,7 @@
 #include "studio/render/light_arrivals.h"
 #include "studio/render/sample_record.h"
 #include "studio/render/surface_point.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 
 namespace tavora::studio {
 

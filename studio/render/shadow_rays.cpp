@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "studio/scene/soft_light.h"
+#include "studio/scene/lighting/soft_light.h"
 
 namespace tavora::studio {
 namespace {

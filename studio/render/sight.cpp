@@ -3,7 +3,7 @@
 #include <utility>
 
 #include "studio/render/display_levels.h"
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
 
 namespace tavora::studio {
 namespace {

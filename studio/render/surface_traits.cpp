@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
 
 namespace tavora::studio {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "studio/scene/portable_math.h"
+#include "studio/util/portable_math.h"
 
 namespace tavora::studio {
 namespace {

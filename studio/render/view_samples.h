@@ -12,7 +12,7 @@
 #include "studio/render/sample_shader.h"
 #include "studio/render/sight.h"
 #include "studio/render/view.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 
 namespace tavora::studio {
 

@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "host/types.h"
+#include "studio/scene/image/texture_lookup.h"
 #include "studio/scene/scene.h"
-#include "studio/scene/texture_lookup.h"
 
 namespace tavora::studio {
 

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 #include "studio/services/scene_index.h"
 
 namespace tavora::studio {

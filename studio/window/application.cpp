@@ -3,7 +3,7 @@
 #include <cstdlib>
 #include <fmt/format.h>
 
-#include "studio/app/exit_status.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -17,7 +17,7 @@ void receiveLibraryMessage(QtMsgType type, const QMessageLogContext& /*where*/,
         fatalReport->error(
             "edit needs a display, and none can be opened (DISPLAY, WAYLAND_DISPLAY); "
             "without one, tavora panel draws the settings panel and tavora render the picture");
-        std::_Exit(kUsage);
+        std::_Exit(static_cast<int>(Fault::Usage));
     }
     fatalReport->note(2, text.toStdString());
 }

@@ -3,7 +3,7 @@
 #include <QApplication>
 #include <memory>
 
-#include "studio/app/report.h"
+#include "studio/setup/report.h"
 
 namespace tavora::studio {
 

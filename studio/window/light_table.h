@@ -2,7 +2,7 @@
 
 #include <QTreeWidget>
 
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 
 namespace tavora::studio {
 

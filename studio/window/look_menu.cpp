@@ -3,7 +3,7 @@
 #include <QListWidget>
 #include <QWidgetAction>
 
-#include "studio/scene/look.h"
+#include "studio/scene/settings/look.h"
 #include "studio/window/dialogs.h"
 
 namespace tavora::studio {

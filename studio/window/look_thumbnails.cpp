@@ -6,7 +6,7 @@
 #include <unistd.h>
 
 #include "studio/render/display_levels.h"
-#include "studio/scene/look.h"
+#include "studio/scene/settings/look.h"
 #include "studio/services/messages.h"
 
 namespace tavora::studio {
@@ -54,16 +54,20 @@ QImage imageOf(const Picture& picture) {
 LookThumbnails::LookThumbnails(Session& session) : session_(session) {}
 
 LookThumbnails::~LookThumbnails() {
-    stop();
+    finish();
 }
 
 void LookThumbnails::stop() {
     stop_ = true;
+}
+
+void LookThumbnails::finish() {
+    stop();
     if (thread_.joinable()) thread_.join();
 }
 
 void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
-    stop();
+    finish();
     if (surfaces != surfaces_ || session_.revision() != revision_) made_ = 0;
     surfaces_ = surfaces;
     revision_ = session_.revision();
@@ -81,7 +85,7 @@ void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
 
 LookThumbnails::Job LookThumbnails::jobFor(const std::string& look) const {
     Job job{look, session_.shading()};
-    for (const auto& [surface, settings] : session_.document().withLook(look, surfaces_))
+    for (const auto& [surface, settings] : session_.document().withLook(readLook(look), surfaces_))
         job.shading[surface].shader = settings.block;
     return job;
 }

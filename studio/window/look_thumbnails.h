@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "studio/render/renderer.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 #include "studio/window/session.h"
 
 namespace tavora::studio {
@@ -29,9 +29,10 @@ class LookThumbnails : public QObject {
 
     /// Renders the pictures for these surfaces that are not there yet: none when
     /// nothing changed since they were made, all after a change of the surfaces,
-    /// the settings or the view. Throws SceneError.
+    /// the settings or the view. Throws Error.
     void renderFor(const std::vector<std::size_t>& surfaces);
-    /// Stops at the next row of pixels. What is ready stays.
+    /// Asks the rendering to stop, which it does at the next row of pixels; does not
+    /// wait for that. What is ready stays.
     void stop();
 
   signals:
@@ -49,6 +50,7 @@ class LookThumbnails : public QObject {
         RenderOptions options;
         std::vector<Job> jobs;
     };
+    void finish();
     Job jobFor(const std::string& look) const;
     void run(const Order& order);
 

@@ -3,14 +3,13 @@
 #include <QWidget>
 #include <fmt/format.h>
 
-#include "studio/app/scene_view.h"
-#include "studio/app/surface_names.h"
-#include "studio/app/usage_error.h"
 #include "studio/edit/document.h"
 #include "studio/files/whole_file.h"
-#include "studio/link/link_error.h"
 #include "studio/panels/panels.h"
 #include "studio/services/directory_info.h"
+#include "studio/setup/scene_view.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/error.h"
 #include "studio/window/application.h"
 #include "studio/window/commands.h"
 #include "studio/window/panel_services.h"
@@ -20,18 +19,20 @@ namespace tavora::studio {
 namespace {
 
 void checkOutput(const PanelRequest& request) {
-    if (request.output.empty()) throw UsageError("panel needs -o FILE, the picture to write");
+    if (request.output.empty())
+        throw Error(Fault::Usage, "panel needs -o FILE, the picture to write");
     if (!request.output.ends_with(".png")) {
-        throw UsageError(
-            fmt::format("{}: a panel is written as .png; name such a file", request.output));
+        throw Error(Fault::Usage, fmt::format("{}: a panel is written as .png; name such a file",
+                                              request.output));
     }
 }
 
 std::size_t chosenSurface(const Document& document, const std::string& name) {
     if (!name.empty()) return matchingSurfaces(document.scene(), name, "--surface").front();
     if (document.surfaces().empty()) {
-        throw UsageError(fmt::format("{}: no surface has settings to show; name another scene",
-                                     document.path().string()));
+        throw Error(Fault::Usage,
+                    fmt::format("{}: no surface has settings to show; name another scene",
+                                document.path().string()));
     }
     return document.surfaces().front();
 }
@@ -70,8 +71,8 @@ void drawPanel(const PanelRequest& request, Report& report) {
     const PanelBinding binding(rig);
     const QImage picture = drawOptions(document, document.record(surface), request.tab);
     if (picture.isNull()) {
-        throw LinkError(fmt::format("{}: the module has no settings panel to draw",
-                                    document.module().string()));
+        throw Error(Fault::Module, fmt::format("{}: the module has no settings panel to draw",
+                                               document.module().string()));
     }
     writePng(picture, request.output);
     report.note(1, fmt::format("{} written", request.output));

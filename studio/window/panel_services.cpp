@@ -2,7 +2,7 @@
 
 #include <fmt/format.h>
 
-#include "studio/link/link_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 
@@ -11,13 +11,14 @@ PanelBinding::PanelBinding(const LightRig& lights) : index_(nothing_), binding_(
 void openOptions(const ModuleCopy& module, Shader& record) {
     const HostShaderInterface shown = module.activateInterface(record.instance());
     if (shown.options == nullptr) {
-        throw LinkError(
-            fmt::format("{}: the module has no settings panel; its settings can be "
-                        "changed with tavora settings --set",
-                        module.file().string()));
+        throw Error(Fault::Module,
+                    fmt::format("{}: the module has no settings panel; its settings can be "
+                                "changed with tavora settings --set",
+                                module.file().string()));
     }
     const HostError error = shown.options(record.instance());
-    if (error != nullptr) throw LinkError(fmt::format("{}: {}", module.file().string(), error));
+    if (error != nullptr)
+        throw Error(Fault::Module, fmt::format("{}: {}", module.file().string(), error));
 }
 
 }  // namespace tavora::studio

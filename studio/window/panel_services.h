@@ -1,7 +1,7 @@
 #pragma once
 
 #include "studio/link/shader.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 #include "studio/services/scene_index.h"
 #include "studio/services/service_binding.h"
 
@@ -21,7 +21,7 @@ class PanelBinding {
 };
 
 /// Opens the options panel of a record and returns when it is closed. Throws
-/// LinkError with the module's text, or when it has no panel. GUI thread, with
+/// Fault::Module with the module's text, or when it has no panel. GUI thread, with
 /// Panels and a PanelBinding in place.
 void openOptions(const ModuleCopy& module, Shader& record);
 

@@ -25,7 +25,7 @@ class PanelSession : public QObject {
 
     /// Opens the panel for a surface and returns when the user closed it. With a
     /// panel open already, that one goes on with the surface instead and the call
-    /// returns at once. Throws LinkError.
+    /// returns at once. Throws Error, Fault::Module.
     void open(Session& session, std::size_t surface);
 
     bool isOpen() const { return session_ != nullptr; }

@@ -5,8 +5,8 @@
 #include <filesystem>
 #include <memory>
 
-#include "studio/app/report.h"
 #include "studio/app/requests.h"
+#include "studio/setup/report.h"
 #include "studio/window/session.h"
 
 class QMenu;

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "studio/app/scene_view.h"
+#include "studio/setup/scene_view.h"
 
 namespace tavora::studio {
 namespace {

@@ -7,7 +7,7 @@
 #include "studio/edit/document.h"
 #include "studio/edit/orbit.h"
 #include "studio/render/live_picture.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 
 namespace tavora::studio {
 

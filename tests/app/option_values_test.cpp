@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "studio/app/picture_area.h"
-#include "studio/app/usage_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -12,7 +12,7 @@ namespace {
 template <class Reader>
 void expectRefused(const Reader& read, std::initializer_list<const char*> texts) {
     for (const char* text : texts)
-        EXPECT_THROW(read("--option", text), UsageError) << text;
+        EXPECT_THROW(read("--option", text), Error) << text;
 }
 
 TEST(OptionValues, AreReadWholeAndInTheirRange) {
@@ -44,7 +44,7 @@ TEST(OptionValues, TellSurfacesFromLooksAndSettings) {
     EXPECT_EQ(lookChoice("noir").surfaces, "");
     EXPECT_EQ(lookChoice("a=b=none.json").surfaces, "a=b");
     for (const char* text : {"=noir", "Body="})
-        EXPECT_THROW(lookChoice(text), UsageError) << text;
+        EXPECT_THROW(lookChoice(text), Error) << text;
     const std::vector<std::string> changes[] = {
         // surfaces, setting and value
         {"Mat.001", "edgeColor", "#ff0000"},
@@ -63,7 +63,7 @@ TEST(OptionValues, TellSurfacesFromLooksAndSettings) {
         EXPECT_EQ((std::vector{change.surfaces, change.setting, change.value}), expected);
     }
     for (const char* text : {"edgeEnable=1", "Body.edgeEnable", ".edgeEnable=1", "Body.=1", ""})
-        EXPECT_THROW(settingChange(text), UsageError) << text;
+        EXPECT_THROW(settingChange(text), Error) << text;
 }
 
 TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
@@ -83,11 +83,11 @@ TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
     request.scale = 0.001;
     EXPECT_EQ(pictureArea(request).width, 1);
     request.scale = 100;
-    EXPECT_THROW(pictureArea(request), UsageError);
+    EXPECT_THROW(pictureArea(request), Error);
     request.cropPixels = PixelBox{100000, 0, 128000, 10};
     EXPECT_EQ(pictureArea(request).width, 128000);
     request.cropPixels->right = 128001;
-    EXPECT_THROW(pictureArea(request), UsageError);
+    EXPECT_THROW(pictureArea(request), Error);
 }
 
 }  // namespace

@@ -1,9 +1,9 @@
-#include "studio/app/shading_plan.h"
+#include "studio/setup/shading_plan.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "studio/app/usage_error.h"
+#include "studio/util/error.h"
 #include "tests/files/temporary_folder.h"
 #include "tests/scene/settings_samples.h"
 
@@ -68,7 +68,7 @@ TEST_F(ShadingPlan, LooksGoOnTheSurfacesTheyNameAndPlainWins) {
     EXPECT_TRUE(planned[3].settings) << "a name before a pattern";
     EXPECT_FALSE(planned[0].settings);
     request_.plain = {"Glas"};
-    EXPECT_THROW(plan(), UsageError);
+    EXPECT_THROW(plan(), Error);
 }
 
 TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {

@@ -142,7 +142,7 @@ TEST_F(DocumentEdits, ARecordShownAndLeftAloneIsNoEdit) {
     EXPECT_FALSE(document->isModified());
     EXPECT_FALSE(document->settings(1).enabled);
     odd.pop_back();
-    EXPECT_THROW(document->setSettings({{0, {true, odd}}}, "damaged"), SceneError);
+    EXPECT_THROW(document->setSettings({{0, {true, odd}}}, "damaged"), Error);
 }
 
 TEST_F(DocumentEdits, ASurfaceWithoutTheShaderWearsANewOne) {
@@ -176,7 +176,7 @@ TEST_F(DocumentEdits, LooksAreWrittenAsTheyAreRead) {
     StateBlock odd = sampleBlock();
     odd[2] = std::nanf("");
     document->setSettings({{0, {true, odd}}}, "odd");
-    EXPECT_THROW(document->saveLook(0, folder_ / "odd.json"), SceneError);
+    EXPECT_THROW(document->saveLook(0, folder_ / "odd.json"), Error);
     EXPECT_FALSE(exists(folder_ / "odd.json"));
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "studio/edit/document.h"
-#include "studio/scene/settings.h"
+#include "studio/scene/settings/settings.h"
 #include "studio/services/directory_info.h"
 #include "tests/scene/gltf_builder.h"
 #include "tests/scene/settings_samples.h"

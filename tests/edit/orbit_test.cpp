@@ -3,7 +3,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "studio/scene/default_view.h"
+#include "studio/scene/framing/default_view.h"
 
 namespace tavora::studio {
 namespace {

@@ -1,7 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "studio/edit/recent_files.h"
-#include "studio/files/output_error.h"
+#include "studio/util/error.h"
 #include "tests/edit/edit_test.h"
 #include "tests/files/small_disk.h"
 
@@ -63,9 +63,9 @@ TEST_F(Saving, AFullDiskCostsNeitherTheFileNorTheWork) {
     const std::string before = bytesOf(file_);
     {
         const SmallDisk full(64);
-        EXPECT_THROW(document->save(), OutputError);
-        EXPECT_THROW(document->saveAs(folder_ / "other.glb"), OutputError);
-        EXPECT_THROW(document->writeRecovery(), OutputError);
+        EXPECT_THROW(document->save(), Error);
+        EXPECT_THROW(document->saveAs(folder_ / "other.glb"), Error);
+        EXPECT_THROW(document->writeRecovery(), Error);
     }
     EXPECT_EQ(bytesOf(file_), before);
     EXPECT_EQ(document->path(), file_);
@@ -86,7 +86,7 @@ TEST_F(Saving, AFileThatChangedOnDiskIsNoticed) {
     writeScene({"Glass", "New", "Body"});
     const std::string theirs = bytesOf(file_);
     EXPECT_TRUE(document->changedOnDisk());
-    EXPECT_THROW(document->save(), SceneError);
+    EXPECT_THROW(document->save(), Error);
     EXPECT_EQ(bytesOf(file_), theirs);
     EXPECT_TRUE(document->isModified());
     document->save(true);
@@ -110,7 +110,7 @@ TEST_F(Saving, SavingAsGoesOnWithTheNewFile) {
     const std::string before = bytesOf(file_);
     edit(*document, 0, 0.5);
     document->writeRecovery();
-    EXPECT_THROW(document->saveAs(folder_ / "other.gltf"), SceneError);
+    EXPECT_THROW(document->saveAs(folder_ / "other.gltf"), Error);
     EXPECT_EQ(document->path(), file_);
     document->saveAs(folder_ / "other.glb");
     EXPECT_FALSE(document->isModified());

@@ -5,8 +5,8 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include "studio/files/output_error.h"
 #include "studio/files/whole_file.h"
+#include "studio/util/error.h"
 #include "tests/files/small_disk.h"
 #include "tests/files/temporary_folder.h"
 
@@ -19,7 +19,7 @@ using Names = std::set<std::string>;
 std::string messageOf(const fs::path& target) {
     try {
         AtomicFile file(target);
-    } catch (const OutputError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return {};
@@ -38,14 +38,14 @@ TEST(AtomicFile, AppearsOnlyAtCommitAndLeavesNothingWithout) {
         std::string written(3, ' ');
         EXPECT_EQ(::pread(descriptor, written.data(), written.size(), 0), 3);
         EXPECT_EQ(written, "new");
-        throw OutputError("no good");
+        throw Error(Fault::Output, "no good");
     };
     {
         AtomicFile file(folder / "a.txt");
         file.write("new", 3);
         EXPECT_EQ(file.temporaryPath().parent_path(), folder.path());
         EXPECT_TRUE(fs::exists(file.temporaryPath()));
-        EXPECT_THROW(file.commit(throwing), OutputError);
+        EXPECT_THROW(file.commit(throwing), Error);
     }
     AtomicFile(folder / "a.txt").write("new", 3);
     EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
@@ -126,10 +126,10 @@ TEST(AtomicFile, FullDiskLeavesTheOldFileAndFailsForGood) {
     {
         const SmallDisk disk(4096);
         AtomicFile file(folder / "a.txt");
-        EXPECT_THROW(file.write(large.data(), large.size()), OutputError);
-        EXPECT_THROW(file.write("x", 1), OutputError);
-        EXPECT_THROW(file.commit(), OutputError);
-        EXPECT_THROW(writeWholeFile(folder / "b.txt", large), OutputError);
+        EXPECT_THROW(file.write(large.data(), large.size()), Error);
+        EXPECT_THROW(file.write("x", 1), Error);
+        EXPECT_THROW(file.commit(), Error);
+        EXPECT_THROW(writeWholeFile(folder / "b.txt", large), Error);
     }
     EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
     EXPECT_EQ(folder.names(), Names{"a.txt"});

@@ -10,9 +10,9 @@
 #include <vector>
 
 #include "host/services/messages.h"
-#include "studio/link/link_error.h"
 #include "studio/link/module_file.h"
 #include "studio/link/shader.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -32,7 +32,7 @@ void* lookUp(const char* service, int) {
 std::string errorOf(const std::filesystem::path& file, const std::string& server = {}) {
     try {
         const ModuleCopy copy(file, lookUp, server);
-    } catch (const LinkError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "no error";
@@ -104,7 +104,7 @@ TEST(Shader, KeepsSettingsInBlocks) {
     Shader shader(copy, nullptr);
     shader.load({42});
     EXPECT_EQ(shader.save(), StateBlock{42});
-    EXPECT_THROW(shader.load({1.5F}), LinkError);
+    EXPECT_THROW(shader.load({1.5F}), Error);
     EXPECT_EQ(shader.save(), StateBlock{42});
     // This module has no pass callbacks.
     shader.beginPass(0, 1, 0.5);
@@ -117,7 +117,7 @@ TEST(Shader, PassesOnWhyNoneCouldBeMade) {
     try {
         const Shader shader(copy, nullptr);
         ADD_FAILURE() << "a shader was made";
-    } catch (const LinkError& error) {
+    } catch (const Error& error) {
         EXPECT_THAT(error.what(), HasSubstr("no more shaders today"));
     }
     unsetenv("FAKE_MODULE_REFUSES");
@@ -145,12 +145,12 @@ TEST(ModuleFile, IsLookedForInOrder) {
     EXPECT_EQ(findModule((folder / "other.so").string()), folder / "other.so");
     EXPECT_EQ(findModule((folder / "second").string()), folder / "second" / "tavora.so");
     // An option is meant: nothing else is looked at.
-    EXPECT_THROW(findModule((folder / "third").string()), LinkError);
+    EXPECT_THROW(findModule((folder / "third").string()), Error);
     fs::remove_all(folder);
     try {
         findModule({});
         ADD_FAILURE() << "found one";
-    } catch (const LinkError& error) {
+    } catch (const Error& error) {
         EXPECT_THAT(error.what(),
                     AllOf(HasSubstr((folder / "first").string()),
                           HasSubstr((folder / "second").string()), HasSubstr("unset it")));
@@ -161,7 +161,7 @@ TEST(ModuleFile, IsLookedForInOrder) {
         setenv("TAVORA_PLUGIN_PATH", none, 1);
         try {
             EXPECT_EQ(findModule({}).parent_path(), beside);
-        } catch (const LinkError& error) {
+        } catch (const Error& error) {
             EXPECT_THAT(error.what(), HasSubstr(beside));
         }
     }

@@ -8,9 +8,9 @@
 
 #include "studio/link/shader.h"
 #include "studio/panels/panels.h"
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 #include "studio/scene/scene.h"
-#include "studio/scene/settings.h"
+#include "studio/scene/settings/settings.h"
 #include "studio/services/scene_index.h"
 #include "studio/services/service_binding.h"
 

@@ -5,10 +5,10 @@
 
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
-#include "studio/scene/color.h"
-#include "studio/scene/settings.h"
-#include "studio/scene/toon_zones.h"
+#include "studio/scene/settings/settings.h"
+#include "studio/scene/settings/toon_zones.h"
 #include "studio/services/registry.h"
+#include "studio/util/color.h"
 #include "tests/render/test_scene.h"
 
 namespace tavora::studio {

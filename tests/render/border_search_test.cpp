@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "studio/render/sample_pattern.h"
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
 
 namespace tavora::studio {
 namespace {

@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 
 #include "studio/render/sample_shader.h"
-#include "studio/scene/mesh_tangents.h"
+#include "studio/scene/mesh/tangents.h"
 #include "tests/render/test_scene.h"
 
 namespace tavora::studio {

@@ -11,8 +11,8 @@
 #include <png.h>
 #include <stdexcept>
 
-#include "studio/files/output_error.h"
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
+#include "studio/util/error.h"
 #include "tests/files/temporary_folder.h"
 
 namespace tavora::studio {
@@ -200,8 +200,8 @@ TEST(PictureFile, NothingIsLeftWhereItCannotBeWritten) {
     const TemporaryFolder folder;
     const Picture picture = pictureOf(std::vector<float>(4, 0), 1, 1);
     fs::create_directory(folder / "a.png");
-    EXPECT_THROW(writePicture(picture, folder / "a.png", {}), OutputError);
-    EXPECT_THROW(checkWritable(folder / "none/a.png"), OutputError);
+    EXPECT_THROW(writePicture(picture, folder / "a.png", {}), Error);
+    EXPECT_THROW(checkWritable(folder / "none/a.png"), Error);
     checkWritable(folder / "b.png");
     EXPECT_EQ(folder.names(), std::set<std::string>{"a.png"});
 }

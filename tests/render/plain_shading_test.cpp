@@ -5,7 +5,7 @@
 #include <gtest/gtest.h>
 #include <numbers>
 
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
 #include "tests/render/test_scene.h"
 
 namespace tavora::studio {

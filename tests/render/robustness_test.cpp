@@ -11,7 +11,7 @@
 #include "host/handler.h"
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
-#include "studio/scene/settings.h"
+#include "studio/scene/settings/settings.h"
 #include "studio/services/registry.h"
 #include "tests/render/probe.h"
 #include "tests/render/test_scene.h"

@@ -8,9 +8,9 @@
 #include <string>
 
 #include "host/handler.h"
-#include "studio/link/link_error.h"
-#include "studio/scene/color.h"
 #include "studio/services/messages.h"
+#include "studio/util/color.h"
+#include "studio/util/error.h"
 #include "tests/render/probe.h"
 #include "tests/render/test_scene.h"
 
@@ -264,7 +264,7 @@ TEST(Modules, MustBeThereOnlyWhenAShaderNeedsThem) {
     QuadScene test;
     EXPECT_THROW(renderWith(test, frontCamera({0, 0, 5}, 0.5), squareOptions(1), "/no/module.so",
                             probe(kPaint)),
-                 LinkError);
+                 Error);
     renderPlain(test, frontCamera({0, 0, 5}, 0.5), squareOptions(1));
 }
 

@@ -3,8 +3,8 @@
 #include <cmath>
 #include <numbers>
 
-#include "studio/scene/color.h"
-#include "studio/scene/soft_light.h"
+#include "studio/scene/lighting/soft_light.h"
+#include "studio/util/color.h"
 
 namespace tavora::studio {
 

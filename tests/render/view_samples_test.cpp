@@ -7,7 +7,7 @@
 
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
-#include "studio/scene/settings.h"
+#include "studio/scene/settings/settings.h"
 #include "studio/services/registry.h"
 #include "studio/services/service_binding.h"
 #include "tests/render/test_scene.h"

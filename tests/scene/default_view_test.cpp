@@ -1,6 +1,6 @@
 // The camera of a file that has none.
 
-#include "studio/scene/default_view.h"
+#include "studio/scene/framing/default_view.h"
 
 #include <cmath>
 #include <gtest/gtest.h>

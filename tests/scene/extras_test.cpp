@@ -1,10 +1,10 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "studio/scene/gltf_container.h"
-#include "studio/scene/gltf_settings.h"
-#include "studio/scene/settings.h"
-#include "studio/scene/shader_extras.h"
+#include "studio/scene/gltf/container.h"
+#include "studio/scene/gltf/settings_writer.h"
+#include "studio/scene/settings/settings.h"
+#include "studio/scene/settings/shader_extras.h"
 #include "tests/scene/gltf_builder.h"
 #include "tests/scene/settings_samples.h"
 
@@ -147,7 +147,7 @@ TEST(GltfSettings, SayWhatCannotBeStored) {
     EXPECT_THAT(store(R"({"materials":[{"extras":5}]})", "b.gltf", 0), HasSubstr("material 0: "));
     EXPECT_THAT(store("[", "b.gltf", 0), HasSubstr("a.gltf:1:2: not valid JSON"));
     EXPECT_THAT(store("5", "b.gltf", 0), HasSubstr("no glTF document"));
-    EXPECT_THROW(writeGltfSettings(folder / "a.gltf", folder / "none/b.gltf", {}), SceneError);
+    EXPECT_THROW(writeGltfSettings(folder / "a.gltf", folder / "none/b.gltf", {}), Error);
 }
 
 }  // namespace

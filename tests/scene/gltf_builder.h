@@ -8,8 +8,8 @@
 
 #include <nlohmann/json.hpp>
 
-#include "studio/scene/gltf_reader.h"
-#include "studio/scene/scene_error.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/util/error.h"
 #include "tests/files/temporary_folder.h"
 
 namespace tavora::studio {
@@ -152,11 +152,11 @@ inline const Mesh& firstMesh(const Scene& scene) {
     return *scene.objects.at(0)->parts.at(0).mesh;
 }
 
-/// The text of the SceneError that reading gives, or "" when it reads.
+/// The text of the Fault::Scene that reading gives, or "" when it reads.
 inline std::string refusalOf(const std::filesystem::path& file) {
     try {
         readGltf(file);
-    } catch (const SceneError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "";

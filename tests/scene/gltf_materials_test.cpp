@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "studio/scene/gltf_uri.h"
+#include "studio/scene/gltf/uri.h"
 #include "tests/scene/gltf_builder.h"
 
 namespace tavora::studio {

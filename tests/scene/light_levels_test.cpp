@@ -1,12 +1,12 @@
 // Physical light units to the levels that a gradient wants.
 
-#include "studio/scene/light_levels.h"
+#include "studio/scene/lighting/light_levels.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "studio/scene/color.h"
-#include "studio/scene/default_view.h"
+#include "studio/scene/framing/default_view.h"
+#include "studio/util/color.h"
 #include "tests/scene/made_scene.h"
 
 namespace tavora::studio {

@@ -1,9 +1,9 @@
-#include "studio/scene/look.h"
+#include "studio/scene/settings/look.h"
 
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "studio/scene/settings.h"
+#include "studio/scene/settings/settings.h"
 #include "tests/files/temporary_folder.h"
 #include "tests/scene/settings_samples.h"
 

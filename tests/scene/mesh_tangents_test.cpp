@@ -1,10 +1,10 @@
 // Tangents that are made for normal maps.
 
-#include "studio/scene/mesh_tangents.h"
-
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
+
+#include "studio/scene/mesh/tangents.h"
 
 namespace tavora::studio {
 namespace {

@@ -4,7 +4,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "studio/scene/gltf_reader.h"
+#include "studio/scene/gltf/reader.h"
 #include "tests/scene/sound_scene.h"
 
 namespace tavora::studio {

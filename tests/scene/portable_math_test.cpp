@@ -1,13 +1,13 @@
 // Functions of our own beside those of the C library.
 
-#include "studio/scene/portable_math.h"
+#include "studio/util/portable_math.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
 #include <random>
 
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
 
 namespace tavora::studio {
 namespace {

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "studio/link/state_block.h"
-#include "studio/scene/scene_error.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 
@@ -40,12 +40,12 @@ inline StateBlock sampleBlock() {
     return sampleBlock(zones, 3, {"Key", "F\xc3\xbcll"});
 }
 
-/// The message of the SceneError that `body` throws; empty when it throws none.
+/// The message of the Fault::Scene that `body` throws; empty when it throws none.
 template <class Body>
 std::string refusal(const Body& body) {
     try {
         body();
-    } catch (const SceneError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return {};

@@ -1,4 +1,4 @@
-#include "studio/scene/settings.h"
+#include "studio/scene/settings/settings.h"
 
 #include <bit>
 #include <cmath>

@@ -6,9 +6,9 @@
 #include <png.h>
 #include <zlib.h>
 
-#include "studio/scene/gltf_uri.h"
-#include "studio/scene/image_decoder.h"
-#include "studio/scene/scene_error.h"
+#include "studio/scene/gltf/uri.h"
+#include "studio/scene/image/image_decoder.h"
+#include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
@@ -70,7 +70,7 @@ const Bytes kWebp = *dataOfUri(
 std::string refusal(const Bytes& file) {
     try {
         decodeImage(file, "picture");
-    } catch (const SceneError& error) {
+    } catch (const Error& error) {
         return error.what();
     }
     return "";

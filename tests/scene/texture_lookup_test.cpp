@@ -1,11 +1,11 @@
 // Looking images up: wrapping, filters, averaging over a footprint, transforms.
 
-#include "studio/scene/texture_lookup.h"
+#include "studio/scene/image/texture_lookup.h"
 
 #include <cmath>
 #include <gtest/gtest.h>
 
-#include "studio/scene/color.h"
+#include "studio/util/color.h"
 
 namespace tavora::studio {
 namespace {

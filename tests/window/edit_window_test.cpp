@@ -13,7 +13,7 @@
 #include <map>
 #include <unistd.h>
 
-#include "studio/scene/look.h"
+#include "studio/scene/settings/look.h"
 #include "studio/window/look_thumbnails.h"
 #include "studio/window/panel_place.h"
 #include "studio/window/window_memory.h"

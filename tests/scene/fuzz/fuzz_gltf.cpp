@@ -9,8 +9,8 @@
 #include <string_view>
 #include <unistd.h>
 
-#include "studio/scene/gltf_reader.h"
-#include "studio/scene/scene_error.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/util/error.h"
 #include "tests/scene/sound_scene.h"
 
 using namespace tavora::studio;
@@ -37,7 +37,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         .write(reinterpret_cast<const char*>(data), static_cast<std::streamsize>(size));
     try {
         require(faultOf(readGltf(file)).empty());
-    } catch (const SceneError& error) {
+    } catch (const Error& error) {
         require(std::string_view(error.what()).find('\n') == std::string_view::npos);
     }
     return 0;

@@ -5,9 +5,9 @@
 #include <cstdlib>
 #include <string_view>
 
-#include "studio/scene/look.h"
-#include "studio/scene/scene_error.h"
-#include "studio/scene/settings.h"
+#include "studio/scene/settings/look.h"
+#include "studio/scene/settings/settings.h"
+#include "studio/util/error.h"
 #include "tests/scene/settings_samples.h"
 
 using namespace tavora::studio;
@@ -19,7 +19,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
         applySettings(settings, look.settings, "look.json");
         settleLightList(settings, {});
         if (settingsOf(blockOf(settings)) != settings) std::abort();
-    } catch (const SceneError& error) {
+    } catch (const Error& error) {
         if (std::string_view(error.what()).find('\n') != std::string_view::npos) std::abort();
     }
     return 0;

@@ -1,0 +1,262 @@
+#include "studio/scene/gltf/accessor.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <fmt/format.h>
+
+namespace tavora::studio {
+namespace {
+
+// Elements without data that any file may have, besides one for each of its bytes.
+constexpr std::size_t kZerosOfSmallFiles = 65536;
+
+/// How one accessor's elements lie in memory.
+struct Layout {
+    int index = 0;
+    int componentType = 0;
+    std::size_t componentSize = 0;
+    std::size_t components = 0;
+    bool normalized = false;
+
+    std::size_t elementSize() const { return componentSize * components; }
+};
+
+Layout layoutOf(const GltfSource& source, int index, const tinygltf::Accessor& accessor) {
+    Layout layout;
+    layout.index = index;
+    layout.componentType = accessor.componentType;
+    const int size =
+        tinygltf::GetComponentSizeInBytes(static_cast<std::uint32_t>(accessor.componentType));
+    const int components =
+        tinygltf::GetNumComponentsInType(static_cast<std::uint32_t>(accessor.type));
+    const bool known = size >= 1 && size <= 4 && components >= 1 &&
+                       accessor.componentType != TINYGLTF_COMPONENT_TYPE_INT;
+    if (!known) {
+        source.fail(fmt::format("accessor {} is of an unknown type: export the file again", index));
+    }
+    layout.componentSize = static_cast<std::size_t>(size);
+    layout.components = static_cast<std::size_t>(components);
+    layout.normalized = accessor.normalized;
+    return layout;
+}
+
+/// Start of `count` elements from `offset` in a view; throws when they do not fit.
+const std::uint8_t* elementsIn(const GltfSource& source, const Layout& layout,
+                               const ByteRange& view, std::size_t offset, std::size_t count,
+                               std::size_t stride) {
+    const std::size_t size = layout.elementSize();
+    const bool fits = count == 0 || (offset <= view.size && size <= view.size - offset &&
+                                     (count - 1) <= (view.size - offset - size) / stride);
+    if (!fits) {
+        source.fail(fmt::format(
+            "accessor {} reads {} elements past the end of its buffer view: export the file again",
+            layout.index, count));
+    }
+    return view.data + offset;
+}
+
+template <typename T>
+double normalizedTo(T value) {
+    if constexpr (std::is_floating_point_v<T>) {
+        return static_cast<double>(value);
+    } else {
+        const double scaled =
+            static_cast<double>(value) / static_cast<double>(std::numeric_limits<T>::max());
+        return std::max(scaled, -1.0);
+    }
+}
+
+template <typename T>
+double valueAt(const std::uint8_t* at, bool normalized) {
+    T value;
+    std::memcpy(&value, at, sizeof value);
+    return normalized ? normalizedTo(value) : static_cast<double>(value);
+}
+
+double component(const Layout& layout, const std::uint8_t* at) {
+    switch (layout.componentType) {
+        case TINYGLTF_COMPONENT_TYPE_BYTE:
+            return valueAt<std::int8_t>(at, layout.normalized);
+        case TINYGLTF_COMPONENT_TYPE_UNSIGNED_BYTE:
+            return valueAt<std::uint8_t>(at, layout.normalized);
+        case TINYGLTF_COMPONENT_TYPE_SHORT:
+            return valueAt<std::int16_t>(at, layout.normalized);
+        case TINYGLTF_COMPONENT_TYPE_UNSIGNED_SHORT:
+            return valueAt<std::uint16_t>(at, layout.normalized);
+        case TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT:
+            return valueAt<std::uint32_t>(at, layout.normalized);
+        default:
+            return valueAt<float>(at, false);
+    }
+}
+
+template <typename T>
+void copyElement(const Layout& layout, const std::uint8_t* from, T* to) {
+    if (std::is_same_v<T, float> && layout.componentType == TINYGLTF_COMPONENT_TYPE_FLOAT) {
+        std::memcpy(to, from, layout.elementSize());
+        return;
+    }
+    for (std::size_t c = 0; c < layout.components; ++c) {
+        to[c] = static_cast<T>(component(layout, from + c * layout.componentSize));
+    }
+}
+
+template <typename T>
+void putSparse(const GltfSource& source, const Layout& layout, const tinygltf::Accessor& accessor,
+               std::vector<T>& values) {
+    const auto count = static_cast<std::size_t>(std::max(accessor.sparse.count, 0));
+    tinygltf::Accessor indexAccessor;
+    indexAccessor.componentType = accessor.sparse.indices.componentType;
+    indexAccessor.type = TINYGLTF_TYPE_SCALAR;
+    Layout indexLayout = layoutOf(source, layout.index, indexAccessor);
+    const ByteRange indexView = viewBytes(source, accessor.sparse.indices.bufferView);
+    const ByteRange valueView = viewBytes(source, accessor.sparse.values.bufferView);
+    const std::uint8_t* indices =
+        elementsIn(source, indexLayout, indexView,
+                   static_cast<std::size_t>(std::max(accessor.sparse.indices.byteOffset, 0)), count,
+                   indexLayout.elementSize());
+    const std::uint8_t* replacements =
+        elementsIn(source, layout, valueView,
+                   static_cast<std::size_t>(std::max(accessor.sparse.values.byteOffset, 0)), count,
+                   layout.elementSize());
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto target = static_cast<std::size_t>(
+            component(indexLayout, indices + i * indexLayout.elementSize()));
+        if (target >= accessor.count) {
+            source.fail(fmt::format("accessor {} replaces element {} of {}: export the file again",
+                                    layout.index, target, accessor.count));
+        }
+        copyElement(layout, replacements + i * layout.elementSize(),
+                    &values[target * layout.components]);
+    }
+}
+
+/// Where the elements of an accessor start; null when it has no buffer view,
+/// which stands for zeros. Throws unless all of them are there.
+const std::uint8_t* elementsOf(const GltfSource& source, const Layout& layout,
+                               const tinygltf::Accessor& accessor, std::size_t& stride) {
+    if (accessor.bufferView >= 0) {
+        const ByteRange view = viewBytes(source, accessor.bufferView);
+        stride = view.stride != 0 ? view.stride : layout.elementSize();
+        return elementsIn(source, layout, view, accessor.byteOffset, accessor.count, stride);
+    }
+    std::size_t bytes = kZerosOfSmallFiles;
+    for (const auto& buffer : source.buffers)
+        bytes += buffer.size();
+    if (accessor.count > bytes) {
+        source.fail(
+            fmt::format("accessor {} claims {} elements without data: export the file again",
+                        layout.index, accessor.count));
+    }
+    return nullptr;
+}
+
+template <typename T>
+std::vector<T> readElements(const GltfSource& source, const Layout& layout,
+                            const tinygltf::Accessor& accessor, const VertexPicks& picks) {
+    std::size_t stride = 0;
+    const std::uint8_t* from = elementsOf(source, layout, accessor, stride);
+    std::vector<T> values(picks.size() * layout.components);
+    if (from == nullptr) return values;
+    for (std::size_t i = 0; i < picks.size(); ++i)
+        copyElement(layout, from + picks[i] * stride, &values[i * layout.components]);
+    return values;
+}
+
+/// All elements, sparse ones put in.
+template <typename T>
+std::vector<T> readAll(const GltfSource& source, const Layout& layout,
+                       const tinygltf::Accessor& accessor) {
+    auto values = readElements<T>(source, layout, accessor, VertexPicks(accessor.count));
+    if (accessor.sparse.isSparse) putSparse(source, layout, accessor, values);
+    return values;
+}
+
+void checkFinite(const GltfSource& source, const FloatTable& table, int index) {
+    const auto odd = std::find_if_not(table.values.begin(), table.values.end(),
+                                      [](float v) { return std::isfinite(v); });
+    if (odd == table.values.end()) return;
+    const auto at = static_cast<std::size_t>(odd - table.values.begin());
+    source.fail(
+        fmt::format("a value of accessor {} is not a finite number (element {} of those "
+                    "used): repair the model",
+                    index, at / static_cast<std::size_t>(table.components)));
+}
+
+}  // namespace
+
+void failMissing(const GltfSource& source, const char* kind, int index, std::size_t count) {
+    source.fail(fmt::format("{} {} does not exist (the file has {}): export the file again", kind,
+                            index, count));
+}
+
+ByteRange viewBytes(const GltfSource& source, int index) {
+    const tinygltf::BufferView& view =
+        element(source, source.model.bufferViews, index, "buffer view");
+    const std::vector<std::uint8_t>& buffer =
+        element(source, source.buffers, view.buffer, "buffer");
+    if (view.byteOffset > buffer.size() || view.byteLength > buffer.size() - view.byteOffset) {
+        source.fail(
+            fmt::format("buffer view {} reaches past the end of buffer {}: export the file again",
+                        index, view.buffer));
+    }
+    return {buffer.data() + view.byteOffset, view.byteLength, view.byteStride};
+}
+
+FloatTable readFloats(const GltfSource& source, int index, int least, int most,
+                      const VertexPicks* picks) {
+    const tinygltf::Accessor& accessor = element(source, source.model.accessors, index, "accessor");
+    const Layout layout = layoutOf(source, index, accessor);
+    const int components = static_cast<int>(layout.components);
+    if (components < least || components > most) {
+        source.fail(
+            fmt::format("accessor {} has {} components where {} are needed: export the file again",
+                        index, components, least));
+    }
+    FloatTable table{accessor.count, components, {}};
+    if (picks == nullptr || accessor.sparse.isSparse) {
+        table.values = readAll<float>(source, layout, accessor);
+        if (picks != nullptr) table = picked(table, *picks);
+    } else {
+        table.count = picks->size();
+        table.values = readElements<float>(source, layout, accessor, *picks);
+    }
+    checkFinite(source, table, index);
+    return table;
+}
+
+std::vector<std::uint32_t> readIntegers(const GltfSource& source, int index) {
+    const tinygltf::Accessor& accessor = element(source, source.model.accessors, index, "accessor");
+    Layout layout = layoutOf(source, index, accessor);
+    layout.normalized = false;
+    const bool integer = layout.componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_BYTE ||
+                         layout.componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_SHORT ||
+                         layout.componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT;
+    if (!integer || layout.components != 1) {
+        source.fail(fmt::format(
+            "accessor {} does not hold single unsigned integers: export the file again", index));
+    }
+    return readAll<std::uint32_t>(source, layout, accessor);
+}
+
+std::size_t elementCount(const GltfSource& source, int index) {
+    return element(source, source.model.accessors, index, "accessor").count;
+}
+
+void checkBacked(const GltfSource& source, int index) {
+    const tinygltf::Accessor& accessor = element(source, source.model.accessors, index, "accessor");
+    std::size_t stride = 0;
+    elementsOf(source, layoutOf(source, index, accessor), accessor, stride);
+}
+
+FloatTable picked(const FloatTable& table, const VertexPicks& picks) {
+    const auto components = static_cast<std::size_t>(table.components);
+    FloatTable result{picks.size(), table.components, {}};
+    result.values.resize(result.count * components);
+    for (std::size_t i = 0; i < result.count; ++i)
+        std::copy_n(table.at(picks[i]), components, &result.values[i * components]);
+    return result;
+}
+
+}  // namespace tavora::studio

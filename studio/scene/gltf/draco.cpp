@@ -1,0 +1,224 @@
+#include "studio/scene/gltf/draco.h"
+
+#include <algorithm>
+#include <cmath>
+#include <draco/compression/decode.h>
+#include <fmt/format.h>
+#include <memory>
+#include <optional>
+
+namespace tavora::studio {
+namespace {
+
+constexpr const char* kExtension = "KHR_draco_mesh_compression";
+
+// Triangles that a byte of compressed data may stand for; flat and repetitive
+// meshes come to a few dozen.
+constexpr std::uint64_t kMostPerByte = 256;
+constexpr std::uint64_t kFreeTriangles = 4096;
+
+/// Reads the counts at the start of compressed data, because the decoder
+/// fills memory as they say before it looks at the rest.
+class CountReader {
+  public:
+    explicit CountReader(const ByteRange& bytes) : bytes_(bytes) {}
+
+    struct Counts {
+        std::uint64_t triangles;
+        std::uint64_t vertices;
+    };
+
+    /// None when the data does not start as it should.
+    std::optional<Counts> read() {
+        constexpr std::size_t kMagic = 5;
+        at_ = kMagic;
+        const unsigned major = byte();
+        const unsigned version = major * 0x100U + byte();
+        byte();  // kind of geometry
+        const bool byEdges = byte() == 1;
+        const unsigned flags = byte() + 0x100U * byte();
+        if ((flags & 0x8000U) != 0) skipMetadata();
+        if (byEdges) byte();  // how it walks
+        const bool plain = version < 0x202U;
+        const std::uint64_t first = plain ? word() : varint();
+        const std::uint64_t second = plain ? word() : varint();
+        if (!good_) return std::nullopt;
+        return byEdges ? Counts{second, first} : Counts{first, second};
+    }
+
+  private:
+    unsigned byte() {
+        if (at_ >= bytes_.size) good_ = false;
+        return good_ ? bytes_.data[at_++] : 0U;
+    }
+
+    std::uint64_t word() {
+        std::uint64_t value = 0;
+        for (unsigned i = 0; i < 4; ++i)
+            value |= std::uint64_t{byte()} << (8 * i);
+        return value;
+    }
+
+    std::uint64_t varint() {
+        std::uint64_t value = 0;
+        for (unsigned shift = 0; shift < 63; shift += 7) {
+            const unsigned b = byte();
+            value |= std::uint64_t{b & 0x7fU} << shift;
+            if ((b & 0x80U) == 0) return value;
+        }
+        good_ = false;
+        return 0;
+    }
+
+    void skip(std::uint64_t count) {
+        if (count > bytes_.size - std::min(at_, bytes_.size)) good_ = false;
+        if (good_) at_ += static_cast<std::size_t>(count);
+    }
+
+    void skipEntries() {
+        for (std::uint64_t left = varint(); left > 0 && good_; --left) {
+            skip(byte());
+            skip(varint());
+        }
+    }
+
+    /// Names and values with more of them inside, laid out one after another.
+    void skipTree() {
+        skipEntries();
+        for (std::uint64_t left = varint(); left > 0 && good_; --left) {
+            skip(byte());
+            skipEntries();
+            left += std::min<std::uint64_t>(varint(), bytes_.size);
+        }
+    }
+
+    void skipMetadata() {
+        for (std::uint64_t left = varint(); left > 0 && good_; --left) {
+            varint();
+            skipTree();
+        }
+        skipTree();
+    }
+
+    ByteRange bytes_;
+    std::size_t at_ = 0;
+    bool good_ = true;
+};
+
+/// Decodes one primitive.
+class Decoding {
+  public:
+    Decoding(const GltfSource& source, const tinygltf::Primitive& primitive,
+             const std::string& where)
+        : source_(source),
+          primitive_(primitive),
+          where_(where),
+          extension_(primitive.extensions.at(kExtension)) {}
+
+    DracoPrimitive run() {
+        decode();
+        DracoPrimitive result;
+        readIndices(result);
+        const tinygltf::Value& attributes = extension_.Get("attributes");
+        for (const std::string& name : attributes.Keys())
+            result.attributes[name] = readAttribute(name, attributes.Get(name).GetNumberAsInt());
+        return result;
+    }
+
+  private:
+    void decode() {
+        const ByteRange bytes = viewBytes(source_, dracoView(primitive_));
+        checkCounts(bytes);
+        draco::DecoderBuffer buffer;
+        buffer.Init(reinterpret_cast<const char*>(bytes.data), bytes.size);
+        draco::Decoder decoder;
+        auto decoded = decoder.DecodeMeshFromBuffer(&buffer);
+        if (!decoded.ok() || decoded.value() == nullptr) {
+            fail(fmt::format("the compressed mesh is damaged ({})",
+                             decoded.status().error_msg_string()));
+        }
+        mesh_ = std::move(decoded).value();
+    }
+
+    void checkCounts(const ByteRange& bytes) const {
+        const auto counts = CountReader(bytes).read();
+        if (!counts) fail("the compressed mesh is damaged (no header)");
+        const std::uint64_t most = kFreeTriangles + kMostPerByte * bytes.size;
+        if (counts->triangles > most || counts->vertices > most) {
+            fail(fmt::format("the compressed mesh claims {} triangles and {} vertices in {} bytes",
+                             counts->triangles, counts->vertices, bytes.size));
+        }
+    }
+
+    void readIndices(DracoPrimitive& result) const {
+        result.indices.reserve(std::size_t{mesh_->num_faces()} * 3);
+        for (draco::FaceIndex f(0); f < mesh_->num_faces(); ++f) {
+            for (const draco::PointIndex& point : mesh_->face(f)) {
+                if (point.value() >= mesh_->num_points()) fail("a compressed index is damaged");
+                result.indices.push_back(point.value());
+            }
+        }
+    }
+
+    FloatTable readAttribute(const std::string& name, int id) const {
+        const int number =
+            id < 0 ? -1 : mesh_->GetAttributeIdByUniqueId(static_cast<std::uint32_t>(id));
+        draco::PointAttribute* attribute = number < 0 ? nullptr : mesh_->attribute(number);
+        if (attribute == nullptr || attribute->num_components() > 4) {
+            fail(fmt::format("the compressed attribute {} is missing", name));
+        }
+        // What says whether integers are fractions is the file, not the data in it.
+        const auto accessor = primitive_.attributes.find(name);
+        if (accessor != primitive_.attributes.end()) {
+            attribute->set_normalized(
+                source_.model.accessors.at(static_cast<std::size_t>(accessor->second)).normalized);
+        }
+        FloatTable table;
+        table.count = mesh_->num_points();
+        table.components = attribute->num_components();
+        const auto components = static_cast<std::size_t>(table.components);
+        table.values.resize(table.count * components);
+        for (draco::PointIndex i(0); i < mesh_->num_points(); ++i)
+            readValue(*attribute, i, name, &table.values[i.value() * components]);
+        return table;
+    }
+
+    void readValue(const draco::PointAttribute& attribute, draco::PointIndex point,
+                   const std::string& name, float* to) const {
+        const auto components = static_cast<std::int8_t>(attribute.num_components());
+        bool good = attribute.is_mapping_identity() || point.value() < attribute.indices_map_size();
+        good = good && attribute.ConvertValue<float>(attribute.mapped_index(point), components, to);
+        for (int c = 0; c < components; ++c)
+            good = good && std::isfinite(to[c]);
+        if (!good) fail(fmt::format("the compressed attribute {} is damaged", name));
+    }
+
+    [[noreturn]] void fail(const std::string& what) const {
+        source_.fail(where_ + ": " + what + ": export the file again");
+    }
+
+    const GltfSource& source_;
+    const tinygltf::Primitive& primitive_;
+    const std::string& where_;
+    const tinygltf::Value& extension_;
+    std::unique_ptr<draco::Mesh> mesh_;
+};
+
+}  // namespace
+
+bool isDraco(const tinygltf::Primitive& primitive) {
+    return primitive.extensions.count(kExtension) != 0;
+}
+
+int dracoView(const tinygltf::Primitive& primitive) {
+    return isDraco(primitive)
+               ? primitive.extensions.at(kExtension).Get("bufferView").GetNumberAsInt()
+               : -1;
+}
+
+DracoPrimitive readDraco(const GltfSource& source, const tinygltf::Primitive& primitive,
+                         const std::string& where) {
+    return Decoding(source, primitive, where).run();
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <ImathMatrix.h>
+#include <string>
+#include <vector>
+
+#include "studio/scene/gltf/source.h"
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// Light `index` of the file on node `node`, placed by `toWorld`. Its name is
+/// as stored and may be empty. Throws Error.
+Light readLight(const GltfSource& source, int index, int node, const Imath::M44d& toWorld,
+                std::vector<std::string>& warnings);
+
+/// Camera `index` of the file, placed by `toWorld`. Its name is as stored and
+/// may be empty. Throws Error.
+Camera readCamera(const GltfSource& source, int index, const Imath::M44d& toWorld);
+
+}  // namespace tavora::studio

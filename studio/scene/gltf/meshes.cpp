@@ -1,0 +1,87 @@
+#include "studio/scene/gltf/meshes.h"
+
+#include <fmt/format.h>
+
+#include "studio/scene/gltf/accessor.h"
+#include "studio/scene/gltf/draco.h"
+#include "studio/util/text.h"
+
+namespace tavora::studio {
+namespace {
+
+// A file whose accessors overlap could unpack to any size. Honest ones stay far
+// below: an index takes at least a byte, compressed ones a tenth of that.
+constexpr std::size_t kMostValuesPerByte = 32;
+constexpr std::size_t kValuesOfSmallFiles = std::size_t{1} << 22;
+
+bool isTriangles(int mode) {
+    return mode == TINYGLTF_MODE_TRIANGLES || mode == TINYGLTF_MODE_TRIANGLE_STRIP ||
+           mode == TINYGLTF_MODE_TRIANGLE_FAN;
+}
+
+MaterialNeeds needsOf(const std::vector<Surface>& surfaces, int material) {
+    MaterialNeeds needs;
+    if (material < 0) return needs;
+    const Surface& surface = surfaces[static_cast<std::size_t>(material)];
+    if (surface.normalMap) needs.normalTexture = surface.normalTexture;
+    needs.colors = !surface.toon;
+    return needs;
+}
+
+}  // namespace
+
+const std::vector<SourcePrimitive>& MeshStore::primitives(int index, Scene& scene) {
+    const auto known = meshes_.find(index);
+    if (known != meshes_.end()) return known->second;
+    return meshes_.emplace(index, read(index, scene)).first->second;
+}
+
+std::vector<SourcePrimitive> MeshStore::read(int index, Scene& scene) {
+    const tinygltf::Mesh& mesh = element(source_, source_.model.meshes, index, "mesh");
+    std::vector<SourcePrimitive> result;
+    for (std::size_t i = 0; i < mesh.primitives.size(); ++i) {
+        const tinygltf::Primitive& primitive = mesh.primitives[i];
+        const std::string where = fmt::format("mesh {} \"{}\", primitive {}", index, mesh.name, i);
+        if (!isTriangles(primitive.mode)) {
+            scene.warnings.push_back(oneLine(
+                fmt::format("{}: {}: points and lines are not drawn", source_.path, where)));
+            continue;
+        }
+        const MaterialNeeds needs = needsOf(scene.surfaces, primitive.material);
+        result.push_back({geometryOf(primitive, needs, mesh.name, where), primitive.material});
+    }
+    return result;
+}
+
+std::shared_ptr<const PrimitiveGeometry> MeshStore::geometryOf(const tinygltf::Primitive& primitive,
+                                                               const MaterialNeeds& needs,
+                                                               const std::string& name,
+                                                               const std::string& where) {
+    const Key key{primitive.attributes, primitive.indices,    primitive.mode,
+                  primitive.targets,    dracoView(primitive), needs.key()};
+    std::shared_ptr<const PrimitiveGeometry>& geometry = geometries_[key];
+    if (geometry == nullptr) {
+        auto fresh =
+            std::make_shared<PrimitiveGeometry>(readPrimitive(source_, primitive, needs, where));
+        fresh->mesh.name = name;
+        spend(*fresh, where);
+        geometry = std::move(fresh);
+    }
+    return geometry;
+}
+
+std::size_t MeshStore::mostValues() const {
+    std::size_t bytes = 0;
+    for (const auto& buffer : source_.buffers)
+        bytes += buffer.size();
+    return kMostValuesPerByte * bytes + kValuesOfSmallFiles;
+}
+
+void MeshStore::spend(const PrimitiveGeometry& geometry, const std::string& where) {
+    values_ += geometry.mesh.positions.size() * (1 + geometry.targets.size()) +
+               geometry.mesh.triangles.size();
+    if (values_ <= mostValues()) return;
+    source_.fail(where + ": unpacks to far more than the file holds: export the file again");
+}
+
+}  // namespace tavora::studio

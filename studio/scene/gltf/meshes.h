@@ -1,0 +1,53 @@
+#pragma once
+
+#include <map>
+#include <memory>
+#include <string>
+#include <tuple>
+#include <vector>
+
+#include "studio/scene/gltf/primitive.h"
+#include "studio/scene/gltf/source.h"
+
+namespace tavora::studio {
+
+/// A primitive of a mesh with its material.
+struct SourcePrimitive {
+    std::shared_ptr<const PrimitiveGeometry> geometry;
+    int material = -1;
+};
+
+/// The meshes of a file, each read when first asked for. Primitives made of the
+/// same accessors share their geometry. One thread at a time.
+class MeshStore {
+  public:
+    /// `source` must outlive the store.
+    explicit MeshStore(const GltfSource& source) : source_(source) {}
+
+    /// All triangle primitives of mesh `index`, for `scene`, which has the file's
+    /// surfaces, the same in every call; others are left out with a line in its
+    /// warnings. Valid as long as the store. Throws Error.
+    const std::vector<SourcePrimitive>& primitives(int index, Scene& scene);
+
+    /// How many vertices and triangles the file's bytes may stand for.
+    std::size_t mostValues() const;
+
+  private:
+    using Attributes = std::map<std::string, int>;
+    using Needs = decltype(MaterialNeeds().key());
+    using Key = std::tuple<Attributes, int, int, std::vector<Attributes>, int, Needs>;
+
+    std::vector<SourcePrimitive> read(int index, Scene& scene);
+    std::shared_ptr<const PrimitiveGeometry> geometryOf(const tinygltf::Primitive& primitive,
+                                                        const MaterialNeeds& needs,
+                                                        const std::string& name,
+                                                        const std::string& where);
+    void spend(const PrimitiveGeometry& geometry, const std::string& where);
+
+    const GltfSource& source_;
+    std::map<int, std::vector<SourcePrimitive>> meshes_;
+    std::map<Key, std::shared_ptr<const PrimitiveGeometry>> geometries_;
+    std::size_t values_ = 0;  // unpacked so far
+};
+
+}  // namespace tavora::studio

@@ -1,0 +1,215 @@
+#include "studio/scene/gltf/nodes.h"
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <fmt/format.h>
+
+#include "studio/scene/gltf/accessor.h"
+
+namespace tavora::studio {
+namespace {
+
+using Imath::M44d;
+using Imath::V3d;
+
+constexpr double kFlat = 1e-12;      // determinant over the product of its axes
+constexpr double kThickness = 1e-6;  // what a squeezed axis keeps, of the longest
+
+bool finite(const M44d& m) {
+    for (int r = 0; r < 4; ++r) {
+        for (int c = 0; c < 4; ++c) {
+            if (!std::isfinite(m[r][c])) return false;
+        }
+    }
+    return true;
+}
+
+V3d vectorOr(const std::vector<double>& values, const V3d& otherwise) {
+    return values.size() == 3 ? V3d(values[0], values[1], values[2]) : otherwise;
+}
+
+NodePose poseOf(const tinygltf::Node& node) {
+    NodePose pose;
+    if (node.matrix.size() == 16) {
+        pose.matrix.emplace();
+        for (int i = 0; i < 16; ++i)
+            (*pose.matrix)[i / 4][i % 4] = node.matrix[static_cast<std::size_t>(i)];
+    }
+    pose.scale = vectorOr(node.scale, V3d(1));
+    pose.translation = vectorOr(node.translation, V3d(0));
+    if (node.rotation.size() == 4) {
+        pose.rotation = {node.rotation[3], node.rotation[0], node.rotation[1], node.rotation[2]};
+    }
+    pose.weights = node.weights;
+    return pose;
+}
+
+/// Walks trees of nodes, parents first; without recursion, so that a chain of
+/// any length will do.
+class Walker {
+  public:
+    Walker(const GltfSource& source, const std::vector<NodePose>& poses)
+        : source_(source), poses_(poses), seen_(poses.size(), false) {
+        placed_.toWorld.resize(poses.size());
+    }
+
+    PlacedNodes place() {
+        walkScene();
+        placed_.drawn = order_;
+        // Joints may hang outside the scene that is drawn.
+        for (int root : parentless()) {
+            if (!seen_[static_cast<std::size_t>(root)]) walk(root, false);
+        }
+        return std::move(placed_);
+    }
+
+  private:
+    void walkScene() {
+        const auto& scenes = source_.model.scenes;
+        const std::vector<int> roots =
+            scenes.empty()
+                ? parentless()
+                : element(source_, scenes, std::max(source_.model.defaultScene, 0), "scene").nodes;
+        for (int root : roots)
+            walk(root, true);
+    }
+
+    std::vector<int> parentless() const {
+        std::vector<bool> child(poses_.size(), false);
+        for (const tinygltf::Node& node : source_.model.nodes) {
+            for (int c : node.children)
+                child[static_cast<std::size_t>(c)] = true;
+        }
+        std::vector<int> roots;
+        for (std::size_t i = 0; i < child.size(); ++i) {
+            if (!child[i]) roots.push_back(static_cast<int>(i));
+        }
+        return roots;
+    }
+
+    void walk(int root, bool strict) {
+        std::vector<Step> todo = {{root, M44d()}};
+        while (!todo.empty()) {
+            const Step step = todo.back();
+            todo.pop_back();
+            const tinygltf::Node& node = element(source_, source_.model.nodes, step.node, "node");
+            const auto at = static_cast<std::size_t>(step.node);
+            if (seen_[at] && !strict) continue;
+            visit(step);
+            for (auto c = node.children.rbegin(); c != node.children.rend(); ++c)
+                todo.push_back({*c, placed_.toWorld[at]});
+        }
+    }
+
+    struct Step {
+        int node;
+        M44d parent;
+    };
+
+    void visit(const Step& step) {
+        const auto at = static_cast<std::size_t>(step.node);
+        if (seen_[at]) {
+            source_.fail(
+                fmt::format("node {} \"{}\" has two parents or is its own: repair the node tree",
+                            step.node, source_.model.nodes[at].name));
+        }
+        seen_[at] = true;
+        placed_.toWorld[at] = poses_[at].toParent(source_, step.node) * step.parent;
+        if (!finite(placed_.toWorld[at])) {
+            source_.fail(fmt::format("node {} \"{}\" lies beyond all numbers: repair the model",
+                                     step.node, source_.model.nodes[at].name));
+        }
+        order_.push_back(step.node);
+    }
+
+    const GltfSource& source_;
+    const std::vector<NodePose>& poses_;
+    std::vector<bool> seen_;
+    std::vector<int> order_;
+    PlacedNodes placed_;
+};
+
+std::array<V3d, 3> axesOf(const M44d& m) {
+    return {V3d(m[0][0], m[0][1], m[0][2]), V3d(m[1][0], m[1][1], m[1][2]),
+            V3d(m[2][0], m[2][1], m[2][2])};
+}
+
+/// At right angles to all three, unit; none when they lie on one line, seen
+/// beside the square of the longest.
+std::optional<V3d> normalOf(const std::array<V3d, 3>& v, double longest) {
+    std::array<V3d, 3> crosses = {v[0].cross(v[1]), v[1].cross(v[2]), v[2].cross(v[0])};
+    const V3d& most =
+        *std::max_element(crosses.begin(), crosses.end(),
+                          [](const V3d& a, const V3d& b) { return a.length2() < b.length2(); });
+    if (!(most.length() > kFlat * longest * longest)) return std::nullopt;
+    return most.normalized();
+}
+
+V3d perpendicularTo(const V3d& z) {
+    const V3d helper = std::abs(z.x) < 0.9 ? V3d(1, 0, 0) : V3d(0, 1, 0);
+    return (helper - z * helper.dot(z)).normalized();
+}
+
+}  // namespace
+
+M44d NodePose::toParent(const GltfSource& source, int index) const {
+    M44d m;
+    if (matrix) {
+        m = *matrix;
+    } else {
+        M44d scaling;
+        scaling.setScale(scale);
+        m = scaling * rotation.normalized().toMatrix44();
+        for (int i = 0; i < 3; ++i)
+            m[3][i] = translation[i];
+    }
+    if (!finite(m)) {
+        source.fail(fmt::format(
+            "node {} is placed by values that are not numbers: repair the model", index));
+    }
+    return m;
+}
+
+std::vector<NodePose> restPose(const GltfSource& source) {
+    std::vector<NodePose> poses;
+    for (const tinygltf::Node& node : source.model.nodes)
+        poses.push_back(poseOf(node));
+    return poses;
+}
+
+PlacedNodes placeNodes(const GltfSource& source, const std::vector<NodePose>& poses) {
+    return Walker(source, poses).place();
+}
+
+M44d rigid(const M44d& m) {
+    const auto [a, b, c] = axesOf(m);
+    const V3d towards = c.length2() > 0 ? c : a.cross(b);
+    const V3d z = towards.length2() > 0 ? towards.normalized() : V3d(0, 0, 1);
+    const V3d right = b.cross(z);
+    const V3d x = right.length2() > 0 ? right.normalized() : perpendicularTo(z);
+    const V3d y = z.cross(x);
+    return M44d(x.x, x.y, x.z, 0, y.x, y.y, y.z, 0, z.x, z.y, z.z, 0, m[3][0], m[3][1], m[3][2], 1);
+}
+
+std::optional<M44d> unflattened(const M44d& m) {
+    const std::array<V3d, 3> axes = axesOf(m);
+    const double longest = std::max({axes[0].length(), axes[1].length(), axes[2].length()});
+    const double volume = axes[0].dot(axes[1].cross(axes[2]));
+    if (std::abs(volume) > kFlat * longest * longest * longest) return m;
+    const auto out = normalOf(axes, longest);
+    const auto squeezed = normalOf(axesOf(m.transposed()), longest);
+    if (!out || !squeezed) return std::nullopt;
+    const auto thickened = [&](double thickness) {
+        M44d thick = m;
+        for (int r = 0; r < 3; ++r) {
+            for (int c = 0; c < 3; ++c)
+                thick[r][c] += thickness * (*squeezed)[r] * (*out)[c];
+        }
+        return thick;
+    };
+    const M44d thick = thickened(kThickness * longest);
+    return thick.determinant() > 0 ? thick : thickened(-kThickness * longest);
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,232 @@
+#include "studio/scene/gltf/primitive.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+
+#include "studio/scene/gltf/accessor.h"
+#include "studio/scene/gltf/draco.h"
+#include "studio/scene/gltf/vertex_picks.h"
+#include "studio/scene/mesh/normals.h"
+#include "studio/scene/mesh/tangents.h"
+
+namespace tavora::studio {
+namespace {
+
+using Imath::V2f;
+using Imath::V3f;
+using Imath::V4f;
+
+constexpr std::size_t kMostCorners = std::size_t{1} << 30;  // of one primitive
+
+std::vector<Triangle> listOf(const std::vector<std::uint32_t>& order) {
+    std::vector<Triangle> triangles;
+    triangles.reserve(order.size() / 3);
+    for (std::size_t i = 0; i + 2 < order.size(); i += 3)
+        triangles.push_back({order[i], order[i + 1], order[i + 2]});
+    return triangles;
+}
+
+/// Triangles of a strip or fan; those that repeat a vertex only stitch it.
+std::vector<Triangle> runOf(const std::vector<std::uint32_t>& order, bool fan) {
+    std::vector<Triangle> triangles;
+    for (std::size_t i = 0; i + 2 < order.size(); ++i) {
+        const Triangle strip = i % 2 == 0 ? Triangle{order[i], order[i + 1], order[i + 2]}
+                                          : Triangle{order[i], order[i + 2], order[i + 1]};
+        const Triangle t = fan ? Triangle{order[i + 1], order[i + 2], order[0]} : strip;
+        if (t[0] != t[1] && t[1] != t[2] && t[2] != t[0]) triangles.push_back(t);
+    }
+    return triangles;
+}
+
+std::vector<V3f> vectors(const FloatTable& values) {
+    std::vector<V3f> result(values.count);
+    for (std::size_t i = 0; i < values.count; ++i) {
+        const float* v = values.at(i);
+        result[i] = V3f(v[0], v[1], v[2]);
+    }
+    return result;
+}
+
+std::vector<V4f> fourVectors(const FloatTable& values) {
+    std::vector<V4f> result(values.count);
+    for (std::size_t i = 0; i < values.count; ++i) {
+        const float* v = values.at(i);
+        result[i] = V4f(v[0], v[1], v[2], v[3]);
+    }
+    return result;
+}
+
+/// Where a primitive's vertex data comes from: accessors, or a compressed mesh.
+class PrimitiveReader {
+  public:
+    PrimitiveReader(const GltfSource& source, const tinygltf::Primitive& primitive,
+                    const MaterialNeeds& needs, const std::string& where)
+        : source_(source), primitive_(primitive), needs_(needs), where_(where) {
+        compressed_ = isDraco(primitive);
+        if (compressed_) draco_ = readDraco(source, primitive, where_);
+    }
+
+    PrimitiveGeometry read() {
+        if (!has("POSITION")) fail("has no positions");
+        PrimitiveGeometry result;
+        Mesh& mesh = result.mesh;
+        vertices_ = count("POSITION");
+        mesh.triangles = readTriangles();
+        result.flat = !has("NORMAL");
+        picks_ = result.flat ? VertexPicks::corners(vertices_, mesh.triangles)
+                             : VertexPicks::used(vertices_, mesh.triangles);
+        readVertices(mesh);
+        if (needs_.normalTexture) readTangents(*needs_.normalTexture, result);
+        result.influences = {readInfluences("JOINTS_0", "WEIGHTS_0"),
+                             readInfluences("JOINTS_1", "WEIGHTS_1")};
+        for (const auto& target : primitive_.targets)
+            result.targets.push_back(readTarget(target));
+        return result;
+    }
+
+  private:
+    [[noreturn]] void fail(const std::string& what) const {
+        source_.fail(where_ + ": " + what + ": export the file again");
+    }
+
+    bool has(const std::string& name) const {
+        return draco_.attributes.count(name) != 0 || primitive_.attributes.count(name) != 0;
+    }
+
+    std::size_t count(const std::string& name) const {
+        const auto compressed = draco_.attributes.find(name);
+        return compressed != draco_.attributes.end()
+                   ? compressed->second.count
+                   : elementCount(source_, primitive_.attributes.at(name));
+    }
+
+    /// The picked elements of an attribute.
+    FloatTable table(const std::string& name, int least, int most) const {
+        if (count(name) != vertices_) fail(name + " has another length than its positions");
+        const auto compressed = draco_.attributes.find(name);
+        if (compressed == draco_.attributes.end()) {
+            return readFloats(source_, primitive_.attributes.at(name), least, most, &picks_);
+        }
+        const int components = compressed->second.components;
+        if (components < least || components > most) fail(name + " is of another type");
+        return picked(compressed->second, picks_);
+    }
+
+    std::vector<Triangle> readTriangles() const {
+        const std::vector<std::uint32_t> order = readOrder();
+        const auto beyond = std::find_if(order.begin(), order.end(),
+                                         [this](std::uint32_t i) { return i >= vertices_; });
+        if (beyond != order.end()) {
+            fail(fmt::format("uses vertex {} of {}", *beyond, vertices_));
+        }
+        // A compressed mesh is a list, whatever the primitive was before.
+        const bool list = compressed_ || primitive_.mode == TINYGLTF_MODE_TRIANGLES;
+        return list ? listOf(order) : runOf(order, primitive_.mode == TINYGLTF_MODE_TRIANGLE_FAN);
+    }
+
+    std::vector<std::uint32_t> readOrder() const {
+        if (compressed_) return draco_.indices;
+        if (primitive_.indices >= 0) return readIntegers(source_, primitive_.indices);
+        checkBacked(source_, primitive_.attributes.at("POSITION"));
+        if (vertices_ > kMostCorners) fail("has more vertices than can be drawn");
+        std::vector<std::uint32_t> order(vertices_);
+        for (std::size_t i = 0; i < vertices_; ++i)
+            order[i] = static_cast<std::uint32_t>(i);
+        return order;
+    }
+
+    void readVertices(Mesh& mesh) const {
+        mesh.positions = vectors(table("POSITION", 3, 3));
+        for (std::size_t set = 0; set < mesh.uvs.size(); ++set)
+            mesh.uvs[set] = readUvs(set);
+        if (needs_.colors && has("COLOR_0")) mesh.colors = readColors();
+        if (!has("NORMAL")) {
+            makeFlatNormals(mesh);
+            return;
+        }
+        mesh.normals = vectors(table("NORMAL", 3, 3));
+        repairNormals(mesh);
+        mesh.smooth = isSmooth(mesh);
+    }
+
+    /// Tangents in a file belong to its normals, and count with these alone.
+    void readTangents(const TextureUse& normalTexture, PrimitiveGeometry& result) const {
+        Mesh& mesh = result.mesh;
+        if (mesh.uvs[static_cast<std::size_t>(normalTexture.uvSet)].empty()) return;
+        if (has("NORMAL") && has("TANGENT")) {
+            mesh.tangents = tangentsOfVertices(mesh, fourVectors(table("TANGENT", 4, 4)));
+        } else {
+            mesh.tangents = makeTangents(mesh, normalTexture);
+            result.tangentsMadeFor = normalTexture;
+        }
+    }
+
+    std::vector<V2f> readUvs(std::size_t set) const {
+        const std::string name = fmt::format("TEXCOORD_{}", set);
+        if (!has(name)) return {};
+        const FloatTable values = table(name, 2, 2);
+        std::vector<V2f> uvs(values.count);
+        for (std::size_t i = 0; i < values.count; ++i)
+            uvs[i] = V2f(values.at(i)[0], values.at(i)[1]);
+        return uvs;
+    }
+
+    std::vector<V4f> readColors() const {
+        const FloatTable values = table("COLOR_0", 3, 4);
+        std::vector<V4f> colors(values.count);
+        for (std::size_t i = 0; i < values.count; ++i) {
+            const float* v = values.at(i);
+            colors[i] = V4f(v[0], v[1], v[2], values.components == 4 ? v[3] : 1.0F);
+        }
+        return colors;
+    }
+
+    Influences readInfluences(const char* jointName, const char* weightName) const {
+        Influences result;
+        if (!has(jointName) || !has(weightName)) return result;
+        const FloatTable numbers = table(jointName, 4, 4);
+        const FloatTable shares = table(weightName, 4, 4);
+        result.joints.resize(numbers.count);
+        result.weights.resize(numbers.count);
+        for (std::size_t i = 0; i < numbers.count; ++i) {
+            for (std::size_t k = 0; k < 4; ++k) {
+                result.joints[i][k] =
+                    static_cast<std::uint32_t>(std::clamp(numbers.at(i)[k], 0.0F, 65535.0F));
+                result.weights[i][static_cast<int>(k)] = std::max(shares.at(i)[k], 0.0F);
+            }
+        }
+        return result;
+    }
+
+    MorphTarget readTarget(const std::map<std::string, int>& attributes) const {
+        const auto displacements = [&](const char* name) -> std::vector<V3f> {
+            const auto found = attributes.find(name);
+            if (found == attributes.end()) return {};
+            if (elementCount(source_, found->second) != vertices_) {
+                fail("a morph target has another length than its positions");
+            }
+            return vectors(readFloats(source_, found->second, 3, 3, &picks_));
+        };
+        MorphTarget target{displacements("POSITION"), displacements("NORMAL"), {}};
+        if (needs_.normalTexture) target.tangents = displacements("TANGENT");
+        return target;
+    }
+
+    const GltfSource& source_;
+    const tinygltf::Primitive& primitive_;
+    const MaterialNeeds& needs_;
+    const std::string& where_;
+    DracoPrimitive draco_;
+    bool compressed_ = false;
+    std::size_t vertices_ = 0;
+    VertexPicks picks_{0};
+};
+
+}  // namespace
+
+PrimitiveGeometry readPrimitive(const GltfSource& source, const tinygltf::Primitive& primitive,
+                                const MaterialNeeds& needs, const std::string& where) {
+    return PrimitiveReader(source, primitive, needs, where).read();
+}
+
+}  // namespace tavora::studio

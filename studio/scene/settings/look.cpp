@@ -1,0 +1,205 @@
+#include "studio/scene/settings/look.h"
+
+#include <algorithm>
+#include <array>
+#include <fmt/format.h>
+#include <set>
+#include <system_error>
+
+#include "studio/files/whole_file.h"
+#include "studio/scene/settings/settings.h"
+#include "studio/util/error.h"
+#include "studio/util/json_text.h"
+#include "studio/util/nearest_name.h"
+
+namespace tavora::studio {
+namespace fs = std::filesystem;
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+// More than the largest gradient that a surface can hold takes as text.
+constexpr std::size_t kMostBytes = std::size_t{512} << 20;
+constexpr const char* kSuffix = ".json";
+
+/// A look's text, for messages that say where in it something stands.
+struct Source {
+    std::string_view text;
+    const std::string& name;
+
+    std::string placeOf(std::string_view part) const {
+        return placeInText(text, static_cast<std::size_t>(part.data() - text.data()), name);
+    }
+    [[noreturn]] void refuse(std::string_view part, const std::string& what) const {
+        throw Error(Fault::Scene, fmt::format("{}: {}", placeOf(part), what));
+    }
+};
+
+// JSON readers quietly keep the last of two members of one name.
+std::vector<JsonMember> uniqueMembers(const Source& source, std::string_view object) {
+    std::vector<JsonMember> members = jsonMembers(object);
+    std::set<std::string> seen;
+    for (const JsonMember& member : members) {
+        if (seen.insert(member.key).second) continue;
+        source.refuse(member.keyText,
+                      fmt::format("\"{}\" stands here again; keep one", member.key));
+    }
+    return members;
+}
+
+void takeMark(const Source& source, const JsonMember& member, Look&) {
+    if (member.value == "\"look\"") return;
+    source.refuse(member.value, "this is not a look; its \"tavora\" must be \"look\"");
+}
+
+void takeVersion(const Source& source, const JsonMember& member, Look&) {
+    if (member.value == "1") return;
+    source.refuse(member.value, fmt::format("looks of version {} cannot be read; this Tavora reads "
+                                            "version 1",
+                                            member.value));
+}
+
+std::string textOf(const Source& source, const JsonMember& member) {
+    const Json value = Json::parse(member.value);
+    if (value.is_string()) return value;
+    source.refuse(member.value, fmt::format("\"{}\" must be a text", member.key));
+}
+
+void takeName(const Source& source, const JsonMember& member, Look& look) {
+    look.name = textOf(source, member);
+}
+
+void takeDescription(const Source& source, const JsonMember& member, Look& look) {
+    look.description = textOf(source, member);
+}
+
+// One by one, so that a message can say in which line the setting stands.
+void takeSettings(const Source& source, const JsonMember& member, Look& look) {
+    if (member.value.front() != '{') {
+        source.refuse(member.value, "\"settings\" must be an object of names and values");
+    }
+    for (const JsonMember& setting : uniqueMembers(source, member.value)) {
+        const Json change = Json::object({{setting.key, Json::parse(setting.value)}});
+        applySettings(look.settings, change, source.placeOf(setting.keyText));
+    }
+}
+
+struct MemberHandler {
+    const char* key;
+    bool required;
+    void (*take)(const Source&, const JsonMember&, Look&);
+};
+
+constexpr std::array<MemberHandler, 5> kMembers{{
+    {"tavora", true, takeMark},
+    {"version", true, takeVersion},
+    {"name", false, takeName},
+    {"description", false, takeDescription},
+    {"settings", true, takeSettings},
+}};
+
+const JsonMember* memberOf(const std::vector<JsonMember>& members, const char* key) {
+    const auto found = std::find_if(members.begin(), members.end(),
+                                    [&](const JsonMember& member) { return member.key == key; });
+    return found == members.end() ? nullptr : &*found;
+}
+
+void checkKeys(const Source& source, const std::vector<JsonMember>& members) {
+    std::vector<std::string> known;
+    known.reserve(kMembers.size());
+    for (const MemberHandler& handler : kMembers)
+        known.emplace_back(handler.key);
+    for (const JsonMember& member : members) {
+        if (std::find(known.begin(), known.end(), member.key) != known.end()) continue;
+        source.refuse(member.keyText, fmt::format("a look has no \"{}\"{}", member.key,
+                                                  nearestNames(member.key, known)));
+    }
+}
+
+std::string withoutMark(const std::string& bytes) {
+    constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
+    return bytes.starts_with(kByteOrderMark) ? bytes.substr(kByteOrderMark.size()) : bytes;
+}
+
+std::string readText(const fs::path& file) {
+    try {
+        return withoutMark(readWholeFile(file, kMostBytes));
+    } catch (const std::system_error& error) {
+        throw Error(Fault::Scene, fmt::format("{}: look cannot be read: {}; check the path",
+                                              file.string(), error.code().message()));
+    }
+}
+
+bool isBareName(const std::string& nameOrFile) {
+    return nameOrFile.find('/') == std::string::npos && !nameOrFile.ends_with(kSuffix) &&
+           !nameOrFile.empty();
+}
+
+// The file that is meant: a bare name means a look that ships, if there is one.
+fs::path fileOfLook(const std::string& nameOrFile) {
+    fs::path shipped = shippedLooksFolder() / (nameOrFile + kSuffix);
+    std::error_code ignored;
+    return isBareName(nameOrFile) && fs::exists(shipped, ignored) ? shipped : fs::path(nameOrFile);
+}
+
+fs::path findLook(const std::string& nameOrFile) {
+    if (!isBareName(nameOrFile) || isLook(nameOrFile)) return fileOfLook(nameOrFile);
+    const std::vector<std::string> names = shippedLooks();
+    throw Error(Fault::Scene, fmt::format("no look \"{}\"{}", nameOrFile,
+                                          names.empty() ? fmt::format("; none ship in {}",
+                                                                      shippedLooksFolder().string())
+                                                        : nearestNames(nameOrFile, names)));
+}
+
+}  // namespace
+
+Look parseLook(std::string_view text, const std::string& where) {
+    const Source source{text, where};
+    if (!parseJson(text, where).is_object()) {
+        throw Error(Fault::Scene, fmt::format("{}: is no look; it must be a JSON object", where));
+    }
+    const std::vector<JsonMember> members = uniqueMembers(source, text);
+    Look look;
+    look.settings = Json::object();
+    for (const MemberHandler& handler : kMembers) {
+        const JsonMember* member = memberOf(members, handler.key);
+        if (member != nullptr) {
+            handler.take(source, *member, look);
+        } else if (handler.required) {
+            throw Error(Fault::Scene,
+                        fmt::format("{}: is no look; it has no \"{}\"", where, handler.key));
+        }
+    }
+    checkKeys(source, members);
+    return look;
+}
+
+Look readLook(const std::string& nameOrFile) {
+    const fs::path file = findLook(nameOrFile);
+    Look look = parseLook(readText(file), file.string());
+    if (look.name.empty()) look.name = file.stem();
+    return look;
+}
+
+bool isLook(const std::string& nameOrFile) {
+    std::error_code ignored;
+    return !nameOrFile.empty() && fs::exists(fileOfLook(nameOrFile), ignored);
+}
+
+fs::path shippedLooksFolder() {
+    std::error_code ignored;
+    const fs::path program = fs::read_symlink("/proc/self/exe", ignored);
+    return program.parent_path().parent_path() / "share/tavora/looks";
+}
+
+std::vector<std::string> shippedLooks() {
+    std::vector<std::string> names;
+    std::error_code error;
+    for (const auto& entry : fs::directory_iterator(shippedLooksFolder(), error)) {
+        if (entry.path().extension() == kSuffix) names.push_back(entry.path().stem());
+    }
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,123 @@
+#include "studio/scene/settings/settings.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+#include <optional>
+
+#include "persist/stored_fields.h"
+#include "studio/scene/settings/block_items.h"
+#include "studio/scene/settings/setting_names.h"
+#include "studio/scene/settings/setting_values.h"
+#include "studio/scene/settings/zone_rules.h"
+#include "studio/util/error.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr const char* kZoneList = "zoneList";
+constexpr const char* kLightList = "lightList";
+constexpr const char* kAmbientLight = "Ambient";  // the shader's name for it
+
+/// "zones[1].color" taken apart.
+struct ZonePath {
+    std::size_t index = 0;
+    std::string field;  ///< empty: the whole zone
+};
+
+std::optional<ZonePath> zonePathOf(std::string_view name) {
+    const std::size_t open = name.find('[');
+    const std::string_view list = name.substr(0, open);
+    if (open == std::string_view::npos || (list != "zones" && list != kZoneList)) return {};
+    ZonePath path;
+    const char* end = name.data() + name.size();
+    const auto [stop, error] = std::from_chars(name.data() + open + 1, end, path.index);
+    if (error != std::errc() || stop == end || *stop != ']') return {};
+    if (stop + 1 == end) return path;
+    if (stop[1] != '.') return {};
+    path.field.assign(stop + 2, end);
+    return path;
+}
+
+void changeZone(Settings& settings, const ZonePath& path, const Settings& value,
+                const std::string& where) {
+    Settings& zones = settings[kZoneList];
+    if (path.index >= zones.size()) {
+        throw Error(Fault::Scene, fmt::format("{}: there is no zones[{}]; {}", where, path.index,
+                                              zones.empty() ? "give the whole list"
+                                                            : fmt::format("the last is zones[{}]",
+                                                                          zones.size() - 1)));
+    }
+    Settings& zone = zones[path.index];
+    const Settings changes = path.field.empty() ? value : Settings::object({{path.field, value}});
+    zone = checkedZone(changes, zone, fmt::format("{}: zones[{}]", where, path.index));
+}
+
+// True when the zones were touched.
+bool change(Settings& settings, const std::string& name, const Settings& value,
+            const std::string& where) {
+    if (const std::optional<ZonePath> path = zonePathOf(name)) {
+        changeZone(settings, *path, value, where);
+        return true;
+    }
+    const StoredField& field = findField(storedFields, name, where);
+    settings[std::string(field.name)] = checkedValue(field, value, where);
+    return field.kind == FieldKind::Zones;
+}
+
+}  // namespace
+
+Settings settingsOf(const StateBlock& block, const Settings& absent) {
+    BlockItems items(block);
+    Settings settings = Settings::object();
+    for (const StoredField& field : storedFields) {
+        const std::string name(field.name);
+        if (items.hold(field)) {
+            settings[name] = readValue(field, items);
+        } else if (absent.contains(name)) {
+            settings[name] = absent[name];
+        }
+    }
+    return settings;
+}
+
+StateBlock blockOf(const Settings& settings) {
+    StateBlock block{blockVersion};
+    for (const StoredField& field : storedFields) {
+        const auto value = settings.find(std::string(field.name));
+        if (value == settings.end()) {
+            throw Error(Fault::Scene,
+                        fmt::format("settings: {} is missing; give it a value", field.name));
+        }
+        writeValue(field, *value, block);
+    }
+    return block;
+}
+
+void applySettings(Settings& settings, const nlohmann::ordered_json& changes,
+                   const std::string& where) {
+    if (!changes.is_object()) {
+        throw Error(Fault::Scene,
+                    fmt::format("{}: settings must be an object of names and values", where));
+    }
+    bool zonesTouched = false;
+    for (const auto& [name, value] : changes.items()) {
+        if (change(settings, name, value, where)) zonesTouched = true;
+    }
+    if (zonesTouched) orderZones(settings[kZoneList], where);
+}
+
+std::vector<std::string> settleLightList(Settings& settings,
+                                         std::span<const std::string> sceneLights) {
+    Settings& list = settings[kLightList];
+    if (list == "all") list = std::vector<std::string>(sceneLights.begin(), sceneLights.end());
+    std::vector<std::string> unknown;
+    for (const Settings& name : list) {
+        const bool known =
+            std::find(sceneLights.begin(), sceneLights.end(), name) != sceneLights.end();
+        if (!known && name != kAmbientLight) unknown.push_back(name);
+    }
+    return unknown;
+}
+
+}  // namespace tavora::studio

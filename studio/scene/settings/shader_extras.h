@@ -1,0 +1,31 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include <nlohmann/json.hpp>
+
+#include "studio/scene/scene.h"
+
+/// Shaders in the `extras` of a material:
+/// {"tavora": {"shaders": [{"server": "TAVO", "enabled": true, "state": [6, 0.02, "Key"]}]}}
+/// Integers and strings as such; floats always with a point or exponent, in the
+/// shortest form that reads back to the same bits; values that JSON lacks as
+/// "NaN", "Infinity", "-Infinity" inside {"float": ..}.
+namespace tavora::studio {
+
+/// The first shader in `extras`, or none. What is damaged is left out with a
+/// line in `warnings` that starts with `where`.
+std::optional<StoredShader> shaderFromExtras(const nlohmann::ordered_json& extras,
+                                             const std::string& where,
+                                             std::vector<std::string>& warnings);
+
+/// The JSON text of `extras` with `shader` first among its shaders, in place of
+/// one of the same server; everything else as it stands. `extras` is the text
+/// of a valid JSON value, or empty for a material without any.
+/// Throws Error for extras that are no object.
+std::string extrasWithShader(std::string_view extras, const StoredShader& shader);
+
+}  // namespace tavora::studio

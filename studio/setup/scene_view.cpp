@@ -1,0 +1,104 @@
+#include "studio/setup/scene_view.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+
+#include "studio/scene/framing/default_view.h"
+#include "studio/util/error.h"
+#include "studio/util/glob.h"
+#include "studio/util/nearest_name.h"
+
+namespace tavora::studio {
+namespace {
+
+// Whether `text` is a whole number below `count`.
+bool isIndex(const std::string& text, std::size_t count, std::size_t& index) {
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, index);
+    return error == std::errc() && stop == end && index < count;
+}
+
+bool isSun(const LitLight& light) {
+    return light.light->kind == LightKind::Directional;
+}
+
+[[noreturn]] void refuseSize(const char* option, const std::string& wanted, bool suns,
+                             const LightRig& rig) {
+    std::vector<std::string> fitting;
+    for (const LitLight& light : rig.lights) {
+        if (isSun(light) == suns) {
+            fitting.push_back(light.light->name);
+        } else if (matchesName(wanted, light.light->name)) {
+            throw Error(Fault::Usage,
+                        fmt::format("{}: the light \"{}\" is {}: give it {}", option,
+                                    light.light->name, suns ? "not directional" : "directional",
+                                    suns ? "--light-radius" : "--light-angle"));
+        }
+    }
+    throw Error(Fault::Usage, fmt::format("{}: no {} light \"{}\"{}", option,
+                                          suns ? "directional" : "point or spot", wanted,
+                                          nearestNames(wanted, fitting)));
+}
+
+/// A size without a name is for whatever lights there are.
+void checkSizes(const char* option, const std::vector<LightSize>& sizes, bool suns,
+                const LightRig& rig) {
+    for (const LightSize& size : sizes) {
+        const bool fits =
+            std::any_of(rig.lights.begin(), rig.lights.end(), [&](const LitLight& light) {
+                return isSun(light) == suns && matchesName(size.lights, light.light->name);
+            });
+        if (!fits && size.lights != "*") refuseSize(option, size.lights, suns, rig);
+    }
+}
+
+void checkNames(const char* option, const std::vector<std::string>& wanted,
+                const std::vector<std::string>& names) {
+    for (const std::string& lights : wanted) {
+        const bool fits = std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+            return matchesName(lights, name);
+        });
+        if (!fits) {
+            throw Error(Fault::Usage, fmt::format("{}: no light \"{}\"{}", option, lights,
+                                                  nearestNames(lights, names)));
+        }
+    }
+}
+
+}  // namespace
+
+LightRig lightsFor(const Scene& scene, const Camera& camera, const LightingOptions& options) {
+    LightRig rig = settleLights(scene, camera, options);
+    checkSizes("--light-radius", options.radii, false, rig);
+    checkSizes("--light-angle", options.angles, true, rig);
+    checkNames("--no-shadows", options.withoutShadows, lightNames(scene));
+    return rig;
+}
+
+Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect) {
+    const std::vector<Camera>& cameras = scene.cameras;
+    if (choice.empty()) {
+        return cameras.empty() ? framingCamera(scene, aspect) : cameras.front();
+    }
+    std::vector<std::string> names;
+    for (const Camera& camera : cameras) {
+        if (camera.name == choice) return camera;
+        names.push_back(camera.name);
+    }
+    std::size_t index = 0;
+    if (isIndex(choice, cameras.size(), index)) return cameras[index];
+    throw Error(Fault::Usage, fmt::format("--camera: no camera \"{}\" in {}{}", choice, scene.path,
+                                          cameras.empty() ? ", which has none; leave --camera out"
+                                                          : nearestNames(choice, names)));
+}
+
+std::vector<std::string> lightNames(const Scene& scene) {
+    if (scene.lights.empty()) return {kKeyLightName};
+    std::vector<std::string> names;
+    for (const auto& light : scene.lights)
+        names.push_back(light->name);
+    return names;
+}
+
+}  // namespace tavora::studio

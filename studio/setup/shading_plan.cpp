@@ -1,0 +1,224 @@
+#include "studio/setup/shading_plan.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <map>
+
+#include "studio/scene/settings/look.h"
+#include "studio/scene/settings/toon_zones.h"
+#include "studio/setup/surface_names.h"
+#include "studio/util/error.h"
+#include "studio/util/nearest_name.h"
+#include "studio/util/some_names.h"
+
+namespace tavora::studio {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr const char* kDefaultLook = "two-tone";
+constexpr std::size_t kMostLightsNamed = 20;  // in warnings
+
+class Planner {
+  public:
+    Planner(const Scene& scene, const ShaderClass& shader, Report& report)
+        : scene_(scene),
+          server_(shader.server),
+          builtIn_(settingsOf(shader.builtIn)),
+          report_(report),
+          surfaces_(scene.surfaces.size()) {}
+
+    void takeStored() {
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            const Surface& surface = scene_.surfaces[i];
+            if (surface.shader && isOurs(surface)) {
+                surfaces_[i].settings = storedSettings(surface);
+                surfaces_[i].enabled = surface.shader->enabled;
+            }
+        }
+    }
+
+    /// An avatar's own shading, where the file keeps no shader on it.
+    void takeAvatars() {
+        std::map<std::string, std::vector<std::string>> inexact;  // surfaces by what is
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            const Surface& surface = scene_.surfaces[i];
+            if (surfaces_[i].settings || !surface.toon) continue;
+            const ToonZones zones = toonZones(scene_, surface);
+            surfaces_[i].settings = builtIn_;
+            applySettings(*surfaces_[i].settings, zones.settings, surface.name);
+            for (const std::string& what : zones.inexact)
+                inexact[what].push_back(surface.name);
+        }
+        for (const auto& [what, surfaces] : inexact)
+            report_.note(1, fmt::format("avatars are met nearly: {} ({})", what, someOf(surfaces)));
+    }
+
+    /// A look for what has no shading yet.
+    void takeDefault(const std::string& name) {
+        if (name.empty()) return;
+        const Look look = readLook(name);
+        for (const std::size_t i : listedSurfaces(scene_)) {
+            if (!surfaces_[i].settings) wear(surfaces_[i], look);
+        }
+    }
+
+    void takeLooks(const std::vector<LookChoice>& choices) {
+        std::vector<const LookChoice*> last(surfaces_.size(), nullptr);
+        std::map<std::string, Look> looks;
+        for (const LookChoice& choice : choices) {
+            looks.try_emplace(choice.look, readLook(choice.look));
+            const std::string pattern = choice.surfaces.empty() ? "*" : choice.surfaces;
+            for (const std::size_t i : matchingSurfaces(scene_, pattern, "--look")) {
+                last[i] = &choice;
+            }
+        }
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            if (last[i] != nullptr) wear(surfaces_[i], looks.at(last[i]->look));
+        }
+    }
+
+    void takeChanges(const std::vector<SettingChange>& changes) {
+        std::vector<Json> collected(surfaces_.size(), Json::object());
+        for (const SettingChange& change : changes) {
+            bool taken = false;
+            for (const std::size_t i : matchingSurfaces(scene_, change.surfaces, "--set")) {
+                if (!surfaces_[i].settings) continue;
+                collected[i][change.setting] = valueOf(change.value);
+                taken = true;
+            }
+            if (!taken) {
+                throw Error(Fault::Usage,
+                            fmt::format("--set: \"{}\" has no shader; give it one with --look",
+                                        change.surfaces));
+            }
+        }
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            if (!collected[i].empty()) change(surfaces_[i], collected[i]);
+        }
+    }
+
+    void takePlain(const std::vector<std::string>& patterns) {
+        for (const std::string& pattern : patterns) {
+            for (const std::size_t i : matchingSurfaces(scene_, pattern, "--no-shader")) {
+                surfaces_[i].settings.reset();
+            }
+        }
+    }
+
+    void settleLights(std::span<const std::string> lightNames) {
+        std::map<std::string, std::string> unknown;  // with a surface that names it
+        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+            if (!surfaces_[i].settings) continue;
+            for (const std::string& name : settleLightList(*surfaces_[i].settings, lightNames)) {
+                unknown.try_emplace(name, scene_.surfaces[i].name);
+            }
+        }
+        std::size_t left = unknown.size();
+        for (const auto& [light, surface] : unknown) {
+            if (unknown.size() - left == kMostLightsNamed) {
+                report_.warning(fmt::format("{} more lights are not in the scene", left));
+                break;
+            }
+            --left;
+            report_.warning(fmt::format("surface \"{}\": its light \"{}\" is not in the scene{}",
+                                        surface, light, nearestNames(light, lightNames)));
+        }
+    }
+
+    std::vector<PlannedSurface> take() { return std::move(surfaces_); }
+
+  private:
+    bool isOurs(const Surface& surface) {
+        if (surface.shader->server == server_) return true;
+        report_.warning(
+            fmt::format("surface \"{}\": no module has its shader \"{}\"; it stays plain",
+                        surface.name, surface.shader->server));
+        return false;
+    }
+
+    Settings storedSettings(const Surface& surface) {
+        try {
+            return settingsOf(surface.shader->state, builtIn_);
+        } catch (const Error& error) {
+            report_.warning(fmt::format("surface \"{}\": {}; the built-in settings stand in",
+                                        surface.name, error.what()));
+            return builtIn_;
+        }
+    }
+
+    void wear(PlannedSurface& surface, const Look& look) {
+        surface.settings = builtIn_;
+        applySettings(*surface.settings, look.settings, look.name);
+        surface.enabled = true;
+        surface.touched = true;
+    }
+
+    static void change(PlannedSurface& surface, const Json& changes) {
+        try {
+            applySettings(*surface.settings, changes, "--set");
+        } catch (const Error& error) {
+            throw Error(Fault::Usage, error.what());
+        }
+        surface.touched = true;
+    }
+
+    // JSON as it stands; else a list of such between commas, or a text.
+    static Json valueOf(const std::string& text) {
+        Json value = Json::parse(text, nullptr, false);
+        if (!value.is_discarded()) return value;
+        if (text.find(',') == std::string::npos) return text;
+        Json list = Json::array();
+        for (std::size_t start = 0; start <= text.size();) {
+            const std::size_t end = std::min(text.find(',', start), text.size());
+            const std::string part = text.substr(start, end - start);
+            Json element = Json::parse(part, nullptr, false);
+            list.push_back(element.is_discarded() ? Json(part) : element);
+            start = end + 1;
+        }
+        return list;
+    }
+
+    const Scene& scene_;
+    std::string server_;
+    Settings builtIn_;
+    Report& report_;
+    std::vector<PlannedSurface> surfaces_;
+};
+
+}  // namespace
+
+bool hasAvatars(const Scene& scene) {
+    return std::any_of(scene.surfaces.begin(), scene.surfaces.end(),
+                       [](const Surface& surface) { return surface.toon.has_value(); });
+}
+
+bool storesShaders(const Scene& scene) {
+    return std::any_of(scene.surfaces.begin(), scene.surfaces.end(),
+                       [](const Surface& surface) { return surface.shader.has_value(); });
+}
+
+ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report) {
+    if (!request.looks.empty() || storesShaders(scene)) return request;
+    request.defaultLook = kDefaultLook;
+    const char* where =
+        hasAvatars(scene) ? "goes on all surfaces but those of avatars" : "goes on every surface";
+    report.note(1, fmt::format("no look given and none stored: {} {}", kDefaultLook, where));
+    return request;
+}
+
+std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingRequest& request,
+                                         const ShaderClass& shader,
+                                         std::span<const std::string> lightNames, Report& report) {
+    Planner planner(scene, shader, report);
+    planner.takeStored();
+    planner.takeAvatars();
+    planner.takeDefault(request.defaultLook);
+    planner.takeLooks(request.looks);
+    planner.takeChanges(request.changes);
+    planner.takePlain(request.plain);
+    planner.settleLights(lightNames);
+    return planner.take();
+}
+
+}  // namespace tavora::studio

@@ -1,0 +1,29 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace tavora::studio {
+
+/// What could not be used or made. The value is the program's exit status for it.
+enum class Fault : int {
+    Usage = 2,   ///< the command line, or a name on it that the scene has not
+    Scene = 3,   ///< a scene, look or settings file
+    Output = 4,  ///< a file could not be written whole
+    Module = 6,  ///< a plug-in module
+};
+
+/// Why something could not be done. The text is one line: what is wrong, where,
+/// and what to do about it. After Fault::Output nothing is left of the file that
+/// was to be written, and a file that stood there before is untouched.
+class Error : public std::runtime_error {
+  public:
+    Error(Fault fault, const std::string& text) : std::runtime_error(text), fault_(fault) {}
+
+    Fault fault() const { return fault_; }
+
+  private:
+    Fault fault_;
+};
+
+}  // namespace tavora::studio

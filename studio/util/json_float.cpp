@@ -1,0 +1,77 @@
+#include "studio/util/json_float.h"
+
+#include <array>
+#include <bit>
+#include <charconv>
+#include <cmath>
+#include <cstdint>
+#include <fmt/format.h>
+#include <limits>
+#include <string>
+#include <string_view>
+
+namespace tavora::studio {
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr std::uint32_t kPlainNan = 0x7fc00000;
+constexpr double kRoundsToInfinity = 0x1.ffffffp127;  // half a step above the largest float
+
+std::string nameOf(float value) {
+    if (std::isinf(value)) return value > 0 ? "Infinity" : "-Infinity";
+    const auto bits = std::bit_cast<std::uint32_t>(value);
+    return bits == kPlainNan ? "NaN" : fmt::format("{:#010x}", bits);
+}
+
+std::string shortest(float value) {
+    std::array<char, 32> text;
+    return {text.data(), std::to_chars(text.data(), text.data() + text.size(), value).ptr};
+}
+
+std::optional<float> floatOfName(const std::string& name) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    if (name == "NaN") return std::bit_cast<float>(kPlainNan);
+    if (name == "Infinity") return kInfinity;
+    if (name == "-Infinity") return -kInfinity;
+    std::uint32_t bits = 0;
+    const char* end = name.data() + name.size();
+    if (!name.starts_with("0x")) return {};
+    const auto [stop, error] = std::from_chars(name.data() + 2, end, bits, 16);
+    if (error != std::errc() || stop != end) return {};
+    return std::bit_cast<float>(bits);
+}
+
+// A reader rounds a decimal twice, to double and to float. None when that misses.
+std::optional<double> doubleOf(const std::string& decimal, float value) {
+    double number = 0;
+    std::from_chars(decimal.data(), decimal.data() + decimal.size(), number);
+    if (static_cast<float>(number) != value) return {};
+    return number;
+}
+
+}  // namespace
+
+Json jsonOfFloat(float value) {
+    if (!std::isfinite(value)) return Json::object({{"float", nameOf(value)}});
+    return doubleOf(shortest(value), value).value_or(static_cast<double>(value));
+}
+
+std::string jsonTextOfFloat(float value) {
+    const std::string text = shortest(value);
+    if (!std::isfinite(value) || !doubleOf(text, value)) return jsonOfFloat(value).dump();
+    return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
+}
+
+std::optional<float> floatOfJson(const Json& value) {
+    if (value.is_object() && value.size() == 1 && value.contains("float")) {
+        const Json& name = value["float"];
+        return name.is_string() ? floatOfName(name.get<std::string>()) : std::nullopt;
+    }
+    if (!value.is_number()) return {};
+    const double number = value.get<double>();
+    if (!(std::abs(number) < kRoundsToInfinity)) return {};
+    return static_cast<float>(number);
+}
+
+}  // namespace tavora::studio
