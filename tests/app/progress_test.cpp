@@ -2,7 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include "studio/setup/report.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {

@@ -1,27 +1,36 @@
-// A module with one fault, named by FAKE_FAULT, or none: built once for each by
-// CMake. Its shader keeps one number, counts instances in a global, and says so
-// in its description line.
+// A module with one fault, or none: built once for each by CMake, which sets
+// the macros. Its shader keeps one number, counts instances in a global, and
+// says so in its description line.
 
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
-#include <string_view>
 
 #include "host/handler.h"
 #include "host/interface.h"
 #include "host/module.h"
 #include "host/services/messages.h"
 
+#ifndef FAKE_SYNC
+#define FAKE_SYNC HOST_MODULE_SYNC
+#endif
+#ifndef FAKE_VERSION
+#define FAKE_VERSION HOST_MODULE_VERSION
+#endif
+#ifndef FAKE_CLASS
+#define FAKE_CLASS HOST_SHADER_HANDLER_CLASS
+#endif
+#ifndef FAKE_RESULT
+#define FAKE_RESULT HOST_ACTIVATION_OK
+#endif
+#ifndef FAKE_SYMBOL
+#define FAKE_SYMBOL _mod_descrip
+#endif
+#ifndef FAKE_TOKEN
+#define FAKE_TOKEN 1
+#endif
+
 namespace {
-
-constexpr std::string_view fault = FAKE_FAULT;
-
-/// `odd` in the module that has this fault.
-template <class Value>
-constexpr Value unless(std::string_view name, Value good, Value odd) {
-    return fault == name ? odd : good;
-}
-
 
 int instances = 0;
 const HostMessages* messages = nullptr;
@@ -73,9 +82,7 @@ int activateHandler(int version, HostLookup* lookup, void* record, void*) {
     messages = static_cast<const HostMessages*>(lookup(HOST_MESSAGES_SERVICE, 0));
     lookup("Coffee Machine", 0);
     lookup("Tea Kettle", 0);
-    if (fault == "wants_other_version") return HOST_ACTIVATION_BAD_VERSION;
-    if (fault == "wants_services") return HOST_ACTIVATION_BAD_LOOKUP;
-    if (fault == "odd_result") return 5;
+    if (FAKE_RESULT != HOST_ACTIVATION_OK) return FAKE_RESULT;
     if (version != HOST_SHADER_HANDLER_VERSION) return HOST_ACTIVATION_BAD_VERSION;
     auto* handler = static_cast<HostShaderHandler*>(record);
     *handler->instance = {nullptr, create, destroy, nullptr, load, save, descriptionLine};
@@ -91,22 +98,19 @@ int activateInterface(int version, HostLookup*, void* record, void*) {
 }
 
 void* startup() {
-    return reinterpret_cast<void*>(std::uintptr_t{fault != "no_start"});
+    return reinterpret_cast<void*>(std::uintptr_t{FAKE_TOKEN});
 }
 
 void shutdown(void*) {}
 
 const HostServerRecord servers[] = {
-    {unless("no_class", HOST_SHADER_HANDLER_CLASS, "Kettle"), "FAKE", activateHandler, nullptr},
+    {FAKE_CLASS, "FAKE", activateHandler, nullptr},
     {HOST_SHADER_INTERFACE_CLASS, "FAKE", activateInterface, nullptr},
     {nullptr, nullptr, nullptr, nullptr},
 };
 
 }  // namespace
 
-#ifdef FAKE_SYMBOL
-#define _mod_descrip FAKE_SYMBOL
-#endif
-extern "C" [[gnu::visibility("default")]] const HostModuleDescriptor _mod_descrip;
-const HostModuleDescriptor _mod_descrip = {unless<unsigned>("wrong_sync", HOST_MODULE_SYNC, 0x12345678),
-   unless<unsigned>("wrong_version", HOST_MODULE_VERSION, 9), HOST_MODULE_MACHINE, startup, shutdown, servers};
+extern "C" [[gnu::visibility("default")]] const HostModuleDescriptor FAKE_SYMBOL;
+const HostModuleDescriptor FAKE_SYMBOL = {FAKE_SYNC, FAKE_VERSION, HOST_MODULE_MACHINE,
+                                          startup,   shutdown,     servers};
