@@ -52,22 +52,23 @@ class ShadingPlan : public testing::Test {
     std::string said_;
 };
 
-TEST_F(ShadingPlan, LooksGoOnTheSurfacesTheyName) {
+TEST_F(ShadingPlan, LooksGoOnTheSurfacesTheyNameAndPlainWins) {
     request_.looks = {{"", file("a.json")}, {"Glass*", file("b.json")}};
-    const auto planned = plan();
+    request_.plain = {"Glass.002"};
+    auto planned = plan();
     EXPECT_EQ((*planned[0].settings)["edgeCoverage"].dump(), "0.3");
     EXPECT_EQ((*planned[1].settings)["edgeCoverage"].dump(), "0.4");
     EXPECT_EQ((*planned[1].settings)["edgeEnable"], true) << "the last look alone counts";
-    EXPECT_EQ((*planned[2].settings)["lightList"].dump(), "[\"Key\",\"F\xc3\xbcll\"]");
+    EXPECT_EQ((*planned[1].settings)["lightList"].dump(), "[\"Key\",\"F\xc3\xbcll\"]");
     EXPECT_EQ((*planned[0].settings)["maxTraceDepth"], 3) << "the rest is built in";
+    EXPECT_FALSE(planned[2].settings);
     EXPECT_EQ(said_, "");
-}
-
-TEST_F(ShadingPlan, ANameIsNotAPattern) {
     request_.looks = {{"[odd]*", file("a.json")}};
-    const auto planned = plan();
-    EXPECT_TRUE(planned[3].settings);
+    planned = plan();
+    EXPECT_TRUE(planned[3].settings) << "a name before a pattern";
     EXPECT_FALSE(planned[0].settings);
+    request_.plain = {"Glas"};
+    EXPECT_THROW(plan(), Error);
 }
 
 TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {
@@ -94,19 +95,6 @@ TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {
     EXPECT_EQ(settings["lightList"].dump(), R"(["Key","Ambient"])");
     EXPECT_EQ(settings["highlightEnable"], "Off");
     EXPECT_FALSE(planned[1].settings) << "a change alone puts no shader on a plain surface";
-}
-
-TEST_F(ShadingPlan, PlainWinsAndNamesMustMatch) {
-    request_.looks = {{"", file("a.json")}};
-    request_.plain = {"Glass*"};
-    const auto planned = plan();
-    EXPECT_TRUE(planned[0].settings);
-    EXPECT_FALSE(planned[1].settings);
-    request_.plain = {"Glas"};
-    EXPECT_THROW(plan(), Error);
-    request_ = {};
-    request_.changes = {{"Body", "edgeEnable", "true"}};
-    EXPECT_THROW(plan(), Error);
 }
 
 TEST_F(ShadingPlan, WhatCannotBeUsedIsSaidOnce) {

@@ -17,6 +17,15 @@ class Recovery : public EditTest {
   protected:
     fs::path recoveryFolder() const { return folder_ / "state/tavora/recovery"; }
 
+    /// The kinds of files that sessions left or hold, sorted.
+    std::vector<std::string> files() const {
+        std::vector<std::string> kinds;
+        for (const auto& entry : fs::directory_iterator(recoveryFolder()))
+            kinds.push_back(entry.path().extension());
+        std::sort(kinds.begin(), kinds.end());
+        return kinds;
+    }
+
     /// A session that ends without a word.
     void abandon(const std::function<void(Document&)>& work) {
         const auto document = open();
@@ -99,12 +108,13 @@ TEST_F(Recovery, IsOfferedUntilItIsTakenSavedOrDiscarded) {
         document.recover();
         edit(document, 1, 0.7);
     });
-    const auto document = open();
+    auto document = open();
     ASSERT_TRUE(document->hasRecovery());
     document->recover();
     EXPECT_EQ(named(*document, 0)["edgeCoverage"], 0.5);
     EXPECT_EQ(named(*document, 1)["edgeCoverage"], 0.7);
     document->save();
+    document.reset();
     EXPECT_FALSE(open()->hasRecovery());
 }
 
@@ -113,13 +123,6 @@ TEST_F(Recovery, NothingIsWrittenForNothing) {
     document->writeRecovery();
     edit(*document, 0, 0.5);
     document->writeRecovery();
-    const auto files = [&] {
-        std::vector<std::string> names;
-        for (const auto& entry : fs::directory_iterator(recoveryFolder()))
-            names.push_back(entry.path().extension());
-        std::sort(names.begin(), names.end());
-        return names;
-    };
     EXPECT_THAT(files(), ElementsAre(".json", ".lock"));
     for (const auto& entry : fs::directory_iterator(recoveryFolder()))
         fs::remove(entry);

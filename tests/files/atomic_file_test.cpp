@@ -1,15 +1,13 @@
 #include "studio/files/atomic_file.h"
 
-#include <csignal>
-#include <functional>
 #include <gtest/gtest.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "studio/files/whole_file.h"
 #include "studio/util/error.h"
+#include "tests/files/small_disk.h"
 #include "tests/files/temporary_folder.h"
 
 namespace tavora::studio {
@@ -33,46 +31,32 @@ unsigned permissionsOf(const fs::path& file) {
     return status.st_mode & 0777U;
 }
 
-TEST(AtomicFile, AppearsOnlyAtCommit) {
+TEST(AtomicFile, AppearsOnlyAtCommitAndLeavesNothingWithout) {
     const TemporaryFolder folder;
     putBytes(folder / "a.txt", "old");
+    const auto throwing = [](int descriptor) {
+        std::string written(3, ' ');
+        EXPECT_EQ(::pread(descriptor, written.data(), written.size(), 0), 3);
+        EXPECT_EQ(written, "new");
+        throw Error(Fault::Output, "no good");
+    };
     {
         AtomicFile file(folder / "a.txt");
         file.write("new", 3);
-        EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
-        file.commit();
-        EXPECT_EQ(bytesOf(folder / "a.txt"), "new");
-    }
-    EXPECT_EQ(folder.names(), Names{"a.txt"});
-}
-
-TEST(AtomicFile, LeavesNothingWithoutCommit) {
-    const TemporaryFolder folder;
-    {
-        AtomicFile file(folder / "a.txt");
-        file.write("new", 3);
-        EXPECT_TRUE(fs::exists(file.temporaryPath()));
         EXPECT_EQ(file.temporaryPath().parent_path(), folder.path());
+        EXPECT_TRUE(fs::exists(file.temporaryPath()));
+        EXPECT_THROW(file.commit(throwing), Error);
     }
-    EXPECT_EQ(folder.names(), Names{});
-}
-
-TEST(AtomicFile, ReadBackThatThrowsKeepsTheOldFile) {
-    const TemporaryFolder folder;
-    putBytes(folder / "a.txt", "old");
-    {
-        AtomicFile file(folder / "a.txt");
-        file.write("new", 3);
-        EXPECT_THROW(file.commit([](int descriptor) {
-            std::string written(3, ' ');
-            EXPECT_EQ(::pread(descriptor, written.data(), written.size(), 0), 3);
-            EXPECT_EQ(written, "new");
-            throw Error(Fault::Output, "no good");
-        }),
-                     Error);
-    }
+    AtomicFile(folder / "a.txt").write("new", 3);
     EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
     EXPECT_EQ(folder.names(), Names{"a.txt"});
+    AtomicFile file(folder / "a.txt");
+    file.write("new", 3);
+    file.commit();
+    EXPECT_EQ(bytesOf(folder / "a.txt"), "new");
+    const std::string longest(255, 'x');
+    writeWholeFile(folder / longest, "x");
+    EXPECT_EQ(folder.names(), (Names{"a.txt", longest}));
 }
 
 TEST(AtomicFile, PermissionsComeFromTheOldFileOrTheMask) {
@@ -116,22 +100,6 @@ TEST(AtomicFile, RefusesWhatIsNoPlainFile) {
     EXPECT_NE(messageOf(folder / std::string(300, 'x')).find("shorter name"), std::string::npos);
 }
 
-TEST(AtomicFile, TakesTheLongestName) {
-    const TemporaryFolder folder;
-    const std::string name(255, 'x');
-    writeWholeFile(folder / name, "x");
-    EXPECT_EQ(folder.names(), Names{name});
-}
-
-/// Exit status of `body` run in a process of its own.
-int inChild(const std::function<int()>& body) {
-    const pid_t child = ::fork();
-    if (child == 0) ::_exit(body());
-    int status = 0;
-    ::waitpid(child, &status, 0);
-    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-}
-
 TEST(AtomicFile, RefusesWithoutPermission) {
     const TemporaryFolder folder;
     fs::create_directory(folder / "closed");
@@ -139,36 +107,17 @@ TEST(AtomicFile, RefusesWithoutPermission) {
     ::chmod(folder.path().c_str(), 0777);
     ::chmod((folder / "a.txt").c_str(), 0444);
     ::chmod((folder / "closed").c_str(), 0555);
-    const int status = inChild([&] {
+    const pid_t child = ::fork();
+    if (child == 0) {
         constexpr uid_t kNobody = 65534;
-        if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) return 1;
-        if (messageOf(folder / "a.txt").find("cannot be replaced") == std::string::npos) return 2;
-        if (messageOf(folder / "closed/b").find("may write to") == std::string::npos) return 3;
-        return 0;
-    });
+        if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) ::_exit(1);
+        if (messageOf(folder / "a.txt").find("cannot be replaced") == std::string::npos) ::_exit(2);
+        ::_exit(messageOf(folder / "closed/b").find("may write to") == std::string::npos ? 3 : 0);
+    }
+    int status = 0;
+    ::waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
 }
-
-/// A process whose files may grow to `bytes`, the way a disk fills up: the
-/// write that crosses the limit is cut short, the next one fails.
-class SmallDisk {
-  public:
-    explicit SmallDisk(rlim_t bytes) : handler_(std::signal(SIGXFSZ, SIG_IGN)) {
-        ::getrlimit(RLIMIT_FSIZE, &before_);
-        const rlimit small{bytes, before_.rlim_max};
-        ::setrlimit(RLIMIT_FSIZE, &small);
-    }
-    ~SmallDisk() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, handler_);
-    }
-    SmallDisk(const SmallDisk&) = delete;
-    SmallDisk& operator=(const SmallDisk&) = delete;
-
-  private:
-    rlimit before_{};
-    void (*handler_)(int);
-};
 
 TEST(AtomicFile, FullDiskLeavesTheOldFileAndFailsForGood) {
     const TemporaryFolder folder;
@@ -184,23 +133,6 @@ TEST(AtomicFile, FullDiskLeavesTheOldFileAndFailsForGood) {
     }
     EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
     EXPECT_EQ(folder.names(), Names{"a.txt"});
-}
-
-TEST(AtomicFile, SignalHandlerRemovesAllThatIsUnfinished) {
-    const TemporaryFolder folder;
-    const int status = inChild([&]() -> int {
-        const AtomicFile first(folder / "a.txt");
-        const AtomicFile second(folder / "b.txt");
-        writeWholeFile(folder / "c.txt", "kept");
-        std::signal(SIGTERM, [](int) {
-            removeUnfinishedFiles();
-            ::_exit(7);
-        });
-        ::raise(SIGTERM);
-        return 1;
-    });
-    EXPECT_EQ(status, 7);
-    EXPECT_EQ(folder.names(), Names{"c.txt"});
 }
 
 TEST(WholeFile, ReadsPlainFilesUpToALimit) {

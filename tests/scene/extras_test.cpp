@@ -35,8 +35,6 @@ TEST(ShaderExtras, ReturnWhatWasStored) {
     EXPECT_EQ(again.server, shader.server);
     EXPECT_EQ(again.enabled, shader.enabled);
     EXPECT_EQ(again.state, shader.state);
-    shader.state = sampleBlock();
-    EXPECT_EQ(read(extrasWithShader("{}", shader)).state, shader.state);
     StateBlock zones;
     for (int i = 0; i < 5000; ++i)
         append(zones, zoneItems(static_cast<float>(i) / 4999));
@@ -144,8 +142,8 @@ TEST(GltfSettings, SayWhatCannotBeStored) {
     EXPECT_THAT(store(inside, "b.glb", 0), HasSubstr("must end in .gltf"));
     EXPECT_THAT(store(inside, "b.gltf", 1), HasSubstr("no material 1"));
     EXPECT_THAT(store(inside, "b.gltf", -1), HasSubstr("no material -1"));
-    EXPECT_THAT(store(R"({"materials":5})", "b.gltf", 0), HasSubstr("no material 0"));
-    EXPECT_THAT(store(R"({"materials":[5]})", "b.gltf", 0), HasSubstr("no material 0"));
+    for (const char* document : {R"({"materials":5})", R"({"materials":[5]})"})
+        EXPECT_THAT(store(document, "b.gltf", 0), HasSubstr("no material 0"));
     EXPECT_THAT(store(R"({"materials":[{"extras":5}]})", "b.gltf", 0), HasSubstr("material 0: "));
     EXPECT_THAT(store("[", "b.gltf", 0), HasSubstr("a.gltf:1:2: not valid JSON"));
     EXPECT_THAT(store("5", "b.gltf", 0), HasSubstr("no glTF document"));

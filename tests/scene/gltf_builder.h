@@ -75,6 +75,14 @@ class GltfBuilder {
         return index;
     }
 
+    /// A primitive alone on its node, with what stands beside its attributes.
+    Scene readPrimitive(const Json& attributes, const Json& members = Json::object()) {
+        const int index = mesh(attributes);
+        primitive(index).update(members);
+        root({{"mesh", index}});
+        return read();
+    }
+
     /// The triangle (0,0,0) (1,0,0) (0,1,0) under a node with these members.
     void triangle(Json node = Json::object()) {
         node["mesh"] = mesh({{"POSITION", accessor(corners(), "VEC3")}});
@@ -82,6 +90,7 @@ class GltfBuilder {
     }
 
     static std::vector<float> corners() { return {0, 0, 0, 1, 0, 0, 0, 1, 0}; }
+    static std::vector<float> upward() { return {0, 0, 1, 0, 0, 1, 0, 0, 1}; }
 
     /// Writes a .gltf with its buffer beside it.
     std::filesystem::path write(const TemporaryFolder& folder) const {

@@ -15,13 +15,6 @@ using Imath::V4f;
 const std::vector<float> kSquare = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
 const std::vector<float> kSquareStrip = {0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 1, 0};
 
-Scene readPrimitive(GltfBuilder& file, const Json& members) {
-    const int mesh = file.mesh(members["attributes"]);
-    file.primitive(mesh).update(members);
-    file.root({{"mesh", mesh}});
-    return file.read();
-}
-
 /// Twice the area of the triangles, along +z when they wind counter-clockwise.
 float windingZ(const Mesh& mesh) {
     float sum = 0;
@@ -50,71 +43,55 @@ TEST(GltfGeometry, StripsAndFansWindLikeLists) {
     };
     for (const Case& c : cases) {
         GltfBuilder file;
-        Json members = {{"mode", c.mode},
-                        {"attributes", {{"POSITION", file.accessor(c.positions, "VEC3")}}}};
+        const Json attributes = {{"POSITION", file.accessor(c.positions, "VEC3")}};
+        Json members = {{"mode", c.mode}};
         if (!c.indices.empty()) members["indices"] = file.accessor(c.indices, "SCALAR");
-        const Scene scene = readPrimitive(file, members);
+        const Scene scene = file.readPrimitive(attributes, members);
         EXPECT_EQ(firstMesh(scene).triangles.size(), c.triangles) << "mode " << c.mode;
         EXPECT_FLOAT_EQ(windingZ(firstMesh(scene)), c.winding) << "mode " << c.mode;
     }
-}
-
-TEST(GltfGeometry, PointsAndLinesAreLeftOutWithAWarning) {
-    GltfBuilder file;
-    const Scene scene = readPrimitive(
-        file, {{"mode", 1}, {"attributes", {{"POSITION", file.accessor(kSquare, "VEC3")}}}});
+    GltfBuilder lines;
+    const int corners = lines.accessor(kSquare, "VEC3");
+    const Scene scene = lines.readPrimitive({{"POSITION", corners}}, {{"mode", 1}});
     EXPECT_TRUE(scene.objects.empty());
     ASSERT_EQ(scene.warnings.size(), 2U);
     EXPECT_NE(scene.warnings[0].find("points and lines are not drawn"), std::string::npos);
 }
 
-TEST(GltfGeometry, AbsentNormalsAreFlat) {
+TEST(GltfGeometry, NormalsAreOfLengthOneAndFlatWhereThereAreNone) {
     GltfBuilder file;
     // Two triangles that share an edge, folded by a right angle.
-    const std::vector<float> folded = {0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1};
-    const std::vector<std::uint8_t> indices = {0, 1, 2, 0, 2, 3};
-    const Scene scene =
-        readPrimitive(file, {{"attributes", {{"POSITION", file.accessor(folded, "VEC3")}}},
-                             {"indices", file.accessor(indices, "SCALAR")}});
-    const Mesh& mesh = firstMesh(scene);
+    const int folded = file.accessor<float>({0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0, 1}, "VEC3");
+    const int indices = file.accessor<std::uint8_t>({0, 1, 2, 0, 2, 3}, "SCALAR");
+    const Scene bare = file.readPrimitive({{"POSITION", folded}}, {{"indices", indices}});
+    const Mesh& mesh = firstMesh(bare);
     EXPECT_FALSE(mesh.smooth);
     ASSERT_EQ(mesh.triangles.size(), 2U);
-    for (std::uint32_t i : mesh.triangles[0])
-        EXPECT_EQ(mesh.normals[i], V3f(0, 0, 1));
-    for (std::uint32_t i : mesh.triangles[1])
-        EXPECT_EQ(mesh.normals[i], V3f(1, 0, 0));
-}
-
-TEST(GltfGeometry, NormalsBecomeUnitAndTellSmoothFromFlat) {
-    GltfBuilder file;
-    const std::vector<float> up = {0, 0, 2, 0, 0, 5, 0, 0, 0.001F};
-    const Scene flat =
-        readPrimitive(file, {{"attributes",
-                              {{"POSITION", file.accessor(GltfBuilder::corners(), "VEC3")},
-                               {"NORMAL", file.accessor(up, "VEC3")}}}});
+    for (std::size_t t = 0; t < 2; ++t) {
+        for (std::uint32_t i : mesh.triangles[t])
+            EXPECT_EQ(mesh.normals[i], t == 0 ? V3f(0, 0, 1) : V3f(1, 0, 0));
+    }
+    const auto withNormals = [](const std::vector<float>& normals) {
+        GltfBuilder stored;
+        const int corners = stored.accessor(GltfBuilder::corners(), "VEC3");
+        return stored.readPrimitive(
+            {{"POSITION", corners}, {"NORMAL", stored.accessor(normals, "VEC3")}});
+    };
+    const Scene flat = withNormals({0, 0, 2, 0, 0, 5, 0, 0, 0.001F});
     for (const V3f& n : firstMesh(flat).normals)
         EXPECT_EQ(n, V3f(0, 0, 1));
     EXPECT_FALSE(firstMesh(flat).smooth) << "stored normals that are the flat ones";
-
-    GltfBuilder bulged;
-    const std::vector<float> apart = {0, 0, 1, 0.6F, 0, 0.8F, 0, 0, 0};
-    const Scene smooth =
-        readPrimitive(bulged, {{"attributes",
-                                {{"POSITION", bulged.accessor(GltfBuilder::corners(), "VEC3")},
-                                 {"NORMAL", bulged.accessor(apart, "VEC3")}}}});
+    const Scene smooth = withNormals({0, 0, 1, 0.6F, 0, 0.8F, 0, 0, 0});
     EXPECT_TRUE(firstMesh(smooth).smooth);
     EXPECT_EQ(firstMesh(smooth).normals[2], V3f(0, 0, 1)) << "no length: the triangle's own";
-}
 
-TEST(GltfGeometry, TrianglesWithoutAreaGiveUnitNormals) {
-    const std::vector<std::vector<float>> shapes = {{1, 2, 3, 1, 2, 3, 1, 2, 3},
-                                                    {0, 0, 0, 1, 1, 1, 2, 2, 2},
-                                                    {0, 0, 0, 1e-30F, 0, 0, 0, 1e-30F, 0},
-                                                    {0, 0, 0, 1e17F, 0, 0, 0, 1e17F, 0}};
-    for (const auto& shape : shapes) {
-        GltfBuilder file;
-        const Scene scene =
-            readPrimitive(file, {{"attributes", {{"POSITION", file.accessor(shape, "VEC3")}}}});
+    const std::vector<std::vector<float>> withoutArea = {{1, 2, 3, 1, 2, 3, 1, 2, 3},
+                                                         {0, 0, 0, 1, 1, 1, 2, 2, 2},
+                                                         {0, 0, 0, 1e-30F, 0, 0, 0, 1e-30F, 0},
+                                                         {0, 0, 0, 1e17F, 0, 0, 0, 1e17F, 0}};
+    for (const auto& shape : withoutArea) {
+        GltfBuilder thin;
+        const Scene scene = thin.readPrimitive({{"POSITION", thin.accessor(shape, "VEC3")}});
         for (const V3f& n : firstMesh(scene).normals)
             EXPECT_NEAR(n.length(), 1, 1e-5);
     }
@@ -130,55 +107,43 @@ TEST(GltfGeometry, SparseAccessorsReplaceTheirBaseOrZeros) {
             R"({"componentType": 5126, "count": 3, "type": "VEC3", "sparse": {"count": 2,
             "indices": {"bufferView": 0, "componentType": 5123}, "values": {"bufferView": 1}}})"_j;
         if (based) accessor["bufferView"] = 2;
-        const int index = file.add("accessors", accessor);
-        const Scene scene = readPrimitive(file, {{"attributes", {{"POSITION", index}}}});
+        const Scene scene = file.readPrimitive({{"POSITION", file.add("accessors", accessor)}});
         EXPECT_EQ(firstMesh(scene).positions,
                   (std::vector{based ? V3f(7, 7, 0) : V3f(0), V3f(3, 0, 0), V3f(0, 4, 0)}));
+        file.bytes[2] = 3;
+        const TemporaryFolder folder;
+        EXPECT_NE(refusalOf(file.write(folder)).find("element 3 of 3"), std::string::npos);
     }
 }
 
-TEST(GltfGeometry, NormalizedIntegersBecomeFractions) {
+TEST(GltfGeometry, IntegersBecomeFractionsOrStayWholeAndStridesAreStepped) {
     GltfBuilder file;
     const std::vector<std::int16_t> positions = {-32768, 0, 0, 32767, 0, 0, 0, 32767, 0};
     const std::vector<std::int8_t> normals = {0, 0, 127, 0, 0, 127, 0, 0, 127};
     const std::vector<std::uint16_t> uvs = {0, 65535, 65535, 0, 32768, 0};
     const std::vector<std::uint8_t> colors = {255, 0, 51, 255, 255, 255, 0, 0, 0};
-    const Scene scene = readPrimitive(file, {{"attributes",
-                                              {{"POSITION", file.accessor(positions, "VEC3", true)},
-                                               {"NORMAL", file.accessor(normals, "VEC3", true)},
-                                               {"TEXCOORD_0", file.accessor(uvs, "VEC2", true)},
-                                               {"COLOR_0", file.accessor(colors, "VEC3", true)}}}});
-    const Mesh& mesh = firstMesh(scene);
-    EXPECT_EQ(mesh.positions[0], V3f(-1, 0, 0)) << "never below -1";
-    EXPECT_EQ(mesh.positions[1], V3f(1, 0, 0));
-    EXPECT_EQ(mesh.normals[0], V3f(0, 0, 1));
-    EXPECT_EQ(mesh.uvs[0][0], V2f(0, 1));
-    EXPECT_EQ(mesh.colors[0], V4f(1, 0, 0.2F, 1));
-}
+    Json attributes = {{"POSITION", file.accessor(positions, "VEC3", true)}};
+    attributes["NORMAL"] = file.accessor(normals, "VEC3", true);
+    attributes["TEXCOORD_0"] = file.accessor(uvs, "VEC2", true);
+    attributes["COLOR_0"] = file.accessor(colors, "VEC3", true);
+    const Scene fractions = file.readPrimitive(attributes);
+    EXPECT_EQ(firstMesh(fractions).positions[0], V3f(-1, 0, 0)) << "never below -1";
+    EXPECT_EQ(firstMesh(fractions).positions[1], V3f(1, 0, 0));
+    EXPECT_EQ(firstMesh(fractions).normals[0], V3f(0, 0, 1));
+    EXPECT_EQ(firstMesh(fractions).uvs[0][0], V2f(0, 1));
+    EXPECT_EQ(firstMesh(fractions).colors[0], V4f(1, 0, 0.2F, 1));
 
-TEST(GltfGeometry, PlainIntegersStayWholeAndStridesAreStepped) {
-    GltfBuilder file;
-    // Interleaved: position (3 shorts, 1 of padding), UV (2 shorts).
-    const std::vector<std::int16_t> mixed = {0,  0, 0, 99, 5,  6, 10, 0, 0,
-                                             99, 7, 8, 0,  20, 0, 99, 9, 10};
-    const int view = file.view(mixed);
-    file.document["bufferViews"][0]["byteStride"] = 12;
-    const auto part = [&](int offset, const char* type) {
-        return file.add("accessors", {{"bufferView", view},
-                                      {"byteOffset", offset},
-                                      {"componentType", 5122},
-                                      {"count", 3},
-                                      {"type", type}});
-    };
-    const int positions = part(0, "VEC3");
-    const int uvs = part(8, "VEC2");
-    const Scene scene =
-        readPrimitive(file, {{"attributes", {{"POSITION", positions}, {"TEXCOORD_1", uvs}}}});
-    const Mesh& mesh = firstMesh(scene);
-    EXPECT_EQ(mesh.positions[1], V3f(10, 0, 0));
-    EXPECT_EQ(mesh.positions[2], V3f(0, 20, 0));
-    EXPECT_TRUE(mesh.uvs[0].empty());
-    EXPECT_EQ(mesh.uvs[1][2], V2f(9, 10));
+    GltfBuilder interleaved;  // position (3 shorts, 1 of padding), UV (2 shorts)
+    interleaved.view<std::int16_t>({0, 0, 0, 99, 5, 6, 10, 0, 0, 99, 7, 8, 0, 20, 0, 99, 9, 10});
+    interleaved.document["bufferViews"][0]["byteStride"] = 12;
+    Json part = R"({"bufferView": 0, "componentType": 5122, "count": 3, "type": "VEC3"})"_j;
+    interleaved.add("accessors", part);
+    part.update({{"byteOffset", 8}, {"type", "VEC2"}});
+    interleaved.add("accessors", part);
+    const Scene whole = interleaved.readPrimitive({{"POSITION", 0}, {"TEXCOORD_1", 1}});
+    EXPECT_EQ(firstMesh(whole).positions[2], V3f(0, 20, 0));
+    EXPECT_TRUE(firstMesh(whole).uvs[0].empty());
+    EXPECT_EQ(firstMesh(whole).uvs[1][2], V2f(9, 10));
 }
 
 TEST(GltfGeometry, MeshesAreSharedBetweenNodesAndSkippedVerticesDropped) {
@@ -186,33 +151,22 @@ TEST(GltfGeometry, MeshesAreSharedBetweenNodesAndSkippedVerticesDropped) {
     std::vector<float> pool(3000, 5.0F);
     const std::vector<float> corners = GltfBuilder::corners();
     std::copy(corners.begin(), corners.end(), pool.begin() + 300);
-    const std::vector<std::uint16_t> indices = {100, 101, 102};
     const int mesh = file.mesh(
         {{"POSITION", file.accessor(pool, "VEC3")}, {"NORMAL", file.accessor(pool, "VEC3")}},
-        file.accessor(indices, "SCALAR"));
-    file.root({{"mesh", mesh}});
-    file.root({{"mesh", mesh}, {"translation", {5, 0, 0}}});
-    const Scene scene = file.read();
-    ASSERT_EQ(scene.objects.size(), 2U);
-    EXPECT_EQ(scene.objects[0]->parts[0].mesh, scene.objects[1]->parts[0].mesh);
-    EXPECT_EQ(firstMesh(scene).positions.size(), 3U);
-    EXPECT_EQ(firstMesh(scene).positions[1], V3f(1, 0, 0));
-    EXPECT_EQ(scene.bounds.max, Imath::V3d(6, 1, 0));
-}
-
-TEST(GltfGeometry, PartsNumberTheirPolygonsThroughTheObject) {
-    GltfBuilder file;
-    const int positions = file.accessor(kSquareStrip, "VEC3");
-    const int mesh = file.mesh({{"POSITION", positions}});
-    file.primitive(mesh)["mode"] = 5;
+        file.accessor<std::uint16_t>({100, 101, 102}, "SCALAR"));
     Json second = file.primitive(mesh);
     second["material"] = file.add("materials", {{"name", "Red"}});
     file.document["meshes"][0]["primitives"].push_back(second);
     file.root({{"mesh", mesh}});
+    file.root({{"mesh", mesh}, {"translation", {5, 0, 0}}});
     const Scene scene = file.read();
-    const auto& parts = scene.objects.at(0)->parts;
-    ASSERT_EQ(parts.size(), 2U);
-    EXPECT_EQ(parts[1].firstPolygon, 2);
+    ASSERT_EQ(scene.objects.size(), 2U);
+    const auto& parts = scene.objects[0]->parts;
+    EXPECT_EQ(parts.at(1).mesh, scene.objects[1]->parts.at(1).mesh);
+    EXPECT_EQ(firstMesh(scene).positions.size(), 3U);
+    EXPECT_EQ(firstMesh(scene).positions[1], V3f(1, 0, 0));
+    EXPECT_EQ(scene.bounds.max, Imath::V3d(6, 1, 0));
+    EXPECT_EQ(parts[1].firstPolygon, 1) << "numbered through the object";
     EXPECT_EQ(scene.surfaces.at(static_cast<std::size_t>(parts[0].surface)).name, "Default");
     EXPECT_EQ(scene.surfaces.at(static_cast<std::size_t>(parts[1].surface)).name, "Red");
 }

@@ -76,15 +76,15 @@ TEST(GltfPose, OnlyTheChosenSceneIsDrawn) {
     EXPECT_EQ(file.read().objects.size(), 2U) << "no scene: all nodes";
 }
 
-/// A triangle of which each corner hangs on joints as `joints` and `weights` say.
+/// A triangle whose corners hang on two joints, of which the second stands
+/// outside the scene that is drawn.
 struct Skinned {
     GltfBuilder file;
-    Json attributes;
+    Json attributes = {{"POSITION", file.accessor(GltfBuilder::corners(), "VEC3")}};
 
-    Skinned() { attributes["POSITION"] = file.accessor(GltfBuilder::corners(), "VEC3"); }
-
-    void hang(const std::string& set, const std::vector<std::uint8_t>& joints,
-              const std::vector<float>& weights) {
+    void hang(const std::string& set = "0",
+              const std::vector<std::uint8_t>& joints = std::vector<std::uint8_t>(12, 0),
+              const std::vector<float>& weights = {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}) {
         attributes["JOINTS_" + set] = file.accessor(joints, "VEC4");
         attributes["WEIGHTS_" + set] = file.accessor(weights, "VEC4");
     }
@@ -93,7 +93,7 @@ struct Skinned {
         const int mesh = file.mesh(attributes);
         file.root({{"mesh", mesh}, {"skin", 0}, {"translation", {100, 100, 100}}});
         file.root(jointA);
-        file.add("nodes", jointB);  // outside the scene that is drawn
+        file.add("nodes", jointB);
         file.add("skins", {{"joints", {1, 2}}});
         return file.read();
     }
@@ -103,8 +103,7 @@ TEST(GltfPose, SkinsBlendTheirJointsByRelativeWeight) {
     Skinned skinned;
     skinned.hang("0", {0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0},
                  {0.25F, 0, 0, 0, 0.5F, 0, 0, 0, 0.1F, 0.3F, 0, 0});
-    skinned.hang("1", {0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0},
-                 {0, 0, 0, 0, 0.5F, 0, 0, 0, 0, 0, 0, 0});
+    skinned.hang("1", std::vector<std::uint8_t>(12, 0), {0, 0, 0, 0, 0.5F, 0, 0, 0, 0, 0, 0, 0});
     const Scene scene = skinned.read({{"translation", {0, 0, 8}}}, {{"translation", {0, 0, 4}}});
     const Mesh& mesh = firstMesh(scene);
     EXPECT_EQ(mesh.positions[0], V3f(0, 0, 8)) << "weights below 1, the node's own place unused";
@@ -114,41 +113,33 @@ TEST(GltfPose, SkinsBlendTheirJointsByRelativeWeight) {
     EXPECT_EQ(scene.bounds.max.z, 8);
 }
 
-TEST(GltfPose, SkinnedNormalsTurnAndMirrorWithTheirJoints) {
+TEST(GltfPose, SkinnedNormalsTurnAndMirrorWithTheirJointsAfterTheInverseBind) {
+    const Json joint = {{"scale", {-1, 2, 3}}, {"rotation", {kHalf, 0, 0, kHalf}}};  // z to -y
     for (const bool stored : {true, false}) {
         Skinned skinned;
-        const std::vector<float> up = {0, 0, 1, 0, 0, 1, 0, 0, 1};
-        if (stored) skinned.attributes["NORMAL"] = skinned.file.accessor(up, "VEC3");
-        skinned.hang("0", std::vector<std::uint8_t>(12, 0), {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0});
-        const Json joint = {{"scale", {-1, 2, 3}}, {"rotation", {kHalf, 0, 0, kHalf}}};
-        const Scene scene = skinned.read(joint, joint);  // z to -y
+        if (stored) {
+            skinned.attributes["NORMAL"] = skinned.file.accessor(GltfBuilder::upward(), "VEC3");
+        }
+        skinned.hang();
+        std::vector<float> bind = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -3, 0, 0, 1};
+        bind.insert(bind.end(), bind.begin(), bind.end());
+        const int accessor = skinned.file.accessor(bind, "MAT4");
+        skinned.file.add("skins", {{"joints", {1, 2}}, {"inverseBindMatrices", accessor}});
+        const Scene scene = skinned.read(joint, joint);
         EXPECT_TRUE(scene.objects[0]->mirrored);
+        expectNear(V3d(firstMesh(scene).positions[2]), V3d(3, 0, 2));
         for (const V3f& n : firstMesh(scene).normals)
             expectNear(V3d(n), V3d(0, -1, 0), stored ? "stored" : "made");
     }
 }
 
-TEST(GltfPose, InverseBindMatricesComeFirst) {
-    Skinned skinned;
-    skinned.hang("0", std::vector<std::uint8_t>(12, 0), {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0});
-    std::vector<float> bind = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -3, 0, 0, 1};
-    bind.insert(bind.end(), bind.begin(), bind.end());
-    const int accessor = skinned.file.accessor(bind, "MAT4");
-    skinned.file.add("skins", {{"joints", {1, 2}}, {"inverseBindMatrices", accessor}});
-    const Json joint = {{"rotation", {0, 0, kHalf, kHalf}}};  // x to y
-    const Scene scene = skinned.read(joint, joint);
-    expectNear(V3d(firstMesh(scene).positions[1]), V3d(0, -2, 0));
-}
-
 TEST(GltfPose, MorphWeightsOfTheNodeReplaceThoseOfTheMesh) {
     GltfBuilder file;
-    const std::vector<float> up = {0, 0, 1, 0, 0, 1, 0, 0, 1};
-    const std::vector<float> lift = {0, 0, 1, 0, 0, 0, 0, 0, 0};
-    const std::vector<float> side = {1, 0, 0, 0, 0, 0, 0, 0, 0};
     const int mesh = file.mesh({{"POSITION", file.accessor(GltfBuilder::corners(), "VEC3")},
-                                {"NORMAL", file.accessor(up, "VEC3")}});
-    const int sideways = file.accessor(side, "VEC3");
-    file.primitive(mesh)["targets"] = {{{"POSITION", file.accessor(lift, "VEC3")}},
+                                {"NORMAL", file.accessor(GltfBuilder::upward(), "VEC3")}});
+    const int sideways = file.accessor<float>({1, 0, 0, 0, 0, 0, 0, 0, 0}, "VEC3");
+    const int lift = file.accessor<float>({0, 0, 1, 0, 0, 0, 0, 0, 0}, "VEC3");
+    file.primitive(mesh)["targets"] = {{{"POSITION", lift}},
                                        {{"POSITION", sideways}, {"NORMAL", sideways}}};
     file.document["meshes"][0]["weights"] = {0.5, 0};
     file.root({{"mesh", mesh}});
@@ -165,10 +156,9 @@ TEST(GltfPose, MorphWeightsOfTheNodeReplaceThoseOfTheMesh) {
     EXPECT_EQ(meshAt(0), meshAt(3)) << "bent alike, shared";
 
     GltfBuilder bare;
-    const int folded = bare.mesh({{"POSITION", bare.accessor(GltfBuilder::corners(), "VEC3")}});
-    const std::vector<float> fold = {0, 0, 0, 0, 0, 0, 0, -1, 1};  // (0,1,0) to (0,0,1)
-    bare.primitive(folded)["targets"] = {{{"POSITION", bare.accessor(fold, "VEC3")}}};
-    bare.root({{"mesh", folded}, {"weights", {1}}});
+    const int fold = bare.accessor<float>({0, 0, 0, 0, 0, 0, 0, -1, 1}, "VEC3");
+    bare.triangle({{"weights", {1}}});  // (0,1,0) to (0,0,1)
+    bare.primitive(0)["targets"] = {{{"POSITION", fold}}};
     const Scene bent = bare.read();
     for (const V3f& n : firstMesh(bent).normals)
         EXPECT_EQ(n, V3f(0, -1, 0)) << "made normals follow";
@@ -212,54 +202,40 @@ TEST(GltfPose, LightsShineAlongMinusZWithoutTheirNodesScale) {
     EXPECT_NEAR(scene.lights[3]->outerCosine, std::sqrt(0.5), 1e-9);
 }
 
-TEST(GltfPose, SwitchesAreThoseOfTheLightThenOfItsNode) {
-    GltfBuilder file;
-    lightsOf(file) = R"([{"type": "point"},
-        {"type": "point", "extras": {"tavora": {"makesHighlights": false,
-                                               "castsShadow": false}}}])"_j;
-    file.root(onLight(0));
-    file.root(onLight(1));
-    file.root(
-        onLight(1, R"({"extras": {"tavora": {"makesHighlights": true, "castsShadow": 1}}})"_j));
-    file.root(onLight(0, R"({"extras": {"tavora": {"makesHighlights": "no"}}})"_j));
-    file.root(onLight(0, R"({"extras": [{"makesHighlights": false}]})"_j));
-    const Scene scene = file.read();
-    std::vector<bool> makes;
-    std::vector<bool> casts;
-    for (const auto& light : scene.lights) {
-        makes.push_back(light->makesHighlights);
-        casts.push_back(light->castsShadow);
-    }
-    EXPECT_EQ(makes, (std::vector<bool>{true, false, true, true, true}));
-    EXPECT_EQ(casts, (std::vector<bool>{true, false, false, true, true}));
-    EXPECT_THAT(scene.warnings,
-                testing::IsSupersetOf({HasSubstr("/nodes/3/extras/tavora/makesHighlights"),
-                                       HasSubstr("/nodes/2/extras/tavora/castsShadow")}));
-}
-
-TEST(GltfPose, LightsHaveSizesOfTheirKind) {
+TEST(GltfPose, SwitchesAndSizesAreThoseOfTheLightThenOfItsNode) {
     GltfBuilder file;
     lightsOf(file) = R"([{"type": "point", "extras": {"tavora": {"radius": 0.5}}},
-        {"type": "directional", "extras": {"tavora": {"angle": 60}}},
+        {"type": "directional", "extras": {"tavora": {"angle": 60, "makesHighlights": false,
+                                                      "castsShadow": false}}},
         {"type": "spot", "spot": {}, "extras": {"tavora": {"radius": -1, "angle": 3}}}])"_j;
-    for (int i = 0; i < 3; ++i)
-        file.root(onLight(i));
-    file.root(onLight(0, R"({"extras": {"tavora": {"radius": 2}}})"_j));
-    file.root(onLight(1, R"({"extras": {"tavora": {"radius": 2, "angle": "wide"}}})"_j));
+    const char* const nodes[] = {
+        R"({})", R"({"radius": 2, "makesHighlights": "no"})",  // on the first light
+        R"({})", R"({"radius": 2, "angle": "wide", "makesHighlights": true, "castsShadow": 1})",
+        R"({})"};
+    for (int i = 0; i < 5; ++i) {
+        Json node;
+        node["extras"]["tavora"] = Json::parse(nodes[i]);
+        file.root(onLight(i / 2, node));
+    }
+    file.root(onLight(0, R"({"extras": [{"makesHighlights": false}]})"_j));
     const Scene scene = file.read();
-    EXPECT_EQ(scene.lights[0]->radius, 0.5);
-    EXPECT_NEAR(scene.lights[1]->angle, std::acos(0.5), 1e-12);
-    EXPECT_EQ(scene.lights[2]->radius, 0);
-    EXPECT_EQ(scene.lights[2]->angle, 0);
-    EXPECT_EQ(scene.lights[3]->radius, 2);
-    EXPECT_EQ(scene.lights[4]->radius, 0);
-    EXPECT_NEAR(scene.lights[4]->angle, std::acos(0.5), 1e-12);
-    EXPECT_THAT(scene.warnings,
-                testing::UnorderedElementsAre(HasSubstr("lights/2/extras/tavora/radius"),
-                                              HasSubstr("lights/2/extras/tavora/angle"),
-                                              HasSubstr("nodes/4/extras/tavora/radius"),
-                                              HasSubstr("nodes/4/extras/tavora/angle"),
-                                              HasSubstr("nothing to draw")));
+    std::string switches;
+    for (const auto& light : scene.lights)
+        switches += {light->makesHighlights ? 'h' : '-', light->castsShadow ? 's' : '-', ' '};
+    EXPECT_EQ(switches, "hs hs -- h- hs hs ");
+    const double sixty = std::acos(0.5);
+    const std::pair<double, double> sizes[] = {{0.5, 0}, {2, 0}, {0, sixty}, {0, sixty}, {0, 0}};
+    for (std::size_t i = 0; i < 5; ++i) {
+        EXPECT_EQ(scene.lights[i]->radius, sizes[i].first) << i;
+        EXPECT_NEAR(scene.lights[i]->angle, sizes[i].second, 1e-12) << i;
+    }
+    EXPECT_THAT(
+        scene.warnings,
+        testing::UnorderedElementsAre(
+            HasSubstr("lights/2/extras/tavora/radius"), HasSubstr("lights/2/extras/tavora/angle"),
+            HasSubstr("nodes/1/extras/tavora/makesHighlights"),
+            HasSubstr("nodes/3/extras/tavora/radius"), HasSubstr("nodes/3/extras/tavora/angle"),
+            HasSubstr("nodes/3/extras/tavora/castsShadow"), HasSubstr("nothing to draw")));
 }
 
 TEST(GltfPose, NamesAreUniqueAndLightNamesFit79Bytes) {
@@ -306,7 +282,7 @@ TEST(GltfPose, CamerasAreRightHandedAndUnscaled) {
     expectNear(V3d(0, 0, -1) * scene.cameras[1].cameraToWorld, V3d(0, 0, 1));
 }
 
-TEST(GltfPose, AmbientAndAnimationsOfTheScene) {
+TEST(GltfPose, AmbientIsAGreyOrAColour) {
     const std::vector<std::pair<std::string, std::optional<V3d>>> cases = {
         {R"({"ambient": 0.25})", V3d(0.25)},     {R"({"ambient": [0, 0.5, 1]})", V3d(0, 0.5, 1)},
         {R"({"ambient": "dim"})", std::nullopt}, {R"({"ambient": [1, 2]})", std::nullopt},

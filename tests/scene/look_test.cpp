@@ -37,6 +37,7 @@ struct Refused {
 };
 
 TEST(Look, SaysWhereItIsWrong) {
+    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
     const Refused cases[] = {
         {"", "look.json:1:1: not valid JSON"},
         {"{\"tavora\": \"look\",\n \"version\": 1,\n ]", "look.json:3:2: not valid JSON"},
@@ -62,18 +63,13 @@ TEST(Look, SaysWhereItIsWrong) {
         {lookText(R"({"zones": [{"position": 0}, {"position": 1, "opacty": 1}]})"),
          "zones[1]: unknown setting \"opacty\"; did you mean opacity"},
         {lookText(R"({"zones[0].color": "#ffffff"})"), "give the whole list"},
+        {lookText("{\"zones\": " + deep + "}"), "zones[0] must be"},
     };
     for (const Refused& refused : cases) {
         const std::string message = refusal([&] { parseLook(refused.text, "look.json"); });
-        EXPECT_THAT(message, HasSubstr(refused.says)) << refused.text;
+        EXPECT_THAT(message, HasSubstr(refused.says)) << refused.text.substr(0, 200);
         EXPECT_EQ(message.find('\n'), std::string::npos);
     }
-}
-
-TEST(Look, DeepNestingIsAnOrdinaryFault) {
-    const std::string deep = std::string(100000, '[') + std::string(100000, ']');
-    EXPECT_THAT(refusal([&] { parseLook(lookText("{\"zones\": " + deep + "}"), "l"); }),
-                HasSubstr("zones[0] must be"));
 }
 
 TEST(Look, FilesThatCannotBeReadAreNamed) {

@@ -1,11 +1,11 @@
 // Every real model: the counts of its maker's documentation, and data that the
 // renderer can rely on.
 
-#include <algorithm>
-#include <cmath>
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
-#include "tests/scene/gltf_builder.h"
+#include "studio/scene/gltf/reader.h"
+#include "tests/scene/sound_scene.h"
 
 namespace tavora::studio {
 namespace {
@@ -22,41 +22,22 @@ struct Model {
 
 class Models : public testing::TestWithParam<Model> {};
 
-/// What the renderer relies on, for every mesh.
-void expectSound(const Mesh& mesh) {
-    const auto fits = [&](const auto& values) {
-        return values.empty() || values.size() == mesh.positions.size();
-    };
-    ASSERT_EQ(mesh.normals.size(), mesh.positions.size());
-    EXPECT_TRUE(fits(mesh.colors) && std::all_of(mesh.uvs.begin(), mesh.uvs.end(), fits));
-    std::size_t odd = 0;
-    for (std::size_t i = 0; i < mesh.positions.size(); ++i) {
-        if (!std::isfinite(mesh.positions[i].length2())) ++odd;
-        if (std::abs(mesh.normals[i].length2() - 1) > 1e-5F) ++odd;
-    }
-    for (const auto& triangle : mesh.triangles)
-        for (std::uint32_t i : triangle)
-            if (i >= mesh.positions.size()) ++odd;
-    EXPECT_EQ(odd, 0U) << mesh.name;
-}
-
 TEST_P(Models, ReadWholeAndSound) {
-    const std::filesystem::path file = std::filesystem::path(TAVORA_MODELS) / GetParam().file;
-    if (!std::filesystem::exists(file)) GTEST_SKIP() << "no model " << file;
+    const Model& model = GetParam();
+    const std::filesystem::path file = std::filesystem::path(TAVORA_MODELS) / model.file;
+    ASSERT_TRUE(exists(file)) << "configure with TAVORA_MODELS, the folder that holds " << file;
     const Scene scene = readGltf(file);
+    EXPECT_EQ(faultOf(scene), "");
     std::size_t triangles = 0;
     for (const auto& object : scene.objects) {
-        for (const Part& part : object->parts) {
+        for (const Part& part : object->parts)
             triangles += part.mesh->triangles.size();
-            expectSound(*part.mesh);
-        }
     }
-    EXPECT_EQ(triangles, GetParam().drawn);
-    EXPECT_EQ(scene.surfaces.size(), GetParam().materials + 1);
-    EXPECT_EQ(scene.images.size(), GetParam().images);
-    EXPECT_EQ(scene.lights.size(), GetParam().lights);
-    EXPECT_EQ(scene.cameras.size(), GetParam().cameras);
-    EXPECT_EQ(scene.animations.size(), GetParam().animations);
+    EXPECT_EQ(triangles, model.drawn);
+    EXPECT_THAT((std::vector{scene.surfaces.size(), scene.images.size(), scene.lights.size(),
+                             scene.cameras.size(), scene.animations.size()}),
+                testing::ElementsAre(model.materials + 1, model.images, model.lights, model.cameras,
+                                     model.animations));
     EXPECT_TRUE(scene.warnings.empty());
 }
 

@@ -59,7 +59,10 @@ TEST(PortableMath, DisplayValuesComeBackFromLight) {
     for (int level = 0; level <= 65535; ++level) {
         const double value = level / 65535.0;
         ASSERT_NEAR(toEncoded(toLinear(value)), value, 16 * kUlp);
+        ASSERT_DOUBLE_EQ(toEncoded(-value), -toEncoded(value));
     }
+    EXPECT_NEAR(toEncoded(0.0031308), 0.04045, 1e-5);
+    EXPECT_DOUBLE_EQ(toLinear(-0.04), -0.04 / 12.92);
     expectNear(toLinear(0.5), std::pow(0.555 / 1.055, 2.4), 8, 0.5);
     expectNear(toEncoded(12), 1.055 * std::pow(12, 1 / 2.4) - 0.055, 8, 12);
 }

@@ -2,14 +2,11 @@
 
 #include <algorithm>
 #include <array>
-#include <csetjmp>
-#include <cstdio>
-#include <cstdlib>
 #include <gmock/gmock.h>
-#include <jpeglib.h>
 #include <png.h>
-#include <webp/encode.h>
+#include <zlib.h>
 
+#include "studio/scene/gltf/uri.h"
 #include "studio/scene/image/image_decoder.h"
 #include "studio/util/error.h"
 
@@ -57,42 +54,18 @@ Bytes pngOf(unsigned width, unsigned height, const Bytes& pixels, const PngOptio
     return out;
 }
 
-Bytes jpegOf(unsigned width, unsigned height, std::array<std::uint8_t, 3> color) {
-    jpeg_error_mgr errors;
-    jpeg_compress_struct jpeg{};
-    jpeg.err = jpeg_std_error(&errors);
-    jpeg_create_compress(&jpeg);
-    unsigned char* memory = nullptr;
-    unsigned long size = 0;
-    jpeg_mem_dest(&jpeg, &memory, &size);
-    jpeg.image_width = width;
-    jpeg.image_height = height;
-    jpeg.input_components = 3;
-    jpeg.in_color_space = JCS_RGB;
-    jpeg_set_defaults(&jpeg);
-    jpeg_set_quality(&jpeg, 100, TRUE);
-    jpeg_start_compress(&jpeg, TRUE);
-    Bytes row;
-    for (unsigned x = 0; x < width; ++x)
-        row.insert(row.end(), color.begin(), color.end());
-    while (jpeg.next_scanline < height) {
-        JSAMPROW rows[] = {row.data()};
-        jpeg_write_scanlines(&jpeg, rows, 1);
-    }
-    jpeg_finish_compress(&jpeg);
-    jpeg_destroy_compress(&jpeg);
-    Bytes out(memory, memory + size);
-    std::free(memory);
-    return out;
-}
-
-Bytes webpOf(int width, int height, const Bytes& rgba) {
-    std::uint8_t* memory = nullptr;
-    const std::size_t size = WebPEncodeLosslessRGBA(rgba.data(), width, height, width * 4, &memory);
-    Bytes out(memory, memory + size);
-    WebPFree(memory);
-    return out;
-}
+/// 17 x 9 pixels, the left 8 columns of one colour.
+const Bytes kJpeg = *dataOfUri(
+    "data:image/jpeg;base64,/9j/4AAQSkZJRgABAQAAAQABAAD/2wBDAA0JCgsKCA0LCgsODg0PEyAVExISEyccHhc"
+    "gLikxMC4pLSwzOko+MzZGNywtQFdBRkxOUlNSMj5aYVpQYEpRUk//2wBDAQ4ODhMREyYVFSZPNS01T09PT09PT09PT"
+    "09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT09PT0//wAARCAAJABEDAREAAhEBAxEB/8QAFwAAAwE"
+    "AAAAAAAAAAAAAAAAAAgQFBv/EACMQAAEDAgUFAAAAAAAAAAAAAAEAAgMFIQQRExUxNVOBkrH/xAAXAQEBAQEAAAAAA"
+    "AAAAAAAAAAFAwIG/8QAHxEAAgIBBAMAAAAAAAAAAAAAAAECAxEEEiFSBTSh/9oADAMBAAIRAxEAPwAUOPk99SlZVGM"
+    "il0i0EEZ2cBbhKUqcopQ5eAaVTjZJwfOWylvUnci9lXbrOjJ7buv0FDDpjsf16Tz9S/jg6v2ZDq7Q2f/Z");
+/// 2 x 2 pixels without loss.
+const Bytes kWebp = *dataOfUri(
+    "data:image/webp;base64,UklGRj4AAABXRUJQVlA4TDIAAAAvAUAAEB+gIG0DFu5rnpAEAZP/zxolG6Ao/P+vTUB"
+    "CyHHTBWZR5nwPSgIEQFFGIvofAw==");
 
 std::string refusal(const Bytes& file) {
     try {
@@ -106,18 +79,14 @@ std::string refusal(const Bytes& file) {
 const Bytes kFour = {255, 0, 0, 255, 0, 128, 0, 128, 1, 2, 3, 0, 200, 100, 50, 255};
 
 TEST(TextureImage, ValuesAreThoseOfTheFile) {
-    const Bytes solid = {255, 0, 0, 255, 0, 128, 0, 128, 1, 2, 3, 255, 9, 8, 7, 1};
     EXPECT_EQ(decodeImage(pngOf(2, 2, kFour), "a").rgba, kFour);
-    EXPECT_EQ(decodeImage(webpOf(2, 2, solid), "a").rgba, solid);
-    const Image jpeg = decodeImage(jpegOf(17, 9, {200, 100, 50}), "a");
+    EXPECT_EQ(decodeImage(kWebp, "a").rgba,
+              (Bytes{255, 0, 0, 255, 0, 128, 0, 128, 1, 2, 3, 255, 9, 8, 7, 1}));
+    const Image jpeg = decodeImage(kJpeg, "a");
     ASSERT_EQ(jpeg.width, 17);
-    ASSERT_EQ(jpeg.height, 9);
-    for (std::size_t i = 0; i < jpeg.rgba.size(); i += 4) {
-        EXPECT_NEAR(jpeg.rgba[i], 200, 2);
-        EXPECT_NEAR(jpeg.rgba[i + 1], 100, 2);
-        EXPECT_NEAR(jpeg.rgba[i + 2], 50, 2);
-        EXPECT_EQ(jpeg.rgba[i + 3], 255);
-    }
+    ASSERT_EQ(jpeg.rgba.size(), 17U * 9 * 4);
+    for (std::size_t i = 0; i < 8; ++i)
+        EXPECT_EQ(Bytes(&jpeg.rgba[4 * i], &jpeg.rgba[4 * i + 4]), (Bytes{201, 101, 51, 255}));
 }
 
 TEST(TextureImage, EveryKindOfPngBecomesRgbaWhateverItsGamma) {
@@ -143,21 +112,17 @@ TEST(TextureImage, EveryKindOfPngBecomesRgbaWhateverItsGamma) {
         EXPECT_EQ(decodeImage(png, "a").rgba, rgba);
 }
 
-TEST(TextureImage, EveryPrefixIsRefused) {
-    const Bytes files[] = {pngOf(2, 2, kFour), jpegOf(20, 20, {1, 2, 3}), webpOf(2, 2, kFour)};
-    for (const Bytes& file : files) {
+TEST(TextureImage, EveryPrefixIsRefusedAndDamageInsideWhereItCanBeSeen) {
+    for (const Bytes& file : {pngOf(2, 2, kFour), kJpeg, kWebp}) {
         for (std::size_t size = 0; size < file.size(); ++size) {
             const Bytes prefix(file.begin(), file.begin() + static_cast<std::ptrdiff_t>(size));
             EXPECT_NE(refusal(prefix), "") << size << " of " << file.size();
         }
     }
-}
-
-TEST(TextureImage, DamageInsideIsRefusedWhereItCanBeSeen) {
     Bytes png = pngOf(2, 2, kFour);
     png[png.size() - 20] ^= 0xffU;  // in the compressed pixels: their checksum fails
     EXPECT_THAT(refusal(png), HasSubstr("is a damaged PNG ("));
-    Bytes jpeg = jpegOf(64, 64, {200, 10, 90});
+    Bytes jpeg = kJpeg;
     jpeg.resize(jpeg.size() - 12);
     jpeg.insert(jpeg.end(), {0xff, 0xd9});
     EXPECT_THAT(refusal(jpeg), HasSubstr("is a damaged JPEG ("));
@@ -171,13 +136,7 @@ Bytes::iterator markerIn(Bytes& jpeg, std::uint8_t marker) {
 
 /// The checksum of a PNG chunk at `start` (its type) of `size` bytes, mended.
 void mendChecksum(Bytes& png, std::size_t start, std::size_t size) {
-    std::uint32_t crc = 0xffffffffU;
-    for (std::size_t i = start; i < start + size; ++i) {
-        crc ^= png[i];
-        for (int bit = 0; bit < 8; ++bit)
-            crc = (crc >> 1U) ^ ((crc & 1U) != 0 ? 0xedb88320U : 0U);
-    }
-    crc = ~crc;
+    const auto crc = ::crc32(0, &png[start], static_cast<unsigned>(size));
     for (std::size_t i = 0; i < 4; ++i)
         png[start + size + i] = static_cast<std::uint8_t>(crc >> (24 - 8 * i));
 }
@@ -192,11 +151,11 @@ TEST(TextureImage, WildSizesAreRefusedBeforeMemoryIsAsked) {
     mendChecksum(png, 12, 17);
     EXPECT_THAT(refusal(png), HasSubstr("is a damaged PNG"));
 
-    Bytes jpeg = jpegOf(8, 8, {1, 2, 3});
+    Bytes jpeg = kJpeg;
     std::fill_n(markerIn(jpeg, 0xc0) + 5, 4, std::uint8_t{0xfd});
     EXPECT_THAT(refusal(jpeg), HasSubstr("claims 65021 x 65021 pixels"));
     // A stray byte between two markers, as old cameras write it, is forgiven.
-    jpeg = jpegOf(8, 8, {200, 10, 90});
+    jpeg = kJpeg;
     jpeg.insert(markerIn(jpeg, 0xdb), {0x00, 0x11});
     EXPECT_EQ(refusal(jpeg), "");
 }

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <algorithm>
+#include <cmath>
+#include <string>
+
+#include "studio/scene/scene.h"
+
+namespace tavora::studio {
+
+/// What of a mesh the renderer cannot rely on; "" when it can on all.
+inline std::string faultOf(const Mesh& mesh) {
+    const std::size_t count = mesh.positions.size();
+    const auto fits = [&](const auto& values) { return values.empty() || values.size() == count; };
+    if (mesh.normals.size() != count || !fits(mesh.colors)) return "vertices";
+    if (!std::all_of(mesh.uvs.begin(), mesh.uvs.end(), fits)) return "UVs";
+    for (std::size_t i = 0; i < count; ++i) {
+        if (!std::isfinite(mesh.positions[i].x + mesh.positions[i].y + mesh.positions[i].z))
+            return "positions";
+        if (!(std::abs(mesh.normals[i].length2() - 1) < 1e-5F)) return "normals";
+    }
+    for (const auto& triangle : mesh.triangles) {
+        if (*std::max_element(triangle.begin(), triangle.end()) >= count) return "triangles";
+    }
+    return "";
+}
+
+/// The same of a whole scene.
+inline std::string faultOf(const Scene& scene) {
+    for (const auto& object : scene.objects) {
+        for (const Part& part : object->parts) {
+            if (static_cast<std::size_t>(part.surface) >= scene.surfaces.size()) return "surfaces";
+            const std::string fault = faultOf(*part.mesh);
+            if (!fault.empty()) return part.mesh->name + ": " + fault;
+        }
+    }
+    for (const Camera& camera : scene.cameras)
+        if (!std::isfinite(camera.cameraToWorld[0][0])) return "cameras";
+    for (const auto& light : scene.lights)
+        if (light->name.size() > 79 || !(std::abs(light->direction.length() - 1) < 1e-3))
+            return "lights";
+    return "";
+}
+
+}  // namespace tavora::studio
