@@ -1,26 +1,20 @@
-// Any bytes as a look: read, or refused in one line; what is read can be laid
-// over settings and stored.
-#include <cstddef>
-#include <cstdint>
-#include <cstdlib>
-#include <string_view>
-
+// Any bytes as a look: read, or refused; what is read can be laid over settings
+// and stored.
 #include "studio/scene/settings/look.h"
+
 #include "studio/scene/settings/settings.h"
-#include "studio/util/error.h"
+#include "tests/fuzz/fuzz_input.h"
 #include "tests/scene/settings_samples.h"
 
 using namespace tavora::studio;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    try {
+    readOrRefuse([&] {
         const Look look = parseLook({reinterpret_cast<const char*>(data), size}, "look.json");
         Settings settings = settingsOf(sampleBlock());
         applySettings(settings, look.settings, "look.json");
         settleLightList(settings, {});
-        if (settingsOf(blockOf(settings)) != settings) std::abort();
-    } catch (const Error& error) {
-        if (std::string_view(error.what()).find('\n') != std::string_view::npos) std::abort();
-    }
+        require(settingsOf(blockOf(settings)) == settings);
+    });
     return 0;
 }
