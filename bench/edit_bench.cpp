@@ -58,19 +58,20 @@ struct Work {
         shading.resize(scene.surfaces.size());
         bool any = false;
         for (std::size_t i = 0; i < shading.size(); ++i) {
-            const auto& stored = scene.surfaces[i].shader;
-            if (stored && stored->enabled) shading[i].shader = stored->state;
-            any = any || shading[i].shader;
+            shading[i] = scene.surfaces[i].shader;
+            any = any || activeBlock(shading[i]) != nullptr;
         }
         if (!any)
-            shading.assign(shading.size(), {newShaderSettings(ModuleCopy(module, findService))});
+            shading.assign(
+                shading.size(),
+                SurfaceShader{.block = newShaderSettings(ModuleCopy(module, findService))});
     }
 
     Scene scene;
     std::filesystem::path module;
     Camera camera;
     std::shared_ptr<const LightRig> lights;
-    std::vector<SurfaceShading> shading;
+    SurfaceShaders shading;
 };
 
 /// The live picture, and waiting for it.
@@ -136,7 +137,7 @@ std::vector<Seen> seenSurfaces(const Work& work, const LivePicture& picture) {
         }
     }
     std::erase_if(seen, [&](const Seen& one) {
-        return one.places == 0 || !work.shading[one.surface].shader;
+        return one.places == 0 || activeBlock(work.shading[one.surface]) == nullptr;
     });
     std::sort(seen.begin(), seen.end(),
               [](const Seen& a, const Seen& b) { return a.places > b.places; });
@@ -144,10 +145,11 @@ std::vector<Seen> seenSurfaces(const Work& work, const LivePicture& picture) {
 }
 
 /// Moves the first zone's colour a little, another way each round.
-SurfaceShading edited(const SurfaceShading& shading, int round) {
-    Settings settings = settingsOf(*shading.shader);
+SurfaceShader edited(SurfaceShader shader, int round) {
+    Settings settings = settingsOf(shader.block);
     settings["zoneList"][0]["color"] = {0.2 + 0.01 * (round % 50), 0.3, 0.4};
-    return {blockOf(settings)};
+    shader.block = blockOf(settings);
+    return shader;
 }
 
 struct Row {
@@ -156,9 +158,9 @@ struct Row {
     std::vector<double> clean{};
 };
 
-void edit(Live& live, const SurfaceShading& shading, std::size_t surface, Row& row) {
+void edit(Live& live, const SurfaceShader& shader, std::size_t surface, Row& row) {
     const auto start = Clock::now();
-    const std::uint64_t revision = live.picture().setSurface(surface, shading);
+    const std::uint64_t revision = live.picture().setSurface(surface, shader);
     live.wait(revision, false);
     row.first.push_back(secondsSince(start));
     live.wait(revision, true);
@@ -211,7 +213,7 @@ void run(const char* file, const char* module, int rounds, int threads) {
     for (int round = 0; round < rounds; ++round) {
         whole.push_back(renderAnew(renderer, work, threads));
         for (std::size_t i = 0; i < 2; ++i)
-            edit(live, edited(work.shading[edits[i].surface], round), edits[i].surface, rows[i]);
+            edit(live, edited(*work.shading[edits[i].surface], round), edits[i].surface, rows[i]);
     }
     std::printf("%-34s %9.1f ms\n", "render anew", 1000 * median(whole));
     std::printf("%-34s %12s  %8s %12s\n", "", "first whole", "", "clean");

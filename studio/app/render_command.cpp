@@ -65,23 +65,19 @@ bool allPlain(const ShadingRequest& request) {
 }
 
 struct Shading {
-    std::vector<SurfaceShading> surfaces;
+    SurfaceShaders surfaces;
     std::filesystem::path module;  ///< empty when no surface has a shader
 };
 
 Shading settleShading(const Scene& scene, const RenderRequest& request, Report& report) {
-    Shading shading{std::vector<SurfaceShading>(scene.surfaces.size()), {}};
+    Shading shading{SurfaceShaders(scene.surfaces.size()), {}};
     if (allPlain(request.shading)) return shading;
     const ShaderClass shader = openShaderClass(request.shading.plugin);
     report.note(1, fmt::format("module {}", shader.module.string()));
     const ShadingRequest asked = withDefaultLook(scene, request.shading, report);
-    const std::vector<PlannedSurface> planned =
-        planSurfaces(scene, asked, shader, lightNames(scene), report);
-    for (std::size_t i = 0; i < planned.size(); ++i) {
-        if (!planned[i].settings || !planned[i].enabled) continue;
-        shading.surfaces[i].shader = blockOf(*planned[i].settings);
+    shading.surfaces = planSurfaces(scene, asked, shader, lightNames(scene), report);
+    if (std::any_of(shading.surfaces.begin(), shading.surfaces.end(), activeBlock))
         shading.module = shader.module;
-    }
     return shading;
 }
 

@@ -7,6 +7,7 @@
 #include "studio/files/standard_streams.h"
 #include "studio/scene/gltf/reader.h"
 #include "studio/scene/gltf/settings_writer.h"
+#include "studio/scene/settings/settings.h"
 #include "studio/setup/scene_report.h"
 #include "studio/setup/scene_view.h"
 #include "studio/setup/shading_plan.h"
@@ -44,20 +45,17 @@ ShadingRequest narrowed(const ShadingRequest& request, const std::vector<std::st
     return narrow;
 }
 
-Json described(const Surface& surface, const PlannedSurface& planned, const std::string& server) {
-    Json json{{"surface", surface.name}};
-    json["server"] = planned.settings ? Json(server) : Json();
-    json["enabled"] = planned.settings && planned.enabled;
-    json["settings"] = planned.settings ? *planned.settings : Json();
-    return json;
+Json described(const Surface& surface, const std::optional<SurfaceShader>& shader) {
+    return {{"surface", surface.name},
+            {"server", shader ? Json(shader->server) : Json()},
+            {"enabled", activeBlock(shader) != nullptr},
+            {"settings", shader ? settingsOf(shader->block) : Json()}};
 }
 
-void print(const Scene& scene, const std::vector<PlannedSurface>& planned,
-           const std::set<std::size_t>& chosen, const std::string& server) {
+void print(const Scene& scene, const SurfaceShaders& shaders, const std::set<std::size_t>& chosen) {
     Json list = Json::array();
-    for (const std::size_t i : chosen) {
-        list.push_back(described(scene.surfaces[i], planned[i], server));
-    }
+    for (const std::size_t i : chosen)
+        list.push_back(described(scene.surfaces[i], shaders[i]));
     writeOut(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
@@ -75,21 +73,33 @@ bool canHold(const Scene& scene, const Surface& surface, const SettingsRequest& 
     return false;
 }
 
-void store(const Scene& scene, const std::vector<PlannedSurface>& planned,
-           const std::set<std::size_t>& chosen, const std::string& server,
+/// Those that a look or a change is meant for.
+std::set<std::size_t> touchedSurfaces(const Scene& scene, const ShadingRequest& request) {
+    std::set<std::size_t> touched;
+    for (const LookChoice& choice : request.looks) {
+        for (const std::size_t i : surfacesOf(scene, choice))
+            touched.insert(i);
+    }
+    for (const SettingChange& change : request.changes) {
+        for (const std::size_t i : matchingSurfaces(scene, change.surfaces, "--set"))
+            touched.insert(i);
+    }
+    return touched;
+}
+
+void store(const Scene& scene, const SurfaceShaders& shaders, const std::set<std::size_t>& chosen,
            const SettingsRequest& request, Report& report) {
-    std::map<int, StoredShader> shaders;
+    std::map<int, SurfaceShader> stored;
     for (const std::size_t i : chosen) {
         const Surface& surface = scene.surfaces[i];
-        if (!planned[i].touched || !canHold(scene, surface, request, report)) continue;
-        shaders[surface.materialIndex] = {server, planned[i].enabled,
-                                          blockOf(*planned[i].settings)};
+        if (shaders[i] && canHold(scene, surface, request, report))
+            stored[surface.materialIndex] = *shaders[i];
     }
-    if (shaders.empty())
+    if (stored.empty())
         throw Error(Fault::Usage, "settings: nothing to store; give --look or --set");
-    writeGltfSettings(request.scene, request.output, shaders);
-    report.note(
-        1, fmt::format("settings of {} surfaces stored in {}", shaders.size(), request.output));
+    writeGltfSettings(request.scene, request.output, stored);
+    report.note(1,
+                fmt::format("settings of {} surfaces stored in {}", stored.size(), request.output));
 }
 
 }  // namespace
@@ -102,23 +112,20 @@ void showOrStoreSettings(const SettingsRequest& request, Report& report) {
     }
     const Scene scene = readGltf(request.scene);
     reportScene(scene, report);
-    const std::set<std::size_t> chosen = chosenSurfaces(scene, request.surfaces);
+    std::set<std::size_t> chosen = chosenSurfaces(scene, request.surfaces);
     const bool needsModule =
         storesShaders(scene) || hasAvatars(scene) || !request.shading.looks.empty();
     const bool changes = !request.shading.changes.empty();
-    std::vector<PlannedSurface> planned(scene.surfaces.size());
-    std::string server;
+    const ShadingRequest shading = narrowed(request.shading, request.surfaces);
+    SurfaceShaders shaders(scene.surfaces.size());
     if (needsModule || changes) {
-        const ShaderClass shader = openShaderClass(request.shading.plugin);
-        planned = planSurfaces(scene, narrowed(request.shading, request.surfaces), shader,
-                               lightNames(scene), report);
-        server = shader.server;
+        shaders = planSurfaces(scene, shading, openShaderClass(shading.plugin), lightNames(scene),
+                               report);
     }
-    if (request.output.empty()) {
-        print(scene, planned, chosen, server);
-    } else {
-        store(scene, planned, chosen, server, request, report);
-    }
+    if (request.output.empty()) return print(scene, shaders, chosen);
+    const std::set<std::size_t> touched = touchedSurfaces(scene, shading);
+    std::erase_if(chosen, [&](std::size_t i) { return !touched.contains(i); });
+    store(scene, shaders, chosen, request, report);
 }
 
 }  // namespace tavora::studio

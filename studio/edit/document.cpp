@@ -23,14 +23,17 @@ namespace fs = std::filesystem;
 struct Document::Parts {
     Parts(const fs::path& file, const ShadingRequest& shading, Report& report);
 
-    SurfaceSettings settled(SurfaceSettings settings);
-    Step stepTo(std::size_t surface, SurfaceSettings after, std::string what) const;
+    SurfaceShader newShader() const {
+        return {records.module().server(), true, records.defaults()};
+    }
+    std::optional<SurfaceShader> settled(std::optional<SurfaceShader> shader);
+    Step stepTo(std::size_t surface, std::optional<SurfaceShader> after, std::string what) const;
     std::string nameOf(std::size_t surface) const { return scene.surfaces[surface].name; }
     std::optional<std::size_t> surfaceNamed(const std::string& name) const;
     std::string named(const std::vector<std::size_t>& surfaces) const;
     SavePlan planSaving(bool overwrite) const;
     void takeSaved(const SavePlan& plan);
-    std::vector<std::pair<std::string, SurfaceSettings>> unsaved() const;
+    std::vector<std::pair<std::string, std::optional<SurfaceShader>>> unsaved() const;
     SessionRecovery& recovery();
 
     fs::path path;
@@ -38,9 +41,9 @@ struct Document::Parts {
     Scene scene;
     Records records;
     std::vector<std::size_t> listed;
-    std::vector<SurfaceSettings> saved;  ///< what the file holds
-    std::vector<SurfaceSettings> clean;  ///< with these there is nothing to save
-    std::vector<SurfaceSettings> current;
+    SurfaceShaders saved;  ///< what the file holds
+    SurfaceShaders clean;  ///< with these there is nothing to save
+    SurfaceShaders current;
     StepList steps;
     std::optional<SessionRecovery> kept;  ///< made on first use: who only looks takes no lock
     std::vector<std::string> warnings;
@@ -60,17 +63,15 @@ Document::Parts::Parts(const fs::path& file, const ShadingRequest& shading, Repo
 }
 
 /// As a record keeps them, so that a record shown and left alone says the same.
-SurfaceSettings Document::Parts::settled(SurfaceSettings settings) {
-    if (settings.block) {
-        settingsOf(*settings.block);  // throws for a damaged block
-        settings.block = records.settled(*settings.block);
-    } else if (settings.enabled) {
-        settings.block = records.defaults();
-    }
-    return settings;
+std::optional<SurfaceShader> Document::Parts::settled(std::optional<SurfaceShader> shader) {
+    if (!shader) return shader;
+    settingsOf(shader->block);  // throws for a damaged block
+    return SurfaceShader{records.module().server(), shader->enabled,
+                         records.settled(shader->block)};
 }
 
-Step Document::Parts::stepTo(std::size_t surface, SurfaceSettings after, std::string what) const {
+Step Document::Parts::stepTo(std::size_t surface, std::optional<SurfaceShader> after,
+                             std::string what) const {
     return {std::move(what), {{surface, current[surface], std::move(after)}}, 0};
 }
 
@@ -91,8 +92,8 @@ SessionRecovery& Document::Parts::recovery() {
     return *kept;
 }
 
-std::vector<std::pair<std::string, SurfaceSettings>> Document::Parts::unsaved() const {
-    std::vector<std::pair<std::string, SurfaceSettings>> changed;
+std::vector<std::pair<std::string, std::optional<SurfaceShader>>> Document::Parts::unsaved() const {
+    std::vector<std::pair<std::string, std::optional<SurfaceShader>>> changed;
     for (const std::size_t i : listed) {
         if (current[i] != saved[i]) changed.emplace_back(nameOf(i), current[i]);
     }
@@ -100,9 +101,8 @@ std::vector<std::pair<std::string, SurfaceSettings>> Document::Parts::unsaved() 
 }
 
 SavePlan Document::Parts::planSaving(bool overwrite) const {
-    const std::string& server = records.module().server();
-    if (isUnchanged(path, stamp)) return planSave(scene, server, current, saved, clean);
-    if (overwrite) return planSaveOver(scene, readGltf(path), server, current);
+    if (isUnchanged(path, stamp)) return planSave(scene, current, saved, clean);
+    if (overwrite) return planSaveOver(scene, readGltf(path), current);
     throw Error(Fault::Scene, fmt::format("{}: was changed by another program since it was opened, "
                                           "and is left as it is; save over "
                                           "it or under another name",
@@ -142,11 +142,11 @@ const std::vector<std::size_t>& Document::surfaces() const {
     return parts_->listed;
 }
 
-const SurfaceSettings& Document::settings(std::size_t surface) const {
+const std::optional<SurfaceShader>& Document::settings(std::size_t surface) const {
     return parts_->current[surface];
 }
 
-const SurfaceSettings& Document::cleanSettings(std::size_t surface) const {
+const std::optional<SurfaceShader>& Document::cleanSettings(std::size_t surface) const {
     return parts_->clean[surface];
 }
 
@@ -160,11 +160,12 @@ std::optional<std::size_t> Document::surfaceOf(HostInstance instance) const {
 
 void Document::show(const std::vector<SettingsChange>& changes, bool after, bool inRecords) {
     for (const SettingsChange& change : changes) {
-        const SurfaceSettings& settings = after ? change.after : change.before;
-        parts_->current[change.surface] = settings;
+        const std::optional<SurfaceShader>& shader = after ? change.after : change.before;
+        parts_->current[change.surface] = shader;
         // An open panel keeps its selected zone while nothing it shows changes.
-        const bool same = sameBlock(change.before.block, change.after.block);
-        if (inRecords && !same) parts_->records.show(change.surface, settings);
+        const bool same =
+            change.before && change.after && sameBits(change.before->block, change.after->block);
+        if (inRecords && !same) parts_->records.show(change.surface, shader);
     }
     for (const SettingsChange& change : changes) {
         if (settingsChanged) settingsChanged(change.surface);
@@ -181,24 +182,23 @@ void Document::take(Step step, bool inRecords) {
 }
 
 void Document::takeRecord(std::size_t surface, Gesture gesture) {
-    SurfaceSettings after = settings(surface);
-    if (!after.block) after.enabled = true;
-    after.block = record(surface).save();
+    const bool enabled = !settings(surface) || settings(surface)->enabled;
+    SurfaceShader after{moduleCopy().server(), enabled, record(surface).save()};
     Step step = parts_->stepTo(surface, std::move(after), "edit of " + parts_->nameOf(surface));
     step.gesture = gesture;
     take(std::move(step), false);
 }
 
 void Document::setEnabled(std::size_t surface, bool enabled) {
-    SurfaceSettings after = settings(surface);
-    after.enabled = enabled;
+    std::optional<SurfaceShader> after = settings(surface);
+    if (!after && enabled) after = parts_->newShader();
+    if (after) after->enabled = enabled;
     const std::string name = parts_->nameOf(surface);
-    take(parts_->stepTo(surface, parts_->settled(std::move(after)),
+    take(parts_->stepTo(surface, std::move(after),
                         fmt::format("turning {} of {}", enabled ? "on" : "off", name)));
 }
 
-void Document::setSettings(const std::vector<std::pair<std::size_t, SurfaceSettings>>& changes,
-                           std::string what) {
+void Document::setSettings(const ShaderChanges& changes, std::string what) {
     Step step{std::move(what), {}, 0};
     for (const auto& [surface, after] : changes) {
         step.changes.push_back({surface, settings(surface), parts_->settled(after)});
@@ -206,16 +206,13 @@ void Document::setSettings(const std::vector<std::pair<std::size_t, SurfaceSetti
     take(std::move(step));
 }
 
-std::vector<std::pair<std::size_t, SurfaceSettings>> Document::withLook(
-    const Look& look, const std::vector<std::size_t>& surfaces) const {
-    const std::vector<std::string> lights = lightNames(scene());
-    std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
-    for (const std::size_t surface : surfaces) {
-        Settings after = settingsOf(parts_->records.builtIn());
-        applySettings(after, look.settings, look.name);
-        settleLightList(after, lights);
-        changes.push_back({surface, {true, blockOf(after)}});
-    }
+ShaderChanges Document::withLook(const Look& look, const std::vector<std::size_t>& surfaces) const {
+    const SurfaceShader worn{
+        moduleCopy().server(), true,
+        withChanges(parts_->records.builtIn(), look.settings, look.name, lightNames(scene()))};
+    ShaderChanges changes;
+    for (const std::size_t surface : surfaces)
+        changes.emplace_back(surface, worn);
     return changes;
 }
 
@@ -226,8 +223,8 @@ void Document::wearLook(const std::string& look, const std::vector<std::size_t>&
 }
 
 void Document::saveLook(std::size_t surface, const fs::path& file) const {
-    const auto& block = settings(surface).block;
-    writeLook(settingsOf(block ? *block : parts_->records.defaults()), file);
+    const std::optional<SurfaceShader>& shader = settings(surface);
+    writeLook(settingsOf(shader ? shader->block : parts_->records.defaults()), file);
 }
 
 bool Document::canUndo() const {
@@ -309,8 +306,7 @@ const std::vector<std::string>& Document::warnings() const {
 void Document::writeRecovery() {
     SessionRecovery& recovery = parts_->recovery();
     if (!isModified()) return recovery.removeTaken();
-    recovery.write({path(), parts_->stamp.size, parts_->stamp.hash, parts_->unsaved()},
-                   moduleCopy().server());
+    recovery.write({path(), parts_->stamp.size, parts_->stamp.hash, parts_->unsaved()});
 }
 
 bool Document::hasRecovery() const {
@@ -324,10 +320,10 @@ void Document::recover() {
         parts_->warnings.push_back(path().string() +
                                    ": was changed since this work was done on it");
     }
-    std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
-    for (const auto& [name, settings] : work.surfaces) {
+    ShaderChanges changes;
+    for (const auto& [name, shader] : work.surfaces) {
         if (const auto surface = parts_->surfaceNamed(name)) {
-            changes.emplace_back(*surface, settings);
+            changes.emplace_back(*surface, shader);
         } else {
             parts_->warnings.push_back(
                 fmt::format("{}: no longer has the surface \"{}\"", path().string(), name));

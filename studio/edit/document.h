@@ -9,10 +9,10 @@
 #include <vector>
 
 #include "studio/edit/step_list.h"
-#include "studio/edit/surface_settings.h"
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
 #include "studio/scene/scene.h"
+#include "studio/scene/surface_shader.h"
 #include "studio/setup/report.h"
 #include "studio/setup/shading_request.h"
 
@@ -20,6 +20,9 @@ namespace tavora::studio {
 
 struct Look;
 struct SavePlan;
+
+/// What goes on surfaces; none takes the shader off.
+using ShaderChanges = std::vector<std::pair<std::size_t, std::optional<SurfaceShader>>>;
 
 /// A scene that is being edited: the settings of its surfaces, what was done to
 /// them and can be undone, what is saved and what is not. Holds the records that
@@ -42,10 +45,11 @@ class Document {
 
     /// Indices into Scene::surfaces of those that the user sees, in order.
     const std::vector<std::size_t>& surfaces() const;
-    const SurfaceSettings& settings(std::size_t surface) const;
+    /// The shader on a surface; none where it never had one.
+    const std::optional<SurfaceShader>& settings(std::size_t surface) const;
     /// With these there is nothing to save: what the file holds, or what a
     /// surface without any wears when nobody asked for anything.
-    const SurfaceSettings& cleanSettings(std::size_t surface) const;
+    const std::optional<SurfaceShader>& cleanSettings(std::size_t surface) const;
 
     /// The record that panels edit, made on first use and kept in step with
     /// settings() by undo and redo. Stays at its place while the document lives.
@@ -61,15 +65,13 @@ class Document {
     void setEnabled(std::size_t surface, bool enabled);
     /// One step for all, named `what` in menus. Also loads the records. Throws
     /// Fault::Scene for a damaged block, and then changes nothing.
-    void setSettings(const std::vector<std::pair<std::size_t, SurfaceSettings>>& changes,
-                     std::string what);
+    void setSettings(const ShaderChanges& changes, std::string what);
     /// Puts a look (a name or file) on the surfaces and turns them on: one step.
     /// As on the command line it lies over the built-in settings, whatever the
     /// surfaces wore and the user stored. Throws Error.
     void wearLook(const std::string& look, const std::vector<std::size_t>& surfaces);
     /// What wearLook() would give the surfaces.
-    std::vector<std::pair<std::size_t, SurfaceSettings>> withLook(
-        const Look& look, const std::vector<std::size_t>& surfaces) const;
+    ShaderChanges withLook(const Look& look, const std::vector<std::size_t>& surfaces) const;
     /// Writes the surface's settings as a look. Throws Error, Fault::Output.
     void saveLook(std::size_t surface, const std::filesystem::path& file) const;
 

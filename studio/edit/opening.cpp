@@ -6,16 +6,12 @@
 namespace tavora::studio {
 namespace {
 
-std::vector<SurfaceSettings> settingsOf(const std::vector<PlannedSurface>& planned,
-                                        Records& records) {
-    std::vector<SurfaceSettings> all;
-    for (const PlannedSurface& one : planned) {
-        SurfaceSettings& settings = all.emplace_back();
-        if (!one.settings) continue;
-        settings.enabled = one.enabled;
-        settings.block = records.settled(blockOf(*one.settings));
+/// To the bit as a record keeps them.
+SurfaceShaders settled(SurfaceShaders shaders, Records& records) {
+    for (std::optional<SurfaceShader>& shader : shaders) {
+        if (shader) shader->block = records.settled(shader->block);
     }
-    return all;
+    return shaders;
 }
 
 }  // namespace
@@ -27,11 +23,13 @@ OpenedSurfaces openSurfaces(const Scene& scene, const ShadingRequest& request, R
     const ShadingRequest asked = withDefaultLook(scene, request, report);
     Report silent({0, true, {}});  // what the file holds is reported once
     OpenedSurfaces opened;
-    opened.saved = settingsOf(planSurfaces(scene, {}, shader, lights, silent), records);
-    opened.shown = settingsOf(planSurfaces(scene, asked, shader, lights, report), records);
+    opened.saved = settled(planSurfaces(scene, {}, shader, lights, silent), records);
+    opened.shown = settled(planSurfaces(scene, asked, shader, lights, report), records);
     opened.asked = !request.looks.empty() || !request.changes.empty() || storesShaders(scene);
     for (std::size_t i = 0; i < opened.shown.size(); ++i) {
-        if (!opened.shown[i].block) opened.shown[i].block = opened.saved[i].block;
+        if (opened.shown[i] || !opened.saved[i]) continue;
+        opened.shown[i] = opened.saved[i];
+        opened.shown[i]->enabled = false;
     }
     return opened;
 }

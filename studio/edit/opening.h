@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "studio/edit/records.h"
-#include "studio/edit/surface_settings.h"
 #include "studio/scene/scene.h"
+#include "studio/scene/surface_shader.h"
 #include "studio/setup/report.h"
 #include "studio/setup/shading_request.h"
 
@@ -13,9 +13,9 @@ namespace tavora::studio {
 
 /// What is on the surfaces when a scene is opened, by surface.
 struct OpenedSurfaces {
-    std::vector<SurfaceSettings> saved;  ///< what the file holds
-    std::vector<SurfaceSettings> shown;  ///< what they wear: saved, looks, changes
-    bool asked = true;  ///< what differs is the user's wish, not a look that stands in
+    SurfaceShaders saved;  ///< what the file holds
+    SurfaceShaders shown;  ///< what they wear: saved, looks, changes
+    bool asked = true;     ///< what differs is the user's wish, not a look that stands in
 };
 
 /// Settles it as planSurfaces() does, to the bit as a record keeps it. A shader

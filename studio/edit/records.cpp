@@ -34,20 +34,20 @@ StateBlock Records::settled(const StateBlock& block) {
     return scratch_.save();
 }
 
-Shader& Records::at(std::size_t surface, const SurfaceSettings& settings) {
+Shader& Records::at(std::size_t surface, const std::optional<SurfaceShader>& shader) {
     std::unique_ptr<Shader>& record = records_[surface];
     if (record == nullptr) {
         const HostSurfaceId id = surfaceId(scene_->surfaces[surface]);
         auto made = std::make_unique<Shader>(recordToLoad(module_, id));
-        made->load(settings.block ? *settings.block : defaults());
+        made->load(shader ? shader->block : defaults());
         record = std::move(made);
     }
     return *record;
 }
 
-void Records::show(std::size_t surface, const SurfaceSettings& settings) {
+void Records::show(std::size_t surface, const std::optional<SurfaceShader>& shader) {
     if (records_[surface] == nullptr) return;
-    records_[surface]->load(settings.block ? *settings.block : defaults());
+    records_[surface]->load(shader ? shader->block : defaults());
 }
 
 std::optional<std::size_t> Records::surfaceOf(HostInstance instance) const {

@@ -5,7 +5,6 @@
 #include <string>
 #include <vector>
 
-#include "studio/edit/surface_settings.h"
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
 #include "studio/scene/scene.h"
@@ -31,10 +30,11 @@ class Records {
     /// What a record saves after it loaded this complete block of any version.
     StateBlock settled(const StateBlock& block);
 
-    /// Made with these settings when it is not there yet. Throws Error, Fault::Module.
-    Shader& at(std::size_t surface, const SurfaceSettings& settings);
-    /// Loads the settings into the record if it is there.
-    void show(std::size_t surface, const SurfaceSettings& settings);
+    /// Made with the shader's settings, or those of a new one, when it is not there yet. Throws
+    /// Error, Fault::Module.
+    Shader& at(std::size_t surface, const std::optional<SurfaceShader>& shader);
+    /// Loads the same into the record if it is there.
+    void show(std::size_t surface, const std::optional<SurfaceShader>& shader);
     std::optional<std::size_t> surfaceOf(HostInstance instance) const;
 
   private:

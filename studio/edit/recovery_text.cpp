@@ -20,20 +20,18 @@ std::string quoted(const std::string& text) {
     return Json(text).dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-std::string surfaceText(const std::string& name, const SurfaceSettings& settings,
-                        const std::string& server) {
-    if (!settings.block) return fmt::format("  {{\"name\": {}}}", quoted(name));
-    const std::string extras =
-        extrasWithShader({}, StoredShader{server, settings.enabled, *settings.block});
-    return fmt::format("  {{\"name\": {}, \"extras\": {}}}", quoted(name), extras);
+std::string surfaceText(const std::string& name, const std::optional<SurfaceShader>& shader) {
+    if (!shader) return fmt::format("  {{\"name\": {}}}", quoted(name));
+    return fmt::format("  {{\"name\": {}, \"extras\": {}}}", quoted(name),
+                       extrasWithShader({}, *shader));
 }
 
-SurfaceSettings settingsIn(const Json& extras, const std::string& where) {
+SurfaceShader shaderIn(const Json& extras, const std::string& where) {
     std::vector<std::string> damage;
-    std::optional<StoredShader> shader = shaderFromExtras(extras, where, damage);
+    std::optional<SurfaceShader> shader = shaderFromExtras(extras, where, damage);
     if (!shader) throw Error(Fault::Scene, where + ": no settings");
-    settingsOf(shader->state);  // throws for a damaged block
-    return {shader->enabled, std::move(shader->state)};
+    settingsOf(shader->block);  // throws for a damaged block
+    return std::move(*shader);
 }
 
 UnsavedWork workIn(const Json& document, const std::string& where) {
@@ -45,19 +43,19 @@ UnsavedWork workIn(const Json& document, const std::string& where) {
     work.sceneSize = document.at("size").get<std::uintmax_t>();
     work.sceneHash = std::stoull(document.at("hash").get<std::string>(), nullptr, 16);
     for (const Json& entry : document.at("surfaces")) {
-        SurfaceSettings settings;
-        if (entry.contains("extras")) settings = settingsIn(entry["extras"], where);
-        work.surfaces.emplace_back(entry.at("name").get<std::string>(), std::move(settings));
+        std::optional<SurfaceShader> shader;
+        if (entry.contains("extras")) shader = shaderIn(entry["extras"], where);
+        work.surfaces.emplace_back(entry.at("name").get<std::string>(), std::move(shader));
     }
     return work;
 }
 
 }  // namespace
 
-std::string textOfUnsavedWork(const UnsavedWork& work, const std::string& server) {
+std::string textOfUnsavedWork(const UnsavedWork& work) {
     std::string surfaces;
-    for (const auto& [name, settings] : work.surfaces) {
-        surfaces += (surfaces.empty() ? "" : ",\n") + surfaceText(name, settings, server);
+    for (const auto& [name, shader] : work.surfaces) {
+        surfaces += (surfaces.empty() ? "" : ",\n") + surfaceText(name, shader);
     }
     return fmt::format(
         "{{\"tavora\": \"recovery\", \"version\": {},\n \"scene\": {},\n \"time\": "

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "studio/edit/file_stamp.h"
-#include "studio/edit/surface_settings.h"
+#include "studio/scene/surface_shader.h"
 
 namespace tavora::studio {
 
@@ -16,13 +16,13 @@ struct UnsavedWork {
     std::filesystem::path scene;  ///< absolute
     std::uintmax_t sceneSize = 0;
     std::uint64_t sceneHash = 0;  ///< of the file that it belongs to
-    std::vector<std::pair<std::string, SurfaceSettings>> surfaces;  ///< by name
+    std::vector<std::pair<std::string, std::optional<SurfaceShader>>> surfaces;  ///< by name
 
     bool operator==(const UnsavedWork&) const = default;
 };
 
 /// A text that readUnsavedWork() reads back to the bit; it also tells the time, for people.
-std::string textOfUnsavedWork(const UnsavedWork& work, const std::string& server);
+std::string textOfUnsavedWork(const UnsavedWork& work);
 
 /// Throws Error for what is damaged; `where` opens the message. Blocks are
 /// complete ones.

@@ -14,10 +14,9 @@ int materialNamed(const Scene& now, const Surface& surface) {
     return found == now.surfaces.end() ? -1 : found->materialIndex;
 }
 
-StoredShader stored(const std::string& server, const SurfaceSettings& shown,
-                    const SurfaceSettings& saved) {
-    if (shown.block) return {server, shown.enabled, *shown.block};
-    return {server, false, *saved.block};
+SurfaceShader turnedOff(SurfaceShader shader) {
+    shader.enabled = false;
+    return shader;
 }
 
 std::string warningOf(const Scene& scene, const Surface& surface, const char* why) {
@@ -27,16 +26,14 @@ std::string warningOf(const Scene& scene, const Surface& surface, const char* wh
 
 }  // namespace
 
-SavePlan planSave(const Scene& scene, const std::string& server,
-                  const std::vector<SurfaceSettings>& shown,
-                  const std::vector<SurfaceSettings>& saved,
-                  const std::vector<SurfaceSettings>& opened) {
+SavePlan planSave(const Scene& scene, const SurfaceShaders& shown, const SurfaceShaders& saved,
+                  const SurfaceShaders& opened) {
     SavePlan plan;
     for (std::size_t i = 0; i < shown.size(); ++i) {
         const Surface& surface = scene.surfaces[i];
         if (shown[i] == saved[i]) continue;
         if (surface.materialIndex >= 0) {
-            plan.shaders[surface.materialIndex] = stored(server, shown[i], saved[i]);
+            plan.shaders[surface.materialIndex] = shown[i] ? *shown[i] : turnedOff(*saved[i]);
             plan.kept.push_back(i);
         } else if (shown[i] != opened[i]) {
             plan.warnings.push_back(warningOf(
@@ -46,14 +43,13 @@ SavePlan planSave(const Scene& scene, const std::string& server,
     return plan;
 }
 
-SavePlan planSaveOver(const Scene& scene, const Scene& now, const std::string& server,
-                      const std::vector<SurfaceSettings>& shown) {
+SavePlan planSaveOver(const Scene& scene, const Scene& now, const SurfaceShaders& shown) {
     SavePlan plan;
     for (std::size_t i = 0; i < shown.size(); ++i) {
         const int material = materialNamed(now, scene.surfaces[i]);
-        if (!shown[i].block) continue;
+        if (!shown[i]) continue;
         if (material >= 0) {
-            plan.shaders[material] = {server, shown[i].enabled, *shown[i].block};
+            plan.shaders[material] = *shown[i];
             plan.kept.push_back(i);
         } else {
             plan.warnings.push_back(

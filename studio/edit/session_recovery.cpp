@@ -20,9 +20,9 @@ UnsavedWork SessionRecovery::takeLeft() {
     }
 }
 
-void SessionRecovery::write(const UnsavedWork& work, const std::string& server) {
+void SessionRecovery::write(const UnsavedWork& work) {
     if (written_ == work) return;
-    files_.write(textOfUnsavedWork(work, server));
+    files_.write(textOfUnsavedWork(work));
     written_ = work;
     if (taken_) files_.removeLeft();
 }

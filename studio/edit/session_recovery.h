@@ -21,7 +21,7 @@ class SessionRecovery {
     UnsavedWork takeLeft();
 
     /// Writes this session's own unless that says so already. Throws Error, Fault::Output.
-    void write(const UnsavedWork& work, const std::string& server);
+    void write(const UnsavedWork& work);
     /// Removes this session's own, and what it took.
     void removeTaken();
     /// Removes everything.

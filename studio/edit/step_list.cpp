@@ -5,10 +5,10 @@
 namespace tavora::studio {
 namespace {
 
-std::size_t bytesOf(const SurfaceSettings& settings) {
-    if (!settings.block) return 0;
-    std::size_t bytes = settings.block->size() * sizeof(StateItem);
-    for (const StateItem& item : *settings.block) {
+std::size_t bytesOf(const std::optional<SurfaceShader>& shader) {
+    if (!shader) return 0;
+    std::size_t bytes = shader->block.size() * sizeof(StateItem);
+    for (const StateItem& item : shader->block) {
         if (const auto* text = std::get_if<std::string>(&item)) bytes += text->size();
     }
     return bytes;

@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "studio/edit/surface_settings.h"
+#include "studio/scene/surface_shader.h"
 
 namespace tavora::studio {
 
@@ -16,8 +16,8 @@ using Gesture = std::uint64_t;
 
 struct SettingsChange {
     std::size_t surface = 0;
-    SurfaceSettings before;
-    SurfaceSettings after;
+    std::optional<SurfaceShader> before;
+    std::optional<SurfaceShader> after;
 };
 
 /// What is undone and done again together.

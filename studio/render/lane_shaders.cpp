@@ -14,10 +14,10 @@ constexpr int kRenderMode = 0;
 constexpr int kFrame = 0;
 constexpr double kSeconds = 0;
 
-std::vector<SurfaceChange> allOf(const std::vector<SurfaceShading>& shading) {
+std::vector<SurfaceChange> allOf(const SurfaceShaders& shading) {
     std::vector<SurfaceChange> changes;
     for (std::size_t surface = 0; surface < shading.size(); ++surface)
-        changes.push_back({surface, &shading[surface]});
+        changes.push_back({surface, activeBlock(shading[surface])});
     return changes;
 }
 
@@ -29,7 +29,7 @@ LaneShaders::LaneShaders(const SceneIndex& scene, std::filesystem::path module)
       shaders_(scene.scene().surfaces.size()),
       active_(scene.scene().surfaces.size()) {}
 
-LaneShaders::LaneShaders(const SceneIndex& scene, const std::vector<SurfaceShading>& shading,
+LaneShaders::LaneShaders(const SceneIndex& scene, const SurfaceShaders& shading,
                          const std::filesystem::path& module)
     : LaneShaders(scene, module) {
     change(allOf(shading));
@@ -48,14 +48,14 @@ void LaneShaders::change(std::span<const SurfaceChange> changes) {
 
 void LaneShaders::put(const SurfaceChange& change) {
     std::optional<Shader>& shader = shaders_[change.surface];
-    if (!change.shading->shader) return shader.reset();
+    if (change.block == nullptr) return shader.reset();
     if (!module_) module_.emplace(file_, findService);
     if (!shader) {
         // The settings come with the surface, whatever the user stored as default.
         const HiddenSettingsFolder hidden;
         shader.emplace(*module_, scene_->surfaceId(change.surface));
     }
-    shader->load(*change.shading->shader);
+    shader->load(*change.block);
 }
 
 void LaneShaders::beginPass() {

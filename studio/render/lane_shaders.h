@@ -18,10 +18,11 @@ struct ActiveShader {
     unsigned flags = 0;        ///< HOST_SHADER_... bits
 };
 
-/// What is on a surface from now on. `shading` belongs to the caller.
+/// What shades a surface from now on; null: nothing, it is plain. The block
+/// belongs to the caller.
 struct SurfaceChange {
     std::size_t surface = 0;
-    const SurfaceShading* shading = nullptr;
+    const StateBlock* block = nullptr;
 };
 
 /// One render thread's own copy of the module and its shaders, from the start
@@ -33,7 +34,7 @@ class LaneShaders {
     /// `scene` must outlive it.
     LaneShaders(const SceneIndex& scene, std::filesystem::path module);
     /// `shading` has one entry a surface. Throws Error, Fault::Module.
-    LaneShaders(const SceneIndex& scene, const std::vector<SurfaceShading>& shading,
+    LaneShaders(const SceneIndex& scene, const SurfaceShaders& shading,
                 const std::filesystem::path& module);
     /// Ends the pass.
     ~LaneShaders();

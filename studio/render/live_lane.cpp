@@ -9,8 +9,7 @@ namespace tavora::studio {
 
 LiveLane::LiveLane(const RayScene& scene, const std::filesystem::path& module, bool speaks)
     : scene_(&scene), speaks_(speaks), shaders_(scene.index(), module) {
-    const auto plain = std::make_shared<const SurfaceShading>();
-    worn_.assign(scene.index().scene().surfaces.size(), plain);
+    worn_.resize(scene.index().scene().surfaces.size());
 }
 
 SurfaceSet LiveLane::adopt(const LiveWish& wish) {
@@ -35,9 +34,11 @@ SurfaceSet LiveLane::adopt(const LiveWish& wish) {
 std::vector<SurfaceChange> LiveLane::changesIn(const LiveWish& wish) const {
     std::vector<SurfaceChange> changes;
     for (std::size_t surface = 0; surface < worn_.size(); ++surface) {
-        const auto& wished = wish.shading[surface];
-        const bool same = wished == worn_[surface] || wished->shader == worn_[surface]->shader;
-        if (!same) changes.push_back({surface, wished.get()});
+        const StateBlock* wished = wish.shading[surface].get();
+        const StateBlock* worn = worn_[surface].get();
+        const bool same =
+            wished == worn || (wished != nullptr && worn != nullptr && sameBits(*wished, *worn));
+        if (!same) changes.push_back({surface, wished});
     }
     return changes;
 }

@@ -67,7 +67,7 @@ class LiveLane {
     const RayScene* scene_;
     bool speaks_;
     LaneShaders shaders_;
-    std::vector<std::shared_ptr<const SurfaceShading>> worn_;  ///< by surface
+    std::vector<std::shared_ptr<const StateBlock>> worn_;  ///< by surface
     std::shared_ptr<const LightRig> lights_;
     std::optional<SampleShader> shader_;
     ColorDecoder decoder_;

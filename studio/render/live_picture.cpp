@@ -27,6 +27,11 @@ struct LiveScene {
     RayScene rays;
 };
 
+std::shared_ptr<const StateBlock> sharedBlock(const std::optional<SurfaceShader>& shader) {
+    const StateBlock* block = activeBlock(shader);
+    return block == nullptr ? nullptr : std::make_shared<const StateBlock>(*block);
+}
+
 }  // namespace
 
 /// The owner's thread posts wishes; the painter's thread takes the newest.
@@ -190,22 +195,23 @@ std::uint64_t LivePicture::setLights(std::shared_ptr<const LightRig> lights) {
     return parts_->post(false, [&](LiveWish& wish) { wish.lights = std::move(lights); });
 }
 
-std::uint64_t LivePicture::setShading(std::vector<SurfaceShading> shading) {
+std::uint64_t LivePicture::setShading(const SurfaceShaders& shading) {
     if (shading.size() != parts_->scene.surfaces.size()) {
         throw std::invalid_argument("every surface needs its shading");
     }
-    std::vector<std::shared_ptr<const SurfaceShading>> shared;
+    std::vector<std::shared_ptr<const StateBlock>> shared;
     shared.reserve(shading.size());
-    for (SurfaceShading& one : shading)
-        shared.push_back(std::make_shared<const SurfaceShading>(std::move(one)));
+    for (const std::optional<SurfaceShader>& shader : shading)
+        shared.push_back(sharedBlock(shader));
     return parts_->post(true, [&](LiveWish& wish) {
         wish.shading = std::move(shared);
         wish.hasShading = true;
     });
 }
 
-std::uint64_t LivePicture::setSurface(std::size_t surface, SurfaceShading shading) {
-    auto shared = std::make_shared<const SurfaceShading>(std::move(shading));
+std::uint64_t LivePicture::setSurface(std::size_t surface,
+                                      const std::optional<SurfaceShader>& shader) {
+    auto shared = sharedBlock(shader);
     return parts_->post(true,
                         [&](LiveWish& wish) { wish.shading.at(surface) = std::move(shared); });
 }

@@ -65,10 +65,10 @@ class LivePicture {
     std::uint64_t setView(const Camera& camera, int width, int height);
     std::uint64_t setLights(std::shared_ptr<const LightRig> lights);
     /// One entry a surface of the scene, else throws std::invalid_argument.
-    std::uint64_t setShading(std::vector<SurfaceShading> shading);
+    std::uint64_t setShading(const SurfaceShaders& shading);
     /// One of them, by place in Scene::surfaces. Throws std::out_of_range for one
     /// that is not there, and before setShading().
-    std::uint64_t setSurface(std::size_t surface, SurfaceShading shading);
+    std::uint64_t setSurface(std::size_t surface, const std::optional<SurfaceShader>& shader);
 
     /// The newest picture; null before the first.
     std::shared_ptr<const LiveFrame> latest() const;

@@ -22,8 +22,8 @@ struct LiveWish {
     int height = 0;
     std::uint64_t viewRevision = 0;  ///< of the change that set camera and size last
     std::shared_ptr<const LightRig> lights;
-    /// By surface; set when `hasShading`.
-    std::vector<std::shared_ptr<const SurfaceShading>> shading;
+    /// By surface; set when `hasShading`. Null: plain.
+    std::vector<std::shared_ptr<const StateBlock>> shading;
     bool hasShading = false;
 
     bool isComplete() const { return camera && lights && hasShading; }

@@ -24,7 +24,7 @@ namespace tavora::studio {
 struct RenderJob {
     const RayScene& scene;
     const LightRig& lights;
-    const std::vector<SurfaceShading>& shading;
+    const SurfaceShaders& shading;
     const std::filesystem::path& module;
     const RenderOptions& options;
     View view;

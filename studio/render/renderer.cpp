@@ -41,8 +41,7 @@ PixelBox windowOf(const RenderOptions& options) {
 }
 
 /// Throws std::invalid_argument for what no caller may ask.
-void check(const Scene& scene, const std::vector<SurfaceShading>& shading,
-           const RenderOptions& options) {
+void check(const Scene& scene, const SurfaceShaders& shading, const RenderOptions& options) {
     if (shading.size() != scene.surfaces.size()) {
         throw std::invalid_argument("every surface needs its shading");
     }
@@ -220,9 +219,9 @@ Renderer::Renderer(const Scene& scene) {
 Renderer::~Renderer() = default;
 
 Picture Renderer::render(const Camera& camera, const LightRig& lights,
-                         const std::vector<SurfaceShading>& shading,
-                         const std::filesystem::path& module, const RenderOptions& options,
-                         const RenderWatch& watch, RenderStats* stats) {
+                         const SurfaceShaders& shading, const std::filesystem::path& module,
+                         const RenderOptions& options, const RenderWatch& watch,
+                         RenderStats* stats) {
     const auto start = Clock::now();
     check(parts_->index.scene(), shading, options);
     Picture picture = emptyPicture(options);

@@ -30,11 +30,6 @@ struct RenderOptions {
     bool moduleEachThread = true;
 };
 
-/// What is on a surface: the shader's settings, or plain diffuse shading.
-struct SurfaceShading {
-    std::optional<StateBlock> shader;
-};
-
 /// Called now and then with the share of the work done, 0..1, by one thread at
 /// a time; and asked whether to stop.
 struct RenderWatch {
@@ -68,12 +63,12 @@ class Renderer {
     Renderer& operator=(const Renderer&) = delete;
 
     /// `shading` has one entry a surface of the scene; `module` may be empty
-    /// when no entry has a shader. One module copy is loaded per thread.
+    /// when none shades. One module copy is loaded per thread.
     /// Throws Error, Fault::Module when the module cannot be used, RenderStopped, and
     /// std::invalid_argument for a picture without pixels or samples.
-    Picture render(const Camera& camera, const LightRig& lights,
-                   const std::vector<SurfaceShading>& shading, const std::filesystem::path& module,
-                   const RenderOptions& options, const RenderWatch& watch, RenderStats* stats);
+    Picture render(const Camera& camera, const LightRig& lights, const SurfaceShaders& shading,
+                   const std::filesystem::path& module, const RenderOptions& options,
+                   const RenderWatch& watch, RenderStats* stats);
 
   private:
     struct Parts;

@@ -11,7 +11,7 @@
 #include <string>
 #include <vector>
 
-#include "studio/link/state_block.h"
+#include "studio/scene/surface_shader.h"
 
 /// The scene as the renderer wants it: plain data, posed, in world units.
 ///
@@ -47,13 +47,6 @@ struct TextureUse {
 };
 
 enum class AlphaMode { Opaque, Mask, Blend };
-
-/// A shader that the scene file keeps on a surface.
-struct StoredShader {
-    std::string server;  ///< name of the plug-in class, e.g. "TAVO"
-    bool enabled = true;
-    StateBlock state;
-};
 
 /// Which component of a texel is the strength of a channel.
 enum class Component { Red, Alpha };
@@ -92,8 +85,8 @@ struct Surface {
     std::optional<TextureUse> translucencyTexture;
     Component translucencyComponent = Component::Red;
     float translucencyFactor = 0;
-    std::optional<ToonShade> toon;       ///< of an avatar
-    std::optional<StoredShader> shader;  ///< from the file's extras
+    std::optional<ToonShade> toon;        ///< of an avatar
+    std::optional<SurfaceShader> shader;  ///< from the file's extras
 };
 
 /// The tangents at a triangle's corners: xyz is the direction in which u grows

@@ -19,34 +19,49 @@ using Json = nlohmann::ordered_json;
 constexpr const char* kDefaultLook = "two-tone";
 constexpr std::size_t kMostLightsNamed = 20;  // in warnings
 
+/// JSON as it stands; else a list of such between commas, or a text.
+Json valueOf(const std::string& text) {
+    Json value = Json::parse(text, nullptr, false);
+    if (!value.is_discarded()) return value;
+    if (text.find(',') == std::string::npos) return text;
+    Json list = Json::array();
+    for (std::size_t start = 0; start <= text.size();) {
+        const std::size_t end = std::min(text.find(',', start), text.size());
+        const std::string part = text.substr(start, end - start);
+        Json element = Json::parse(part, nullptr, false);
+        list.push_back(element.is_discarded() ? Json(part) : element);
+        start = end + 1;
+    }
+    return list;
+}
+
 class Planner {
   public:
-    Planner(const Scene& scene, const ShaderClass& shader, Report& report)
+    Planner(const Scene& scene, const ShaderClass& shader, std::span<const std::string> lights,
+            Report& report)
         : scene_(scene),
-          server_(shader.server),
-          builtIn_(settingsOf(shader.builtIn)),
+          shader_(shader),
+          lights_(lights),
           report_(report),
-          surfaces_(scene.surfaces.size()) {}
+          planned_(scene.surfaces.size()) {}
 
     void takeStored() {
-        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        for (std::size_t i = 0; i < planned_.size(); ++i) {
             const Surface& surface = scene_.surfaces[i];
-            if (surface.shader && isOurs(surface)) {
-                surfaces_[i].settings = storedSettings(surface);
-                surfaces_[i].enabled = surface.shader->enabled;
-            }
+            if (!surface.shader || !isOurs(surface)) continue;
+            planned_[i] = surface.shader;
+            planned_[i]->block = completeBlock(surface);
         }
     }
 
     /// An avatar's own shading, where the file keeps no shader on it.
     void takeAvatars() {
         std::map<std::string, std::vector<std::string>> inexact;  // surfaces by what is
-        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
+        for (std::size_t i = 0; i < planned_.size(); ++i) {
             const Surface& surface = scene_.surfaces[i];
-            if (surfaces_[i].settings || !surface.toon) continue;
+            if (planned_[i] || !surface.toon) continue;
             const ToonZones zones = toonZones(scene_, surface);
-            surfaces_[i].settings = builtIn_;
-            applySettings(*surfaces_[i].settings, zones.settings, surface.name);
+            planned_[i] = builtInWith(zones.settings, surface.name);
             for (const std::string& what : zones.inexact)
                 inexact[what].push_back(surface.name);
         }
@@ -57,33 +72,32 @@ class Planner {
     /// A look for what has no shading yet.
     void takeDefault(const std::string& name) {
         if (name.empty()) return;
-        const Look look = readLook(name);
+        const SurfaceShader worn = builtInWith(readLook(name));
         for (const std::size_t i : listedSurfaces(scene_)) {
-            if (!surfaces_[i].settings) wear(surfaces_[i], look);
+            if (!planned_[i]) planned_[i] = worn;
         }
     }
 
     void takeLooks(const std::vector<LookChoice>& choices) {
-        std::vector<const LookChoice*> last(surfaces_.size(), nullptr);
-        std::map<std::string, Look> looks;
+        std::vector<const LookChoice*> last(planned_.size(), nullptr);
+        std::map<std::string, SurfaceShader> looks;
         for (const LookChoice& choice : choices) {
-            looks.try_emplace(choice.look, readLook(choice.look));
-            const std::string pattern = choice.surfaces.empty() ? "*" : choice.surfaces;
-            for (const std::size_t i : matchingSurfaces(scene_, pattern, "--look")) {
+            if (!looks.contains(choice.look))
+                looks.emplace(choice.look, builtInWith(readLook(choice.look)));
+            for (const std::size_t i : surfacesOf(scene_, choice))
                 last[i] = &choice;
-            }
         }
-        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
-            if (last[i] != nullptr) wear(surfaces_[i], looks.at(last[i]->look));
+        for (std::size_t i = 0; i < planned_.size(); ++i) {
+            if (last[i] != nullptr) planned_[i] = looks.at(last[i]->look);
         }
     }
 
     void takeChanges(const std::vector<SettingChange>& changes) {
-        std::vector<Json> collected(surfaces_.size(), Json::object());
+        std::vector<Json> collected(planned_.size(), Json::object());
         for (const SettingChange& change : changes) {
             bool taken = false;
             for (const std::size_t i : matchingSurfaces(scene_, change.surfaces, "--set")) {
-                if (!surfaces_[i].settings) continue;
+                if (!planned_[i]) continue;
                 collected[i][change.setting] = valueOf(change.value);
                 taken = true;
             }
@@ -93,26 +107,24 @@ class Planner {
                                         change.surfaces));
             }
         }
-        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
-            if (!collected[i].empty()) change(surfaces_[i], collected[i]);
+        for (std::size_t i = 0; i < planned_.size(); ++i) {
+            if (!collected[i].empty()) change(planned_[i]->block, collected[i]);
         }
     }
 
     void takePlain(const std::vector<std::string>& patterns) {
         for (const std::string& pattern : patterns) {
-            for (const std::size_t i : matchingSurfaces(scene_, pattern, "--no-shader")) {
-                surfaces_[i].settings.reset();
-            }
+            for (const std::size_t i : matchingSurfaces(scene_, pattern, "--no-shader"))
+                planned_[i].reset();
         }
     }
 
-    void settleLights(std::span<const std::string> lightNames) {
+    void reportUnknownLights() {
         std::map<std::string, std::string> unknown;  // with a surface that names it
-        for (std::size_t i = 0; i < surfaces_.size(); ++i) {
-            if (!surfaces_[i].settings) continue;
-            for (const std::string& name : settleLightList(*surfaces_[i].settings, lightNames)) {
+        for (std::size_t i = 0; i < planned_.size(); ++i) {
+            if (!planned_[i]) continue;
+            for (const std::string& name : unknownLights(planned_[i]->block, lights_))
                 unknown.try_emplace(name, scene_.surfaces[i].name);
-            }
         }
         std::size_t left = unknown.size();
         for (const auto& [light, surface] : unknown) {
@@ -122,68 +134,52 @@ class Planner {
             }
             --left;
             report_.warning(fmt::format("surface \"{}\": its light \"{}\" is not in the scene{}",
-                                        surface, light, nearestNames(light, lightNames)));
+                                        surface, light, nearestNames(light, lights_)));
         }
     }
 
-    std::vector<PlannedSurface> take() { return std::move(surfaces_); }
+    SurfaceShaders take() { return std::move(planned_); }
 
   private:
     bool isOurs(const Surface& surface) {
-        if (surface.shader->server == server_) return true;
+        if (surface.shader->server == shader_.server) return true;
         report_.warning(
             fmt::format("surface \"{}\": no module has its shader \"{}\"; it stays plain",
                         surface.name, surface.shader->server));
         return false;
     }
 
-    Settings storedSettings(const Surface& surface) {
+    StateBlock completeBlock(const Surface& surface) {
         try {
-            return settingsOf(surface.shader->state, builtIn_);
+            return blockOf(settingsOf(surface.shader->block, settingsOf(shader_.builtIn)));
         } catch (const Error& error) {
             report_.warning(fmt::format("surface \"{}\": {}; the built-in settings stand in",
                                         surface.name, error.what()));
-            return builtIn_;
+            return shader_.builtIn;
         }
     }
 
-    void wear(PlannedSurface& surface, const Look& look) {
-        surface.settings = builtIn_;
-        applySettings(*surface.settings, look.settings, look.name);
-        surface.enabled = true;
-        surface.touched = true;
+    SurfaceShader builtInWith(const Json& changes, const std::string& where) const {
+        return {shader_.server, true, withChanges(shader_.builtIn, changes, where, lights_)};
     }
 
-    static void change(PlannedSurface& surface, const Json& changes) {
+    SurfaceShader builtInWith(const Look& look) const {
+        return builtInWith(look.settings, look.name);
+    }
+
+    void change(StateBlock& block, const Json& changes) const {
         try {
-            applySettings(*surface.settings, changes, "--set");
+            block = withChanges(block, changes, "--set", lights_);
         } catch (const Error& error) {
             throw Error(Fault::Usage, error.what());
         }
-        surface.touched = true;
-    }
-
-    // JSON as it stands; else a list of such between commas, or a text.
-    static Json valueOf(const std::string& text) {
-        Json value = Json::parse(text, nullptr, false);
-        if (!value.is_discarded()) return value;
-        if (text.find(',') == std::string::npos) return text;
-        Json list = Json::array();
-        for (std::size_t start = 0; start <= text.size();) {
-            const std::size_t end = std::min(text.find(',', start), text.size());
-            const std::string part = text.substr(start, end - start);
-            Json element = Json::parse(part, nullptr, false);
-            list.push_back(element.is_discarded() ? Json(part) : element);
-            start = end + 1;
-        }
-        return list;
     }
 
     const Scene& scene_;
-    std::string server_;
-    Settings builtIn_;
+    const ShaderClass& shader_;
+    std::span<const std::string> lights_;
     Report& report_;
-    std::vector<PlannedSurface> surfaces_;
+    SurfaceShaders planned_;
 };
 
 }  // namespace
@@ -207,17 +203,21 @@ ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Repor
     return request;
 }
 
-std::vector<PlannedSurface> planSurfaces(const Scene& scene, const ShadingRequest& request,
-                                         const ShaderClass& shader,
-                                         std::span<const std::string> lightNames, Report& report) {
-    Planner planner(scene, shader, report);
+std::vector<std::size_t> surfacesOf(const Scene& scene, const LookChoice& choice) {
+    return matchingSurfaces(scene, choice.surfaces.empty() ? "*" : choice.surfaces, "--look");
+}
+
+SurfaceShaders planSurfaces(const Scene& scene, const ShadingRequest& request,
+                            const ShaderClass& shader, std::span<const std::string> lightNames,
+                            Report& report) {
+    Planner planner(scene, shader, lightNames, report);
     planner.takeStored();
     planner.takeAvatars();
     planner.takeDefault(request.defaultLook);
     planner.takeLooks(request.looks);
     planner.takeChanges(request.changes);
     planner.takePlain(request.plain);
-    planner.settleLights(lightNames);
+    planner.reportUnknownLights();
     return planner.take();
 }
 

@@ -266,7 +266,7 @@ void EditWindow::copy() {
 
 void EditWindow::paste() {
     if (!copied_) return;
-    std::vector<std::pair<std::size_t, SurfaceSettings>> changes;
+    ShaderChanges changes;
     for (const std::size_t surface : surfaces_.selection())
         changes.emplace_back(surface, *copied_);
     panel_.interrupt([=, this] { session()->document().setSettings(changes, "Paste"); });

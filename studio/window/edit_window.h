@@ -73,7 +73,7 @@ class EditWindow : public QMainWindow {
     SceneFiles files_;
     MessageDialogs messages_;
     PanelSession panel_;
-    std::optional<SurfaceSettings> copied_;
+    std::optional<std::optional<SurfaceShader>> copied_;  ///< the inner one none: no shader
 };
 
 }  // namespace tavora::studio

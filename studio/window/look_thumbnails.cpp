@@ -85,8 +85,8 @@ void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
 
 LookThumbnails::Job LookThumbnails::jobFor(const std::string& look) const {
     Job job{look, session_.shading()};
-    for (const auto& [surface, settings] : session_.document().withLook(readLook(look), surfaces_))
-        job.shading[surface].shader = settings.block;
+    for (const auto& [surface, shader] : session_.document().withLook(readLook(look), surfaces_))
+        job.shading[surface] = shader;
     return job;
 }
 

@@ -41,7 +41,7 @@ class LookThumbnails : public QObject {
   private:
     struct Job {
         std::string look;
-        std::vector<SurfaceShading> shading;
+        SurfaceShaders shading;
     };
     /// All that the thread needs, as it was when it started.
     struct Order {

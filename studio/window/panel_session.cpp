@@ -97,21 +97,21 @@ void PanelSession::abandon(Gesture gesture) {
 }
 
 void PanelSession::showUntilClosed() {
-    SurfaceSettings before;
+    std::optional<SurfaceShader> before;
     for (bool resumed = false; next_; resumed = true) {
         const std::size_t surface = *std::exchange(next_, std::nullopt);
         if (!resumed || surface != surface_) before = session_->document().settings(surface);
         surface_ = surface;
         if (between_) std::exchange(between_, {})();
-        if (resumed && !session_->document().settings(surface).block) return;
+        if (resumed && !session_->document().settings(surface)) return;
         showOnce(before);
     }
 }
 
-void PanelSession::showOnce(const SurfaceSettings& before) {
+void PanelSession::showOnce(const std::optional<SurfaceShader>& before) {
     Document& document = session_->document();
     document.endStep();
-    if (!document.settings(surface_).block) document.setEnabled(surface_, true);
+    if (!document.settings(surface_)) document.setEnabled(surface_, true);
     emit opened(surface_);
     confirmed_ = false;
     const std::shared_ptr<const LightRig> lights = session_->lights();

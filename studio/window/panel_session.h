@@ -47,7 +47,7 @@ class PanelSession : public QObject {
 
   private:
     void showUntilClosed();
-    void showOnce(const SurfaceSettings& before);
+    void showOnce(const std::optional<SurfaceShader>& before);
     void closeFor(std::size_t next);
     void abandon(Gesture gesture);
     void placePanel(QWidget& frame);

@@ -25,7 +25,7 @@ Session::Session(const EditRequest& request, Report& report)
     startPicture(request);
 
     document_->settingsChanged = [this](std::size_t surface) {
-        if (!comparing_) revision_ = picture_->setSurface(surface, shadingOf(surface));
+        if (!comparing_) revision_ = picture_->setSurface(surface, shaderOf(surface));
         emit settingsChanged(surface);
     };
     document_->stateChanged = [this] { emit stateChanged(); };
@@ -146,10 +146,10 @@ void Session::showView() {
     emit viewChanged();
 }
 
-std::vector<SurfaceShading> Session::shading() const {
-    std::vector<SurfaceShading> all;
+SurfaceShaders Session::shading() const {
+    SurfaceShaders all;
     for (std::size_t surface = 0; surface < document_->scene().surfaces.size(); ++surface)
-        all.push_back(shadingOf(surface));
+        all.push_back(shaderOf(surface));
     return all;
 }
 
@@ -157,10 +157,8 @@ void Session::showSettings() {
     revision_ = picture_->setShading(shading());
 }
 
-SurfaceShading Session::shadingOf(std::size_t surface) const {
-    const SurfaceSettings& settings =
-        comparing_ ? document_->cleanSettings(surface) : document_->settings(surface);
-    return {settings.enabled ? settings.block : std::nullopt};
+const std::optional<SurfaceShader>& Session::shaderOf(std::size_t surface) const {
+    return comparing_ ? document_->cleanSettings(surface) : document_->settings(surface);
 }
 
 }  // namespace tavora::studio

@@ -28,7 +28,7 @@ class Session : public QObject {
     const LivePicture& picture() const { return *picture_; }
     const Camera& camera() const { return orbit_->camera(); }
     /// What the picture shows of the settings, an entry a surface of the scene.
-    std::vector<SurfaceShading> shading() const;
+    SurfaceShaders shading() const;
     const std::optional<Imath::V3d>& background() const { return background_; }
     /// Grows with every change of what the picture shows.
     std::uint64_t revision() const { return revision_; }
@@ -72,7 +72,7 @@ class Session : public QObject {
     double depthOf(const Imath::V3d& place) const;
     void showView();
     void showSettings();
-    SurfaceShading shadingOf(std::size_t surface) const;
+    const std::optional<SurfaceShader>& shaderOf(std::size_t surface) const;
     void startPicture(const EditRequest& request);
 
     LightingOptions lighting_;

@@ -72,7 +72,8 @@ void SurfaceList::update(std::size_t surface) {
     for (int row = 0; row < count(); ++row) {
         QListWidgetItem* line = item(row);
         if (surfaceOf(*line) != surface) continue;
-        line->setCheckState(document.settings(surface).enabled ? Qt::Checked : Qt::Unchecked);
+        const bool enabled = activeBlock(document.settings(surface)) != nullptr;
+        line->setCheckState(enabled ? Qt::Checked : Qt::Unchecked);
         QFont font = line->font();
         font.setBold(document.settings(surface) != document.cleanSettings(surface));
         line->setFont(font);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "studio/scene/settings/settings.h"
 #include "studio/util/error.h"
 #include "tests/files/temporary_folder.h"
 #include "tests/scene/settings_samples.h"
@@ -30,10 +31,10 @@ class ShadingPlan : public testing::Test {
 
     std::string file(const char* name) const { return folder_ / name; }
 
-    std::vector<PlannedSurface> plan() {
+    SurfaceShaders plan() {
         testing::internal::CaptureStderr();
         const std::vector<std::string> lights{"Key", "F\xc3\xbcll"};
-        std::vector<PlannedSurface> planned;
+        SurfaceShaders planned;
         try {
             planned = planSurfaces(scene_, request_, shader_, lights, report_);
         } catch (...) {
@@ -56,17 +57,17 @@ TEST_F(ShadingPlan, LooksGoOnTheSurfacesTheyNameAndPlainWins) {
     request_.looks = {{"", file("a.json")}, {"Glass*", file("b.json")}};
     request_.plain = {"Glass.002"};
     auto planned = plan();
-    EXPECT_EQ((*planned[0].settings)["edgeCoverage"].dump(), "0.3");
-    EXPECT_EQ((*planned[1].settings)["edgeCoverage"].dump(), "0.4");
-    EXPECT_EQ((*planned[1].settings)["edgeEnable"], true) << "the last look alone counts";
-    EXPECT_EQ((*planned[1].settings)["lightList"].dump(), "[\"Key\",\"F\xc3\xbcll\"]");
-    EXPECT_EQ((*planned[0].settings)["maxTraceDepth"], 3) << "the rest is built in";
-    EXPECT_FALSE(planned[2].settings);
+    EXPECT_EQ(settingsOf(planned[0]->block)["edgeCoverage"].dump(), "0.3");
+    EXPECT_EQ(settingsOf(planned[1]->block)["edgeCoverage"].dump(), "0.4");
+    EXPECT_EQ(settingsOf(planned[1]->block)["edgeEnable"], true) << "the last look alone counts";
+    EXPECT_EQ(settingsOf(planned[1]->block)["lightList"].dump(), "[\"Key\",\"F\xc3\xbcll\"]");
+    EXPECT_EQ(settingsOf(planned[0]->block)["maxTraceDepth"], 3) << "the rest is built in";
+    EXPECT_FALSE(planned[2]);
     EXPECT_EQ(said_, "");
     request_.looks = {{"[odd]*", file("a.json")}};
     planned = plan();
-    EXPECT_TRUE(planned[3].settings) << "a name before a pattern";
-    EXPECT_FALSE(planned[0].settings);
+    EXPECT_TRUE(planned[3]) << "a name before a pattern";
+    EXPECT_FALSE(planned[0]);
     request_.plain = {"Glas"};
     EXPECT_THROW(plan(), Error);
 }
@@ -74,11 +75,10 @@ TEST_F(ShadingPlan, LooksGoOnTheSurfacesTheyNameAndPlainWins) {
 TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {
     StateBlock stored = sampleBlock();
     stored[2] = 0.5F;
-    scene_.surfaces[0].shader = StoredShader{"TAVO", false, stored};
+    scene_.surfaces[0].shader = SurfaceShader{"TAVO", false, stored};
     auto planned = plan();
-    EXPECT_FALSE(planned[0].enabled);
-    EXPECT_FALSE(planned[0].touched);
-    EXPECT_EQ(blockOf(*planned[0].settings), stored);
+    EXPECT_FALSE(planned[0]->enabled);
+    EXPECT_EQ(planned[0]->block, stored);
 
     request_.looks = {{"Body", file("a.json")}};
     request_.changes = {{"*", "edgeCoverage", "0.9"},
@@ -86,27 +86,26 @@ TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {
                         {"Body", "lights", "Key,Ambient"},
                         {"Body", "highlightEnable", "off"}};
     planned = plan();
-    EXPECT_TRUE(planned[0].enabled);
-    EXPECT_TRUE(planned[0].touched);
-    const Settings& settings = *planned[0].settings;
+    EXPECT_TRUE(planned[0]->enabled);
+    const Settings settings = settingsOf(planned[0]->block);
     EXPECT_EQ(settings["highlightOutlineSize"].dump(), "0.02") << "built in, not stored";
     EXPECT_EQ(settings["edgeCoverage"].dump(), "0.9");
     EXPECT_EQ(settings["zoneList"][0]["color"].dump(), "[1.0,0.0,0.0]");
     EXPECT_EQ(settings["lightList"].dump(), R"(["Key","Ambient"])");
     EXPECT_EQ(settings["highlightEnable"], "Off");
-    EXPECT_FALSE(planned[1].settings) << "a change alone puts no shader on a plain surface";
+    EXPECT_FALSE(planned[1]) << "a change alone puts no shader on a plain surface";
 }
 
 TEST_F(ShadingPlan, WhatCannotBeUsedIsSaidOnce) {
     StateBlock damaged = sampleBlock();
     damaged.pop_back();
-    scene_.surfaces[0].shader = StoredShader{"TAVO", true, damaged};
-    scene_.surfaces[1].shader = StoredShader{"ELSE", true, {}};
-    scene_.surfaces[2].shader = StoredShader{"TAVO", true, sampleBlock({}, 0, {"Gone"})};
-    scene_.surfaces[3].shader = StoredShader{"TAVO", true, sampleBlock({}, 0, {"Gone"})};
+    scene_.surfaces[0].shader = SurfaceShader{"TAVO", true, damaged};
+    scene_.surfaces[1].shader = SurfaceShader{"ELSE", true, {}};
+    scene_.surfaces[2].shader = SurfaceShader{"TAVO", true, sampleBlock({}, 0, {"Gone"})};
+    scene_.surfaces[3].shader = SurfaceShader{"TAVO", true, sampleBlock({}, 0, {"Gone"})};
     const auto planned = plan();
-    EXPECT_EQ(blockOf(*planned[0].settings), sampleBlock());
-    EXPECT_FALSE(planned[1].settings);
+    EXPECT_EQ(planned[0]->block, sampleBlock());
+    EXPECT_FALSE(planned[1]);
     EXPECT_THAT(said_, HasSubstr("surface \"Body\": stored settings are damaged"));
     EXPECT_THAT(said_, HasSubstr("no module has its shader \"ELSE\""));
     EXPECT_THAT(said_, HasSubstr("its light \"Gone\" is not in the scene; there are: Key"));

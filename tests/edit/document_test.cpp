@@ -17,11 +17,11 @@ class DocumentEdits : public EditTest {
         const double value = std::uniform_real_distribution<>(0.001, 0.999)(random_);
         switch (random_() % 5) {
             case 0:
-                return document.setEnabled(surface, !document.settings(surface).enabled);
+                return document.setEnabled(surface, !activeBlock(document.settings(surface)));
             case 1:
                 return document.setSettings(
-                    {{0, {true, sampleBlock({}, 0, {std::to_string(step)})}},
-                     {surface, {false, std::nullopt}}},
+                    {{0, shader(sampleBlock({}, 0, {std::to_string(step)}))},
+                     {surface, std::nullopt}},
                     "paste");
             case 2:
                 return document.wearLook(step % 2 == 0 ? "noir" : "comic", document.surfaces());
@@ -40,16 +40,16 @@ class DocumentEdits : public EditTest {
 
 void expectRecordsInStep(Document& document) {
     for (const std::size_t surface : document.surfaces()) {
-        if (!document.settings(surface).block) continue;
-        EXPECT_EQ(document.record(surface).save(), *document.settings(surface).block);
+        if (!document.settings(surface)) continue;
+        EXPECT_EQ(document.record(surface).save(), document.settings(surface)->block);
     }
 }
 
 TEST_F(DocumentEdits, AreUndoneAndDoneAgainToTheByte) {
     const auto document = open();
-    std::vector<SurfaceSettings> heard = stateOf(*document);
+    SurfaceShaders heard = stateOf(*document);
     document->settingsChanged = [&](std::size_t i) { heard[i] = document->settings(i); };
-    std::vector<std::vector<SurfaceSettings>> states{stateOf(*document)};
+    std::vector<SurfaceShaders> states{stateOf(*document)};
     for (int step = 0; states.size() <= 200; ++step) {
         editSomehow(*document, step);
         if (stateOf(*document) != states.back()) states.push_back(stateOf(*document));
@@ -104,7 +104,7 @@ TEST_F(DocumentEdits, OfOneGestureAreUndoneTogether) {
 TEST_F(DocumentEdits, AreBoundedInNumberAndSize) {
     StepList list;
     const auto step = [](std::size_t size, std::int32_t value) {
-        SurfaceSettings after{true, StateBlock{value, std::string(size, 'x')}};
+        SurfaceShader after = shader({value, std::string(size, 'x')});
         return Step{"", {{0, {}, std::move(after)}}, 0};
     };
     const auto undoable = [](StepList copy) {
@@ -132,17 +132,17 @@ TEST_F(DocumentEdits, ARecordShownAndLeftAloneIsNoEdit) {
     odd[2] = std::nanf("");
     odd[3] = -0.0F;
     auto document = open();
-    document->setSettings({{0, {true, odd}}, {1, {false, sampleBlock()}}}, "odd");
+    document->setSettings({{0, shader(odd)}, {1, shader(sampleBlock(), false)}}, "odd");
     document->save();
     document = open();
-    EXPECT_TRUE(std::isnan(std::get<float>((*document->settings(0).block)[2])));
+    EXPECT_TRUE(std::isnan(std::get<float>(document->settings(0)->block[2])));
     for (const std::size_t surface : document->surfaces())
-        if (document->settings(surface).block) document->takeRecord(surface, 0);
+        if (document->settings(surface)) document->takeRecord(surface, 0);
     EXPECT_FALSE(document->canUndo());
     EXPECT_FALSE(document->isModified());
-    EXPECT_FALSE(document->settings(1).enabled);
+    EXPECT_FALSE(document->settings(1)->enabled);
     odd.pop_back();
-    EXPECT_THROW(document->setSettings({{0, {true, odd}}}, "damaged"), Error);
+    EXPECT_THROW(document->setSettings({{0, shader(odd)}}, "damaged"), Error);
 }
 
 TEST_F(DocumentEdits, ASurfaceWithoutTheShaderWearsANewOne) {
@@ -153,12 +153,12 @@ TEST_F(DocumentEdits, ASurfaceWithoutTheShaderWearsANewOne) {
     document->setEnabled(0, true);
     document->takeRecord(1, 0);
     const StateBlock defaults = newShaderSettings(document->moduleCopy());
-    EXPECT_EQ(document->settings(0), (SurfaceSettings{true, defaults}));
-    EXPECT_EQ(document->settings(1), (SurfaceSettings{true, defaults}));
+    EXPECT_EQ(document->settings(0), shader(defaults));
+    EXPECT_EQ(document->settings(1), shader(defaults));
     edit(*document, 1, 0.77);
     document->undo();
     document->undo();
-    EXPECT_FALSE(document->settings(1).block);
+    EXPECT_FALSE(document->settings(1));
     EXPECT_EQ(document->record(1).save(), defaults);
 }
 
@@ -175,7 +175,7 @@ TEST_F(DocumentEdits, LooksAreWrittenAsTheyAreRead) {
 
     StateBlock odd = sampleBlock();
     odd[2] = std::nanf("");
-    document->setSettings({{0, {true, odd}}}, "odd");
+    document->setSettings({{0, shader(odd)}}, "odd");
     EXPECT_THROW(document->saveLook(0, folder_ / "odd.json"), Error);
     EXPECT_FALSE(exists(folder_ / "odd.json"));
 }

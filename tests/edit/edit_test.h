@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "studio/edit/document.h"
@@ -13,6 +14,10 @@
 #include "tests/scene/settings_samples.h"
 
 namespace tavora::studio {
+
+inline SurfaceShader shader(StateBlock block, bool enabled = true) {
+    return {"TAVO", enabled, std::move(block)};
+}
 
 /// A scene of three materials, and geometry without any, in a folder of its own
 /// that also holds the user's settings and state.
@@ -41,15 +46,15 @@ class EditTest : public testing::Test {
         return std::make_unique<Document>(file_, request_, report_);
     }
 
-    static std::vector<SurfaceSettings> stateOf(const Document& document) {
-        std::vector<SurfaceSettings> state;
+    static SurfaceShaders stateOf(const Document& document) {
+        SurfaceShaders state;
         for (const std::size_t surface : document.surfaces())
             state.push_back(document.settings(surface));
         return state;
     }
 
     static Settings named(const Document& document, std::size_t surface) {
-        return settingsOf(*document.settings(surface).block);
+        return settingsOf(document.settings(surface)->block);
     }
 
     /// What a panel does: writes into the record, and tells of it.

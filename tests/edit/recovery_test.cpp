@@ -41,7 +41,7 @@ class Recovery : public EditTest {
         const auto document = open();
         for (int round = 1;; ++round) {
             const double value = (round % 900) / 1000.0;
-            document->setSettings({{0, {true, valued(value)}}, {1, {true, valued(value)}}}, "work");
+            document->setSettings({{0, shader(valued(value))}, {1, shader(valued(value))}}, "work");
             if (round % 3 == 0) document->save();
             edit(*document, 2, value);
             document->writeRecovery();
@@ -142,13 +142,13 @@ TEST_F(Recovery, IsExactAndGoesByName) {
     StateBlock odd = sampleBlock({}, 0, {"F\xc3\xbcll \"1\""});
     odd[2] = std::nanf("");
     abandon([&](Document& document) {
-        document.setSettings({{0, {}}, {1, {false, odd}}, {3, {true, sampleBlock()}}}, "odd");
+        document.setSettings({{0, {}}, {1, shader(odd, false)}, {3, shader(sampleBlock())}}, "odd");
     });
     writeScene({"New", "Hair"});
     const auto document = open();
     document->recover();
-    EXPECT_EQ(document->settings(1), (SurfaceSettings{false, odd}));
-    EXPECT_EQ(document->settings(2), (SurfaceSettings{true, sampleBlock()}));
+    EXPECT_EQ(document->settings(1), shader(odd, false));
+    EXPECT_EQ(document->settings(2), shader(sampleBlock()));
     EXPECT_THAT(document->warnings(),
                 ElementsAre(HasSubstr("was changed"), HasSubstr("\"Glass\"")));
 }

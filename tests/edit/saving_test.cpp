@@ -16,7 +16,7 @@ class Saving : public EditTest {};
 
 TEST_F(Saving, ALookThatStandsInIsNoWorkUntilSomethingChanges) {
     auto document = open();
-    EXPECT_TRUE(document->settings(0).enabled);
+    EXPECT_TRUE(document->settings(0)->enabled);
     EXPECT_EQ(document->cleanSettings(0), document->settings(0));
     EXPECT_FALSE(document->isModified());
     edit(*document, 0, 0.5);
@@ -49,11 +49,11 @@ TEST_F(Saving, WhatTheFileCannotHoldIsTold) {
     document->setSettings({{0, {}}}, "never there");
     document->save();
     document = open();
-    EXPECT_FALSE(document->settings(0).enabled) << "taken off, so turned off in the file";
-    EXPECT_TRUE(document->settings(1).enabled);
+    EXPECT_FALSE(document->settings(0)->enabled) << "taken off, so turned off in the file";
+    EXPECT_TRUE(document->settings(1)->enabled);
     request_.plain = {"Hair"};
     document = open();
-    EXPECT_EQ(document->settings(1), (SurfaceSettings{false, document->cleanSettings(1).block}));
+    EXPECT_EQ(document->settings(1), shader(document->cleanSettings(1)->block, false));
 }
 
 TEST_F(Saving, AFullDiskCostsNeitherTheFileNorTheWork) {
@@ -95,7 +95,7 @@ TEST_F(Saving, AFileThatChangedOnDiskIsNoticed) {
     EXPECT_THAT(document->warnings(), ElementsAre(HasSubstr("\"Hair\""), HasSubstr("\"Default\"")));
     const auto after = open();
     EXPECT_EQ(after->settings(0), document->settings(2));
-    EXPECT_FALSE(after->settings(1).block);
+    EXPECT_FALSE(after->settings(1));
     EXPECT_EQ(after->settings(2), document->settings(0));
 
     edit(*document, 0, 0.6);

@@ -9,7 +9,7 @@ using namespace tavora::studio;
 
 namespace {
 
-std::optional<StoredShader> shaderIn(const std::string& extras) {
+std::optional<SurfaceShader> shaderIn(const std::string& extras) {
     std::vector<std::string> warnings;
     auto shader = shaderFromExtras(parseJson(extras, "extras"), "extras", warnings);
     for (const std::string& line : warnings)
@@ -22,7 +22,7 @@ std::optional<StoredShader> shaderIn(const std::string& extras) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text(reinterpret_cast<const char*>(data), size);
     readOrRefuse([&] {
-        StoredShader shader{"TAVO", true, sampleBlock()};
+        SurfaceShader shader{"TAVO", true, sampleBlock()};
         if (const auto stored = shaderIn(text)) shader = *stored;
         const auto again = shaderIn(extrasWithShader(text, shader));
         require(again && again->server == shader.server && again->enabled == shader.enabled &&

@@ -11,10 +11,8 @@ using namespace tavora::studio;
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     readOrRefuse([&] {
         const Look look = parseLook({reinterpret_cast<const char*>(data), size}, "look.json");
-        Settings settings = settingsOf(sampleBlock());
-        applySettings(settings, look.settings, "look.json");
-        settleLightList(settings, {});
-        require(settingsOf(blockOf(settings)) == settings);
+        const StateBlock block = withChanges(sampleBlock(), look.settings, "look.json", {});
+        require(blockOf(settingsOf(block)) == block);
     });
     return 0;
 }

@@ -7,6 +7,7 @@
 #include "studio/link/module_file.h"
 #include "studio/link/shader.h"
 #include "studio/scene/settings/settings.h"
+#include "studio/scene/surface_shader.h"
 #include "studio/services/messages.h"
 #include "studio/services/registry.h"
 #include "tests/fuzz/fuzz_input.h"
@@ -42,15 +43,6 @@ StateBlock blockFrom(std::span<const std::uint8_t> bytes) {
     return block;
 }
 
-bool same(const StateBlock& a, const StateBlock& b) {
-    return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](const auto& x, const auto& y) {
-        const float* fraction = std::get_if<float>(&x);
-        const float* other = std::get_if<float>(&y);
-        if (fraction == nullptr || other == nullptr) return x == y;
-        return std::memcmp(fraction, other, sizeof *fraction) == 0;
-    });
-}
-
 }  // namespace
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
@@ -63,7 +55,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
     const StateBlock loaded = shader.save();
     Shader second(module, nullptr);
     second.load(loaded);
-    require(same(second.save(), loaded));
-    readOrRefuse([&] { require(same(blockOf(settingsOf(block, settingsOf(fresh))), loaded)); });
+    require(sameBits(second.save(), loaded));
+    readOrRefuse([&] { require(sameBits(blockOf(settingsOf(block, settingsOf(fresh))), loaded)); });
     return 0;
 }

@@ -43,12 +43,10 @@ struct Ball : TestScene {
     }
 
     Picture picture(const ToonZones& zones, int size) const {
-        Settings settings = settingsOf(newShaderSettings(ModuleCopy(TAVORA_MODULE, findService)));
-        applySettings(settings, zones.settings, "test");
+        const StateBlock builtIn = newShaderSettings(ModuleCopy(TAVORA_MODULE, findService));
         const std::vector<std::string> lights = {rig.lights[0].light->name};
-        settleLightList(settings, lights);
         return renderWith(*this, frontCamera({0, 0, 5}, 1), squareOptions(size), TAVORA_MODULE,
-                          blockOf(settings));
+                          withChanges(builtIn, zones.settings, "test", lights));
     }
 
     V3d base() const {

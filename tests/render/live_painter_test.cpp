@@ -26,7 +26,7 @@ struct Easel : TestScene {
         wish.width = width;
         wish.height = height;
         wish.lights = {&rig, [](const LightRig*) {}};
-        wish.shading.assign(1, std::make_shared<const SurfaceShading>());
+        wish.shading.resize(1);
         wish.hasShading = true;
     }
 

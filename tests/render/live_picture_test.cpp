@@ -34,12 +34,12 @@ Json setting(const char* name, const Json& value) {
 }
 
 /// The module's defaults with some settings changed.
-StateBlock look(const Json& changes = Json::object()) {
+SurfaceShader look(const Json& changes = Json::object()) {
     static const Settings defaults =
         settingsOf(newShaderSettings(ModuleCopy(TAVORA_MODULE, findService)));
     Settings settings = defaults;
     applySettings(settings, changes, "test");
-    return blockOf(settings);
+    return {.block = blockOf(settings)};
 }
 
 enum Place { kBall, kPane, kLeaf, kWall };
@@ -102,14 +102,14 @@ struct Wish {
     int width = 50;
     int height = 40;
     std::shared_ptr<const LightRig> rig = lights(0.7, -0.3, 1);
-    std::vector<SurfaceShading> shading{4};
+    SurfaceShaders shading = SurfaceShaders(4);
     LiveOptions options;
 
     Wish() {
         options.threads = 2;
         options.samples = 6;
-        shading[kBall].shader = look({{"edgeEnable", true}, {"highlightEnable", "On"}});
-        shading[kWall].shader = look(setting("lightPower", "Squared"));
+        shading[kBall] = look({{"edgeEnable", true}, {"highlightEnable", "On"}});
+        shading[kWall] = look(setting("lightPower", "Squared"));
     }
 
     std::vector<std::uint8_t> rendered() const {
@@ -161,7 +161,7 @@ struct Edit {
     std::function<std::uint64_t(Wish&, LivePicture&)> make;
 };
 
-Edit put(const char* name, Place surface, const SurfaceShading& shading) {
+Edit put(const char* name, Place surface, const std::optional<SurfaceShader>& shading) {
     return {name, [surface, shading](Wish& wish, LivePicture& picture) {
                 wish.shading[surface] = shading;
                 return picture.setSurface(surface, shading);
@@ -169,7 +169,7 @@ Edit put(const char* name, Place surface, const SurfaceShading& shading) {
 }
 
 Edit wear(const char* name, Place surface, const Json& changes) {
-    return put(name, surface, {look(changes)});
+    return put(name, surface, look(changes));
 }
 
 Edit light(const char* name, double sun, double right, int points, double size = 0) {
@@ -277,7 +277,7 @@ TEST(LivePicture, TracesAndShadesAgainOnlyWhatAnEditChanges) {
     ASSERT_NE(live.clean(wish.show(live.picture())), nullptr);
     const auto changesBy = [&](Place surface, const Json& changes) {
         const LiveStats before = live.picture().stats();
-        wish.shading[surface].shader = look(changes);
+        wish.shading[surface] = look(changes);
         const auto frame = live.clean(live.picture().setSurface(surface, wish.shading[surface]));
         LiveStats after = live.picture().stats();
         after.tracedRays -= before.tracedRays;
@@ -308,8 +308,8 @@ TEST(LivePicture, QuickEditsEndInTheLastOnesPicture) {
 
 TEST(LivePicture, SaysWhyNothingIsRenderedAndTriesAgain) {
     const auto probe = [](ProbeBehaviour behaviour) {
-        return SurfaceShading{
-            StateBlock{int{behaviour}, int{HOST_SHADER_COLOR}, 1.0F, 0.5F, 0.0F, 0.0F}};
+        return SurfaceShader{
+            .block = {int{behaviour}, int{HOST_SHADER_COLOR}, 1.0F, 0.5F, 0.0F, 0.0F}};
     };
     Wish wish;
     wish.shading.assign(4, probe(kPaint));

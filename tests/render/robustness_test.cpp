@@ -240,7 +240,7 @@ TEST(Robustness, LightsThatNoSurfaceWorksWithCostNothing) {
 TEST(Robustness, StoppingAndWatching) {
     const StillLife test;
     Renderer renderer(test.scene);
-    const std::vector<SurfaceShading> plain(2);
+    const SurfaceShaders plain(2);
     RenderOptions options = squareOptions(200);
     options.threads = 2;
     double last = 0;

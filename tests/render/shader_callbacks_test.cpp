@@ -239,8 +239,8 @@ TEST(Tracing, ShadesWhatItMeets) {
         quadMesh(1), 2,
         Imath::M44d().rotate(V3d(0, M_PI, 0)) * Imath::M44d().translate(V3d(0, 0, 3)));
     Renderer renderer(test.scene);
-    std::vector<SurfaceShading> shading(4);
-    shading[0].shader = probe(kLook, kAll, 0, 0, 1);
+    SurfaceShaders shading(4);
+    shading[0] = SurfaceShader{.block = probe(kLook, kAll, 0, 0, 1)};
     Camera camera = frontCamera({0, 0, 1}, 0.5);
     Told told;
     renderer.render(camera, test.rig, shading, PROBE_MODULE, squareOptions(1), {}, nullptr);

@@ -134,14 +134,14 @@ RenderOptions squareOptions(int size) {
     return options;
 }
 
-std::vector<SurfaceShading> shadingFor(const TestScene& test, const StateBlock& block) {
-    return std::vector<SurfaceShading>(test.scene.surfaces.size(), {block});
+SurfaceShaders shadingFor(const TestScene& test, const StateBlock& block) {
+    return SurfaceShaders(test.scene.surfaces.size(), SurfaceShader{.block = block});
 }
 
 Picture renderPlain(const TestScene& test, const Camera& camera, const RenderOptions& options,
                     RenderStats* stats) {
     Renderer renderer(test.scene);
-    const std::vector<SurfaceShading> plain(test.scene.surfaces.size());
+    const SurfaceShaders plain(test.scene.surfaces.size());
     return renderer.render(camera, test.rig, plain, {}, options, {}, stats);
 }
 

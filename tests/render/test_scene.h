@@ -50,7 +50,7 @@ Camera frontCamera(const Imath::V3d& eye, double halfHeight);
 RenderOptions squareOptions(int size);
 
 /// A shader on every surface of the scene.
-std::vector<SurfaceShading> shadingFor(const TestScene& test, const StateBlock& block);
+SurfaceShaders shadingFor(const TestScene& test, const StateBlock& block);
 
 /// Renders without a shader.
 Picture renderPlain(const TestScene& test, const Camera& camera, const RenderOptions& options,

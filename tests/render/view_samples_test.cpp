@@ -29,10 +29,10 @@ StateBlock inkedLook() {
 struct Conservatory : TestScene {
     SceneIndex index;
     RayScene rays;
-    std::vector<SurfaceShading> shading{5};
+    SurfaceShaders shading = SurfaceShaders(5);
 
     Conservatory() : index(furnished().scene), rays(index) {
-        shading[0].shader = shading[1].shader = inkedLook();
+        shading[0] = shading[1] = SurfaceShader{.block = inkedLook()};
     }
 
   private:

@@ -14,35 +14,35 @@ namespace {
 namespace fs = std::filesystem;
 using testing::HasSubstr;
 
-StoredShader sampleShader() {
+SurfaceShader sampleShader() {
     return {"TAVO", true, {6, 0.1F, "Key \"1\"", -3, 1.0F, 1e20F}};
 }
 
 const std::string kSampleText =
     R"({"server":"TAVO","enabled":true,"state":[6,0.1,"Key \"1\"",-3,1.0,1e+20]})";
 
-StoredShader read(const std::string& extras) {
+SurfaceShader read(const std::string& extras) {
     std::vector<std::string> warnings;
     const auto shader = shaderFromExtras(Json::parse(extras), "here", warnings);
     EXPECT_TRUE(shader && warnings.empty()) << extras;
-    return shader.value_or(StoredShader{});
+    return shader.value_or(SurfaceShader{});
 }
 
 TEST(ShaderExtras, ReturnWhatWasStored) {
-    StoredShader shader = sampleShader();
+    SurfaceShader shader = sampleShader();
     shader.enabled = false;
-    const StoredShader again = read(extrasWithShader("", shader));
+    const SurfaceShader again = read(extrasWithShader("", shader));
     EXPECT_EQ(again.server, shader.server);
     EXPECT_EQ(again.enabled, shader.enabled);
-    EXPECT_EQ(again.state, shader.state);
+    EXPECT_EQ(again.block, shader.block);
     StateBlock zones;
     for (int i = 0; i < 5000; ++i)
         append(zones, zoneItems(static_cast<float>(i) / 4999));
     const std::vector<std::string> lights(5000, "Key");
-    shader.state = sampleBlock(zones, 5000, lights);
-    EXPECT_EQ(blockOf(settingsOf(read(extrasWithShader("{}", shader)).state)), shader.state);
-    shader.state = {INT32_MIN, INT32_MAX};
-    EXPECT_EQ(read(extrasWithShader("null", shader)).state, shader.state);
+    shader.block = sampleBlock(zones, 5000, lights);
+    EXPECT_EQ(blockOf(settingsOf(read(extrasWithShader("{}", shader)).block)), shader.block);
+    shader.block = {INT32_MIN, INT32_MAX};
+    EXPECT_EQ(read(extrasWithShader("null", shader)).block, shader.block);
 }
 
 TEST(ShaderExtras, ChangeNothingElse) {
@@ -121,7 +121,7 @@ TEST(GltfSettings, CopyEveryOtherChunkOfAGlb) {
     const GltfContainer container = readContainer(folder / "a.glb");
     EXPECT_EQ(bytesOf(folder / "a.glb"), bytesWith(container.json));
     const Json document = Json::parse(container.json);
-    EXPECT_EQ(read(document["materials"][1]["extras"].dump()).state, sampleShader().state);
+    EXPECT_EQ(read(document["materials"][1]["extras"].dump()).block, sampleShader().block);
 }
 
 TEST(GltfSettings, SayWhatCannotBeStored) {

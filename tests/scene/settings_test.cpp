@@ -195,15 +195,15 @@ TEST(Settings, SayWhatIsWrongWithAValue) {
     EXPECT_THAT(applyRefusal("{\"lights\": [\"" + name + "\"]}"), HasSubstr("79 bytes"));
 }
 
-TEST(Settings, LightListIsSettledWithTheSceneAtHand) {
+TEST(Settings, ChangesAreSettledWithTheLightsAtHand) {
     const std::vector<std::string> scene{"Key", "Rim"};
-    Settings settings = applied(R"({"lights": "all"})");
-    EXPECT_FALSE(refusal([&] { blockOf(settings); }).empty());
-    EXPECT_TRUE(settleLightList(settings, scene).empty());
-    EXPECT_EQ(settings["lightList"].dump(), R"(["Key","Rim"])");
-    settings = applied(R"({"lights": ["Rim", "Fill", "Ambient"]})");
-    EXPECT_EQ(settleLightList(settings, scene), std::vector<std::string>{"Fill"});
-    EXPECT_EQ(settings["lightList"].dump(), R"(["Rim","Fill","Ambient"])");
+    const auto lightsWith = [&](const Settings& lights) {
+        return withChanges(sampleBlock(), {{"lights", lights}}, "here", scene);
+    };
+    EXPECT_EQ(settingsOf(lightsWith("all"))["lightList"].dump(), R"(["Key","Rim"])");
+    EXPECT_TRUE(unknownLights(lightsWith("all"), scene).empty());
+    EXPECT_EQ(unknownLights(lightsWith({"Rim", "Fill", "Ambient"}), scene),
+              std::vector<std::string>{"Fill"});
 }
 
 }  // namespace

@@ -64,7 +64,7 @@ TEST(DefaultSettings, PlayNoPartInLooks) {
         for (const char* look : {"comic", "noir"})
             document.wearLook(look, {1});
         EXPECT_EQ(document.settings(1), document.settings(0)) << "what comic left behind";
-        worn.insert(settingsOf(*document.settings(0).block));
+        worn.insert(settingsOf(document.settings(0)->block));
     }
     EXPECT_EQ(worn.size(), 1U);
     EXPECT_EQ(newSurface(), styled(kMany)) << "the user's own still start new surfaces";

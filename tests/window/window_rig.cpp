@@ -48,8 +48,8 @@ void WindowTest::start() {
     ASSERT_TRUE(QTest::qWaitForWindowExposed(window_.get()));
 }
 
-std::vector<SurfaceSettings> WindowTest::state() {
-    std::vector<SurfaceSettings> all;
+SurfaceShaders WindowTest::state() {
+    SurfaceShaders all;
     for (const std::size_t surface : document().surfaces())
         all.push_back(document().settings(surface));
     return all;

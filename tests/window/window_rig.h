@@ -30,7 +30,7 @@ class WindowTest : public ::testing::Test {
     Document& document() { return window_->session()->document(); }
     PictureView& view() { return *window_->findChild<PictureView*>("picture"); }
     SurfaceList& surfaces() { return *window_->findChild<SurfaceList*>("surfaces"); }
-    std::vector<SurfaceSettings> state();
+    SurfaceShaders state();
     void trigger(const char* action);
 
     /// Waits for the clean picture.

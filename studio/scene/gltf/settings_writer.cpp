@@ -63,7 +63,7 @@ void checkReferences(const Json& document, const fs::path& input, const fs::path
                             uri, stream ? "a file in the same folder" : "the same folder"));
 }
 
-std::string materialWith(std::string_view material, const StoredShader& shader,
+std::string materialWith(std::string_view material, const SurfaceShader& shader,
                          const std::string& where) {
     try {
         return withMember(material, "extras",
@@ -74,7 +74,7 @@ std::string materialWith(std::string_view material, const StoredShader& shader,
 }
 
 // From the last material to the first, so that places found stay right.
-std::string documentWith(std::string_view document, const std::map<int, StoredShader>& shaders,
+std::string documentWith(std::string_view document, const std::map<int, SurfaceShader>& shaders,
                          const std::string& where) {
     const std::string_view materials = jsonMember(document, "materials");
     std::vector<std::string_view> elements;
@@ -97,7 +97,7 @@ std::string documentWith(std::string_view document, const std::map<int, StoredSh
 }  // namespace
 
 void writeGltfSettings(const fs::path& input, const fs::path& output,
-                       const std::map<int, StoredShader>& shaders) {
+                       const std::map<int, SurfaceShader>& shaders) {
     checkSuffix(input, output);
     GltfContainer container = readContainer(input);
     const std::string where = input.string();

@@ -4,7 +4,7 @@
 #include <map>
 #include <string>
 
-#include "studio/scene/scene.h"
+#include "studio/scene/surface_shader.h"
 
 namespace tavora::studio {
 
@@ -19,6 +19,6 @@ namespace tavora::studio {
 /// Throws Error, Fault::Scene, when the input cannot be read, Fault::Output when the output
 /// cannot be written, ReaderGone.
 void writeGltfSettings(const std::filesystem::path& input, const std::filesystem::path& output,
-                       const std::map<int, StoredShader>& shaders);
+                       const std::map<int, SurfaceShader>& shaders);
 
 }  // namespace tavora::studio

@@ -107,12 +107,19 @@ void applySettings(Settings& settings, const nlohmann::ordered_json& changes,
     if (zonesTouched) orderZones(settings[kZoneList], where);
 }
 
-std::vector<std::string> settleLightList(Settings& settings,
-                                         std::span<const std::string> sceneLights) {
-    Settings& list = settings[kLightList];
-    if (list == "all") list = std::vector<std::string>(sceneLights.begin(), sceneLights.end());
+StateBlock withChanges(const StateBlock& block, const Settings& changes, const std::string& where,
+                       std::span<const std::string> sceneLights) {
+    Settings settings = settingsOf(block);
+    applySettings(settings, changes, where);
+    Settings& lights = settings[kLightList];
+    if (lights == "all") lights = std::vector<std::string>(sceneLights.begin(), sceneLights.end());
+    return blockOf(settings);
+}
+
+std::vector<std::string> unknownLights(const StateBlock& block,
+                                       std::span<const std::string> sceneLights) {
     std::vector<std::string> unknown;
-    for (const Settings& name : list) {
+    for (const Settings& name : settingsOf(block)[kLightList]) {
         const bool known =
             std::find(sceneLights.begin(), sceneLights.end(), name) != sceneLights.end();
         if (!known && name != kAmbientLight) unknown.push_back(name);

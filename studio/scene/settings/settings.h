@@ -37,9 +37,13 @@ StateBlock blockOf(const Settings& settings);
 void applySettings(Settings& settings, const nlohmann::ordered_json& changes,
                    const std::string& where);
 
-/// Puts the scene's lights in place of "all". Returns the names in the list
-/// that are no light of the scene.
-std::vector<std::string> settleLightList(Settings& settings,
-                                         std::span<const std::string> sceneLights);
+/// The settings of a complete block with `changes` laid over them as
+/// applySettings() does, "all" lights being those of the scene. Throws Error.
+StateBlock withChanges(const StateBlock& block, const Settings& changes, const std::string& where,
+                       std::span<const std::string> sceneLights);
+
+/// The lights that a complete block names and the scene has not.
+std::vector<std::string> unknownLights(const StateBlock& block,
+                                       std::span<const std::string> sceneLights);
 
 }  // namespace tavora::studio

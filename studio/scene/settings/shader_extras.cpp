@@ -73,14 +73,14 @@ std::optional<StateBlock> stateOf(const Json* items) {
     return state;
 }
 
-std::optional<StoredShader> shaderOf(const Json& entry) {
+std::optional<SurfaceShader> shaderOf(const Json& entry) {
     const Json* server = memberOf(entry, kServer);
     const Json* enabled = memberOf(entry, kEnabled);
     std::optional<StateBlock> state = stateOf(memberOf(entry, kState));
     if (server == nullptr || !server->is_string() || !state) return {};
     if (enabled != nullptr && !enabled->is_boolean()) return {};
-    return StoredShader{server->get<std::string>(), enabled == nullptr || enabled->get<bool>(),
-                        std::move(*state)};
+    return SurfaceShader{server->get<std::string>(), enabled == nullptr || enabled->get<bool>(),
+                         std::move(*state)};
 }
 
 bool isObject(std::string_view text) {
@@ -90,13 +90,13 @@ bool isArray(std::string_view text) {
     return !text.empty() && text.front() == '[';
 }
 
-std::string entryWith(std::string_view entry, const StoredShader& shader) {
+std::string entryWith(std::string_view entry, const SurfaceShader& shader) {
     std::string text = withMember(entry, kServer, textOf(Json(shader.server)));
     text = withMember(text, kEnabled, shader.enabled ? "true" : "false");
-    return withMember(text, kState, textOf(shader.state));
+    return withMember(text, kState, textOf(shader.block));
 }
 
-std::string shadersWith(std::string_view shaders, const StoredShader& shader) {
+std::string shadersWith(std::string_view shaders, const SurfaceShader& shader) {
     std::string_view same = "{}";
     std::string others;
     for (const std::string_view entry :
@@ -115,14 +115,14 @@ std::string shadersWith(std::string_view shaders, const StoredShader& shader) {
 
 }  // namespace
 
-std::optional<StoredShader> shaderFromExtras(const Json& extras, const std::string& where,
-                                             std::vector<std::string>& warnings) {
+std::optional<SurfaceShader> shaderFromExtras(const Json& extras, const std::string& where,
+                                              std::vector<std::string>& warnings) {
     const Json* own = memberOf(extras, kOwn);
     const Json* shaders = own != nullptr ? memberOf(*own, kShaders) : nullptr;
     if (own == nullptr || (own->is_object() && shaders == nullptr)) return {};
     const bool list = shaders != nullptr && shaders->is_array();
     if (list && shaders->empty()) return {};
-    std::optional<StoredShader> shader = list ? shaderOf(shaders->front()) : std::nullopt;
+    std::optional<SurfaceShader> shader = list ? shaderOf(shaders->front()) : std::nullopt;
     if (!shader) {
         warnings.push_back(fmt::format(
             "{}: the shader stored in its extras is damaged and left out; store it again", where));
@@ -130,7 +130,7 @@ std::optional<StoredShader> shaderFromExtras(const Json& extras, const std::stri
     return shader;
 }
 
-std::string extrasWithShader(std::string_view extras, const StoredShader& shader) {
+std::string extrasWithShader(std::string_view extras, const SurfaceShader& shader) {
     if (extras.empty() || extras == "null") extras = "{}";
     if (!isObject(extras)) {
         throw Error(Fault::Scene,

@@ -7,7 +7,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "studio/scene/scene.h"
+#include "studio/scene/surface_shader.h"
 
 /// Shaders in the `extras` of a material:
 /// {"tavora": {"shaders": [{"server": "TAVO", "enabled": true, "state": [6, 0.02, "Key"]}]}}
@@ -18,14 +18,14 @@ namespace tavora::studio {
 
 /// The first shader in `extras`, or none. What is damaged is left out with a
 /// line in `warnings` that starts with `where`.
-std::optional<StoredShader> shaderFromExtras(const nlohmann::ordered_json& extras,
-                                             const std::string& where,
-                                             std::vector<std::string>& warnings);
+std::optional<SurfaceShader> shaderFromExtras(const nlohmann::ordered_json& extras,
+                                              const std::string& where,
+                                              std::vector<std::string>& warnings);
 
 /// The JSON text of `extras` with `shader` first among its shaders, in place of
 /// one of the same server; everything else as it stands. `extras` is the text
 /// of a valid JSON value, or empty for a material without any.
 /// Throws Error for extras that are no object.
-std::string extrasWithShader(std::string_view extras, const StoredShader& shader);
+std::string extrasWithShader(std::string_view extras, const SurfaceShader& shader);
 
 }  // namespace tavora::studio
