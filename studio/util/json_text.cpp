@@ -3,12 +3,16 @@
 #include <algorithm>
 #include <cstdint>
 #include <fmt/format.h>
+#include <utility>
 
 #include "studio/util/error.h"
 
 namespace tavora::studio {
 namespace {
 
+using Json = nlohmann::ordered_json;
+
+constexpr std::size_t kDeepest = 128;
 constexpr std::string_view kSpaces = " \t\r\n";
 
 // Walks text that is known to be valid, so nothing is checked on the way.
@@ -83,20 +87,128 @@ std::string reasonIn(std::string text) {
     return start == std::string::npos ? "it breaks off" : text.substr(start + 3);
 }
 
+/// Makes the tree of a document from what the parser meets. The parser's own way
+/// looks at all earlier members for each new one and copies the tree as it grows.
+class TreeBuilder {
+  public:
+    bool null() { return add(nullptr); }
+    bool boolean(bool value) { return add(value); }
+    bool number_integer(std::int64_t value) { return add(value); }
+    bool number_unsigned(std::uint64_t value) { return add(value); }
+    bool number_float(double value, const std::string&) { return add(value); }
+    bool string(std::string& value) { return add(std::move(value)); }
+    bool binary(Json::binary_t&) { return false; }  // not in text
+    bool start_object(std::size_t) { return open(Json::object()); }
+    bool start_array(std::size_t) { return open(Json::array()); }
+
+    bool key(std::string& key) {
+        key_ = std::move(key);
+        return true;
+    }
+
+    bool end_object() {
+        const auto first = firstInside();
+        std::vector<bool> kept = lastOfEachKey();
+        auto& members = (first - 1)->value.get_ref<Json::object_t&>();
+        members.reserve(static_cast<std::size_t>(entries_.end() - first));
+        for (auto entry = first; entry != entries_.end(); ++entry) {
+            if (!kept.empty() && !kept[static_cast<std::size_t>(entry - first)]) continue;
+            members.emplace_back(std::move(entry->key), std::move(entry->value));
+        }
+        return close(first);
+    }
+
+    bool end_array() {
+        const auto first = firstInside();
+        auto& elements = (first - 1)->value.get_ref<Json::array_t&>();
+        elements.reserve(static_cast<std::size_t>(entries_.end() - first));
+        for (auto entry = first; entry != entries_.end(); ++entry)
+            elements.push_back(std::move(entry->value));
+        return close(first);
+    }
+
+    bool parse_error(std::size_t at, const std::string&, const nlohmann::detail::exception& error) {
+        constexpr int kNumberOutOfRange = 406;
+        if (error.id != kNumberOutOfRange) reason_ = reasonIn(error.what());
+        faultAt_ = at > 0 ? at - 1 : 0;
+        return false;
+    }
+
+    Json& tree() { return entries_.front().value; }
+    bool isTooDeep() const { return open_.size() > kDeepest; }
+    const std::string& reason() const { return reason_; }
+    std::size_t faultAt() const { return faultAt_; }
+
+  private:
+    /// A value whose list or object is still open; of these in turn come first
+    /// they, empty as yet, then what is in them.
+    struct Entry {
+        std::string key;
+        Json value;
+    };
+
+    bool add(Json value) {
+        entries_.push_back({std::move(key_), std::move(value)});
+        return true;
+    }
+
+    bool open(Json value) {
+        open_.push_back(entries_.size());
+        return add(std::move(value)) && !isTooDeep();
+    }
+
+    std::vector<Entry>::iterator firstInside() {
+        return entries_.begin() + static_cast<std::ptrdiff_t>(open_.back() + 1);
+    }
+
+    bool close(std::vector<Entry>::iterator first) {
+        entries_.erase(first, entries_.end());
+        open_.pop_back();
+        return true;
+    }
+
+    /// Which members of the innermost object count: where keys are repeated, the
+    /// last of each. Empty when all do.
+    std::vector<bool> lastOfEachKey() {
+        const auto first = firstInside();
+        std::vector<std::pair<std::string_view, std::size_t>> keys;
+        keys.reserve(static_cast<std::size_t>(entries_.end() - first));
+        for (auto entry = first; entry != entries_.end(); ++entry)
+            keys.emplace_back(entry->key, keys.size());
+        std::sort(keys.begin(), keys.end());
+        std::vector<bool> counts;
+        for (std::size_t i = 0; i + 1 < keys.size(); ++i) {
+            if (keys[i].first != keys[i + 1].first) continue;
+            counts.resize(keys.size(), true);
+            counts[keys[i].second] = false;
+        }
+        return counts;
+    }
+
+    std::vector<Entry> entries_;
+    std::vector<std::size_t> open_;  // where in the entries the open ones are
+    std::string key_;
+    std::string reason_;
+    std::size_t faultAt_ = 0;
+};
+
 }  // namespace
 
-nlohmann::ordered_json parseJson(std::string_view text, const std::string& where) {
-    try {
-        return nlohmann::ordered_json::parse(text);
-    } catch (const nlohmann::json::parse_error& error) {
-        const std::size_t at = error.byte > 0 ? error.byte - 1 : 0;
+Json parseJson(std::string_view text, const std::string& where) {
+    TreeBuilder builder;
+    if (Json::sax_parse(text, &builder)) return std::move(builder.tree());
+    if (builder.isTooDeep()) {
         throw Error(Fault::Scene,
-                    fmt::format("{}: not valid JSON ({}); correct the file there",
-                                placeInText(text, at, where), reasonIn(error.what())));
-    } catch (const nlohmann::json::exception&) {
+                    fmt::format("{}: its JSON is nested deeper than {}; correct the file", where,
+                                kDeepest));
+    }
+    if (builder.reason().empty()) {
         throw Error(Fault::Scene,
                     fmt::format("{}: holds a number too large to read; correct it", where));
     }
+    throw Error(Fault::Scene,
+                fmt::format("{}: not valid JSON ({}); correct the file there",
+                            placeInText(text, builder.faultAt(), where), builder.reason()));
 }
 
 std::string placeInText(std::string_view text, std::size_t offset, const std::string& where) {

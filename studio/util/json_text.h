@@ -11,7 +11,10 @@
 /// it (spaces, order, the spelling of numbers) as it was.
 namespace tavora::studio {
 
-/// Parses, or throws Fault::Scene "WHERE:LINE:COLUMN: not valid JSON (..)".
+/// Parses, or throws Fault::Scene "WHERE:LINE:COLUMN: not valid JSON (..)", or
+/// "WHERE: .." for brackets more than 128 deep and numbers beyond all. Takes time
+/// in proportion to the text, whatever it holds. Of members of one name the last
+/// counts.
 nlohmann::ordered_json parseJson(std::string_view text, const std::string& where);
 
 /// "WHERE:LINE:COLUMN" of a byte of `text`, both counted from 1.

@@ -15,4 +15,20 @@ std::string oneLine(std::string_view text) {
     return line;
 }
 
+std::string_view cutText(std::string_view text, std::size_t most) {
+    if (text.size() <= most) return text;
+    const auto continues = [&](std::size_t i) {
+        return (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80U;
+    };
+    while (most > 0 && continues(most))
+        --most;
+    return text.substr(0, most);
+}
+
+std::string shortened(std::string_view text) {
+    constexpr std::size_t kMostQuoted = 60;
+    if (text.size() <= kMostQuoted) return std::string(text);
+    return std::string(cutText(text, kMostQuoted)) + "..";
+}
+
 }  // namespace tavora::studio

@@ -131,6 +131,8 @@ TEST(GltfMaterials, TexturesThatCannotBeUsedAreNamed) {
     putBytes(folder / "text.png", "hello, I am no picture");
     GltfBuilder sourceless = textured({{"uri", kRedPng}});
     sourceless.document["textures"][0].erase("source");
+    GltfBuilder foreign = sourceless;
+    foreign.document["textures"][0]["extensions"]["KHR_texture_basisu"]["source"] = 0;
     GltfBuilder oddIndex = sourceless;
     oddIndex.document["materials"][0]["pbrMetallicRoughness"]["baseColorTexture"]["index"] = "0";
     GltfBuilder view = textured({{"bufferView", 0}});
@@ -141,12 +143,15 @@ TEST(GltfMaterials, TexturesThatCannotBeUsedAreNamed) {
         {textured({{"uri", "text.png"}}), "\"text.png\" is neither PNG, JPEG nor WebP"},
         {textured({{"name", "Bark"}}), "\"Bark\" is empty"},
         {textured({{"uri", kRedPng}}, {{"texCoord", 4}}), "UV set 4"},
-        {textured({{"uri", kRedPng}}, {{"texCoord", "1"}}), "UV set"},
-        {sourceless, "texture 0 names no image"},
-        {oddIndex, "texture"},
+        {textured({{"uri", kRedPng}}, {{"texCoord", "1"}}), "baseColorTexture.texCoord is \"1\""},
+        {foreign, "texture 0 is stored for KHR_texture_basisu alone"},
+        {oddIndex, "baseColorTexture.index is \"0\" but must be one of its 1 textures"},
         {view, "reaches past the end"}};
     for (const auto& [file, says] : cases)
         EXPECT_THAT(refusalOf(file.write(folder)), HasSubstr(says));
+    const Scene plain = sourceless.read();
+    EXPECT_FALSE(plain.surfaces.at(0).baseColorTexture);
+    EXPECT_THAT(plain.notes, testing::ElementsAre(HasSubstr("textures that name no image")));
 }
 
 TEST(GltfMaterials, NormalMapsAreReadAsDataAndMayBeLeftOut) {

@@ -4,9 +4,17 @@
 #include <cmath>
 #include <cstring>
 #include <fmt/format.h>
+#include <iterator>
+#include <limits>
+#include <string_view>
+#include <utility>
+
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
+
+using gltf::ComponentType;
 
 // Elements without data that any file may have, besides one for each of its bytes.
 constexpr std::size_t kZerosOfSmallFiles = 65536;
@@ -14,7 +22,7 @@ constexpr std::size_t kZerosOfSmallFiles = 65536;
 /// How one accessor's elements lie in memory.
 struct Layout {
     int index = 0;
-    int componentType = 0;
+    ComponentType componentType{};
     std::size_t componentSize = 0;
     std::size_t components = 0;
     bool normalized = false;
@@ -22,23 +30,43 @@ struct Layout {
     std::size_t elementSize() const { return componentSize * components; }
 };
 
-Layout layoutOf(const GltfSource& source, int index, const tinygltf::Accessor& accessor) {
-    Layout layout;
-    layout.index = index;
-    layout.componentType = accessor.componentType;
-    const int size =
-        tinygltf::GetComponentSizeInBytes(static_cast<std::uint32_t>(accessor.componentType));
-    const int components =
-        tinygltf::GetNumComponentsInType(static_cast<std::uint32_t>(accessor.type));
-    const bool known = size >= 1 && size <= 4 && components >= 1 &&
-                       accessor.componentType != TINYGLTF_COMPONENT_TYPE_INT;
-    if (!known) {
-        source.fail(fmt::format("accessor {} is of an unknown type: export the file again", index));
+/// Bytes of a component; 0 for a type that is none.
+std::size_t sizeOf(ComponentType type) {
+    switch (type) {
+        case ComponentType::Byte:
+        case ComponentType::UnsignedByte:
+            return 1;
+        case ComponentType::Short:
+        case ComponentType::UnsignedShort:
+            return 2;
+        case ComponentType::UnsignedInt:
+        case ComponentType::Float:
+            return 4;
     }
-    layout.componentSize = static_cast<std::size_t>(size);
-    layout.components = static_cast<std::size_t>(components);
-    layout.normalized = accessor.normalized;
-    return layout;
+    return 0;
+}
+
+/// Components of an element; 0 for a type that is none.
+std::size_t componentsOf(std::string_view type) {
+    constexpr std::pair<std::string_view, std::size_t> kTypes[] = {
+        {"SCALAR", 1}, {"VEC2", 2}, {"VEC3", 3}, {"VEC4", 4},
+        {"MAT2", 4},   {"MAT3", 9}, {"MAT4", 16}};
+    const auto* found = std::find_if(std::begin(kTypes), std::end(kTypes),
+                                     [type](const auto& known) { return known.first == type; });
+    return found == std::end(kTypes) ? 0 : found->second;
+}
+
+Layout layoutOf(const GltfSource& source, int index, ComponentType componentType,
+                std::string_view type, bool normalized = false) {
+    Layout layout{index, componentType, sizeOf(componentType), componentsOf(type), normalized};
+    if (layout.elementSize() > 0) return layout;
+    source.fail(fmt::format("accessor {} is of an unknown type ({} of {}): export the file again",
+                            index, shortened(type), static_cast<int>(componentType)));
+}
+
+Layout layoutOf(const GltfSource& source, int index) {
+    const gltf::Accessor& accessor = gltf::at(source.document.accessors, index);
+    return layoutOf(source, index, accessor.componentType, accessor.type, accessor.normalized);
 }
 
 /// Start of `count` elements from `offset` in a view; throws when they do not fit.
@@ -76,15 +104,15 @@ double valueAt(const std::uint8_t* at, bool normalized) {
 
 double component(const Layout& layout, const std::uint8_t* at) {
     switch (layout.componentType) {
-        case TINYGLTF_COMPONENT_TYPE_BYTE:
+        case ComponentType::Byte:
             return valueAt<std::int8_t>(at, layout.normalized);
-        case TINYGLTF_COMPONENT_TYPE_UNSIGNED_BYTE:
+        case ComponentType::UnsignedByte:
             return valueAt<std::uint8_t>(at, layout.normalized);
-        case TINYGLTF_COMPONENT_TYPE_SHORT:
+        case ComponentType::Short:
             return valueAt<std::int16_t>(at, layout.normalized);
-        case TINYGLTF_COMPONENT_TYPE_UNSIGNED_SHORT:
+        case ComponentType::UnsignedShort:
             return valueAt<std::uint16_t>(at, layout.normalized);
-        case TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT:
+        case ComponentType::UnsignedInt:
             return valueAt<std::uint32_t>(at, layout.normalized);
         default:
             return valueAt<float>(at, false);
@@ -93,7 +121,7 @@ double component(const Layout& layout, const std::uint8_t* at) {
 
 template <typename T>
 void copyElement(const Layout& layout, const std::uint8_t* from, T* to) {
-    if (std::is_same_v<T, float> && layout.componentType == TINYGLTF_COMPONENT_TYPE_FLOAT) {
+    if (std::is_same_v<T, float> && layout.componentType == ComponentType::Float) {
         std::memcpy(to, from, layout.elementSize());
         return;
     }
@@ -103,23 +131,18 @@ void copyElement(const Layout& layout, const std::uint8_t* from, T* to) {
 }
 
 template <typename T>
-void putSparse(const GltfSource& source, const Layout& layout, const tinygltf::Accessor& accessor,
+void putSparse(const GltfSource& source, const Layout& layout, const gltf::Accessor& accessor,
                std::vector<T>& values) {
-    const auto count = static_cast<std::size_t>(std::max(accessor.sparse.count, 0));
-    tinygltf::Accessor indexAccessor;
-    indexAccessor.componentType = accessor.sparse.indices.componentType;
-    indexAccessor.type = TINYGLTF_TYPE_SCALAR;
-    Layout indexLayout = layoutOf(source, layout.index, indexAccessor);
-    const ByteRange indexView = viewBytes(source, accessor.sparse.indices.bufferView);
-    const ByteRange valueView = viewBytes(source, accessor.sparse.values.bufferView);
+    const gltf::Sparse& sparse = *accessor.sparse;
+    const std::size_t count = sparse.count;
+    const Layout indexLayout =
+        layoutOf(source, layout.index, sparse.indices.componentType, "SCALAR");
     const std::uint8_t* indices =
-        elementsIn(source, indexLayout, indexView,
-                   static_cast<std::size_t>(std::max(accessor.sparse.indices.byteOffset, 0)), count,
-                   indexLayout.elementSize());
+        elementsIn(source, indexLayout, viewBytes(source, sparse.indices.bufferView),
+                   sparse.indices.byteOffset, count, indexLayout.elementSize());
     const std::uint8_t* replacements =
-        elementsIn(source, layout, valueView,
-                   static_cast<std::size_t>(std::max(accessor.sparse.values.byteOffset, 0)), count,
-                   layout.elementSize());
+        elementsIn(source, layout, viewBytes(source, sparse.values.bufferView),
+                   sparse.values.byteOffset, count, layout.elementSize());
     for (std::size_t i = 0; i < count; ++i) {
         const auto target = static_cast<std::size_t>(
             component(indexLayout, indices + i * indexLayout.elementSize()));
@@ -135,8 +158,8 @@ void putSparse(const GltfSource& source, const Layout& layout, const tinygltf::A
 /// Where the elements of an accessor start; null when it has no buffer view,
 /// which stands for zeros. Throws unless all of them are there.
 const std::uint8_t* elementsOf(const GltfSource& source, const Layout& layout,
-                               const tinygltf::Accessor& accessor, std::size_t& stride) {
-    if (accessor.bufferView >= 0) {
+                               const gltf::Accessor& accessor, std::size_t& stride) {
+    if (accessor.bufferView != gltf::kNone) {
         const ByteRange view = viewBytes(source, accessor.bufferView);
         stride = view.stride != 0 ? view.stride : layout.elementSize();
         return elementsIn(source, layout, view, accessor.byteOffset, accessor.count, stride);
@@ -154,7 +177,7 @@ const std::uint8_t* elementsOf(const GltfSource& source, const Layout& layout,
 
 template <typename T>
 std::vector<T> readElements(const GltfSource& source, const Layout& layout,
-                            const tinygltf::Accessor& accessor, const VertexPicks& picks) {
+                            const gltf::Accessor& accessor, const VertexPicks& picks) {
     std::size_t stride = 0;
     const std::uint8_t* from = elementsOf(source, layout, accessor, stride);
     std::vector<T> values(picks.size() * layout.components);
@@ -167,9 +190,9 @@ std::vector<T> readElements(const GltfSource& source, const Layout& layout,
 /// All elements, sparse ones put in.
 template <typename T>
 std::vector<T> readAll(const GltfSource& source, const Layout& layout,
-                       const tinygltf::Accessor& accessor) {
+                       const gltf::Accessor& accessor) {
     auto values = readElements<T>(source, layout, accessor, VertexPicks(accessor.count));
-    if (accessor.sparse.isSparse) putSparse(source, layout, accessor, values);
+    if (accessor.sparse) putSparse(source, layout, accessor, values);
     return values;
 }
 
@@ -186,16 +209,9 @@ void checkFinite(const GltfSource& source, const FloatTable& table, int index) {
 
 }  // namespace
 
-void failMissing(const GltfSource& source, const char* kind, int index, std::size_t count) {
-    source.fail(fmt::format("{} {} does not exist (the file has {}): export the file again", kind,
-                            index, count));
-}
-
 ByteRange viewBytes(const GltfSource& source, int index) {
-    const tinygltf::BufferView& view =
-        element(source, source.model.bufferViews, index, "buffer view");
-    const std::vector<std::uint8_t>& buffer =
-        element(source, source.buffers, view.buffer, "buffer");
+    const gltf::BufferView& view = gltf::at(source.document.bufferViews, index);
+    const std::vector<std::uint8_t>& buffer = gltf::at(source.buffers, view.buffer);
     if (view.byteOffset > buffer.size() || view.byteLength > buffer.size() - view.byteOffset) {
         source.fail(
             fmt::format("buffer view {} reaches past the end of buffer {}: export the file again",
@@ -206,8 +222,8 @@ ByteRange viewBytes(const GltfSource& source, int index) {
 
 FloatTable readFloats(const GltfSource& source, int index, int least, int most,
                       const VertexPicks* picks) {
-    const tinygltf::Accessor& accessor = element(source, source.model.accessors, index, "accessor");
-    const Layout layout = layoutOf(source, index, accessor);
+    const gltf::Accessor& accessor = gltf::at(source.document.accessors, index);
+    const Layout layout = layoutOf(source, index);
     const int components = static_cast<int>(layout.components);
     if (components < least || components > most) {
         source.fail(
@@ -215,7 +231,7 @@ FloatTable readFloats(const GltfSource& source, int index, int least, int most,
                         index, components, least));
     }
     FloatTable table{accessor.count, components, {}};
-    if (picks == nullptr || accessor.sparse.isSparse) {
+    if (picks == nullptr || accessor.sparse) {
         table.values = readAll<float>(source, layout, accessor);
         if (picks != nullptr) table = picked(table, *picks);
     } else {
@@ -227,12 +243,12 @@ FloatTable readFloats(const GltfSource& source, int index, int least, int most,
 }
 
 std::vector<std::uint32_t> readIntegers(const GltfSource& source, int index) {
-    const tinygltf::Accessor& accessor = element(source, source.model.accessors, index, "accessor");
-    Layout layout = layoutOf(source, index, accessor);
+    const gltf::Accessor& accessor = gltf::at(source.document.accessors, index);
+    Layout layout = layoutOf(source, index);
     layout.normalized = false;
-    const bool integer = layout.componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_BYTE ||
-                         layout.componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_SHORT ||
-                         layout.componentType == TINYGLTF_COMPONENT_TYPE_UNSIGNED_INT;
+    const bool integer = layout.componentType == ComponentType::UnsignedByte ||
+                         layout.componentType == ComponentType::UnsignedShort ||
+                         layout.componentType == ComponentType::UnsignedInt;
     if (!integer || layout.components != 1) {
         source.fail(fmt::format(
             "accessor {} does not hold single unsigned integers: export the file again", index));
@@ -241,13 +257,13 @@ std::vector<std::uint32_t> readIntegers(const GltfSource& source, int index) {
 }
 
 std::size_t elementCount(const GltfSource& source, int index) {
-    return element(source, source.model.accessors, index, "accessor").count;
+    return gltf::at(source.document.accessors, index).count;
 }
 
 void checkBacked(const GltfSource& source, int index) {
-    const tinygltf::Accessor& accessor = element(source, source.model.accessors, index, "accessor");
+    const gltf::Accessor& accessor = gltf::at(source.document.accessors, index);
     std::size_t stride = 0;
-    elementsOf(source, layoutOf(source, index, accessor), accessor, stride);
+    elementsOf(source, layoutOf(source, index), accessor, stride);
 }
 
 FloatTable picked(const FloatTable& table, const VertexPicks& picks) {

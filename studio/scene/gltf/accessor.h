@@ -47,17 +47,4 @@ struct ByteRange {
 };
 ByteRange viewBytes(const GltfSource& source, int index);
 
-[[noreturn]] void failMissing(const GltfSource& source, const char* kind, int index,
-                              std::size_t count);
-
-/// `values[index]`, or Fault::Scene that says "KIND INDEX does not exist".
-template <typename T>
-const T& element(const GltfSource& source, const std::vector<T>& values, int index,
-                 const char* kind) {
-    if (index < 0 || static_cast<std::size_t>(index) >= values.size()) {
-        failMissing(source, kind, index, values.size());
-    }
-    return values[static_cast<std::size_t>(index)];
-}
-
 }  // namespace tavora::studio

@@ -7,10 +7,10 @@
 #include <memory>
 #include <optional>
 
+#include "studio/util/text.h"
+
 namespace tavora::studio {
 namespace {
-
-constexpr const char* kExtension = "KHR_draco_mesh_compression";
 
 // Triangles that a byte of compressed data may stand for; flat and repetitive
 // meshes come to a few dozen.
@@ -108,26 +108,21 @@ class CountReader {
 /// Decodes one primitive.
 class Decoding {
   public:
-    Decoding(const GltfSource& source, const tinygltf::Primitive& primitive,
-             const std::string& where)
-        : source_(source),
-          primitive_(primitive),
-          where_(where),
-          extension_(primitive.extensions.at(kExtension)) {}
+    Decoding(const GltfSource& source, const gltf::Primitive& primitive, const std::string& where)
+        : source_(source), primitive_(primitive), where_(where) {}
 
     DracoPrimitive run() {
         decode();
         DracoPrimitive result;
         readIndices(result);
-        const tinygltf::Value& attributes = extension_.Get("attributes");
-        for (const std::string& name : attributes.Keys())
-            result.attributes[name] = readAttribute(name, attributes.Get(name).GetNumberAsInt());
+        for (const auto& [name, id] : primitive_.compressed->attributes)
+            result.attributes[name] = readAttribute(name, id);
         return result;
     }
 
   private:
     void decode() {
-        const ByteRange bytes = viewBytes(source_, dracoView(primitive_));
+        const ByteRange bytes = viewBytes(source_, primitive_.compressed->bufferView);
         checkCounts(bytes);
         draco::DecoderBuffer buffer;
         buffer.Init(reinterpret_cast<const char*>(bytes.data), bytes.size);
@@ -161,17 +156,16 @@ class Decoding {
     }
 
     FloatTable readAttribute(const std::string& name, int id) const {
-        const int number =
-            id < 0 ? -1 : mesh_->GetAttributeIdByUniqueId(static_cast<std::uint32_t>(id));
+        const int number = mesh_->GetAttributeIdByUniqueId(static_cast<std::uint32_t>(id));
         draco::PointAttribute* attribute = number < 0 ? nullptr : mesh_->attribute(number);
         if (attribute == nullptr || attribute->num_components() > 4) {
-            fail(fmt::format("the compressed attribute {} is missing", name));
+            fail(fmt::format("the compressed attribute {} is missing", shortened(name)));
         }
         // What says whether integers are fractions is the file, not the data in it.
         const auto accessor = primitive_.attributes.find(name);
         if (accessor != primitive_.attributes.end()) {
             attribute->set_normalized(
-                source_.model.accessors.at(static_cast<std::size_t>(accessor->second)).normalized);
+                gltf::at(source_.document.accessors, accessor->second).normalized);
         }
         FloatTable table;
         table.count = mesh_->num_points();
@@ -190,7 +184,7 @@ class Decoding {
         good = good && attribute.ConvertValue<float>(attribute.mapped_index(point), components, to);
         for (int c = 0; c < components; ++c)
             good = good && std::isfinite(to[c]);
-        if (!good) fail(fmt::format("the compressed attribute {} is damaged", name));
+        if (!good) fail(fmt::format("the compressed attribute {} is damaged", shortened(name)));
     }
 
     [[noreturn]] void fail(const std::string& what) const {
@@ -198,25 +192,14 @@ class Decoding {
     }
 
     const GltfSource& source_;
-    const tinygltf::Primitive& primitive_;
+    const gltf::Primitive& primitive_;
     const std::string& where_;
-    const tinygltf::Value& extension_;
     std::unique_ptr<draco::Mesh> mesh_;
 };
 
 }  // namespace
 
-bool isDraco(const tinygltf::Primitive& primitive) {
-    return primitive.extensions.count(kExtension) != 0;
-}
-
-int dracoView(const tinygltf::Primitive& primitive) {
-    return isDraco(primitive)
-               ? primitive.extensions.at(kExtension).Get("bufferView").GetNumberAsInt()
-               : -1;
-}
-
-DracoPrimitive readDraco(const GltfSource& source, const tinygltf::Primitive& primitive,
+DracoPrimitive readDraco(const GltfSource& source, const gltf::Primitive& primitive,
                          const std::string& where) {
     return Decoding(source, primitive, where).run();
 }

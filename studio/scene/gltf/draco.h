@@ -17,14 +17,8 @@ struct DracoPrimitive {
     std::map<std::string, FloatTable> attributes;
 };
 
-/// Whether the primitive is stored with KHR_draco_mesh_compression.
-bool isDraco(const tinygltf::Primitive& primitive);
-
-/// The buffer view with the compressed mesh; -1 when it is not compressed.
-int dracoView(const tinygltf::Primitive& primitive);
-
-/// Decodes it. Throws Error that starts with `where`.
-DracoPrimitive readDraco(const GltfSource& source, const tinygltf::Primitive& primitive,
+/// Decodes a primitive that is stored compressed. Throws Error that starts with `where`.
+DracoPrimitive readDraco(const GltfSource& source, const gltf::Primitive& primitive,
                          const std::string& where);
 
 }  // namespace tavora::studio

@@ -4,6 +4,7 @@
 #include <fmt/format.h>
 #include <map>
 #include <set>
+#include <string_view>
 
 #include "studio/scene/gltf/extensions.h"
 #include "studio/util/json_members.h"
@@ -13,60 +14,57 @@
 namespace tavora::studio {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using gltf::Material;
 
-bool isGiven(const Json& value) {
-    return value.is_object();
-}
-
-bool isPositive(const Json& value) {
-    return numberOr(value, 0) > 0;
-}
-
-bool isNotZero(const Json& value) {
-    return numberOr(value, 0) != 0;
-}
-
-bool isColored(const Json& value) {
-    return value.is_array() && std::any_of(value.begin(), value.end(), isPositive);
-}
-
-bool isDrawn(const Json& value) {
-    return value.is_string() && value != "none";
-}
-
-bool isFalse(const Json& value) {
-    return value == false;
+/// Whether `holds` of the avatar's part of a material that has one.
+template <class Holds>
+bool isToon(const Material& material, const Holds& holds) {
+    return material.toon && holds(*material.toon);
 }
 
 /// Something that a material may ask for.
 struct Wish {
-    const char* place;  ///< in the material
-    bool (*isAsked)(const Json&);
+    bool (*isAsked)(const Material&);
     const char* answer;
 };
 
 constexpr Wish kWishes[] = {
-    {"/occlusionTexture", isGiven, "occlusion textures are not drawn"},
-    {"/pbrMetallicRoughness/metallicRoughnessTexture", isGiven,
+    {[](const Material& m) { return m.occlusionTexture.given; },
+     "occlusion textures are not drawn"},
+    {[](const Material& m) { return m.metallicRoughnessTexture.given; },
      "metallic-roughness textures are not read; the roughness factor alone counts"},
-    {"/pbrMetallicRoughness/metallicFactor", isPositive,
+    {[](const Material& m) { return m.metallicFactor.value_or(0) > 0; },
      "metals are shaded like any other surface"},
-    {"/extras/tavora/normalMap", isFalse, "normal maps are turned off in the file"},
-    {"/extensions/KHR_materials_pbrSpecularGlossiness/specularGlossinessTexture", isGiven,
+    {[](const Material& m) { return member(gltf::ownExtras(m.extras), "normalMap") == false; },
+     "normal maps are turned off in the file"},
+    {[](const Material& m) {
+         return m.specularGlossiness && m.specularGlossiness->specularGlossinessTexture;
+     },
      "specular-glossiness textures are not read; the glossiness factor alone counts"},
-    {"/extensions/VRMC_materials_mtoon/shadingShiftTexture", isGiven,
+    {[](const Material& m) {
+         return isToon(m, [](const auto& toon) { return toon.shadingShiftTexture.given; });
+     },
      "textures that shift an avatar's shade are not read"},
-    {"/extensions/VRMC_materials_mtoon/matcapTexture", isGiven, "matcap textures are not drawn"},
-    {"/extensions/VRMC_materials_mtoon/parametricRimColorFactor", isColored,
+    {[](const Material& m) {
+         return isToon(m, [](const auto& toon) { return toon.matcapTexture.given; });
+     },
+     "matcap textures are not drawn"},
+    {[](const Material& m) {
+         return isToon(m, [](const auto& toon) {
+             const auto& color = toon.parametricRimColorFactor;
+             return *std::max_element(color.begin(), color.end()) > 0;
+         });
+     },
      "an avatar's rim light is not drawn"},
-    {"/extensions/VRMC_materials_mtoon/outlineWidthMode", isDrawn,
+    {[](const Material& m) {
+         return isToon(m, [](const auto& toon) { return toon.outlineWidthMode != "none"; });
+     },
      "an avatar's outlines are not drawn; the shader's edge band may stand in"},
-    {"/extensions/VRMC_materials_mtoon/uvAnimationScrollXSpeedFactor", isNotZero,
-     "textures that move by themselves stand still"},
-    {"/extensions/VRMC_materials_mtoon/uvAnimationScrollYSpeedFactor", isNotZero,
-     "textures that move by themselves stand still"},
-    {"/extensions/VRMC_materials_mtoon/uvAnimationRotationSpeedFactor", isNotZero,
+    {[](const Material& m) {
+         return isToon(m, [](const auto& toon) {
+             return toon.scrollXSpeed != 0 || toon.scrollYSpeed != 0 || toon.rotationSpeed != 0;
+         });
+     },
      "textures that move by themselves stand still"},
 };
 
@@ -76,7 +74,7 @@ class Lacks {
     Lacks(const GltfSource& source, Scene& scene) : source_(source), scene_(scene) {}
 
     void tell() {
-        const Json& materials = member(source_.document, "materials");
+        const std::vector<Material>& materials = source_.document.materials;
         for (std::size_t i = 0; i < materials.size(); ++i)
             readMaterial(materials[i], i);
         readTextures();
@@ -93,69 +91,64 @@ class Lacks {
         return found->second;
     }
 
-    static std::string notDrawn(const std::string& extension) {
-        return fmt::format("what {} adds is not drawn", extension);
+    std::set<std::size_t>& notDrawn(std::string_view extension) {
+        told_.insert(extension);
+        return line(notDrawnText(extension));
     }
 
-    void readMaterial(const Json& material, std::size_t index) {
+    static std::string notDrawnText(std::string_view extension) {
+        return fmt::format("what {} adds is not drawn", shortened(extension));
+    }
+
+    void readMaterial(const Material& material, std::size_t index) {
         for (const Wish& wish : kWishes) {
-            const Json::json_pointer place(wish.place);
-            if (material.contains(place) && wish.isAsked(material.at(place)))
-                line(wish.answer).insert(index);
+            if (wish.isAsked(material)) line(wish.answer).insert(index);
         }
-        const Json& extensions = member(material, "extensions");
-        if (!extensions.is_object()) return;
-        for (const auto& extension : extensions.items()) {
-            if (supportOf(extension.key()) != Support::Read)
-                line(notDrawn(extension.key())).insert(index);
+        for (const std::string_view extension : material.extensions.names) {
+            if (supportOf(extension) != Support::Read) notDrawn(extension).insert(index);
         }
     }
 
     /// Of pictures in a format that is not read another stands in, or the texture
     /// is not used.
     void readTextures() {
-        for (const tinygltf::Texture& texture : source_.model.textures) {
-            for (const auto& extension : texture.extensions) {
-                if (supportOf(extension.first) == Support::Read) continue;
+        for (const gltf::Texture& texture : source_.document.textures) {
+            if (!texture.hasImage() && texture.extensions.names.empty())
+                line("textures that name no image are left out");
+            for (const std::string_view extension : texture.extensions.names) {
+                if (supportOf(extension) == Support::Read) continue;
+                told_.insert(extension);
                 line(
                     fmt::format("textures stored for {} are not read, others stand in where the "
                                 "file has them",
-                                extension.first));
+                                shortened(extension)));
             }
         }
     }
 
     void readExtensions() {
-        const Json& used = member(source_.document, "extensionsUsed");
-        if (!used.is_array()) return;
-        for (const Json& name : used) {
-            const auto text = name.get<std::string>();
-            const Support support = supportOf(text);
+        for (const std::string_view name : source_.document.extensionsUsed) {
+            const Support support = supportOf(name);
             if (support == Support::Missed) {
                 scene_.warnings.push_back(
-                    oneLine(fmt::format("{}: {}", source_.path, notDrawn(text))));
-            } else if (support != Support::Read && !isTold(text)) {
-                line(notDrawn(text));
+                    oneLine(fmt::format("{}: {}", source_.path, notDrawnText(name))));
+            } else if (support != Support::Read && told_.count(name) == 0) {
+                notDrawn(name);
             }
         }
-    }
-
-    bool isTold(const std::string& extension) const {
-        return std::any_of(order_.begin(), order_.end(), [&](const std::string& text) {
-            return text.find(extension) != std::string::npos;
-        });
     }
 
     std::string whose(const std::set<std::size_t>& materials) const {
         if (materials.empty()) return "";
         std::vector<std::string> names;
         for (const std::size_t i : materials)
-            names.push_back(scene_.surfaces[i].name);
+            names.push_back(shortened(scene_.surfaces[i].name));
         return fmt::format(" ({})", someOf(names));
     }
 
     const GltfSource& source_;
     Scene& scene_;
+    std::set<std::string_view> told_;  // extensions
     std::vector<std::string> order_;
     std::map<std::string, std::set<std::size_t>> lines_;
 };

@@ -9,9 +9,9 @@
 
 namespace tavora::studio {
 
-/// Light `index` of the file on node `node`, placed by `toWorld`. Its name is
-/// as stored and may be empty. Throws Error.
-Light readLight(const GltfSource& source, int index, int node, const Imath::M44d& toWorld,
+/// The light on node `node`, placed by `toWorld`. Its name is as stored and may be
+/// empty. What its extras say wrongly is left out with a warning.
+Light readLight(const GltfSource& source, int node, const Imath::M44d& toWorld,
                 std::vector<std::string>& warnings);
 
 /// Camera `index` of the file, placed by `toWorld`. Its name is as stored and

@@ -14,9 +14,16 @@
 namespace tavora::studio {
 namespace {
 
-using Json = nlohmann::ordered_json;
+using gltf::Json;
 
 constexpr double kLargestFloat = std::numeric_limits<float>::max();
+
+Imath::V4f colorOf(const std::array<double, 4>& values) {
+    Imath::V4f color;
+    for (std::size_t i = 0; i < 4; ++i)
+        color[static_cast<int>(i)] = static_cast<float>(values[i]);
+    return color;
+}
 
 /// Reads the materials of one file into a scene.
 class MaterialReader {
@@ -25,34 +32,36 @@ class MaterialReader {
         : source_(source), scene_(scene), textures_(source, scene) {}
 
     void readAll() {
-        const Json& materials = member(source_.document, "materials");
-        for (std::size_t i = 0; i < materials.size(); ++i)
-            read(materials[i], static_cast<int>(i));
+        for (const gltf::Material& material : source_.document.materials)
+            read(material);
         Surface plain;
         plain.name = names_.unique("Default");
         scene_.surfaces.push_back(plain);
     }
 
   private:
-    void read(const Json& material, int index) {
+    void read(const gltf::Material& material) {
         Surface surface;
-        const Json& name = member(material, "name");
-        surface.name = names_.unique(name.is_string() && !name.get<std::string>().empty()
-                                         ? name.get<std::string>()
-                                         : fmt::format("Material {}", index));
-        surface.materialIndex = index;
+        surface.materialIndex = static_cast<int>(scene_.surfaces.size());
+        surface.name = names_.unique(!material.name.empty()
+                                         ? material.name
+                                         : fmt::format("Material {}", surface.materialIndex));
         readBase(material, surface);
         readEmission(material, surface);
         readAlpha(material, surface);
-        readExtensions(member(material, "extensions"), surface);
+        if (material.specularGlossiness) readGlossy(*material.specularGlossiness, surface);
+        readTranslucency(material, surface);
         readToonShade(material, surface);
         readNormalMap(material, surface);
-        surface.doubleSided = member(material, "doubleSided") == true;
-        surface.shader = shaderFromExtras(
-            member(material, "extras"),
-            oneLine(fmt::format("{}: surface {}", source_.path, surface.name)), scene_.warnings);
-        readShadows(member(member(material, "extras"), "tavora"), surface);
+        readShadows(gltf::ownExtras(material.extras), surface);
+        if (material.extras != nullptr) readShader(*material.extras, surface);
         scene_.surfaces.push_back(std::move(surface));
+    }
+
+    void readShader(const Json& extras, Surface& surface) {
+        surface.shader = shaderFromExtras(
+            extras, oneLine(fmt::format("{}: surface {}", source_.path, shortened(surface.name))),
+            scene_.warnings);
     }
 
     /// {"tavora": {"selfShadow": false, "castsShadows": false, "receivesShadows": false}}
@@ -69,93 +78,65 @@ class MaterialReader {
         } else if (!flag.is_null()) {
             scene_.warnings.push_back(
                 oneLine(fmt::format("{}: surface {}: its {} is neither true nor false and left out",
-                                    source_.path, surface.name, name)));
+                                    source_.path, shortened(surface.name), name)));
         }
     }
 
     /// An avatar's shading takes the place of none at all, which stands beside it
     /// for programs that do not know it.
-    void readToonShade(const Json& material, Surface& surface) {
-        surface.toon = toonShadeOf(source_, material, surface, textures_);
-        if (surface.toon) surface.unlit = false;
+    void readToonShade(const gltf::Material& material, Surface& surface) {
+        surface.toon = toonShadeOf(source_.document, surface, textures_);
+        surface.unlit = material.unlit && !surface.toon;
     }
 
     /// {"tavora": {"normalMap": false}} leaves it out.
-    void readNormalMap(const Json& material, Surface& surface) {
-        readFlag(member(member(material, "extras"), "tavora"), "normalMap", surface,
-                 surface.normalMap);
+    void readNormalMap(const gltf::Material& material, Surface& surface) {
+        readFlag(gltf::ownExtras(material.extras), "normalMap", surface, surface.normalMap);
         if (!surface.normalMap) return;
-        const Json& info = member(material, "normalTexture");
-        surface.normalTexture = textures_.readSpare(info, "normal map", surface.name);
+        surface.normalTexture =
+            textures_.readSpare(material.normalTexture, "normal map", surface.name);
         if (surface.normalTexture) surface.normalTexture->isData = true;
-        surface.normalScale = static_cast<float>(numberOr(member(info, "scale"), 1.0));
+        surface.normalScale = static_cast<float>(material.normalScale);
     }
 
-    void readBase(const Json& material, Surface& surface) {
-        const Json& pbr = member(material, "pbrMetallicRoughness");
-        const Json& factor = member(pbr, "baseColorFactor");
-        for (std::size_t i = 0; i < 4; ++i) {
-            surface.baseColor[static_cast<int>(i)] =
-                static_cast<float>(componentOr(factor, i, 1.0));
-        }
-        surface.metallic = static_cast<float>(numberOr(member(pbr, "metallicFactor"), 1.0));
-        surface.roughness = static_cast<float>(numberOr(member(pbr, "roughnessFactor"), 1.0));
-        surface.baseColorTexture = textures_.read(member(pbr, "baseColorTexture"));
+    void readBase(const gltf::Material& material, Surface& surface) {
+        surface.baseColor = colorOf(material.baseColorFactor);
+        surface.baseColorTexture = textures_.read(material.baseColorTexture);
+        surface.metallic = static_cast<float>(material.metallicFactor.value_or(1));
+        surface.roughness = static_cast<float>(material.roughnessFactor);
+        surface.doubleSided = material.doubleSided;
     }
 
-    void readEmission(const Json& material, Surface& surface) {
-        const Json& factor = member(material, "emissiveFactor");
-        const Json& strength =
-            member(member(member(material, "extensions"), "KHR_materials_emissive_strength"),
-                   "emissiveStrength");
+    void readEmission(const gltf::Material& material, Surface& surface) {
         for (std::size_t i = 0; i < 3; ++i) {
-            const double level = componentOr(factor, i, 0.0) * numberOr(strength, 1.0);
+            const double level = material.emissiveFactor[i] * material.emissiveStrength;
             surface.emissive[static_cast<int>(i)] =
                 static_cast<float>(std::clamp(level, 0.0, kLargestFloat));
         }
-        if (surface.emissive != Imath::V3f(0)) {
-            surface.emissiveTexture = textures_.read(member(material, "emissiveTexture"));
-        }
+        if (surface.emissive != Imath::V3f(0))
+            surface.emissiveTexture = textures_.read(material.emissiveTexture);
     }
 
-    static void readAlpha(const Json& material, Surface& surface) {
-        const Json& mode = member(material, "alphaMode");
-        if (mode == "MASK") surface.alphaMode = AlphaMode::Mask;
-        if (mode == "BLEND") surface.alphaMode = AlphaMode::Blend;
-        surface.alphaCutoff = static_cast<float>(numberOr(member(material, "alphaCutoff"), 0.5));
+    static void readAlpha(const gltf::Material& material, Surface& surface) {
+        if (material.alphaMode == gltf::AlphaMode::Mask) surface.alphaMode = AlphaMode::Mask;
+        if (material.alphaMode == gltf::AlphaMode::Blend) surface.alphaMode = AlphaMode::Blend;
+        surface.alphaCutoff = static_cast<float>(material.alphaCutoff);
     }
 
-    void readExtensions(const Json& extensions, Surface& surface) {
-        surface.unlit = member(extensions, "KHR_materials_unlit").is_object();
-        const Json& glossy = member(extensions, "KHR_materials_pbrSpecularGlossiness");
-        if (glossy.is_object()) readGlossy(glossy, surface);
-        const Json& through = member(extensions, "KHR_materials_transmission");
-        if (through.is_object()) {
-            surface.translucencyFactor =
-                static_cast<float>(numberOr(member(through, "transmissionFactor"), 0.0));
-            surface.translucencyTexture = textures_.read(member(through, "transmissionTexture"));
-            surface.translucencyComponent = Component::Red;
-        }
-        const Json& diffuse = member(extensions, "KHR_materials_diffuse_transmission");
-        if (diffuse.is_object()) {
-            surface.translucencyFactor =
-                static_cast<float>(numberOr(member(diffuse, "diffuseTransmissionFactor"), 0.0));
-            surface.translucencyTexture =
-                textures_.read(member(diffuse, "diffuseTransmissionTexture"));
-            surface.translucencyComponent = Component::Alpha;
-        }
-    }
-
-    void readGlossy(const Json& glossy, Surface& surface) {
-        const Json& factor = member(glossy, "diffuseFactor");
-        for (std::size_t i = 0; i < 4; ++i) {
-            surface.baseColor[static_cast<int>(i)] =
-                static_cast<float>(componentOr(factor, i, 1.0));
-        }
-        surface.baseColorTexture = textures_.read(member(glossy, "diffuseTexture"));
+    void readGlossy(const gltf::SpecularGlossiness& glossy, Surface& surface) {
+        surface.baseColor = colorOf(glossy.diffuseFactor);
+        surface.baseColorTexture = textures_.read(glossy.diffuseTexture);
         surface.metallic = 0;
-        surface.roughness =
-            static_cast<float>(1.0 - numberOr(member(glossy, "glossinessFactor"), 1.0));
+        surface.roughness = static_cast<float>(1.0 - glossy.glossinessFactor);
+    }
+
+    void readTranslucency(const gltf::Material& material, Surface& surface) {
+        const bool diffuse = material.diffuseTransmission.has_value();
+        const auto& from = diffuse ? material.diffuseTransmission : material.transmission;
+        if (!from) return;
+        surface.translucencyFactor = static_cast<float>(from->factor);
+        surface.translucencyTexture = textures_.read(from->texture);
+        surface.translucencyComponent = diffuse ? Component::Alpha : Component::Red;
     }
 
     const GltfSource& source_;

@@ -2,8 +2,6 @@
 
 #include <fmt/format.h>
 
-#include "studio/scene/gltf/accessor.h"
-#include "studio/scene/gltf/draco.h"
 #include "studio/util/text.h"
 
 namespace tavora::studio {
@@ -14,14 +12,14 @@ namespace {
 constexpr std::size_t kMostValuesPerByte = 32;
 constexpr std::size_t kValuesOfSmallFiles = std::size_t{1} << 22;
 
-bool isTriangles(int mode) {
-    return mode == TINYGLTF_MODE_TRIANGLES || mode == TINYGLTF_MODE_TRIANGLE_STRIP ||
-           mode == TINYGLTF_MODE_TRIANGLE_FAN;
+bool isTriangles(gltf::Mode mode) {
+    return mode == gltf::Mode::Triangles || mode == gltf::Mode::TriangleStrip ||
+           mode == gltf::Mode::TriangleFan;
 }
 
 MaterialNeeds needsOf(const std::vector<Surface>& surfaces, int material) {
     MaterialNeeds needs;
-    if (material < 0) return needs;
+    if (material == gltf::kNone) return needs;
     const Surface& surface = surfaces[static_cast<std::size_t>(material)];
     if (surface.normalMap) needs.normalTexture = surface.normalTexture;
     needs.colors = !surface.toon;
@@ -37,11 +35,12 @@ const std::vector<SourcePrimitive>& MeshStore::primitives(int index, Scene& scen
 }
 
 std::vector<SourcePrimitive> MeshStore::read(int index, Scene& scene) {
-    const tinygltf::Mesh& mesh = element(source_, source_.model.meshes, index, "mesh");
+    const gltf::Mesh& mesh = gltf::at(source_.document.meshes, index);
     std::vector<SourcePrimitive> result;
     for (std::size_t i = 0; i < mesh.primitives.size(); ++i) {
-        const tinygltf::Primitive& primitive = mesh.primitives[i];
-        const std::string where = fmt::format("mesh {} \"{}\", primitive {}", index, mesh.name, i);
+        const gltf::Primitive& primitive = mesh.primitives[i];
+        const std::string where =
+            fmt::format("mesh {} \"{}\", primitive {}", index, shortened(mesh.name), i);
         if (!isTriangles(primitive.mode)) {
             scene.warnings.push_back(oneLine(
                 fmt::format("{}: {}: points and lines are not drawn", source_.path, where)));
@@ -53,12 +52,13 @@ std::vector<SourcePrimitive> MeshStore::read(int index, Scene& scene) {
     return result;
 }
 
-std::shared_ptr<const PrimitiveGeometry> MeshStore::geometryOf(const tinygltf::Primitive& primitive,
+std::shared_ptr<const PrimitiveGeometry> MeshStore::geometryOf(const gltf::Primitive& primitive,
                                                                const MaterialNeeds& needs,
                                                                const std::string& name,
                                                                const std::string& where) {
-    const Key key{primitive.attributes, primitive.indices,    primitive.mode,
-                  primitive.targets,    dracoView(primitive), needs.key()};
+    const int compressed = primitive.compressed ? primitive.compressed->bufferView : gltf::kNone;
+    const Key key{primitive.attributes, primitive.indices, primitive.mode,
+                  primitive.targets,    compressed,        needs.key()};
     std::shared_ptr<const PrimitiveGeometry>& geometry = geometries_[key];
     if (geometry == nullptr) {
         auto fresh =

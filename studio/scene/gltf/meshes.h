@@ -33,12 +33,12 @@ class MeshStore {
     std::size_t mostValues() const;
 
   private:
-    using Attributes = std::map<std::string, int>;
     using Needs = decltype(MaterialNeeds().key());
-    using Key = std::tuple<Attributes, int, int, std::vector<Attributes>, int, Needs>;
+    using Key =
+        std::tuple<gltf::Attributes, int, gltf::Mode, std::vector<gltf::Attributes>, int, Needs>;
 
     std::vector<SourcePrimitive> read(int index, Scene& scene);
-    std::shared_ptr<const PrimitiveGeometry> geometryOf(const tinygltf::Primitive& primitive,
+    std::shared_ptr<const PrimitiveGeometry> geometryOf(const gltf::Primitive& primitive,
                                                         const MaterialNeeds& needs,
                                                         const std::string& name,
                                                         const std::string& where);

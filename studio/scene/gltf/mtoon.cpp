@@ -3,12 +3,9 @@
 #include <algorithm>
 
 #include "studio/util/color.h"
-#include "studio/util/json_members.h"
 
 namespace tavora::studio {
 namespace {
-
-using Json = nlohmann::ordered_json;
 
 constexpr const char* kShadeTexture = "shade texture";
 
@@ -16,37 +13,30 @@ float within(double value, double least, double most) {
     return static_cast<float>(std::clamp(value, least, most));
 }
 
-ToonShade read(const Json& toon, const Surface& surface, TextureReader& textures) {
+ToonShade read(const gltf::Toon& toon, const Surface& surface, TextureReader& textures) {
     ToonShade shade;
-    for (std::size_t i = 0; i < 3; ++i) {
-        const double level = componentOr(member(toon, "shadeColorFactor"), i, 0.0);
-        shade.shadeColor[static_cast<int>(i)] = within(level, 0, 1);
-    }
-    shade.shadeTexture =
-        textures.readSpare(member(toon, "shadeMultiplyTexture"), kShadeTexture, surface.name);
-    shade.shift = within(numberOr(member(toon, "shadingShiftFactor"), 0.0), -1, 1);
-    shade.toony = within(numberOr(member(toon, "shadingToonyFactor"), 0.9), 0, 1);
+    for (std::size_t i = 0; i < 3; ++i)
+        shade.shadeColor[static_cast<int>(i)] = within(toon.shadeColorFactor[i], 0, 1);
+    shade.shadeTexture = textures.readSpare(toon.shadeMultiplyTexture, kShadeTexture, surface.name);
+    shade.shift = within(toon.shadingShiftFactor, -1, 1);
+    shade.toony = within(toon.shadingToonyFactor, 0, 1);
     return shade;
 }
 
 /// Version 0 names the cosines where the blend starts and, as a share of the rest,
-/// where it ends, and colours as a display shows them.
-ToonShade readVersion0(const Json& toon, const Surface& surface, TextureReader& textures) {
-    const Json& numbers = member(toon, "floatProperties");
-    const double start = std::clamp(numberOr(member(numbers, "_ShadeShift"), 0.0), -1.0, 1.0);
-    const double share = std::clamp(numberOr(member(numbers, "_ShadeToony"), 0.9), 0.0, 1.0);
+/// where it ends.
+ToonShade read(const gltf::ToonOfVersion0& toon, const Surface& surface, TextureReader& textures) {
+    const double start = std::clamp(toon.shadeShift, -1.0, 1.0);
+    const double share = std::clamp(toon.shadeToony, 0.0, 1.0);
     const double end = share * start + (1 - share);
     ToonShade shade;
     for (std::size_t i = 0; i < 3; ++i) {
-        constexpr double kUsual[] = {0.97, 0.81, 0.86};
-        const double level =
-            componentOr(member(member(toon, "vectorProperties"), "_ShadeColor"), i, kUsual[i]);
         shade.shadeColor[static_cast<int>(i)] =
-            static_cast<float>(toLinear(std::clamp(level, 0.0, 1.0)));
+            static_cast<float>(toLinear(std::clamp(toon.shadeColor[i], 0.0, 1.0)));
     }
-    const Json& texture = member(member(toon, "textureProperties"), "_ShadeTexture");
-    const Json info = texture.is_null() ? Json() : Json{{"index", texture}};
-    shade.shadeTexture = textures.readSpare(info, kShadeTexture, surface.name);
+    gltf::SpareTexture texture;
+    if (toon.shadeTexture != gltf::kNone) texture.info.emplace().index = toon.shadeTexture;
+    shade.shadeTexture = textures.readSpare(texture, kShadeTexture, surface.name);
     shade.shift = within(-(start + end) / 2, -1, 1);
     shade.toony = within(1 - (end - start) / 2, 0, 1);
     return shade;
@@ -54,16 +44,15 @@ ToonShade readVersion0(const Json& toon, const Surface& surface, TextureReader& 
 
 }  // namespace
 
-std::optional<ToonShade> toonShadeOf(const GltfSource& source, const Json& material,
-                                     const Surface& surface, TextureReader& textures) {
-    const Json& toon = member(member(material, "extensions"), "VRMC_materials_mtoon");
-    if (toon.is_object()) return read(toon, surface, textures);
-    const Json& all =
-        member(member(member(source.document, "extensions"), "VRM"), "materialProperties");
+std::optional<ToonShade> toonShadeOf(const gltf::Document& document, const Surface& surface,
+                                     TextureReader& textures) {
+    const gltf::Material& material = gltf::at(document.materials, surface.materialIndex);
+    if (material.toon) return read(*material.toon, surface, textures);
     const auto index = static_cast<std::size_t>(surface.materialIndex);
-    if (!all.is_array() || index >= all.size()) return std::nullopt;
-    if (member(all[index], "shader") != "VRM/MToon") return std::nullopt;
-    return readVersion0(all[index], surface, textures);
+    if (index >= document.avatarMaterials.size()) return std::nullopt;
+    const gltf::ToonOfVersion0& older = document.avatarMaterials[index];
+    if (older.shader != "VRM/MToon") return std::nullopt;
+    return read(older, surface, textures);
 }
 
 }  // namespace tavora::studio

@@ -5,7 +5,7 @@
 #include <cmath>
 #include <fmt/format.h>
 
-#include "studio/scene/gltf/accessor.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -25,22 +25,20 @@ bool finite(const M44d& m) {
     return true;
 }
 
-V3d vectorOr(const std::vector<double>& values, const V3d& otherwise) {
-    return values.size() == 3 ? V3d(values[0], values[1], values[2]) : otherwise;
+V3d vectorOf(const std::array<double, 3>& values) {
+    return {values[0], values[1], values[2]};
 }
 
-NodePose poseOf(const tinygltf::Node& node) {
+NodePose poseOf(const gltf::Node& node) {
     NodePose pose;
-    if (node.matrix.size() == 16) {
+    if (node.matrix) {
         pose.matrix.emplace();
         for (int i = 0; i < 16; ++i)
-            (*pose.matrix)[i / 4][i % 4] = node.matrix[static_cast<std::size_t>(i)];
+            (*pose.matrix)[i / 4][i % 4] = (*node.matrix)[static_cast<std::size_t>(i)];
     }
-    pose.scale = vectorOr(node.scale, V3d(1));
-    pose.translation = vectorOr(node.translation, V3d(0));
-    if (node.rotation.size() == 4) {
-        pose.rotation = {node.rotation[3], node.rotation[0], node.rotation[1], node.rotation[2]};
-    }
+    pose.scale = vectorOf(node.scale);
+    pose.translation = vectorOf(node.translation);
+    pose.rotation = {node.rotation[3], node.rotation[0], node.rotation[1], node.rotation[2]};
     pose.weights = node.weights;
     return pose;
 }
@@ -66,18 +64,14 @@ class Walker {
 
   private:
     void walkScene() {
-        const auto& scenes = source_.model.scenes;
-        const std::vector<int> roots =
-            scenes.empty()
-                ? parentless()
-                : element(source_, scenes, std::max(source_.model.defaultScene, 0), "scene").nodes;
-        for (int root : roots)
+        const gltf::Scene* scene = shownScene(source_.document);
+        for (int root : scene == nullptr ? parentless() : scene->nodes)
             walk(root, true);
     }
 
     std::vector<int> parentless() const {
         std::vector<bool> child(poses_.size(), false);
-        for (const tinygltf::Node& node : source_.model.nodes) {
+        for (const gltf::Node& node : source_.document.nodes) {
             for (int c : node.children)
                 child[static_cast<std::size_t>(c)] = true;
         }
@@ -93,7 +87,7 @@ class Walker {
         while (!todo.empty()) {
             const Step step = todo.back();
             todo.pop_back();
-            const tinygltf::Node& node = element(source_, source_.model.nodes, step.node, "node");
+            const gltf::Node& node = gltf::at(source_.document.nodes, step.node);
             const auto at = static_cast<std::size_t>(step.node);
             if (seen_[at] && !strict) continue;
             visit(step);
@@ -112,13 +106,13 @@ class Walker {
         if (seen_[at]) {
             source_.fail(
                 fmt::format("node {} \"{}\" has two parents or is its own: repair the node tree",
-                            step.node, source_.model.nodes[at].name));
+                            step.node, shortened(source_.document.nodes[at].name)));
         }
         seen_[at] = true;
         placed_.toWorld[at] = poses_[at].toParent(source_, step.node) * step.parent;
         if (!finite(placed_.toWorld[at])) {
             source_.fail(fmt::format("node {} \"{}\" lies beyond all numbers: repair the model",
-                                     step.node, source_.model.nodes[at].name));
+                                     step.node, shortened(source_.document.nodes[at].name)));
         }
         order_.push_back(step.node);
     }
@@ -173,7 +167,7 @@ M44d NodePose::toParent(const GltfSource& source, int index) const {
 
 std::vector<NodePose> restPose(const GltfSource& source) {
     std::vector<NodePose> poses;
-    for (const tinygltf::Node& node : source.model.nodes)
+    for (const gltf::Node& node : source.document.nodes)
         poses.push_back(poseOf(node));
     return poses;
 }

@@ -49,20 +49,17 @@ class Posing {
 
   private:
     void place(int index) {
-        const tinygltf::Node& node = source_.model.nodes[static_cast<std::size_t>(index)];
-        if (node.mesh >= 0) placeMesh(node, index);
-        if (node.camera >= 0) placeCamera(node, index);
-        const auto light = node.extensions.find("KHR_lights_punctual");
-        if (light != node.extensions.end() && light->second.Has("light")) {
-            placeLight(node, light->second.Get("light").GetNumberAsInt(), index);
-        }
+        const gltf::Node& node = gltf::at(source_.document.nodes, index);
+        if (node.mesh != gltf::kNone) placeMesh(node, index);
+        if (node.camera != gltf::kNone) placeCamera(node, index);
+        if (node.light != gltf::kNone) placeLight(node, index);
     }
 
     const M44d& toWorld(int node) const { return placed_.toWorld[static_cast<std::size_t>(node)]; }
 
     // --- meshes ---
 
-    void placeMesh(const tinygltf::Node& node, int index) {
+    void placeMesh(const gltf::Node& node, int index) {
         auto object = std::make_unique<Object>();
         object->name = nameOr(node.name, "", "Object", index);
         if (node.skin < 0) {
@@ -77,7 +74,7 @@ class Posing {
         if (!object->parts.empty()) scene_.objects.push_back(std::move(object));
     }
 
-    void addParts(const tinygltf::Node& node, int index, Object& object) {
+    void addParts(const gltf::Node& node, int index, Object& object) {
         std::int32_t polygons = 0;
         for (const SourcePrimitive& primitive : meshes_.primitives(node.mesh, scene_)) {
             Part part;
@@ -95,10 +92,9 @@ class Posing {
         return material < 0 ? static_cast<int>(scene_.surfaces.size()) - 1 : material;
     }
 
-    const std::vector<double>& weightsOf(const tinygltf::Node& node, int index) const {
+    const std::vector<double>& weightsOf(const gltf::Node& node, int index) const {
         const auto& own = poses_[static_cast<std::size_t>(index)].weights;
-        return !own.empty() ? own
-                            : element(source_, source_.model.meshes, node.mesh, "mesh").weights;
+        return !own.empty() ? own : gltf::at(source_.document.meshes, node.mesh).weights;
     }
 
     /// Accounts for a bent copy: a small file could ask for any number of them.
@@ -112,7 +108,7 @@ class Posing {
     }
 
     /// The mesh as stored where nothing bends it, else a copy that is bent.
-    std::shared_ptr<const Mesh> posedMesh(const tinygltf::Node& node, int index,
+    std::shared_ptr<const Mesh> posedMesh(const gltf::Node& node, int index,
                                           const PrimitiveGeometry& geometry,
                                           const std::shared_ptr<const PrimitiveGeometry>& owner) {
         const std::vector<double>& weights = weightsOf(node, index);
@@ -142,11 +138,11 @@ class Posing {
         mesh.tangents = makeTangents(mesh, *geometry.tangentsMadeFor);
     }
 
-    void hang(const tinygltf::Node& node, const PrimitiveGeometry& geometry, Mesh& mesh) {
+    void hang(const gltf::Node& node, const PrimitiveGeometry& geometry, Mesh& mesh) {
         if (skin(geometry, jointsOf(node.skin), mesh)) return;
         source_.fail(fmt::format(
             "mesh {} \"{}\" hangs on a joint that skin {} does not have: export the file again",
-            node.mesh, mesh.name, node.skin));
+            node.mesh, shortened(mesh.name), node.skin));
     }
 
     static void turnNormals(Mesh& mesh) {
@@ -157,9 +153,9 @@ class Posing {
     const JointPose& jointsOf(int index) {
         const auto known = joints_.find(index);
         if (known != joints_.end()) return known->second;
-        const tinygltf::Skin& from = element(source_, source_.model.skins, index, "skin");
+        const gltf::Skin& from = gltf::at(source_.document.skins, index);
         FloatTable inverse;
-        if (from.inverseBindMatrices >= 0)
+        if (from.inverseBindMatrices != gltf::kNone)
             inverse = readFloats(source_, from.inverseBindMatrices, 16, 16);
         JointPose pose;
         std::size_t mirrored = 0;
@@ -181,15 +177,15 @@ class Posing {
 
     // --- cameras and lights ---
 
-    void placeCamera(const tinygltf::Node& node, int index) {
+    void placeCamera(const gltf::Node& node, int index) {
         Camera camera = readCamera(source_, node.camera, toWorld(index));
         camera.name = cameraNames_.unique(nameOr(node.name, camera.name, "Camera", node.camera));
         scene_.cameras.push_back(std::move(camera));
     }
 
-    void placeLight(const tinygltf::Node& node, int index, int nodeIndex) {
-        Light light = readLight(source_, index, nodeIndex, toWorld(nodeIndex), scene_.warnings);
-        light.name = lightNames_.unique(nameOr(light.name, node.name, "Light", index));
+    void placeLight(const gltf::Node& node, int index) {
+        Light light = readLight(source_, index, toWorld(index), scene_.warnings);
+        light.name = lightNames_.unique(nameOr(light.name, node.name, "Light", node.light));
         scene_.lights.push_back(std::make_unique<const Light>(std::move(light)));
     }
 

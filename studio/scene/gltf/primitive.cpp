@@ -59,11 +59,10 @@ std::vector<V4f> fourVectors(const FloatTable& values) {
 /// Where a primitive's vertex data comes from: accessors, or a compressed mesh.
 class PrimitiveReader {
   public:
-    PrimitiveReader(const GltfSource& source, const tinygltf::Primitive& primitive,
+    PrimitiveReader(const GltfSource& source, const gltf::Primitive& primitive,
                     const MaterialNeeds& needs, const std::string& where)
         : source_(source), primitive_(primitive), needs_(needs), where_(where) {
-        compressed_ = isDraco(primitive);
-        if (compressed_) draco_ = readDraco(source, primitive, where_);
+        if (primitive.compressed) draco_ = readDraco(source, primitive, where_);
     }
 
     PrimitiveGeometry read() {
@@ -120,13 +119,13 @@ class PrimitiveReader {
             fail(fmt::format("uses vertex {} of {}", *beyond, vertices_));
         }
         // A compressed mesh is a list, whatever the primitive was before.
-        const bool list = compressed_ || primitive_.mode == TINYGLTF_MODE_TRIANGLES;
-        return list ? listOf(order) : runOf(order, primitive_.mode == TINYGLTF_MODE_TRIANGLE_FAN);
+        const bool list = primitive_.compressed || primitive_.mode == gltf::Mode::Triangles;
+        return list ? listOf(order) : runOf(order, primitive_.mode == gltf::Mode::TriangleFan);
     }
 
     std::vector<std::uint32_t> readOrder() const {
-        if (compressed_) return draco_.indices;
-        if (primitive_.indices >= 0) return readIntegers(source_, primitive_.indices);
+        if (primitive_.compressed) return draco_.indices;
+        if (primitive_.indices != gltf::kNone) return readIntegers(source_, primitive_.indices);
         checkBacked(source_, primitive_.attributes.at("POSITION"));
         if (vertices_ > kMostCorners) fail("has more vertices than can be drawn");
         std::vector<std::uint32_t> order(vertices_);
@@ -198,7 +197,7 @@ class PrimitiveReader {
         return result;
     }
 
-    MorphTarget readTarget(const std::map<std::string, int>& attributes) const {
+    MorphTarget readTarget(const gltf::Attributes& attributes) const {
         const auto displacements = [&](const char* name) -> std::vector<V3f> {
             const auto found = attributes.find(name);
             if (found == attributes.end()) return {};
@@ -213,18 +212,17 @@ class PrimitiveReader {
     }
 
     const GltfSource& source_;
-    const tinygltf::Primitive& primitive_;
+    const gltf::Primitive& primitive_;
     const MaterialNeeds& needs_;
     const std::string& where_;
     DracoPrimitive draco_;
-    bool compressed_ = false;
     std::size_t vertices_ = 0;
     VertexPicks picks_{0};
 };
 
 }  // namespace
 
-PrimitiveGeometry readPrimitive(const GltfSource& source, const tinygltf::Primitive& primitive,
+PrimitiveGeometry readPrimitive(const GltfSource& source, const gltf::Primitive& primitive,
                                 const MaterialNeeds& needs, const std::string& where) {
     return PrimitiveReader(source, primitive, needs, where).read();
 }

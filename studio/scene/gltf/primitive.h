@@ -51,7 +51,7 @@ struct PrimitiveGeometry {
 
 /// Reads a primitive whose mode is one of triangles. Vertices that no triangle
 /// uses are left out. Throws Error that names `where` in the file.
-PrimitiveGeometry readPrimitive(const GltfSource& source, const tinygltf::Primitive& primitive,
+PrimitiveGeometry readPrimitive(const GltfSource& source, const gltf::Primitive& primitive,
                                 const MaterialNeeds& needs, const std::string& where);
 
 }  // namespace tavora::studio

@@ -3,10 +3,9 @@
 #include <cstdint>
 #include <filesystem>
 #include <string>
-#include <tiny_gltf.h>
 #include <vector>
 
-#include <nlohmann/json.hpp>
+#include "studio/scene/gltf/document.h"
 
 namespace tavora::studio {
 
@@ -18,14 +17,18 @@ struct SourceImage {
 };
 
 /// A glTF file as read: the document, its buffers, and the bytes of its image
-/// files, nothing posed or decoded yet. checkShape() passed the document.
+/// files, nothing posed or decoded yet. Moved, not copied: the document points
+/// into the JSON.
 struct GltfSource {
-    std::string path;                 ///< for messages
-    bool stream = false;              ///< from standard input: no folder, so no files beside it
-    nlohmann::ordered_json document;  ///< all of it; for materials, extras and extensions
-    tinygltf::Model model;            ///< the rest, without buffers, images and materials
+    std::string path;     ///< for messages
+    bool stream = false;  ///< from standard input: no folder, so no files beside it
+    gltf::Json json;
+    gltf::Document document;
     std::vector<std::vector<std::uint8_t>> buffers;  ///< each as long as it declares
     std::vector<SourceImage> images;
+
+    GltfSource() = default;
+    GltfSource(GltfSource&&) = default;
 
     /// Throws Error "PATH: WHAT", brought to one line.
     [[noreturn]] void fail(const std::string& what) const;

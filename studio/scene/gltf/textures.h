@@ -4,8 +4,6 @@
 #include <optional>
 #include <string>
 
-#include <nlohmann/json.hpp>
-
 #include "studio/scene/gltf/source.h"
 #include "studio/scene/scene.h"
 
@@ -18,20 +16,19 @@ class TextureReader {
     /// Both must outlive it.
     TextureReader(const GltfSource& source, Scene& scene) : source_(source), scene_(scene) {}
 
-    /// The texture that `info` (an object with an "index") tells of; none where it
-    /// is no object. Throws Error for one that cannot be had.
-    std::optional<TextureUse> read(const nlohmann::ordered_json& info);
+    /// The texture that `info` tells of; none where there is none, or where it has
+    /// no image. Throws Error for one that cannot be had.
+    std::optional<TextureUse> read(const std::optional<gltf::TextureInfo>& info);
 
     /// The same for a texture without which a surface still is itself: one that
     /// cannot be had is left out with a warning that it is `what` of `surface`.
-    std::optional<TextureUse> readSpare(const nlohmann::ordered_json& info, const char* what,
+    std::optional<TextureUse> readSpare(const gltf::SpareTexture& spare, const char* what,
                                         const std::string& surface);
 
   private:
-    int uvSetOf(const nlohmann::ordered_json& info, int texture) const;
-    void readSampler(int index, TextureUse& use) const;
-    int imageOf(const tinygltf::Texture& texture, int textureIndex);
-    [[noreturn]] void failWithoutImage(const tinygltf::Texture& texture, int textureIndex) const;
+    void checkUvSet(const gltf::TextureInfo& info) const;
+    int imageOf(int index);
+    [[noreturn]] void failUnread(const gltf::Texture& texture, int index) const;
     Image decode(int index) const;
 
     const GltfSource& source_;
