@@ -33,7 +33,8 @@ AtomicFile::AtomicFile(const fs::path& target)
       place_(outputPlace(target)),
       temporary_(place_.target.parent_path(), place_.permissions, target) {
     // The mask of the process counts for new files only.
-    if (place_.replaces && ::fchmod(temporary_.descriptor(), place_.permissions) != 0) {
+    const auto keep = [&] { return ::fchmod(temporary_.descriptor(), place_.permissions); };
+    if (place_.replaces && uninterrupted(keep) != 0) {
         fail("cannot be given the permissions of the file it replaces", errno);
     }
 }

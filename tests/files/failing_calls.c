@@ -4,19 +4,22 @@
 //   FAILING_CALLS_BELOW  the folder, absolute and without links; without it nothing happens
 //   FAILING_CALLS_LOG    where a line for each call goes: its name, then the file
 //   FAILING_CALLS_AT     which call goes wrong, from 1 on
-//   FAILING_CALLS_HOW    in what way: an error number, "short" (one byte is written) or
-//                        "other" (the bytes read are changed)
-//   FAILING_CALLS_THREAD which thread is refused, from 1 on; needs no folder
+//   FAILING_CALLS_HOW    in what way: an error number; a signal's, negative, which arrives
+//                        before the call is made; "short": one byte is read or written;
+//                        "other": the bytes read are changed
+//   FAILING_CALLS_THREAD from which thread on all are refused, from 1 on; needs no folder
 
 #include <dlfcn.h>
 #include <errno.h>
 #include <fcntl.h>
 #include <limits.h>
 #include <pthread.h>
+#include <signal.h>
 #include <stdarg.h>
 #include <stdio.h>
 #include <stdlib.h>
 #include <string.h>
+#include <sys/file.h>
 #include <sys/stat.h>
 #include <sys/syscall.h>
 #include <unistd.h>
@@ -51,7 +54,12 @@ static int fate(const char* call, const char* file) {
     if (++calls != (at == NULL ? 0 : atoi(at)) || how == NULL) return RIGHT;
     if (strcmp(how, "short") == 0) return SHORT;
     if (strcmp(how, "other") == 0) return OTHER;
-    errno = atoi(how);
+    const int number = atoi(how);
+    if (number < 0) {
+        raise(-number);
+        return RIGHT;
+    }
+    errno = number;
     return -1;
 }
 
@@ -90,6 +98,10 @@ ssize_t pread(int descriptor, void* bytes, size_t size, off_t offset) {
 
 int fsync(int descriptor) {
     return fateOfOpen("fsync", descriptor) < 0 ? -1 : NEXT(fsync)(descriptor);
+}
+
+int flock(int descriptor, int operation) {
+    return fateOfOpen("flock", descriptor) < 0 ? -1 : NEXT(flock)(descriptor, operation);
 }
 
 int fchmod(int descriptor, mode_t mode) {
