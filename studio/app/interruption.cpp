@@ -42,7 +42,7 @@ void watch(int signal) {
 }  // namespace
 
 void watchSignals() {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
         watch(signal);
     for (const int signal : {SIGPIPE, SIGXFSZ})
         handle(signal, SIG_IGN);

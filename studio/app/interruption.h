@@ -4,7 +4,7 @@
 
 namespace tavora::studio {
 
-/// Takes over SIGINT, SIGTERM and SIGHUP. Normally such a signal ends the
+/// Takes over SIGINT, SIGTERM, SIGHUP and SIGQUIT. Normally such a signal ends the
 /// program at once: unfinished files are removed and it exits with 128 + n.
 /// Also keeps a full disk or a closed pipe from ending it: those become errors
 /// of the write. Once, from the main thread, before others start.

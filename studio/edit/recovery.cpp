@@ -6,7 +6,7 @@
 #include <system_error>
 
 #include "studio/edit/steps.h"
-#include "studio/files/stale_files.h"
+#include "studio/files/temporary_file.h"
 #include "studio/files/whole_file.h"
 #include "studio/util/error.h"
 #include "studio/util/hash.h"
@@ -104,8 +104,8 @@ bool Recovery::isSaved(const Place& place) const {
 bool Recovery::isOffered() {
     if (left_) return true;
     std::error_code ignored;
-    removeStaleTemporaries(recoveryFolder());
-    removeStaleTemporaries(fs::weakly_canonical(file_.path(), ignored).parent_path());
+    removeAbandonedFiles(recoveryFolder());
+    removeAbandonedFiles(fs::weakly_canonical(file_.path(), ignored).parent_path());
     removeStaleLocks(recoveryFolder());
     do {
         left_ = findPlace(true);

@@ -1,17 +1,11 @@
 #include "studio/files/atomic_file.h"
 
 #include <cerrno>
-#include <cstdint>
 #include <fcntl.h>
-#include <fmt/format.h>
-#include <string>
-#include <sys/random.h>
 #include <sys/stat.h>
 #include <unistd.h>
-#include <utility>
 
-#include "studio/files/output_place.h"
-#include "studio/files/unfinished_files.h"
+#include "studio/files/uninterrupted.h"
 #include "studio/files/written_mark.h"
 #include "studio/util/error.h"
 
@@ -19,71 +13,41 @@ namespace tavora::studio {
 namespace fs = std::filesystem;
 namespace {
 
-// Of fixed length: a target whose name is as long as names may be still works.
-std::string temporaryName() {
-    std::uint64_t number = 0;
-    if (::getrandom(&number, sizeof number, GRND_NONBLOCK) != sizeof number) {
-        static std::uint64_t counter = 0;
-        number = (static_cast<std::uint64_t>(::getpid()) << 32) + ++counter;
-    }
-    return fmt::format(".tavora-{:016x}.tmp", number);
-}
-
 // Some file systems offer no flushing; that is not a failed write.
 bool flushed(int descriptor) {
-    if (::fsync(descriptor) == 0) return true;
+    if (uninterrupted([&] { return ::fsync(descriptor); }) == 0) return true;
     return errno == EINVAL || errno == ENOSYS || errno == ENOTSUP;
+}
+
+// Some network folders tell of a full disk only when the file is closed. Closing a copy
+// asks them, and the file keeps its lock. An interrupted close has closed.
+bool closesWell(int descriptor) {
+    const int copy = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
+    return copy >= 0 && (::close(copy) == 0 || errno == EINTR);
 }
 
 }  // namespace
 
-AtomicFile::AtomicFile(const fs::path& target) : asked_(target) {
-    const OutputPlace place = outputPlace(target);
-    target_ = place.target;
-    create(place.permissions);
+AtomicFile::AtomicFile(const fs::path& target)
+    : asked_(target),
+      place_(outputPlace(target)),
+      temporary_(place_.target.parent_path(), place_.permissions, target) {
     // The mask of the process counts for new files only.
-    if (place.replaces && ::fchmod(descriptor_, place.permissions) != 0) {
-        const int error = errno;
-        close();
-        fail("cannot be given the permissions of the file it replaces", error);
+    const auto keep = [&] { return ::fchmod(temporary_.descriptor(), place_.permissions); };
+    if (place_.replaces && uninterrupted(keep) != 0) {
+        fail("cannot be given the permissions of the file it replaces", errno);
     }
 }
 
-AtomicFile::~AtomicFile() {
-    close();
-}
-
-void AtomicFile::create(unsigned permissions) {
-    constexpr int kTries = 16;
-    for (int i = 0; i < kTries; ++i) {
-        temporary_ = target_.parent_path() / temporaryName();
-        slot_ = listUnfinished(temporary_.c_str());
-        descriptor_ = ::open(temporary_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
-                             static_cast<mode_t>(permissions));
-        if (descriptor_ >= 0) return;
-        const int error = errno;
-        unlistUnfinished(std::exchange(slot_, -1));
-        if (error != EEXIST) fail("cannot be created", error);
-    }
-    fail("cannot be created", EEXIST);
-}
-
-void AtomicFile::close() {
-    if (descriptor_ < 0) return;
-    ::close(std::exchange(descriptor_, -1));
-    ::unlink(temporary_.c_str());
-    unlistUnfinished(std::exchange(slot_, -1));
-}
-
-void AtomicFile::fail(const char* doing, int error) {
+void AtomicFile::fail(const char* doing, int error) const {
     throw Error(Fault::Output, outputMessage(asked_, doing, error));
 }
 
 void AtomicFile::write(const void* data, std::size_t size) {
     const char* next = static_cast<const char*>(data);
     while (size > 0 && error_ == 0) {
-        const ssize_t written = ::write(descriptor_, next, size);
-        if (written < 0 && errno == EINTR) continue;
+        const ssize_t written =
+            uninterrupted([&] { return ::write(temporary_.descriptor(), next, size); });
         if (written <= 0) {
             error_ = written < 0 ? errno : EIO;
             break;
@@ -96,27 +60,25 @@ void AtomicFile::write(const void* data, std::size_t size) {
 
 void AtomicFile::commit(const std::function<void(int)>& readBack) {
     if (error_ != 0) fail("cannot be written", error_);
-    if (!flushed(descriptor_)) fail("cannot be flushed to disk", errno);
-    if (readBack) readBack(descriptor_);
-    // From here on the descriptor is done with, whatever closing it says.
-    const int closed = ::close(std::exchange(descriptor_, -1)) == 0 ? 0 : errno;
+    if (!flushed(temporary_.descriptor())) fail("cannot be flushed to disk", errno);
+    if (readBack) readBack(temporary_.descriptor());
+    if (!closesWell(temporary_.descriptor())) fail("cannot be written", errno);
     markWritten();
-    const int renamed =
-        closed == 0 && ::rename(temporary_.c_str(), target_.c_str()) != 0 ? errno : 0;
-    if (closed != 0 || renamed != 0) ::unlink(temporary_.c_str());
-    unlistUnfinished(std::exchange(slot_, -1));
-    if (closed != 0) fail("cannot be written", closed);
-    if (renamed != 0) fail("cannot be put in place", renamed);
+    if (!temporary_.rename(place_.target)) fail("cannot be put in place", errno);
     flushFolder();
 }
 
-// The file stands complete by now; a folder that cannot be flushed (some
-// network folders) takes nothing from it.
+// Until then a power cut may bring the old file back. A folder that may be written to but
+// not read cannot be flushed.
 void AtomicFile::flushFolder() const {
-    const int folder = ::open(target_.parent_path().c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC);
-    if (folder < 0) return;
-    ::fsync(folder);
-    ::close(folder);
+    const fs::path path = place_.target.parent_path();
+    const int folder =
+        uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
+    if (folder < 0 && errno == EACCES) return;
+    const bool safe = folder >= 0 && flushed(folder);
+    const int error = errno;
+    if (folder >= 0) ::close(folder);
+    if (!safe) fail("is written, but its folder cannot be flushed to disk", error);
 }
 
 }  // namespace tavora::studio

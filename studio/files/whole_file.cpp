@@ -11,6 +11,7 @@
 
 #include "studio/files/atomic_file.h"
 #include "studio/files/output_place.h"
+#include "studio/files/uninterrupted.h"
 #include "studio/util/error.h"
 
 namespace tavora::studio {
@@ -25,7 +26,8 @@ class OpenFile {
   public:
     // Without blocking: a pipe that nobody writes to must not hang the program.
     explicit OpenFile(const fs::path& file)
-        : descriptor(::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK)) {
+        : descriptor(uninterrupted(
+              [&] { return ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); })) {
         if (descriptor < 0) failReading(file, errno);
     }
     ~OpenFile() { ::close(descriptor); }
@@ -48,9 +50,9 @@ std::size_t readAt(int descriptor, std::size_t offset, char* to, std::size_t siz
                    const fs::path& file) {
     std::size_t done = 0;
     while (done < size) {
-        const ssize_t got =
-            ::pread(descriptor, to + done, size - done, static_cast<off_t>(offset + done));
-        if (got < 0 && errno == EINTR) continue;
+        const ssize_t got = uninterrupted([&] {
+            return ::pread(descriptor, to + done, size - done, static_cast<off_t>(offset + done));
+        });
         if (got < 0) failReading(file, errno);
         if (got == 0) break;
         done += static_cast<std::size_t>(got);

@@ -13,9 +13,9 @@ enum class Fault : int {
     Module = 6,  ///< a plug-in module
 };
 
-/// Why something could not be done. The text is one line: what is wrong, where,
-/// and what to do about it. After Fault::Output nothing is left of the file that
-/// was to be written, and a file that stood there before is untouched.
+/// Why something could not be done, in one line: what is wrong, where, what to do about it. After
+/// Fault::Output the file to be written is as it was before, there or not; or new, where the text
+/// says so and that only its folder could not be flushed.
 class Error : public std::runtime_error {
   public:
     Error(Fault fault, const std::string& text) : std::runtime_error(text), fault_(fault) {}
