@@ -5,6 +5,7 @@
 
 #include "studio/files/whole_file.h"
 #include "studio/scene/settings/look.h"
+#include "studio/scene/settings/settings.h"
 
 namespace tavora::studio {
 namespace {
@@ -34,11 +35,13 @@ std::string settingsText(const Settings& settings) {
 
 }  // namespace
 
-void writeLook(const Settings& settings, const std::filesystem::path& file) {
+void saveLook(const SceneSettings& settings, std::size_t surface,
+              const std::filesystem::path& file) {
+    const Settings values = settingsOf(settings.at(surface).value_or(settings.newShader()).block);
     const std::string text = fmt::format(
         "{{\n  \"tavora\": \"look\",\n  \"version\": 1,\n  \"name\": {},\n  \"description\": "
         "\"\",\n  \"settings\": {{\n{}\n  }}\n}}\n",
-        textOf(file.stem().string()), settingsText(settings));
+        textOf(file.stem().string()), settingsText(values));
     parseLook(text, file.string());  // what nobody could read is not written
     writeWholeFile(file, text);
 }

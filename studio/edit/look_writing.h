@@ -2,12 +2,14 @@
 
 #include <filesystem>
 
-#include "studio/scene/settings/settings.h"
+#include "studio/edit/scene_settings.h"
 
 namespace tavora::studio {
 
-/// Writes settings as a look that readLook() reads, named as the file is, whole
-/// or not at all. Throws Error, Fault::Output, and Fault::Scene for values that no look may have.
-void writeLook(const Settings& settings, const std::filesystem::path& file);
+/// Writes the surface's settings, or those of a new shader, as a look that readLook()
+/// reads, named as the file is, whole or not at all. Throws Error, Fault::Output, and
+/// Fault::Scene for values that no look may have.
+void saveLook(const SceneSettings& settings, std::size_t surface,
+              const std::filesystem::path& file);
 
 }  // namespace tavora::studio

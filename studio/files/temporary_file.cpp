@@ -62,6 +62,8 @@ void removeIfAbandoned(const fs::path& file) {
     ::close(descriptor);
 }
 
+}  // namespace
+
 void removeAbandonedFiles(const fs::path& folder) {
     const std::string prefix = machinePrefix();
     std::error_code error;
@@ -71,8 +73,6 @@ void removeAbandonedFiles(const fs::path& folder) {
         if (name.starts_with(prefix) && name.ends_with(".tmp")) removeIfAbandoned(entry->path());
     }
 }
-
-}  // namespace
 
 TemporaryFile::TemporaryFile(const fs::path& folder, unsigned permissions, const fs::path& asked) {
     removeAbandonedFiles(folder);

@@ -34,4 +34,8 @@ class TemporaryFile {
     int slot_ = -1;  ///< in the list that a signal handler reads
 };
 
+/// Removes the temporary files in `folder` that processes on this machine left when they
+/// were killed. Whatever hinders that is no error.
+void removeAbandonedFiles(const std::filesystem::path& folder);
+
 }  // namespace tavora::studio

@@ -5,6 +5,7 @@
 #include <map>
 
 #include "studio/scene/settings/look.h"
+#include "studio/scene/settings/settings.h"
 #include "studio/scene/settings/toon_zones.h"
 #include "studio/setup/surface_names.h"
 #include "studio/util/error.h"

@@ -8,7 +8,7 @@
 namespace tavora::studio {
 namespace {
 
-void wear(const QString& colors) {
+void apply(const QString& colors) {
     static const QPalette desktop = QApplication::palette();
     if (colors == "light") {
         QApplication::setPalette(paletteOf(Theme::Light));
@@ -33,10 +33,10 @@ ColorMenu::ColorMenu(QWidget* parent) : QMenu(tr("C&olours"), parent) {
         action->setChecked(action->data() == kept);
     }
     connect(group, &QActionGroup::triggered, this, [this](const QAction* action) {
-        wear(action->data().toString());
+        apply(action->data().toString());
         memory_.keepColors(action->data().toString());
     });
-    wear(kept);
+    apply(kept);
 }
 
 void ColorMenu::add(const QString& text, const QString& colors) {

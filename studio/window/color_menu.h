@@ -7,7 +7,7 @@
 namespace tavora::studio {
 
 /// Chooses the colours of the program's windows: the desktop's, light or dark.
-/// Wears what was last chosen when made, and keeps what is chosen. GUI thread.
+/// Applies what was last chosen when made, and keeps what is chosen. GUI thread.
 class ColorMenu : public QMenu {
     Q_OBJECT
   public:

@@ -10,6 +10,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
+#include "studio/edit/look_writing.h"
+#include "studio/edit/steps.h"
 #include "studio/window/help.h"
 #include "studio/window/look_menu.h"
 #include "studio/window/window_memory.h"
@@ -145,9 +147,9 @@ void EditWindow::connectEditing() {
     connect(actions_.copy, &QAction::triggered, this, &EditWindow::copy);
     connect(actions_.paste, &QAction::triggered, this, &EditWindow::paste);
     connect(actions_.looks, &LookMenu::chosen, this,
-            [this](const QString& look) { wear(look.toStdString()); });
+            [this](const QString& look) { applyLook(look.toStdString()); });
     actions_.looks->selection = [this] { return surfaces_.selection(); };
-    connect(actions_.applyLook, &QAction::triggered, this, &EditWindow::askAndWear);
+    connect(actions_.applyLook, &QAction::triggered, this, &EditWindow::askAndApplyLook);
     connect(actions_.saveLook, &QAction::triggered, this, &EditWindow::askAndSaveLook);
     connect(actions_.options, &QAction::triggered, this, [this] {
         if (surfaces_.current() >= 0) openPanel(static_cast<std::size_t>(surfaces_.current()));
@@ -204,13 +206,13 @@ void EditWindow::showState() {
         return;
     }
     const Document& document = shown->document();
-    setWindowFilePath(QString::fromStdString(document.path().string()));
-    setWindowTitle(QString::fromStdString(document.path().filename().string()) + "[*]");
-    setWindowModified(document.isModified());
-    actions_.undo->setEnabled(document.canUndo());
-    actions_.redo->setEnabled(document.canRedo());
-    actions_.undo->setText(tr("&Undo %1").arg(QString::fromStdString(document.undoText())));
-    actions_.redo->setText(tr("&Redo %1").arg(QString::fromStdString(document.redoText())));
+    setWindowFilePath(QString::fromStdString(document.file.path().string()));
+    setWindowTitle(QString::fromStdString(document.file.path().filename().string()) + "[*]");
+    setWindowModified(document.settings.isModified());
+    actions_.undo->setEnabled(document.undo.canUndo());
+    actions_.redo->setEnabled(document.undo.canRedo());
+    actions_.undo->setText(tr("&Undo %1").arg(QString::fromStdString(document.undo.undoText())));
+    actions_.redo->setText(tr("&Redo %1").arg(QString::fromStdString(document.undo.redoText())));
     actions_.paste->setEnabled(copied_.has_value());
     actions_.resetView->setEnabled(!shown->isViewAtStart());
     const QString asSaved = tr("As saved");
@@ -249,18 +251,18 @@ void EditWindow::openPanel(std::size_t surface) {
 }
 
 void EditWindow::undo() {
-    if (session() == nullptr || !session()->document().canUndo()) return;
-    panel_.interrupt([this] { session()->document().undo(); });
+    if (session() == nullptr || !session()->document().undo.canUndo()) return;
+    panel_.interrupt([this] { session()->document().undo.undo(); });
 }
 
 void EditWindow::redo() {
-    if (session() == nullptr || !session()->document().canRedo()) return;
-    panel_.interrupt([this] { session()->document().redo(); });
+    if (session() == nullptr || !session()->document().undo.canRedo()) return;
+    panel_.interrupt([this] { session()->document().undo.redo(); });
 }
 
 void EditWindow::copy() {
     if (surfaces_.current() < 0) return;
-    copied_ = session()->document().settings(static_cast<std::size_t>(surfaces_.current()));
+    copied_ = session()->document().settings.at(static_cast<std::size_t>(surfaces_.current()));
     showState();
 }
 
@@ -269,19 +271,25 @@ void EditWindow::paste() {
     ShaderChanges changes;
     for (const std::size_t surface : surfaces_.selection())
         changes.emplace_back(surface, *copied_);
-    panel_.interrupt([=, this] { session()->document().setSettings(changes, "Paste"); });
-}
-
-void EditWindow::wear(const std::string& look) {
     panel_.interrupt([=, this] {
-        guarded(this, [&] { session()->document().wearLook(look, surfaces_.selection()); });
+        Document& document = session()->document();
+        document.undo.push(settingsStep(document.settings, changes, "Paste"));
     });
 }
 
-void EditWindow::askAndWear() {
+void EditWindow::applyLook(const std::string& look) {
+    panel_.interrupt([=, this] {
+        Document& document = session()->document();
+        guarded(this, [&] {
+            document.undo.push(lookStep(document.settings, look, surfaces_.selection()));
+        });
+    });
+}
+
+void EditWindow::askAndApplyLook() {
     const QString file =
         QFileDialog::getOpenFileName(this, tr("Apply Look"), {}, tr("Looks (*.json)"));
-    if (!file.isEmpty()) wear(file.toStdString());
+    if (!file.isEmpty()) applyLook(file.toStdString());
 }
 
 void EditWindow::askAndSaveLook() {
@@ -291,8 +299,8 @@ void EditWindow::askAndSaveLook() {
     if (file.isEmpty()) return;
     if (!file.endsWith(".json")) file += ".json";
     guarded(this, [&] {
-        session()->document().saveLook(static_cast<std::size_t>(surfaces_.current()),
-                                       file.toStdString());
+        saveLook(session()->document().settings, static_cast<std::size_t>(surfaces_.current()),
+                 file.toStdString());
         say(tr("Saved %1").arg(file));
     });
 }
@@ -318,7 +326,7 @@ void EditWindow::dropEvent(QDropEvent* event) {
     const std::string file = droppedFile(*event->mimeData());
     event->acceptProposedAction();
     if (isLook(file)) {
-        wear(file);
+        applyLook(file);
     } else {
         whileNoPanel([this, file] { open(file); });
     }

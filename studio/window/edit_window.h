@@ -57,8 +57,8 @@ class EditWindow : public QMainWindow {
     void redo();
     void copy();
     void paste();
-    void wear(const std::string& look);
-    void askAndWear();
+    void applyLook(const std::string& look);
+    void askAndApplyLook();
     void askAndSaveLook();
 
     const EditRequest& request_;

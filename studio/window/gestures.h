@@ -3,7 +3,7 @@
 #include <QElapsedTimer>
 #include <QObject>
 
-#include "studio/edit/document.h"
+#include "studio/edit/undo_stack.h"
 
 class QKeyEvent;
 

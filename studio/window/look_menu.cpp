@@ -91,7 +91,7 @@ void LookMenu::nameSurfaces(const std::vector<std::size_t>& surfaces) {
     if (surfaces.size() > 1) {
         return caption_->setText(tr("On the %1 selected surfaces").arg(surfaces.size()));
     }
-    const std::string& name = session_->document().scene().surfaces[surfaces.front()].name;
+    const std::string& name = session_->scene().surfaces[surfaces.front()].name;
     caption_->setText(tr("On %1").arg(QString::fromStdString(name).replace('&', "&&")));
 }
 

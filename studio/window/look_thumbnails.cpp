@@ -5,6 +5,7 @@
 #include <sys/syscall.h>
 #include <unistd.h>
 
+#include "studio/edit/steps.h"
 #include "studio/render/display_levels.h"
 #include "studio/scene/settings/look.h"
 #include "studio/services/messages.h"
@@ -85,7 +86,8 @@ void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
 
 LookThumbnails::Job LookThumbnails::jobFor(const std::string& look) const {
     Job job{look, session_.shading()};
-    for (const auto& [surface, shader] : session_.document().withLook(readLook(look), surfaces_))
+    const SceneSettings& now = session_.document().settings;
+    for (const auto& [surface, shader] : withLook(now, readLook(look), surfaces_))
         job.shading[surface] = shader;
     return job;
 }
@@ -95,12 +97,12 @@ void LookThumbnails::run(const Order& order) {
     const QuietMessages quiet;
     try {
         if (renderer_ == nullptr) {
-            renderer_ = std::make_unique<Renderer>(session_.document().scene());
+            renderer_ = std::make_unique<Renderer>(session_.scene());
         }
         for (const Job& job : order.jobs) {
             const Picture picture = renderer_->render(order.camera, *order.lights, job.shading,
-                                                      session_.document().module(), order.options,
-                                                      {{}, &stop_}, nullptr);
+                                                      session_.document().settings.module().file(),
+                                                      order.options, {{}, &stop_}, nullptr);
             emit ready(QString::fromStdString(job.look), imageOf(picture));
             ++made_;
         }

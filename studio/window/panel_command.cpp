@@ -28,13 +28,14 @@ void checkOutput(const PanelRequest& request) {
 }
 
 std::size_t chosenSurface(const Document& document, const std::string& name) {
-    if (!name.empty()) return matchingSurfaces(document.scene(), name, "--surface").front();
-    if (document.surfaces().empty()) {
+    if (!name.empty())
+        return matchingSurfaces(document.settings.scene(), name, "--surface").front();
+    if (document.settings.surfaces().empty()) {
         throw Error(Fault::Usage,
                     fmt::format("{}: no surface has settings to show; name another scene",
-                                document.path().string()));
+                                document.file.path().string()));
     }
-    return document.surfaces().front();
+    return document.settings.surfaces().front();
 }
 
 QImage drawOptions(const Document& document, Shader& record, int tab) {
@@ -48,7 +49,7 @@ QImage drawOptions(const Document& document, Shader& record, int tab) {
     // A panel that opens stores default settings where there are none; drawing one
     // must leave the user's folder as it is.
     const HiddenSettingsFolder hidden;
-    openOptions(document.moduleCopy(), record);
+    openOptions(document.settings.module(), record);
     return picture;
 }
 
@@ -67,12 +68,13 @@ void drawPanel(const PanelRequest& request, Report& report) {
     const std::size_t surface = chosenSurface(document, request.surface);
     const auto application = startApplication(Display::Offscreen, request.scale, report);
     QApplication::setPalette(paletteOf(request.theme));
-    const LightRig rig = settleLights(document.scene(), chooseCamera(document.scene(), {}, 1), {});
+    const LightRig rig =
+        settleLights(document.settings.scene(), chooseCamera(document.settings.scene(), {}, 1), {});
     const PanelBinding binding(rig);
-    const QImage picture = drawOptions(document, document.record(surface), request.tab);
+    const QImage picture = drawOptions(document, document.settings.record(surface), request.tab);
     if (picture.isNull()) {
         throw Error(Fault::Module, fmt::format("{}: the module has no settings panel to draw",
-                                               document.module().string()));
+                                               document.settings.module().file().string()));
     }
     writePng(picture, request.output);
     report.note(1, fmt::format("{} written", request.output));

@@ -5,6 +5,7 @@
 #include <QScreen>
 #include <utility>
 
+#include "studio/edit/steps.h"
 #include "studio/services/instance_update.h"
 #include "studio/window/panel_place.h"
 #include "studio/window/panel_services.h"
@@ -92,42 +93,44 @@ void PanelSession::finish(std::function<void()> after) {
 
 /// The control went back by itself, but not always to the last bit.
 void PanelSession::abandon(Gesture gesture) {
-    if (!isOpen() || !session_->document().did(gesture)) return;
-    interrupt([this, gesture] { session_->document().abandon(gesture); });
+    if (!isOpen() || !session_->document().undo.did(gesture)) return;
+    interrupt([this, gesture] { session_->document().undo.abandon(gesture); });
 }
 
 void PanelSession::showUntilClosed() {
+    const SceneSettings& settings = session_->document().settings;
     std::optional<SurfaceShader> before;
     for (bool resumed = false; next_; resumed = true) {
         const std::size_t surface = *std::exchange(next_, std::nullopt);
-        if (!resumed || surface != surface_) before = session_->document().settings(surface);
+        if (!resumed || surface != surface_) before = settings.at(surface);
         surface_ = surface;
         if (between_) std::exchange(between_, {})();
-        if (resumed && !session_->document().settings(surface)) return;
+        if (resumed && !settings.at(surface)) return;
         showOnce(before);
     }
 }
 
 void PanelSession::showOnce(const std::optional<SurfaceShader>& before) {
-    Document& document = session_->document();
-    document.endStep();
-    if (!document.settings(surface_)) document.setEnabled(surface_, true);
+    SceneSettings& settings = session_->document().settings;
+    UndoStack& undo = session_->document().undo;
+    undo.endStep();
+    if (!settings.at(surface_)) undo.push(enableStep(settings, surface_, true));
     emit opened(surface_);
     confirmed_ = false;
     const std::shared_ptr<const LightRig> lights = session_->lights();
     const PanelBinding binding(*lights);
-    Shader& record = document.record(surface_);
+    Shader& record = settings.record(surface_);
     opening_.emplace();
     const auto opened = qScopeGuard([this] { opening_.reset(); });
-    openOptions(document.moduleCopy(), record);
+    openOptions(settings.module(), record);
     if (confirmed_) {
-        document.takeRecord(surface_, 0);
-    } else if (document.settings(surface_) != before) {
+        undo.push(recordStep(settings, surface_, 0));
+    } else if (settings.at(surface_) != before) {
         // Back to how the user met the panel, also when it was shown anew in
         // between. A step like any other: it can be undone.
-        document.setSettings({{surface_, before}}, "Cancel");
+        undo.push(settingsStep(settings, {{surface_, before}}, "Cancel"));
     }
-    document.endStep();
+    undo.endStep();
 }
 
 /// Panels over the settings panel look after themselves.
@@ -136,7 +139,7 @@ void PanelSession::panelOpened(QWidget& panel) {
     opening_.reset();
     panel_ = &panel;
     panels_.keepWindow(false);
-    const std::string& name = session_->document().scene().surfaces[surface_].name;
+    const std::string& name = session_->scene().surfaces[surface_].name;
     panel.setWindowTitle(tr("%1 – %2").arg(QString::fromStdString(name), panel.windowTitle()));
     if (zone_ >= 0) selectZone(panel, std::exchange(zone_, -1));
     if (QWidget* widget = widgetsOf(panel).value(std::exchange(focus_, -1))) widget->setFocus();
@@ -162,8 +165,8 @@ void PanelSession::panelClosed(QWidget& panel) {
 void PanelSession::hear(HostInstance instance) {
     if (!isOpen()) return;
     Document& document = session_->document();
-    if (const auto surface = document.surfaceOf(instance)) {
-        document.takeRecord(*surface, gestures_.current());
+    if (const auto surface = document.settings.surfaceOf(instance)) {
+        document.undo.push(recordStep(document.settings, *surface, gestures_.current()));
     }
 }
 

@@ -26,6 +26,11 @@ fs::path path(const QString& text) {
     return text.toStdString();
 }
 
+void show(const std::vector<std::string>& warnings) {
+    for (const std::string& warning : warnings)
+        sendMessage(MessageKind::Warning, warning);
+}
+
 /// Reading a large scene takes a while.
 class Waiting {
   public:
@@ -64,58 +69,59 @@ void SceneFiles::load(const fs::path& scene) {
     EditRequest request = request_;
     request.scene = scene.string();
     auto session = std::make_unique<Session>(request, report_);
-    addRecentFile(session->document().path());
-    if (session_ != nullptr) session_->document().discardOwnRecovery();
+    addRecentFile(session->document().file.path());
+    if (session_ != nullptr) session_->document().recovery.clear();
     replaceSession(std::move(session));
 }
 
 bool SceneFiles::askAndOpen() {
     const QString folder =
-        session_ == nullptr ? QString() : text(session_->document().path().parent_path());
+        session_ == nullptr ? QString() : text(session_->document().file.path().parent_path());
     const QString chosen = QFileDialog::getOpenFileName(&window_, tr("Open Scene"), folder,
                                                         tr("glTF scenes (*.gltf *.glb *.vrm)"));
     return !chosen.isEmpty() && open(path(chosen));
 }
 
 void SceneFiles::reload() {
-    guarded(&window_, [this] { load(session_->document().path()); });
+    guarded(&window_, [this] { load(session_->document().file.path()); });
 }
 
 bool SceneFiles::save() {
     Document& document = session_->document();
-    if (document.changedOnDisk()) return saveChanged();
-    return saveWith([&] { document.save(); });
+    if (document.file.changedOnDisk()) return saveChanged();
+    return saveWith([&] { return document.save(); });
 }
 
 bool SceneFiles::askAndSaveAs() {
     Document& document = session_->document();
-    const QString suffix = text(document.path().extension());
-    QString chosen = QFileDialog::getSaveFileName(
-        &window_, tr("Save Scene As"), text(document.path()), tr("glTF scenes (*%1)").arg(suffix));
+    const QString suffix = text(document.file.path().extension());
+    QString chosen =
+        QFileDialog::getSaveFileName(&window_, tr("Save Scene As"), text(document.file.path()),
+                                     tr("glTF scenes (*%1)").arg(suffix));
     if (chosen.isEmpty()) return false;
     if (!chosen.endsWith(suffix)) chosen += suffix;
-    if (!saveWith([&] { document.saveAs(path(chosen)); })) return false;
-    addRecentFile(document.path());
+    if (!saveWith([&] { return document.saveAs(path(chosen)); })) return false;
+    addRecentFile(document.file.path());
     return true;
 }
 
 bool SceneFiles::mayClose() {
     if (session_ == nullptr) return true;
     Document& document = session_->document();
-    if (document.isModified()) {
+    if (document.settings.isModified()) {
         const auto answer = QMessageBox::question(
             &window_, tr("Tavora"),
-            tr("Save the changes to %1?").arg(text(document.path().filename())),
+            tr("Save the changes to %1?").arg(text(document.file.path().filename())),
             QMessageBox::Save | QMessageBox::Discard | QMessageBox::Cancel);
         if (answer == QMessageBox::Cancel) return false;
         if (answer == QMessageBox::Save && !save()) return false;
     }
     recovery_.stop();
-    return guarded(&window_, [&] { document.discardOwnRecovery(); });
+    return guarded(&window_, [&] { document.recovery.clear(); });
 }
 
 void SceneFiles::keepSafe() {
-    if (session_ != nullptr) session_->document().writeRecovery();
+    if (session_ != nullptr) session_->document().recovery.write();
 }
 
 void SceneFiles::listRecent(QMenu& menu) {
@@ -138,14 +144,13 @@ void SceneFiles::replaceSession(std::unique_ptr<Session> session) {
 
 void SceneFiles::offerRecovery() {
     Document& document = session_->document();
-    if (!document.hasRecovery()) return;
-    const int answer = askAboutRecovery(text(document.path().filename()));
+    if (!document.recovery.isOffered()) return;
+    const int answer = askAboutRecovery(text(document.file.path().filename()));
     guarded(&window_, [&] {
         if (answer == QMessageBox::Yes) {
-            document.recover();
-            showWarnings();
+            show(document.recovery.takeOver());
         } else if (answer == QMessageBox::Discard) {
-            document.discardRecovery();
+            document.recovery.discard();
         }
     });
 }
@@ -162,15 +167,10 @@ int SceneFiles::askAboutRecovery(const QString& scene) {
     return question.exec();
 }
 
-void SceneFiles::showWarnings() {
-    for (const std::string& warning : session_->document().warnings())
-        sendMessage(MessageKind::Warning, warning);
-}
-
 /// A full disk is said once, not every second.
 void SceneFiles::writeRecovery() {
     try {
-        session_->document().writeRecovery();
+        session_->document().recovery.write();
         recoveryFailed_ = false;
     } catch (const std::exception& error) {
         if (!std::exchange(recoveryFailed_, true)) {
@@ -181,15 +181,16 @@ void SceneFiles::writeRecovery() {
     }
 }
 
-bool SceneFiles::saveWith(const std::function<void()>& write) {
+bool SceneFiles::saveWith(const std::function<std::vector<std::string>()>& write) {
+    std::vector<std::string> warnings;
     try {
         const Waiting waiting;
-        write();
+        warnings = write();
     } catch (const std::exception& error) {
         return offerSaveAs(QString::fromUtf8(error.what()));
     }
-    emit saved(session_->document().path());
-    showWarnings();
+    emit saved(session_->document().file.path());
+    show(warnings);
     return true;
 }
 
@@ -197,7 +198,8 @@ bool SceneFiles::saveWith(const std::function<void()>& write) {
 /// as the scene is there to be copied.
 bool SceneFiles::offerSaveAs(const QString& error) {
     std::error_code ignored;
-    if (!fs::exists(session_->document().path(), ignored)) return showError(&window_, error), false;
+    if (!fs::exists(session_->document().file.path(), ignored))
+        return showError(&window_, error), false;
     QMessageBox question(QMessageBox::Critical, tr("Tavora"), error,
                          QMessageBox::Save | QMessageBox::Cancel, &window_);
     question.setTextFormat(Qt::PlainText);
@@ -212,7 +214,8 @@ bool SceneFiles::saveChanged() {
     Document& document = session_->document();
     QMessageBox question(
         QMessageBox::Warning, tr("Tavora"),
-        tr("%1 was changed by another program since it was opened.").arg(text(document.path())),
+        tr("%1 was changed by another program since it was opened.")
+            .arg(text(document.file.path())),
         QMessageBox::Save | QMessageBox::Reset | QMessageBox::Discard | QMessageBox::Cancel,
         &window_);
     question.setTextFormat(Qt::PlainText);
@@ -227,7 +230,7 @@ bool SceneFiles::saveChanged() {
         case QMessageBox::Save:
             return askAndSaveAs();
         case QMessageBox::Discard:
-            return saveWith([&] { document.save(true); });
+            return saveWith([&] { return document.save(true); });
         case QMessageBox::Reset:
             emit reloadChosen();
             return false;

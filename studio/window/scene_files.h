@@ -3,7 +3,10 @@
 #include <QObject>
 #include <QTimer>
 #include <filesystem>
+#include <functional>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "studio/app/requests.h"
 #include "studio/setup/report.h"
@@ -63,9 +66,8 @@ class SceneFiles : public QObject {
     void replaceSession(std::unique_ptr<Session> session);
     void offerRecovery();
     int askAboutRecovery(const QString& scene);
-    void showWarnings();
     void writeRecovery();
-    bool saveWith(const std::function<void()>& write);
+    bool saveWith(const std::function<std::vector<std::string>()>& write);
     bool saveChanged();
     bool offerSaveAs(const QString& error);
 

@@ -20,15 +20,15 @@ constexpr int kProbes = 5;  // rows and columns of places to look at
 Session::Session(const EditRequest& request, Report& report)
     : lighting_(request.lighting),
       background_(request.background),
-      document_(std::make_unique<Document>(request.scene, request.shading, report)) {
-    startAt(chooseCamera(document_->scene(), {}, kUsualAspect));
+      document_(request.scene, request.shading, report) {
+    startAt(chooseCamera(scene(), {}, kUsualAspect));
     startPicture(request);
 
-    document_->settingsChanged = [this](std::size_t surface) {
+    document_.settings.surfaceChanged = [this](std::size_t surface) {
         if (!comparing_) revision_ = picture_->setSurface(surface, shaderOf(surface));
         emit settingsChanged(surface);
     };
-    document_->stateChanged = [this] { emit stateChanged(); };
+    document_.settings.stateChanged = [this] { emit stateChanged(); };
 }
 
 Session::~Session() {
@@ -37,15 +37,14 @@ Session::~Session() {
 
 /// The view begins, or where it is at its start begins again, as this camera.
 void Session::startAt(const Camera& camera) {
-    const Scene& scene = document_->scene();
     if (orbit_ == nullptr) {
-        orbit_ = std::make_unique<Orbit>(camera, scene.bounds);
+        orbit_ = std::make_unique<Orbit>(camera, scene().bounds);
     } else {
         orbit_->setStart(camera);
     }
     // Only a scene without lights of its own is lit from where the camera stands.
-    if (lights_ != nullptr && !scene.lights.empty()) return;
-    lights_ = std::make_shared<const LightRig>(lightsFor(scene, camera, lighting_));
+    if (lights_ != nullptr && !scene().lights.empty()) return;
+    lights_ = std::make_shared<const LightRig>(lightsFor(scene(), camera, lighting_));
     if (picture_ != nullptr) revision_ = picture_->setLights(lights_);
 }
 
@@ -54,7 +53,7 @@ void Session::startPicture(const EditRequest& request) {
     options.threads = request.threads;
     options.background = background_;
     picture_ =
-        std::make_unique<LivePicture>(document_->scene(), document_->module(), options, [this] {
+        std::make_unique<LivePicture>(scene(), document_.settings.module().file(), options, [this] {
             QMetaObject::invokeMethod(this, &Session::pictureChanged, Qt::QueuedConnection);
         });
     revision_ = picture_->setLights(lights_);
@@ -70,8 +69,7 @@ void Session::setSize(int width, int height) {
     if (width < 1 || height < 1 || (width == width_ && height == height_)) return;
     width_ = width;
     height_ = height;
-    const Scene& scene = document_->scene();
-    if (scene.cameras.empty()) startAt(chooseCamera(scene, {}, aspect()));
+    if (scene().cameras.empty()) startAt(chooseCamera(scene(), {}, aspect()));
     showView();
 }
 
@@ -125,7 +123,7 @@ void Session::zoom(double factor) {
 }
 
 void Session::frameAll() {
-    orbit_->frame(document_->scene().bounds, aspect());
+    orbit_->frame(scene().bounds, aspect());
     showView();
 }
 
@@ -148,7 +146,7 @@ void Session::showView() {
 
 SurfaceShaders Session::shading() const {
     SurfaceShaders all;
-    for (std::size_t surface = 0; surface < document_->scene().surfaces.size(); ++surface)
+    for (std::size_t surface = 0; surface < scene().surfaces.size(); ++surface)
         all.push_back(shaderOf(surface));
     return all;
 }
@@ -158,7 +156,8 @@ void Session::showSettings() {
 }
 
 const std::optional<SurfaceShader>& Session::shaderOf(std::size_t surface) const {
-    return comparing_ ? document_->cleanSettings(surface) : document_->settings(surface);
+    const SceneSettings& settings = document_.settings;
+    return comparing_ ? settings.clean(surface) : settings.at(surface);
 }
 
 }  // namespace tavora::studio

@@ -20,8 +20,9 @@ class Session : public QObject {
     Session(const EditRequest& request, Report& report);
     ~Session() override;
 
-    Document& document() { return *document_; }
-    const Document& document() const { return *document_; }
+    Document& document() { return document_; }
+    const Document& document() const { return document_; }
+    const Scene& scene() const { return document_.settings.scene(); }
     /// May be others after the picture changed its shape; those given out stay as
     /// long as they are held.
     const std::shared_ptr<const LightRig>& lights() const { return lights_; }
@@ -77,7 +78,7 @@ class Session : public QObject {
 
     LightingOptions lighting_;
     std::optional<Imath::V3d> background_;
-    std::unique_ptr<Document> document_;
+    Document document_;
     std::shared_ptr<const LightRig> lights_;
     std::unique_ptr<Orbit> orbit_;
     std::unique_ptr<LivePicture> picture_;

@@ -2,6 +2,8 @@
 
 #include <QSignalBlocker>
 
+#include "studio/edit/steps.h"
+
 namespace tavora::studio {
 namespace {
 
@@ -30,10 +32,9 @@ void SurfaceList::show(Session* session) {
     session_ = session;
     clear();
     if (session_ == nullptr) return;
-    const Document& document = session_->document();
     QSignalBlocker quiet(this);
-    for (const std::size_t surface : document.surfaces()) {
-        const auto name = QString::fromStdString(document.scene().surfaces[surface].name);
+    for (const std::size_t surface : session_->document().settings.surfaces()) {
+        const auto name = QString::fromStdString(session_->scene().surfaces[surface].name);
         auto* item = new QListWidgetItem(name, this);
         item->setData(Qt::UserRole, static_cast<qulonglong>(surface));
         update(surface);
@@ -41,7 +42,7 @@ void SurfaceList::show(Session* session) {
     quiet.unblock();
     connect(session_, &Session::settingsChanged, this, &SurfaceList::update);
     connect(session_, &Session::stateChanged, this, [this] {
-        for (const std::size_t surface : session_->document().surfaces())
+        for (const std::size_t surface : session_->document().settings.surfaces())
             update(surface);
     });
     if (count() > 0) setCurrentRow(0);
@@ -67,21 +68,23 @@ void SurfaceList::select(std::size_t surface) {
 }
 
 void SurfaceList::update(std::size_t surface) {
-    const Document& document = session_->document();
+    const SceneSettings& settings = session_->document().settings;
     const QSignalBlocker quiet(this);
     for (int row = 0; row < count(); ++row) {
         QListWidgetItem* line = item(row);
         if (surfaceOf(*line) != surface) continue;
-        const bool enabled = activeBlock(document.settings(surface)) != nullptr;
+        const bool enabled = activeBlock(settings.at(surface)) != nullptr;
         line->setCheckState(enabled ? Qt::Checked : Qt::Unchecked);
         QFont font = line->font();
-        font.setBold(document.settings(surface) != document.cleanSettings(surface));
+        font.setBold(settings.at(surface) != settings.clean(surface));
         line->setFont(font);
     }
 }
 
 void SurfaceList::takeCheck(QListWidgetItem* item) {
-    session_->document().setEnabled(surfaceOf(*item), item->checkState() == Qt::Checked);
+    Document& document = session_->document();
+    document.undo.push(
+        enableStep(document.settings, surfaceOf(*item), item->checkState() == Qt::Checked));
 }
 
 }  // namespace tavora::studio

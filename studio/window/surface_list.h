@@ -7,7 +7,7 @@
 
 namespace tavora::studio {
 
-/// The surfaces of the scene: which wear the shader, which differ from the
+/// The surfaces of the scene: which have the shader, which differ from the
 /// file, which are selected. GUI thread.
 class SurfaceList : public QListWidget {
     Q_OBJECT

@@ -1,35 +1,36 @@
 #include <cmath>
-#include <gmock/gmock.h>
 #include <random>
 
+#include "studio/edit/look_writing.h"
 #include "tests/edit/edit_test.h"
 
 namespace tavora::studio {
 namespace {
 
-using testing::HasSubstr;
-
 class DocumentEdits : public EditTest {
   protected:
     /// One of the things a user does; each changes something.
     void editSomehow(Document& document, int step) {
-        const std::size_t surface = random_() % document.surfaces().size();
+        SceneSettings& settings = document.settings;
+        const std::size_t surface = random_() % settings.surfaces().size();
         const double value = std::uniform_real_distribution<>(0.001, 0.999)(random_);
-        switch (random_() % 5) {
+        switch (random_() % 6) {
             case 0:
-                return document.setEnabled(surface, !activeBlock(document.settings(surface)));
+                return document.undo.push(
+                    enableStep(settings, surface, !activeBlock(settings.at(surface))));
             case 1:
-                return document.setSettings(
-                    {{0, shader(sampleBlock({}, 0, {std::to_string(step)}))},
-                     {surface, std::nullopt}},
-                    "paste");
+                return set(document, {{0, shader(sampleBlock({}, 0, {std::to_string(step)}))},
+                                      {surface, std::nullopt}});
             case 2:
-                return document.wearLook(step % 2 == 0 ? "noir" : "comic", document.surfaces());
-            case 3: {
-                Json zones = R"([{"position": 0}, {"position": 1}])"_j;
-                if (step % 2 == 0) zones.push_back({{"position", value}});
-                return edit(document, surface, {{"zones", zones}});
-            }
+                return document.undo.push(
+                    lookStep(settings, step % 2 == 0 ? "noir" : "comic", settings.surfaces()));
+            case 3:
+                return edit(document, surface,
+                            R"({"zones": [{"position": 0}, {"position": 1}]})"_j);
+            case 4:
+                return edit(
+                    document, surface,
+                    {{"zones", {{{"position", 0}}, {{"position", value}}, {{"position", 1}}}}});
             default:
                 return edit(document, surface, value);
         }
@@ -38,93 +39,112 @@ class DocumentEdits : public EditTest {
     std::mt19937 random_{7};
 };
 
-void expectRecordsInStep(Document& document) {
-    for (const std::size_t surface : document.surfaces()) {
-        if (!document.settings(surface)) continue;
-        EXPECT_EQ(document.record(surface).save(), document.settings(surface)->block);
+void expectRecordsInStep(SceneSettings& settings) {
+    for (const std::size_t surface : settings.surfaces()) {
+        if (!settings.at(surface)) continue;
+        EXPECT_EQ(settings.record(surface).save(), settings.at(surface)->block);
     }
 }
 
-TEST_F(DocumentEdits, AreUndoneAndDoneAgainToTheByte) {
+TEST_F(DocumentEdits, AreUndoneAndRedoneToTheByte) {
     const auto document = open();
+    SceneSettings& settings = document->settings;
     SurfaceShaders heard = stateOf(*document);
-    document->settingsChanged = [&](std::size_t i) { heard[i] = document->settings(i); };
+    settings.surfaceChanged = [&](std::size_t i) { heard[i] = settings.at(i); };
     std::vector<SurfaceShaders> states{stateOf(*document)};
     for (int step = 0; states.size() <= 200; ++step) {
         editSomehow(*document, step);
         if (stateOf(*document) != states.back()) states.push_back(stateOf(*document));
     }
     for (std::size_t i = 200; i-- > 0;) {
-        document->undo();
+        document->undo.undo();
         ASSERT_EQ(stateOf(*document), states[i]) << i;
-        if (i % 20 == 0) expectRecordsInStep(*document);
+        if (i % 20 == 0) expectRecordsInStep(settings);
     }
-    EXPECT_FALSE(document->canUndo());
-    EXPECT_FALSE(document->isModified());
-    while (document->canRedo())
-        document->redo();
+    EXPECT_FALSE(document->undo.canUndo());
+    EXPECT_FALSE(settings.isModified());
+    while (document->undo.canRedo())
+        document->undo.redo();
     EXPECT_EQ(stateOf(*document), states.back());
     EXPECT_EQ(heard, states.back());
-    expectRecordsInStep(*document);
+    expectRecordsInStep(settings);
 }
 
 TEST_F(DocumentEdits, OfOneGestureAreUndoneTogether) {
     const auto document = open();
+    UndoStack& undo = document->undo;
     edit(*document, 0, 0.11, 1);
     edit(*document, 0, 0.12, 1);  // joined
     edit(*document, 0, 0.13, 2);
     edit(*document, 1, 0.14, 2);  // another surface
     edit(*document, 0, 0.15, 2);
-    document->endStep();
+    undo.endStep();
     edit(*document, 0, 0.16, 2);
     document->save();
     edit(*document, 0, 0.17, 2);
     edit(*document, 0, 0.18);
     edit(*document, 0, 0.19);
-    EXPECT_EQ(document->undoText(), "edit of Body");
+    EXPECT_EQ(undo.undoText(), "edit of Body");
     EXPECT_EQ(undoAll(*document), 8U);
-    document->redo();
+    undo.redo();
     EXPECT_EQ(named(*document, 0)["edgeCoverage"], 0.12);
     edit(*document, 0, 0.2, 1);
-    EXPECT_FALSE(document->canRedo()) << "a new change drops what was undone";
-    edit(*document, 0, 0.21, 2);
-    document->undo();
-    edit(*document, 0, 0.22, 1);
-    EXPECT_EQ(undoAll(*document), 3U) << "nothing is joined over an undo";
+    EXPECT_FALSE(undo.canRedo()) << "a new change drops what was undone";
+    undo.undo();
+    undo.redo();
+    edit(*document, 0, 0.3, 1);
+    EXPECT_EQ(undoAll(*document), 3U) << "an undo ends a gesture, though it be redone";
+}
 
+TEST_F(DocumentEdits, ThatComeBackToTheirStartOrAreAbandonedAreNoStep) {
+    const auto document = open();
+    UndoStack& undo = document->undo;
     edit(*document, 0, 0.5, 3);
-    document->endStep();
+    undo.endStep();
     edit(*document, 0, 0.6, 3);
-    edit(*document, 0, 0.5, 3);  // back at its start: no step
+    edit(*document, 0, 0.5, 3);
     edit(*document, 0, 0.7, 3);
-    document->setEnabled(0, true);
+    undo.push(enableStep(document->settings, 0, true));
+    EXPECT_EQ(undoAll(*document), 2U);
+
+    undo.redo();
+    const auto before = stateOf(*document);
+    EXPECT_FALSE(undo.did(3)) << "something was undone since";
+    edit(*document, 0, 0.8, 4);
+    undo.abandon(3);
+    EXPECT_NE(stateOf(*document), before);
+    document->settings.stateChanged = [&] { EXPECT_FALSE(undo.canRedo()) << "menus show it"; };
+    undo.abandon(4);
+    document->settings.stateChanged = {};
+    EXPECT_EQ(stateOf(*document), before);
+    edit(*document, 0, 0.9, 3);
     EXPECT_EQ(undoAll(*document), 2U);
 }
 
 TEST_F(DocumentEdits, AreBoundedInNumberAndSize) {
-    StepList list;
-    const auto step = [](std::size_t size, std::int32_t value) {
-        SurfaceShader after = shader({value, std::string(size, 'x')});
-        return Step{"", {{0, {}, std::move(after)}}, 0};
+    const auto document = open();
+    UndoStack stack(document->settings);
+    const auto push = [&](std::size_t size, std::int32_t value) {
+        stack.push({"", {{0, {}, shader({value, std::string(size, 'x')})}}});
     };
-    const auto undoable = [](StepList copy) {
+    const auto undoable = [](UndoStack copy) {
         std::size_t count = 0;
         for (; copy.canUndo(); ++count)
             copy.undo();
         return count;
     };
     for (int i = 0; i < 1100; ++i)
-        list.add(step(1, i));
-    EXPECT_EQ(undoable(list), 1000U);
+        push(1, i);
+    EXPECT_EQ(undoable(stack), 1000U);
     for (int i = 0; i < 5; ++i)
-        list.add(step(std::size_t{20} << 20, i));
-    EXPECT_EQ(undoable(list), 3U);
-    list.add(step(std::size_t{80} << 20, 0));
-    EXPECT_EQ(undoable(list), 1U);
-    list.undo();
+        push(std::size_t{20} << 20, i);
+    EXPECT_EQ(undoable(stack), 3U);
+    push(std::size_t{80} << 20, 0);
+    EXPECT_EQ(undoable(stack), 1U);
+    stack.undo();
     for (int i = 0; i < 10; ++i)
-        list.add(step(1, i));
-    EXPECT_EQ(undoable(list), 10U) << "what was undone and dropped no longer counts";
+        push(1, i);
+    EXPECT_EQ(undoable(stack), 10U) << "what was undone and dropped no longer counts";
 }
 
 TEST_F(DocumentEdits, ARecordShownAndLeftAloneIsNoEdit) {
@@ -132,51 +152,53 @@ TEST_F(DocumentEdits, ARecordShownAndLeftAloneIsNoEdit) {
     odd[2] = std::nanf("");
     odd[3] = -0.0F;
     auto document = open();
-    document->setSettings({{0, shader(odd)}, {1, shader(sampleBlock(), false)}}, "odd");
+    set(*document, {{0, shader(odd)}, {1, shader(sampleBlock(), false)}});
     document->save();
     document = open();
-    EXPECT_TRUE(std::isnan(std::get<float>(document->settings(0)->block[2])));
-    for (const std::size_t surface : document->surfaces())
-        if (document->settings(surface)) document->takeRecord(surface, 0);
-    EXPECT_FALSE(document->canUndo());
-    EXPECT_FALSE(document->isModified());
-    EXPECT_FALSE(document->settings(1)->enabled);
+    EXPECT_TRUE(std::isnan(std::get<float>(document->settings.at(0)->block[2])));
+    for (const std::size_t surface : document->settings.surfaces())
+        document->undo.push(recordStep(document->settings, surface, 0));
+    EXPECT_EQ(undoAll(*document), 1U) << "the one without material got the shader";
+    EXPECT_FALSE(document->settings.isModified());
+    EXPECT_FALSE(document->settings.at(1)->enabled);
     odd.pop_back();
-    EXPECT_THROW(document->setSettings({{0, shader(odd)}}, "damaged"), Error);
+    EXPECT_THROW(set(*document, {{0, shader(odd)}}), Error);
 }
 
-TEST_F(DocumentEdits, ASurfaceWithoutTheShaderWearsANewOne) {
+TEST_F(DocumentEdits, ASurfaceWithoutTheShaderGetsANewOne) {
     request_.plain = {"Body", "Hair"};
     const auto document = open();
-    EXPECT_EQ(document->surfaceOf(document->record(2).instance()), 2U);
-    EXPECT_FALSE(document->surfaceOf(nullptr));
-    document->setEnabled(0, true);
-    document->takeRecord(1, 0);
-    const StateBlock defaults = newShaderSettings(document->moduleCopy());
-    EXPECT_EQ(document->settings(0), shader(defaults));
-    EXPECT_EQ(document->settings(1), shader(defaults));
+    SceneSettings& settings = document->settings;
+    EXPECT_EQ(settings.surfaceOf(settings.record(2).instance()), 2U);
+    EXPECT_FALSE(settings.surfaceOf(nullptr));
+    document->undo.push(enableStep(settings, 0, true));
+    document->undo.push(recordStep(settings, 1, 0));
+    const StateBlock defaults = newShaderSettings(settings.module());
+    EXPECT_EQ(settings.at(0), shader(defaults));
+    EXPECT_EQ(settings.at(1), shader(defaults));
     edit(*document, 1, 0.77);
-    document->undo();
-    document->undo();
-    EXPECT_FALSE(document->settings(1));
-    EXPECT_EQ(document->record(1).save(), defaults);
+    document->undo.undo();
+    document->undo.undo();
+    EXPECT_FALSE(settings.at(1));
+    EXPECT_EQ(settings.record(1).save(), defaults);
 }
 
 TEST_F(DocumentEdits, LooksAreWrittenAsTheyAreRead) {
     const auto document = open();
+    SceneSettings& settings = document->settings;
     edit(*document, 0, R"({"edgeColor": [0.1, 0.7, 0.333], "edgeEnable": true, "lights": ["Key"],
                            "zones": [{"position": 0.1, "color": "#123456"}, {"position": 1}]})"_j);
-    document->saveLook(0, folder_ / "mine.json");
-    document->wearLook(folder_ / "mine.json", {1, 2});
-    EXPECT_EQ(document->settings(1), document->settings(0));
-    EXPECT_EQ(document->undoText(), "look mine on 2 surfaces");
-    document->undo();
-    EXPECT_NE(document->settings(2), document->settings(0));
+    saveLook(settings, 0, folder_ / "mine.json");
+    document->undo.push(lookStep(settings, folder_ / "mine.json", {1, 2}));
+    EXPECT_EQ(settings.at(1), settings.at(0));
+    EXPECT_EQ(document->undo.undoText(), "look mine on 2 surfaces");
+    document->undo.undo();
+    EXPECT_NE(settings.at(2), settings.at(0));
 
     StateBlock odd = sampleBlock();
     odd[2] = std::nanf("");
-    document->setSettings({{0, shader(odd)}}, "odd");
-    EXPECT_THROW(document->saveLook(0, folder_ / "odd.json"), Error);
+    set(*document, {{0, shader(odd)}});
+    EXPECT_THROW(saveLook(settings, 0, folder_ / "odd.json"), Error);
     EXPECT_FALSE(exists(folder_ / "odd.json"));
 }
 

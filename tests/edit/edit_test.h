@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "studio/edit/document.h"
+#include "studio/edit/steps.h"
 #include "studio/scene/settings/settings.h"
 #include "studio/services/directory_info.h"
 #include "tests/scene/gltf_builder.h"
@@ -48,22 +49,25 @@ class EditTest : public testing::Test {
 
     static SurfaceShaders stateOf(const Document& document) {
         SurfaceShaders state;
-        for (const std::size_t surface : document.surfaces())
-            state.push_back(document.settings(surface));
+        for (const std::size_t surface : document.settings.surfaces())
+            state.push_back(document.settings.at(surface));
         return state;
     }
 
     static Settings named(const Document& document, std::size_t surface) {
-        return settingsOf(document.settings(surface)->block);
+        return settingsOf(document.settings.at(surface)->block);
+    }
+
+    static void set(Document& document, const ShaderChanges& changes, const char* what = "test") {
+        document.undo.push(settingsStep(document.settings, changes, what));
     }
 
     /// What a panel does: writes into the record, and tells of it.
     static void edit(Document& document, std::size_t surface, const Json& changes,
                      Gesture gesture = 0) {
-        Settings settings = settingsOf(document.record(surface).save());
-        applySettings(settings, changes, "test");
-        document.record(surface).load(blockOf(settings));
-        document.takeRecord(surface, gesture);
+        Shader& record = document.settings.record(surface);
+        record.load(withChanges(record.save(), changes, "test", {}));
+        document.undo.push(recordStep(document.settings, surface, gesture));
     }
     static void edit(Document& document, std::size_t surface, double value, Gesture gesture = 0) {
         edit(document, surface, Json{{"edgeCoverage", value}}, gesture);
@@ -71,8 +75,8 @@ class EditTest : public testing::Test {
 
     static std::size_t undoAll(Document& document) {
         std::size_t steps = 0;
-        for (; document.canUndo(); ++steps)
-            document.undo();
+        for (; document.undo.canUndo(); ++steps)
+            document.undo.undo();
         return steps;
     }
 

@@ -1,9 +1,13 @@
+#include <algorithm>
 #include <cmath>
 #include <csignal>
+#include <functional>
 #include <gmock/gmock.h>
+#include <random>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "studio/files/atomic_file.h"
 #include "tests/edit/edit_test.h"
 
 namespace tavora::studio {
@@ -12,152 +16,210 @@ namespace {
 namespace fs = std::filesystem;
 using testing::ElementsAre;
 using testing::HasSubstr;
+using testing::IsEmpty;
 
-class Recovery : public EditTest {
+class RecoveredWork : public EditTest {
   protected:
-    fs::path recoveryFolder() const { return folder_ / "state/tavora/recovery"; }
-
-    /// The kinds of files that sessions left or hold, sorted.
-    std::vector<std::string> files() const {
-        std::vector<std::string> kinds;
-        for (const auto& entry : fs::directory_iterator(recoveryFolder()))
-            kinds.push_back(entry.path().extension());
-        std::sort(kinds.begin(), kinds.end());
-        return kinds;
-    }
-
     /// A session that ends without a word.
     void abandon(const std::function<void(Document&)>& work) {
         const auto document = open();
         work(*document);
-        document->writeRecovery();
+        document->recovery.write();
     }
 
-    /// Another process that edits, writes and saves until it is killed, after it
-    /// has said `rounds` times that it goes on.
-    pid_t startEditing(int ready) {
-        const pid_t child = ::fork();
-        if (child != 0) return child;
-        const auto document = open();
-        for (int round = 1;; ++round) {
-            const double value = (round % 900) / 1000.0;
-            document->setSettings({{0, shader(valued(value))}, {1, shader(valued(value))}}, "work");
-            if (round % 3 == 0) document->save();
-            edit(*document, 2, value);
-            document->writeRecovery();
-            if (::write(ready, "x", 1) != 1) ::_exit(1);
-        }
+    /// What lies in a folder, by suffix.
+    static std::vector<std::string> suffixes(const fs::path& folder) {
+        std::vector<std::string> all;
+        for (const auto& entry : fs::directory_iterator(folder))
+            if (entry.is_regular_file()) all.push_back(entry.path().extension());
+        std::sort(all.begin(), all.end());
+        return all;
+    }
+    std::vector<std::string> kept() const { return suffixes(state_); }
+    fs::path keptFile() const {
+        for (const auto& entry : fs::directory_iterator(state_))
+            if (entry.path().extension() == ".json") return entry.path();
+        throw std::runtime_error("no recovery file");
     }
 
-    static StateBlock valued(double value) {
-        Settings settings = settingsOf(sampleBlock());
-        applySettings(settings, {{"edgeCoverage", value}}, "test");
-        return blockOf(settings);
-    }
+    const fs::path state_ = folder_ / "state/tavora/recovery";
 };
 
-TEST_F(Recovery, AKilledSessionsWorkIsOfferedAndTheSceneStaysWhole) {
-    int recovered = 0;
-    for (const int rounds : {1, 2, 5, 9, 16}) {
+/// Another process that edits, writes and saves until it is killed, and says after
+/// each round that it goes on.
+class Editing {
+  public:
+    explicit Editing(const std::function<void(int round)>& work) {
         int ends[2];
-        ASSERT_EQ(::pipe(ends), 0);
-        const pid_t child = startEditing(ends[1]);
+        if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
+        process_ = ::fork();
+        if (process_ == 0) run(work, ends[1]);
         ::close(ends[1]);
+        ready_ = ends[0];
+    }
+    void waitForRound() const {
         char byte = 0;
-        for (int i = 0; i < rounds; ++i)
-            ASSERT_EQ(::read(ends[0], &byte, 1), 1);
-        EXPECT_FALSE(open()->hasRecovery()) << "a live session's work is its own";
-        ::kill(child, SIGKILL);
-        ::waitpid(child, nullptr, 0);
-        ::close(ends[0]);
+        EXPECT_EQ(::read(ready_, &byte, 1), 1) << "it failed by itself";
+    }
+    void kill() const {
+        ::kill(process_, SIGKILL);
+        ::waitpid(process_, nullptr, 0);
+        ::close(ready_);
+    }
 
-        const auto document = open();
+  private:
+    [[noreturn]] static void run(const std::function<void(int)>& work, int ready) {
+        try {
+            for (int round = 1;; ++round) {
+                work(round);
+                if (::write(ready, "x", 1) != 1) break;
+            }
+        } catch (const std::exception& error) {
+            ::perror(error.what());
+        }
+        ::_exit(1);
+    }
+
+    pid_t process_ = 0;
+    int ready_ = 0;
+};
+
+TEST_F(RecoveredWork, IsAllThatAKilledSessionSaidIsDoneAndNothingElseIsLeftOfIt) {
+    std::mt19937 random(5);
+    int recovered = 0;
+    for (const int rounds : {1, 2, 3, 4, 5, 7, 9, 12, 16, 20}) {
+        std::unique_ptr<Document> document;
+        const Editing other([&](int round) {
+            if (document == nullptr) document = open();
+            const StateBlock block =
+                withChanges(sampleBlock(), {{"edgeCoverage", (round % 900) / 1000.0}}, "test", {});
+            set(*document, {{0, shader(block)}, {1, shader(block)}});
+            if (round % 3 == 0) document->save();
+            edit(*document, 2, (round % 900) / 1000.0);
+            document->recovery.write();
+        });
+        for (int i = 0; i < rounds; ++i) {
+            other.waitForRound();
+            EXPECT_FALSE(open()->recovery.isOffered()) << "a live session's work is its own";
+        }
+        ::usleep(static_cast<useconds_t>(random() % 4000));
+        other.kill();
+
+        document = open();
         const auto before = stateOf(*document);
         // None when it was killed between saving and its next edit.
-        if (document->hasRecovery()) {
-            document->recover();
+        if (document->recovery.isOffered()) {
+            document->recovery.takeOver();
             ++recovered;
-            EXPECT_TRUE(document->isModified());
+            EXPECT_TRUE(document->settings.isModified());
             EXPECT_EQ(undoAll(*document), 1U);
             EXPECT_EQ(stateOf(*document), before);
-            document->redo();
+            document->undo.redo();
         }
         const double value = named(*document, 0)["edgeCoverage"];
         EXPECT_GE(value, rounds / 1000.0) << "what was reported done is there";
         EXPECT_EQ(named(*document, 1)["edgeCoverage"], value);
-        document->discardRecovery();
+        document->recovery.discard();
+        EXPECT_THAT(kept(), IsEmpty());
+        EXPECT_THAT(suffixes(folder_.path()), ElementsAre(".glb"));
     }
     EXPECT_GT(recovered, 0);
 }
 
-TEST_F(Recovery, IsOfferedUntilItIsTakenSavedOrDiscarded) {
+TEST_F(RecoveredWork, IsOfferedUntilItIsTakenSavedOrDiscarded) {
     abandon([](Document& document) { edit(document, 0, 0.5); });
     abandon([](Document& document) { edit(document, 0, 0.6); });  // asked nobody about the first
     {
         const auto first = open();
         const auto second = open();
-        ASSERT_TRUE(first->hasRecovery());
-        ASSERT_TRUE(second->hasRecovery());
-        first->recover();
-        EXPECT_FALSE(first->hasRecovery());
-        second->discardRecovery();
+        ASSERT_TRUE(first->recovery.isOffered());
+        ASSERT_TRUE(second->recovery.isOffered());
+        first->recovery.takeOver();
+        EXPECT_FALSE(first->recovery.isOffered());
+        second->recovery.discard();
         EXPECT_EQ(named(*first, 0)["edgeCoverage"], 0.5);
         // Ends badly before it wrote anything: nothing is lost.
     }
     abandon([](Document& document) {
-        document.recover();
+        document.recovery.takeOver();
         edit(document, 1, 0.7);
     });
-    auto document = open();
-    ASSERT_TRUE(document->hasRecovery());
-    document->recover();
+    const auto document = open();
+    ASSERT_TRUE(document->recovery.isOffered());
+    document->recovery.takeOver();
     EXPECT_EQ(named(*document, 0)["edgeCoverage"], 0.5);
     EXPECT_EQ(named(*document, 1)["edgeCoverage"], 0.7);
+    EXPECT_THAT(kept(), ElementsAre(".json", ".lock"));
     document->save();
-    document.reset();
-    EXPECT_FALSE(open()->hasRecovery());
+    EXPECT_THAT(kept(), IsEmpty()) << "what is saved needs no second copy";
 }
 
-TEST_F(Recovery, NothingIsWrittenForNothing) {
+TEST_F(RecoveredWork, OfADeadSessionGoesWhenItIsSavedAlready) {
     const auto document = open();
-    document->writeRecovery();
     edit(*document, 0, 0.5);
-    document->writeRecovery();
-    EXPECT_THAT(files(), ElementsAre(".json", ".lock"));
-    for (const auto& entry : fs::directory_iterator(recoveryFolder()))
-        fs::remove(entry);
-    document->writeRecovery();
-    EXPECT_THAT(files(), ElementsAre()) << "written once for one change";
-    document->undo();
-    document->redo();
+    set(*document, {{1, std::nullopt}});
+    document->recovery.write();
+    const fs::path file = keptFile();
+    const std::string work = bytesOf(file);
+    document->save();
+    putBytes(file, work);  // as if it had died before it could remove it
+    putBytes(file.string() + ".lock", "");
+    putBytes(state_ / "another-2.json.lock", "");
+    EXPECT_FALSE(open()->recovery.isOffered());
+    EXPECT_THAT(kept(), IsEmpty());
+    putBytes(file, work);
     edit(*document, 0, 0.6);
-    document->writeRecovery();
-    EXPECT_THAT(files(), ElementsAre(".json"));
-    undoAll(*document);
-    document->writeRecovery();
-    EXPECT_THAT(files(), ElementsAre());
+    document->save();
+    EXPECT_TRUE(open()->recovery.isOffered()) << "the scene says something else";
 }
 
-TEST_F(Recovery, IsExactAndGoesByName) {
+TEST_F(RecoveredWork, FilesOfLivingSessionsAreLeftAlone) {
+    AtomicFile unfinished(folder_ / "other.glb");
+    fs::create_directories(state_);
+    AtomicFile work(state_ / "work.txt");
+    const auto living = open();
+    edit(*living, 0, 0.5);
+    living->recovery.write();
+    EXPECT_FALSE(open()->recovery.isOffered());
+    unfinished.commit();
+    work.commit();
+    EXPECT_THAT(kept(), ElementsAre(".json", ".lock", ".txt"));
+}
+
+TEST_F(RecoveredWork, IsWrittenOnceForOneChange) {
+    const auto document = open();
+    document->recovery.write();
+    EXPECT_FALSE(exists(state_));
+    edit(*document, 0, 0.5);
+    document->recovery.write();
+    fs::remove(keptFile());
+    document->recovery.write();
+    EXPECT_THAT(kept(), ElementsAre(".lock"));
+    edit(*document, 0, 0.6);
+    document->recovery.write();
+    EXPECT_THAT(kept(), ElementsAre(".json", ".lock"));
+    undoAll(*document);
+    document->recovery.write();
+    EXPECT_THAT(kept(), IsEmpty());
+}
+
+TEST_F(RecoveredWork, IsExactAndGoesByName) {
     StateBlock odd = sampleBlock({}, 0, {"F\xc3\xbcll \"1\""});
     odd[2] = std::nanf("");
     abandon([&](Document& document) {
-        document.setSettings({{0, {}}, {1, shader(odd, false)}, {3, shader(sampleBlock())}}, "odd");
+        set(document, {{0, {}}, {1, shader(odd, false)}, {3, shader(sampleBlock())}});
     });
     writeScene({"New", "Hair"});
     const auto document = open();
-    document->recover();
-    EXPECT_EQ(document->settings(1), shader(odd, false));
-    EXPECT_EQ(document->settings(2), shader(sampleBlock()));
-    EXPECT_THAT(document->warnings(),
+    EXPECT_THAT(document->recovery.takeOver(),
                 ElementsAre(HasSubstr("was changed"), HasSubstr("\"Glass\"")));
+    EXPECT_EQ(document->settings.at(1), shader(odd, false));
+    EXPECT_EQ(document->settings.at(2), shader(sampleBlock()));
 }
 
-TEST_F(Recovery, ADamagedFileIsRefusedAndKept) {
+TEST_F(RecoveredWork, ThatIsDamagedIsRefusedAndKept) {
     abandon([](Document& document) { edit(document, 0, 0.5); });
-    fs::path file;
-    for (const auto& entry : fs::directory_iterator(recoveryFolder()))
-        file = entry.path();
+    const fs::path file = keptFile();
     const std::string whole = bytesOf(file);
     const auto damage = [&](const std::string& from, const std::string& to) {
         std::string text = whole;
@@ -171,8 +233,9 @@ TEST_F(Recovery, ADamagedFileIsRefusedAndKept) {
         putBytes(file, text);
         const auto document = open();
         const auto before = stateOf(*document);
-        EXPECT_THAT(refusal([&] { document->recover(); }), HasSubstr(".damaged")) << text;
-        EXPECT_FALSE(document->hasRecovery());
+        EXPECT_TRUE(document->recovery.isOffered());
+        EXPECT_THAT(refusal([&] { document->recovery.takeOver(); }), HasSubstr(".damaged")) << text;
+        EXPECT_FALSE(document->recovery.isOffered());
         EXPECT_EQ(stateOf(*document), before);
         EXPECT_EQ(bytesOf(file.string() + ".damaged"), text);
     }

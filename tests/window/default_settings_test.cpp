@@ -12,6 +12,7 @@
 #include <set>
 
 #include "studio/edit/document.h"
+#include "studio/edit/steps.h"
 #include "studio/services/directory_info.h"
 #include "studio/services/messages.h"
 #include "studio/services/registry.h"
@@ -57,16 +58,16 @@ TEST(DefaultSettings, PlayNoPartInLooks) {
     request.plugin = TAVORA_MODULE;
     request.looks = {{"Body", "noir"}};
     Report report{{0, true, {}}};
-    std::set<Settings> worn;
+    std::set<Settings> given;
     for (const char* stored : {"", kFew, kMany}) {
         if (*stored != '\0') store(stored);
         Document document(TEST_SCENE, request, report);
         for (const char* look : {"comic", "noir"})
-            document.wearLook(look, {1});
-        EXPECT_EQ(document.settings(1), document.settings(0)) << "what comic left behind";
-        worn.insert(settingsOf(document.settings(0)->block));
+            document.undo.push(lookStep(document.settings, look, {1}));
+        EXPECT_EQ(document.settings.at(1), document.settings.at(0)) << "what comic left behind";
+        given.insert(settingsOf(document.settings.at(0)->block));
     }
-    EXPECT_EQ(worn.size(), 1U);
+    EXPECT_EQ(given.size(), 1U);
     EXPECT_EQ(newSurface(), styled(kMany)) << "the user's own still start new surfaces";
     setSettingsFolder({});
 }

@@ -13,6 +13,7 @@
 #include <map>
 #include <unistd.h>
 
+#include "studio/edit/steps.h"
 #include "studio/scene/settings/look.h"
 #include "studio/window/look_thumbnails.h"
 #include "studio/window/panel_place.h"
@@ -48,7 +49,7 @@ TEST_F(EditWindowTest, AClickInThePictureSelectsTheSurfaceThere) {
                           placeOf(window(), static_cast<std::ptrdiff_t>(surface)));
         EXPECT_EQ(surfaces().selection(), std::vector<std::size_t>{surface});
     }
-    EXPECT_FALSE(document().isModified());
+    EXPECT_FALSE(document().settings.isModified());
 }
 
 TEST_F(EditWindowTest, ADragTurnsTheViewAndHomeBringsTheSamePictureBack) {
@@ -59,7 +60,7 @@ TEST_F(EditWindowTest, ADragTurnsTheViewAndHomeBringsTheSamePictureBack) {
     EXPECT_NE(picture(), before);
     trigger("resetView");
     EXPECT_EQ(picture(), before);
-    EXPECT_FALSE(document().isModified()) << "the view is nobody's setting";
+    EXPECT_FALSE(document().settings.isModified()) << "the view is nobody's setting";
 }
 
 TEST_F(EditWindowTest, ThePictureFollowsThePanelAndUndoWorksUnderIt) {
@@ -113,11 +114,11 @@ TEST_F(EditWindowTest, ManyEditsAreUndoneToTheByteAndSoByOneCancel) {
     const auto last = state();
     ASSERT_NE(last, first);
     int steps = 0;
-    for (; document().canUndo(); ++steps)
+    for (; document().undo.canUndo(); ++steps)
         QTest::keyClick(&window(), Qt::Key_Z, Qt::ControlModifier);
     EXPECT_GE(steps, 150) << "gestures were joined that are none";
     EXPECT_EQ(state(), first);
-    while (document().canRedo())
+    while (document().undo.canRedo())
         trigger("redo");
     EXPECT_EQ(state(), last);
 
@@ -158,7 +159,7 @@ TEST_F(EditWindowTest, EscEndsADragAndLeavesNothingToUndo) {
     const auto goesOn = [&](QWidget& panel) {
         EXPECT_EQ(state(), first);
         EXPECT_EQ(selectedZone(panel), 1);
-        EXPECT_FALSE(document().canUndo() || document().canRedo());
+        EXPECT_FALSE(document().undo.canUndo() || document().undo.canRedo());
     };
     inPanel({[&](QWidget& panel) {
                  selectZone(panel, 1);
@@ -176,7 +177,7 @@ TEST_F(EditWindowTest, EscEndsADragAndLeavesNothingToUndo) {
                  goesOn(panel);
                  QTest::keyClick(&panel, Qt::Key_Escape);
              }});
-    EXPECT_FALSE(document().canUndo());
+    EXPECT_FALSE(document().undo.canUndo());
 }
 
 TEST_F(EditWindowTest, ThePanelStaysWhereItIs) {
@@ -264,7 +265,7 @@ TEST_F(EditWindowTest, ThumbnailsShowWhatChoosingALookGives) {
     const QImage promised = pictures["noir"];
     EXPECT_NE(promised, pictures["comic"]);
 
-    document().wearLook("noir", {1});
+    document().undo.push(lookStep(document().settings, "noir", {1}));
     window().session()->turn(0, 0);
     pictures.clear();
     thumbnails.renderFor({});
@@ -323,7 +324,7 @@ TEST_F(EditWindowTest, ComesBackWhereItWasInTheColoursChosen) {
     colors().first()->trigger();
 }
 
-TEST_F(EditWindowTest, CopiesAndWearsLooksOnWhatIsSelected) {
+TEST_F(EditWindowTest, CopiesAndAppliesLooksToWhatIsSelected) {
     start();
     surfaces().setCurrentRow(0);
     surfaces().item(0)->setCheckState(Qt::Unchecked);
@@ -342,7 +343,7 @@ TEST_F(EditWindowTest, CopiesAndWearsLooksOnWhatIsSelected) {
     QDropEvent drop({9, 9}, Qt::CopyAction, &dropped, Qt::LeftButton, {});
     QApplication::sendEvent(&window(), &drop);
     EXPECT_TRUE(state()[1].enabled);
-    EXPECT_FALSE(state()[0].enabled) << "only the selected surface wears it";
+    EXPECT_FALSE(state()[0].enabled) << "only the selected surface gets it";
     trigger("undo");
     EXPECT_EQ(state()[1], state()[0]);
 }
@@ -358,21 +359,21 @@ TEST_F(EditWindowTest, AFileThatOthersChangedIsOverwrittenOnlyWhenAsked) {
     change();
     answer(QMessageBox::Cancel);
     trigger("save");
-    EXPECT_TRUE(document().isModified());
+    EXPECT_TRUE(document().settings.isModified());
     EXPECT_EQ(asDefault_, QMessageBox::Save) << "which asks for another name";
     answer(QMessageBox::Discard);
     trigger("save");
-    EXPECT_FALSE(document().isModified());
+    EXPECT_FALSE(document().settings.isModified());
     EXPECT_THAT(window().statusBar()->currentMessage().toStdString(), EndsWith("scene.gltf"));
 
     change();
     answer(QMessageBox::Reset);
     trigger("save");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !document().isModified(); }));
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !document().settings.isModified(); }));
     EXPECT_TRUE(surfaces().item(0)->checkState() == Qt::Checked) << "as the file has it";
     surfaces().item(0)->setCheckState(Qt::Unchecked);
     trigger("save");
-    EXPECT_FALSE(document().isModified()) << "nothing is asked any more";
+    EXPECT_FALSE(document().settings.isModified()) << "nothing is asked any more";
 }
 
 TEST_F(EditWindowTest, AFileThatMayNotBeWrittenCanBeSavedElsewhere) {
@@ -388,7 +389,7 @@ TEST_F(EditWindowTest, AFileThatMayNotBeWrittenCanBeSavedElsewhere) {
     trigger("save");
     ASSERT_TRUE(!root || ::seteuid(0) == 0);
     EXPECT_EQ(asDefault_, QMessageBox::Save);
-    EXPECT_TRUE(document().isModified());
+    EXPECT_TRUE(document().settings.isModified());
 }
 
 TEST_F(EditWindowTest, UnsavedWorkIsNeverLostUnasked) {
@@ -396,18 +397,18 @@ TEST_F(EditWindowTest, UnsavedWorkIsNeverLostUnasked) {
     surfaces().item(1)->setCheckState(Qt::Unchecked);
     answer(QMessageBox::Cancel);
     EXPECT_FALSE(window().close());
-    EXPECT_TRUE(document().isModified());
+    EXPECT_TRUE(document().settings.isModified());
 
     // The file vanishes with its folder: a dialog, and the work stays.
     const auto elsewhere = folder_ / "gone";
     std::filesystem::create_directory(elsewhere);
     trigger("save");
-    EXPECT_FALSE(document().isModified());
+    EXPECT_FALSE(document().settings.isModified());
     std::filesystem::remove(scene_);
     surfaces().item(1)->setCheckState(Qt::Checked);
     answer(QMessageBox::Ok);
     trigger("save");
-    EXPECT_TRUE(document().isModified());
+    EXPECT_TRUE(document().settings.isModified());
     answer(QMessageBox::Discard);
     EXPECT_TRUE(window().close());
 }
@@ -422,11 +423,11 @@ TEST_F(EditWindowTest, AKilledSessionsWorkIsOfferedAtTheNextStart) {
     answer(QMessageBox::Cancel);
     start();
     EXPECT_TRUE(QTest::qWaitFor(answered()));
-    EXPECT_FALSE(document().isModified());
+    EXPECT_FALSE(document().settings.isModified());
     ASSERT_TRUE(window().close());
     answer(QMessageBox::Yes);
     start();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return document().isModified(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return document().settings.isModified(); }));
     EXPECT_EQ(state(), work);
     trigger("save");
     kill();

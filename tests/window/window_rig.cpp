@@ -50,8 +50,8 @@ void WindowTest::start() {
 
 SurfaceShaders WindowTest::state() {
     SurfaceShaders all;
-    for (const std::size_t surface : document().surfaces())
-        all.push_back(document().settings(surface));
+    for (const std::size_t surface : document().settings.surfaces())
+        all.push_back(document().settings.at(surface));
     return all;
 }
 

@@ -1,4 +1,4 @@
-#include "studio/edit/recovery_text.h"
+#include "studio/edit/unsaved_work.h"
 
 #include <ctime>
 #include <fmt/chrono.h>

@@ -1,17 +1,18 @@
 #pragma once
 
+#include <cstdint>
 #include <filesystem>
+#include <optional>
 #include <string>
 #include <string_view>
 #include <utility>
 #include <vector>
 
-#include "studio/edit/file_stamp.h"
 #include "studio/scene/surface_shader.h"
 
 namespace tavora::studio {
 
-/// Unsaved work on a scene.
+/// Unsaved work on a scene, as it lies in a recovery file.
 struct UnsavedWork {
     std::filesystem::path scene;  ///< absolute
     std::uintmax_t sceneSize = 0;

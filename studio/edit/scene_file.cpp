@@ -1,0 +1,145 @@
+#include "studio/edit/scene_file.h"
+
+#include <algorithm>
+#include <fmt/format.h>
+#include <map>
+#include <optional>
+#include <system_error>
+
+#include "studio/files/whole_file.h"
+#include "studio/scene/gltf/reader.h"
+#include "studio/scene/gltf/settings_writer.h"
+#include "studio/util/error.h"
+#include "studio/util/hash.h"
+
+namespace tavora::studio {
+namespace fs = std::filesystem;
+namespace {
+
+constexpr std::size_t kMostBytes = std::size_t{1} << 32;
+
+[[noreturn]] void refuse(const fs::path& file, const std::error_code& error) {
+    throw Error(Fault::Scene,
+                fmt::format("{}: cannot be read: {}; put it back or open another scene",
+                            file.string(), error.message()));
+}
+
+std::uint64_t contentHash(const fs::path& file) {
+    try {
+        return hashOf(readWholeFile(file, kMostBytes));
+    } catch (const std::system_error& error) {
+        refuse(file, error.code());
+    }
+}
+
+FileStamp quickStamp(const fs::path& file) {
+    std::error_code error;
+    FileStamp stamp;
+    stamp.size = fs::file_size(file, error);
+    if (!error) stamp.written = fs::last_write_time(file, error);
+    if (error) refuse(file, error);
+    return stamp;
+}
+
+FileStamp stampOf(const fs::path& file) {
+    FileStamp stamp = quickStamp(file);
+    stamp.hash = contentHash(file);
+    return stamp;
+}
+
+/// The bytes are read only when size or time differ.
+bool isUnchanged(const fs::path& file, const FileStamp& stamp) {
+    const FileStamp now = quickStamp(file);
+    if (now.size != stamp.size) return false;
+    return now.written == stamp.written || contentHash(file) == stamp.hash;
+}
+
+/// What goes into a scene file, and what cannot.
+struct SavePlan {
+    std::map<int, SurfaceShader> shaders;  ///< by material
+    std::vector<std::size_t> kept;         ///< surfaces that the file holds as they are then
+    std::vector<std::string> warnings;
+};
+
+/// The material of a surface in the file as it stands now; -1: none.
+int materialNamed(const Scene& changed, const Surface& surface) {
+    if (surface.materialIndex < 0) return -1;
+    const auto found = std::find_if(changed.surfaces.begin(), changed.surfaces.end(),
+                                    [&](const Surface& one) { return one.name == surface.name; });
+    return found == changed.surfaces.end() ? -1 : found->materialIndex;
+}
+
+/// A file keeps no surface without shader where it had one: that is turned off there.
+SurfaceShader stored(const std::optional<SurfaceShader>& now,
+                     const std::optional<SurfaceShader>& saved) {
+    if (now) return *now;
+    SurfaceShader off = *saved;
+    off.enabled = false;
+    return off;
+}
+
+/// What must be stored in the file so that it holds the settings: the differences
+/// where it is as it was read, all settings where another program changed it.
+SavePlan planSave(const SceneSettings& settings, const std::optional<Scene>& changed) {
+    const Scene& scene = settings.scene();
+    SavePlan plan;
+    for (std::size_t i = 0; i < scene.surfaces.size(); ++i) {
+        const Surface& surface = scene.surfaces[i];
+        const std::optional<SurfaceShader>& now = settings.at(i);
+        if (changed ? !now : !settings.isUnsaved(i)) continue;
+        const int material = changed ? materialNamed(*changed, surface) : surface.materialIndex;
+        if (material >= 0) {
+            plan.shaders[material] = stored(now, settings.saved(i));
+            plan.kept.push_back(i);
+        } else {
+            plan.warnings.push_back(fmt::format(
+                "{}: surface \"{}\" has no material in the {}file, so its settings are not "
+                "saved; give it one in your modeller",
+                scene.path, surface.name, changed ? "changed " : ""));
+        }
+    }
+    return plan;
+}
+
+}  // namespace
+
+SceneFile::SceneFile(const fs::path& path) : path_(path), stamp_(stampOf(path)) {}
+
+bool SceneFile::changedOnDisk() const {
+    try {
+        return !isUnchanged(path_, stamp_);
+    } catch (const Error&) {
+        return false;
+    }
+}
+
+std::vector<std::string> SceneFile::save(SceneSettings& settings, bool overwrite) {
+    return write(settings, path_, overwrite);
+}
+
+std::vector<std::string> SceneFile::saveAs(SceneSettings& settings, const fs::path& file) {
+    std::error_code ignored;
+    return write(settings, fs::equivalent(file, path_, ignored) ? path_ : file, true);
+}
+
+std::vector<std::string> SceneFile::write(SceneSettings& settings, const fs::path& file,
+                                          bool overwrite) {
+    std::optional<Scene> changed;
+    if (!isUnchanged(path_, stamp_)) {
+        if (!overwrite) {
+            throw Error(Fault::Scene,
+                        fmt::format("{}: was changed by another program since it was opened, and "
+                                    "is left as it is; save over it or under another name",
+                                    path_.string()));
+        }
+        changed = readGltf(path_);
+    }
+    SavePlan plan = planSave(settings, changed);
+    if (!plan.shaders.empty() || file != path_) writeGltfSettings(path_, file, plan.shaders);
+    path_ = file;
+    stamp_ = stampOf(file);
+    settings.markSaved(plan.kept);
+    return std::move(plan.warnings);
+}
+
+}  // namespace tavora::studio
