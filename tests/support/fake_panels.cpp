@@ -36,6 +36,21 @@ std::vector<std::string> textsOf(const HostControlDescription& description) {
     return result;
 }
 
+std::string textOf(const HostValue& value) {
+    const auto& vector = value.of.vector;
+    switch (value.type) {
+        case HOST_VALUE_INTEGER:
+            return std::to_string(value.of.integer);
+        case HOST_VALUE_FLOAT:
+            return std::to_string(value.of.number);
+        case HOST_VALUE_INTEGER_VECTOR:
+            return std::to_string(vector[0]) + "/" + std::to_string(vector[1]) + "/" +
+                   std::to_string(vector[2]);
+        default:
+            return "";
+    }
+}
+
 std::deque<FakeControl> aboutControls;
 
 HostControlId addControl(HostPanelId panel, const char* controlClass,
@@ -183,6 +198,13 @@ FakeControl& FakePanels::at(int slot) {
     return controlOf(control[slot]);
 }
 
+std::vector<std::string> FakePanels::shown() {
+    std::vector<std::string> values(controlSlots);
+    for (std::size_t slot = 0; slot < values.size(); ++slot)
+        if (control[slot] != nullptr) values[slot] = textOf(controlOf(control[slot]).value);
+    return values;
+}
+
 void FakePanels::setInteger(int slot, int value) {
     at(slot).value.type = HOST_VALUE_INTEGER;
     at(slot).value.of.integer = value;
@@ -192,12 +214,6 @@ void FakePanels::setInteger(int slot, int value) {
 void FakePanels::setPercent(int slot, double value) {
     at(slot).value.of.number = value;
     press(slot);
-}
-
-void FakePanels::setColor(int slot, int red, int green, int blue) {
-    int channels[3] = {red, green, blue};
-    std::copy(std::begin(channels), std::end(channels), at(slot).value.of.vector);
-    if (at(slot).event != nullptr) press(slot);
 }
 
 void FakePanels::dragTo(int slot, int coordinate, int counter) {

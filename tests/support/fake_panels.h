@@ -59,10 +59,11 @@ class FakePanels {
     int pixels = 0;
 
     FakeControl& at(int slot);
+    /// What every control shows, by slot: empty where nothing ever was.
+    std::vector<std::string> shown();
     /// The user's gestures: set the value, then the control's event.
     void setInteger(int slot, int value);
     void setPercent(int slot, double value);
-    void setColor(int slot, int red, int green, int blue);
     void dragTo(int slot, int coordinate, int counter);
     void clickAt(int slot, int mouseX);
     void press(int slot);

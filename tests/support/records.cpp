@@ -44,6 +44,14 @@ int readText(void* data, char* buffer, int capacity) {
     return 1;
 }
 
+template <class Next>
+void fill(void* start, std::size_t size, Next next) {
+    for (std::size_t at = 0; at < size; at += sizeof(std::uint32_t)) {
+        const std::uint32_t bits = next();
+        std::memcpy(static_cast<char*>(start) + at, &bits, sizeof bits);
+    }
+}
+
 }  // namespace
 
 std::string item(std::int32_t value) {
@@ -142,10 +150,14 @@ std::vector<Zone> anyZones(int count, std::mt19937& random) {
 }
 
 void scramble(void* start, std::size_t size, std::mt19937& random) {
-    for (std::size_t at = 0; at < size; at += sizeof(std::uint32_t)) {
-        const auto bits = static_cast<std::uint32_t>(random());
-        std::memcpy(static_cast<char*>(start) + at, &bits, sizeof bits);
-    }
+    fill(start, size, [&] { return static_cast<std::uint32_t>(random()); });
+}
+
+void makeDistinct(ShaderInstance& record) {
+    float value = 0.0f;
+    const auto next = [&] { return std::bit_cast<std::uint32_t>(value += 1.0f); };
+    fill(&record.highlightOutlineEnable, settingsSize, next);
+    fill(record.selectedZone, zoneSize, next);
 }
 
 }  // namespace tavora::testing

@@ -62,6 +62,9 @@ std::string bytesOf(const Value& value) {
 
 /// Overwrites `size` bytes with values of any bits, not-a-numbers included.
 void scramble(void* start, std::size_t size, std::mt19937& random);
+/// Gives every stored setting, and those of the selected zone, whole numbers of
+/// their own. Integers hold the bits of such a float.
+void makeDistinct(ShaderInstance& record);
 
 /// The stored settings in a record are 32-bit values without gaps from
 /// highlightOutlineEnable on; in a zone they are all but the links.
