@@ -1,10 +1,12 @@
 #include "zones/editor/gradient_editor.h"
 
-#include <cmath>
+#include <algorithm>
 #include <gtest/gtest.h>
+#include <limits>
 
 #include "panel/controls/controls.h"
 #include "tests/support/open_panel.h"
+#include "zones/editor/gradient_painter.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {
@@ -73,13 +75,13 @@ TEST_F(GradientEditor, AddsBlendsSelectsAndDeletesUnderTheMouse) {
 }
 
 TEST_F(GradientEditor, SlidersShowAndEditTheSelectedZone) {
+    const std::pair<int, float Zone::*> sliders[] = {
+        {slot::opacity, &Zone::opacity},
+        {slot::bright, &Zone::bright},
+        {slot::sat, &Zone::sat},
+        {slot::trans, &Zone::trans},
+        {slot::accountLightOpac, &Zone::accountLightOpac}};
     whileOpen([&] {
-        const std::pair<int, float Zone::*> sliders[] = {
-            {slot::opacity, &Zone::opacity},
-            {slot::bright, &Zone::bright},
-            {slot::sat, &Zone::sat},
-            {slot::trans, &Zone::trans},
-            {slot::accountLightOpac, &Zone::accountLightOpac}};
         Zone& zone = *record->zoneList->next;
         float fraction = 0.3f;
         for (const auto& [slot, field] : sliders)
@@ -89,27 +91,21 @@ TEST_F(GradientEditor, SlidersShowAndEditTheSelectedZone) {
         EXPECT_EQ(panels.at(slot::accountLights).value.of.integer, 1);
         EXPECT_EQ(panels.at(slot::accountLume).value.of.integer, 1);
         EXPECT_EQ(panels.at(slot::accountLightOpac).mode, HOST_DRAW_NORMAL);
-        double percent = 40;
         for (const auto& [slot, field] : sliders) {
             EXPECT_EQ(shownNumber(slot), static_cast<double>(zone.*field * 100.0f)) << slot;
             panels.pixels = 0;
             panels.marks.clear();
-            panels.setPercent(slot, ++percent);
-            EXPECT_EQ(zone.*field, static_cast<float>(percent) / 100.0f);
+            panels.setPercent(slot, slot);
+            EXPECT_EQ(zone.*field, static_cast<float>(slot) / 100.0f);
             EXPECT_TRUE(panels.pixels == 389 * 20 && panels.marks.empty()) << "the strip only";
         }
         EXPECT_EQ(host.updates.size(), 1 + std::size(sliders));
         click(edit, 10);
         EXPECT_EQ(panels.at(slot::accountLightOpac).mode, HOST_DRAW_GHOST);
-    });
-}
-
-TEST_F(GradientEditor, MarkerClicksCountOnTheFirstTabOnly) {
-    whileOpen([&] {
         panels.setInteger(slot::tabs, 1);
         panels.log.clear();
         click(add, 200);
-        EXPECT_EQ(zonesOf(*record).size(), 5u);
+        EXPECT_EQ(zonesOf(*record).size(), 5u) << "the markers are the first tab's";
         EXPECT_TRUE(host.updates.empty() && panels.log.empty() && panels.marks.empty());
     });
 }
@@ -181,49 +177,106 @@ TEST_F(GradientEditor, SpreadSpacesOrdinaryZonesAndCentresBlends) {
     });
 }
 
-/// Drag counters that no test has used: the buttons remember the last one.
-int nextCounter() {
-    static int counter = 0;
-    return counter += 1000;
-}
-
 TEST_F(GradientEditor, DragsMoveInnerZonesByWholeSteps) {
+    const struct {
+        int slot;
+        double (*moved)(double position, int steps);
+    } buttons[] = {{slot::shift, [](double x, int steps) { return x + steps / 1000.0; }},
+                   {slot::scale, [](double x, int steps) { return x + x * steps / 500.0; }}};
     whileOpen([&] {
-        const int start = nextCounter();
-        panels.dragTo(slot::shift, 40, start);       // whatever went before
-        panels.dragTo(slot::shift, 500, start - 1);  // a counter that fell: a new drag
-        const std::vector<float> before = {0.0f, 0.25f, 0.5f, 0.999f, 1.0f};
-        arrange({{0.0f, 0}, {0.25f, 0}, {0.5f, 0}, {0.999f, 0}, {1.0f, 0}});
-        host.updates.clear();
-        panels.pixels = 0;
-        // The drag began where its coordinate and counter were equally far on.
-        const int origin = 500 - (start - 1);
-        const int applied = 500 - origin;
-        panels.dragTo(slot::shift, origin + applied + 1, start);
-        EXPECT_EQ(positions(), before) << "half a step";
-        EXPECT_TRUE(host.updates.empty() && panels.pixels == 0);
-        panels.dragTo(slot::shift, origin + applied + 11, start + 1);
-        EXPECT_EQ(positions(),
-                  (std::vector<float>{0.0f, static_cast<float>(0.25 + 5 / 1000.0),
-                                      static_cast<float>(0.5 + 5 / 1000.0), 1.0f, 1.0f}))
-            << "five steps, and no further than the end";
-        EXPECT_EQ(host.updates.size(), 1u);
+        for (const auto& button : buttons) {
+            std::vector<float> expected = {0.0f, 0.25f, 0.5f, 0.999f, 0.9995f};
+            const auto drag = [&](int coordinate, int counter, int steps) {
+                panels.dragTo(button.slot, coordinate, counter);
+                for (std::size_t i = 1; i + 1 < expected.size(); ++i)
+                    expected[i] = std::clamp(static_cast<float>(button.moved(expected[i], steps)),
+                                             0.0f, 1.0f);
+                EXPECT_EQ(positions(), expected) << button.slot << " by " << steps;
+            };
+            panels.dragTo(button.slot, 0, std::numeric_limits<int>::max());
+            arrange({{0.0f, 0}, {0.25f, 0}, {0.5f, 0}, {0.999f, 0}, {0.9995f, 0}});
+            // A counter that falls starts a drag, where both numbers were equally far on.
+            drag(500, 6, 3);
+            host.updates.clear();
+            panels.pixels = 0;
+            drag(501, 7, 0);  // half a step
+            EXPECT_TRUE(host.updates.empty() && panels.pixels == 0);
+            drag(511, 8, 5);
+            EXPECT_EQ(host.updates.size(), 1u);
+            drag(-3000, 9, -1755);
+        }
+        arrange({{0.0f, 0}, {0.5f, 0}, {1.0f, 0}});
+        panels.dragTo(slot::shift, -2998, 10);
+        EXPECT_EQ(positions()[1], 0.501f) << "each button goes on from its own last step";
     });
 }
 
-TEST_F(GradientEditor, ScaleMultipliesAndKeepsItsOwnMemory) {
+class GradientPainter : public GradientEditor {
+  protected:
+    void paint() {
+        panels.marks.clear();
+        panels.pixels = 0;
+        drawGradient(record.get());
+        drawGradCon(record.get());
+    }
+    FakePixel pixel(int column, int row) {
+        return panels.strip.at(static_cast<std::size_t>(column + 139))
+            .at(static_cast<std::size_t>(row + 9));
+    }
+    /// The strip of two zones: this one over the whole length, and the end.
+    FakePixel onlyZone(const Zone& zone, int column, int row) {
+        replaceZones(*record, {zone, greyZone(1.0f, 0.0f)});
+        paint();
+        return pixel(column, row);
+    }
+};
+
+TEST_F(GradientPainter, ShowsEachBandUpToItsLastColumn) {
     whileOpen([&] {
-        const int start = nextCounter();
-        panels.dragTo(slot::scale, 0, start);
-        panels.dragTo(slot::scale, 0, 1);  // a new drag from -1
-        arrange({{0.0f, 0}, {0.5f, 0}, {1.0f, 0}});
-        const int applied = 1;
-        panels.dragTo(slot::shift, 0, start + 1);
-        arrange({{0.0f, 0}, {0.5f, 0}, {1.0f, 0}});
-        panels.dragTo(slot::scale, -1 + applied + 20, 2);
-        EXPECT_EQ(positions()[1], static_cast<float>(0.5 + 0.5 * 10 / 500.0));
-        panels.dragTo(slot::scale, -1 + applied + 20 - 2000, 3);
-        EXPECT_EQ(positions()[1], 0.0f);
+        paint();
+        EXPECT_EQ(panels.pixels, 389 * 20);
+        const FakePixel black{0, 0, 0}, blue{0, 0, 255}, red{255, 0, 0}, untouched{-1, -1, -1};
+        const std::pair<int, FakePixel> columns[] = {{0, untouched}, {1, black}, {97, black},
+                                                     {98, blue},     {389, red}, {390, untouched}};
+        for (const auto& [column, color] : columns) {
+            EXPECT_EQ(pixel(column, 0), color) << column;
+            EXPECT_EQ(pixel(column, 19), color) << column;
+        }
+    });
+}
+
+TEST_F(GradientPainter, LetsTheBoardShowThroughAndAppliesBothFactorsTwice) {
+    whileOpen([&] {
+        const Zone half = zoneOf(0, {1, 0, 0}, 0.5f, 1, 1);
+        const FakePixel light{255, 127, 127}, dark{127, 0, 0};
+        EXPECT_EQ(onlyZone(half, 5, 4), light);
+        EXPECT_EQ(pixel(6, 4), dark);
+        EXPECT_EQ(pixel(5, 5), dark);
+        EXPECT_EQ(pixel(6, 5), light);
+        const auto colored = [&](Vec color, float bright, float sat) {
+            return onlyZone(zoneOf(0, color, 1, bright, sat), 10, 3);
+        };
+        EXPECT_EQ(colored({0, 0.6, 0.9}, 1, 0), (FakePixel{127, 127, 127}));
+        EXPECT_EQ(colored({0, 0.5, 1}, 1, 0.5f), (FakePixel{95, 127, 159}));
+        EXPECT_EQ(colored({0, 1, 0}, 0.5f, 1), (FakePixel{0, 63, 0}));
+        EXPECT_EQ(colored({0, 1, 0}, 2, 1), (FakePixel{0, 1020, 0})) << "nothing is clamped";
+    });
+}
+
+TEST_F(GradientPainter, MarksZonesByKindAndTheSelectedOne) {
+    whileOpen([&] {
+        addZone(record.get(), 0.6, 1);
+        moveZone(record.get(), 0.5);
+        panels.log.clear();
+        paint();
+        EXPECT_EQ(panels.marks,
+                  (Names{"| 139 33 255", "| 236 33 255", "| 334 33 255", "^ 332 33 255",
+                         "' 373 33 255", "| 431 33 255", "  527 33 255"}));
+        EXPECT_EQ(panels.log, Names{"draw 52 1"});
+        EXPECT_EQ(record->zoneCursor, record->zoneList);
+        redraw(panelID, record.get());
+        EXPECT_EQ(panels.borders,
+                  (Names{"0 135 185 400 0 ", "0 135 267 400 0 ", "0 135 93 400 227 "}));
     });
 }
 
