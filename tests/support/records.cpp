@@ -7,6 +7,7 @@
 
 #include "persist/state_block.h"
 #include "plugin/instance_creation.h"
+#include "plugin/record/list_builder.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {
@@ -101,10 +102,10 @@ std::vector<Zone> zonesOf(const ShaderInstance& record) {
 }
 
 void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones) {
-    ZoneListBuilder builder;
+    ListBuilder<Zone> builder;
     for (const Zone& zone : zones)
         builder.append(zone);
-    freeZones(record.zoneList);
+    freeList(record.zoneList);
     record.zoneList = record.zoneCursor = record.selectedZone = builder.take();
 }
 
@@ -133,10 +134,10 @@ Names lightsOf(const ShaderInstance& record) {
 }
 
 void chooseLights(ShaderInstance& record, const Names& names) {
-    LightListBuilder builder;
+    ListBuilder<LightEntry> builder;
     for (const std::string& name : names)
-        builder.append(name.c_str());
-    freeLights(record.lightList);
+        builder.append(lightNamed(name.c_str()));
+    freeList(record.lightList);
     record.lightList = builder.take();
 }
 
