@@ -6,7 +6,7 @@
 #include "panel/controls/controls.h"
 #include "panel/default_settings_event.h"
 #include "plugin/record/services.h"
-#include "tests/support/open_panel.h"
+#include "tests/support/fake_panels.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {

@@ -88,7 +88,7 @@ TEST_F(StateBlock, IsRefusedWholeWhenCutOrWithoutMemory) {
     record->transparencyUsed = 1;
     host.errors.reserve(1);
     const std::string before = bytesOf(*record);
-    const long live = liveAllocations();
+    const long live = liveAllocations;
     for (std::size_t length = 0; length < block.size(); ++length) {
         load(record.get(), block, length);
         expectRefused(before, "damaged");
@@ -100,7 +100,7 @@ TEST_F(StateBlock, IsRefusedWholeWhenCutOrWithoutMemory) {
         }
         expectRefused(before, "memory");
     }
-    EXPECT_EQ(liveAllocations(), live);
+    EXPECT_EQ(liveAllocations, live);
     EXPECT_EQ(lightsOf(*record), Names{"Own"});
     EXPECT_EQ(zonesOf(*record).size(), 5u);
     load(record.get(), block);
@@ -174,7 +174,7 @@ TEST_F(StateBlock, CountsBeyondReasonAreDamageAndNegativeOnesAreNone) {
         few[zoneCount] = item(zones);
         const AllocationWatch watch;
         load(record.get(), few);
-        EXPECT_LT(watch.count(), 100);
+        EXPECT_LT(watch.count, 100);
         expectRefused(before, "damaged");
     }
     loadCounts(-5, INT32_MIN);

@@ -143,13 +143,13 @@ TEST_F(Evaluation, AllocatesNothingButTheHitOfInkOver) {
     record->highlightEnable = record->slopeEnable = record->edgeEnable = 1;
     host.log.reserve(100);
     host.queryTimes.reserve(100);
-    const long live = liveAllocations();
+    const long live = liveAllocations;
     for (const int inkOver : {0, 1}) {
         record->inkoverEnable = inkOver;
         const AllocationWatch watch;
         evaluated();
-        EXPECT_EQ(watch.count(), inkOver);
-        EXPECT_EQ(liveAllocations(), live);
+        EXPECT_EQ(watch.count, inkOver);
+        EXPECT_EQ(liveAllocations, live);
     }
 }
 

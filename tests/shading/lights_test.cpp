@@ -102,20 +102,32 @@ TEST_F(Lights, CountByNameAndByEntryWhenChosen) {
         EXPECT_EQ(colorIllum[0], c.illum);
         EXPECT_EQ(record->lightCursor, nullptr);
     }
+    host.lights[0].name = "Ambient";
+    chooseLights(*record, {"Ambient"});
+    EXPECT_EQ(measure(), 0.375) << "both the ambient light and one of its name";
 }
 
 TEST_F(Lights, AreToldApartByTheirWholeNamesHoweverMany) {
-    for (int i = 0; i < 140; ++i) {
-        host.lights.push_back({.name = (i % 2 == 0 ? "A lamp in hall " : "B lamp in hall ") +
-                                       std::to_string(10 + i / 2),
-                               .arriving = {i / 1024.0, 0, 0}});
-    }
     record->useAllLights = 0;
-    chooseLights(*record, {"B lamp in hall 10", "A lamp in hall 12", "B lamp in hall 79", "A lamp",
-                           "A lamp in hall 12"});
-    measure();
-    EXPECT_EQ(colorIllum[0] * 1024, 1 + 4 + 139 + 4);
-    EXPECT_EQ(host.namesAsked, 128 + 5 * 12) << "once for each light that is remembered";
+    for (const int many : {7, 8, 9, 127, 128, 129, 140}) {
+        host.lights.clear();
+        for (int i = 0; i < many; ++i) {
+            const std::string name = (i % 2 == 0 ? "A lamp in hall " : "B lamp in hall ");
+            host.lights.push_back({name + std::to_string(10 + i / 2), {i / 4096.0, 0, 0}});
+        }
+        const int last = many - 1;
+        chooseLights(*record, {"B lamp in hall 10", "A lamp in hall 12", host.lights.back().name,
+                               "A lamp", "A lamp in hall 12"});
+        host.namesAsked = 0;
+        measure();
+        EXPECT_EQ(colorIllum[0] * 4096, 1 + 4 + last + 4) << many;
+        const int beyond = std::max(0, many - 128);
+        EXPECT_EQ(host.namesAsked, many - beyond + 5 * beyond) << "once for each remembered";
+        record->useAllLights = 1;
+        measure();
+        EXPECT_EQ(colorIllum[0] * 4096, last * many / 2);
+        record->useAllLights = 0;
+    }
 }
 
 TEST_F(Lights, PowerCurveIsARootCappedAtOne) {
@@ -183,6 +195,10 @@ TEST_F(Lights, HighlightAndRingMeetAtTheirBounds) {
     EXPECT_EQ(at(0.875, 1, 1, least, least), black) << "and so does 1 - (size + width)";
     EXPECT_EQ(at(0.875, 1, 1, least, less), surface) << "a sum that single precision rounds up";
     EXPECT_EQ(at(1.0, 1, 1, least, least), surface) << "a full reflection";
+    EXPECT_EQ(at(-0.875, 1, 1, least, least), surface);
+    EXPECT_EQ(at(-0.875, 1, 0, 1.9375f, least), white) << "a disc beyond the horizon";
+    EXPECT_EQ(at(-0.875, 1, 1, least, 1.9375f), black);
+    EXPECT_EQ(at(0.25, 1, 1, 0.875f, -0.25f), white) << "a ring that lies within the disc";
 }
 
 TEST_F(Lights, TheLastHighlightWinsAndStartsFromTheColourAtEntry) {

@@ -15,10 +15,11 @@ namespace {
 
 /// The next value without its kind, or null.
 const char* take(void* data, char kind) {
-    auto& source = *static_cast<BlockSource*>(data);
-    const Block& block = *source.block;
-    const bool fits = source.next < source.end && block[source.next][0] == kind;
-    return fits ? block[source.next++].c_str() + 1 : nullptr;
+    auto& unread = *static_cast<Unread*>(data);
+    if (unread.empty() || unread.front()[0] != kind) return nullptr;
+    const char* value = unread.front().c_str() + 1;
+    unread = unread.subspan(1);
+    return value;
 }
 
 template <class Number>
@@ -69,8 +70,8 @@ HostSaveState savingInto(Block& block) {
             }};
 }
 
-HostLoadState loadingFrom(BlockSource& source) {
-    return {HOST_IO_SCENE, &source, read<std::int32_t, 'i'>, read<float, 'f'>, readText};
+HostLoadState loadingFrom(Unread& unread) {
+    return {HOST_IO_SCENE, &unread, read<std::int32_t, 'i'>, read<float, 'f'>, readText};
 }
 
 Block save(HostInstance instance) {
@@ -81,8 +82,8 @@ Block save(HostInstance instance) {
 }
 
 void load(HostInstance instance, const Block& block, std::size_t length) {
-    BlockSource source{&block, 0, std::min(length, block.size())};
-    const HostLoadState state = loadingFrom(source);
+    Unread unread(block.data(), std::min(length, block.size()));
+    const HostLoadState state = loadingFrom(unread);
     EXPECT_EQ(Load(instance, &state), nullptr);
 }
 
@@ -127,9 +128,8 @@ Zone greyZone(float position, float grey, int blend) {
 
 Names lightsOf(const ShaderInstance& record) {
     Names names;
-    for (const LightEntry* entry = record.lightList; entry != nullptr; entry = entry->next) {
+    for (const LightEntry* entry = record.lightList; entry != nullptr; entry = entry->next)
         names.emplace_back(entry->name);
-    }
     return names;
 }
 

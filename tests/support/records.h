@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -41,15 +42,10 @@ std::string item(std::int32_t value);
 std::string item(float value);
 /// A save-state record that appends to `block`.
 HostSaveState savingInto(Block& block);
-/// A block on its way into a record, up to `end`.
-struct BlockSource {
-    const Block* block = nullptr;
-    std::size_t next = 0;
-    std::size_t end = 0;
-};
-/// A load-state record that reads on in `source`. Another kind of value than
-/// asked for ends the block.
-HostLoadState loadingFrom(BlockSource& source);
+/// A load-state record that takes the values off the front of `unread`. Another
+/// kind of value than asked for ends the block.
+using Unread = std::span<const std::string>;
+HostLoadState loadingFrom(Unread& unread);
 Block save(HostInstance instance);
 /// Lets Load read the first `length` values.
 void load(HostInstance instance, const Block& block, std::size_t length = SIZE_MAX);

@@ -1,11 +1,10 @@
 #include "zones/editor/gradient_editor.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 #include <limits>
 
 #include "panel/controls/controls.h"
-#include "tests/support/open_panel.h"
+#include "tests/support/fake_panels.h"
 #include "zones/editor/gradient_painter.h"
 #include "zones/zone_list.h"
 
@@ -124,7 +123,7 @@ TEST_F(GradientEditor, PicksTheColourOfTheOrdinaryZoneUnderTheMouse) {
         };
         panels.setInteger(slot::tabs, 3);
         panels.clickAt(slot::gradientStrip, 260);  // in the blend zone's band
-        EXPECT_EQ(panels.colorTitles, std::vector<std::string>{"Zone Colour"});
+        EXPECT_EQ(panels.opened.back(), "Zone Colour");
         const Zone& green = *selected->prev;
         EXPECT_EQ(green.color[0], 0.1f);
         EXPECT_EQ(green.color[2], 0.3f);
@@ -219,10 +218,7 @@ class GradientPainter : public GradientEditor {
         drawGradient(record.get());
         drawGradCon(record.get());
     }
-    FakePixel pixel(int column, int row) {
-        return panels.strip.at(static_cast<std::size_t>(column + 139))
-            .at(static_cast<std::size_t>(row + 9));
-    }
+    FakePixel pixel(int column, int row) { return panels.painted.at({column + 139, row + 9}); }
     /// The strip of two zones: this one over the whole length, and the end.
     FakePixel onlyZone(const Zone& zone, int column, int row) {
         replaceZones(*record, {zone, greyZone(1.0f, 0.0f)});
@@ -234,11 +230,10 @@ class GradientPainter : public GradientEditor {
 TEST_F(GradientPainter, ShowsEachBandUpToItsLastColumn) {
     whileOpen([&] {
         paint();
-        EXPECT_EQ(panels.pixels, 389 * 20);
-        const FakePixel black{0, 0, 0}, blue{0, 0, 255}, red{255, 0, 0}, untouched{-1, -1, -1};
-        const std::pair<int, FakePixel> columns[] = {{0, untouched}, {1, black}, {97, black},
-                                                     {98, blue},     {389, red}, {390, untouched}};
-        for (const auto& [column, color] : columns) {
+        EXPECT_TRUE(panels.pixels == 389 * 20 && panels.painted.size() == 389 * 20) << "once each";
+        const FakePixel black{0, 0, 0}, blue{0, 0, 255}, red{255, 0, 0};
+        for (const auto& [column, color] :
+             {std::pair{1, black}, {97, black}, {98, blue}, {389, red}}) {
             EXPECT_EQ(pixel(column, 0), color) << column;
             EXPECT_EQ(pixel(column, 19), color) << column;
         }
@@ -253,6 +248,7 @@ TEST_F(GradientPainter, LetsTheBoardShowThroughAndAppliesBothFactorsTwice) {
         EXPECT_EQ(pixel(6, 4), dark);
         EXPECT_EQ(pixel(5, 5), dark);
         EXPECT_EQ(pixel(6, 5), light);
+        EXPECT_EQ(pixel(1, 19), dark);
         const auto colored = [&](Vec color, float bright, float sat) {
             return onlyZone(zoneOf(0, color, 1, bright, sat), 10, 3);
         };
@@ -276,7 +272,7 @@ TEST_F(GradientPainter, MarksZonesByKindAndTheSelectedOne) {
         EXPECT_EQ(record->zoneCursor, record->zoneList);
         redraw(panelID, record.get());
         EXPECT_EQ(panels.borders,
-                  (Names{"0 135 185 400 0 ", "0 135 267 400 0 ", "0 135 93 400 227 "}));
+                  (Names{"0 135 185 400 0", "0 135 267 400 0", "0 135 93 400 227"}));
     });
 }
 
