@@ -5,21 +5,6 @@
 namespace tavora::testing {
 namespace {
 
-/// Stands for a long text that would only be copied from the tables (FNV-1a).
-std::uint64_t digest(const std::string& text) {
-    std::uint64_t hash = 0xcbf29ce484222325u;
-    for (const char c : text)
-        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
-    return hash;
-}
-
-std::string joined(const Names& parts) {
-    std::string text;
-    for (const std::string& part : parts)
-        text += part + "\n";
-    return text;
-}
-
 using PanelLayout = PanelTest;
 
 TEST_F(PanelLayout, EveryControlIsMadeInItsOrderAndShowsItsOwnSetting) {

@@ -52,47 +52,22 @@ TEST_F(SettingEvents, FractionsAreRoundedBeforeTheyAreDividedAndNotClamped) {
 }
 
 TEST_F(SettingEvents, SwitchesDrawAndGhostTheirGroups) {
-    const struct {
-        int slot, value;
-        const char* drawn;
-    } cases[] = {
-        {slot::highlightMode, 1, "14 1,11 1,4 1,10 1,"},
-        {slot::highlightMode, 2, "14 1,11 1,4 1,10 2,"},
-        {slot::highlightMode, 0, "14 2,11 2,4 0,10 2,"},
-        {slot::outlineEnable, 1, "18 1,19 1,22 1,"},
-        {slot::outlineEnable, 0, "18 2,19 2,22 2,"},
-        {slot::edgeEnable, 1, "30 1,32 1,33 1,"},
-        {slot::edgeEnable, 0, "30 2,32 2,33 2,"},
-        {slot::slopeEnable, 1, "38 1,39 1,40 1,41 1,42 1,44 1,"},
-        {slot::slopeEnable, 0, "38 2,39 2,40 2,41 2,42 2,44 2,"},
-        {slot::inkEnable, 1, "57 1,59 1,63 1,70 1,57 2,58 2,59 2,60 2,"},
-        {slot::inkEnable, 0, "57 2,59 2,63 2,70 2,57 2,58 2,59 2,60 2,"},
-        {slot::inkObject, 0, ""},
-        {slot::useAllLights, 0, "48 1,37 1,36 1,"},
-        {slot::useAllLights, 1, "48 2,37 2,36 2,"},
-        {slot::accountLights, 1, "72 1,"},
-        {slot::accountLights, 0, "72 2,"},
-    };
-    record->inkoverTranslucent = 1;
     whileOpen([&] {
-        for (const auto& one : cases) {
-            panels.log.clear();
-            host.updates.clear();
-            panels.setInteger(one.slot, one.value);
-            std::string drawn;
-            for (const std::string& entry : panels.log)
-                drawn += entry.substr(5) + ",";
-            EXPECT_EQ(drawn, one.drawn) << one.slot << " to " << one.value;
-            EXPECT_TRUE(outdated().empty()) << "taken: " << one.slot;
-            EXPECT_EQ(host.updates.size(), 1u) << one.slot;
+        std::string seen;
+        for (const int translucent : {1, 0}) {
+            record->inkoverTranslucent = translucent;
+            for (const int slot : {slot::highlightMode, slot::outlineEnable, slot::edgeEnable,
+                                   slot::slopeEnable, slot::inkEnable, slot::inkObject,
+                                   slot::useAllLights, slot::accountLights, slot::accountLume}) {
+                for (const int value : {1, 2, 0}) {
+                    panels.setInteger(slot, value);
+                    seen += joined(std::exchange(panels.log, {})) + "\n";
+                    EXPECT_TRUE(outdated().empty()) << "taken: " << slot;
+                }
+            }
         }
-        panels.log.clear();
-        panels.setInteger(slot::accountLume, 1);
-        EXPECT_EQ(record->selectedZone->accountLume, 1);
-        EXPECT_EQ(host.updates.size(), 1u) << "this one says nothing to the host";
-        record->inkoverTranslucent = 0;
-        panels.setInteger(slot::inkEnable, 1);
-        EXPECT_EQ(panels.log.size(), 4u) << "the colours are no longer ghosted at the end";
+        EXPECT_EQ(digest(seen), 14764148590894836382u) << seen;
+        EXPECT_EQ(host.updates.size(), 2u * 8u * 3u) << "the last switch says nothing";
     });
 }
 

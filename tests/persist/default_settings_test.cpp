@@ -1,12 +1,10 @@
 #include "persist/default_settings.h"
 
-#include <gtest/gtest.h>
-
 #include "panel/controls/bindings.h"
-#include "panel/controls/controls.h"
 #include "panel/default_settings_event.h"
 #include "plugin/record/services.h"
 #include "tests/support/fake_panels.h"
+#include "tests/support/heap.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {
@@ -14,23 +12,20 @@ namespace {
 
 class DefaultSettings : public PanelTest {
   protected:
-    void SetUp() override { host.settingsFolder = "/home/settings"; }
-
-    /// Makes a record differ from a new one in all sorts of what a file holds.
-    static void change(ShaderInstance& changed) {
-        addZone(&changed, 0.6, 1);
-        chooseLights(changed, {"Key", "Ambient"});
-        changed.edgeCoverage = 0.35f;
+    /// Has a record that differs from a new one in all sorts of what a file holds.
+    void SetUp() override {
+        host.settingsFolder = "/home/settings";
+        addZone(record.get(), 0.6, 1);
+        chooseLights(*record, {"Key", "Ambient"});
+        record->edgeCoverage = 0.35f;
     }
     const std::string path = "/home/settings:tavo.default";
 };
 
 TEST_F(DefaultSettings, NewRecordsStartFromTheStoredOnes) {
-    const Block builtIn = save(record.get());
-    EXPECT_EQ(save(newRecord().get()), builtIn);
+    const Block builtIn = save(newRecord().get());
+    EXPECT_NE(builtIn, save(record.get()));
     EXPECT_TRUE(host.warnings.empty() && host.errors.empty());
-
-    change(*record);
     EXPECT_EQ(cb_setDefault(nullptr, record.get()), 1);
     host.updates.clear();
     const Record fresh = newRecord();
@@ -41,7 +36,6 @@ TEST_F(DefaultSettings, NewRecordsStartFromTheStoredOnes) {
 }
 
 TEST_F(DefaultSettings, AMissingOrDamagedFileLeavesTheRecord) {
-    change(*record);
     const Block before = save(record.get());
     whileOpen([&] {
         host.files.clear();
@@ -51,12 +45,18 @@ TEST_F(DefaultSettings, AMissingOrDamagedFileLeavesTheRecord) {
         EXPECT_TRUE(host.updates.empty() && host.warnings.empty() && panels.log.empty());
     });
     host.files[path] = before;
+    {
+        const AllocationWatch noMemory(0);
+        EXPECT_EQ(loadDefaultSettings(record.get()), 1);
+    }
     host.files[path].resize(30);
     EXPECT_EQ(zonesOf(*newRecord()).size(), 5u);
     EXPECT_EQ(host.errors,
-              Names{"Tavora: the stored default settings are damaged and were not loaded / "
-                    "Delete \"tavo.default\" in the folder /home/settings, or press "
-                    "\"Set as Default\" in a panel"});
+              (Names{"Tavora: not enough memory to load the stored default settings",
+                     "Tavora: the stored default settings are damaged and were not loaded / "
+                     "Delete \"tavo.default\" in the folder /home/settings, or press "
+                     "\"Set as Default\" in a panel"}));
+    EXPECT_EQ(save(record.get()), before);
 }
 
 TEST_F(DefaultSettings, ClearingShowsAllLoadedValuesButForThree) {
@@ -65,12 +65,12 @@ TEST_F(DefaultSettings, ClearingShowsAllLoadedValuesButForThree) {
     host.files[path] = save(stored.get());
     whileOpen([&] {
         const Names before = panels.shown();
-        panels.log.clear();
         panels.pixels = 0;
         panels.press(slot::clearToDefault);
         EXPECT_EQ(save(record.get()), host.files[path]);
         EXPECT_EQ(panels.log.front(), "draw 35 0") << "laid out anew";
         EXPECT_EQ(panels.pixels, 389 * 20);
+        EXPECT_FALSE(panels.marks.empty());
         EXPECT_EQ(host.updates.size(), 1u);
 
         const Names cleared = panels.shown();

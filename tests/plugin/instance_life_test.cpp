@@ -1,6 +1,5 @@
 #include <bit>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <sstream>
 
 #include "plugin/instance_creation.h"

@@ -1,8 +1,6 @@
 // Ink-over, and what textures get to know of a point.
 
 #include <algorithm>
-#include <gtest/gtest.h>
-#include <limits>
 
 #include "shading/channel_alpha.h"
 #include "shading/ink_over.h"
@@ -12,8 +10,6 @@
 namespace tavora::testing {
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double least = std::numeric_limits<double>::denorm_min();
 const Vec surface = {0.5, 0.25, 1.0}, paint = {0.25, 0.5, 0.75};
 
 struct InkOver : ::testing::Test {

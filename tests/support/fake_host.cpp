@@ -1,7 +1,6 @@
 #include "tests/support/fake_host.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 
 #include "plugin/record/services.h"
 

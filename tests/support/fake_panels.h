@@ -1,7 +1,6 @@
 #pragma once
 
 #include <array>
-#include <gtest/gtest.h>
 
 #include "host/services/color_picker.h"
 #include "host/services/panels.h"

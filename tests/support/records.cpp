@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <gtest/gtest.h>
 
 #include "persist/state_block.h"
 #include "plugin/instance_creation.h"
@@ -55,6 +54,20 @@ void fill(void* start, std::size_t size, Next next) {
 }
 
 }  // namespace
+
+std::uint64_t digest(const std::string& text) {
+    std::uint64_t hash = 0xcbf29ce484222325u;
+    for (const char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+    return hash;
+}
+
+std::string joined(const Names& parts) {
+    std::string text;
+    for (const std::string& part : parts)
+        text += part + "\n";
+    return text;
+}
 
 std::string item(std::int32_t value) {
     return "i" + std::to_string(static_cast<std::uint32_t>(value));
@@ -108,22 +121,6 @@ void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones) {
         builder.append(zone);
     freeList(record.zoneList);
     record.zoneList = record.zoneCursor = record.selectedZone = builder.take();
-}
-
-Zone zoneOf(float position, Vec color, float opacity, float bright, float sat, int blend) {
-    Zone zone;
-    zone.position = position;
-    for (unsigned i = 0; i < 3; ++i)
-        zone.color[i] = static_cast<float>(color[i]);
-    zone.opacity = opacity;
-    zone.bright = bright;
-    zone.sat = sat;
-    zone.blend = blend;
-    return zone;
-}
-
-Zone greyZone(float position, float grey, int blend) {
-    return zoneOf(position, {grey, grey, grey}, 1.0f, 1.0f, 1.0f, blend);
 }
 
 Names lightsOf(const ShaderInstance& record) {

@@ -2,6 +2,8 @@
 
 #include <array>
 #include <cstddef>
+#include <gtest/gtest.h>
+#include <limits>
 #include <memory>
 #include <random>
 #include <span>
@@ -17,11 +19,35 @@ namespace tavora::testing {
 
 using Vec = std::array<double, 3>;
 using Names = std::vector<std::string>;
+inline constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double least = std::numeric_limits<double>::denorm_min();
 
 struct DestroyInstance {
     void operator()(ShaderInstance* record) const { Destroy(record); }
 };
 using Record = std::unique_ptr<ShaderInstance, DestroyInstance>;
+
+/// Two ordinary zones with a blend between them; no two values are the same.
+inline const std::vector<Zone> blendingZones = {{.color = {0.46f, 0.88f, 0.75f},
+                                                 .position = 0.1f,
+                                                 .opacity = 0.42f,
+                                                 .bright = 0.61f,
+                                                 .sat = 0.28f},
+                                                {.color = {0.5f, 0.5f, 0.5f},
+                                                 .position = 0.45f,
+                                                 .opacity = 0.24f,
+                                                 .blend = 1,
+                                                 .bright = 0.2f,
+                                                 .sat = 0.3f},
+                                                {.color = {0.52f, 0.43f, 0.68f},
+                                                 .position = 0.8f,
+                                                 .opacity = 0.11f,
+                                                 .bright = 0.68f,
+                                                 .sat = 0.32f}};
+
+/// Stands for a long text that would only be copied from the code (FNV-1a).
+std::uint64_t digest(const std::string& text);
+std::string joined(const Names& parts);
 
 /// A record as the host gets it.
 Record newRecord(HostSurfaceId context = nullptr);
@@ -29,8 +55,9 @@ Record newRecord(HostSurfaceId context = nullptr);
 /// The record's zones in order, checked to be linked alike in both directions.
 std::vector<Zone> zonesOf(const ShaderInstance& record);
 void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones);
-Zone zoneOf(float position, Vec color, float opacity, float bright, float sat, int blend = 0);
-Zone greyZone(float position, float grey, int blend = 0);
+inline Zone greyZone(float position, float grey, int blend = 0) {
+    return {.color = {grey, grey, grey}, .position = position, .blend = blend};
+}
 
 Names lightsOf(const ShaderInstance& record);
 void chooseLights(ShaderInstance& record, const Names& names);

@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <gtest/gtest.h>
 
 #include "tests/support/heap.h"
 #include "tests/support/records.h"
@@ -36,21 +35,17 @@ TEST(ZoneList, AddsInOrderByTheUnroundedPosition) {
 
 TEST(ZoneList, ANewZoneIsTheMeanOfBothNeighboursOrPlain) {
     const Record record = newRecord();
-    Zone low = zoneOf(0.25f, {0.1, 0.2, 0.4}, 0.5f, 0.25f, 2.0f), high = greyZone(1.0f, 0.7f);
-    high.trans = 0.5f;
-    high.accountLightOpac = 0.0f;
-    low.accountLights = high.accountLume = high.reserved = 1;
+    const Zone low = {{0.1f, 0.2f, 0.4f}, 0.25f, 0.5f, 0, 0.25f, 2.0f, 0.0f, 0, 1, 1.0f};
+    const Zone high = {{0.7f, 0.7f, 0.7f}, 1.0f, 1.0f, 0, 1.0f, 1.0f, 0.5f, 1, 0, 0.0f, 1};
     replaceZones(*record, {low, high});
     ASSERT_EQ(addZone(record.get(), 0.5, 1), 1);
-    Zone expected = zoneOf(0.5f, {}, 0.75f, 0.625f, 1.5f, 1);
+    Zone expected = {{}, 0.5f, 0.75f, 1, 0.625f, 1.5f, 0.25f, 0, 0, 0.5f};
     for (int i = 0; i < 3; ++i)
         expected.color[i] = (low.color[i] + high.color[i]) * 0.5f;
-    expected.trans = 0.25f;
-    expected.accountLightOpac = 0.5f;
     const auto valuesOf = [](const Zone& zone) { return bytesOf(zone).substr(0, zoneSize); };
     EXPECT_EQ(valuesOf(*record->selectedZone), valuesOf(expected));
     ASSERT_EQ(addZone(record.get(), 0.0, 0), 1);
-    EXPECT_EQ(valuesOf(*record->zoneList), valuesOf(zoneOf(0.0f, {0.3, 0.5, 0.7}, 1, 1, 1)));
+    EXPECT_EQ(valuesOf(*record->zoneList), valuesOf({{0.3f, 0.5f, 0.7f}, 0, 1, 0, 1, 1}));
 }
 
 TEST(ZoneList, RefusesWhatWouldBreakTheOrderAndKeepsTheSelection) {
