@@ -7,6 +7,7 @@
 #include "host/handler.h"
 #include "plugin/instance_creation.h"
 #include "plugin/record/instance_life.h"
+#include "plugin/record/list_builder.h"
 #include "plugin/record/services.h"
 #include "plugin/record/shader_instance.h"
 #include "shading/evaluate.h"
@@ -143,8 +144,8 @@ void evaluateAllOverlays(benchmark::State& state) {
     const Record record;
     lightCount = state.range(0);
     record->slopeEnable = record->edgeEnable = record->highlightEnable = 1;
-    LightListBuilder chosen;
-    chosen.append("Key");
+    ListBuilder<LightEntry> chosen;
+    chosen.append(lightNamed("Key"));
     record->lightList = chosen.take();
     shadeSamples(state, record.get(), Evaluate);
 }

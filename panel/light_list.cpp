@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "panel/controls/controls.h"
+#include "plugin/record/list_builder.h"
 #include "plugin/record/notify.h"
 #include "plugin/record/services.h"
 #include "plugin/record/shader_instance.h"
@@ -57,15 +58,14 @@ void toggle(ShaderInstance* instance, const char* name) {
         link = &(*link)->next;
     if (*link != nullptr) {
         delete std::exchange(*link, (*link)->next);
-    } else if (auto* entry = new (std::nothrow) LightEntry{}; entry != nullptr) {
-        copyLightName(name, entry->name);
+    } else if (auto* entry = new (std::nothrow) LightEntry(lightNamed(name)); entry != nullptr) {
         *link = entry;
     }
     instance->lightCursor = instance->lightList;
 }
 
 void replaceLights(ShaderInstance* instance, LightEntry* lights) {
-    freeLights(instance->lightList);
+    freeList(instance->lightList);
     instance->lightList = instance->lightCursor = lights;
     drawControl(slot::lights, HOST_DRAW_REFRESH);
     notifyHost(instance);
@@ -117,12 +117,12 @@ void cb_listboxLights(HostControlId /*control*/, void* userData) {
 
 void cb_allLights(HostControlId /*control*/, void* userData) {
     auto* instance = static_cast<ShaderInstance*>(userData);
-    LightListBuilder lights;
+    ListBuilder<LightEntry> lights;
     const int rows = cb_lightCount(instance);
     for (int row = 1; row < rows; ++row) {
         const char* name = nameOfRow(row);
         // Out of memory: the choice stays as it was.
-        if (name != nullptr && !lights.append(name)) return;
+        if (name != nullptr && !lights.append(lightNamed(name))) return;
     }
     replaceLights(instance, lights.take());
 }

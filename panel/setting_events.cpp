@@ -28,6 +28,15 @@ void drawOrGhost(bool enabled, std::span<const int> slots) {
         drawControl(slot, enabled ? HOST_DRAW_NORMAL : HOST_DRAW_GHOST);
 }
 
+/// Takes a switch, and draws or ghosts what it switches.
+void takeSwitch(void* userData, int slot, std::int32_t ShaderInstance::*on,
+                std::span<const int> switched) {
+    ShaderInstance& record = recordOf(userData);
+    takeSetting(slot, record);
+    drawOrGhost(record.*on != 0, switched);
+    notifyHost(&record);
+}
+
 }  // namespace
 
 void cb_updateLW(HostControlId /*control*/, void* userData) {
@@ -54,28 +63,19 @@ void cb_boolhighlightEnable(HostControlId /*control*/, void* userData) {
 }
 
 void cb_boolhighlightOutlineEnable(HostControlId /*control*/, void* userData) {
-    ShaderInstance& record = recordOf(userData);
-    takeSetting(outlineEnable, record);
     constexpr int outline[] = {outlineSize, outlineOpacity, outlineColor};
-    drawOrGhost(record.highlightOutlineEnable != 0, outline);
-    notifyHost(&record);
+    takeSwitch(userData, outlineEnable, &ShaderInstance::highlightOutlineEnable, outline);
 }
 
 void cb_boolEdgeEnable(HostControlId /*control*/, void* userData) {
-    ShaderInstance& record = recordOf(userData);
-    takeSetting(edgeEnable, record);
     constexpr int edge[] = {edgeColor, edgeCoverage, edgeSharpness};
-    drawOrGhost(record.edgeEnable != 0, edge);
-    notifyHost(&record);
+    takeSwitch(userData, edgeEnable, &ShaderInstance::edgeEnable, edge);
 }
 
 void cb_boolSlopeEnable(HostControlId /*control*/, void* userData) {
-    ShaderInstance& record = recordOf(userData);
-    takeSetting(slopeEnable, record);
     constexpr int slope[] = {slopeTopOpacity,  slopeBottomOpacity, slopeTopColor,
                              slopeBottomColor, slopeCenter,        slopeStyle};
-    drawOrGhost(record.slopeEnable != 0, slope);
-    notifyHost(&record);
+    takeSwitch(userData, slopeEnable, &ShaderInstance::slopeEnable, slope);
 }
 
 void cb_boolinkoverEnable(HostControlId /*control*/, void* userData) {

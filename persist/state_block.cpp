@@ -3,6 +3,7 @@
 #include <iterator>
 
 #include "persist/stored_fields.h"
+#include "plugin/record/list_builder.h"
 #include "plugin/record/services.h"
 #include "plugin/record/zone.h"
 
@@ -126,15 +127,15 @@ class Reader {
     void readLight() {
         char name[150] = {};
         expect(state_.readString(state_.data, name, sizeof name) == 1);
-        if (ok()) expect(lights_.append(name), LoadOutcome::outOfMemory);
+        if (ok()) expect(lights_.append(lightNamed(name)), LoadOutcome::outOfMemory);
     }
 
     const HostLoadState& state_;
     std::int32_t version_ = 0;
     LoadOutcome outcome_ = LoadOutcome::complete;
     bool sawTransparency_ = false;
-    ZoneListBuilder zones_;
-    LightListBuilder lights_;
+    ListBuilder<Zone> zones_;
+    ListBuilder<LightEntry> lights_;
 };
 
 void reportRefusal(LoadOutcome outcome) {
@@ -162,8 +163,8 @@ LoadOutcome loadBlock(ShaderInstance& record, const HostLoadState& state) {
     visitFields(loaded, reader);
     if (reader.outcome() != LoadOutcome::complete) return reader.outcome();
 
-    freeZones(record.zoneList);
-    freeLights(record.lightList);
+    freeList(record.zoneList);
+    freeList(record.lightList);
     loaded.zoneList = loaded.zoneCursor = loaded.selectedZone = reader.takeZones();
     loaded.lightList = loaded.lightCursor = reader.takeLights();
     loaded.transparencyUsed = reader.sawTransparency() ? 1 : 0;

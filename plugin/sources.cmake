@@ -7,5 +7,4 @@ target_sources(tavora_module PRIVATE
   ${CMAKE_SOURCE_DIR}/plugin/record/instance_life.cpp
   ${CMAKE_SOURCE_DIR}/plugin/record/light_entry.cpp
   ${CMAKE_SOURCE_DIR}/plugin/record/services.cpp
-  ${CMAKE_SOURCE_DIR}/plugin/record/zone.cpp
 )

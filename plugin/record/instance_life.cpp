@@ -4,6 +4,7 @@
 #include <iterator>
 #include <new>
 
+#include "plugin/record/list_builder.h"
 #include "plugin/record/shader_instance.h"
 #include "plugin/record/zone.h"
 
@@ -21,7 +22,7 @@ constexpr DefaultZone defaultZones[] = {
     {0.75f, {1.0f, 0.0f, 0.0f}}, {1.0f, {1.0f, 1.0f, 1.0f}},
 };
 
-bool appendDefaultZones(ZoneListBuilder& zones) {
+bool appendDefaultZones(ListBuilder<Zone>& zones) {
     for (const DefaultZone& preset : defaultZones) {
         Zone zone;
         zone.position = preset.position;
@@ -31,7 +32,7 @@ bool appendDefaultZones(ZoneListBuilder& zones) {
     return true;
 }
 
-bool copyZones(ShaderInstance& from, ZoneListBuilder& copies) {
+bool copyZones(ShaderInstance& from, ListBuilder<Zone>& copies) {
     for (from.zoneCursor = from.zoneList; from.zoneCursor != nullptr;
          from.zoneCursor = from.zoneCursor->next) {
         if (!copies.append(*from.zoneCursor)) return false;
@@ -39,10 +40,10 @@ bool copyZones(ShaderInstance& from, ZoneListBuilder& copies) {
     return true;
 }
 
-bool copyLights(ShaderInstance& from, LightListBuilder& copies) {
+bool copyLights(ShaderInstance& from, ListBuilder<LightEntry>& copies) {
     for (from.lightCursor = from.lightList; from.lightCursor != nullptr;
          from.lightCursor = from.lightCursor->next) {
-        if (!copies.append(from.lightCursor->name)) return false;
+        if (!copies.append(lightNamed(from.lightCursor->name))) return false;
     }
     return true;
 }
@@ -50,7 +51,7 @@ bool copyLights(ShaderInstance& from, LightListBuilder& copies) {
 }  // namespace
 
 ShaderInstance* createRecord(HostSurfaceId context) {
-    ZoneListBuilder zones;
+    ListBuilder<Zone> zones;
     auto* record = new (std::nothrow) ShaderInstance{};
     if (record == nullptr) return nullptr;
     if (!appendDefaultZones(zones)) {
@@ -65,18 +66,18 @@ ShaderInstance* createRecord(HostSurfaceId context) {
 void Destroy(HostInstance instance) {
     auto* record = static_cast<ShaderInstance*>(instance);
     if (record == nullptr) return;
-    freeLights(record->lightList);
-    freeZones(record->zoneList);
+    freeList(record->lightList);
+    freeList(record->zoneList);
     delete record;
 }
 
 bool copyRecord(ShaderInstance& to, ShaderInstance& from) {
-    ZoneListBuilder zones;
-    LightListBuilder lights;
+    ListBuilder<Zone> zones;
+    ListBuilder<LightEntry> lights;
     if (!copyZones(from, zones) || !copyLights(from, lights)) return false;
 
-    freeZones(to.zoneList);
-    freeLights(to.lightList);
+    freeList(to.zoneList);
+    freeList(to.lightList);
     // Texture channels are those of the target's own surface.
     HostSurfaceId context = to.context;
     to = from;

@@ -1,8 +1,6 @@
 #include "plugin/record/light_entry.h"
 
 #include <cstring>
-#include <new>
-#include <utility>
 
 namespace tavora {
 namespace {
@@ -26,33 +24,16 @@ std::size_t fittingLength(const char* name) {
 
 }  // namespace
 
-LightListBuilder::~LightListBuilder() {
-    freeLights(head_);
-}
-
 void copyLightName(const char* name, char (&room)[lightNameSize]) {
     const std::size_t length = fittingLength(name);
     std::memcpy(room, name, length);
     room[length] = '\0';
 }
 
-bool LightListBuilder::append(const char* name) {
-    auto* entry = new (std::nothrow) LightEntry{};
-    if (entry == nullptr) return false;
-    copyLightName(name, entry->name);
-    (tail_ == nullptr ? head_ : tail_->next) = entry;
-    tail_ = entry;
-    return true;
-}
-
-LightEntry* LightListBuilder::take() {
-    tail_ = nullptr;
-    return std::exchange(head_, nullptr);
-}
-
-void freeLights(LightEntry* head) {
-    while (head != nullptr)
-        delete std::exchange(head, head->next);
+LightEntry lightNamed(const char* name) {
+    LightEntry entry{};
+    copyLightName(name, entry.name);
+    return entry;
 }
 
 }  // namespace tavora

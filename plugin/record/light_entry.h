@@ -17,27 +17,7 @@ struct LightEntry {
 /// a UTF-8 character.
 void copyLightName(const char* name, char (&room)[lightNameSize]);
 
-/// Builds a light list at its tail; frees what nobody took.
-class LightListBuilder {
-  public:
-    LightListBuilder() = default;
-    LightListBuilder(const LightListBuilder&) = delete;
-    LightListBuilder& operator=(const LightListBuilder&) = delete;
-    ~LightListBuilder();
-
-    /// Appends a light, its name cut by copyLightName(). False when memory runs out; the list is
-    /// then as it was.
-    bool append(const char* name);
-
-    /// The list, from now on the caller's to free with freeLights().
-    LightEntry* take();
-
-  private:
-    LightEntry* head_ = nullptr;
-    LightEntry* tail_ = nullptr;
-};
-
-/// Frees a light list from its head; null is an empty list.
-void freeLights(LightEntry* head);
+/// The entry of a light, in no list, its name cut by copyLightName().
+LightEntry lightNamed(const char* name);
 
 }  // namespace tavora

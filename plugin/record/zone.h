@@ -28,27 +28,4 @@ struct Zone {
     Zone* prev = nullptr;            ///< next lower position, null at the first zone
 };
 
-/// Builds a zone list at its tail, in the order given; frees what nobody took.
-class ZoneListBuilder {
-  public:
-    ZoneListBuilder() = default;
-    ZoneListBuilder(const ZoneListBuilder&) = delete;
-    ZoneListBuilder& operator=(const ZoneListBuilder&) = delete;
-    ~ZoneListBuilder();
-
-    /// Appends a copy of `zone`, links made anew. False when memory runs out;
-    /// the list is then as it was.
-    bool append(const Zone& zone);
-
-    /// The list, from now on the caller's to free with freeZones().
-    Zone* take();
-
-  private:
-    Zone* head_ = nullptr;
-    Zone* tail_ = nullptr;
-};
-
-/// Frees a zone list from its head; null is an empty list.
-void freeZones(Zone* head);
-
 }  // namespace tavora

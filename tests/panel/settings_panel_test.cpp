@@ -1,58 +1,55 @@
 #include "panel/settings_panel.h"
 
-#include <cstring>
-#include <gtest/gtest.h>
-
 #include "panel/controls/controls.h"
+#include "panel/setting_events.h"
 #include "plugin/record/services.h"
-#include "tests/support/open_panel.h"
+#include "tests/support/fake_panels.h"
+#include "tests/support/heap.h"
 #include "zones/editor/gradient_painter.h"
 
 namespace tavora::testing {
 namespace {
 
 using SettingsPanel = PanelTest;
-using Lines = Names;
-
-/// Edits of every sort, through the controls.
-void editAll(FakePanels& panels) {
-    panels.setInteger(slot::edgeEnable, 1);
-    panels.at(slot::zoneMode).value.of.integer = 0;
-    panels.clickAt(slot::markerStrip, 150);
-    panels.at(slot::zoneMode).value.of.integer = 3;
-    panels.clickAt(slot::markerStrip, 300);
-    panels.setPercent(slot::opacity, 40);
-    panels.setInteger(slot::lights, 0);
-    panels.setInteger(slot::tabs, 3);
-}
 
 TEST_F(SettingsPanel, OkKeepsAndCancelTakesBackEveryEdit) {
+    const auto edit = [&] {
+        panels.setInteger(slot::edgeEnable, 1);
+        panels.at(slot::zoneMode).value.of.integer = 0;
+        panels.clickAt(slot::markerStrip, 150);
+        panels.at(slot::zoneMode).value.of.integer = 3;
+        panels.clickAt(slot::markerStrip, 300);
+        panels.setPercent(slot::opacity, 40);
+        panels.setInteger(slot::lights, 0);
+        panels.setInteger(slot::tabs, 3);
+    };
     chooseLights(*record, {"Key"});
     const Block before = save(record.get());
-    EXPECT_EQ(whileOpen([&] { editAll(panels); }, false), nullptr);
+    EXPECT_EQ(whileOpen(edit, false), nullptr);
     EXPECT_EQ(save(record.get()), before);
     EXPECT_EQ(record->selectedZone, record->zoneList);
     EXPECT_EQ(record->activeTab, 0);
-    EXPECT_EQ(panels.openMode, HOST_PANEL_BLOCKING | HOST_PANEL_CANCEL);
+    EXPECT_EQ(panels.opened, Names{"Tavora v1.1 3"}) << "blocking, with Cancel";
 
-    whileOpen([&] { editAll(panels); }, true);
-    EXPECT_NE(save(record.get()), before);
-    EXPECT_EQ(lightsOf(*record), (Lines{"Key", "Ambient"}));
+    whileOpen(edit);
+    EXPECT_EQ(zonesOf(*record).size(), 5u);
+    EXPECT_EQ(record->edgeEnable, 1);
+    EXPECT_EQ(lightsOf(*record), (Names{"Key", "Ambient"}));
     whileOpen([&] { EXPECT_EQ(panels.at(slot::edgeCoverage).mode, HOST_DRAW_ERASE); });
     EXPECT_EQ(record->activeTab, 3);
     EXPECT_EQ(panels.at(slot::slopeCenter).mode, HOST_DRAW_GHOST) << "opens on the last tab";
 }
 
-TEST_F(SettingsPanel, StandsInTheMiddleOfTheDisplay) {
-    whileOpen([] {});
-    const std::vector<std::pair<int, int>> expected = {
-        {HOST_PANEL_WIDTH, 450},
-        {HOST_PANEL_HEIGHT, 362},
-        {HOST_PANEL_X, (1919 - 450) / 2},
-        {HOST_PANEL_Y, (301 - 362) / 2},  // towards zero
-    };
-    EXPECT_EQ(panels.attributes, expected);
-    EXPECT_EQ(panels.titles, Lines{"Tavora v1.1"});
+TEST_F(SettingsPanel, ChangesThatMemoryCannotTakeBackAreKept) {
+    for (int failing = 0; failing <= 12; ++failing) {  // a snapshot of record and zones, and back
+        record->edgeCoverage = 0.5f;
+        host.errors.clear();
+        const AllocationWatch watch(failing);
+        whileOpen([&] { panels.setPercent(slot::edgeCoverage, 75); }, false);
+        EXPECT_EQ(record->edgeCoverage, failing <= 10 ? 0.75f : 0.5f) << failing;
+        EXPECT_EQ(host.errors.size(), failing <= 10 ? 1u : 0u);
+        EXPECT_EQ(zonesOf(*record).size(), 5u);
+    }
 }
 
 TEST_F(SettingsPanel, SaysWhatItCouldNotAccess) {
@@ -61,53 +58,64 @@ TEST_F(SettingsPanel, SaysWhatItCouldNotAccess) {
     EXPECT_STREQ(UI_callback(record.get()), "Could not access Panels global!");
     host.missingServices = {"Color Picker"};
     EXPECT_STREQ(UI_callback(record.get()), "Could not access color picker!");
-    host.missingServices.clear();
     panels.panelsCanBeMade = false;
     EXPECT_STREQ(UI_callback(record.get()), "Could not create requester panel!");
     panels.panelsCanBeMade = true;
     host.missingServices = {"RasterServices"};
     EXPECT_EQ(whileOpen([] {}), nullptr);
+    panels.controlsCanBeMade = false;
+    record->activeTab = 3;
+    EXPECT_EQ(whileOpen([&] { cb_updateLW(nullptr, record.get()); }), nullptr);
+    EXPECT_EQ(record->activeTab, 3) << "what has no control stays";
     EXPECT_EQ(save(record.get()), before);
 }
 
 TEST_F(SettingsPanel, WritesAMissingDefaultFileOnce) {
+    whileOpen([] {});
+    EXPECT_TRUE(host.warnings.empty()) << "no folder to write into";
     host.settingsFolder = "/settings";
     record->edgeCoverage = 0.75f;
-    whileOpen([] {});
-    EXPECT_EQ(host.warnings, Lines{"Default settings file not found / Creating default file."});
+    for (int twice = 0; twice < 2; ++twice)
+        whileOpen([] {});
+    EXPECT_EQ(host.warnings, Names{"Default settings file not found / Creating default file."});
     EXPECT_EQ(host.files["/settings:tavo.default"], save(record.get()));
-    whileOpen([] {});
-    EXPECT_EQ(host.warnings.size(), 1u);
     EXPECT_EQ(host.openFiles, 0);
 
     host.missingServices = {"Directory Info"};
     acquireServices(FakeHost::lookup);
     whileOpen([] {});
     EXPECT_EQ(host.warnings.back(), "Settings directory not found / Default settings not loaded!");
+    iteminfo = nullptr;
+    whileOpen([] {});
+    EXPECT_EQ(host.warnings.size(), 2u);
 }
 
-TEST_F(SettingsPanel, AboutOpensAboveIt) {
+TEST_F(SettingsPanel, StandsInTheMiddleOfTheDisplayWithAboutAboveIt) {
     whileOpen([&] {
         const Block before = save(record.get());
         panels.press(slot::about);
-        panels.press(slot::about);
-        EXPECT_EQ(panels.titles, (Lines{"Tavora v1.1", "About", "About"}));
+        EXPECT_EQ(panels.opened, (Names{"Tavora v1.1 3", "About 1"}));
         EXPECT_EQ(panels.livePanels, 1);
-        ASSERT_EQ(panels.aboutTexts.size(), 6u);
-        const char* starts[] = {
-            "17,13: Version 1.10.6       October 2001 / ",
-            "31,59: Programming / Implementation /             ",
-            "8,103: Concept / Interface Design / Documentation /                     "};
+        EXPECT_EQ(panels.log,
+                  (Names{"x -1 17", "y -1 13", "x -1 31", "y -1 59", "x -1 8", "y -1 103"}));
+        const char* starts[] = {"Version 1.10.6       October 2001/",
+                                "Programming / Implementation/            ",
+                                "Concept / Interface Design / Documentation/                    "};
         for (std::size_t i = 0; i < std::size(starts); ++i) {
-            EXPECT_EQ(panels.aboutTexts[i].rfind(starts[i], 0), 0u) << panels.aboutTexts[i];
-            const std::size_t end = std::strlen(starts[i]);
-            EXPECT_NE(panels.aboutTexts[i].substr(end, 1), " ") << panels.aboutTexts[i];
+            const std::string start = std::string("TextControl \"\" 12 0/") + starts[i];
+            const std::string& made = panels.controls.at(66 + i).made;
+            EXPECT_EQ(made.rfind(start, 0), 0u) << made;
+            EXPECT_NE(made.at(start.size()), ' ') << "centred";
         }
         EXPECT_EQ(save(record.get()), before);
         panels.panelsCanBeMade = false;
         panels.press(slot::about);
         panels.panelsCanBeMade = true;
+        panels.controlsCanBeMade = false;
+        panels.press(slot::about);
     });
+    // Width, height, x, y: halves are cut towards zero.
+    EXPECT_EQ(panels.attributes, (Names{"0 450", "1 362", "2 734", "3 -30"}));
 }
 
 TEST_F(SettingsPanel, OpensOnAnyRecord) {
@@ -116,7 +124,6 @@ TEST_F(SettingsPanel, OpensOnAnyRecord) {
         {}, {greyZone(0.5f, nan)}, {greyZone(nan, 1e30f), greyZone(0.2f, -4.0f)}};
     for (const auto& zones : lists) {
         replaceZones(*record, zones);
-        if (zones.empty()) record->selectedZone = nullptr;
         record->highlightColor[0] = nan;
         record->edgeCoverage = std::numeric_limits<float>::infinity();
         record->activeTab = 0;

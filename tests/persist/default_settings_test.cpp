@@ -1,40 +1,31 @@
 #include "persist/default_settings.h"
 
-#include <gtest/gtest.h>
-
-#include "panel/controls/controls.h"
+#include "panel/controls/bindings.h"
 #include "panel/default_settings_event.h"
 #include "plugin/record/services.h"
-#include "tests/support/open_panel.h"
+#include "tests/support/fake_panels.h"
+#include "tests/support/heap.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {
 namespace {
 
-using Lines = Names;
-
 class DefaultSettings : public PanelTest {
   protected:
-    void SetUp() override { host.settingsFolder = "/home/settings"; }
-
-    /// A record that differs from a new one in all that a file holds.
-    static void change(ShaderInstance& changed) {
-        addZone(&changed, 0.6, 1);
-        chooseLights(changed, {"Key", "Ambient"});
-        changed.edgeCoverage = 0.35f;
-        changed.maxTraceDepth = 5;
-        changed.useAllLights = 0;
-        changed.selectedZone = changed.zoneList->next;
+    /// Has a record that differs from a new one in all sorts of what a file holds.
+    void SetUp() override {
+        host.settingsFolder = "/home/settings";
+        addZone(record.get(), 0.6, 1);
+        chooseLights(*record, {"Key", "Ambient"});
+        record->edgeCoverage = 0.35f;
     }
     const std::string path = "/home/settings:tavo.default";
 };
 
 TEST_F(DefaultSettings, NewRecordsStartFromTheStoredOnes) {
-    const Block builtIn = save(record.get());
-    EXPECT_EQ(save(newRecord().get()), builtIn);
+    const Block builtIn = save(newRecord().get());
+    EXPECT_NE(builtIn, save(record.get()));
     EXPECT_TRUE(host.warnings.empty() && host.errors.empty());
-
-    change(*record);
     EXPECT_EQ(cb_setDefault(nullptr, record.get()), 1);
     host.updates.clear();
     const Record fresh = newRecord();
@@ -44,8 +35,7 @@ TEST_F(DefaultSettings, NewRecordsStartFromTheStoredOnes) {
     EXPECT_EQ(host.openFiles, 0);
 }
 
-TEST_F(DefaultSettings, AMissingFileIsNothingToSpeakOf) {
-    change(*record);
+TEST_F(DefaultSettings, AMissingOrDamagedFileLeavesTheRecord) {
     const Block before = save(record.get());
     whileOpen([&] {
         host.files.clear();
@@ -54,76 +44,80 @@ TEST_F(DefaultSettings, AMissingFileIsNothingToSpeakOf) {
         EXPECT_EQ(save(record.get()), before);
         EXPECT_TRUE(host.updates.empty() && host.warnings.empty() && panels.log.empty());
     });
-}
-
-TEST_F(DefaultSettings, ADamagedFileLeavesTheRecordAndSaysSoOnce) {
-    change(*record);
-    host.files[path] = save(record.get());
+    host.files[path] = before;
+    {
+        const AllocationWatch noMemory(0);
+        EXPECT_EQ(loadDefaultSettings(record.get()), 1);
+    }
     host.files[path].resize(30);
-    const Record fresh = newRecord();
-    EXPECT_EQ(zonesOf(*fresh).size(), 5u);
+    EXPECT_EQ(zonesOf(*newRecord()).size(), 5u);
     EXPECT_EQ(host.errors,
-              Lines{"Tavora: the stored default settings are damaged and were not loaded / "
-                    "Delete \"tavo.default\" in the folder /home/settings, or press "
-                    "\"Set as Default\" in a panel"});
+              (Names{"Tavora: not enough memory to load the stored default settings",
+                     "Tavora: the stored default settings are damaged and were not loaded / "
+                     "Delete \"tavo.default\" in the folder /home/settings, or press "
+                     "\"Set as Default\" in a panel"}));
+    EXPECT_EQ(save(record.get()), before);
 }
 
-TEST_F(DefaultSettings, ClearingShowsTheLoadedValuesButForThree) {
+TEST_F(DefaultSettings, ClearingShowsAllLoadedValuesButForThree) {
     const Record stored = newRecord();
-    change(*stored);
-    stored->forceColor = 0.3f;
-    stored->slopeTopColor[1] = 0.5f;
+    makeDistinct(*stored);
     host.files[path] = save(stored.get());
     whileOpen([&] {
-        panels.log.clear();
+        const Names before = panels.shown();
         panels.pixels = 0;
         panels.press(slot::clearToDefault);
         EXPECT_EQ(save(record.get()), host.files[path]);
-        EXPECT_EQ(panels.at(slot::edgeCoverage).value.of.number,
-                  static_cast<double>(0.35f * 100.0f));
-        EXPECT_EQ(panels.at(slot::forceColor).value.of.number, static_cast<double>(0.3f * 100.0f));
-        EXPECT_EQ(panels.at(slot::slopeTopColor).value.of.vector[1], 127);
-        EXPECT_EQ(panels.at(slot::position).value.of.number, 0.0);
-        EXPECT_EQ(panels.at(slot::maxTraceDepth).value.of.integer, 1) << "as before";
-        EXPECT_EQ(panels.at(slot::useAllLights).value.of.integer, 1) << "as before";
         EXPECT_EQ(panels.log.front(), "draw 35 0") << "laid out anew";
         EXPECT_EQ(panels.pixels, 389 * 20);
+        EXPECT_FALSE(panels.marks.empty());
         EXPECT_EQ(host.updates.size(), 1u);
+
+        const Names cleared = panels.shown();
+        int refreshed = 0;
+        for (int slot = 0; slot < controlSlots; ++slot) {
+            showSetting(slot, *record);
+            const bool kept = slot == slot::tabs || slot == slot::maxTraceDepth ||
+                              slot == slot::useAllLights || !hasSetting(slot);
+            const auto& expected = kept ? before : panels.shown();
+            EXPECT_EQ(cleared[std::size_t(slot)], expected[std::size_t(slot)]) << slot;
+            refreshed += cleared[std::size_t(slot)] != before[std::size_t(slot)];
+        }
+        EXPECT_EQ(refreshed, 34);
     });
 }
 
 TEST_F(DefaultSettings, SayWhatIsMissing) {
+    const auto setAndGet = [&] {
+        const int set = cb_setDefault(nullptr, record.get());
+        return std::pair(set, cb_getDefault(nullptr, record.get()));
+    };
     host.filesCanBeWritten = false;
-    EXPECT_EQ(cb_setDefault(nullptr, record.get()), 1);
-    EXPECT_EQ(host.errors, Lines{"Cound not open file for save / Creating file"});
-
-    host.settingsFolder.clear();
-    EXPECT_EQ(cb_setDefault(nullptr, record.get()), 1);
-    EXPECT_EQ(cb_getDefault(nullptr, record.get()), 1);
-    host.settingsFolder = std::string(1011, 'x');  // with name and NUL one too long
+    EXPECT_EQ(setAndGet(), std::pair(1, 0));
+    EXPECT_EQ(host.errors, Names{"Cound not open file for save / Creating file"});
     host.filesCanBeWritten = true;
-    EXPECT_EQ(cb_setDefault(nullptr, record.get()), 1);
-    EXPECT_TRUE(host.files.empty());
+    for (const std::size_t tooLong : {std::size_t{0}, std::size_t{1011}}) {
+        host.settingsFolder = std::string(tooLong, 'x');  // none; with name and NUL one too long
+        EXPECT_EQ(setAndGet(), std::pair(1, 1));
+        EXPECT_TRUE(host.files.empty());
+    }
     host.settingsFolder.pop_back();
-    cb_setDefault(nullptr, record.get());
+    setAndGet();
     EXPECT_EQ(host.files.size(), 1u);
-    EXPECT_EQ(host.errors.size(), 1u);
-    EXPECT_TRUE(host.warnings.empty());
+    EXPECT_TRUE(host.errors.size() == 1 && host.warnings.empty());
 
     host.missingServices = {"Directory Info"};
     acquireServices(FakeHost::lookup);
     host.updates.clear();
-    EXPECT_EQ(cb_setDefault(nullptr, record.get()), 0);
-    EXPECT_EQ(cb_getDefault(nullptr, record.get()), 1);
-    EXPECT_EQ(host.warnings,
-              (Lines{"Settings directory not found / Default settings not saved!",
-                     "Settings directory not found / Default settings not loaded!"}));
+    EXPECT_EQ(setAndGet(), std::pair(0, 1));
+    const Names warnings = {"Settings directory not found / Default settings not saved!",
+                            "Settings directory not found / Default settings not loaded!"};
+    EXPECT_EQ(host.warnings, warnings);
     EXPECT_EQ(host.updates.size(), 1u);
-    host.missingServices = {"Directory Info", "File IO 2"};
+    host.missingServices.insert("File IO 2");
     acquireServices(FakeHost::lookup);
-    EXPECT_EQ(cb_setDefault(nullptr, record.get()), 2);
-    EXPECT_EQ(cb_getDefault(nullptr, record.get()), 2);
-    EXPECT_EQ(host.warnings.size(), 2u);
+    EXPECT_EQ(setAndGet(), std::pair(2, 2));
+    EXPECT_EQ(host.warnings, warnings);
 }
 
 }  // namespace

@@ -1,4 +1,3 @@
-#include <gtest/gtest.h>
 
 #include "host/handler.h"
 #include "host/interface.h"

@@ -1,6 +1,5 @@
 #include <bit>
 #include <cstring>
-#include <gtest/gtest.h>
 #include <sstream>
 
 #include "plugin/instance_creation.h"
@@ -46,9 +45,9 @@ TEST(InstanceLife, CopiesAreIndependent) {
     source->transparencyUsed = 1;
     std::strcpy(source->description, "line");
 
-    const long live = liveAllocations();
+    const long live = liveAllocations;
     EXPECT_EQ(Copy(target.get(), source.get()), nullptr);
-    EXPECT_EQ(liveAllocations(), live + 2) << "one more zone, one more light";
+    EXPECT_EQ(liveAllocations, live + 2) << "one more zone, one more light";
     EXPECT_EQ(target->context, identity<HostSurfaceId>(2));
     EXPECT_TRUE(target->activeTab == 3 && target->transparencyUsed == 1);
     EXPECT_STREQ(target->description, "line");
@@ -67,7 +66,7 @@ TEST(InstanceLife, CopiesAreIndependent) {
 }
 
 TEST(InstanceLife, FreesEverythingAndChangesNothingWithoutMemory) {
-    const long live = liveAllocations();
+    const long live = liveAllocations;
     for (int failing = 0; failing < 6; ++failing) {  // the record and five zones
         HostError error = nullptr;
         const AllocationWatch watch(failing);
@@ -78,16 +77,16 @@ TEST(InstanceLife, FreesEverythingAndChangesNothingWithoutMemory) {
         const Record source = newRecord(), target = newRecord();
         chooseLights(*source, {"Key", "Rim"});
         const std::string before = bytesOf(*target);
-        const long copies = liveAllocations();
+        const long copies = liveAllocations;
         for (int failing = 0; failing < 7; ++failing) {
             const AllocationWatch watch(failing);
             EXPECT_EQ(Copy(target.get(), source.get()), nullptr);
-            EXPECT_EQ(liveAllocations(), copies);
+            EXPECT_EQ(liveAllocations, copies);
         }
         EXPECT_EQ(bytesOf(*target), before);
     }
     Destroy(nullptr);
-    EXPECT_EQ(liveAllocations(), live);
+    EXPECT_EQ(liveAllocations, live);
 }
 
 }  // namespace

@@ -1,8 +1,6 @@
 // Where values are rounded, and which branch a value on a boundary takes.
 
 #include <cmath>
-#include <gtest/gtest.h>
-#include <limits>
 
 #include "shading/evaluate.h"
 #include "shading/overlays.h"
@@ -11,8 +9,6 @@
 
 namespace tavora::testing {
 namespace {
-
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
 
 struct WorkedExample {
     const char* what;
@@ -71,9 +67,7 @@ void set(Number* vector, Vec value) {
 /// The record that the examples change.
 Record exampleRecord() {
     Record record = newRecord(identity<HostSurfaceId>(1));
-    replaceZones(*record, {zoneOf(0.1f, {0.46, 0.88, 0.75}, 0.42f, 0.61f, 0.28f),
-                           zoneOf(0.45f, {0.5, 0.5, 0.5}, 0.24f, 0.2f, 0.3f, 1),
-                           zoneOf(0.8f, {0.52, 0.43, 0.68}, 0.11f, 0.68f, 0.32f)});
+    replaceZones(*record, blendingZones);
     Zone& low = *record->zoneList;
     low.accountLights = low.next->accountLights = 1;
     low.accountLightOpac = 0.35f;
@@ -142,12 +136,11 @@ TEST(Arithmetic, ForceColourRoundsEachResponseToSingle) {
 
 TEST(Arithmetic, OverlaysAtTheirBoundaries) {
     ShaderInstance record;
-    const auto slope = [&](double value, int style, float center) {
+    const auto painted = [&](void (*apply)(const ShaderInstance&, HostSample&), double value) {
         HostSample sample = upwardSample({0.5, 0.5, 0.5});
         sample.worldNormal[1] = 2.0 * value - 1.0;
-        record.slopeStyle = style;
-        record.slopeCenter = center;
-        applySlope(record, sample);
+        sample.cosine = value;
+        apply(record, sample);
         return sample.color[0];
     };
     record.slopeTopOpacity = 1.0f;  // white above; half black below
@@ -162,38 +155,35 @@ TEST(Arithmetic, OverlaysAtTheirBoundaries) {
                   {-0.5, 0, 0.5f, 0.25},  // a normal longer than 1
                   {1.0, 0, 1.0f, 1.0},    // no division at the centre
                   {0.0, 0, 0.0f, mean}};
-    for (const auto& c : slopes)
-        EXPECT_EQ(slope(c.slope, c.style, c.center), c.color) << c.slope << ", " << c.center;
-    EXPECT_TRUE(std::isnan(slope(nan, 0, 0.5f)));
+    for (const auto& c : slopes) {
+        record.slopeStyle = c.style;
+        record.slopeCenter = c.center;
+        EXPECT_EQ(painted(applySlope, c.slope), c.color) << c.slope << ", " << c.center;
+    }
+    EXPECT_TRUE(std::isnan(painted(applySlope, nan)));
 
-    const auto edge = [&](double cosine, float sharpness) {
-        HostSample sample = upwardSample({0.5, 0.5, 0.5});
-        sample.cosine = cosine;
-        record.edgeSharpness = sharpness;
-        applyEdge(record, sample);
-        return sample.color[0];
-    };
     record.edgeCoverage = 0.25f;
-    EXPECT_EQ(edge(std::nextafter(0.25, 0.0), 1.0f), 0.0);
-    EXPECT_EQ(edge(0.25, 1.0f), 0.5);
-    EXPECT_EQ(edge(0.25, 0.5f), 0.0);
-    EXPECT_EQ(edge(0.4375, 0.5f), 0.25);
-    EXPECT_EQ(edge(0.625, 0.5f), 0.5);
-    EXPECT_TRUE(std::isnan(edge(nan, 0.5f)));
+    for (const auto& [cosine, sharpness, color] : {std::tuple{std::nextafter(0.25, 0.0), 1.0f, 0.0},
+                                                   {0.25, 1.0f, 0.5},
+                                                   {0.25, 0.5f, 0.0},
+                                                   {0.4375, 0.5f, 0.25},
+                                                   {0.625, 0.5f, 0.5}}) {
+        record.edgeSharpness = sharpness;
+        EXPECT_EQ(painted(applyEdge, cosine), color) << cosine << ", " << sharpness;
+    }
+    EXPECT_TRUE(std::isnan(painted(applyEdge, nan)));
 }
 
-TEST(Arithmetic, VectorsAndBlends) {
-    double v[3] = {3, 0, 4}, zero[3] = {0, 0, 0}, odd[3] = {nan, 2, 0}, tenth[3] = {0.1, 0.7, 0.49};
+// What no picture tells apart, but the formulas say.
+TEST(Arithmetic, Vectors) {
+    double zero[3] = {0, 0, 0}, odd[3] = {nan, 2, 0}, tenth[3] = {0.1, 0.7, 0.49};
     const double length = dlen(tenth), one[3] = {1, 1, 1}, large[3] = {1e17, -1e17, 1};
-    for (double* vector : {v, zero, odd, tenth})
+    for (double* vector : {zero, odd, tenth})
         normalize(vector);
-    EXPECT_EQ(v[0], 0.6);
-    EXPECT_EQ(zero[1], 0.0);
-    EXPECT_EQ(odd[1], 2.0);
+    EXPECT_TRUE(zero[1] == 0.0 && odd[1] == 2.0);
     EXPECT_EQ(tenth[2], 0.49 / length) << "a quotient, not a product with the reciprocal";
     EXPECT_EQ(ddot(large, one), 1.0) << "summed from x to z";
     EXPECT_EQ(ddist(zero, one), static_cast<double>(1.73205080757f));
-    EXPECT_EQ(smoothstep(0.5, 0.5, 0.5), 1.0) << "equal edges are a step";
     EXPECT_EQ(smoothstep(0.6, 0.2, 0.4), 0.0) << "the lower edge is tested first";
 }
 

@@ -3,8 +3,6 @@
 #include "shading/evaluate.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
-#include <limits>
 
 #include "plugin/description.h"
 #include "plugin/record/services.h"
@@ -15,14 +13,8 @@
 namespace tavora::testing {
 namespace {
 
-constexpr double nan = std::numeric_limits<double>::quiet_NaN();
-constexpr double least = std::numeric_limits<double>::denorm_min();
-
 struct Evaluation : ::testing::Test {
-    Evaluation() {
-        Init(record.get(), 0);
-        zone = greyZone(0.0f, 0.5f);
-    }
+    Evaluation() { Init(record.get(), 0); }
     ~Evaluation() override { Cleanup(record.get()); }
 
     HostSample evaluated(HostSample sample = upwardSample()) {
@@ -37,46 +29,38 @@ struct Evaluation : ::testing::Test {
 
     FakeHost host;
     Record record = newRecord(identity<HostSurfaceId>(5));
-    Zone zone;
+    Zone zone = greyZone(0.0f, 0.5f);
 };
 
 TEST_F(Evaluation, LooksUpIntensityPlusLuminosityCappedAtOne) {
     host.lights = {{.direction = {0, -0.5, 0}}};
-    const auto at = [&](double luminosity) {
+    const Vec black = {0, 0, 0}, blue = {0, 0, 1}, green = {0, 1, 0}, red = {1, 0, 0};
+    for (const auto& [luminosity, color] :
+         {std::pair{-7.0, black}, {0.0, blue}, {0.125, green}, {7.0, red}, {nan, red}}) {
         HostSample sample = upwardSample();
         sample.luminosity = luminosity;
-        return colorOf(evaluated(sample));
-    };
-    EXPECT_EQ(at(0.0), (Vec{0, 0, 1}));
-    EXPECT_EQ(at(0.125), (Vec{0, 1, 0}));
-    EXPECT_EQ(at(7.0), (Vec{1, 0, 0})) << "never above the last zone";
-    EXPECT_EQ(at(nan), (Vec{1, 0, 0}));
-    EXPECT_EQ(at(-7.0), (Vec{0, 0, 0}));
+        EXPECT_EQ(colorOf(evaluated(sample)), color) << luminosity;
+    }
 }
 
-TEST_F(Evaluation, AddsTheZonesTransparencyUpToOne) {
-    const auto transparency = [&](double before, int used) {
-        HostSample sample = upwardSample();
+TEST_F(Evaluation, AZoneAddsTransparencyAndTintsWhereThereIsLight) {
+    HostSample sample = upwardSample();
+    zone.trans = 0.1f;
+    for (const auto& [before, used, after] : {std::tuple{0.25, 0, 0.25},
+                                              {0.25, 1, static_cast<double>(0.1f) + 0.25},
+                                              {0.95, 1, 1.0},
+                                              {nan, 1, 1.0}}) {
         sample.transparency = before;
         record->transparencyUsed = used;
-        return evaluatedIn(sample).transparency;
-    };
-    zone.trans = 0.1f;
-    EXPECT_EQ(transparency(0.25, 0), 0.25);
-    EXPECT_EQ(transparency(0.25, 1), static_cast<double>(0.1f) + 0.25);
-    EXPECT_EQ(transparency(0.95, 1), 1.0);
-    EXPECT_EQ(transparency(nan, 1), 1.0);
-}
-
-TEST_F(Evaluation, TintsOnlyWhereThereIsLight) {
+        EXPECT_EQ(evaluatedIn(sample).transparency, after) << before;
+    }
     zone.accountLights = 1;
     host.ambient = {1, -1, 0};  // colours that sum to nothing
-    EXPECT_EQ(evaluatedIn().color[0], 0.5);
-    HostSample lit = upwardSample();
-    lit.luminosity = least;
-    EXPECT_EQ(evaluatedIn(lit).color[0], 1.0);
+    EXPECT_EQ(evaluatedIn(sample).color[0], 0.5);
+    sample.luminosity = least;
+    EXPECT_EQ(evaluatedIn(sample).color[0], 1.0);
     zone.accountLights = 0;
-    EXPECT_EQ(evaluatedIn(lit).color[0], 0.5);
+    EXPECT_EQ(evaluatedIn(sample).color[0], 0.5);
 }
 
 TEST_F(Evaluation, WithoutAColourTextureTheBaseColourShows) {
@@ -143,13 +127,13 @@ TEST_F(Evaluation, AllocatesNothingButTheHitOfInkOver) {
     record->highlightEnable = record->slopeEnable = record->edgeEnable = 1;
     host.log.reserve(100);
     host.queryTimes.reserve(100);
-    const long live = liveAllocations();
+    const long live = liveAllocations;
     for (const int inkOver : {0, 1}) {
         record->inkoverEnable = inkOver;
         const AllocationWatch watch;
         evaluated();
-        EXPECT_EQ(watch.count(), inkOver);
-        EXPECT_EQ(liveAllocations(), live);
+        EXPECT_EQ(watch.count, inkOver);
+        EXPECT_EQ(liveAllocations, live);
     }
 }
 
@@ -174,19 +158,14 @@ TEST_F(Evaluation, SurvivesAnyValues) {
     }
 }
 
-TEST_F(Evaluation, PassFindsTransparencyAboveAMillionth) {
-    const auto flagsWith = [&](float trans) {
+TEST_F(Evaluation, PassFindsTransparencyAboveAMillionthAndKeepsOneMutex) {
+    for (const auto& [trans, flags] :
+         {std::pair{1.00000011e-6f, 0x45Eu}, {9.99999997e-7f, 0x41Eu}, {-1.0f, 0x41Eu}}) {
         record->zoneList->next->trans = trans;
         EXPECT_EQ(Init(record.get(), 0), nullptr);
         EXPECT_EQ(record->zoneCursor, record->zoneList);
-        return Flags(record.get());
-    };
-    EXPECT_EQ(flagsWith(1.00000011e-6f), 0x45Eu) << "the next single above";
-    EXPECT_EQ(flagsWith(9.99999997e-7f), 0x41Eu) << "and below";
-    EXPECT_EQ(flagsWith(-1.0f), 0x41Eu);
-}
-
-TEST_F(Evaluation, PassKeepsOneMutexForAllRecords) {
+        EXPECT_EQ(Flags(record.get()), flags) << trans;
+    }
     const Record second = newRecord();
     const HostMutexId before = mtid;
     Init(second.get(), 0);
@@ -197,8 +176,7 @@ TEST_F(Evaluation, PassKeepsOneMutexForAllRecords) {
     EXPECT_EQ(Init(second.get(), 0), nullptr);
     EXPECT_EQ(host.errors, Names{"Cound not create mutex"});
     for (int twice = 0; twice < 2; ++twice) {
-        EXPECT_EQ(host.liveMutexes, 0);
-        EXPECT_EQ(mtid, nullptr);
+        EXPECT_TRUE(host.liveMutexes == 0 && mtid == nullptr);
         Cleanup(second.get());
     }
 }

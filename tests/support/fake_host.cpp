@@ -1,7 +1,6 @@
 #include "tests/support/fake_host.h"
 
 #include <algorithm>
-#include <gtest/gtest.h>
 
 #include "plugin/record/services.h"
 
@@ -88,9 +87,9 @@ const HostLoadState* openLoad(const char* path, int ioMode) {
     const auto found = host->files.find(path);
     if (found == host->files.end() || ioMode != HOST_IO_OBJECT) return nullptr;
     ++host->openFiles;
-    static BlockSource source;
-    source = {&found->second, 0, found->second.size()};
-    return new HostLoadState(loadingFrom(source));
+    static Unread unread;
+    unread = found->second;
+    return new HostLoadState(loadingFrom(unread));
 }
 template <class State>
 void closeFile(const State* state) {

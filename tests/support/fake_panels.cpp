@@ -1,7 +1,5 @@
 #include "tests/support/fake_panels.h"
 
-#include <gtest/gtest.h>
-
 #include "panel/controls/controls.h"
 #include "plugin/record/services.h"
 
@@ -10,57 +8,73 @@ namespace {
 
 FakePanels* panels = nullptr;
 
-/// What a panel handle stands for; the About panel is told by its title.
-struct Panel {
-    bool about;
-};
-
 FakeControl& controlOf(HostControlId id) {
     return *reinterpret_cast<FakeControl*>(id);
 }
 
 int slotOf(HostControlId id) {
-    for (int slot = 0; slot < controlSlots; ++slot) {
-        if (control[slot] == id) return slot;
+    const auto* found = std::find(std::begin(control), std::end(control), id);
+    return found == std::end(control) ? -1 : static_cast<int>(found - control);
+}
+
+/// The numbers, with blanks between them.
+std::string spaced(std::initializer_list<int> numbers) {
+    std::string text;
+    for (const int number : numbers)
+        text += (text.empty() ? "" : " ") + std::to_string(number);
+    return text;
+}
+
+/// Type, numbers and texts.
+std::string textOf(const HostControlDescription& description) {
+    const int type = description.type;
+    const auto& of = description.of;
+    const bool isChoice = type == HOST_VALUE_CHOICE, isText = type == HOST_VALUE_TEXT;
+    std::string text = isChoice || isText ? spaced({type, isChoice ? of.choice.width : 0})
+                                          : spaced({type, of.area.width, of.area.height});
+    const char** lines = isChoice ? of.choice.items : of.text.lines;
+    for (; (isChoice || isText) && *lines != nullptr; ++lines)
+        text += std::string("/") + *lines;
+    return text;
+}
+
+std::string textOf(const HostValue& value) {
+    const auto& vector = value.of.vector;
+    switch (value.type) {
+        case HOST_VALUE_INTEGER:
+            return std::to_string(value.of.integer);
+        case HOST_VALUE_FLOAT:
+            return std::to_string(value.of.number);
+        case HOST_VALUE_INTEGER_VECTOR:
+            return spaced({vector[0], vector[1], vector[2]});
+        default:
+            return "";
     }
-    return -1;
 }
 
-std::vector<std::string> textsOf(const HostControlDescription& description) {
-    const char** texts = nullptr;
-    if (description.type == HOST_VALUE_TEXT) texts = description.of.text.lines;
-    if (description.type == HOST_VALUE_CHOICE) texts = description.of.choice.items;
-    std::vector<std::string> result;
-    for (; texts != nullptr && *texts != nullptr; ++texts)
-        result.emplace_back(*texts);
-    return result;
+HostPanelId createPanel(const char* title, void* data) {
+    EXPECT_EQ(data, nullptr);
+    if (!panels->panelsCanBeMade) return nullptr;
+    panels->opened.emplace_back(title);
+    if (++panels->livePanels == 1) panels->controls.clear();
+    return identity<HostPanelId>(static_cast<std::uintptr_t>(panels->livePanels));
 }
 
-std::deque<FakeControl> aboutControls;
-
-HostControlId addControl(HostPanelId panel, const char* controlClass,
+HostControlId addControl(HostPanelId, const char* controlClass,
                          const HostControlDescription* description, const char* label) {
-    const bool about = reinterpret_cast<Panel*>(panel)->about;
-    std::deque<FakeControl>& list = about ? aboutControls : panels->controls;
-    FakeControl made;
-    made.controlClass = controlClass;
-    made.label = label;
-    made.description = *description;
-    made.texts = textsOf(*description);
-    list.push_back(made);
-    return reinterpret_cast<HostControlId>(&list.back());
+    if (!panels->controlsCanBeMade) return nullptr;
+    FakeControl& made = panels->controls.emplace_back();
+    made.made = std::string(controlClass) + " \"" + label + "\" " + textOf(*description);
+    return reinterpret_cast<HostControlId>(&made);
 }
 
 void setControl(HostControlId id, HostControlAttribute attribute, const HostValue* value) {
     FakeControl& target = controlOf(id);
     switch (attribute) {
         case HOST_CONTROL_X:
-            target.x = value->of.integer;
-            break;
         case HOST_CONTROL_Y:
-            target.y = value->of.integer;
-            panels->log.push_back("move " + std::to_string(slotOf(id)) + " " +
-                                  std::to_string(target.x) + " " + std::to_string(target.y));
+            panels->log.push_back((attribute == HOST_CONTROL_X ? "x " : "y ") +
+                                  spaced({slotOf(id), value->of.integer}));
             break;
         case HOST_CONTROL_VALUE:
             target.value = *value;
@@ -86,67 +100,38 @@ void getControl(HostControlId id, HostControlAttribute attribute, HostValue* val
     *value = controlOf(id).value;
 }
 
-void drawControlNow(HostControlId id, int mode) {
-    controlOf(id).mode = mode;
-    panels->log.push_back("draw " + std::to_string(slotOf(id)) + " " + std::to_string(mode));
-}
-
 const HostDrawFunctions drawing = {
     [](HostPanelId, int red, int green, int blue, int x, int y) {
         ++panels->pixels;
-        panels->strip.at(static_cast<std::size_t>(x)).at(static_cast<std::size_t>(y)) = {red, green,
-                                                                                         blue};
+        panels->painted[{x, y}] = {red, green, blue};
     },
     [](HostPanelId, int indent, int x, int y, int width, int height) {
-        std::string text;
-        for (int number : {indent, x, y, width, height})
-            text += std::to_string(number) + " ";
-        panels->borders.push_back(text);
+        panels->borders.push_back(spaced({indent, x, y, width, height}));
     },
     [](HostPanelId, const char* text, int color, int x, int y) {
-        panels->marks.push_back(std::string(text) + " " + std::to_string(x) + " " +
-                                std::to_string(y) + " " + std::to_string(color));
+        panels->marks.push_back(text + (" " + spaced({x, y, color})));
     },
     [](int* width, int* height) {
         *width = 1919;
         *height = 301;
     }};
 
-int openPanel(HostPanelId panel, int mode) {
-    if (reinterpret_cast<Panel*>(panel)->about) {
-        EXPECT_EQ(mode, HOST_PANEL_BLOCKING);
-        for (const FakeControl& made : aboutControls) {
-            panels->aboutTexts.push_back(std::to_string(made.x) + "," + std::to_string(made.y) +
-                                         ": " + made.texts[0] + " / " + made.texts[1]);
-        }
-        return 0;
-    }
-    panels->openMode = mode;
-    return panels->whileOpen && panels->whileOpen() ? 1 : 0;
-}
-
 const HostPanelServices services = {
-    [](const char* title, void* data) -> HostPanelId {
-        EXPECT_EQ(data, nullptr);
-        panels->titles.emplace_back(title);
-        if (!panels->panelsCanBeMade) return nullptr;
-        ++panels->livePanels;
-        aboutControls.clear();
-        const bool about = panels->titles.back() == "About";
-        if (!about) panels->controls.clear();
-        return reinterpret_cast<HostPanelId>(new Panel{about});
+    createPanel,
+    [](HostPanelId) { --panels->livePanels; },
+    [](HostPanelId, int mode) {
+        panels->opened.back() += " " + std::to_string(mode);
+        return panels->livePanels == 1 && panels->whileOpen && panels->whileOpen() ? 1 : 0;
     },
-    [](HostPanelId panel) {
-        --panels->livePanels;
-        delete reinterpret_cast<Panel*>(panel);
-    },
-    openPanel,
     addControl,
     setControl,
     getControl,
-    drawControlNow,
+    [](HostControlId id, int mode) {
+        controlOf(id).mode = mode;
+        panels->log.push_back("draw " + spaced({slotOf(id), mode}));
+    },
     [](HostPanelId, HostPanelAttribute attribute, int value) {
-        panels->attributes.emplace_back(attribute, value);
+        panels->attributes.push_back(spaced({attribute, value}));
     },
     [](HostPanelId, HostPanelDraw* draw) { EXPECT_NE(draw, nullptr); },
     [](HostPanelId, void* data) { EXPECT_NE(data, nullptr); },
@@ -154,21 +139,19 @@ const HostPanelServices services = {
 
 int pickColorNow(int version, HostColorPick* request) {
     EXPECT_EQ(version, 4);
-    EXPECT_EQ(request->result, 0);
-    EXPECT_TRUE(request->data == nullptr && request->liveUpdate == nullptr);
-    panels->colorTitles.emplace_back(request->title);
+    EXPECT_TRUE(request->result == 0 && !request->data && !request->liveUpdate);
+    panels->opened.emplace_back(request->title);
     return panels->onPick ? panels->onPick(*request) : 1;
 }
 
-const HostRasterServices raster = {};
-
 }  // namespace
 
-FakePanels::FakePanels(FakeHost& host) : strip(600, std::vector<FakePixel>(60, {-1, -1, -1})) {
+FakePanels::FakePanels(FakeHost& host) {
+    static HostRasterServices raster = {};
     panels = this;
-    host.moreServices["LWPanelServices"] = const_cast<HostPanelServices*>(&services);
-    host.moreServices["RasterServices"] = const_cast<HostRasterServices*>(&raster);
-    host.moreServices["Color Picker"] = reinterpret_cast<void*>(&pickColorNow);
+    host.moreServices = {{"LWPanelServices", const_cast<HostPanelServices*>(&services)},
+                         {"RasterServices", &raster},
+                         {"Color Picker", reinterpret_cast<void*>(&pickColorNow)}};
     global = FakeHost::lookup;
 }
 
@@ -179,8 +162,14 @@ FakePanels::~FakePanels() {
 }
 
 FakeControl& FakePanels::at(int slot) {
-    EXPECT_NE(control[slot], nullptr) << "slot " << slot;
     return controlOf(control[slot]);
+}
+
+Names FakePanels::shown() {
+    Names values(controlSlots);
+    for (std::size_t slot = 0; slot < values.size(); ++slot)
+        if (control[slot] != nullptr) values[slot] = textOf(controlOf(control[slot]).value);
+    return values;
 }
 
 void FakePanels::setInteger(int slot, int value) {
@@ -192,12 +181,6 @@ void FakePanels::setInteger(int slot, int value) {
 void FakePanels::setPercent(int slot, double value) {
     at(slot).value.of.number = value;
     press(slot);
-}
-
-void FakePanels::setColor(int slot, int red, int green, int blue) {
-    int channels[3] = {red, green, blue};
-    std::copy(std::begin(channels), std::end(channels), at(slot).value.of.vector);
-    if (at(slot).event != nullptr) press(slot);
 }
 
 void FakePanels::dragTo(int slot, int coordinate, int counter) {
@@ -212,9 +195,17 @@ void FakePanels::clickAt(int slot, int mouseX) {
 }
 
 void FakePanels::press(int slot) {
-    FakeControl& pressed = at(slot);
-    ASSERT_NE(pressed.event, nullptr);
-    pressed.event(control[slot], pressed.userData);
+    at(slot).event(control[slot], at(slot).userData);
+}
+
+HostError PanelTest::whileOpen(const std::function<void()>& user, bool confirm) {
+    panels.whileOpen = [&, confirm] {
+        panels.log.clear();
+        host.updates.clear();
+        user();
+        return confirm;
+    };
+    return UI_callback(record.get());
 }
 
 }  // namespace tavora::testing

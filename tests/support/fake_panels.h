@@ -1,26 +1,18 @@
 #pragma once
 
-#include <deque>
-#include <functional>
-#include <string>
-#include <utility>
-#include <vector>
+#include <array>
 
 #include "host/services/color_picker.h"
 #include "host/services/panels.h"
 #include "panel/controls/slots.h"
+#include "panel/settings_panel.h"
 #include "tests/support/fake_host.h"
 
 namespace tavora::testing {
 
 /// A control as the module made it.
 struct FakeControl {
-    std::string controlClass;
-    std::string label;
-    HostControlDescription description = {};
-    std::vector<std::string> texts;  ///< of its description
-    int x = -1;
-    int y = -1;
+    std::string made;      ///< class, label, and what its description says
     HostValue value = {};  ///< type 0: never given one
     void* userData = nullptr;
     HostControlEvent* event = nullptr;
@@ -28,10 +20,7 @@ struct FakeControl {
     int mouseX = 0;
 };
 
-struct FakePixel {
-    int red, green, blue;
-    bool operator==(const FakePixel&) const = default;
-};
+using FakePixel = std::array<int, 3>;
 
 /// Panel services that record, offered through a FakeHost as long as both live.
 class FakePanels {
@@ -44,28 +33,38 @@ class FakePanels {
     std::function<bool()> whileOpen;  ///< the user; true for OK
     std::function<int(HostColorPick&)> onPick;
     bool panelsCanBeMade = true;
+    bool controlsCanBeMade = true;
 
-    std::vector<std::string> titles;              ///< of every panel made
-    std::vector<std::string> colorTitles;         ///< of every picker opened
-    std::vector<std::pair<int, int>> attributes;  ///< of the last panel: what, value
-    std::deque<FakeControl> controls;             ///< of the settings panel, as made
-    std::vector<std::string> aboutTexts;          ///< "x,y: first line / second line"
-    std::vector<std::string> log;                 ///< "draw SLOT MODE", "move SLOT X Y"
-    std::vector<std::vector<FakePixel>> strip;    ///< [x][y] of what was painted
-    std::vector<std::string> marks;               ///< "GLYPH X Y COLOUR"
-    std::vector<std::string> borders;
+    Names opened;      ///< panels and colour pickers: what they were called, how opened
+    Names attributes;  ///< of panels: "WHAT VALUE"
+    Names log;         ///< "draw SLOT MODE", "x SLOT X", "y SLOT Y"; -1 in the About panel
+    Names marks;       ///< "GLYPH X Y COLOUR"
+    Names borders;
+    std::deque<FakeControl> controls;                  ///< in the order they were made
+    std::map<std::pair<int, int>, FakePixel> painted;  ///< the last pixel at x, y
     int livePanels = 0;
-    int openMode = 0;
     int pixels = 0;
 
     FakeControl& at(int slot);
+    /// What every control shows, by slot: empty where nothing ever was.
+    Names shown();
     /// The user's gestures: set the value, then the control's event.
     void setInteger(int slot, int value);
     void setPercent(int slot, double value);
-    void setColor(int slot, int red, int green, int blue);
     void dragTo(int slot, int coordinate, int counter);
     void clickAt(int slot, int mouseX);
     void press(int slot);
+};
+
+/// A record with its settings panel, for what a user does while it is open.
+class PanelTest : public ::testing::Test {
+  protected:
+    FakeHost host;
+    FakePanels panels{host};
+    Record record = newRecord();
+
+    /// Opens the panel, forgets what opening said, lets the user act, confirms.
+    HostError whileOpen(const std::function<void()>& user, bool confirm = true);
 };
 
 }  // namespace tavora::testing

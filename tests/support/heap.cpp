@@ -1,30 +1,25 @@
 #include "tests/support/heap.h"
 
-#include <atomic>
 #include <cstdlib>
 #include <new>
 
-namespace {
+using tavora::testing::AllocationWatch, tavora::testing::liveAllocations;
 
-thread_local bool watching = false;
-thread_local int seen = 0;
-thread_local int failingNumber = -1;
-std::atomic<long> live{0};
-
-}  // namespace
-
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    if (watching && seen++ == failingNumber) return nullptr;
+void* operator new(std::size_t size) {
+    if (AllocationWatch::current != nullptr) ++AllocationWatch::current->count;
     void* memory = std::malloc(size == 0 ? 1 : size);
-    if (memory != nullptr) ++live;
+    if (memory == nullptr) throw std::bad_alloc();
+    ++liveAllocations;
     return memory;
 }
-void* operator new(std::size_t size) {
-    if (void* memory = operator new(size, std::nothrow)) return memory;
-    throw std::bad_alloc();
+void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
+    AllocationWatch* watch = AllocationWatch::current;
+    if (watch == nullptr || watch->failing-- != 0) return operator new(size);
+    ++watch->count;
+    return nullptr;
 }
 void operator delete(void* memory) noexcept {
-    if (memory != nullptr) --live;
+    if (memory != nullptr) --liveAllocations;
     std::free(memory);
 }
 void operator delete(void* memory, std::size_t) noexcept {
@@ -33,22 +28,3 @@ void operator delete(void* memory, std::size_t) noexcept {
 void operator delete(void* memory, const std::nothrow_t&) noexcept {
     operator delete(memory);
 }
-
-namespace tavora::testing {
-
-AllocationWatch::AllocationWatch(int failing) {
-    seen = 0;
-    failingNumber = failing;
-    watching = true;
-}
-AllocationWatch::~AllocationWatch() {
-    watching = false;
-}
-int AllocationWatch::count() const {
-    return seen;
-}
-long liveAllocations() {
-    return live;
-}
-
-}  // namespace tavora::testing

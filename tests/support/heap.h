@@ -2,17 +2,20 @@
 
 namespace tavora::testing {
 
-/// Counts this thread's allocations while it lives, and fails the one of number
-/// `failing` (counted from 0). One at a time.
+/// Counts the program's allocations while it lives, and fails the one of number
+/// `number` (counted from 0) among those that may. One at a time, one thread.
 struct AllocationWatch {
-    explicit AllocationWatch(int failing = -1);
-    ~AllocationWatch();
+    explicit AllocationWatch(int number = -1) : failing(number) { current = this; }
+    ~AllocationWatch() { current = nullptr; }
     AllocationWatch(const AllocationWatch&) = delete;
     AllocationWatch& operator=(const AllocationWatch&) = delete;
-    int count() const;
+
+    static inline AllocationWatch* current = nullptr;
+    int failing;  ///< counts down
+    int count = 0;
 };
 
 /// Allocations of the program that were not freed yet.
-long liveAllocations();
+inline long liveAllocations = 0;
 
 }  // namespace tavora::testing

@@ -3,10 +3,10 @@
 #include <algorithm>
 #include <bit>
 #include <cstring>
-#include <gtest/gtest.h>
 
 #include "persist/state_block.h"
 #include "plugin/instance_creation.h"
+#include "plugin/record/list_builder.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {
@@ -14,10 +14,11 @@ namespace {
 
 /// The next value without its kind, or null.
 const char* take(void* data, char kind) {
-    auto& source = *static_cast<BlockSource*>(data);
-    const Block& block = *source.block;
-    const bool fits = source.next < source.end && block[source.next][0] == kind;
-    return fits ? block[source.next++].c_str() + 1 : nullptr;
+    auto& unread = *static_cast<Unread*>(data);
+    if (unread.empty() || unread.front()[0] != kind) return nullptr;
+    const char* value = unread.front().c_str() + 1;
+    unread = unread.subspan(1);
+    return value;
 }
 
 template <class Number>
@@ -44,7 +45,29 @@ int readText(void* data, char* buffer, int capacity) {
     return 1;
 }
 
+template <class Next>
+void fill(void* start, std::size_t size, Next next) {
+    for (std::size_t at = 0; at < size; at += sizeof(std::uint32_t)) {
+        const std::uint32_t bits = next();
+        std::memcpy(static_cast<char*>(start) + at, &bits, sizeof bits);
+    }
+}
+
 }  // namespace
+
+std::uint64_t digest(const std::string& text) {
+    std::uint64_t hash = 0xcbf29ce484222325u;
+    for (const char c : text)
+        hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3u;
+    return hash;
+}
+
+std::string joined(const Names& parts) {
+    std::string text;
+    for (const std::string& part : parts)
+        text += part + "\n";
+    return text;
+}
 
 std::string item(std::int32_t value) {
     return "i" + std::to_string(static_cast<std::uint32_t>(value));
@@ -60,8 +83,8 @@ HostSaveState savingInto(Block& block) {
             }};
 }
 
-HostLoadState loadingFrom(BlockSource& source) {
-    return {HOST_IO_SCENE, &source, read<std::int32_t, 'i'>, read<float, 'f'>, readText};
+HostLoadState loadingFrom(Unread& unread) {
+    return {HOST_IO_SCENE, &unread, read<std::int32_t, 'i'>, read<float, 'f'>, readText};
 }
 
 Block save(HostInstance instance) {
@@ -72,8 +95,8 @@ Block save(HostInstance instance) {
 }
 
 void load(HostInstance instance, const Block& block, std::size_t length) {
-    BlockSource source{&block, 0, std::min(length, block.size())};
-    const HostLoadState state = loadingFrom(source);
+    Unread unread(block.data(), std::min(length, block.size()));
+    const HostLoadState state = loadingFrom(unread);
     EXPECT_EQ(Load(instance, &state), nullptr);
 }
 
@@ -93,42 +116,25 @@ std::vector<Zone> zonesOf(const ShaderInstance& record) {
 }
 
 void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones) {
-    ZoneListBuilder builder;
+    ListBuilder<Zone> builder;
     for (const Zone& zone : zones)
         builder.append(zone);
-    freeZones(record.zoneList);
+    freeList(record.zoneList);
     record.zoneList = record.zoneCursor = record.selectedZone = builder.take();
-}
-
-Zone zoneOf(float position, Vec color, float opacity, float bright, float sat, int blend) {
-    Zone zone;
-    zone.position = position;
-    for (unsigned i = 0; i < 3; ++i)
-        zone.color[i] = static_cast<float>(color[i]);
-    zone.opacity = opacity;
-    zone.bright = bright;
-    zone.sat = sat;
-    zone.blend = blend;
-    return zone;
-}
-
-Zone greyZone(float position, float grey, int blend) {
-    return zoneOf(position, {grey, grey, grey}, 1.0f, 1.0f, 1.0f, blend);
 }
 
 Names lightsOf(const ShaderInstance& record) {
     Names names;
-    for (const LightEntry* entry = record.lightList; entry != nullptr; entry = entry->next) {
+    for (const LightEntry* entry = record.lightList; entry != nullptr; entry = entry->next)
         names.emplace_back(entry->name);
-    }
     return names;
 }
 
 void chooseLights(ShaderInstance& record, const Names& names) {
-    LightListBuilder builder;
+    ListBuilder<LightEntry> builder;
     for (const std::string& name : names)
-        builder.append(name.c_str());
-    freeLights(record.lightList);
+        builder.append(lightNamed(name.c_str()));
+    freeList(record.lightList);
     record.lightList = builder.take();
 }
 
@@ -142,10 +148,14 @@ std::vector<Zone> anyZones(int count, std::mt19937& random) {
 }
 
 void scramble(void* start, std::size_t size, std::mt19937& random) {
-    for (std::size_t at = 0; at < size; at += sizeof(std::uint32_t)) {
-        const auto bits = static_cast<std::uint32_t>(random());
-        std::memcpy(static_cast<char*>(start) + at, &bits, sizeof bits);
-    }
+    fill(start, size, [&] { return static_cast<std::uint32_t>(random()); });
+}
+
+void makeDistinct(ShaderInstance& record) {
+    float value = 0.0f;
+    const auto next = [&] { return std::bit_cast<std::uint32_t>(value += 1.0f); };
+    fill(&record.highlightOutlineEnable, settingsSize, next);
+    fill(record.selectedZone, zoneSize, next);
 }
 
 }  // namespace tavora::testing

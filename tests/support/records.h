@@ -2,8 +2,11 @@
 
 #include <array>
 #include <cstddef>
+#include <gtest/gtest.h>
+#include <limits>
 #include <memory>
 #include <random>
+#include <span>
 #include <string>
 #include <vector>
 
@@ -16,11 +19,35 @@ namespace tavora::testing {
 
 using Vec = std::array<double, 3>;
 using Names = std::vector<std::string>;
+inline constexpr double nan = std::numeric_limits<double>::quiet_NaN();
+inline constexpr double least = std::numeric_limits<double>::denorm_min();
 
 struct DestroyInstance {
     void operator()(ShaderInstance* record) const { Destroy(record); }
 };
 using Record = std::unique_ptr<ShaderInstance, DestroyInstance>;
+
+/// Two ordinary zones with a blend between them; no two values are the same.
+inline const std::vector<Zone> blendingZones = {{.color = {0.46f, 0.88f, 0.75f},
+                                                 .position = 0.1f,
+                                                 .opacity = 0.42f,
+                                                 .bright = 0.61f,
+                                                 .sat = 0.28f},
+                                                {.color = {0.5f, 0.5f, 0.5f},
+                                                 .position = 0.45f,
+                                                 .opacity = 0.24f,
+                                                 .blend = 1,
+                                                 .bright = 0.2f,
+                                                 .sat = 0.3f},
+                                                {.color = {0.52f, 0.43f, 0.68f},
+                                                 .position = 0.8f,
+                                                 .opacity = 0.11f,
+                                                 .bright = 0.68f,
+                                                 .sat = 0.32f}};
+
+/// Stands for a long text that would only be copied from the code (FNV-1a).
+std::uint64_t digest(const std::string& text);
+std::string joined(const Names& parts);
 
 /// A record as the host gets it.
 Record newRecord(HostSurfaceId context = nullptr);
@@ -28,8 +55,9 @@ Record newRecord(HostSurfaceId context = nullptr);
 /// The record's zones in order, checked to be linked alike in both directions.
 std::vector<Zone> zonesOf(const ShaderInstance& record);
 void replaceZones(ShaderInstance& record, const std::vector<Zone>& zones);
-Zone zoneOf(float position, Vec color, float opacity, float bright, float sat, int blend = 0);
-Zone greyZone(float position, float grey, int blend = 0);
+inline Zone greyZone(float position, float grey, int blend = 0) {
+    return {.color = {grey, grey, grey}, .position = position, .blend = blend};
+}
 
 Names lightsOf(const ShaderInstance& record);
 void chooseLights(ShaderInstance& record, const Names& names);
@@ -41,15 +69,10 @@ std::string item(std::int32_t value);
 std::string item(float value);
 /// A save-state record that appends to `block`.
 HostSaveState savingInto(Block& block);
-/// A block on its way into a record, up to `end`.
-struct BlockSource {
-    const Block* block = nullptr;
-    std::size_t next = 0;
-    std::size_t end = 0;
-};
-/// A load-state record that reads on in `source`. Another kind of value than
-/// asked for ends the block.
-HostLoadState loadingFrom(BlockSource& source);
+/// A load-state record that takes the values off the front of `unread`. Another
+/// kind of value than asked for ends the block.
+using Unread = std::span<const std::string>;
+HostLoadState loadingFrom(Unread& unread);
 Block save(HostInstance instance);
 /// Lets Load read the first `length` values.
 void load(HostInstance instance, const Block& block, std::size_t length = SIZE_MAX);
@@ -62,6 +85,9 @@ std::string bytesOf(const Value& value) {
 
 /// Overwrites `size` bytes with values of any bits, not-a-numbers included.
 void scramble(void* start, std::size_t size, std::mt19937& random);
+/// Gives every stored setting, and those of the selected zone, whole numbers of
+/// their own. Integers hold the bits of such a float.
+void makeDistinct(ShaderInstance& record);
 
 /// The stored settings in a record are 32-bit values without gaps from
 /// highlightOutlineEnable on; in a zone they are all but the links.

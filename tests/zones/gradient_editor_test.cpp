@@ -1,10 +1,10 @@
 #include "zones/editor/gradient_editor.h"
 
-#include <cmath>
-#include <gtest/gtest.h>
+#include <algorithm>
 
 #include "panel/controls/controls.h"
-#include "tests/support/open_panel.h"
+#include "tests/support/fake_panels.h"
+#include "zones/editor/gradient_painter.h"
 #include "zones/zone_list.h"
 
 namespace tavora::testing {
@@ -26,15 +26,14 @@ class GradientEditor : public PanelTest {
             result.push_back(zone.position);
         return result;
     }
-    void arrange(const std::vector<std::pair<float, int>>& zones) {
-        std::vector<Zone> list;
-        for (const auto& [position, isBlend] : zones) {
-            list.push_back(greyZone(position, 0.5f));
-            list.back().blend = isBlend;
-        }
-        replaceZones(*record, list);
-    }
     double shownNumber(int slot) { return panels.at(slot).value.of.number; }
+    FakePixel pixel(int column, int row) { return panels.painted.at({column + 139, row + 9}); }
+    /// A pixel where this zone stands over the whole length.
+    FakePixel onlyZone(const Zone& zone, int column, int row) {
+        replaceZones(*record, {zone, greyZone(1.0f, 0.0f)});
+        drawGradient(record.get());
+        return pixel(column, row);
+    }
 };
 
 TEST_F(GradientEditor, AddsBlendsSelectsAndDeletesUnderTheMouse) {
@@ -42,8 +41,7 @@ TEST_F(GradientEditor, AddsBlendsSelectsAndDeletesUnderTheMouse) {
         click(add, 195);
         const Zone added = *record->selectedZone;
         EXPECT_EQ(added.position, 0.5f);
-        EXPECT_EQ(added.prev->position, 0.25f);
-        EXPECT_EQ(added.next->position, 0.5f);
+        EXPECT_TRUE(added.prev->position == 0.25f && added.next->position == 0.5f);
         EXPECT_EQ(shownNumber(slot::position), 50.0);
         EXPECT_EQ(panels.at(slot::shift).value.of.vector[0], 50);
         EXPECT_EQ(panels.at(slot::scale).value.of.vector[0], 0) << "not shown anew";
@@ -54,32 +52,33 @@ TEST_F(GradientEditor, AddsBlendsSelectsAndDeletesUnderTheMouse) {
         EXPECT_EQ(blendZone->blend, 1);
         click(blend, 253);
         EXPECT_EQ(record->selectedZone, blendZone) << "refused";
-        EXPECT_EQ(zonesOf(*record).size(), 7u);
-        EXPECT_EQ(host.updates.size(), 1u) << "and said all the same";
-        EXPECT_FALSE(panels.marks.empty());
-
-        click(edit, 100);
-        EXPECT_EQ(record->selectedZone->position, 0.25f);
-        click(edit, 394);
-        EXPECT_EQ(record->selectedZone->position, 0.75f);
-        click(add, 394);
-        EXPECT_EQ(zonesOf(*record).size(), 7u) << "above the last zone";
-        click(remove, 20);
-        EXPECT_EQ(zonesOf(*record).size(), 7u);
-        click(remove, 294);
-        EXPECT_EQ(zonesOf(*record).size(), 6u);
-        EXPECT_EQ(record->selectedZone, record->zoneList);
+        EXPECT_TRUE(host.updates.size() == 1 && !panels.marks.empty()) << "and said all the same";
+        const struct {
+            Mode mode;
+            int mouseX;
+            std::size_t zones;
+            float selected;
+        } clicks[] = {{edit, 100, 7, 0.25f},
+                      {edit, 394, 7, 0.75f},
+                      {add, 394, 7, 0.75f},
+                      {remove, 20, 7, 0.75f},
+                      {remove, 294, 6, 0.0f}};
+        for (const auto& c : clicks) {
+            click(c.mode, c.mouseX);
+            EXPECT_EQ(zonesOf(*record).size(), c.zones) << c.mouseX;
+            EXPECT_EQ(record->selectedZone->position, c.selected) << c.mouseX;
+        }
     });
 }
 
 TEST_F(GradientEditor, SlidersShowAndEditTheSelectedZone) {
+    const std::pair<int, float Zone::*> sliders[] = {
+        {slot::opacity, &Zone::opacity},
+        {slot::bright, &Zone::bright},
+        {slot::sat, &Zone::sat},
+        {slot::trans, &Zone::trans},
+        {slot::accountLightOpac, &Zone::accountLightOpac}};
     whileOpen([&] {
-        const std::pair<int, float Zone::*> sliders[] = {
-            {slot::opacity, &Zone::opacity},
-            {slot::bright, &Zone::bright},
-            {slot::sat, &Zone::sat},
-            {slot::trans, &Zone::trans},
-            {slot::accountLightOpac, &Zone::accountLightOpac}};
         Zone& zone = *record->zoneList->next;
         float fraction = 0.3f;
         for (const auto& [slot, field] : sliders)
@@ -89,27 +88,21 @@ TEST_F(GradientEditor, SlidersShowAndEditTheSelectedZone) {
         EXPECT_EQ(panels.at(slot::accountLights).value.of.integer, 1);
         EXPECT_EQ(panels.at(slot::accountLume).value.of.integer, 1);
         EXPECT_EQ(panels.at(slot::accountLightOpac).mode, HOST_DRAW_NORMAL);
-        double percent = 40;
         for (const auto& [slot, field] : sliders) {
             EXPECT_EQ(shownNumber(slot), static_cast<double>(zone.*field * 100.0f)) << slot;
             panels.pixels = 0;
             panels.marks.clear();
-            panels.setPercent(slot, ++percent);
-            EXPECT_EQ(zone.*field, static_cast<float>(percent) / 100.0f);
+            panels.setPercent(slot, slot);
+            EXPECT_EQ(zone.*field, static_cast<float>(slot) / 100.0f);
             EXPECT_TRUE(panels.pixels == 389 * 20 && panels.marks.empty()) << "the strip only";
         }
         EXPECT_EQ(host.updates.size(), 1 + std::size(sliders));
         click(edit, 10);
         EXPECT_EQ(panels.at(slot::accountLightOpac).mode, HOST_DRAW_GHOST);
-    });
-}
-
-TEST_F(GradientEditor, MarkerClicksCountOnTheFirstTabOnly) {
-    whileOpen([&] {
         panels.setInteger(slot::tabs, 1);
         panels.log.clear();
         click(add, 200);
-        EXPECT_EQ(zonesOf(*record).size(), 5u);
+        EXPECT_EQ(zonesOf(*record).size(), 5u) << "the markers are the first tab's";
         EXPECT_TRUE(host.updates.empty() && panels.log.empty() && panels.marks.empty());
     });
 }
@@ -118,30 +111,25 @@ TEST_F(GradientEditor, PicksTheColourOfTheOrdinaryZoneUnderTheMouse) {
     whileOpen([&] {
         addZone(record.get(), 0.6, 1);
         Zone* selected = record->selectedZone;
-        panels.onPick = [](HostColorPick& request) {
-            EXPECT_EQ(request.green, 1.0f) << "opens on the zone's own";
-            request.red = 0.1f;
-            request.green = 0.2f;
-            request.blue = 0.3f;
-            request.result = 1;
-            return 0;
-        };
-        panels.setInteger(slot::tabs, 3);
-        panels.clickAt(slot::gradientStrip, 260);  // in the blend zone's band
-        EXPECT_EQ(panels.colorTitles, std::vector<std::string>{"Zone Colour"});
         const Zone& green = *selected->prev;
-        EXPECT_EQ(green.color[0], 0.1f);
-        EXPECT_EQ(green.color[2], 0.3f);
-        EXPECT_EQ(record->selectedZone, selected);
-        EXPECT_EQ(record->zoneCursor, record->zoneList);
-        panels.onPick = [](HostColorPick& request) {
-            request.red = 0.9f;
-            return 0;  // cancelled
-        };
-        host.updates.clear();
-        panels.clickAt(slot::gradientStrip, 200);
-        EXPECT_EQ(green.color[0], 0.1f);
-        EXPECT_EQ(host.updates.size(), 1u);
+        panels.setInteger(slot::tabs, 3);
+        for (const int result : {1, 0}) {  // confirmed, then cancelled
+            panels.onPick = [&](HostColorPick& request) {
+                EXPECT_EQ(request.green, result ? 1.0f : 0.2f) << "opens on the zone's own";
+                request.red = static_cast<float>(result) + 0.1f;
+                request.green = 0.2f;
+                request.blue = 0.3f;
+                request.result = result;
+                return 0;
+            };
+            host.updates.clear();
+            panels.clickAt(slot::gradientStrip, result ? 260 : 195);  // the blend's band, its own
+            EXPECT_EQ(panels.opened.back(), "Zone Colour");
+            EXPECT_TRUE(green.color[0] == 1.1f && green.color[2] == 0.3f);
+            EXPECT_EQ(record->selectedZone, selected);
+            EXPECT_EQ(record->zoneCursor, record->zoneList);
+            EXPECT_EQ(host.updates.size(), 1u);
+        }
     });
 }
 
@@ -163,67 +151,97 @@ TEST_F(GradientEditor, PositionStaysBetweenTheNeighbours) {
 }
 
 TEST_F(GradientEditor, SpreadSpacesOrdinaryZonesAndCentresBlends) {
+    const float third = 1.0f / 3.0f, twoThirds = 2.0f / 3.0f;
+    const std::pair<std::vector<Zone>, std::vector<float>> cases[] = {
+        {{greyZone(0, 0), greyZone(0.1f, 0), greyZone(0.2f, 0, 1), greyZone(0.3f, 0),
+          greyZone(1, 0)},
+         {0.0f, third, twoThirds + third * -0.5f, twoThirds, 1.0f}},
+        {{greyZone(0, 0), greyZone(0.3f, 0), greyZone(0.6f, 0, 1), greyZone(1, 0)},
+         {0.0f, 0.5f, 0.75f, 1.0f}},
+        {{greyZone(0, 0), greyZone(0.9f, 0, 1), greyZone(1, 0)}, {0.0f, 0.5f, 1.0f}}};
     whileOpen([&] {
-        const float third = 1.0f / 3.0f, twoThirds = 2.0f / 3.0f;
-        const struct {
-            std::vector<std::pair<float, int>> before;
-            std::vector<float> after;
-        } cases[] = {{{{0.0f, 0}, {0.1f, 0}, {0.2f, 1}, {0.3f, 0}, {1.0f, 0}},
-                      {0.0f, third, twoThirds + third * -0.5f, twoThirds, 1.0f}},
-                     {{{0.0f, 0}, {0.3f, 0}, {0.6f, 1}, {1.0f, 0}}, {0.0f, 0.5f, 0.75f, 1.0f}},
-                     {{{0.0f, 0}, {0.9f, 1}, {1.0f, 0}}, {0.0f, 0.5f, 1.0f}}};
-        for (const auto& c : cases) {
-            arrange(c.before);
+        for (const auto& [before, after] : cases) {
+            replaceZones(*record, before);
             panels.press(slot::spread);
-            EXPECT_EQ(positions(), c.after);
+            EXPECT_EQ(positions(), after);
         }
         EXPECT_EQ(host.updates.size(), 3u);
     });
 }
 
-/// Drag counters that no test has used: the buttons remember the last one.
-int nextCounter() {
-    static int counter = 0;
-    return counter += 1000;
-}
-
 TEST_F(GradientEditor, DragsMoveInnerZonesByWholeSteps) {
+    const struct {
+        int slot;
+        double (*moved)(double position, int steps);
+    } buttons[] = {{slot::shift, [](double x, int steps) { return x + steps / 1000.0; }},
+                   {slot::scale, [](double x, int steps) { return x + x * steps / 500.0; }}};
     whileOpen([&] {
-        const int start = nextCounter();
-        panels.dragTo(slot::shift, 40, start);       // whatever went before
-        panels.dragTo(slot::shift, 500, start - 1);  // a counter that fell: a new drag
-        const std::vector<float> before = {0.0f, 0.25f, 0.5f, 0.999f, 1.0f};
-        arrange({{0.0f, 0}, {0.25f, 0}, {0.5f, 0}, {0.999f, 0}, {1.0f, 0}});
-        host.updates.clear();
-        panels.pixels = 0;
-        // The drag began where its coordinate and counter were equally far on.
-        const int origin = 500 - (start - 1);
-        const int applied = 500 - origin;
-        panels.dragTo(slot::shift, origin + applied + 1, start);
-        EXPECT_EQ(positions(), before) << "half a step";
-        EXPECT_TRUE(host.updates.empty() && panels.pixels == 0);
-        panels.dragTo(slot::shift, origin + applied + 11, start + 1);
-        EXPECT_EQ(positions(),
-                  (std::vector<float>{0.0f, static_cast<float>(0.25 + 5 / 1000.0),
-                                      static_cast<float>(0.5 + 5 / 1000.0), 1.0f, 1.0f}))
-            << "five steps, and no further than the end";
-        EXPECT_EQ(host.updates.size(), 1u);
+        for (const auto& button : buttons) {
+            std::vector<float> expected = {0.0f, 0.25f, 0.5f, 0.999f, 0.9995f};
+            const auto drag = [&](int coordinate, int counter, int steps) {
+                panels.dragTo(button.slot, coordinate, counter);
+                for (std::size_t i = 1; i + 1 < expected.size(); ++i)
+                    expected[i] = std::clamp(static_cast<float>(button.moved(expected[i], steps)),
+                                             0.0f, 1.0f);
+                EXPECT_EQ(positions(), expected) << button.slot << " by " << steps;
+            };
+            panels.dragTo(button.slot, 0, std::numeric_limits<int>::max());
+            replaceZones(*record, {greyZone(0.0f, 0), greyZone(0.25f, 0), greyZone(0.5f, 0),
+                                   greyZone(0.999f, 0), greyZone(0.9995f, 0)});
+            // A counter that falls starts a drag, where both numbers were equally far on.
+            drag(500, 6, 3);
+            host.updates.clear();
+            panels.pixels = 0;
+            drag(501, 7, 0);  // half a step
+            EXPECT_TRUE(host.updates.empty() && panels.pixels == 0);
+            drag(511, 8, 5);
+            EXPECT_EQ(host.updates.size(), 1u);
+            drag(-3000, 9, -1755);
+        }
+        replaceZones(*record, {greyZone(0.0f, 0), greyZone(0.5f, 0), greyZone(1.0f, 0)});
+        panels.dragTo(slot::shift, -2998, 10);
+        EXPECT_EQ(positions()[1], 0.501f) << "each button goes on from its own last step";
     });
 }
 
-TEST_F(GradientEditor, ScaleMultipliesAndKeepsItsOwnMemory) {
+TEST_F(GradientEditor, PaintsTheBandsOverTheBoardAndAppliesBothFactorsTwice) {
     whileOpen([&] {
-        const int start = nextCounter();
-        panels.dragTo(slot::scale, 0, start);
-        panels.dragTo(slot::scale, 0, 1);  // a new drag from -1
-        arrange({{0.0f, 0}, {0.5f, 0}, {1.0f, 0}});
-        const int applied = 1;
-        panels.dragTo(slot::shift, 0, start + 1);
-        arrange({{0.0f, 0}, {0.5f, 0}, {1.0f, 0}});
-        panels.dragTo(slot::scale, -1 + applied + 20, 2);
-        EXPECT_EQ(positions()[1], static_cast<float>(0.5 + 0.5 * 10 / 500.0));
-        panels.dragTo(slot::scale, -1 + applied + 20 - 2000, 3);
-        EXPECT_EQ(positions()[1], 0.0f);
+        panels.pixels = 0;
+        drawGradient(record.get());
+        EXPECT_TRUE(panels.pixels == 389 * 20 && panels.painted.size() == 389 * 20) << "once each";
+        const FakePixel black{0, 0, 0}, blue{0, 0, 255}, red{255, 0, 0};
+        for (const auto& [column, color] :
+             {std::pair{1, black}, {97, black}, {98, blue}, {389, red}})
+            EXPECT_TRUE(pixel(column, 0) == color && pixel(column, 19) == color) << column;
+
+        const Zone half = {.color = {1, 0, 0}, .opacity = 0.5f};
+        const FakePixel light{255, 127, 127}, dark{127, 0, 0};
+        EXPECT_TRUE(onlyZone(half, 5, 4) == light && pixel(6, 4) == dark);
+        EXPECT_TRUE(pixel(5, 5) == dark && pixel(6, 5) == light && pixel(1, 19) == dark);
+        const std::pair<Zone, FakePixel> colored[] = {
+            {{.color = {0, 0.6f, 0.9f}, .sat = 0}, {127, 127, 127}},
+            {{.color = {0, 0.5f, 1}, .sat = 0.5f}, {95, 127, 159}},
+            {{.color = {0, 1, 0}, .bright = 0.5f}, {0, 63, 0}},
+            {{.color = {0, 1, 0}, .bright = 2}, {0, 1020, 0}}};  // nothing is clamped
+        for (const auto& [zone, color] : colored)
+            EXPECT_EQ(onlyZone(zone, 10, 3), color);
+    });
+}
+
+TEST_F(GradientEditor, MarksZonesByKindAndTheSelectedOne) {
+    whileOpen([&] {
+        addZone(record.get(), 0.6, 1);
+        moveZone(record.get(), 0.5);
+        panels.log.clear();
+        panels.marks.clear();
+        redraw(panelID, record.get());
+        EXPECT_EQ(panels.marks,
+                  (Names{"| 139 33 255", "| 236 33 255", "| 334 33 255", "^ 332 33 255",
+                         "' 373 33 255", "| 431 33 255", "  527 33 255"}));
+        EXPECT_EQ(panels.log, Names{"draw 52 1"});
+        EXPECT_EQ(record->zoneCursor, record->zoneList);
+        EXPECT_EQ(panels.borders,
+                  (Names{"0 135 185 400 0", "0 135 267 400 0", "0 135 93 400 227"}));
     });
 }
 

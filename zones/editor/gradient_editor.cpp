@@ -112,6 +112,17 @@ void moveInnerZones(ShaderInstance* instance, Rule rule) {
     }
 }
 
+/// Moves them as the drag button says; `rule` gets the position and the steps.
+template <class Rule>
+void dragInnerZones(int slot, DragState& drag, void* userData, Rule rule) {
+    const auto steps = static_cast<double>(drag.stepsFor(dragOf(slot)));
+    if (steps == 0.0) return;
+    moveInnerZones(recordOf(userData), [steps, rule](const Zone& zone) {
+        return withinAxis(rule(static_cast<double>(zone.position), steps));
+    });
+    repaintAndNotify(recordOf(userData));
+}
+
 int ordinaryZones(const ShaderInstance* instance) {
     int count = 0;
     for (const Zone* zone = instance->zoneList; zone != nullptr; zone = zone->next)
@@ -158,23 +169,15 @@ void cb_positionControl(HostControlId /*control*/, void* userData) {
 
 void cb_shiftControl(HostControlId /*control*/, void* userData) {
     static DragState drag;
-    const std::int64_t steps = drag.stepsFor(dragOf(slot::shift));
-    if (steps == 0) return;
-    moveInnerZones(recordOf(userData), [steps](const Zone& zone) {
-        return withinAxis(static_cast<double>(zone.position) + static_cast<double>(steps) / 1000.0);
-    });
-    repaintAndNotify(recordOf(userData));
+    dragInnerZones(slot::shift, drag, userData,
+                   [](double position, double steps) { return position + steps / 1000.0; });
 }
 
 void cb_scaleControl(HostControlId /*control*/, void* userData) {
     static DragState drag;
-    const std::int64_t steps = drag.stepsFor(dragOf(slot::scale));
-    if (steps == 0) return;
-    moveInnerZones(recordOf(userData), [steps](const Zone& zone) {
-        const auto position = static_cast<double>(zone.position);
-        return withinAxis(position + position * static_cast<double>(steps) / 500.0);
+    dragInnerZones(slot::scale, drag, userData, [](double position, double steps) {
+        return position + position * steps / 500.0;
     });
-    repaintAndNotify(recordOf(userData));
 }
 
 void cb_Spread(HostControlId /*control*/, void* userData) {
