@@ -1,5 +1,6 @@
 #include "studio/window/edit_window.h"
 
+#include <QAction>
 #include <QDropEvent>
 #include <QMenu>
 #include <QMessageBox>
@@ -337,6 +338,10 @@ TEST_F(EditWindowTest, CopiesAndAppliesLooksToWhatIsSelected) {
     QApplication::sendEvent(&window(), &drop);
     EXPECT_TRUE(state()[1]->enabled);
     EXPECT_FALSE(state()[0]->enabled) << "only the selected surface gets it";
+    EXPECT_EQ(window().findChild<QAction*>("undo")->text(), "&Undo look half on Glass.Pane");
+    EXPECT_TRUE(surfaces().item(1)->font().bold()) << "it differs from the file";
+    trigger("save");
+    EXPECT_FALSE(surfaces().item(1)->font().bold());
     trigger("undo");
     EXPECT_EQ(state()[1], state()[0]);
 }
@@ -404,6 +409,9 @@ TEST_F(EditWindowTest, UnsavedWorkIsNeverLostUnasked) {
 
 TEST_F(EditWindowTest, AKilledSessionsWorkIsOfferedAtTheNextStart) {
     start();
+    surfaces().item(1)->setCheckState(Qt::Unchecked);
+    const auto kept = [&] { return std::filesystem::exists(folder_ / "state/tavora/recovery"); };
+    EXPECT_TRUE(QTest::qWaitFor(kept)) << "unsaved work is written by itself";
     surfaces().item(0)->setCheckState(Qt::Unchecked);
     const auto work = state();
     window().keepSafe();
