@@ -22,7 +22,7 @@ struct Document {
     UndoStack undo{settings};
     Recovery recovery{file, settings, undo};
 
-    /// SceneFile::save(), after which the recovery file is gone and the next change a
+    /// SceneFile::save(), after which the recovery file is gone and the next change is a
     /// step of its own.
     std::vector<std::string> save(bool overwrite = false);
     std::vector<std::string> saveAs(const std::filesystem::path& to);

@@ -3,6 +3,7 @@
 #include <csignal>
 #include <functional>
 #include <gmock/gmock.h>
+#include <iostream>
 #include <random>
 #include <sys/wait.h>
 #include <unistd.h>
@@ -45,43 +46,36 @@ class RecoveredWork : public EditTest {
     const fs::path state_ = folder_ / "state/tavora/recovery";
 };
 
-/// Another process that edits, writes and saves until it is killed, and says after
-/// each round that it goes on.
-class Editing {
-  public:
-    explicit Editing(const std::function<void(int round)>& work) {
-        int ends[2];
-        if (::pipe(ends) != 0) throw std::runtime_error("no pipe");
-        process_ = ::fork();
-        if (process_ == 0) run(work, ends[1]);
+/// Another process that works until it is killed, and says after each round that it goes on.
+struct Worker {
+    explicit Worker(const std::function<void(int round)>& work) {
+        int ends[2] = {-1, -1};
+        EXPECT_EQ(::pipe(ends), 0);
+        process = ::fork();
+        if (process == 0) {
+            try {
+                for (int round = 1; round == 1 || ::write(ends[1], "x", 1) == 1; ++round)
+                    work(round);
+            } catch (const std::exception& error) {
+                std::cerr << error.what() << '\n';
+            }
+            ::_exit(1);
+        }
         ::close(ends[1]);
-        ready_ = ends[0];
+        ready = ends[0];
     }
     void waitForRound() const {
         char byte = 0;
-        EXPECT_EQ(::read(ready_, &byte, 1), 1) << "it failed by itself";
+        ASSERT_EQ(::read(ready, &byte, 1), 1) << "it failed by itself";
     }
     void kill() const {
-        ::kill(process_, SIGKILL);
-        ::waitpid(process_, nullptr, 0);
-        ::close(ready_);
+        ::kill(process, SIGKILL);
+        ::waitpid(process, nullptr, 0);
+        ::close(ready);
     }
 
-  private:
-    [[noreturn]] static void run(const std::function<void(int)>& work, int ready) {
-        try {
-            for (int round = 1;; ++round) {
-                work(round);
-                if (::write(ready, "x", 1) != 1) break;
-            }
-        } catch (const std::exception& error) {
-            ::perror(error.what());
-        }
-        ::_exit(1);
-    }
-
-    pid_t process_ = 0;
-    int ready_ = 0;
+    pid_t process = -1;
+    int ready = -1;
 };
 
 TEST_F(RecoveredWork, IsAllThatAKilledSessionSaidIsDoneAndNothingElseIsLeftOfIt) {
@@ -89,7 +83,7 @@ TEST_F(RecoveredWork, IsAllThatAKilledSessionSaidIsDoneAndNothingElseIsLeftOfIt)
     int recovered = 0;
     for (const int rounds : {1, 2, 3, 4, 5, 7, 9, 12, 16, 20}) {
         std::unique_ptr<Document> document;
-        const Editing other([&](int round) {
+        const Worker other([&](int round) {
             if (document == nullptr) document = open();
             const StateBlock block =
                 withChanges(sampleBlock(), {{"edgeCoverage", (round % 900) / 1000.0}}, "test", {});

@@ -10,6 +10,7 @@
 
 #include "host/services/file_io.h"
 #include "studio/edit/document.h"
+#include "studio/edit/look_writing.h"
 #include "studio/files/standard_streams.h"
 #include "studio/services/messages.h"
 #include "studio/services/registry.h"
@@ -24,7 +25,8 @@ void storeDefaults(Document& document, const std::string& file) {
     const HostSaveState* out =
         files.openSave(std::filesystem::absolute(file).c_str(), HOST_IO_OBJECT);
     if (out == nullptr) return;
-    document.moduleCopy().instances().save(document.record(0).instance(), out);
+    SceneSettings& settings = document.settings;
+    settings.module().instances().save(settings.record(0).instance(), out);
     files.closeSave(out);
 }
 
@@ -34,9 +36,9 @@ void save(const std::string& what, const std::string& scene, const std::string& 
     request.looks = {{"", "noir"}};
     Document document(scene, request, report);
     if (what == "scene") document.save();
-    if (what == "look") document.saveLook(0, file);
+    if (what == "look") saveLook(document.settings, 0, file);
     if (what == "defaults") storeDefaults(document, file);
-    if (what == "recovery") document.writeRecovery();
+    if (what == "recovery") document.recovery.write();
 }
 
 }  // namespace
