@@ -91,7 +91,8 @@ StateBlock withChanges(const StateBlock& block, const Settings& changes, const s
 std::vector<std::string> unknownLights(const StateBlock& block,
                                        std::span<const std::string> sceneLights) {
     std::vector<std::string> unknown;
-    for (const Settings& name : settingsOf(block)[kLightList]) {
+    const Settings settings = settingsOf(block);
+    for (const Settings& name : settings[kLightList]) {
         const bool known =
             std::find(sceneLights.begin(), sceneLights.end(), name) != sceneLights.end();
         if (!known && name != kAmbientLight) unknown.push_back(name);
