@@ -33,10 +33,26 @@ inline constexpr int everyVersion = std::numeric_limits<int>::min();
 /// count, only for the entries that are there.
 inline constexpr int maxStoredEntries = 1'000'000;
 
+/// What a new record has of a field: a number, which is the first, or the channels
+/// of a colour.
+struct InitialValue {
+    constexpr InitialValue(double number) : channels{static_cast<float>(number)} {}
+
+    std::array<float, 3> channels;
+};
+
+constexpr InitialValue rgb(double red, double green, double blue) {
+    InitialValue value = red;
+    value.channels[1] = static_cast<float>(green);
+    value.channels[2] = static_cast<float>(blue);
+    return value;
+}
+
 /// One stored setting: plain data, for whoever names settings or reads blocks.
 struct StoredField {
     std::string_view name;
     FieldKind kind;
+    InitialValue initial;         ///< what a block without the field means; 0 for lists
     double min;                   ///< what makes sense; a block may hold any value. Per channel
     double max;                   ///< for colours, entries for lists
     int firstVersion;             ///< first block version that holds the field
@@ -54,17 +70,17 @@ struct StoredField {
 
 /// The fields of a record, in block order.
 inline constexpr StoredField storedFields[] = {
-#define TAVORA_STORED_FIELD(member, kind, min, max, firstVersion, ...) \
-    {#member, FieldKind::kind, min, max, firstVersion, false, {__VA_ARGS__}},
-#define TAVORA_STORED_FLAG_FIELD(member, kind, min, max, firstVersion) \
-    {#member, FieldKind::kind, min, max, firstVersion, true, {}},
+#define TAVORA_STORED_FIELD(member, kind, initial, min, max, firstVersion, ...) \
+    {#member, FieldKind::kind, initial, min, max, firstVersion, false, {__VA_ARGS__}},
+#define TAVORA_STORED_FLAG_FIELD(member, kind, initial, min, max, firstVersion) \
+    {#member, FieldKind::kind, initial, min, max, firstVersion, true, {}},
 #include "persist/stored_fields.def"
 };
 
 /// The fields of one zone, in block order.
 inline constexpr StoredField storedZoneFields[] = {
-#define TAVORA_STORED_ZONE_FIELD(member, kind, min, max, firstVersion) \
-    {#member, FieldKind::kind, min, max, firstVersion, false, {}},
+#define TAVORA_STORED_ZONE_FIELD(member, kind, initial, min, max, firstVersion) \
+    {#member, FieldKind::kind, initial, min, max, firstVersion, false, {}},
 #include "persist/stored_fields.def"
 };
 

@@ -61,8 +61,7 @@ SurfaceShader SceneSettings::newShader() const {
 
 std::optional<SurfaceShader> SceneSettings::settled(std::optional<SurfaceShader> shader) {
     if (!shader) return shader;
-    settingsOf(shader->block);  // throws for a damaged block
-    scratch_.load(shader->block);
+    scratch_.load(blockOf(settingsOf(shader->block)));
     return SurfaceShader{module_.server(), shader->enabled, scratch_.save()};
 }
 

@@ -80,16 +80,10 @@ class Planner {
     }
 
     void takeLooks(const std::vector<LookChoice>& choices) {
-        std::vector<const LookChoice*> last(planned_.size(), nullptr);
-        std::map<std::string, SurfaceShader> looks;
         for (const LookChoice& choice : choices) {
-            if (!looks.contains(choice.look))
-                looks.emplace(choice.look, builtInWith(readLook(choice.look)));
+            const SurfaceShader worn = builtInWith(readLook(choice.look));
             for (const std::size_t i : surfacesOf(scene_, choice))
-                last[i] = &choice;
-        }
-        for (std::size_t i = 0; i < planned_.size(); ++i) {
-            if (last[i] != nullptr) planned_[i] = looks.at(last[i]->look);
+                planned_[i] = worn;
         }
     }
 
@@ -108,8 +102,14 @@ class Planner {
                                         change.surfaces));
             }
         }
-        for (std::size_t i = 0; i < planned_.size(); ++i) {
-            if (!collected[i].empty()) change(planned_[i]->block, collected[i]);
+        try {
+            for (std::size_t i = 0; i < planned_.size(); ++i) {
+                if (collected[i].empty()) continue;
+                planned_[i]->block =
+                    withChanges(planned_[i]->block, collected[i], "--set", lights_);
+            }
+        } catch (const Error& error) {
+            throw Error(Fault::Usage, error.what());
         }
     }
 
@@ -127,13 +127,12 @@ class Planner {
             for (const std::string& name : unknownLights(planned_[i]->block, lights_))
                 unknown.try_emplace(name, scene_.surfaces[i].name);
         }
-        std::size_t left = unknown.size();
+        std::size_t told = 0;
         for (const auto& [light, surface] : unknown) {
-            if (unknown.size() - left == kMostLightsNamed) {
-                report_.warning(fmt::format("{} more lights are not in the scene", left));
-                break;
+            if (told++ == kMostLightsNamed) {
+                return report_.warning(fmt::format("{} more lights are not in the scene",
+                                                   unknown.size() - kMostLightsNamed));
             }
-            --left;
             report_.warning(fmt::format("surface \"{}\": its light \"{}\" is not in the scene{}",
                                         surface, light, nearestNames(light, lights_)));
         }
@@ -152,7 +151,7 @@ class Planner {
 
     StateBlock completeBlock(const Surface& surface) {
         try {
-            return blockOf(settingsOf(surface.shader->block, settingsOf(shader_.builtIn)));
+            return blockOf(settingsOf(surface.shader->block));
         } catch (const Error& error) {
             report_.warning(fmt::format("surface \"{}\": {}; the built-in settings stand in",
                                         surface.name, error.what()));
@@ -166,14 +165,6 @@ class Planner {
 
     SurfaceShader builtInWith(const Look& look) const {
         return builtInWith(look.settings, look.name);
-    }
-
-    void change(StateBlock& block, const Json& changes) const {
-        try {
-            block = withChanges(block, changes, "--set", lights_);
-        } catch (const Error& error) {
-            throw Error(Fault::Usage, error.what());
-        }
     }
 
     const Scene& scene_;

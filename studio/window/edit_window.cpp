@@ -10,8 +10,8 @@
 #include <QToolButton>
 #include <QVBoxLayout>
 
-#include "studio/edit/look_writing.h"
 #include "studio/edit/steps.h"
+#include "studio/scene/settings/look_writing.h"
 #include "studio/window/help.h"
 #include "studio/window/look_menu.h"
 #include "studio/window/window_memory.h"
@@ -299,8 +299,9 @@ void EditWindow::askAndSaveLook() {
     if (file.isEmpty()) return;
     if (!file.endsWith(".json")) file += ".json";
     guarded(this, [&] {
-        saveLook(session()->document().settings, static_cast<std::size_t>(surfaces_.current()),
-                 file.toStdString());
+        const SceneSettings& settings = session()->document().settings;
+        const auto& shader = settings.at(static_cast<std::size_t>(surfaces_.current()));
+        writeLook(shader.value_or(settings.newShader()).block, file.toStdString());
         say(tr("Saved %1").arg(file));
     });
 }

@@ -1,7 +1,7 @@
 #include <cmath>
 #include <random>
 
-#include "studio/edit/look_writing.h"
+#include "studio/scene/settings/look_writing.h"
 #include "tests/edit/edit_test.h"
 
 namespace tavora::studio {
@@ -188,7 +188,7 @@ TEST_F(DocumentEdits, LooksAreWrittenAsTheyAreRead) {
     SceneSettings& settings = document->settings;
     edit(*document, 0, R"({"edgeColor": [0.1, 0.7, 0.333], "edgeEnable": true, "lights": ["Key"],
                            "zones": [{"position": 0.1, "color": "#123456"}, {"position": 1}]})"_j);
-    saveLook(settings, 0, folder_ / "mine.json");
+    writeLook(settings.at(0)->block, folder_ / "mine.json");
     document->undo.push(lookStep(settings, folder_ / "mine.json", {1, 2}));
     EXPECT_EQ(settings.at(1), settings.at(0));
     EXPECT_EQ(document->undo.undoText(), "look mine on 2 surfaces");
@@ -198,7 +198,7 @@ TEST_F(DocumentEdits, LooksAreWrittenAsTheyAreRead) {
     StateBlock odd = sampleBlock();
     odd[2] = std::nanf("");
     set(*document, {{0, shader(odd)}});
-    EXPECT_THROW(saveLook(settings, 0, folder_ / "odd.json"), Error);
+    EXPECT_THROW(writeLook(settings.at(0)->block, folder_ / "odd.json"), Error);
     EXPECT_FALSE(exists(folder_ / "odd.json"));
 }
 

@@ -1,5 +1,8 @@
 #include "persist/state_block.h"
 
+#include <iterator>
+
+#include "persist/stored_fields.h"
 #include "plugin/description.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/heap.h"
@@ -36,6 +39,26 @@ TEST_F(StateBlock, OrderOfItemsIsFixed) {
     makeDistinct(*source);
     const std::string block = joined(save(source.get()));
     EXPECT_EQ(digest(block), 17235336054964737669u) << block;
+}
+
+void expectInitial(const StoredField& field, std::int32_t value) {
+    EXPECT_EQ(field.initial.channels[0], static_cast<float>(value)) << field.name;
+}
+void expectInitial(const StoredField& field, float value) {
+    EXPECT_EQ(field.initial.channels[0], value) << field.name;
+}
+void expectInitial(const StoredField& field, const float (&color)[3]) {
+    EXPECT_TRUE(std::equal(color, color + 3, field.initial.channels.begin())) << field.name;
+}
+void expectInitial(const StoredField&, const void* /*list*/) {}
+
+TEST_F(StateBlock, TheTableSaysWhatIsNew) {
+    const Zone zone;
+    const StoredField* field = std::begin(storedFields);
+    const StoredField* zoneField = std::begin(storedZoneFields);
+#define TAVORA_STORED_FIELD(member, ...) expectInitial(*field++, record->member);
+#define TAVORA_STORED_ZONE_FIELD(member, ...) expectInitial(*zoneField++, zone.member);
+#include "persist/stored_fields.def"
 }
 
 TEST_F(StateBlock, AnyRecordComesBackBitForBit) {

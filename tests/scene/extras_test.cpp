@@ -3,7 +3,6 @@
 
 #include "studio/scene/gltf/container.h"
 #include "studio/scene/gltf/settings_writer.h"
-#include "studio/scene/settings/settings.h"
 #include "studio/scene/settings/shader_extras.h"
 #include "tests/scene/gltf_builder.h"
 #include "tests/scene/settings_samples.h"
@@ -21,28 +20,11 @@ SurfaceShader sampleShader() {
 const std::string kSampleText =
     R"({"server":"TAVO","enabled":true,"state":[6,0.1,"Key \"1\"",-3,1.0,1e+20]})";
 
-SurfaceShader read(const std::string& extras) {
+std::optional<SurfaceShader> read(const std::string& extras) {
     std::vector<std::string> warnings;
-    const auto shader = shaderFromExtras(Json::parse(extras), "here", warnings);
-    EXPECT_TRUE(shader && warnings.empty()) << extras;
-    return shader.value_or(SurfaceShader{});
-}
-
-TEST(ShaderExtras, ReturnWhatWasStored) {
-    SurfaceShader shader = sampleShader();
-    shader.enabled = false;
-    const SurfaceShader again = read(extrasWithShader("", shader));
-    EXPECT_EQ(again.server, shader.server);
-    EXPECT_EQ(again.enabled, shader.enabled);
-    EXPECT_EQ(again.block, shader.block);
-    StateBlock zones;
-    for (int i = 0; i < 5000; ++i)
-        append(zones, zoneItems(static_cast<float>(i) / 4999));
-    const std::vector<std::string> lights(5000, "Key");
-    shader.block = sampleBlock(zones, 5000, lights);
-    EXPECT_EQ(blockOf(settingsOf(read(extrasWithShader("{}", shader)).block)), shader.block);
-    shader.block = {INT32_MIN, INT32_MAX};
-    EXPECT_EQ(read(extrasWithShader("null", shader)).block, shader.block);
+    std::optional<SurfaceShader> shader = shaderFromExtras(Json::parse(extras), "here", warnings);
+    EXPECT_TRUE(warnings.empty()) << extras;
+    return shader;
 }
 
 TEST(ShaderExtras, ChangeNothingElse) {
@@ -63,7 +45,11 @@ TEST(ShaderExtras, ChangeNothingElse) {
     for (const auto& [before, after] : cases) {
         EXPECT_EQ(extrasWithShader(before, sampleShader()), after) << before;
         EXPECT_EQ(extrasWithShader(after, sampleShader()), after) << before;
+        EXPECT_EQ(read(after), sampleShader());
     }
+    SurfaceShader off = sampleShader();
+    off.enabled = false;
+    EXPECT_EQ(read(extrasWithShader("null", off)), off);
     EXPECT_THAT(refusal([] { extrasWithShader("[1]", sampleShader()); }), HasSubstr("no shader"));
 }
 
@@ -76,13 +62,9 @@ TEST(ShaderExtras, LeaveOutWhatIsDamagedAndSaySoOnce) {
     };
     for (const char* entry :
          {"1", R"({"server": "TAVO"})", R"({"state": []})", R"({"server": 1, "state": []})",
-          R"({"server": "TAVO", "enabled": 1, "state": []})"})
+          R"({"server": "TAVO", "enabled": 1, "state": []})",
+          R"({"server": "TAVO", "state": [6, null]})"})
         expectNone(R"({"tavora": {"shaders": [)" + std::string(entry) + "]}}", 1);
-    for (const char* item :
-         {"null", "2147483648", "18446744073709551615", "1e300", R"({"float": "nil"})"})
-        expectNone(R"({"tavora": {"shaders": [{"server": "TAVO", "state": [)" + std::string(item) +
-                       "]}]}}",
-                   1);
     expectNone(R"({"tavora": 1})", 1);
     expectNone(R"({"tavora": {"shaders": {}}})", 1);
     for (const char* extras :
@@ -121,7 +103,7 @@ TEST(GltfSettings, CopyEveryOtherChunkOfAGlb) {
     const GltfContainer container = readContainer(folder / "a.glb");
     EXPECT_EQ(bytesOf(folder / "a.glb"), bytesWith(container.json));
     const Json document = Json::parse(container.json);
-    EXPECT_EQ(read(document["materials"][1]["extras"].dump()).block, sampleShader().block);
+    EXPECT_EQ(read(document["materials"][1]["extras"].dump()), sampleShader());
 }
 
 TEST(GltfSettings, SayWhatCannotBeStored) {

@@ -48,12 +48,12 @@ std::vector<JsonMember> uniqueMembers(const Source& source, std::string_view obj
 }
 
 void takeMark(const Source& source, const JsonMember& member, Look&) {
-    if (member.value == "\"look\"") return;
+    if (Json::parse(member.value) == "look") return;
     source.refuse(member.value, "this is not a look; its \"tavora\" must be \"look\"");
 }
 
 void takeVersion(const Source& source, const JsonMember& member, Look&) {
-    if (member.value == "1") return;
+    if (Json::parse(member.value) == 1) return;
     source.refuse(member.value, fmt::format("looks of version {} cannot be read; this Tavora reads "
                                             "version 1",
                                             member.value));

@@ -1,22 +1,23 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
 #include <string>
 
 #include "persist/stored_fields.h"
-#include "studio/link/state_block.h"
-#include "studio/scene/settings/block_items.h"
-#include "studio/scene/settings/settings.h"
+#include "studio/scene/settings/stored_block.h"
 
-/// One stored field's value: between a block and JSON, and from what people
-/// write to the form that settings keep.
+/// One stored field's value: how settings keep it, and from what people write to that form.
 namespace tavora::studio {
 
-/// The value of `field` at the front of `items`. Throws Error.
-Settings readValue(const StoredField& field, BlockItems& items);
+/// The value of a switch, a choice or a number that is an integer in the block.
+Settings valueOfInteger(const StoredField& field, std::int32_t number);
 
-/// Appends the items of a value that readValue or checkedValue gave. Throws
-/// Fault::Scene that names the field for one of another kind.
-void writeValue(const StoredField& field, const Settings& value, StateBlock& block);
+/// The integer of such a value; none for one of another kind.
+std::optional<std::int32_t> integerOfValue(const StoredField& field, const Settings& value);
+
+/// What a new shader has, or a new zone for a zone's field. A list is empty.
+Settings initialValue(const StoredField& field);
 
 /// What a person wrote, in the form that settings keep. `where` opens the
 /// message of the Fault::Scene for a value that the field cannot take.
@@ -27,5 +28,9 @@ Settings checkedZone(const Settings& zone, const Settings& base, const std::stri
 
 /// What a new zone has.
 Settings newZone();
+
+/// Throws Fault::Scene "WHERE: NAME must be WANTED, not VALUE", the value cut short.
+[[noreturn]] void refuseValue(const std::string& where, const StoredField& field,
+                              const std::string& wanted, const Settings& value);
 
 }  // namespace tavora::studio

@@ -6,7 +6,6 @@
 #include <optional>
 
 #include "persist/stored_fields.h"
-#include "studio/scene/settings/block_items.h"
 #include "studio/scene/settings/setting_names.h"
 #include "studio/scene/settings/setting_values.h"
 #include "studio/scene/settings/zone_rules.h"
@@ -67,33 +66,6 @@ bool change(Settings& settings, const std::string& name, const Settings& value,
 
 }  // namespace
 
-Settings settingsOf(const StateBlock& block, const Settings& absent) {
-    BlockItems items(block);
-    Settings settings = Settings::object();
-    for (const StoredField& field : storedFields) {
-        const std::string name(field.name);
-        if (items.hold(field)) {
-            settings[name] = readValue(field, items);
-        } else if (absent.contains(name)) {
-            settings[name] = absent[name];
-        }
-    }
-    return settings;
-}
-
-StateBlock blockOf(const Settings& settings) {
-    StateBlock block{blockVersion};
-    for (const StoredField& field : storedFields) {
-        const auto value = settings.find(std::string(field.name));
-        if (value == settings.end()) {
-            throw Error(Fault::Scene,
-                        fmt::format("settings: {} is missing; give it a value", field.name));
-        }
-        writeValue(field, *value, block);
-    }
-    return block;
-}
-
 void applySettings(Settings& settings, const nlohmann::ordered_json& changes,
                    const std::string& where) {
     if (!changes.is_object()) {
@@ -119,7 +91,8 @@ StateBlock withChanges(const StateBlock& block, const Settings& changes, const s
 std::vector<std::string> unknownLights(const StateBlock& block,
                                        std::span<const std::string> sceneLights) {
     std::vector<std::string> unknown;
-    for (const Settings& name : settingsOf(block)[kLightList]) {
+    const Settings settings = settingsOf(block);
+    for (const Settings& name : settings[kLightList]) {
         const bool known =
             std::find(sceneLights.begin(), sceneLights.end(), name) != sceneLights.end();
         if (!known && name != kAmbientLight) unknown.push_back(name);

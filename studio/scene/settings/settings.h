@@ -7,25 +7,10 @@
 #include <nlohmann/json.hpp>
 
 #include "studio/link/state_block.h"
+#include "studio/scene/settings/stored_block.h"
 
+/// What people ask of settings.
 namespace tavora::studio {
-
-/// A shader's settings by name: the order and kinds of the table of stored
-/// fields. Numbers as numbers, choices as their labels without padding ("Off",
-/// "Light", ...), switches as booleans, colours as [r, g, b] 0..1, the zone list
-/// as an array of objects, the light list as an array of names. Values that no
-/// panel offers (a switch of 7) stay the integers they are.
-using Settings = nlohmann::ordered_json;
-
-/// Names the values of a complete block of any version. Fields that its version
-/// does not hold are taken from `absent`, or left out when it lacks them too.
-/// Throws Error for a damaged block.
-Settings settingsOf(const StateBlock& block, const Settings& absent = Settings::object());
-
-/// The block of complete settings, exact to the bit for what settingsOf gave.
-/// Throws Error that names the field for a value that is missing or of the
-/// wrong kind, and for a light list that is still "all".
-StateBlock blockOf(const Settings& settings);
 
 /// Lays `changes` (some of the fields, by name) over `settings`. Choices by
 /// label or index, colours as [r, g, b] or "#rrggbb", "all" for every light of

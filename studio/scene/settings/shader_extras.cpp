@@ -1,11 +1,11 @@
 #include "studio/scene/settings/shader_extras.h"
 
-#include <cstdint>
 #include <fmt/format.h>
-#include <limits>
+#include <utility>
 
+#include "studio/scene/settings/stored_block.h"
 #include "studio/util/error.h"
-#include "studio/util/json_float.h"
+#include "studio/util/json_numbers.h"
 #include "studio/util/json_text.h"
 
 namespace tavora::studio {
@@ -18,22 +18,6 @@ constexpr const char* kShaders = "shaders";
 constexpr const char* kServer = "server";
 constexpr const char* kEnabled = "enabled";
 constexpr const char* kState = "state";
-
-std::optional<StateItem> itemOf(const Json& value) {
-    if (value.is_string()) return value.get<std::string>();
-    if (value.is_number_integer()) {
-        const auto number = value.get<std::int64_t>();
-        if (value.is_number_unsigned() && number < 0) return {};
-        if (number < std::numeric_limits<std::int32_t>::min() ||
-            number > std::numeric_limits<std::int32_t>::max()) {
-            return {};
-        }
-        return static_cast<std::int32_t>(number);
-    }
-    const std::optional<float> number = floatOfJson(value);
-    if (!number) return {};
-    return *number;
-}
 
 std::string textOf(const Json& value) {
     return value.dump(-1, ' ', false, Json::error_handler_t::replace);
@@ -61,26 +45,17 @@ const Json* memberOf(const Json& object, const char* key) {
     return found == object.end() ? nullptr : &*found;
 }
 
-std::optional<StateBlock> stateOf(const Json* items) {
-    if (items == nullptr || !items->is_array()) return {};
-    StateBlock state;
-    state.reserve(items->size());
-    for (const Json& value : *items) {
-        std::optional<StateItem> item = itemOf(value);
-        if (!item) return {};
-        state.push_back(std::move(*item));
-    }
-    return state;
-}
-
 std::optional<SurfaceShader> shaderOf(const Json& entry) {
     const Json* server = memberOf(entry, kServer);
     const Json* enabled = memberOf(entry, kEnabled);
-    std::optional<StateBlock> state = stateOf(memberOf(entry, kState));
-    if (server == nullptr || !server->is_string() || !state) return {};
+    const Json* items = memberOf(entry, kState);
+    if (server == nullptr || !server->is_string()) return {};
     if (enabled != nullptr && !enabled->is_boolean()) return {};
+    if (items == nullptr || !items->is_array()) return {};
+    std::optional<StateBlock> block = blockOfItems(*items);
+    if (!block) return {};
     return SurfaceShader{server->get<std::string>(), enabled == nullptr || enabled->get<bool>(),
-                         std::move(*state)};
+                         std::move(*block)};
 }
 
 bool isObject(std::string_view text) {

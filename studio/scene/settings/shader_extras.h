@@ -11,9 +11,10 @@
 
 /// Shaders in the `extras` of a material:
 /// {"tavora": {"shaders": [{"server": "TAVO", "enabled": true, "state": [6, 0.02, "Key"]}]}}
-/// Integers and strings as such; floats always with a point or exponent, in the
-/// shortest form that reads back to the same bits; values that JSON lacks as
-/// "NaN", "Infinity", "-Infinity" inside {"float": ..}.
+/// Floats are written with a point or exponent, in the shortest form that reads back
+/// to the same bits; values that JSON lacks as "NaN", "Infinity", "-Infinity" or their
+/// bits inside {"float": ..}. However another program writes the numbers again, they
+/// are read as they were: the table of stored fields says what each is.
 namespace tavora::studio {
 
 /// The first shader in `extras`, or none. What is damaged is left out with a

@@ -1,4 +1,4 @@
-#include "studio/util/json_float.h"
+#include "studio/util/json_numbers.h"
 
 #include <array>
 #include <bit>
@@ -18,10 +18,17 @@ using Json = nlohmann::ordered_json;
 constexpr std::uint32_t kPlainNan = 0x7fc00000;
 constexpr double kRoundsToInfinity = 0x1.ffffffp127;  // half a step above the largest float
 
+std::string bitsOf(float value) {
+    return fmt::format("{:#010x}", std::bit_cast<std::uint32_t>(value));
+}
+
 std::string nameOf(float value) {
     if (std::isinf(value)) return value > 0 ? "Infinity" : "-Infinity";
-    const auto bits = std::bit_cast<std::uint32_t>(value);
-    return bits == kPlainNan ? "NaN" : fmt::format("{:#010x}", bits);
+    return std::bit_cast<std::uint32_t>(value) == kPlainNan ? "NaN" : bitsOf(value);
+}
+
+Json named(const std::string& name) {
+    return Json::object({{"float", name}});
 }
 
 std::string shortest(float value) {
@@ -53,11 +60,12 @@ std::optional<double> doubleOf(const std::string& decimal, float value) {
 }  // namespace
 
 Json jsonOfFloat(float value) {
-    if (!std::isfinite(value)) return Json::object({{"float", nameOf(value)}});
+    if (!std::isfinite(value)) return named(nameOf(value));
     return doubleOf(shortest(value), value).value_or(static_cast<double>(value));
 }
 
 std::string jsonTextOfFloat(float value) {
+    if (value == 0 && std::signbit(value)) return named(bitsOf(value)).dump();
     const std::string text = shortest(value);
     if (!std::isfinite(value) || !doubleOf(text, value)) return jsonOfFloat(value).dump();
     return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
@@ -72,6 +80,13 @@ std::optional<float> floatOfJson(const Json& value) {
     const double number = value.get<double>();
     if (!(std::abs(number) < kRoundsToInfinity)) return {};
     return static_cast<float>(number);
+}
+
+std::optional<std::int32_t> integerOfJson(const Json& value) {
+    if (!value.is_number()) return {};
+    const double number = value.get<double>();
+    if (number != std::trunc(number) || number < INT32_MIN || number > INT32_MAX) return {};
+    return static_cast<std::int32_t>(number);
 }
 
 }  // namespace tavora::studio

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstdint>
 #include <optional>
 #include <string>
 
@@ -13,10 +14,15 @@ namespace tavora::studio {
 nlohmann::ordered_json jsonOfFloat(float value);
 
 /// The same as JSON text, the shortest there is, always with a point or exponent.
+/// -0 stands as its bits: other programs write it as 0.
 std::string jsonTextOfFloat(float value);
 
-/// The float of such a value; a JSON integer passes too. None for anything
+/// The float of such a value, however the number is written. None for anything
 /// else, and for a number beyond the range of floats.
 std::optional<float> floatOfJson(const nlohmann::ordered_json& value);
+
+/// A whole number of 32 bits, however it is written: 3, 3.0 or 0.3e1. None for
+/// anything else.
+std::optional<std::int32_t> integerOfJson(const nlohmann::ordered_json& value);
 
 }  // namespace tavora::studio

@@ -1,11 +1,11 @@
-#include "studio/edit/look_writing.h"
+#include "studio/scene/settings/look_writing.h"
 
 #include <fmt/format.h>
 #include <string>
 
 #include "studio/files/whole_file.h"
 #include "studio/scene/settings/look.h"
-#include "studio/scene/settings/settings.h"
+#include "studio/scene/settings/stored_block.h"
 
 namespace tavora::studio {
 namespace {
@@ -35,13 +35,11 @@ std::string settingsText(const Settings& settings) {
 
 }  // namespace
 
-void saveLook(const SceneSettings& settings, std::size_t surface,
-              const std::filesystem::path& file) {
-    const Settings values = settingsOf(settings.at(surface).value_or(settings.newShader()).block);
+void writeLook(const StateBlock& block, const std::filesystem::path& file) {
     const std::string text = fmt::format(
         "{{\n  \"tavora\": \"look\",\n  \"version\": 1,\n  \"name\": {},\n  \"description\": "
         "\"\",\n  \"settings\": {{\n{}\n  }}\n}}\n",
-        textOf(file.stem().string()), settingsText(values));
+        textOf(file.stem().string()), settingsText(settingsOf(block)));
     parseLook(text, file.string());  // what nobody could read is not written
     writeWholeFile(file, text);
 }
