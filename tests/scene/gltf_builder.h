@@ -21,6 +21,11 @@ inline Json operator""_j(const char* text, std::size_t size) {
     return Json::parse(text, text + size);
 }
 
+/// A half-transparent red pixel.
+inline constexpr const char* kRedPng =
+    "data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mP8z8BQDwAEhQGA"
+    "hKmMIQAAAABJRU5ErkJggg==";
+
 /// Builds a small scene: one buffer that grows, and the document, open to any
 /// change before it is written.
 class GltfBuilder {

@@ -14,10 +14,7 @@ using Imath::V3f;
 using Imath::V4f;
 using testing::HasSubstr;
 
-// One pixel each, the PNG half-transparent red.
-constexpr const char* kRedPng =
-    "data:image/png;base64,iVBORw0KGgoAAAANSUhEUgAAAAEAAAABCAYAAAAfFcSJAAAADUlEQVR42mP8z8BQDwAEhQGA"
-    "hKmMIQAAAABJRU5ErkJggg==";
+// One pixel.
 constexpr const char* kWebp =
     "data:image/webp;base64,UklGRhoAAABXRUJQVlA4TA0AAAAvAAAAEAcQERGIiP4HAA==";
 

@@ -10,6 +10,7 @@
 #include "studio/scene/settings/shader_extras.h"
 #include "studio/util/error.h"
 #include "studio/util/json_text.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -58,9 +59,10 @@ void checkReferences(const Json& document, const fs::path& input, const fs::path
     const bool stream = isStream(output);
     const std::string uri = referredFile(document);
     if (uri.empty() || (!stream && sameFolder(input, output))) return;
-    throw Error(Fault::Scene,
-                fmt::format("{}: refers to {} beside it; write the result to {}", input.string(),
-                            uri, stream ? "a file in the same folder" : "the same folder"));
+    throw Error(
+        Fault::Scene,
+        fmt::format("{}: refers to {} beside it; write the result to {}", input.string(),
+                    shortened(uri), stream ? "a file in the same folder" : "the same folder"));
 }
 
 std::string materialWith(std::string_view material, const SurfaceShader& shader,
@@ -73,25 +75,27 @@ std::string materialWith(std::string_view material, const SurfaceShader& shader,
     }
 }
 
-// From the last material to the first, so that places found stay right.
+/// `document` with the shaders in its materials; all between these as it was.
 std::string documentWith(std::string_view document, const std::map<int, SurfaceShader>& shaders,
                          const std::string& where) {
     const std::string_view materials = jsonMember(document, "materials");
     std::vector<std::string_view> elements;
     if (!materials.empty() && materials.front() == '[') elements = jsonElements(materials);
-    std::string text(document);
-    for (auto entry = shaders.rbegin(); entry != shaders.rend(); ++entry) {
-        const auto& [index, shader] = *entry;
+    std::string text;
+    std::size_t copied = 0;
+    for (const auto& [index, shader] : shaders) {
         const bool there = index >= 0 && static_cast<std::size_t>(index) < elements.size();
         if (!there || elements[static_cast<std::size_t>(index)].front() != '{') {
             throw Error(Fault::Scene,
                         fmt::format("{}: has no material {} to hold settings", where, index));
         }
         const std::string_view old = elements[static_cast<std::size_t>(index)];
-        text.replace(static_cast<std::size_t>(old.data() - document.data()), old.size(),
-                     materialWith(old, shader, fmt::format("{}: material {}", where, index)));
+        const auto start = static_cast<std::size_t>(old.data() - document.data());
+        text += document.substr(copied, start - copied);
+        text += materialWith(old, shader, fmt::format("{}: material {}", where, index));
+        copied = start + old.size();
     }
-    return text;
+    return text.append(document.substr(copied));
 }
 
 }  // namespace
