@@ -1,5 +1,6 @@
 #include "studio/link/module_image.h"
 
+#include <cstdint>
 #include <cstdlib>
 #include <dlfcn.h>
 #include <fcntl.h>
@@ -11,6 +12,7 @@
 #include <system_error>
 #include <unistd.h>
 
+#include "studio/link/segment_extents.h"
 #include "studio/util/error.h"
 
 namespace tavora::studio {
@@ -61,6 +63,12 @@ std::string loaderMessage() {
         if (colon != std::string::npos) message.erase(0, colon + 2);
     }
     return message;
+}
+
+bool holdsItsSegments(int copy) {
+    struct stat info {};
+    return fstat(copy, &info) == 0 &&
+           static_cast<std::uint64_t>(info.st_size) >= leastModuleSize(copy);
 }
 
 void checkFile(const fs::path& file) {
@@ -117,6 +125,11 @@ void ModuleImage::load() {
 void* ModuleImage::loadFromMemory() {
     memory_ = memfd_create("plugin", MFD_CLOEXEC);
     if (memory_ < 0 || !copyBytes(file_, memory_)) return nullptr;
+    if (!holdsItsSegments(memory_)) {
+        throw Error(Fault::Module,
+                    fmt::format("{}: a damaged plug-in module: it ends before its last segment; {}",
+                                file_.string(), kReinstall));
+    }
     return loadImage(freshName(memory_));
 }
 
@@ -130,9 +143,9 @@ void* ModuleImage::loadFromTemporaryFile() {
                                 "temporary file; set TMPDIR to a folder with space",
                                 file_.string()));
     }
-    const bool copied = copyBytes(file_, file);
+    const bool whole = copyBytes(file_, file) && holdsItsSegments(file);
     close(file);
-    void* image = copied ? loadImage(name) : nullptr;
+    void* image = whole ? loadImage(name) : nullptr;
     unlink(name.c_str());
     return image;
 }

@@ -66,14 +66,33 @@ TEST(ModuleCopy, SaysWhatIsWrongWithWhichFile) {
     EXPECT_THAT(errorOf(kFolder), HasSubstr("folder"));
 }
 
-TEST(ModuleCopy, RefusesFilesThatAreNoModules) {
+TEST(ModuleCopy, RefusesFilesThatAreNoModulesOrCutOff) {
     const auto file = std::filesystem::path(testing::TempDir()) / "not_a_module.so";
-    std::ofstream(file) << "\x7f"
-                        << "ELF and then nothing sensible";
-    EXPECT_THAT(errorOf(file), AllOf(HasSubstr("not a loadable"), HasSubstr(file.string()),
-                                     Not(HasSubstr("/proc/"))));
-    std::ofstream(file).flush();
-    EXPECT_THAT(errorOf(file), HasSubstr("not a loadable"));
+    const auto errorOfBytes = [&](const std::string& bytes) {
+        std::ofstream(file, std::ios::binary) << bytes;
+        return errorOf(file);
+    };
+    EXPECT_THAT(
+        errorOfBytes("\x7f"
+                     "ELF and then nothing sensible"),
+        AllOf(HasSubstr("not a loadable"), HasSubstr(file.string()), Not(HasSubstr("/proc/"))));
+    std::ifstream in(kFolder / "good.so", std::ios::binary);
+    const std::string whole{std::istreambuf_iterator<char>(in), {}};
+    EXPECT_EQ(errorOfBytes(whole), "no error");
+    // Up to the last loaded byte; what the linker alone needs may be missing.
+    std::size_t refused = 0;
+    constexpr std::size_t kStep = 97;
+    for (std::size_t size = 0; size < whole.size(); size += kStep) {
+        const std::string error = errorOfBytes(whole.substr(0, size));
+        if (error == "no error") break;
+        EXPECT_THAT(error, AllOf(HasSubstr("plug-in module"), HasSubstr("reinstall"))) << size;
+        refused = size;
+    }
+    EXPECT_GT(refused, whole.size() / 2);
+    // A header that promises what no file holds.
+    std::string endless = whole;
+    endless.replace(64 + 32, 8, std::string(8, '\xff'));
+    EXPECT_THAT(errorOfBytes(endless), HasSubstr("ends before its last segment"));
     std::filesystem::remove(file);
 }
 
