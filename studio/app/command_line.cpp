@@ -1,12 +1,10 @@
 #include "studio/app/command_line.h"
 
 #include <algorithm>
-#include <array>
 #include <filesystem>
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 #include <functional>
-#include <memory>
 #include <system_error>
 #include <tuple>
 #include <unistd.h>
@@ -19,7 +17,6 @@
 #include "studio/util/angle_units.h"
 #include "studio/util/error.h"
 #include "studio/util/nearest_name.h"
-#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
