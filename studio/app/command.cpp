@@ -3,10 +3,11 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <memory>
+#include <vector>
 
-#include "studio/setup/report.h"
 #include "studio/util/error.h"
 #include "studio/util/nearest_name.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -15,15 +16,6 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* kOptionalValue = "{*}";
 
-Texts namesOf(const CLI::App& app) {
-    Texts names;
-    for (const CLI::Option* option : app.get_options()) {
-        for (const std::string& name : option->get_lnames())
-            names.push_back("--" + name);
-    }
-    return names;
-}
-
 // "-o FILE" where there is a short name, else "--output FILE", or the name of what stands alone.
 std::string usageOf(const CLI::Option& option) {
     if (option.get_positional()) return option.get_name(true, false);
@@ -31,6 +23,52 @@ std::string usageOf(const CLI::Option& option) {
                                                          : "-" + option.get_snames().front();
     return name + " " + option.get_type_name();
 }
+
+/// How help and usage are laid out.
+class HelpFormatter : public CLI::Formatter {
+  public:
+    /// Shows an option whose value may be left out as people write it.
+    std::string make_option_name(const CLI::Option* option, bool positional) const override {
+        std::string name = Formatter::make_option_name(option, positional);
+        const std::size_t value = name.find(kOptionalValue);
+        return value == std::string::npos ? name : name.replace(value, 3, "[=SURFACE]");
+    }
+
+    std::string make_option_opts(const CLI::Option* option) const override {
+        return option->get_type_name().empty() ? std::string() : " " + option->get_type_name();
+    }
+
+    std::string make_option_desc(const CLI::Option* option) const override {
+        std::string text = option->get_description();
+        if (!option->get_envname().empty()) text += ", else " + option->get_envname();
+        if (option->get_required()) text += " (required)";
+        return text;
+    }
+
+    /// With one empty line between groups of options.
+    std::string make_help(const CLI::App* app, std::string name,
+                          CLI::AppFormatMode mode) const override {
+        std::string text = Formatter::make_help(app, std::move(name), mode);
+        for (std::size_t at = 0; (at = text.find("\n\n\n", at)) != std::string::npos;)
+            text.erase(at, 1);
+        return text;
+    }
+
+    /// What must be there first: "tavora render SCENE -o FILE [OPTIONS]".
+    std::string make_usage(const CLI::App* app, std::string name) const override {
+        std::string usage = "Usage: " + name;
+        std::string optional;
+        for (const CLI::Option* option : app->get_options()) {
+            if (option->get_required()) {
+                usage += " " + usageOf(*option);
+            } else if (option->get_positional()) {
+                optional += fmt::format(" [{}]", option->get_name(true, false));
+            }
+        }
+        const bool commands = !app->get_subcommands([](const CLI::App*) { return true; }).empty();
+        return usage + optional + " [OPTIONS]" + (commands ? " COMMAND ..." : "") + "\n";
+    }
+};
 
 // A surface behind a flag that takes its value only after "=" is an easy slip.
 std::string valueHint(const CLI::App& app, const std::string& extra) {
@@ -43,140 +81,98 @@ std::string valueHint(const CLI::App& app, const std::string& extra) {
     return {};
 }
 
+std::string seeHelp(const CLI::App& command) {
+    return fmt::format("; see tavora {} --help", command.get_name());
+}
+
+// "-o=a.png" is no spelling of "--output=a.png".
+void checkSpelling(const CLI::Option& option, const std::string& source, const std::string& text) {
+    if (text.empty()) {
+        throw Error(Fault::Usage, source + " is empty; give it a value or leave it out");
+    }
+    if (text.front() != '=' || option.get_snames().empty()) return;
+    throw Error(Fault::Usage,
+                fmt::format("{} must not begin with \"=\", as \"{}\" does; write -{} {}", source,
+                            text, option.get_snames().front(), text.substr(1)));
+}
+
+std::string missing(const CLI::App& command) {
+    for (const CLI::Option* option : command.get_options()) {
+        if (!option->get_required() || option->count() > 0) continue;
+        return fmt::format("{} needs {}: {}{}", command.get_name(), usageOf(*option),
+                           option->get_description(), seeHelp(command));
+    }
+    return {};
+}
+
+// An option without a value, or twice what can stand there once.
+std::string miscounted(const CLI::App& command, const std::string& name) {
+    const CLI::Option* option = command.get_option_no_throw(name);
+    if (option == nullptr || option->count() < 2) return name + " needs a value" + seeHelp(command);
+    return fmt::format("{} stands there {} times; give one", name, option->count());
+}
+
 }  // namespace
 
-Command::Command(CLI::App& program) : app_(&program) {}
-
-Command::Command(CLI::App& program, const char* name, const char* text, const char* examples)
-    : app_(program.add_subcommand(name, text)), name_(name) {
-    app_->footer(examples);
-    app_->group("Commands");
-    app_->allow_extras();
-    app_->set_help_flag("-h,--help", "Show this help");
-    app_->set_version_flag("--version", "tavora " TAVORA_VERSION, "Show the version");
+void describe(CLI::App& app, const char* examples) {
+    app.formatter(std::make_shared<HelpFormatter>());
+    app.footer(examples);
+    app.allow_extras();
+    app.option_defaults()->group("Options");
+    app.set_help_flag("-h,--help", "Show this help");
+    app.set_version_flag("--version", "tavora " TAVORA_VERSION, "Show the version");
 }
 
-std::string Command::help() const {
-    return app_->help("tavora");
+CLI::Option* addOption(CLI::App& app, const char* name, const char* placeholder, const char* text,
+                       Store store) {
+    CLI::Option* option = app.add_option(name)->description(text)->type_name(placeholder);
+    const auto take = [&app, option, store = std::move(store)](const std::string& given) {
+        const std::vector<CLI::Option*>& typed = app.parse_order();
+        const bool onLine = std::find(typed.begin(), typed.end(), option) != typed.end();
+        const std::string source = onLine ? option->get_name() : option->get_envname();
+        checkSpelling(*option, source, given);
+        try {
+            store(given);
+        } catch (const Error& error) {
+            throw Error(error.fault(), fmt::format("{} {}", source, error.what()));
+        }
+    };
+    return option->multi_option_policy(CLI::MultiOptionPolicy::TakeLast)->each(take);
 }
 
-CLI::Option* Command::option(const char* name, const char* placeholder, const char* text,
-                             Convert convert) {
-    values_.push_back({{}, std::move(convert), nullptr, false});
-    Value& value = values_.back();
-    value.option = app_->add_option(name, value.texts, text);
-    value.option->type_name(placeholder)->expected(1)->allow_extra_args(false);
-    return value.option->multi_option_policy(CLI::MultiOptionPolicy::TakeLast);
-}
-
-CLI::Option* Command::list(const char* name, const char* placeholder, const char* text,
-                           Convert convert) {
-    return option(name, placeholder, text, std::move(convert))
-        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
-}
-
-CLI::Option* Command::single(const char* name, const char* placeholder, const char* text,
-                             Convert convert) {
-    CLI::Option* made = list(name, placeholder, text, std::move(convert));
-    values_.back().once = true;
-    return made;
-}
-
-void Command::flag(const char* name, bool& target, const char* text) {
-    app_->add_flag(name, target, text);
-}
-
-bool Command::knows(const std::string& option) const {
-    return app_->get_option_no_throw(option) != nullptr;
-}
-
-void Command::checkExtras() const {
-    Texts extras = app_->remaining();
+void checkExtras(const CLI::App& command) {
+    Texts extras = command.remaining();
     std::erase(extras, "--");
     if (extras.empty()) return;
     const std::string& first = extras.front();
     if (!first.starts_with('-') || first == "-") {
-        std::string hint = valueHint(*app_, first);
-        if (hint.empty()) hint = fmt::format("; see tavora {} --help", name_);
+        const std::string hint = valueHint(command, first);
         throw Error(Fault::Usage,
-                    fmt::format("{}: \"{}\" is one argument too many{}", name_, first, hint));
+                    fmt::format("{}: \"{}\" is one argument too many{}", command.get_name(), first,
+                                hint.empty() ? seeHelp(command) : hint));
+    }
+    Texts names;
+    for (const CLI::Option* option : command.get_options()) {
+        if (option->nonpositional()) names.push_back(option->get_name());
     }
     const std::string name = first.substr(0, first.find('='));
-    std::string near = nearestNames(name, namesOf(*app_));
-    if (near.empty()) near = fmt::format("; see tavora {} --help", name_);
-    throw Error(Fault::Usage, fmt::format("{}: unknown option {}{}", name_, name, near));
+    const std::string near = nearestNames(name, names);
+    throw Error(Fault::Usage, fmt::format("{}: unknown option {}{}", command.get_name(), name,
+                                          near.empty() ? seeHelp(command) : near));
 }
 
-void Command::checkRequired() const {
-    for (const CLI::Option* option : app_->get_options()) {
-        if (!option->get_required() || option->count() > 0) continue;
-        throw Error(Fault::Usage, fmt::format("{} needs {}: {}; see tavora {} --help", name_,
-                                              usageOf(*option), option->get_description(), name_));
+void refuse(const CLI::App& command, const CLI::ParseError& error) {
+    const std::string text = oneLine(error.what());
+    const std::string name = text.substr(0, text.find(':'));
+    if (dynamic_cast<const CLI::ArgumentMismatch*>(&error) != nullptr) {
+        throw Error(Fault::Usage, miscounted(command, name));
     }
-}
-
-std::string Command::sourceOf(const Value& value) const {
-    const std::vector<CLI::Option*>& typed = app_->parse_order();
-    const bool onLine = std::find(typed.begin(), typed.end(), value.option) != typed.end();
-    return onLine ? value.option->get_name() : value.option->get_envname();
-}
-
-void Command::convert() const {
-    for (const Value& value : values_) {
-        const std::string source = value.texts.empty() ? std::string() : sourceOf(value);
-        if (value.once && value.texts.size() > 1) {
-            throw Error(Fault::Usage, fmt::format("{} stands there {} times; give one", source,
-                                                  value.texts.size()));
-        }
-        for (const std::string& text : value.texts) {
-            if (text.empty()) {
-                throw Error(Fault::Usage,
-                            fmt::format("{} is empty; give it a value or leave it out", source));
-            }
-            // "-o=a.png" is no spelling of "--output=a.png".
-            if (text.front() == '=' && !value.option->get_snames().empty()) {
-                throw Error(
-                    Fault::Usage,
-                    fmt::format("{} must not begin with \"=\", as \"{}\" does; write "
-                                "-{} {}",
-                                source, text, value.option->get_snames().front(), text.substr(1)));
-            }
-            value.convert(source, text);
-        }
+    if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
+        throw Error(Fault::Usage, missing(command));
     }
-}
-
-std::string HelpFormatter::make_option_name(const CLI::Option* option, bool positional) const {
-    std::string name = Formatter::make_option_name(option, positional);
-    const std::size_t value = name.find(kOptionalValue);
-    return value == std::string::npos ? name : name.replace(value, 3, "[=SURFACE]");
-}
-
-std::string HelpFormatter::make_option_opts(const CLI::Option* option) const {
-    return option->get_type_size() == 0 || option->get_type_name().empty()
-               ? std::string()
-               : " " + option->get_type_name();
-}
-
-std::string HelpFormatter::make_option_desc(const CLI::Option* option) const {
-    std::string text = option->get_description();
-    if (!option->get_envname().empty()) text += ", else " + option->get_envname();
-    if (option->get_required()) text += " (required)";
-    return text;
-}
-
-std::string HelpFormatter::make_usage(const CLI::App* app, std::string name) const {
-    std::string usage = "Usage: " + name;
-    std::string optional;
-    for (const CLI::Option* option : app->get_options()) {
-        if (option->get_required()) {
-            usage += " " + usageOf(*option);
-        } else if (option->get_positional()) {
-            optional += fmt::format(" [{}]", option->get_name(true, false));
-        }
-    }
-    const bool commands = !app->get_subcommands([](const CLI::App*) { return true; }).empty();
-    return usage + optional + " [OPTIONS]" + (commands ? " COMMAND ..." : "") + "\n";
+    // Options keep their texts; only a flag is converted, from what stands behind "=".
+    const bool flag = dynamic_cast<const CLI::ConversionError*>(&error) != nullptr;
+    throw Error(Fault::Usage, text + (flag ? ": a flag takes no value" : "") + seeHelp(command));
 }
 
 }  // namespace tavora::studio

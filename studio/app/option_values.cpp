@@ -18,11 +18,6 @@
 namespace tavora::studio {
 namespace {
 
-[[noreturn]] void refuse(const std::string& option, const std::string& wanted,
-                         const std::string& text) {
-    throw Error(Fault::Usage, fmt::format("{} must be {}, not \"{}\"", option, wanted, text));
-}
-
 template <class Number>
 std::optional<Number> numberOf(std::string_view text) {
     Number number{};
@@ -58,24 +53,7 @@ std::optional<std::vector<Number>> numbersOf(std::string_view text, std::size_t 
     return numbers;
 }
 
-template <class Value>
-struct Named {
-    std::string_view name;
-    Value value;
-};
-
-template <class Value>
-Value chosen(const std::string& option, const std::string& text,
-             std::span<const Named<Value>> choices) {
-    std::string names;
-    for (const auto& [name, value] : choices) {
-        if (name == text) return value;
-        names += fmt::format("{}{}", names.empty() ? "" : ", ", name);
-    }
-    refuse(option, "one of " + names, text);
-}
-
-constexpr std::array<Named<Imath::V3d>, 4> kNamedColors{{
+constexpr std::array<std::pair<std::string_view, Imath::V3d>, 4> kNamedColors{{
     {"black", Imath::V3d(0)},
     {"grey", Imath::V3d(0.5)},
     {"gray", Imath::V3d(0.5)},
@@ -130,19 +108,23 @@ bool isShare(double value) {
 
 }  // namespace
 
-int wholeNumber(const std::string& option, const std::string& text, int min, int max) {
+void refuse(const std::string& wanted, const std::string& text) {
+    throw Error(Fault::Usage, fmt::format("must be {}, not \"{}\"", wanted, text));
+}
+
+int wholeNumber(const std::string& text, int min, int max) {
     const std::optional<int> number = numberOf<int>(text);
     if (number && *number >= min && *number <= max) return *number;
-    refuse(option, fmt::format("a whole number from {} to {}", min, max), text);
+    refuse(fmt::format("a whole number from {} to {}", min, max), text);
 }
 
-double realNumber(const std::string& option, const std::string& text, double min, double max) {
+double realNumber(const std::string& text, double min, double max) {
     const std::optional<double> number = numberOf<double>(text);
     if (number && *number >= min && *number <= max) return *number;
-    refuse(option, fmt::format("a number from {} to {}", min, max), text);
+    refuse(fmt::format("a number from {} to {}", min, max), text);
 }
 
-std::pair<int, int> sampleCounts(const std::string& option, const std::string& text) {
+std::pair<int, int> sampleCounts(const std::string& text) {
     constexpr int kMostSamples = 65535;
     const std::size_t dots = text.find("..");
     const std::optional<int> least = numberOf<int>(text.substr(0, dots));
@@ -151,12 +133,11 @@ std::pair<int, int> sampleCounts(const std::string& option, const std::string& t
     if (least && most && *least >= 1 && *least <= *most && *most <= kMostSamples) {
         return {*least, *most > *least ? *most : 0};
     }
-    refuse(option,
-           fmt::format("a number of samples from 1 to {}, or LEAST..MOST like 4..64", kMostSamples),
+    refuse(fmt::format("a number of samples from 1 to {}, or LEAST..MOST like 4..64", kMostSamples),
            text);
 }
 
-std::pair<int, int> resolution(const std::string& option, const std::string& text) {
+std::pair<int, int> resolution(const std::string& text) {
     constexpr int kMostSide = 65536;
     const std::vector<std::string_view> sides = split(text, 'x');
     if (sides.size() == 2) {
@@ -166,104 +147,54 @@ std::pair<int, int> resolution(const std::string& option, const std::string& tex
                           *height <= kMostSide;
         if (fits) return {*width, *height};
     }
-    refuse(option, fmt::format("WIDTHxHEIGHT like 1280x720, each 1 to {}", kMostSide), text);
+    refuse(fmt::format("WIDTHxHEIGHT like 1280x720, each 1 to {}", kMostSide), text);
 }
 
-double percentage(const std::string& option, const std::string& text) {
+double percentage(const std::string& text) {
     const std::string number = text.ends_with('%') ? text.substr(0, text.size() - 1) : text;
-    return realNumber(option, number, 0.01, 10000) / 100;
+    return realNumber(number, 0.01, 10000) / 100;
 }
 
-CropShares cropShares(const std::string& option, const std::string& text) {
+CropShares cropShares(const std::string& text) {
     if (const auto crop = numbersOf<double>(text, 4)) {
         const CropShares shares{(*crop)[0], (*crop)[1], (*crop)[2], (*crop)[3]};
         const bool inside =
             isShare(shares[0]) && isShare(shares[1]) && isShare(shares[2]) && isShare(shares[3]);
         if (inside && shares[0] < shares[2] && shares[1] < shares[3]) return shares;
     }
-    refuse(option, "LEFT,TOP,RIGHT,BOTTOM from 0 to 1 like 0.25,0,0.75,0.5", text);
+    refuse("LEFT,TOP,RIGHT,BOTTOM from 0 to 1 like 0.25,0,0.75,0.5", text);
 }
 
-PixelBox cropPixels(const std::string& option, const std::string& text) {
+PixelBox cropPixels(const std::string& text) {
     if (const auto crop = numbersOf<int>(text, 4)) {
         const PixelBox box{(*crop)[0], (*crop)[1], (*crop)[2], (*crop)[3]};
         if (box.left >= 0 && box.top >= 0 && box.left < box.right && box.top < box.bottom) {
             return box;
         }
     }
-    refuse(option, "LEFT,TOP,RIGHT,BOTTOM in pixels like 100,100,200,150", text);
+    refuse("LEFT,TOP,RIGHT,BOTTOM in pixels like 100,100,200,150", text);
 }
 
-Imath::V3d color(const std::string& option, const std::string& text) {
+Imath::V3d color(const std::string& text) {
     for (const auto& [name, value] : kNamedColors) {
         if (name == text) return value;
     }
     if (const auto rgb = hexColor(text)) return *rgb;
     const std::optional<Imath::V3d> rgb = numberColor(text);
     if (rgb && isShare(rgb->x) && isShare(rgb->y) && isShare(rgb->z)) return *rgb;
-    refuse(option, "a colour: #rrggbb, R,G,B from 0 to 1, black, grey or white", text);
+    refuse("a colour: #rrggbb, R,G,B from 0 to 1, black, grey or white", text);
 }
 
-std::optional<Imath::V3d> background(const std::string& option, const std::string& text) {
+std::optional<Imath::V3d> background(const std::string& text) {
     if (text == "transparent") return {};
-    return color(option, text);
+    return color(text);
 }
 
-std::optional<double> exposure(const std::string& option, const std::string& text) {
+std::optional<double> exposure(const std::string& text) {
     if (text == "auto") return {};
     const std::optional<double> factor = numberOf<double>(text);
     if (factor && *factor > 0) return factor;
-    refuse(option, "auto or a number above 0", text);
-}
-
-bool falloff(const std::string& option, const std::string& text) {
-    static constexpr std::array<Named<bool>, 2> kChoices{{{"none", false}, {"physical", true}}};
-    return chosen<bool>(option, text, kChoices);
-}
-
-PixelFilter pixelFilter(const std::string& option, const std::string& text) {
-    static constexpr std::array<Named<PixelFilter>, 3> kChoices{{
-        {"box", PixelFilter::Box},
-        {"tent", PixelFilter::Tent},
-        {"blackman-harris", PixelFilter::BlackmanHarris},
-    }};
-    return chosen<PixelFilter>(option, text, kChoices);
-}
-
-std::optional<PictureFormat::Kind> pictureKind(const std::string& option, const std::string& text) {
-    static constexpr std::array<Named<PictureFormat::Kind>, 2> kChoices{{
-        {"png", PictureFormat::Kind::Png},
-        {"exr", PictureFormat::Kind::Exr},
-    }};
-    return chosen<PictureFormat::Kind>(option, text, kChoices);
-}
-
-PictureDepth depth(const std::string& option, const std::string& text) {
-    static constexpr std::array<Named<PictureDepth>, 4> kChoices{{
-        {"8", PictureDepth::Eight},
-        {"16", PictureDepth::Sixteen},
-        {"half", PictureDepth::Half},
-        {"float", PictureDepth::Float},
-    }};
-    return chosen<PictureDepth>(option, text, kChoices);
-}
-
-ProgressKind progressKind(const std::string& option, const std::string& text) {
-    static constexpr std::array<Named<ProgressKind>, 4> kChoices{{
-        {"auto", ProgressKind::Auto},
-        {"none", ProgressKind::None},
-        {"bar", ProgressKind::Bar},
-        {"json", ProgressKind::Json},
-    }};
-    return chosen<ProgressKind>(option, text, kChoices);
-}
-
-Theme theme(const std::string& option, const std::string& text) {
-    static constexpr std::array<Named<Theme>, 2> kChoices{{
-        {"light", Theme::Light},
-        {"dark", Theme::Dark},
-    }};
-    return chosen<Theme>(option, text, kChoices);
+    refuse("auto or a number above 0", text);
 }
 
 LookChoice lookChoice(const std::string& text) {
@@ -279,14 +210,14 @@ LookChoice lookChoice(const std::string& text) {
         choice = {text.substr(0, sign), text.substr(sign + 1)};
     }
     if (!choice.look.empty() && (whole || !choice.surfaces.empty())) return choice;
-    refuse("--look", "LOOK or SURFACE=LOOK", text);
+    refuse("LOOK or SURFACE=LOOK", text);
 }
 
-LightSize lightSize(const std::string& option, const std::string& text, double most) {
+LightSize lightSize(const std::string& text, double most) {
     const std::size_t equals = text.rfind('=');
     const bool all = equals == std::string::npos;
     const std::string size = all ? text : text.substr(equals + 1);
-    return {all ? "*" : text.substr(0, equals), realNumber(option, size, 0, most)};
+    return {all ? "*" : text.substr(0, equals), realNumber(size, 0, most)};
 }
 
 SettingChange settingChange(const std::string& text) {
@@ -300,7 +231,7 @@ SettingChange settingChange(const std::string& text) {
         if (!first) first = std::move(change);
     }
     if (first) return *first;
-    refuse("--set", "SURFACE.SETTING=VALUE like '*.edgeEnable=true'", text);
+    refuse("SURFACE.SETTING=VALUE like '*.edgeEnable=true'", text);
 }
 
 }  // namespace tavora::studio

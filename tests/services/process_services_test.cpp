@@ -61,49 +61,6 @@ TEST(Mutexes, AreRecursiveAndIndependent) {
     service.destroy(nullptr);
 }
 
-/// What only one thread at a time may be in.
-struct Guarded {
-    const HostMultithreading& service;
-    HostMutexId object = service.create();
-    std::atomic<bool> taken = false;
-    std::atomic<bool> wasShared = false;
-
-    void enter() {
-        service.lock(object, 0);
-        service.lock(object, 0);
-        if (taken.exchange(true)) wasShared = true;
-        for (int i = 0; i < 50; ++i)
-            static_cast<void>(taken.load());
-        taken = false;
-        service.unlock(object, 0);
-        service.unlock(object, 0);
-    }
-};
-
-TEST(Mutexes, AreNoLessExclusiveForTheThreadThatTookThemFirst) {
-    const auto& service = serviceTable<HostMultithreading>(HOST_MULTITHREADING_SERVICE);
-    // Another thread comes while the first is at it: once for each object.
-    for (int round = 0; round < 100; ++round) {
-        Guarded guarded{service};
-        std::atomic<bool> begun = false;
-        std::atomic<bool> ends = false;
-        std::thread first([&] {
-            while (!ends) {
-                guarded.enter();
-                begun = true;
-            }
-        });
-        while (!begun)
-            std::this_thread::yield();
-        for (int i = 0; i < 20; ++i)
-            guarded.enter();
-        ends = true;
-        first.join();
-        service.destroy(guarded.object);
-        ASSERT_FALSE(guarded.wasShared) << round;
-    }
-}
-
 TEST(Messages, ReachTheSinkAsOneLine) {
     const auto& service = serviceTable<HostMessages>(HOST_MESSAGES_SERVICE);
     std::vector<std::pair<MessageKind, std::string>> heard;

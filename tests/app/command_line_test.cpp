@@ -1,0 +1,96 @@
+// What arrives from a line and from the environment.
+
+#include "studio/app/command_line.h"
+
+#include <cstdlib>
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+#include <sstream>
+
+#include "studio/util/error.h"
+
+namespace tavora::studio {
+namespace {
+
+using testing::ElementsAre;
+
+template <class Asked>
+Asked parsed(const std::string& line) {
+    std::istringstream words("tavora " + line);
+    std::vector<std::string> texts{std::istream_iterator<std::string>(words), {}};
+    std::vector<char*> arguments;
+    for (std::string& text : texts)
+        arguments.push_back(text.data());
+    return std::get<Asked>(parseCommandLine(static_cast<int>(arguments.size()), arguments.data()));
+}
+
+TEST(CommandLine, TakesEachOptionToItsPlace) {
+    const auto render = parsed<RenderRequest>(
+        "--log-file early -v render in.glb -v -o out.exr -r 30x20 --scale 50 --crop 0,0,1,0.5 "
+        "-s 2..8 --filter tent --depth half --format exr -c 1 --background transparent "
+        "--ambient 0.25 --exposure 3 --falloff physical --light-radius A=1 --light-radius 2 "
+        "--light-angle 90 --no-shadows B --look noir --look X=comic --set X.edgeEnable=true "
+        "--plugin p.so --no-shader=C --no-self-shadow --no-cast-shadows=D "
+        "--no-received-shadows=E --no-normal-map=F --no-normal-map=G --progress bar");
+    EXPECT_EQ(render.scene, "in.glb");
+    EXPECT_EQ(render.output, "out.exr");
+    EXPECT_EQ(std::pair(render.width, render.height), std::pair(30, 20));
+    EXPECT_EQ(render.scale, 0.5);
+    EXPECT_EQ(render.cropShares, (CropShares{0, 0, 1, 0.5}));
+    EXPECT_FALSE(render.cropPixels);
+    EXPECT_EQ(std::pair(render.samples, render.mostSamples), std::pair(2, 8));
+    EXPECT_EQ(render.filter, PixelFilter::Tent);
+    EXPECT_EQ(render.depth, PictureDepth::Half);
+    EXPECT_EQ(render.format, PictureFormat::Kind::Exr);
+    EXPECT_EQ(render.camera, "1");
+    EXPECT_FALSE(render.background);
+    EXPECT_EQ(render.lighting.ambient, Imath::V3d(0.25));
+    EXPECT_EQ(render.lighting.exposure, 3);
+    EXPECT_TRUE(render.lighting.falloff);
+    ASSERT_EQ(render.lighting.radii.size(), 2U);
+    EXPECT_EQ(render.lighting.radii[0].lights, "A");
+    EXPECT_EQ(render.lighting.radii[1].size, 2);
+    ASSERT_EQ(render.lighting.angles.size(), 1U);
+    EXPECT_NEAR(render.lighting.angles[0].size, 1.5708, 1e-4);
+    EXPECT_THAT(render.lighting.withoutShadows, ElementsAre("B"));
+    ASSERT_EQ(render.shading.looks.size(), 2U);
+    EXPECT_EQ(render.shading.looks[1].surfaces, "X");
+    EXPECT_EQ(render.shading.changes.at(0).setting, "edgeEnable");
+    EXPECT_EQ(render.shading.plugin, "p.so");
+    EXPECT_THAT(render.shading.plain, ElementsAre("C"));
+    EXPECT_THAT(render.withoutSelfShadow, ElementsAre("*"));
+    EXPECT_THAT(render.withoutCastShadows, ElementsAre("D"));
+    EXPECT_THAT(render.withoutReceivedShadows, ElementsAre("E"));
+    EXPECT_THAT(render.withoutNormalMap, ElementsAre("F", "G"));
+    EXPECT_EQ(render.progress, ProgressKind::Bar);
+    EXPECT_EQ(render.report.verbosity, 2);
+    EXPECT_EQ(render.report.logFile, "early");
+
+    const auto panel = parsed<PanelRequest>(
+        "--quiet panel in.glb -o p.png --surface S --tab 3 --scale 200% --theme dark");
+    EXPECT_EQ(panel.surface, "S");
+    EXPECT_EQ(panel.tab, 3);
+    EXPECT_EQ(panel.scale, 2);
+    EXPECT_EQ(panel.theme, Theme::Dark);
+    EXPECT_TRUE(panel.report.quiet);
+    EXPECT_THAT(parsed<SettingsRequest>("settings in.glb --surface A --surface B").surfaces,
+                ElementsAre("A", "B"));
+    EXPECT_TRUE(parsed<RenderRequest>("render in.glb --list-cameras").listCameras);
+    EXPECT_TRUE(parsed<LooksRequest>("looks --json").json);
+}
+
+TEST(CommandLine, PutsTheLastOnTheLineBeforeTheEnvironment) {
+    setenv("TAVORA_THREADS", "3", 1);
+    EXPECT_EQ(parsed<EditRequest>("edit").threads, 3);
+    EXPECT_EQ(parsed<EditRequest>("edit -t 1 -t 2").threads, 2);
+    setenv("TAVORA_THREADS", "many", 1);
+    EXPECT_EQ(parsed<EditRequest>("edit -t 2").threads, 2);
+    EXPECT_THROW(parsed<EditRequest>("edit"), Error);
+    parsed<LooksRequest>("looks");  // which has no threads
+    setenv("TAVORA_THREADS", "", 1);
+    EXPECT_EQ(parsed<EditRequest>("edit").threads, 0);
+    unsetenv("TAVORA_THREADS");
+}
+
+}  // namespace
+}  // namespace tavora::studio
