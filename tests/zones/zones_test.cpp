@@ -182,6 +182,8 @@ TEST(ZoneLookup, IrregularListsAreLookedUpAllTheSame) {
     replaceZones(*record, {});
     record->zoneCursor = &elsewhere;
     EXPECT_EQ(lookUp(record, 0.5), black);
+    const HostSample sample = upwardSample();
+    EXPECT_EQ(evalColor(record.get(), 0.5, 0, 1, &sample), 0.0);
     EXPECT_EQ((Vec{gradAlpha, gradSat, gradBright}), (Vec{0, 1, 1}));
     EXPECT_EQ(record->zoneCursor, nullptr);
     for (const double x : {0.0, 0.5, nan})
