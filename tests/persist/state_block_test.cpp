@@ -1,5 +1,6 @@
 #include "persist/state_block.h"
 
+#include "persist/stored_fields.h"
 #include "plugin/description.h"
 #include "tests/support/fake_host.h"
 #include "tests/support/heap.h"
@@ -36,6 +37,10 @@ TEST_F(StateBlock, OrderOfItemsIsFixed) {
     makeDistinct(*source);
     const std::string block = joined(save(source.get()));
     EXPECT_EQ(digest(block), 17235336054964737669u) << block;
+    std::size_t choices = 0;
+    for (const StoredField& field : storedFields)
+        choices += field.choices().size();
+    EXPECT_EQ(choices, 3u + 2u + 3u + 3u);
 }
 
 TEST_F(StateBlock, AnyRecordComesBackBitForBit) {
