@@ -34,42 +34,34 @@ TEST_F(LightList, ShowsTheAmbientLightThenTheSceneInOrder) {
     EXPECT_EQ(shown(), "1" + rows + ",null,null ,null,null ,null,null");
 }
 
-TEST_F(LightList, ClicksToggleInTheOrderOfChoice) {
-    const std::pair<int, Names> clicks[] = {{2, {"Fill"}},
-                                            {1, {"Fill", "Key"}},
-                                            {0, {"Fill", "Key", "Ambient"}},
-                                            {1, {"Fill", "Ambient"}},
-                                            {2, {"Ambient"}},
-                                            {9, {"Ambient"}}};
-    whileOpen([&] {
-        for (const auto& [row, chosen] : clicks) {
-            panels.setInteger(slot::lights, row);
-            EXPECT_EQ(lightsOf(*record), chosen) << row;
-        }
-        EXPECT_EQ(cell(0, 0), mark);
-        EXPECT_EQ(cell(1, 0), "");
-        EXPECT_EQ(host.updates.size(), 5u) << "not for a row that is not there";
-    });
-}
-
-TEST_F(LightList, LightsOfOneNameShareAnEntryAsLongNamesAreKept) {
+TEST_F(LightList, ClicksToggleNamesInTheOrderOfChoice) {
     const std::string cut(78, 'x');
     host.lights.push_back({"Key"});
     host.lights.push_back({"Ambient"});
     host.lights.push_back({cut + "\xC3\xA9"});  // 80 bytes, the last character two
     const struct {
-        int clicked, alike;
-        std::string name;
-    } cases[] = {{3, 1, "Key"}, {4, 0, "Ambient"}, {5, 5, cut}};
+        int row;
+        Names chosen;
+        std::string marked;  // rows; lights of one name share an entry
+    } clicks[] = {{2, {"Fill"}, "2"},
+                  {1, {"Fill", "Key"}, "123"},
+                  {0, {"Fill", "Key", "Ambient"}, "01234"},
+                  {3, {"Fill", "Ambient"}, "024"},
+                  {4, {"Fill"}, "2"},
+                  {5, {"Fill", cut}, "25"},
+                  {2, {cut}, "5"},
+                  {9, {cut}, "5"},
+                  {5, {}, ""}};
     whileOpen([&] {
-        for (const auto& c : cases) {
-            panels.setInteger(slot::lights, c.clicked);
-            EXPECT_EQ(lightsOf(*record), Names{c.name});
-            EXPECT_EQ(cell(c.clicked, 0), mark);
-            EXPECT_EQ(cell(c.alike, 0), mark);
-            panels.setInteger(slot::lights, c.alike);
-            EXPECT_TRUE(lightsOf(*record).empty());
+        for (const auto& click : clicks) {
+            panels.setInteger(slot::lights, click.row);
+            EXPECT_EQ(lightsOf(*record), click.chosen) << click.row;
+            std::string marked;
+            for (int row = 0; row < 6; ++row)
+                marked += cell(row, 0) == mark ? std::to_string(row) : cell(row, 0);
+            EXPECT_EQ(marked, click.marked) << click.row;
         }
+        EXPECT_EQ(host.updates.size(), 8u) << "not for a row that is not there";
     });
 }
 

@@ -71,17 +71,6 @@ TEST_F(SettingEvents, SwitchesDrawAndGhostTheirGroups) {
     });
 }
 
-TEST_F(SettingEvents, WithoutASelectedZoneItsControlsDoNothing) {
-    whileOpen([&] {
-        record->selectedZone = nullptr;
-        for (const int slot :
-             {slot::position, slot::opacity, slot::bright, slot::sat, slot::accountLightOpac,
-              slot::trans, slot::accountLights, slot::accountLume})
-            panels.press(slot);
-        EXPECT_TRUE(host.updates.empty() && panels.log.empty());
-    });
-}
-
 TEST_F(SettingEvents, SwatchesPickFromTheColourThatIsShown) {
     const struct {
         int swatch, color;

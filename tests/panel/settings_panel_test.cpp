@@ -91,29 +91,22 @@ TEST_F(SettingsPanel, WritesAMissingDefaultFileOnce) {
 }
 
 TEST_F(SettingsPanel, StandsInTheMiddleOfTheDisplayWithAboutAboveIt) {
+    std::string about;
     whileOpen([&] {
         const Block before = save(record.get());
         panels.press(slot::about);
-        EXPECT_EQ(panels.opened, (Names{"Tavora v1.1 3", "About 1"}));
         EXPECT_EQ(panels.livePanels, 1);
-        EXPECT_EQ(panels.log,
-                  (Names{"x -1 17", "y -1 13", "x -1 31", "y -1 59", "x -1 8", "y -1 103"}));
-        const char* starts[] = {"Version 1.10.6       October 2001/",
-                                "Programming / Implementation/            ",
-                                "Concept / Interface Design / Documentation/                    "};
-        for (std::size_t i = 0; i < std::size(starts); ++i) {
-            const std::string start = std::string("TextControl \"\" 12 0/") + starts[i];
-            const std::string& made = panels.controls.at(66 + i).made;
-            EXPECT_EQ(made.rfind(start, 0), 0u) << made;
-            EXPECT_NE(made.at(start.size()), ' ') << "centred";
-        }
+        for (std::size_t i = 66; i < panels.controls.size(); ++i)
+            about += panels.controls[i].made + "\n";
+        about += joined(panels.log) + joined(panels.opened);
         EXPECT_EQ(save(record.get()), before);
+        panels.controlsCanBeMade = false;
+        panels.press(slot::about);
         panels.panelsCanBeMade = false;
         panels.press(slot::about);
         panels.panelsCanBeMade = true;
-        panels.controlsCanBeMade = false;
-        panels.press(slot::about);
     });
+    EXPECT_EQ(digest(about), 9798890143253110746u) << about;
     // Width, height, x, y: halves are cut towards zero.
     EXPECT_EQ(panels.attributes, (Names{"0 450", "1 362", "2 734", "3 -30"}));
 }
@@ -130,6 +123,13 @@ TEST_F(SettingsPanel, OpensOnAnyRecord) {
         whileOpen(
             [&] {
                 redraw(panelID, record.get());
+                record->selectedZone = nullptr;
+                host.updates.clear();
+                for (const int slot :
+                     {slot::position, slot::opacity, slot::bright, slot::sat,
+                      slot::accountLightOpac, slot::trans, slot::accountLights, slot::accountLume})
+                    panels.press(slot);
+                EXPECT_TRUE(host.updates.empty()) << "no zone is selected";
                 for (int mode = 0; mode < 5; ++mode) {
                     panels.at(slot::zoneMode).value.of.integer = mode;
                     panels.clickAt(slot::markerStrip, 394);

@@ -1,4 +1,3 @@
-
 #include "host/handler.h"
 #include "host/interface.h"
 #include "host/module.h"

@@ -63,16 +63,6 @@ TEST_F(Evaluation, AZoneAddsTransparencyAndTintsWhereThereIsLight) {
     EXPECT_EQ(evaluatedIn(sample).color[0], 0.5);
 }
 
-TEST_F(Evaluation, WithoutAColourTextureTheBaseColourShows) {
-    record->colorTextureUse = 1;
-    EXPECT_EQ(colorOf(evaluatedIn()), colorOf(upwardSample()));
-    record->colorTextureUse = 2;
-    EXPECT_EQ(colorOf(evaluatedIn()), (Vec{0.125, 0.25, 0.375})) << "times the zone's grey";
-    host.channelAlpha = {{"BaseColor", 0.5}};
-    record->colorTextureUse = 3;
-    EXPECT_EQ(colorOf(evaluatedIn()), (Vec{0.5, 0.5, 0.5})) << "an unknown use is none";
-}
-
 TEST_F(Evaluation, WritesNothingElseAndNothingWithoutItems) {
     std::mt19937 random;
     HostSample before;

@@ -165,28 +165,33 @@ TEST_F(Lights, MakeHighlightsWhenChosenReachingAndNotFlagged) {
 }
 
 TEST_F(Lights, HighlightAndRingMeetAtTheirBounds) {
-    const float least = 0.0625f, less = std::nextafter(least, 0.0f),
-                more = std::nextafter(least, 1.0f);
+    const float step = 0.0625f, less = std::nextafter(step, 0.0f),
+                more = std::nextafter(step, 1.0f);
+    const struct {
+        double cosine;
+        int disc, ring;
+        float size, width;
+        Vec color;
+    } cases[] = {{0.9375, 1, 1, step, step, black},  // 1 - size belongs to the ring
+                 {0.9375, 1, 1, more, step, white},
+                 {0.9375, 0, 1, more, step, surface},
+                 {0.9375, 1, 0, step, step, surface},
+                 {0.875, 1, 1, step, step, black},    // and so does 1 - (size + width)
+                 {0.875, 1, 1, step, less, surface},  // a sum that single precision rounds up
+                 {1.0, 1, 1, step, step, surface},    // a full reflection
+                 {-0.875, 1, 1, step, step, surface},
+                 {-0.875, 1, 0, 1.9375f, step, white},  // a disc beyond the horizon
+                 {-0.875, 1, 1, step, 1.9375f, black},
+                 {0.25, 1, 1, 0.875f, -0.25f, white}};  // a ring within the disc
     chooseLights(*record, {"Key"});
-    const auto at = [&](double cosine, int disc, int ring, float size, float width) {
-        record->highlightEnable = disc;
-        record->highlightOutlineEnable = ring;
-        record->highlightSize = size;
-        record->highlightOutlineSize = width;
-        host.lights = {{.direction = {std::sqrt(1.0 - cosine * cosine), -cosine, 0}}};
-        return highlights();
-    };
-    EXPECT_EQ(at(0.9375, 1, 1, least, least), black) << "1 - size belongs to the ring";
-    EXPECT_EQ(at(0.9375, 1, 1, more, least), white);
-    EXPECT_EQ(at(0.9375, 0, 1, more, least), surface);
-    EXPECT_EQ(at(0.9375, 1, 0, least, least), surface);
-    EXPECT_EQ(at(0.875, 1, 1, least, least), black) << "and so does 1 - (size + width)";
-    EXPECT_EQ(at(0.875, 1, 1, least, less), surface) << "a sum that single precision rounds up";
-    EXPECT_EQ(at(1.0, 1, 1, least, least), surface) << "a full reflection";
-    EXPECT_EQ(at(-0.875, 1, 1, least, least), surface);
-    EXPECT_EQ(at(-0.875, 1, 0, 1.9375f, least), white) << "a disc beyond the horizon";
-    EXPECT_EQ(at(-0.875, 1, 1, least, 1.9375f), black);
-    EXPECT_EQ(at(0.25, 1, 1, 0.875f, -0.25f), white) << "a ring that lies within the disc";
+    for (const auto& c : cases) {
+        record->highlightEnable = c.disc;
+        record->highlightOutlineEnable = c.ring;
+        record->highlightSize = c.size;
+        record->highlightOutlineSize = c.width;
+        host.lights = {{.direction = {std::sqrt(1.0 - c.cosine * c.cosine), -c.cosine, 0}}};
+        EXPECT_EQ(highlights(), c.color) << c.cosine << ", " << c.size << ", " << c.width;
+    }
 }
 
 TEST_F(Lights, TheLastHighlightWinsAndStartsFromTheColourAtEntry) {

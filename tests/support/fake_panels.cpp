@@ -39,17 +39,10 @@ std::string textOf(const HostControlDescription& description) {
 }
 
 std::string textOf(const HostValue& value) {
-    const auto& vector = value.of.vector;
-    switch (value.type) {
-        case HOST_VALUE_INTEGER:
-            return std::to_string(value.of.integer);
-        case HOST_VALUE_FLOAT:
-            return std::to_string(value.of.number);
-        case HOST_VALUE_INTEGER_VECTOR:
-            return spaced({vector[0], vector[1], vector[2]});
-        default:
-            return "";
-    }
+    const auto& v = value.of.vector;
+    if (value.type == HOST_VALUE_FLOAT) return std::to_string(value.of.number);
+    if (value.type == HOST_VALUE_INTEGER_VECTOR) return spaced({v[0], v[1], v[2]});
+    return value.type == 0 ? "" : spaced({value.of.integer});
 }
 
 HostPanelId createPanel(const char* title, void* data) {
@@ -70,23 +63,16 @@ HostControlId addControl(HostPanelId, const char* controlClass,
 
 void setControl(HostControlId id, HostControlAttribute attribute, const HostValue* value) {
     FakeControl& target = controlOf(id);
-    switch (attribute) {
-        case HOST_CONTROL_X:
-        case HOST_CONTROL_Y:
-            panels->log.push_back((attribute == HOST_CONTROL_X ? "x " : "y ") +
-                                  spaced({slotOf(id), value->of.integer}));
-            break;
-        case HOST_CONTROL_VALUE:
-            target.value = *value;
-            break;
-        case HOST_CONTROL_USER_DATA:
-            target.userData = value->of.pointer;
-            break;
-        case HOST_CONTROL_EVENT:
-            target.event = value->of.event;
-            break;
-        default:
-            ADD_FAILURE() << "the module set attribute " << attribute;
+    if (attribute == HOST_CONTROL_X || attribute == HOST_CONTROL_Y) {
+        panels->log.push_back((attribute == HOST_CONTROL_X ? "x " : "y ") +
+                              spaced({slotOf(id), value->of.integer}));
+    } else if (attribute == HOST_CONTROL_USER_DATA) {
+        target.userData = value->of.pointer;
+    } else if (attribute == HOST_CONTROL_EVENT) {
+        target.event = value->of.event;
+    } else {
+        EXPECT_EQ(attribute, HOST_CONTROL_VALUE);
+        target.value = *value;
     }
 }
 

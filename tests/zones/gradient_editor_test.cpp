@@ -147,6 +147,10 @@ TEST_F(GradientEditor, PositionStaysBetweenTheNeighbours) {
         panels.setPercent(slot::position, 20);
         EXPECT_EQ(record->zoneList->position, 0.0f);
         EXPECT_EQ(host.updates.size(), 4u);
+        while (record->selectedZone->next != nullptr)
+            record->selectedZone = record->selectedZone->next;
+        panels.setPercent(slot::position, 130);
+        EXPECT_EQ(record->selectedZone->position, 1.3f) << "nothing is above the last";
     });
 }
 
@@ -175,7 +179,12 @@ TEST_F(GradientEditor, DragsMoveInnerZonesByWholeSteps) {
         double (*moved)(double position, int steps);
     } buttons[] = {{slot::shift, [](double x, int steps) { return x + steps / 1000.0; }},
                    {slot::scale, [](double x, int steps) { return x + x * steps / 500.0; }}};
+    static bool untouched = true;  // the buttons remember, across panels and records
     whileOpen([&] {
+        if (std::exchange(untouched, false)) {
+            panels.dragTo(slot::shift, 2, 1);
+            EXPECT_EQ(positions()[1], 0.251f) << "the first drag of all begins at 0";
+        }
         for (const auto& button : buttons) {
             std::vector<float> expected = {0.0f, 0.25f, 0.5f, 0.999f, 0.9995f};
             const auto drag = [&](int coordinate, int counter, int steps) {
