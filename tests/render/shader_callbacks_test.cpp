@@ -12,7 +12,7 @@
 #include "studio/util/color.h"
 #include "studio/util/error.h"
 #include "tests/render/probe.h"
-#include "tests/render/test_scene.h"
+#include "tests/render/room.h"
 
 namespace tavora::studio {
 namespace {
@@ -23,7 +23,6 @@ using Numbers = std::vector<double>;
 constexpr std::int32_t kAll = HOST_SHADER_COLOR | HOST_SHADER_LUMINOUS | HOST_SHADER_DIFFUSE |
                               HOST_SHADER_SPECULAR | HOST_SHADER_TRANSPARENCY |
                               HOST_SHADER_RAYTRACE;
-constexpr double kClose = 2e-6;
 
 StateBlock probe(ProbeBehaviour behaviour, std::int32_t flags = kAll, float n0 = 0, float n1 = 0,
                  float n2 = 0, float n3 = 0) {
@@ -56,21 +55,6 @@ class Told {
     std::map<std::string, int> counts_;
 };
 
-Picture onePixel(const TestScene& test, const StateBlock& block, RenderStats* stats = nullptr) {
-    return renderWith(test, frontCamera({0, 0, 5}, 0.5), squareOptions(1), PROBE_MODULE, block,
-                      stats);
-}
-
-V3d colorOf(const TestScene& test, const StateBlock& block) {
-    return displayed(onePixel(test, block), 0, 0);
-}
-
-void expectColor(const V3d& actual, const V3d& expected) {
-    EXPECT_NEAR(actual.x, expected.x, kClose);
-    EXPECT_NEAR(actual.y, expected.y, kClose);
-    EXPECT_NEAR(actual.z, expected.z, kClose);
-}
-
 void expectNumbers(const Numbers& actual, const Numbers& expected) {
     EXPECT_THAT(actual, testing::Pointwise(testing::DoubleNear(1e-6), expected));
 }
@@ -78,13 +62,6 @@ void expectNumbers(const Numbers& actual, const Numbers& expected) {
 double asNumber(const void* id) {
     return static_cast<double>(reinterpret_cast<std::uintptr_t>(id));
 }
-
-struct QuadScene : TestScene {
-    QuadScene() {
-        addSurface();
-        addQuad({0, 0, 0}, 1, 0);
-    }
-};
 
 TEST(SampleRecord, DescribesTheHit) {
     TestScene test;
