@@ -147,7 +147,8 @@ struct Wish {
 
 /// How many bytes differ; pictures are too long to print.
 std::size_t differences(const std::shared_ptr<const LiveFrame>& frame, const Bytes& expected) {
-    if (frame == nullptr || frame->rgba.size() != expected.size() || frame->coarseness != 1) {
+    if (frame == nullptr || frame->rgba.size() != expected.size() || frame->coarseness != 1 ||
+        frame->width * frame->height * 4 != static_cast<int>(expected.size())) {
         return ~std::size_t{0};
     }
     std::size_t count = 0;

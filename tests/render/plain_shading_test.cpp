@@ -82,22 +82,23 @@ TEST(PlainShading, SpotsLightTheirConeAlone) {
     }
 }
 
-TEST(PlainShading, ShadowsAreWhereTheBlockerIs) {
-    TestScene test;
-    test.addSurface();
-    test.addQuad({0, 0, 0}, 10, 0);
-    // The camera looks from under the blocker, whose shadow the sun throws
-    // two to the right.
-    test.addQuad({0, 0, 2}, 0.5, 0);
-    test.addSun({1, 0, -1});
-    const Picture picture = renderPlain(test, frontCamera({0, 0, 1}, 4), squareOptions(81));
-    const double lit = std::cos(std::numbers::pi / 4);
-    for (int x = 0; x < 81; ++x) {
-        const double at = (x - 40) * 8.0 / 81;
-        if (std::abs(std::abs(at - 2) - 0.5) < 1e-3) continue;
-        const bool shadowed = std::abs(at - 2) < 0.5;
-        EXPECT_NEAR(displayed(picture, x, 40).x, shadowed ? 0 : lit, kClose) << at;
+TEST(PlainShading, OfMoreLightsThanAnyTableHoldsEachCountsAndIsShadowed) {
+    QuadScene test;
+    double expected = 0;
+    for (int i = 0; i < 128; ++i) {
+        const double tilt = i * 0.01;
+        test.addSun({std::sin(tilt), 0, -std::cos(tilt)}, V3d(1 / 128.0));
+        if (i <= 100) expected += std::cos(tilt) / 128;
     }
+    // In the way of the last of them.
+    const double reach = 2 * std::tan(1.005);
+    test.addQuad({-reach - 10, 0, 2}, 10, 0);
+    EXPECT_NEAR(colorOf(test).x, expected, kClose);
+    RenderOptions options = squareOptions(9);
+    options.samples = 4;
+    options.mostSamples = 64;
+    EXPECT_NEAR(displayed(renderPlain(test, frontCamera({0, 0, 5}, 0.01), options), 4, 4).x,
+                expected, kClose);
 }
 
 /// Half of a floor lies under a roof that ends at x = 0, one above it; the
@@ -309,11 +310,11 @@ TEST(PlainShading, ClearSurfacesLetLightThrough) {
 TEST(PlainShading, CutOutsHaveHolesAlsoInTheirShadows) {
     TestScene test;
     test.addSurface();
-    // Left half there, right half not.
-    const int image = test.addImage(2, 1, {255, 0, 0, 255, 255, 0, 0, 100});
+    // Left half there, right half where the cut-off is.
+    const int image = test.addImage(2, 1, {255, 0, 0, 255, 255, 0, 0, 51});
     Surface& cutOut = test.addSurface();
     cutOut.alphaMode = AlphaMode::Mask;
-    cutOut.alphaCutoff = 0.4F;
+    cutOut.alphaCutoff = 0.201F;
     cutOut.baseColorTexture = TextureUse{};
     cutOut.baseColorTexture->image = image;
     cutOut.baseColorTexture->magnify = cutOut.baseColorTexture->minify = Filter::Nearest;
@@ -326,14 +327,12 @@ TEST(PlainShading, CutOutsHaveHolesAlsoInTheirShadows) {
         return displayed(picture, x, 1);
     };
     expectColor(shownAt(5, 0), V3d(1, 0, 0));
-    expectColor(shownAt(5, 3), V3d(1));  // 100 of 255 is just under the cut-off
+    expectColor(shownAt(5, 3), V3d(1));
     expectColor(shownAt(1, 0), V3d(0));  // from under it: its shadow
     expectColor(shownAt(1, 3), V3d(1));
-    test.scene.surfaces[1].alphaCutoff = 0.39F;
+    cutOut.alphaCutoff = 0.2F;  // which 51 of 255 just reaches
+    expectColor(shownAt(5, 3), V3d(1, 0, 0));
     expectColor(shownAt(1, 3), V3d(0));
-    test.scene.surfaces[1].alphaCutoff = 1;  // which the left half just reaches
-    expectColor(shownAt(5, 0), V3d(1, 0, 0));
-    expectColor(shownAt(1, 0), V3d(0));
 }
 
 TEST(PlainShading, EmissionAndUnlitShowWithoutLight) {

@@ -50,12 +50,12 @@ Room::Room() {
     all[kWall].normalTexture = bumps(*this);
     all[kSign].unlit = true;
 
-    addObject(sphereMesh(0.9, 24, 12), kBall, Imath::M44d().translate({-0.8, 0, 0}));
+    addObject(sphereMesh(0.9, 24, 12), kBall, Imath::M44d().translate(Imath::V3d(-0.8, 0, 0)));
     addQuad({0.2, 0.3, 1.5}, 0.8, kPane);
     addQuad({0.9, -0.6, 0.5}, 0.7, kLeaf);
     const auto wall = tangentQuadMesh(1.7);
-    addObject(wall, kWall, Imath::M44d().translate({0.3, 0, -2}));
-    addObject(wall, kWall, Imath::M44d().translate({0.5, 0.1, -2}));
+    addObject(wall, kWall, Imath::M44d().translate(Imath::V3d(0.3, 0, -2)));
+    addObject(wall, kWall, Imath::M44d().translate(Imath::V3d(0.5, 0.1, -2)));
     addQuad({0, 0, 2}, 1.2, kClear);
     addQuad({-1, -1, 1}, 0.4, kSign);
 }

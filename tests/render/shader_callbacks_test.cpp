@@ -120,6 +120,29 @@ TEST(SampleRecord, InterpolatesNormalsThroughFlatteningTransforms) {
     EXPECT_EQ(told["single"][2], 1);  // cosine
 }
 
+/// As it is and mirrored, from before and from behind.
+TEST(SampleRecord, TurnsTheNormalsOfBacksToTheViewer) {
+    for (const double width : {1.0, -1.0}) {
+        for (const double turn : {0.0, M_PI}) {
+            TestScene test;
+            test.addSurface().doubleSided = true;
+            auto mesh = quadMesh(1);
+            mesh->smooth = true;
+            mesh->normals.assign(4, {0.6F, 0, 0.8F});
+            test.addObject(
+                mesh, 0,
+                Imath::M44d().scale(V3d(width, 1, 1)) * Imath::M44d().rotate(V3d(0, turn, 0)));
+            const V3d normal(0.6 * width, 0, 0.8);
+            test.addSun(-normal);
+            expectColor(colorOf(test), V3d(1));
+            Told told;
+            onePixel(test, probe(kDescribe));
+            expectNumbers(told["geometricNormal"], {0, 0, 1});
+            expectNumbers(told["worldNormal"], {normal.x, 0, 0.8});
+        }
+    }
+}
+
 TEST(FlagWord, NamesWhatAShaderMayChange) {
     QuadScene test;
     test.rig.ambient = V3d(0.5);

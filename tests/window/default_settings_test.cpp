@@ -1,14 +1,10 @@
 // The defaults that one process stores and another one meets.
 
-#include <QProcess>
 #include <QPushButton>
-#include <QThread>
-#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
-#include <iostream>
 #include <set>
 
 #include "studio/edit/document.h"
@@ -18,7 +14,6 @@
 #include "studio/services/registry.h"
 #include "tests/files/temporary_folder.h"
 #include "tests/panels/settings_rig.h"
-#include "tests/window/default_settings_loop.h"
 #include "tests/window/window_rig.h"
 
 namespace tavora::studio::testing {
@@ -92,40 +87,5 @@ TEST_F(UnreadableDefaults, AreToldOnceAndStay) {
     setMessageSink({});
 }
 
-TEST(DefaultSettings, AreOldOrNewWhenTheirWriterIsKilledAtAnyMoment) {
-    const TemporaryFolder folder;
-    const std::set<Settings> whole{styled(kFew), styled(kMany)};
-    setSettingsFolder(folder.path());
-    std::set<Settings> met;
-    for (int round = 0; round < 24; ++round) {
-        QProcess writer;
-        writer.setProcessChannelMode(QProcess::SeparateChannels);
-        writer.start("/proc/self/exe", {"--store-defaults", folder.path().c_str()});
-        ASSERT_TRUE(writer.waitForReadyRead()) << writer.readAllStandardError().toStdString();
-        // 25 us to 60 ms: within one write, and some writes later on any machine.
-        QThread::usleep(static_cast<unsigned long>(25 * std::pow(1.4, round)));
-        writer.kill();
-        writer.waitForFinished();
-        const Settings found = newSurface();
-        ASSERT_TRUE(whole.contains(found)) << found.dump();
-        met.insert(found);
-    }
-    EXPECT_EQ(met.size(), 2U) << "the moments were too much alike to tell anything";
-    setSettingsFolder({});
-}
-
 }  // namespace
-
-void storeDefaultsForever(const std::string& folder) {
-    setSettingsFolder(folder);
-    SettingsRig rig;
-    for (bool many = false;; many = !many) {
-        rig.apply(many ? kMany : kFew);
-        rig.draw([&](QWidget& panel) {
-            if (many) std::cout << "storing" << std::endl;
-            click(find(panel, "Set as Default.button"));
-        });
-    }
-}
-
 }  // namespace tavora::studio::testing
