@@ -87,6 +87,7 @@ TEST(ModuleCopy, CopiesHaveGlobalsOfTheirOwn) {
     EXPECT_EQ(second.descriptionLine(), "number 7 of 2");
     EXPECT_EQ(other.descriptionLine(), "number 7 of 1");
     EXPECT_NE(&copies[0]->descriptor(), &copies[4]->descriptor());
+    EXPECT_EQ(copies[0]->server(), "FAKE");
 }
 
 TEST(ModuleCopy, IsFreshWhenLoadedAgain) {

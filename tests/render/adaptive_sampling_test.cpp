@@ -62,7 +62,7 @@ TEST(AdaptiveSampling, IsAsCleanAsManySamplesEverywhereForAFewAPixel) {
     const double adaptive = meanError(render(4, 64), reference);
     EXPECT_LT(adaptive, 1.1 * even);
     EXPECT_GT(few, 3 * even);
-    EXPECT_LT(stats.primaryRays, stats.pixels * 20);
+    EXPECT_LT(stats.primaryRays, stats.pixels * 40);
     EXPECT_LT(shadowRaysEach(), 0.5 * evenShadowRays) << "what neighbours agree on is traced again";
 }
 

@@ -348,6 +348,8 @@ TEST(PlainShading, EmissionAndUnlitShowWithoutLight) {
     test.surface().emissive = {half, 0, 0};
     const double grey = toEncoded(0.5);
     expectColor(colorOf(test), V3d(0.5 * grey + 0.5, 0.5 * grey, 0.5 * grey) * 1.5);
+    test.surface().emissiveTexture.emplace().image = test.addImage(1, 1, {0, 0, 0, 255});
+    expectColor(colorOf(test), V3d(grey));
 }
 
 TEST(PlainShading, MultipliesTextureFactorAndVertexColorAsLight) {

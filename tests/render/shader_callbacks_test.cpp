@@ -156,6 +156,7 @@ TEST(FlagWord, NamesWhatAShaderMayChange) {
     expectColor(paint(HOST_SHADER_DIFFUSE), V3d(0, 0, 0));
     expectColor(paint(HOST_SHADER_TRANSPARENCY), V3d(toEncoded(0.75 * toLinear(0.5)), 0, 0));
     expectColor(paint(kAll), V3d(0, 0, toEncoded(0.75)));
+    expectColor(colorOf(test, probe(kPaint, kAll, 0, 0, 1, 1)), V3d(0));
 }
 
 TEST(FlagWord, RecordsAreOnlyTheShadersToScribbleIn) {

@@ -47,6 +47,7 @@ struct SmallScene {
         TextureUse use;
         use.magnify = use.minify = Filter::Nearest;
         use.mipmaps = false;
+        scene.surfaces[0].emissiveTexture.emplace().image = -1;  // of no source
         scene.surfaces[1].baseColorTexture = use;
         scene.surfaces[1].translucencyTexture = use;
         scene.surfaces[1].translucencyFactor = 0.5F;
@@ -183,7 +184,9 @@ TEST(Textures, AreTheirMeanWhereASpotCoversThemWhole) {
     HostTexturePoint point{};
     point.polygonId = index.polygonId(1, 0);
     point.vertexWeights[0] = 1;
-    point.vertexPositions[1][0] = point.vertexPositions[2][1] = 1;
+    for (const int vertex : {0, 1, 2})
+        point.vertexPositions[vertex][0] = vertex == 1 ? 4 : 3;
+    point.vertexPositions[2][1] = 1;
     const auto alpha = [&](double spot) {
         double color[3];
         point.spotSize = spot;
