@@ -115,9 +115,11 @@ double alphaOfHit(const HitAtFilter& at, const Spot& spot, const Width& wide) {
     return alphaAt(at.scene().index(), *at.source().surface, place);
 }
 
+/// Compared as the scene's numbers are kept: in doubles, a byte of 51 would miss 0.2.
 template <class Width>
 bool isCutOut(const HitAtFilter& at, const Width& wide) {
-    return alphaOfHit(at, spotOf(at), wide) < static_cast<double>(at.source().surface->alphaCutoff);
+    const auto alpha = static_cast<float>(alphaOfHit(at, spotOf(at), wide));
+    return alpha < at.source().surface->alphaCutoff;
 }
 
 /// Rays through the edge between two triangles meet both, though they pass the

@@ -30,6 +30,10 @@
 #define FAKE_TOKEN 1
 #endif
 
+#ifdef FAKE_NEEDS
+extern "C" void FAKE_NEEDS();
+#endif
+
 namespace {
 
 int instances = 0;
@@ -98,10 +102,15 @@ int activateInterface(int version, HostLookup*, void* record, void*) {
 }
 
 void* startup() {
+#ifdef FAKE_NEEDS
+    FAKE_NEEDS();
+#endif
     return reinterpret_cast<void*>(std::uintptr_t{FAKE_TOKEN});
 }
 
-void shutdown(void*) {}
+void shutdown(void*) {
+    setenv("FAKE_MODULE_ENDED", "1", 1);
+}
 
 const HostServerRecord servers[] = {
     {FAKE_CLASS, "FAKE", activateHandler, nullptr},

@@ -55,6 +55,7 @@ TEST(ModuleCopy, SaysWhatIsWrongWithWhichFile) {
          AllOf(HasSubstr("Coffee Machine, Tea Kettle"), Not(HasSubstr(HOST_MESSAGES_SERVICE)))},
         {"odd_result.so", HasSubstr("result 5")},
         {"no_start.so", HasSubstr("failed to start")},
+        {"unresolved.so", AllOf(HasSubstr("nobodyHasThis"), Not(HasSubstr("/proc/")))},
     };
     for (const Case& wrong : cases) {
         const std::string text = errorOf(kFolder / wrong.file);
@@ -106,6 +107,7 @@ TEST(ModuleCopy, CopiesHaveGlobalsOfTheirOwn) {
     EXPECT_EQ(second.descriptionLine(), "number 7 of 2");
     EXPECT_EQ(other.descriptionLine(), "number 7 of 1");
     EXPECT_NE(&copies[0]->descriptor(), &copies[4]->descriptor());
+    EXPECT_EQ(copies[0]->server(), "FAKE");
 }
 
 TEST(ModuleCopy, IsFreshWhenLoadedAgain) {
@@ -114,7 +116,9 @@ TEST(ModuleCopy, IsFreshWhenLoadedAgain) {
         const ModuleCopy copy(kFolder / "good.so", lookUp);
         const Shader shader(copy, nullptr);
         EXPECT_EQ(shader.descriptionLine(), "number 7 of 1");
+        unsetenv("FAKE_MODULE_ENDED");
     }
+    EXPECT_STREQ(std::getenv("FAKE_MODULE_ENDED"), "1") << "shut down before it goes";
 }
 
 TEST(Shader, KeepsSettingsInBlocks) {
@@ -176,8 +180,9 @@ TEST(ModuleFile, IsLookedForInOrder) {
     }
     // Set but empty is as good as unset: the place beside the program counts.
     const std::string beside = fs::read_symlink("/proc/self/exe").parent_path().string();
-    for (const char* none : {"", ":"}) {
-        setenv("TAVORA_PLUGIN_PATH", none, 1);
+    for (const char* none : {static_cast<const char*>(nullptr), "", ":"}) {
+        unsetenv("TAVORA_PLUGIN_PATH");
+        if (none != nullptr) setenv("TAVORA_PLUGIN_PATH", none, 1);
         try {
             EXPECT_EQ(findModule({}).parent_path(), beside);
         } catch (const Error& error) {

@@ -2,7 +2,9 @@
 
 #include <QApplication>
 #include <QCheckBox>
+#include <QLabel>
 #include <QLineEdit>
+#include <QPaintEvent>
 #include <QPushButton>
 #include <QTableView>
 #include <QTest>
@@ -195,8 +197,13 @@ TEST_F(PanelServices, HandlesThatOutliveTheirPanelDoNothing) {
     EXPECT_EQ(host->addControl(panel, "BoolControl", nullptr, ""), nullptr);
     host->draw->pixel(panel, 1, 2, 3, 4, 5);
     host->destroy(panel);
+    panel = host->create("Second", nullptr);
+    const HostControlId other = add("NumControl", "Depth");
     panels.reset();
-    setInteger(control, 5);
+    for (const HostControlId gone : {control, other}) {
+        setInteger(gone, 5);
+        EXPECT_EQ(integer(gone), 0);
+    }
     EXPECT_EQ(host->create("Late", nullptr), nullptr);
     EXPECT_EQ(findServiceOrWindow(HOST_PANELS_SERVICE, 0), nullptr);
 }
@@ -271,8 +278,22 @@ TEST_F(PanelServices, DrawingIsClampedAndClearedByItsArea) {
     size.of.area = {40, 12};
     const HostControlId area = add("AreaControl", "", size);
     move(area, 100, 50);
+    struct Painted : QObject {
+        QRegion region;
+        bool eventFilter(QObject*, QEvent* event) override {
+            if (event->type() == QEvent::Paint)
+                region |= static_cast<QPaintEvent*>(event)->region();
+            return false;
+        }
+    } painted;
     open([&](QWidget& shownPanel) {
+        QCoreApplication::processEvents();
+        shownPanel.findChild<PanelCanvas*>()->installEventFilter(&painted);
         host->draw->pixel(panel, 300, -4, 128, 10, 10);
+        host->draw->text(panel, "both", 255, 30, 40);
+        QCoreApplication::processEvents();
+        EXPECT_TRUE(painted.region.contains(QPoint(10, 10)) &&
+                    painted.region.contains(QPoint(35, 45)));
         host->draw->pixel(panel, 1, 1, 1, -1, 100000);
         EXPECT_EQ(shownPanel.grab().toImage().pixelColor(10, 10), QColor(255, 0, 128));
         const auto& drawing = shownPanel.findChild<PanelCanvas*>()->drawing();
@@ -281,11 +302,81 @@ TEST_F(PanelServices, DrawingIsClampedAndClearedByItsArea) {
         host->draw->border(panel, 0, 5, 5, 100, 0);
         host->draw->border(panel, 0, 5, 5, 100, 0);
         host->drawControl(area, HOST_DRAW_GHOST);
-        EXPECT_EQ(drawing.texts().size(), 2U);
+        EXPECT_EQ(drawing.texts().size(), 3U);
         host->drawControl(area, HOST_DRAW_NORMAL);
-        EXPECT_EQ(drawing.texts().size(), 1U);
+        EXPECT_EQ(drawing.texts().size(), 2U);
         EXPECT_EQ(drawing.borders().size(), 1U);
     });
+}
+
+/// How many pixels of a widget are of that colour, about.
+int pixelsOf(QWidget& widget, const QColor& color) {
+    const QImage shown = widget.grab().toImage();
+    int count = 0;
+    for (int i = 0; i < shown.width() * shown.height(); ++i) {
+        const QColor at = shown.pixelColor(i % shown.width(), i / shown.width());
+        const int off = std::abs(at.red() - color.red()) + std::abs(at.green() - color.green()) +
+                        std::abs(at.blue() - color.blue());
+        count += off < 60 ? 1 : 0;
+    }
+    return count;
+}
+
+TEST_F(PanelServices, AChoiceShowsWhatIsChosenAndWhetherItCanBe) {
+    const char* items[] = {"Of", "Everything", nullptr};
+    HostControlDescription choice{HOST_VALUE_CHOICE, {}};
+    choice.of.choice.items = items;
+    const HostControlId control = add("ChoiceControl", "Mode", choice);
+    setInteger(control, 1);
+    open([&](QWidget& shownPanel) {
+        QPalette colors = shownPanel.palette();
+        colors.setColor(QPalette::Highlight, Qt::green);
+        colors.setColor(QPalette::HighlightedText, Qt::red);
+        shownPanel.setPalette(colors);
+        const auto buttons = find(shownPanel, "Mode.choice").findChildren<QPushButton*>();
+        EXPECT_EQ(buttons[0]->size(), buttons[1]->size());
+        const auto inks = [&](int button) { return pixelsOf(*buttons[button], Qt::red); };
+        buttons[0]->setFocus();
+        const int text = inks(1);
+        EXPECT_GT(text, 3);
+        EXPECT_GT(pixelsOf(*buttons[1], Qt::green), 300);
+        EXPECT_EQ(inks(0) + pixelsOf(*buttons[0], Qt::green), 0);
+        buttons[1]->setFocus();
+        EXPECT_GT(inks(1), text + 2 * (buttons[1]->width() - 10)) << "a frame about the text";
+        EXPECT_GT(pixelsOf(*buttons[1], Qt::green), 300);
+        host->drawControl(control, HOST_DRAW_GHOST);
+        EXPECT_EQ(inks(1) + pixelsOf(*buttons[1], Qt::green), 0);
+        host->drawControl(control, HOST_DRAW_NORMAL);
+        setInteger(control, 7);
+        for (const int button : {0, 1})
+            click(*buttons[button]);
+        EXPECT_TRUE(buttons[1]->isChecked() && !buttons[0]->isChecked());
+        EXPECT_EQ(integer(control), 1);
+    });
+}
+
+TEST_F(PanelServices, TextsAreShownAsTheyAreAndHeadingsBold) {
+    const auto widthOf = [this](const char* line) {
+        const char* lines[] = {line, nullptr};
+        HostControlDescription text{HOST_VALUE_TEXT, {}};
+        text.of.text.lines = lines;
+        add("TextControl", "Beside", text);
+        int width = 0;
+        open([&](QWidget& shownPanel) {
+            const auto labels = shownPanel.findChildren<QLabel*>();
+            EXPECT_TRUE(std::ranges::any_of(
+                labels, [](const QLabel* label) { return label->text() == "Beside"; }));
+            for (const QLabel* label : labels) {
+                if (label->text() != line) continue;
+                width = label->sizeHint().width();
+                EXPECT_GE(label->height(), label->sizeHint().height());
+            }
+        });
+        return width;
+    };
+    EXPECT_GT(widthOf("<b>Size</b>"), widthOf("Size.") + 10);
+    EXPECT_GT(widthOf("Sizes and sizes:"), widthOf("Sizes and sizes."));
+    EXPECT_GT(widthOf("Two\nlines"), 0);
 }
 
 TEST_F(PanelServices, TheDrawCallbackRunsAgainForAnotherPalette) {
@@ -322,27 +413,39 @@ TEST_F(PanelServices, ThePickerKeepsColorsThatWereNotChanged) {
     EXPECT_EQ(request.result, 0);
     EXPECT_EQ(request.red, 0.501F);
     EXPECT_GE(events, 1);
+    whenPicking([&](QColorDialog& dialog) {
+        panels->close(false);
+        EXPECT_FALSE(dialog.isVisible()) << "it closes with everything";
+        dialog.reject();
+    });
+    EXPECT_EQ(pick(HOST_COLOR_PICKER_VERSION, &request), 0);
 }
 
 TEST_F(PanelServices, NumbersTakeTypingStepsAndTheWheelOnlyInFocus) {
     const HostControlId control = add("NumControl", "Depth");
     setInteger(control, 4);
+    const char* items[] = {"Off", "On", nullptr};
+    HostControlDescription choice{HOST_VALUE_CHOICE, {}};
+    choice.of.choice.items = items;
+    add("PopupControl", "Mode", choice);
     open([&](QWidget& shownPanel) {
         auto& field = find(shownPanel, "Depth.number");
         field.clearFocus();
-        const auto wheel = [&] {
-            QWheelEvent event(field.rect().center(), field.mapToGlobal(field.rect().center()), {},
-                              {0, 120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
-            QApplication::sendEvent(&field, &event);
+        const auto wheel = [](QWidget& over) {
+            QWheelEvent event(over.rect().center(), over.mapToGlobal(over.rect().center()), {},
+                              {0, -120}, Qt::NoButton, Qt::NoModifier, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(&over, &event);
         };
-        wheel();
+        wheel(field);
+        wheel(find(shownPanel, "Mode.popup"));
         EXPECT_EQ(events, 0);
         type(shownPanel, "Depth.number", "12x");
         EXPECT_EQ(integer(control), 4);
         type(shownPanel, "Depth.number", "12");
-        wheel();
+        wheel(field);
+        EXPECT_EQ(integer(control), 11);
         QTest::keyClick(&field, Qt::Key_PageDown);
-        EXPECT_EQ(integer(control), 3);
+        EXPECT_EQ(integer(control), 1);
         QTest::keyClick(&field, Qt::Key_PageDown);
         EXPECT_EQ(integer(control), 0);
         EXPECT_EQ(events, 4);

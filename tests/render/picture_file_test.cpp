@@ -30,7 +30,6 @@ float linear(double encoded) {
 }
 
 struct Png {
-    png_uint_32 width = 0;
     png_uint_32 height = 0;
     int bits = 0;
     int channels = 0;
@@ -39,17 +38,6 @@ struct Png {
     std::vector<unsigned> values;
 };
 
-std::vector<unsigned> valuesOf(png_bytepp rows, const Png& png) {
-    std::vector<unsigned> values;
-    for (png_uint_32 y = 0; y < png.height; ++y) {
-        for (png_uint_32 i = 0; i < png.width * static_cast<png_uint_32>(png.channels); ++i) {
-            const png_byte* at = rows[y] + i * static_cast<png_uint_32>(png.bits / 8);
-            values.push_back(png.bits == 16 ? at[0] * 256U + at[1] : at[0]);
-        }
-    }
-    return values;
-}
-
 Png readPng(const fs::path& file) {
     std::FILE* in = std::fopen(file.c_str(), "rb");
     png_structp png = png_create_read_struct(PNG_LIBPNG_VER_STRING, nullptr, nullptr, nullptr);
@@ -57,13 +45,17 @@ Png readPng(const fs::path& file) {
     png_init_io(png, in);
     png_read_png(png, info, PNG_TRANSFORM_IDENTITY, nullptr);
     Png result;
-    result.width = png_get_image_width(png, info);
     result.height = png_get_image_height(png, info);
     result.bits = png_get_bit_depth(png, info);
     result.channels = png_get_channels(png, info);
     result.saysSrgb = png_get_valid(png, info, PNG_INFO_sRGB) != 0;
     result.hasTime = png_get_valid(png, info, PNG_INFO_tIME) != 0;
-    result.values = valuesOf(png_get_rows(png, info), result);
+    const png_bytepp rows = png_get_rows(png, info);
+    const std::size_t step = static_cast<std::size_t>(result.bits) / 8;
+    for (png_uint_32 y = 0; y < result.height; ++y) {
+        for (std::size_t at = 0; at < png_get_rowbytes(png, info); at += step)
+            result.values.push_back(step == 2 ? rows[y][at] * 256U + rows[y][at + 1] : rows[y][at]);
+    }
     png_destroy_read_struct(&png, &info, nullptr);
     std::fclose(in);
     return result;
@@ -107,14 +99,18 @@ TEST(PictureFile, EveryDisplayValueComesOutOfAPngAsItself) {
     }
 }
 
-TEST(PictureFile, PngDividesColourByAlphaAndBoundsValues) {
+TEST(PictureFile, PngDividesColourByAlphaBoundsValuesAndHoldsTheWindowAlone) {
     const TemporaryFolder folder;
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    const Picture picture =
-        pictureOf({linear(128 / 255.0) / 2, 0, 0, 0.5F, 0.3F, 0.3F, 0.3F, 0, nan, -1, 7, 2}, 3, 1);
+    const Picture picture{
+        10,
+        10,
+        {4, 6, 7, 7},
+        {linear(128 / 255.0) / 2, 0, 0, 0.5F, 0.3F, 0.3F, 0.3F, 0, nan, -1, 7, 2}};
     writePicture(picture, folder / "a.png", {Kind::Png, PictureDepth::Eight, true});
-    const std::vector<unsigned> expected{128, 0, 0, 128, 0, 0, 0, 0, 0, 0, 255, 255};
-    EXPECT_EQ(readPng(folder / "a.png").values, expected);
+    const Png png = readPng(folder / "a.png");
+    EXPECT_EQ(png.height, 1U);
+    EXPECT_EQ(png.values, (std::vector<unsigned>{128, 0, 0, 128, 0, 0, 0, 0, 0, 0, 255, 255}));
 }
 
 /// By how many steps of 255 a straight pixel, laid over a background in linear light,
@@ -151,16 +147,6 @@ TEST(PictureFile, PngOfBytesLaidOverAnythingShowsWhatItShould) {
     }
 }
 
-TEST(PictureFile, PngHoldsTheWindowAlone) {
-    const TemporaryFolder folder;
-    Picture picture{10, 10, {4, 6, 6, 7}, {0, 0, 0, 1, 1, 1, 1, 1}};
-    writePicture(picture, folder / "a.png", {Kind::Png, PictureDepth::Eight, false});
-    const Png png = readPng(folder / "a.png");
-    EXPECT_EQ(png.width, 2U);
-    EXPECT_EQ(png.height, 1U);
-    EXPECT_EQ(png.values, (std::vector<unsigned>{0, 0, 0, 255, 255, 255}));
-}
-
 TEST(PictureFile, ExrKeepsLinearValuesAndWindows) {
     const TemporaryFolder folder;
     const Picture picture{
@@ -180,20 +166,6 @@ TEST(PictureFile, ExrKeepsLinearValuesAndWindows) {
     const std::vector<float> values = readExr(halves, {"R", "G", "B"});
     EXPECT_EQ(values[0], static_cast<float>(half(0.1F)));
     EXPECT_EQ(values[3], HALF_MAX);
-}
-
-TEST(PictureFile, EqualPicturesAreEqualFiles) {
-    const TemporaryFolder folder;
-    const Picture picture = pictureOf(std::vector<float>(40 * 30 * 4, 0.3F), 40, 30);
-    for (const auto& [name, format] :
-         {std::pair{"a.png", PictureFormat{Kind::Png, PictureDepth::Sixteen, true}},
-          {"a.exr", PictureFormat{Kind::Exr, PictureDepth::Half, true}}}) {
-        writePicture(picture, folder / name, format);
-        const std::string first = bytesOf(folder / name);
-        writePicture(picture, folder / name, format);
-        EXPECT_EQ(bytesOf(folder / name), first);
-        EXPECT_FALSE(first.empty());
-    }
 }
 
 TEST(PictureFile, NothingIsLeftWhereItCannotBeWritten) {

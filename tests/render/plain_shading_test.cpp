@@ -6,7 +6,7 @@
 #include <numbers>
 
 #include "studio/util/color.h"
-#include "tests/render/test_scene.h"
+#include "tests/render/room.h"
 
 namespace tavora::studio {
 namespace {
@@ -15,29 +15,11 @@ using Imath::V3d;
 
 constexpr double kClose = 2e-6;
 
-void expectColor(const V3d& actual, const V3d& expected) {
-    EXPECT_NEAR(actual.x, expected.x, kClose);
-    EXPECT_NEAR(actual.y, expected.y, kClose);
-    EXPECT_NEAR(actual.z, expected.z, kClose);
-}
-
 V3d encoded(const V3d& linear) {
     return {toEncoded(linear.x), toEncoded(linear.y), toEncoded(linear.z)};
 }
 
 const V3d kDown(0, 0, -1);  // straight at a quad
-
-/// One quad that fills the picture, and its surface.
-struct QuadScene : TestScene {
-    QuadScene() {
-        addSurface();
-        addQuad({0, 0, 0}, 1, 0);
-    }
-    Surface& surface() { return scene.surfaces[0]; }
-    V3d color() const {
-        return displayed(renderPlain(*this, frontCamera({0, 0, 5}, 0.5), squareOptions(1)), 0, 0);
-    }
-};
 
 TEST(PlainShading, ScattersLightByTheCosine) {
     QuadScene test;
@@ -45,10 +27,10 @@ TEST(PlainShading, ScattersLightByTheCosine) {
     test.rig.ambient = {0.25, 0.25, 0.25};
     const double angle = std::numbers::pi / 3;
     test.addSun({std::sin(angle), 0, -std::cos(angle)});
-    expectColor(test.color(), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
+    expectColor(colorOf(test), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
     // From behind, nothing is added.
     test.addSun({0, 0, 1});
-    expectColor(test.color(), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
+    expectColor(colorOf(test), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
 }
 
 TEST(PlainShading, MeshesThatHangOnMirroredJointsAreLitFromOutside) {
@@ -70,10 +52,10 @@ TEST(PlainShading, PointLightsShineFromWhereTheyAre) {
     QuadScene test;
     test.addLight(LightKind::Point, {1, 0.5, 0}).position = {0, 3, 4};
     const double cosine = 4.0 / 5.0;
-    expectColor(test.color(), V3d(1, 0.5, 0) * cosine);
+    expectColor(colorOf(test), V3d(1, 0.5, 0) * cosine);
     // Level 1 at distance 1 with falloff.
     test.rig.falloff = true;
-    expectColor(test.color(), V3d(1, 0.5, 0) * cosine / 25);
+    expectColor(colorOf(test), V3d(1, 0.5, 0) * cosine / 25);
 }
 
 TEST(PlainShading, SpotsLightTheirConeAlone) {
@@ -100,22 +82,23 @@ TEST(PlainShading, SpotsLightTheirConeAlone) {
     }
 }
 
-TEST(PlainShading, ShadowsAreWhereTheBlockerIs) {
-    TestScene test;
-    test.addSurface();
-    test.addQuad({0, 0, 0}, 10, 0);
-    // The camera looks from under the blocker, whose shadow the sun throws
-    // two to the right.
-    test.addQuad({0, 0, 2}, 0.5, 0);
-    test.addSun({1, 0, -1});
-    const Picture picture = renderPlain(test, frontCamera({0, 0, 1}, 4), squareOptions(81));
-    const double lit = std::cos(std::numbers::pi / 4);
-    for (int x = 0; x < 81; ++x) {
-        const double at = (x - 40) * 8.0 / 81;
-        if (std::abs(std::abs(at - 2) - 0.5) < 1e-3) continue;
-        const bool shadowed = std::abs(at - 2) < 0.5;
-        EXPECT_NEAR(displayed(picture, x, 40).x, shadowed ? 0 : lit, kClose) << at;
+TEST(PlainShading, OfMoreLightsThanAnyTableHoldsEachCountsAndIsShadowed) {
+    QuadScene test;
+    double expected = 0;
+    for (int i = 0; i < 128; ++i) {
+        const double tilt = i * 0.01;
+        test.addSun({std::sin(tilt), 0, -std::cos(tilt)}, V3d(1 / 128.0));
+        if (i <= 100) expected += std::cos(tilt) / 128;
     }
+    // In the way of the last of them.
+    const double reach = 2 * std::tan(1.005);
+    test.addQuad({-reach - 10, 0, 2}, 10, 0);
+    EXPECT_NEAR(colorOf(test).x, expected, kClose);
+    RenderOptions options = squareOptions(9);
+    options.samples = 4;
+    options.mostSamples = 64;
+    EXPECT_NEAR(displayed(renderPlain(test, frontCamera({0, 0, 5}, 0.01), options), 4, 4).x,
+                expected, kClose);
 }
 
 /// Half of a floor lies under a roof that ends at x = 0, one above it; the
@@ -246,19 +229,16 @@ TEST(PlainShading, SinglesidedBacksAreUnseenButThrowShadows) {
     test.addSun(kDown);
     const Imath::M44d turned = Imath::M44d().rotate(V3d(0, std::numbers::pi, 0));
     test.addObject(quadMesh(1), 0, turned * Imath::M44d().translate(V3d(0, 0, 1)));
-    const auto color = [&] {
-        return displayed(renderPlain(test, frontCamera({0, 0, 5}, 0.5), squareOptions(1)), 0, 0);
-    };
-    expectColor(color(), V3d(0));
+    expectColor(colorOf(test), V3d(0));
     test.addQuad({0, 0, 0}, 1, 0);  // seen through the back, in its shadow
-    expectColor(color(), V3d(0));
+    expectColor(colorOf(test), V3d(0));
     test.addObject(quadMesh(1), 1, turned * Imath::M44d().translate(V3d(0, 0, 2)));
-    expectColor(color(), V3d(1));  // turned to the viewer, and so to the sun
+    expectColor(colorOf(test), V3d(1));  // turned to the viewer, and so to the sun
     // Mirrored, a front stays a front.
     test.addObject(quadMesh(1), 0,
                    Imath::M44d().scale(V3d(-1, 1, 1)) * Imath::M44d().translate(V3d(0, 0, 3)));
     test.scene.surfaces[0].baseColor = {1, 0, 0, 1};
-    expectColor(color(), V3d(1, 0, 0));
+    expectColor(colorOf(test), V3d(1, 0, 0));
 }
 
 TEST(PlainShading, ClearSurfacesLieOverWhatIsBehind) {
@@ -292,52 +272,17 @@ TEST(PlainShading, ClearSurfacesLieOverWhatIsBehind) {
     expectColor(displayed(render(std::nullopt), 0, 0), encoded({red, through, 0.5}));
 }
 
-/// Balls, one as dark and one as bright as can be, behind and before tilted panes of
-/// many strengths and a leaf with holes.
-struct Panes : TestScene {
-    Panes() {
-        rig.ambient = V3d(0.6);
-        addSun({0.4, -0.3, -1}, V3d(0.4));
-        addObject(sphereMesh(0.8, 24, 12), surface({0, 0, 0, 1}),
-                  Imath::M44d().translate(V3d(-0.8, 0.3, -1)));
-        addObject(sphereMesh(0.7, 24, 12), surface({0, 1, 0, 1}),
-                  Imath::M44d().translate(V3d(0.9, -0.4, -1)));
-        const Imath::V4f colors[] = {
-            {1, 0.2F, 0.1F, 0.1F}, {0.1F, 0.9F, 0.3F, 0.5F}, {0, 0, 0, 0.97F}, {1, 1, 1, 0.03F}};
-        for (int i = 0; i < 4; ++i) {
-            const int pane = surface(colors[i]);
-            scene.surfaces.back().alphaMode = AlphaMode::Blend;
-            place(pane, 0.5 * i, V3d(0.5 * i - 0.9, 0.3 * (i % 2), 0.3 * i));
-        }
-        const int leaf = surface({1, 1, 1, 1});
-        scene.surfaces.back().alphaMode = AlphaMode::Mask;
-        scene.surfaces.back().baseColorTexture = TextureUse{};
-        scene.surfaces.back().baseColorTexture->image =
-            addImage(2, 2, {0, 200, 0, 255, 0, 0, 0, 0, 0, 0, 0, 0, 90, 200, 0, 255});
-        place(leaf, 0.3, V3d(-0.7, -0.8, 2));
-    }
-
-  private:
-    int surface(const Imath::V4f& color) {
-        addSurface().baseColor = color;
-        return static_cast<int>(scene.surfaces.size()) - 1;
-    }
-    void place(int surface, double turn, const V3d& at) {
-        addObject(quadMesh(0.7), surface,
-                  Imath::M44d().rotate(V3d(0.1, 0, turn)) * Imath::M44d().translate(at));
-    }
-};
-
 TEST(PlainShading, OverABackgroundItIsTheClearPictureLaidOverIt) {
-    const Panes test;
+    Room test;
+    test.addLights(0, 0);
     RenderOptions options = squareOptions(48);
     options.samples = 4;
     options.mostSamples = 64;
     options.background = {};
-    const Picture clear = renderPlain(test, frontCamera({0, 0, 5}, 2), options);
+    const Picture clear = renderPlain(test, roomCamera(), options);
     for (const V3d& background : {V3d(0), V3d(1), V3d(0, 1, 0), V3d(0.1, 0.3, 0.5)}) {
         options.background = background;
-        const Picture over = renderPlain(test, frontCamera({0, 0, 5}, 2), options);
+        const Picture over = renderPlain(test, roomCamera(), options);
         for (std::size_t i = 0; i < over.rgba.size(); ++i) {
             const auto channel = static_cast<int>(i % 4);
             const double through = 1 - static_cast<double>(clear.rgba[i - i % 4 + 3]);
@@ -359,18 +304,17 @@ TEST(PlainShading, ClearSurfacesLetLightThrough) {
         surface.baseColor = {1, 1, 1, alpha};
         test.addQuad({0, 0, 3.0 + alpha}, 1, static_cast<int>(test.scene.surfaces.size()) - 1);
     }
-    const Picture picture = renderPlain(test, frontCamera({0, 0, 2}, 0.5), squareOptions(1));
-    expectColor(displayed(picture, 0, 0), V3d(0.75 * 0.5 * 0.7));
+    expectColor(colorFrom({0, 0, 2}, test), V3d(0.75 * 0.5 * 0.7));
 }
 
 TEST(PlainShading, CutOutsHaveHolesAlsoInTheirShadows) {
     TestScene test;
     test.addSurface();
-    // Left half there, right half not.
-    const int image = test.addImage(2, 1, {255, 0, 0, 255, 255, 0, 0, 100});
+    // Left half there, right half where the cut-off is.
+    const int image = test.addImage(2, 1, {255, 0, 0, 255, 255, 0, 0, 51});
     Surface& cutOut = test.addSurface();
     cutOut.alphaMode = AlphaMode::Mask;
-    cutOut.alphaCutoff = 0.4F;
+    cutOut.alphaCutoff = 0.201F;
     cutOut.baseColorTexture = TextureUse{};
     cutOut.baseColorTexture->image = image;
     cutOut.baseColorTexture->magnify = cutOut.baseColorTexture->minify = Filter::Nearest;
@@ -383,10 +327,11 @@ TEST(PlainShading, CutOutsHaveHolesAlsoInTheirShadows) {
         return displayed(picture, x, 1);
     };
     expectColor(shownAt(5, 0), V3d(1, 0, 0));
-    expectColor(shownAt(5, 3), V3d(1));  // 100 of 255 is just under the cut-off
+    expectColor(shownAt(5, 3), V3d(1));
     expectColor(shownAt(1, 0), V3d(0));  // from under it: its shadow
     expectColor(shownAt(1, 3), V3d(1));
-    test.scene.surfaces[1].alphaCutoff = 0.39F;
+    cutOut.alphaCutoff = 0.2F;  // which 51 of 255 just reaches
+    expectColor(shownAt(5, 3), V3d(1, 0, 0));
     expectColor(shownAt(1, 3), V3d(0));
 }
 
@@ -394,15 +339,17 @@ TEST(PlainShading, EmissionAndUnlitShowWithoutLight) {
     QuadScene test;
     test.surface().baseColor = {0.5F, 0.5F, 0.5F, 1};
     test.surface().unlit = true;
-    expectColor(test.color(), V3d(toEncoded(0.5)));
+    expectColor(colorOf(test), V3d(toEncoded(0.5)));
     test.addSun(kDown);
-    expectColor(test.color(), V3d(toEncoded(0.5)));
+    expectColor(colorOf(test), V3d(toEncoded(0.5)));
     test.surface().unlit = false;
     // Half emission: half-way to its hue, half luminous, fully lit by the sun.
     const float half = static_cast<float>(toLinear(0.5));
     test.surface().emissive = {half, 0, 0};
     const double grey = toEncoded(0.5);
-    expectColor(test.color(), V3d(0.5 * grey + 0.5, 0.5 * grey, 0.5 * grey) * 1.5);
+    expectColor(colorOf(test), V3d(0.5 * grey + 0.5, 0.5 * grey, 0.5 * grey) * 1.5);
+    test.surface().emissiveTexture.emplace().image = test.addImage(1, 1, {0, 0, 0, 255});
+    expectColor(colorOf(test), V3d(grey));
 }
 
 TEST(PlainShading, MultipliesTextureFactorAndVertexColorAsLight) {
@@ -413,14 +360,11 @@ TEST(PlainShading, MultipliesTextureFactorAndVertexColorAsLight) {
     surface.baseColorTexture->image = test.addImage(1, 1, {188, 188, 188, 255});
     auto mesh = quadMesh(1);
     test.addObject(mesh, 0);
-    const auto color = [&] {
-        return displayed(renderPlain(test, frontCamera({0, 0, 5}, 0.5), squareOptions(1)), 0, 0);
-    };
-    expectColor(color(), V3d(188 / 255.0));
+    expectColor(colorOf(test), V3d(188 / 255.0));
     surface.baseColor = {0.5F, 1, 1, 1};
     mesh->colors.assign(4, {1, 1, 0.5F, 1});
     const double texel = toLinear(188 / 255.0);
-    expectColor(color(), V3d(toEncoded(texel / 2), toEncoded(texel), toEncoded(texel / 2)));
+    expectColor(colorOf(test), V3d(toEncoded(texel / 2), toEncoded(texel), toEncoded(texel / 2)));
 }
 
 }  // namespace

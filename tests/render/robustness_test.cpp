@@ -6,52 +6,24 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <stdexcept>
+#include <string>
 #include <utility>
 
 #include "host/handler.h"
-#include "studio/link/module_copy.h"
-#include "studio/link/shader.h"
-#include "studio/scene/settings/settings.h"
-#include "studio/services/registry.h"
 #include "tests/render/probe.h"
-#include "tests/render/test_scene.h"
+#include "tests/render/room.h"
 
 namespace tavora::studio {
 namespace {
 
 using Imath::V3d;
 
-StateBlock tavoraDefaults() {
-    return newShaderSettings(ModuleCopy(TAVORA_MODULE, findService));
+/// Lit so that hard shadows and soft ones lie on the wall.
+Room litRoom() {
+    Room room;
+    room.addLights(0.3, 0);
+    return room;
 }
-
-/// The default look with all zones in one opaque colour.
-StateBlock oneColor(const V3d& color) {
-    Settings settings = settingsOf(tavoraDefaults());
-    for (auto& zone : settings["zoneList"])
-        zone["color"] = {color.x, color.y, color.z};
-    return blockOf(settings);
-}
-
-/// Quads, a coarse and a fine sphere, a clear pane, three kinds of lights.
-struct StillLife : TestScene {
-    StillLife() {
-        addSurface();
-        Surface& pane = addSurface();
-        pane.alphaMode = AlphaMode::Blend;
-        pane.baseColor = {0.2F, 0.6F, 1, 0.4F};
-        pane.doubleSided = true;
-        addQuad({0, 0, -2}, 5, 0);
-        addQuad({0.5, 0.3, 1.5}, 0.8, 1);
-        addObject(sphereMesh(1, 16, 8), 0, Imath::M44d().translate(V3d(-1, 0, 0)));
-        addObject(sphereMesh(0.7, 64, 32), 0, Imath::M44d().translate(V3d(1, 0.5, 0)));
-        addSun({0.5, -1, -1}, V3d(0.7, 0.6, 0.5));
-        addLight(LightKind::Point, V3d(0.2, 0.3, 0.5)).position = {2, 3, 4};
-        addLight(LightKind::Spot, V3d(0.5)).position = {0, 0, 6};
-        soften(0.3, 0);
-        rig.ambient = V3d(0.1);
-    }
-};
 
 /// Every pixel alike, or as many samples as each needs, about it.
 class Sampling : public ::testing::TestWithParam<bool> {};
@@ -59,55 +31,62 @@ INSTANTIATE_TEST_SUITE_P(Robustness, Sampling, ::testing::Bool(),
                          [](const auto& test) { return test.param ? "Adaptive" : "Even"; });
 
 TEST_P(Sampling, IsTheSameOnAnyNumberOfThreadsAndInACrop) {
-    const StillLife test;
+    const Room test = litRoom();
     RenderOptions options;
-    options.width = 150;
-    options.height = 110;
+    options.width = 100;
+    options.height = 74;
     options.samples = 5;
     if (GetParam()) {
-        options.mostSamples = 80;
+        options.mostSamples = 40;
         options.filter = PixelFilter::Tent;
     }
-    const Camera camera = frontCamera({0.1, 0, 8}, 2);
     std::vector<Picture> pictures;
-    for (const int threads : {1, 2, 7, 7}) {
+    for (const int threads : {1, 2, 7}) {
         options.threads = threads;
         RenderStats stats;
-        pictures.push_back(
-            renderWith(test, camera, options, TAVORA_MODULE, tavoraDefaults(), &stats));
-        EXPECT_EQ(stats.pixels, 150U * 110U);
+        pictures.push_back(renderWith(test, roomCamera(), options, TAVORA_MODULE, look(), &stats));
+        EXPECT_EQ(stats.pixels, 100U * 74U);
         if (GetParam()) {
             EXPECT_GT(stats.primaryRays, stats.pixels * 7);
             EXPECT_LT(stats.primaryRays, stats.pixels * 30);
         } else {
             EXPECT_EQ(stats.primaryRays, stats.pixels * 5);
         }
-        EXPECT_GT(stats.evaluations, 20000U);
+        EXPECT_GT(stats.evaluations, 9000U);
         EXPECT_GT(stats.shadowRays, stats.evaluations);
         EXPECT_EQ(pictures.back().rgba, pictures.front().rgba) << threads;
     }
-    // And a crop is a part of the whole.
-    options.crop = PixelBox{40, 31, 99, 77};
-    const Picture crop = renderWith(test, camera, options, TAVORA_MODULE, tavoraDefaults());
-    EXPECT_EQ(crop.window, *options.crop);
-    for (int y = 31; y < 77; ++y) {
-        EXPECT_TRUE(std::equal(crop.pixel(40, y), crop.pixel(40, y) + 59 * 4,
-                               pictures.front().pixel(40, y)))
-            << y;
+    // And a crop is a part of the whole, also where it cuts an edge or a shadow's.
+    options.crop = PixelBox{20, 21, 69, 57};
+    for (int i = 0; i < 15; ++i) {
+        const Picture crop = renderWith(test, roomCamera(), options, TAVORA_MODULE, look());
+        const PixelBox box = *options.crop;
+        EXPECT_EQ(crop.window, box);
+        for (int y = box.top; y < box.bottom; ++y) {
+            EXPECT_TRUE(std::equal(crop.pixel(box.left, y),
+                                   crop.pixel(box.left, y) + 4 * (box.right - box.left),
+                                   pictures.front().pixel(box.left, y)))
+                << box.left << ' ' << y;
+        }
+        const int left = 10 + i * 37 % 80;
+        const int top = 5 + i * 23 % 60;
+        options.crop = PixelBox{left, top, left + 1 + i % 5, top + 1 + i % 3};
     }
 }
 
 TEST_P(Sampling, ShowsWhatIsPicked) {
-    const StillLife test;
+    const Room test = litRoom();
     RenderOptions options = squareOptions(40);
     options.samples = 7;
     if (GetParam()) {
         options.mostSamples = 50;
         options.filter = PixelFilter::BlackmanHarris;
     }
-    const V3d picked(128 / 255.0, 64 / 255.0, 0);
+    nlohmann::ordered_json oneColor;
+    for (int i = 0; i < 5; ++i)
+        oneColor["zones[" + std::to_string(i) + "].color"] = {128 / 255.0, 64 / 255.0, 0};
     const Picture picture =
-        renderWith(test, frontCamera({0, 0, 1}, 0.3), options, TAVORA_MODULE, oneColor(picked));
+        renderWith(test, frontCamera({0, 0, 1}, 0.3), options, TAVORA_MODULE, look(oneColor));
     for (int y = 0; y < 40; ++y) {
         for (int x = 0; x < 40; ++x) {
             const V3d shown = displayed(picture, x, y) * 255;
@@ -196,14 +175,10 @@ TEST(Robustness, FloorsHaveNoAcneAtAnyScale) {
         camera.cameraToWorld = Imath::M44d().rotate(V3d(1.4, 0, 0)) *
                                Imath::M44d().translate(V3d(3.1, 2.2, 6) * scale);
         const Picture picture = renderPlain(test, camera, squareOptions(64));
-        int seen = 0;
         for (int y = 32; y < 64; ++y) {
-            for (int x = 0; x < 64; ++x) {
+            for (int x = 0; x < 64; ++x)
                 ASSERT_GT(picture.pixel(x, y)[0], 0.001F) << scale << ' ' << x << ' ' << y;
-                ++seen;
-            }
         }
-        EXPECT_EQ(seen, 32 * 64);
     }
 }
 
@@ -225,42 +200,38 @@ TEST(Robustness, OfTwoSurfacesInOnePlaceTheFirstIsSeen) {
 }
 
 TEST(Robustness, LightsThatNoSurfaceWorksWithCostNothing) {
-    StillLife test;
+    Room test = litRoom();
     for (int i = 0; i < 40; ++i)
         test.addSun({0.1 * i - 2, -1, -1}, V3d(0.02));
-    Settings settings = settingsOf(tavoraDefaults());
-    settings["useAllLights"] = false;
-    settings["lightList"] = {test.rig.lights.front().light->name};
     RenderStats stats;
-    renderWith(test, frontCamera({0.1, 0, 8}, 2), squareOptions(60), TAVORA_MODULE,
-               blockOf(settings), &stats);
+    renderWith(test, roomCamera(), squareOptions(60), TAVORA_MODULE,
+               look({{"useAllLights", false}, {"lightList", {test.rig.lights[0].light->name}}}),
+               &stats);
     EXPECT_LT(stats.shadowRays, stats.evaluations * 3) << "of 43 lights";
 }
 
 TEST(Robustness, StoppingAndWatching) {
-    const StillLife test;
-    Renderer renderer(test.scene);
-    const SurfaceShaders plain(2);
-    RenderOptions options = squareOptions(200);
+    const Room test = litRoom();
+    RenderOptions options = squareOptions(100);
     options.threads = 2;
-    double last = 0;
     RenderWatch watch;
+    const auto render = [&] {
+        const SurfaceShaders plain(kSign + 1);
+        Renderer(test.scene).render(roomCamera(), test.rig, plain, {}, options, watch, nullptr);
+    };
+    double last = 0;
     watch.progress = [&](double done) {
         EXPECT_GE(done, last);
         last = done;
     };
-    renderer.render(frontCamera({0, 0, 8}, 2), test.rig, plain, {}, options, watch, nullptr);
+    render();
     EXPECT_EQ(last, 1);
     const std::atomic<bool> stop = true;
     watch.stop = &stop;
-    EXPECT_THROW(
-        renderer.render(frontCamera({0, 0, 8}, 2), test.rig, plain, {}, options, watch, nullptr),
-        RenderStopped);
+    EXPECT_THROW(render(), RenderStopped);
     watch.stop = nullptr;
     watch.progress = [](double) { throw std::runtime_error("enough"); };
-    EXPECT_THROW(
-        renderer.render(frontCamera({0, 0, 8}, 2), test.rig, plain, {}, options, watch, nullptr),
-        std::runtime_error);
+    EXPECT_THROW(render(), std::runtime_error);
 }
 
 }  // namespace

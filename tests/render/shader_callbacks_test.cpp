@@ -12,7 +12,7 @@
 #include "studio/util/color.h"
 #include "studio/util/error.h"
 #include "tests/render/probe.h"
-#include "tests/render/test_scene.h"
+#include "tests/render/room.h"
 
 namespace tavora::studio {
 namespace {
@@ -23,7 +23,6 @@ using Numbers = std::vector<double>;
 constexpr std::int32_t kAll = HOST_SHADER_COLOR | HOST_SHADER_LUMINOUS | HOST_SHADER_DIFFUSE |
                               HOST_SHADER_SPECULAR | HOST_SHADER_TRANSPARENCY |
                               HOST_SHADER_RAYTRACE;
-constexpr double kClose = 2e-6;
 
 StateBlock probe(ProbeBehaviour behaviour, std::int32_t flags = kAll, float n0 = 0, float n1 = 0,
                  float n2 = 0, float n3 = 0) {
@@ -56,21 +55,6 @@ class Told {
     std::map<std::string, int> counts_;
 };
 
-Picture onePixel(const TestScene& test, const StateBlock& block, RenderStats* stats = nullptr) {
-    return renderWith(test, frontCamera({0, 0, 5}, 0.5), squareOptions(1), PROBE_MODULE, block,
-                      stats);
-}
-
-V3d colorOf(const TestScene& test, const StateBlock& block) {
-    return displayed(onePixel(test, block), 0, 0);
-}
-
-void expectColor(const V3d& actual, const V3d& expected) {
-    EXPECT_NEAR(actual.x, expected.x, kClose);
-    EXPECT_NEAR(actual.y, expected.y, kClose);
-    EXPECT_NEAR(actual.z, expected.z, kClose);
-}
-
 void expectNumbers(const Numbers& actual, const Numbers& expected) {
     EXPECT_THAT(actual, testing::Pointwise(testing::DoubleNear(1e-6), expected));
 }
@@ -78,13 +62,6 @@ void expectNumbers(const Numbers& actual, const Numbers& expected) {
 double asNumber(const void* id) {
     return static_cast<double>(reinterpret_cast<std::uintptr_t>(id));
 }
-
-struct QuadScene : TestScene {
-    QuadScene() {
-        addSurface();
-        addQuad({0, 0, 0}, 1, 0);
-    }
-};
 
 TEST(SampleRecord, DescribesTheHit) {
     TestScene test;
@@ -143,6 +120,29 @@ TEST(SampleRecord, InterpolatesNormalsThroughFlatteningTransforms) {
     EXPECT_EQ(told["single"][2], 1);  // cosine
 }
 
+/// As it is and mirrored, from before and from behind.
+TEST(SampleRecord, TurnsTheNormalsOfBacksToTheViewer) {
+    for (const double width : {1.0, -1.0}) {
+        for (const double turn : {0.0, M_PI}) {
+            TestScene test;
+            test.addSurface().doubleSided = true;
+            auto mesh = quadMesh(1);
+            mesh->smooth = true;
+            mesh->normals.assign(4, {0.6F, 0, 0.8F});
+            test.addObject(
+                mesh, 0,
+                Imath::M44d().scale(V3d(width, 1, 1)) * Imath::M44d().rotate(V3d(0, turn, 0)));
+            const V3d normal(0.6 * width, 0, 0.8);
+            test.addSun(-normal);
+            expectColor(colorOf(test), V3d(1));
+            Told told;
+            onePixel(test, probe(kDescribe));
+            expectNumbers(told["geometricNormal"], {0, 0, 1});
+            expectNumbers(told["worldNormal"], {normal.x, 0, 0.8});
+        }
+    }
+}
+
 TEST(FlagWord, NamesWhatAShaderMayChange) {
     QuadScene test;
     test.rig.ambient = V3d(0.5);
@@ -156,6 +156,7 @@ TEST(FlagWord, NamesWhatAShaderMayChange) {
     expectColor(paint(HOST_SHADER_DIFFUSE), V3d(0, 0, 0));
     expectColor(paint(HOST_SHADER_TRANSPARENCY), V3d(toEncoded(0.75 * toLinear(0.5)), 0, 0));
     expectColor(paint(kAll), V3d(0, 0, toEncoded(0.75)));
+    expectColor(colorOf(test, probe(kPaint, kAll, 0, 0, 1, 1)), V3d(0));
 }
 
 TEST(FlagWord, RecordsAreOnlyTheShadersToScribbleIn) {

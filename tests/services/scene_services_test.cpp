@@ -47,6 +47,7 @@ struct SmallScene {
         TextureUse use;
         use.magnify = use.minify = Filter::Nearest;
         use.mipmaps = false;
+        scene.surfaces[0].emissiveTexture.emplace().image = -1;  // of no source
         scene.surfaces[1].baseColorTexture = use;
         scene.surfaces[1].translucencyTexture = use;
         scene.surfaces[1].translucencyFactor = 0.5F;
@@ -142,11 +143,15 @@ TEST(Textures, AreFoundByChannelAndReadAtThePolygon) {
     ASSERT_NE(base, nullptr);
     ASSERT_NE(translucency, nullptr);
 
-    double scale[3] = {};
-    EXPECT_EQ(textures.layerParameter(textures.firstLayer(base), HOST_LAYER_SCALE, scale), 1);
-    EXPECT_THAT(scale, ElementsAre(1, 1, 1));
-    EXPECT_EQ(textures.layerParameter(textures.firstLayer(base), 99, scale), 0);
-    EXPECT_EQ(textures.layerParameter(nullptr, HOST_LAYER_SCALE, scale), 0);
+    for (const auto& [parameter, expected] : {std::pair(HOST_LAYER_SCALE, 1.0),
+                                              {HOST_LAYER_POSITION, 0.0},
+                                              {HOST_LAYER_ROTATION, 0.0}}) {
+        double all[3] = {-1, -1, -1};
+        EXPECT_EQ(textures.layerParameter(nullptr, parameter, all), 0);
+        EXPECT_EQ(textures.layerParameter(textures.firstLayer(base), parameter, all), 1);
+        EXPECT_THAT(all, ElementsAre(expected, expected, expected));
+        EXPECT_EQ(textures.layerParameter(textures.firstLayer(base), 99, all), 0);
+    }
 
     HostTexturePoint point{};
     point.polygonId = index.polygonId(1, 0);
@@ -163,8 +168,35 @@ TEST(Textures, AreFoundByChannelAndReadAtThePolygon) {
     for (HostPolygonId unknown : {HostPolygonId{}, index.polygonId(1, 1), index.polygonId(2, 0)}) {
         point.polygonId = unknown;
         EXPECT_EQ(textures.evaluate(base, &point, color), 0);
+        EXPECT_THAT(color, ElementsAre(0, 0, 0));
     }
     EXPECT_EQ(textures.evaluate(nullptr, &point, color), 0);
+}
+
+TEST(Textures, AreTheirMeanWhereASpotCoversThemWhole) {
+    SmallScene small;
+    TextureUse& use = *small.scene.surfaces[1].baseColorTexture;
+    use.minify = Filter::Linear;
+    use.mipmaps = true;
+    use.scale = {8, 4};  // of which a spot a fifth as wide as the triangle covers one
+    const SceneIndex index(small.scene);
+    const ServiceBinding binding(index, small.rig);
+    HostTexturePoint point{};
+    point.polygonId = index.polygonId(1, 0);
+    point.vertexWeights[0] = 1;
+    for (const int vertex : {0, 1, 2})
+        point.vertexPositions[vertex][0] = vertex == 1 ? 4 : 3;
+    point.vertexPositions[2][1] = 1;
+    const auto alpha = [&](double spot) {
+        double color[3];
+        point.spotSize = spot;
+        return serviceTable<HostTextureFunctions>(HOST_TEXTURE_SERVICE)
+            .evaluate(serviceTable<HostSurfaceFunctions>(HOST_SURFACE_SERVICE)
+                          .channelTexture(index.surfaceId(1), HOST_CHANNEL_BASE_COLOR),
+                      &point, color);
+    };
+    EXPECT_NEAR(alpha(0.2), (51 + 255) / 2 / 255.0, 1e-3);
+    EXPECT_NEAR(alpha(0.001), 51 / 255.0, 1e-3);
 }
 
 }  // namespace

@@ -42,20 +42,14 @@ QPoint placeOf(EditWindow& window, std::ptrdiff_t surface) {
 
 using EditWindowTest = WindowTest;
 
-TEST_F(EditWindowTest, AClickInThePictureSelectsTheSurfaceThere) {
+TEST_F(EditWindowTest, AClickSelectsTheSurfaceThereAndADragTurnsTheView) {
     start();
-    picture();
-    for (const std::size_t surface : {1U, 0U, 1U}) {
+    const QImage before = picture();
+    for (const std::size_t surface : {1U, 0U}) {
         QTest::mouseClick(&view(), Qt::LeftButton, {},
                           placeOf(window(), static_cast<std::ptrdiff_t>(surface)));
         EXPECT_EQ(surfaces().selection(), std::vector<std::size_t>{surface});
     }
-    EXPECT_FALSE(document().settings.isModified());
-}
-
-TEST_F(EditWindowTest, ADragTurnsTheViewAndHomeBringsTheSamePictureBack) {
-    start();
-    const QImage before = picture();
     drag(view(), 60);
     EXPECT_EQ(surfaces().current(), 0) << "a drag selects nothing";
     EXPECT_NE(picture(), before);
@@ -228,21 +222,17 @@ TEST(PanelPlace, KeepsClearOfTheSurfacesAndThenOfTheWindow) {
     place({1920, 0, 1280, 720}, {1920, 0, 1280, 700});
 }
 
-TEST_F(EditWindowTest, KeysAreShownOnF1AlsoOverThePanel) {
-    start();
-    inPanel({[&](QWidget& panel) { QTest::keyClick(&panel, Qt::Key_F1); }});
-    const auto* keys = window().findChild<QDialog*>("keysWindow");
-    ASSERT_NE(keys, nullptr);
-    EXPECT_TRUE(keys->isVisible());
-}
-
-TEST_F(EditWindowTest, ASceneOpenedLaterHasItsLightsInThePanel) {
+TEST_F(EditWindowTest, ThePanelOfASceneOpenedLaterHasItsLightsAndShowsTheKeys) {
     start();
     ASSERT_TRUE(window().open(scene_));
     inPanel({[&](QWidget& panel) {
         const auto& list = *find(panel, "Lights.list").findChild<QTableView*>();
         EXPECT_GT(list.model()->rowCount(), 1) << "more than the ambient light";
+        QTest::keyClick(&panel, Qt::Key_F1);
     }});
+    const auto* keys = window().findChild<QDialog*>("keysWindow");
+    ASSERT_NE(keys, nullptr);
+    EXPECT_TRUE(keys->isVisible());
 }
 
 TEST_F(EditWindowTest, ThumbnailsShowWhatChoosingALookGives) {
