@@ -105,6 +105,9 @@ TEST_F(DocumentEdits, ThatComeBackToTheirStartOrAreAbandonedAreNoStep) {
     edit(*document, 0, 0.5, 3);
     edit(*document, 0, 0.7, 3);
     undo.push(enableStep(document->settings, 0, true));
+    const double start = named(*document, 1)["edgeCoverage"];
+    edit(*document, 1, 0.6, 3);
+    edit(*document, 1, start, 3);
     EXPECT_EQ(undoAll(*document), 2U);
 
     undo.redo();

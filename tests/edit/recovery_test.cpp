@@ -151,6 +151,8 @@ TEST_F(RecoveredWork, IsOfferedUntilItIsTakenSavedOrDiscarded) {
 
 TEST_F(RecoveredWork, OfADeadSessionGoesWhenItIsSavedAlready) {
     const auto document = open();
+    edit(*document, 0, 0.4);
+    document->save();
     edit(*document, 0, 0.5);
     set(*document, {{1, std::nullopt}});
     document->recovery.write();
