@@ -73,17 +73,17 @@ class Planner {
     /// A look for what has no shading yet.
     void takeDefault(const std::string& name) {
         if (name.empty()) return;
-        const SurfaceShader worn = builtInWith(readLook(name));
+        const SurfaceShader applied = builtInWith(readLook(name));
         for (const std::size_t i : listedSurfaces(scene_)) {
-            if (!planned_[i]) planned_[i] = worn;
+            if (!planned_[i]) planned_[i] = applied;
         }
     }
 
     void takeLooks(const std::vector<LookChoice>& choices) {
         for (const LookChoice& choice : choices) {
-            const SurfaceShader worn = builtInWith(readLook(choice.look));
+            const SurfaceShader applied = builtInWith(readLook(choice.look));
             for (const std::size_t i : surfacesOf(scene_, choice))
-                planned_[i] = worn;
+                planned_[i] = applied;
         }
     }
 

@@ -10,8 +10,8 @@
 
 #include "host/services/file_io.h"
 #include "studio/edit/document.h"
-#include "studio/edit/look_writing.h"
 #include "studio/files/standard_streams.h"
+#include "studio/scene/settings/look_writing.h"
 #include "studio/services/messages.h"
 #include "studio/services/registry.h"
 #include "studio/setup/shading_request.h"
@@ -36,7 +36,7 @@ void save(const std::string& what, const std::string& scene, const std::string& 
     request.looks = {{"", "noir"}};
     Document document(scene, request, report);
     if (what == "scene") document.save();
-    if (what == "look") saveLook(document.settings, 0, file);
+    if (what == "look") writeLook(document.settings.at(0)->block, file);
     if (what == "defaults") storeDefaults(document, file);
     if (what == "recovery") document.recovery.write();
 }
