@@ -5,7 +5,6 @@
 #include "plugin/record/services.h"
 #include "tests/support/fake_panels.h"
 #include "tests/support/heap.h"
-#include "zones/editor/gradient_painter.h"
 
 namespace tavora::testing {
 namespace {
@@ -122,7 +121,7 @@ TEST_F(SettingsPanel, OpensOnAnyRecord) {
         record->activeTab = 0;
         whileOpen(
             [&] {
-                redraw(panelID, record.get());
+                panels.draw(panelID, panels.drawData);
                 record->selectedZone = nullptr;
                 host.updates.clear();
                 for (const int slot :

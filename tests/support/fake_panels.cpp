@@ -119,8 +119,8 @@ const HostPanelServices services = {
     [](HostPanelId, HostPanelAttribute attribute, int value) {
         panels->attributes.push_back(spaced({attribute, value}));
     },
-    [](HostPanelId, HostPanelDraw* draw) { EXPECT_NE(draw, nullptr); },
-    [](HostPanelId, void* data) { EXPECT_NE(data, nullptr); },
+    [](HostPanelId, HostPanelDraw* draw) { panels->draw = draw; },
+    [](HostPanelId, void* data) { panels->drawData = data; },
     &drawing};
 
 int pickColorNow(int version, HostColorPick* request) {

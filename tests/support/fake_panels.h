@@ -42,6 +42,8 @@ class FakePanels {
     Names borders;
     std::deque<FakeControl> controls;                  ///< in the order they were made
     std::map<std::pair<int, int>, FakePixel> painted;  ///< the last pixel at x, y
+    HostPanelDraw* draw = nullptr;
+    void* drawData = nullptr;
     int livePanels = 0;
     int pixels = 0;
 

@@ -243,7 +243,7 @@ TEST_F(GradientEditor, MarksZonesByKindAndTheSelectedOne) {
         moveZone(record.get(), 0.5);
         panels.log.clear();
         panels.marks.clear();
-        redraw(panelID, record.get());
+        panels.draw(panelID, panels.drawData);
         EXPECT_EQ(panels.marks,
                   (Names{"| 139 33 255", "| 236 33 255", "| 334 33 255", "^ 332 33 255",
                          "' 373 33 255", "| 431 33 255", "  527 33 255"}));
