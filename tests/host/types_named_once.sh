@@ -1,9 +1,13 @@
 #!/usr/bin/env bash
 # types_named_once.sh ROOT: fails when two headers of the studio define a type of
-# one name. They share a namespace, so linkers would silently take one for both.
+# one name in one namespace: linkers would silently take one for both.
 set -euo pipefail
 cd "$1"
 
-twice=$(grep -rhoE '^(struct|class|enum class) [A-Z][A-Za-z]+( :.*)? \{' studio --include='*.h' |
-    sed -E 's/^(struct|class|enum class) //; s/[ :].*//' | sort | uniq -d)
+twice=$(find studio -name '*.h' -exec awk '
+    FNR == 1 { space = "" }
+    /^namespace [a-z:]+ \{/ { space = $2 }
+    /^(struct|class|enum class) [A-Z][A-Za-z]+( :.*)? \{/ {
+        print space "::" ($1 == "enum" ? $3 : $2)
+    }' {} + | sort | uniq -d)
 [ -z "$twice" ] || { echo "defined in more than one header:" $twice >&2; exit 1; }
