@@ -332,8 +332,8 @@ TEST_F(EditWindowTest, CopiesAndAppliesLooksToWhatIsSelected) {
     QApplication::sendEvent(&window(), &enter);
     QDropEvent drop({9, 9}, Qt::CopyAction, &dropped, Qt::LeftButton, {});
     QApplication::sendEvent(&window(), &drop);
-    EXPECT_TRUE(state()[1].enabled);
-    EXPECT_FALSE(state()[0].enabled) << "only the selected surface gets it";
+    EXPECT_TRUE(state()[1]->enabled);
+    EXPECT_FALSE(state()[0]->enabled) << "only the selected surface gets it";
     trigger("undo");
     EXPECT_EQ(state()[1], state()[0]);
 }
