@@ -12,6 +12,7 @@
 #include <cmath>
 #include <gtest/gtest.h>
 #include <limits>
+#include <map>
 
 #include "host/services/color_picker.h"
 #include "host/services/panels.h"
@@ -287,13 +288,14 @@ TEST_F(PanelServices, DrawingIsClampedAndClearedByItsArea) {
         }
     } painted;
     open([&](QWidget& shownPanel) {
-        QCoreApplication::processEvents();
+        QTest::qWait(20);  // until it is shown as a whole
         shownPanel.findChild<PanelCanvas*>()->installEventFilter(&painted);
         host->draw->pixel(panel, 300, -4, 128, 10, 10);
         host->draw->text(panel, "both", 255, 30, 40);
-        QCoreApplication::processEvents();
-        EXPECT_TRUE(painted.region.contains(QPoint(10, 10)) &&
-                    painted.region.contains(QPoint(35, 45)));
+        EXPECT_TRUE(QTest::qWaitFor([&] {
+            return painted.region.contains(QPoint(10, 10)) &&
+                   painted.region.contains(QPoint(35, 45));
+        }));
         host->draw->pixel(panel, 1, 1, 1, -1, 100000);
         EXPECT_EQ(shownPanel.grab().toImage().pixelColor(10, 10), QColor(255, 0, 128));
         const auto& drawing = shownPanel.findChild<PanelCanvas*>()->drawing();
@@ -356,27 +358,25 @@ TEST_F(PanelServices, AChoiceShowsWhatIsChosenAndWhetherItCanBe) {
 }
 
 TEST_F(PanelServices, TextsAreShownAsTheyAreAndHeadingsBold) {
-    const auto widthOf = [this](const char* line) {
+    const char* texts[] = {"<b>Size</b>", "Size.", "Sizes and sizes:", "Sizes and sizes.",
+                           "Two\nlines"};
+    for (const char*& line : texts) {
         const char* lines[] = {line, nullptr};
         HostControlDescription text{HOST_VALUE_TEXT, {}};
         text.of.text.lines = lines;
         add("TextControl", "Beside", text);
-        int width = 0;
-        open([&](QWidget& shownPanel) {
-            const auto labels = shownPanel.findChildren<QLabel*>();
-            EXPECT_TRUE(std::ranges::any_of(
-                labels, [](const QLabel* label) { return label->text() == "Beside"; }));
-            for (const QLabel* label : labels) {
-                if (label->text() != line) continue;
-                width = label->sizeHint().width();
-                EXPECT_GE(label->height(), label->sizeHint().height());
-            }
-        });
-        return width;
-    };
-    EXPECT_GT(widthOf("<b>Size</b>"), widthOf("Size.") + 10);
-    EXPECT_GT(widthOf("Sizes and sizes:"), widthOf("Sizes and sizes."));
-    EXPECT_GT(widthOf("Two\nlines"), 0);
+    }
+    open([&](QWidget& shownPanel) {
+        std::map<QString, int> widths;
+        for (const QLabel* label : shownPanel.findChildren<QLabel*>()) {
+            widths[label->text()] = label->sizeHint().width();
+            EXPECT_GE(label->height(), label->sizeHint().height()) << label->text().toStdString();
+        }
+        EXPECT_EQ(widths.count("Beside"), 1U);
+        EXPECT_EQ(widths.count("Two\nlines"), 1U);
+        EXPECT_GT(widths["<b>Size</b>"], widths["Size."] + 10);
+        EXPECT_GT(widths["Sizes and sizes:"], widths["Sizes and sizes."]);
+    });
 }
 
 TEST_F(PanelServices, TheDrawCallbackRunsAgainForAnotherPalette) {
