@@ -180,8 +180,10 @@ TEST_F(DocumentEdits, ASurfaceWithoutTheShaderGetsANewOne) {
     EXPECT_EQ(settings.at(0), shader(defaults));
     EXPECT_EQ(settings.at(1), shader(defaults));
     edit(*document, 1, 0.77);
-    document->undo.undo();
-    document->undo.undo();
+    document->undo.push(enableStep(settings, 1, false));
+    EXPECT_FALSE(settings.at(1)->enabled);
+    for (int i = 0; i < 3; ++i)
+        document->undo.undo();
     EXPECT_FALSE(settings.at(1));
     EXPECT_EQ(settings.record(1).save(), defaults);
 }
