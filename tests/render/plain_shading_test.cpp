@@ -367,5 +367,19 @@ TEST(PlainShading, MultipliesTextureFactorAndVertexColorAsLight) {
     expectColor(colorOf(test), V3d(toEncoded(texel / 2), toEncoded(texel), toEncoded(texel / 2)));
 }
 
+TEST(PlainShading, TexturesLieOnEachTriangleAsItsCornersSay) {
+    QuadScene test;
+    test.surface().unlit = true;
+    TextureUse& use = test.surface().baseColorTexture.emplace();
+    use.image = test.addImage(2, 2, {0, 0, 0, 255, 51, 0, 0, 255, 102, 0, 0, 255, 153, 0, 0, 255});
+    use.magnify = use.minify = Filter::Nearest;
+    use.mipmaps = false;
+    const Picture picture = renderPlain(test, frontCamera({0, 0, 5}, 1), squareOptions(6));
+    for (const int y : {1, 4}) {
+        for (const int x : {0, 5})
+            expectColor(displayed(picture, x, y), V3d((x / 5 + y / 4 * 2) * 0.2, 0, 0));
+    }
+}
+
 }  // namespace
 }  // namespace tavora::studio

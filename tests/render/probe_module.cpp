@@ -54,10 +54,10 @@ void describe(const HostSample& s) {
                              s.luminosity,   s.diffuse,    s.specular,
                              s.transparency, s.bumpHeight, static_cast<double>(s.polygonNumber)};
     tell("single", single, 9);
-    const double weights[] = {static_cast<double>(s.vertexWeights[0]),
-                              static_cast<double>(s.vertexWeights[1]),
-                              static_cast<double>(s.vertexWeights[2])};
-    tell("weights", weights, 3);
+    const double weights[] = {
+        static_cast<double>(s.vertexWeights[0]), static_cast<double>(s.vertexWeights[1]),
+        static_cast<double>(s.vertexWeights[2]), static_cast<double>(s.vertexWeights[3])};
+    tell("weights", weights, 4);
     for (const auto& corner : s.vertexPositions) {
         const double position[] = {static_cast<double>(corner[0]), static_cast<double>(corner[1]),
                                    static_cast<double>(corner[2])};

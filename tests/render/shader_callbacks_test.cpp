@@ -105,6 +105,7 @@ TEST(SampleRecord, DescribesTheHit) {
     }
     expectNumbers({blended.x, blended.y, blended.z}, {0, 0, -3});
     EXPECT_EQ(told["vertex"][3], 0);
+    EXPECT_EQ(told["weights"][3], 0);
 }
 
 TEST(SampleRecord, InterpolatesNormalsThroughFlatteningTransforms) {
@@ -234,7 +235,7 @@ TEST(Tracing, ShadesWhatItMeets) {
     test.addSurface().baseColor = {1, 0, 0, 1};
     test.addSurface();
     test.rig.ambient = V3d(0.5);
-    test.addQuad({0, 0, 0}, 1, 0);
+    test.addQuad({0, 0, 0.5}, 1, 0);
     test.addQuad({0, 0, 2}, 1, 1);  // wholly clear: not there
     const Object& red = test.addObject(
         quadMesh(1), 2,
@@ -245,10 +246,10 @@ TEST(Tracing, ShadesWhatItMeets) {
     Camera camera = frontCamera({0, 0, 1}, 0.5);
     Told told;
     renderer.render(camera, test.rig, shading, PROBE_MODULE, squareOptions(1), {}, nullptr);
-    expectNumbers(told["distance"], {3});
+    expectNumbers(told["distance"], {2.5});
     expectNumbers(told["hitColor"], {0.5, 0, 0});
-    expectNumbers(told["hitSource"], {0, 0, 0});
-    expectNumbers(told["hitLength"], {3});
+    expectNumbers(told["hitSource"], {0, 0, 0.5});
+    expectNumbers(told["hitLength"], {2.5});
     EXPECT_EQ(told["hitObject"], Numbers{asNumber(&red)});
 }
 
