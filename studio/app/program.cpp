@@ -1,17 +1,21 @@
 #include "studio/app/program.h"
 
 #include <csignal>
+#include <cstdlib>
 #include <exception>
 #include <fmt/format.h>
 #include <new>
 #include <set>
 #include <string>
+#include <system_error>
+#include <unistd.h>
 
 #include "studio/app/command_line.h"
 #include "studio/app/commands.h"
 #include "studio/app/exit_status.h"
 #include "studio/app/interruption.h"
 #include "studio/app/stopped.h"
+#include "studio/files/atomic_file.h"
 #include "studio/files/standard_streams.h"
 #include "studio/render/renderer.h"
 #include "studio/services/messages.h"
@@ -20,6 +24,46 @@
 
 namespace tavora::studio {
 namespace {
+
+constexpr const char* kNoMemory =
+    "not enough memory; render a smaller picture or a crop of it, or close other programs";
+constexpr const char* kNoThread =
+    "no thread can be started; close other programs or raise the limits (ulimit -u, ulimit -v)";
+
+// Where the machine itself refuses memory or threads: what to say. Else null.
+const char* machineRefusal(const std::exception_ptr& cause) {
+    try {
+        if (cause) std::rethrow_exception(cause);
+    } catch (const std::bad_alloc&) {
+        return kNoMemory;
+    } catch (const std::system_error& error) {
+        if (error.code() == std::errc::resource_unavailable_try_again) return kNoThread;
+    } catch (...) {
+    }
+    return nullptr;
+}
+
+// Libraries end a program that finds no memory or thread where they expect no failure.
+[[noreturn]] void endTerminated() {
+    removeUnfinishedFiles();
+    const char* refusal = machineRefusal(std::current_exception());
+    for (const char* part :
+         {"tavora: ",
+          refusal != nullptr ? refusal
+                             : "internal fault, most likely for want of memory or "
+                               "threads; please report it where both are plenty",
+          "\n"}) {
+        writeError(part);
+    }
+    ::_exit(kInternal);
+}
+
+void watchTermination() {
+    std::set_terminate(endTerminated);
+}
+
+// Libraries may run out of memory before main() begins.
+[[gnu::section(".preinit_array"), gnu::used]] void (*const beforeLibraries)() = watchTermination;
 
 // Runs each kind of request with its report.
 struct Runner {
@@ -62,10 +106,11 @@ int explained(Report& report) {
         return kSignal + stopSignal();
     } catch (const ReaderGone&) {
         return kSignal + SIGPIPE;
-    } catch (const std::bad_alloc&) {
-        report.error("not enough memory; render a smaller picture or a crop of it");
     } catch (const std::exception& error) {
-        report.error(fmt::format("internal fault: {}; please report it", error.what()));
+        const char* refusal = machineRefusal(std::current_exception());
+        report.error(refusal != nullptr
+                         ? refusal
+                         : fmt::format("internal fault: {}; please report it", error.what()));
     } catch (...) {
         report.error("internal fault; please report it");
     }

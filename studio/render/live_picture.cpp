@@ -6,6 +6,7 @@
 #include <mutex>
 #include <new>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 #include <utility>
 
@@ -110,6 +111,8 @@ void LivePicture::Parts::work() {
             paint(taking);
         } catch (const std::bad_alloc&) {
             fail("not enough memory for the picture: make the window smaller or close others");
+        } catch (const std::system_error&) {
+            fail("no thread can be started for the picture: close other programs");
         } catch (const std::exception& error) {
             fail(error.what());
         } catch (...) {

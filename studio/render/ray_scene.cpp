@@ -1,7 +1,10 @@
 #include "studio/render/ray_scene.h"
 
 #include <algorithm>
+#include <cerrno>
+#include <new>
 #include <stdexcept>
+#include <system_error>
 
 #include "studio/render/hit_filters.h"
 #include "studio/render/ray_context.h"
@@ -39,9 +42,12 @@ RayScene::~RayScene() = default;
 void RayScene::checkDevice() const {
     const RTCError error = rtcGetDeviceError(device_.get());
     if (error == RTC_ERROR_NONE && device_ != nullptr) return;
-    throw std::runtime_error(error == RTC_ERROR_OUT_OF_MEMORY
-                                 ? "not enough memory for the scene's acceleration structure"
-                                 : "the ray caster cannot work on this machine");
+    if (error == RTC_ERROR_OUT_OF_MEMORY) throw std::bad_alloc();
+    // A device that is refused for no reason of its own found no thread.
+    if (error == RTC_ERROR_UNKNOWN && device_ == nullptr) {
+        throw std::system_error(EAGAIN, std::generic_category());
+    }
+    throw std::runtime_error("the ray caster cannot work on this machine");
 }
 
 void RayScene::attach(MeshGeometry& geometry) {

@@ -3,6 +3,7 @@
 #include <cmath>
 #include <sys/resource.h>
 #include <sys/syscall.h>
+#include <system_error>
 #include <unistd.h>
 
 #include "studio/edit/steps.h"
@@ -81,7 +82,11 @@ void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
         order.jobs.push_back(jobFor(looks[i]));
     if (order.jobs.empty()) return;
     stop_ = false;
-    thread_ = std::jthread([this, order = std::move(order)] { run(order); });
+    try {
+        thread_ = std::jthread([this, order = std::move(order)] { run(order); });
+    } catch (const std::system_error&) {
+        // No thread for pictures that nobody needs.
+    }
 }
 
 LookThumbnails::Job LookThumbnails::jobFor(const std::string& look) const {

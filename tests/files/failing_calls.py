@@ -40,7 +40,8 @@ def start(command, folder, **settings):
                                 "TAVORA_DEFAULTS": "/nowhere"}
     environment |= {f"FAILING_CALLS_{key}": str(value) for key, value in settings.items()}
     return subprocess.run(command, cwd=folder, env=environment, timeout=100,
-                          capture_output=True, text=True, check=False)
+                          stdout=subprocess.DEVNULL,
+                          stderr=subprocess.PIPE, text=True, check=False)
 
 
 def contents(folder):
@@ -117,11 +118,30 @@ class Save:
                 f"{ended.returncode}, not {status}; {found}; {ended.stderr}")
 
 
+def refusals():
+    """What is wrong where the machine gives no more threads, or little memory."""
+    render = [TAVORA, "render", SCENE, "-r", "64x36", "-s", "1", "-t", "4", "-o", "-"]
+    sanitized = b"__asan_init" in Path(TAVORA).read_bytes()
+    runs = [(f"thread {at}", "no thread", start(render, "/", THREAD=at))
+            for at in range(1, 5)]
+    # From where the libraries can be loaded at all to where nothing is missing.
+    for megabytes in [] if sanitized else range(60, 240, 9):
+        limited = ["prlimit", f"--as={megabytes}000000", *render]
+        runs.append((f"{megabytes} MB", "memory|thread", start(limited, "/")))
+    failed = [run for run in runs if run[2].returncode != 0]
+    if len(failed) < (3 if sanitized else 8):
+        return [f"only {len(failed)} runs failed for want of threads or memory"]
+    return [f"{what}: status {ended.returncode}: {ended.stderr}" for what, text, ended in failed
+            if not (ended.returncode == 1 and re.fullmatch(f"tavora: .*({text}).*\n",
+                                                           ended.stderr)
+                    or "loading shared libraries" in ended.stderr)]
+
+
 def main():
     with tempfile.TemporaryDirectory() as top, ThreadPoolExecutor() as pool:
         saves = [Save(name, Path(os.path.realpath(top))) for name in SAVES]
         runs = [pool.submit(save.check, *fault) for save in saves for fault in save.faults()]
-        wrong = [run.result() for run in runs if run.result() is not None]
+        wrong = refusals() + [run.result() for run in runs if run.result() is not None]
     print("\n".join(wrong))
     print(f"{len(runs)} runs, {len(wrong)} of them wrong")
     return 1 if wrong else 0
