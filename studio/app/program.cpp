@@ -1,13 +1,14 @@
 #include "studio/app/program.h"
 
 #include <csignal>
-#include <cstdlib>
+#include <cxxabi.h>
 #include <exception>
 #include <fmt/format.h>
 #include <new>
 #include <set>
 #include <string>
 #include <system_error>
+#include <typeinfo>
 #include <unistd.h>
 
 #include "studio/app/command_line.h"
@@ -31,30 +32,25 @@ constexpr const char* kNoThread =
     "no thread can be started; close other programs or raise the limits (ulimit -u, ulimit -v)";
 
 // Where the machine itself refuses memory or threads: what to say. Else null.
-const char* machineRefusal(const std::exception_ptr& cause) {
-    try {
-        if (cause) std::rethrow_exception(cause);
-    } catch (const std::bad_alloc&) {
-        return kNoMemory;
-    } catch (const std::system_error& error) {
-        if (error.code() == std::errc::resource_unavailable_try_again) return kNoThread;
-    } catch (...) {
-    }
-    return nullptr;
+const char* machineRefusal(const std::exception& error) {
+    if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return kNoMemory;
+    const auto* system = dynamic_cast<const std::system_error*>(&error);
+    const bool again =
+        system != nullptr && system->code() == std::errc::resource_unavailable_try_again;
+    return again ? kNoThread : nullptr;
 }
 
-// Libraries end a program that finds no memory or thread where they expect no failure.
+// Libraries end a program that finds no memory or thread where they expect no failure. Takes
+// no memory itself.
 [[noreturn]] void endTerminated() {
     removeUnfinishedFiles();
-    const char* refusal = machineRefusal(std::current_exception());
-    for (const char* part :
-         {"tavora: ",
-          refusal != nullptr ? refusal
-                             : "internal fault, most likely for want of memory or "
-                               "threads; please report it where both are plenty",
-          "\n"}) {
-        writeError(part);
-    }
+    const std::type_info* thrown = abi::__cxa_current_exception_type();
+    const bool memory = thrown != nullptr && *thrown == typeid(std::bad_alloc);
+    writeError("tavora: ");
+    writeError(memory ? kNoMemory
+                      : "internal fault, most likely for want of memory or threads; please "
+                        "report it where both are plenty");
+    writeError("\n");
     ::_exit(kInternal);
 }
 
@@ -107,7 +103,7 @@ int explained(Report& report) {
     } catch (const ReaderGone&) {
         return kSignal + SIGPIPE;
     } catch (const std::exception& error) {
-        const char* refusal = machineRefusal(std::current_exception());
+        const char* refusal = machineRefusal(error);
         report.error(refusal != nullptr
                          ? refusal
                          : fmt::format("internal fault: {}; please report it", error.what()));

@@ -43,10 +43,8 @@ void RayScene::checkDevice() const {
     const RTCError error = rtcGetDeviceError(device_.get());
     if (error == RTC_ERROR_NONE && device_ != nullptr) return;
     if (error == RTC_ERROR_OUT_OF_MEMORY) throw std::bad_alloc();
-    // A device that is refused for no reason of its own found no thread.
-    if (error == RTC_ERROR_UNKNOWN && device_ == nullptr) {
-        throw std::system_error(EAGAIN, std::generic_category());
-    }
+    // So it calls whatever its scheduler throws, which wants threads to build with.
+    if (error == RTC_ERROR_UNKNOWN) throw std::system_error(EAGAIN, std::generic_category());
     throw std::runtime_error("the ray caster cannot work on this machine");
 }
 
