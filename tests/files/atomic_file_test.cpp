@@ -59,6 +59,22 @@ TEST(AtomicFile, AppearsOnlyAtCommitAndLeavesNothingWithout) {
     EXPECT_EQ(folder.names(), (Names{"a.txt", longest}));
 }
 
+TEST(AtomicFile, OthersInTheFolderTakeNothingThatIsHeld) {
+    const TemporaryFolder folder;
+    AtomicFile slow(folder / "a.txt");
+    slow.write("slow", 4);
+    // As a killed process leaves it, and as another machine may still hold it.
+    const std::string name = slow.temporaryPath().filename();
+    const std::string abandoned = name.substr(0, name.size() - 5) + "x.tmp";
+    const std::string elsewhere = ".tavora-nowhere0-0123456789abcdef.tmp";
+    putBytes(folder / abandoned, "left");
+    putBytes(folder / elsewhere, "held");
+    writeWholeFile(folder / "a.txt", "fast");
+    EXPECT_EQ(folder.names(), (Names{"a.txt", name, elsewhere}));
+    slow.commit();
+    EXPECT_EQ(bytesOf(folder / "a.txt"), "slow");
+}
+
 TEST(AtomicFile, PermissionsComeFromTheOldFileOrTheMask) {
     const TemporaryFolder folder;
     const mode_t mask = ::umask(027);
