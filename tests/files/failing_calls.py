@@ -32,6 +32,8 @@ SAVES = {
     "defaults": ([SAVE_ONCE, "defaults", SCENE, "tavo.default"], ["tavo.default"]),
     "recovery": ([SAVE_ONCE, "recovery", SCENE, ""], []),
 }
+# How a file comes to its name: on disk before it has it, compared, its folder on disk after.
+ORDER = re.compile("create flock (fchmod )?(write )+fsync (pread )+close rename open fsync ")
 SIGNALS = [signal.SIGTERM, signal.SIGINT, signal.SIGQUIT, signal.SIGHUP]
 
 
@@ -60,8 +62,9 @@ class Save:
         ended = start(self.command, folder, BELOW=folder, LOG=log)
         self.after = contents(folder)
         self.calls = log.read_text().replace(str(folder), "").splitlines()
-        if ended.returncode != 0 or self.after == self.before or len(self.calls) < 8:
-            raise SystemExit(f"{name}: cannot be saved at all: {ended} {self.calls}")
+        order = "".join(call.split(" ")[0] + " " for call in self.calls)
+        if ended.returncode != 0 or self.after == self.before or not ORDER.search(order):
+            raise SystemExit(f"{name}: is not saved, or not in order: {ended} {self.calls}")
 
     def prepare(self):
         folder = Path(tempfile.mkdtemp(dir=self.top))
