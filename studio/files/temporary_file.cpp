@@ -109,7 +109,6 @@ TemporaryFile::~TemporaryFile() {
 bool TemporaryFile::rename(const fs::path& target) noexcept {
     if (::rename(path_.c_str(), target.c_str()) != 0) return false;
     path_.clear();
-    unlistUnfinished(std::exchange(slot_, -1));
     return true;
 }
 

@@ -79,11 +79,11 @@ TEST(AtomicFile, PermissionsComeFromTheOldFileOrTheMask) {
     const TemporaryFolder folder;
     const mode_t mask = ::umask(027);
     putBytes(folder / "old.txt", "");
-    ::chmod((folder / "old.txt").c_str(), 0666);
+    ::chmod((folder / "old.txt").c_str(), 0606);
     writeWholeFile(folder / "old.txt", "x");
     writeWholeFile(folder / "new.txt", "x");
     ::umask(mask);
-    EXPECT_EQ(permissionsOf(folder / "old.txt"), 0666U);
+    EXPECT_EQ(permissionsOf(folder / "old.txt"), 0606U);
     EXPECT_EQ(permissionsOf(folder / "new.txt"), 0640U);
 }
 

@@ -78,7 +78,8 @@ int open(const char* file, int flags, ...) {
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    if (fate((flags & O_ACCMODE) == O_RDONLY ? "open" : "create", file) < 0) return -1;
+    const char* call = (flags & O_EXCL) != 0 ? "create" : "open";
+    if (fate(call, file) < 0) return -1;
     return NEXT(open)(file, flags, mode);
 }
 

@@ -93,10 +93,10 @@ class Save:
                 yield at, "short", 0, [self.after]
             if name == "pread" and file.endswith(".tmp"):
                 yield at, "other", 4, [self.before]
-            yield at, -signal.SIGKILL, -signal.SIGKILL, [self.before, self.after]
+            yield at, -signal.SIGKILL, -signal.SIGKILL, [is_put]
             if self.command[0] == TAVORA:
                 sent = SIGNALS[at % len(SIGNALS)]
-                yield at, -sent, 128 + sent, [self.before, self.after]
+                yield at, -sent, 128 + sent, [is_put]
 
     def check(self, at, how, status, allowed):
         """What is wrong after this fault, or None."""
@@ -110,6 +110,7 @@ class Save:
         lines = ended.stderr.count("\n")
         good = (ended.returncode == status and left in allowed and
                 lines == (0 if status == 0 or killed else 1) and
+                ("nothing was written" not in ended.stderr or left == self.before) and
                 not list(folder.rglob("*.tmp")))
         if killed and good:
             good = all(contents(folder).get(name) == text for name, text in self.after.items())
