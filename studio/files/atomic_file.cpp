@@ -5,7 +5,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "studio/files/uninterrupted.h"
+#include "studio/files/system_calls.h"
 #include "studio/files/written_mark.h"
 #include "studio/util/error.h"
 
@@ -17,13 +17,6 @@ namespace {
 bool flushed(int descriptor) {
     if (uninterrupted([&] { return ::fsync(descriptor); }) == 0) return true;
     return errno == EINVAL || errno == ENOSYS || errno == ENOTSUP;
-}
-
-// Some network folders tell of a full disk only when the file is closed. Closing a copy
-// asks them, and the file keeps its lock. An interrupted close has closed.
-bool closesWell(int descriptor) {
-    const int copy = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
-    return copy >= 0 && (::close(copy) == 0 || errno == EINTR);
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include "studio/files/output_place.h"
+#include "studio/files/system_calls.h"
 #include "studio/files/written_mark.h"
 #include "studio/util/error.h"
 
@@ -30,12 +31,6 @@ bool again(int descriptor, short event) {
     throw Error(Fault::Output, outputMessage(kOutputName, "cannot be written", error));
 }
 
-// Some network folders tell of a full disk only when the file is closed.
-void checkClosing() {
-    const int copy = ::fcntl(STDOUT_FILENO, F_DUPFD_CLOEXEC, 0);
-    if (copy >= 0 && ::close(copy) != 0 && errno != EINTR) failWriting(errno);
-}
-
 }  // namespace
 
 void openMissingStreams() noexcept {
@@ -51,8 +46,8 @@ void openMissingStreams() noexcept {
 
 void writeError(std::string_view text) noexcept {
     while (!text.empty()) {
-        const ssize_t written = ::write(STDERR_FILENO, text.data(), text.size());
-        if (written < 0 && errno == EINTR) continue;
+        const ssize_t written =
+            uninterrupted([&] { return ::write(STDERR_FILENO, text.data(), text.size()); });
         if (written <= 0) return;
         text.remove_prefix(static_cast<std::size_t>(written));
     }
@@ -66,7 +61,7 @@ void writeOut(std::string_view bytes) {
         if (written <= 0) failWriting(written < 0 ? errno : EIO);
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    checkClosing();
+    if (!closesWell(STDOUT_FILENO)) failWriting(errno);
 }
 
 void checkStandardOutput() {

@@ -5,9 +5,7 @@
 #include <cstdint>
 #include <fcntl.h>
 #include <fmt/format.h>
-#include <functional>
 #include <string>
-#include <string_view>
 #include <sys/file.h>
 #include <sys/random.h>
 #include <sys/stat.h>
@@ -16,9 +14,10 @@
 #include <utility>
 
 #include "studio/files/output_place.h"
+#include "studio/files/system_calls.h"
 #include "studio/files/unfinished_files.h"
-#include "studio/files/uninterrupted.h"
 #include "studio/util/error.h"
+#include "studio/util/hash.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -29,8 +28,7 @@ namespace {
 std::string machinePrefix() {
     std::array<char, 256> name{};
     ::gethostname(name.data(), name.size() - 1);
-    const std::size_t hash = std::hash<std::string_view>()(name.data());
-    return fmt::format(".tavora-{:08x}-", static_cast<std::uint32_t>(hash));
+    return fmt::format(".tavora-{:08x}-", static_cast<std::uint32_t>(hashOf(name.data())));
 }
 
 // Of fixed length: a target whose name is as long as names may be still works.

@@ -11,7 +11,7 @@
 
 #include "studio/files/atomic_file.h"
 #include "studio/files/output_place.h"
-#include "studio/files/uninterrupted.h"
+#include "studio/files/system_calls.h"
 #include "studio/util/error.h"
 
 namespace tavora::studio {

@@ -79,7 +79,7 @@ void takeSettings(const Source& source, const JsonMember& member, Look& look) {
         source.refuse(member.value, "\"settings\" must be an object of names and values");
     }
     for (const JsonMember& setting : uniqueMembers(source, member.value)) {
-        const Json change = Json::object({{setting.key, Json::parse(setting.value)}});
+        const Json change = Json::object({{setting.key, parseJson(setting.value, source.name)}});
         applySettings(look.settings, change, source.placeOf(setting.keyText));
     }
 }

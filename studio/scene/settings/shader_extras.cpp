@@ -5,6 +5,7 @@
 
 #include "studio/scene/settings/stored_block.h"
 #include "studio/util/error.h"
+#include "studio/util/json_members.h"
 #include "studio/util/json_numbers.h"
 #include "studio/util/json_text.h"
 
@@ -39,22 +40,15 @@ std::string textOf(const StateBlock& state) {
     return text;
 }
 
-const Json* memberOf(const Json& object, const char* key) {
-    if (!object.is_object()) return nullptr;
-    const auto found = object.find(key);
-    return found == object.end() ? nullptr : &*found;
-}
-
 std::optional<SurfaceShader> shaderOf(const Json& entry) {
-    const Json* server = memberOf(entry, kServer);
-    const Json* enabled = memberOf(entry, kEnabled);
-    const Json* items = memberOf(entry, kState);
-    if (server == nullptr || !server->is_string()) return {};
-    if (enabled != nullptr && !enabled->is_boolean()) return {};
-    if (items == nullptr || !items->is_array()) return {};
-    std::optional<StateBlock> block = blockOfItems(*items);
+    const Json& server = member(entry, kServer);
+    const Json& enabled = member(entry, kEnabled);
+    const Json& items = member(entry, kState);
+    if (!server.is_string() || !items.is_array()) return {};
+    if (!enabled.is_null() && !enabled.is_boolean()) return {};
+    std::optional<StateBlock> block = blockOfItems(items);
     if (!block) return {};
-    return SurfaceShader{server->get<std::string>(), enabled == nullptr || enabled->get<bool>(),
+    return SurfaceShader{server.get<std::string>(), enabled.is_null() || enabled.get<bool>(),
                          std::move(*block)};
 }
 
@@ -76,10 +70,7 @@ std::string shadersWith(std::string_view shaders, const SurfaceShader& shader) {
     std::string others;
     for (const std::string_view entry :
          isArray(shaders) ? jsonElements(shaders) : std::vector<std::string_view>{}) {
-        const Json* server = nullptr;
-        const Json parsed = Json::parse(entry);
-        server = memberOf(parsed, kServer);
-        if (server != nullptr && *server == shader.server) {
+        if (member(parseJson(entry, kOwn), kServer) == shader.server) {
             same = entry;
         } else {
             others += fmt::format(",{}", entry);
@@ -92,12 +83,12 @@ std::string shadersWith(std::string_view shaders, const SurfaceShader& shader) {
 
 std::optional<SurfaceShader> shaderFromExtras(const Json& extras, const std::string& where,
                                               std::vector<std::string>& warnings) {
-    const Json* own = memberOf(extras, kOwn);
-    const Json* shaders = own != nullptr ? memberOf(*own, kShaders) : nullptr;
-    if (own == nullptr || (own->is_object() && shaders == nullptr)) return {};
-    const bool list = shaders != nullptr && shaders->is_array();
-    if (list && shaders->empty()) return {};
-    std::optional<SurfaceShader> shader = list ? shaderOf(shaders->front()) : std::nullopt;
+    const Json& own = member(extras, kOwn);
+    const Json& shaders = member(own, kShaders);
+    if (own.is_null() || (own.is_object() && shaders.is_null())) return {};
+    if (shaders.is_array() && shaders.empty()) return {};
+    std::optional<SurfaceShader> shader;
+    if (shaders.is_array()) shader = shaderOf(shaders.front());
     if (!shader) {
         warnings.push_back(fmt::format(
             "{}: the shader stored in its extras is damaged and left out; store it again", where));
