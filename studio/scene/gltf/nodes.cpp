@@ -32,9 +32,11 @@ V3d vectorOf(const std::array<double, 3>& values) {
 NodePose poseOf(const gltf::Node& node) {
     NodePose pose;
     if (node.matrix) {
-        pose.matrix.emplace();
-        for (int i = 0; i < 16; ++i)
-            (*pose.matrix)[i / 4][i % 4] = (*node.matrix)[static_cast<std::size_t>(i)];
+        pose.matrix.emplace();  // whose last column is 0, 0, 0, 1, whatever the file holds there
+        for (int i = 0; i < 16; ++i) {
+            if (i % 4 != 3)
+                (*pose.matrix)[i / 4][i % 4] = (*node.matrix)[static_cast<std::size_t>(i)];
+        }
     }
     pose.scale = vectorOf(node.scale);
     pose.translation = vectorOf(node.translation);

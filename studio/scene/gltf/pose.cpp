@@ -1,6 +1,7 @@
 #include "studio/scene/gltf/pose.h"
 
 #include <algorithm>
+#include <cmath>
 #include <fmt/format.h>
 #include <map>
 
@@ -129,8 +130,18 @@ class Posing {
             makeFlatNormals(*mesh);
             if (node.skin >= 0 && jointsOf(node.skin).mirrored) turnNormals(*mesh);
         }
+        checkFinite(*mesh, index);
         if (node.skin < 0) morphed_[key] = mesh;
         return mesh;
+    }
+
+    void checkFinite(const Mesh& mesh, int node) const {
+        const bool finite =
+            std::all_of(mesh.positions.begin(), mesh.positions.end(),
+                        [](const Imath::V3f& p) { return std::isfinite(p.x + p.y + p.z); });
+        if (finite) return;
+        source_.fail(
+            fmt::format("node {} bends its mesh beyond all numbers: repair the model", node));
     }
 
     static void remakeTangents(const PrimitiveGeometry& geometry, Mesh& mesh) {
@@ -160,9 +171,10 @@ class Posing {
         JointPose pose;
         std::size_t mirrored = 0;
         for (std::size_t j = 0; j < from.joints.size(); ++j) {
-            M44d bind;
-            for (int i = 0; i < 16 && j < inverse.count; ++i)
-                bind[i / 4][i % 4] = static_cast<double>(inverse.at(j)[i]);
+            M44d bind;  // whose last column is 0, 0, 0, 1, whatever the file holds there
+            for (int i = 0; i < 16 && j < inverse.count; ++i) {
+                if (i % 4 != 3) bind[i / 4][i % 4] = static_cast<double>(inverse.at(j)[i]);
+            }
             pose.toWorld.push_back(bind * toWorld(from.joints[j]));
             if (pose.toWorld.back().determinant() < 0) ++mirrored;
         }
