@@ -1,7 +1,9 @@
 #pragma once
 
 #include <stdexcept>
-#include <string>
+#include <string_view>
+
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 
@@ -18,7 +20,9 @@ enum class Fault : int {
 /// says so and that only its folder could not be flushed.
 class Error : public std::runtime_error {
   public:
-    Error(Fault fault, const std::string& text) : std::runtime_error(text), fault_(fault) {}
+    /// Line breaks and control characters in `text`, which a file may have put there, are
+    /// replaced.
+    Error(Fault fault, std::string_view text) : std::runtime_error(oneLine(text)), fault_(fault) {}
 
     Fault fault() const { return fault_; }
 

@@ -6,6 +6,8 @@
 #include <utility>
 #include <vector>
 
+#include "studio/util/text.h"
+
 namespace tavora::studio {
 namespace {
 
@@ -68,12 +70,13 @@ std::string nearestNames(std::string_view name, std::span<const std::string> kno
                      [](const auto& a, const auto& b) { return a.first < b.first; });
     std::vector<std::string> names;
     for (const auto& [away, candidate] : near) {
-        if (names.size() < 3) names.push_back(candidate);
+        if (names.size() < 3) names.push_back(shortened(candidate));
     }
     if (!names.empty()) return fmt::format("; did you mean {}?", joined(names, " or "));
     constexpr std::size_t kFew = 12;
-    names.assign(known.begin(), known.end());
-    if (names.empty() || names.size() > kFew) return {};
+    if (known.empty() || known.size() > kFew) return {};
+    for (const std::string& one : known)
+        names.push_back(shortened(one));
     return fmt::format("; there {}: {}", names.size() == 1 ? "is only" : "are",
                        joined(names, ", "));
 }

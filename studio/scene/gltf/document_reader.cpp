@@ -266,9 +266,8 @@ class Reader {
 
     [[noreturn]] void fail(const Place& place, const std::string& what) const {
         const std::string where = place.text();
-        throw Error(Fault::Scene,
-                    oneLine(fmt::format("{}: {} {}: export the file again", path_,
-                                        where.empty() ? "the document" : where, what)));
+        throw Error(Fault::Scene, fmt::format("{}: {} {}: export the file again", path_,
+                                              where.empty() ? "the document" : where, what));
     }
 
     [[noreturn]] void failMissing(const Place& place) const { fail(place, "is missing"); }

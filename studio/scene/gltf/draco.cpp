@@ -161,6 +161,10 @@ class Decoding {
         if (attribute == nullptr || attribute->num_components() > 4) {
             fail(fmt::format("the compressed attribute {} is missing", shortened(name)));
         }
+        // No accessor has such a type, and the decoder trusts its bytes to be 0 or 1.
+        if (attribute->data_type() == draco::DT_BOOL) {
+            fail(fmt::format("the compressed attribute {} is of another type", shortened(name)));
+        }
         // What says whether integers are fractions is the file, not the data in it.
         const auto accessor = primitive_.attributes.find(name);
         if (accessor != primitive_.attributes.end()) {

@@ -23,7 +23,7 @@ gltf::Json parseDocument(const GltfSource& source, const std::string& text) {
     try {
         json = parseJson(text, source.path);
     } catch (const Error& error) {
-        throw Error(Fault::Scene, oneLine(error.what()) + ": export the file again");
+        throw Error(Fault::Scene, std::string(error.what()) + ": export the file again");
     }
     if (!json.is_object()) source.fail("is not glTF: its JSON is no object");
     return json;
@@ -62,7 +62,7 @@ std::string_view binaryChunk(const GltfSource& source, std::string_view chunks) 
 }  // namespace
 
 void GltfSource::fail(const std::string& what) const {
-    throw Error(Fault::Scene, oneLine(path + ": " + what));
+    throw Error(Fault::Scene, path + ": " + what);
 }
 
 GltfSource readGltfSource(const fs::path& file) {

@@ -30,7 +30,7 @@ struct GltfSource {
     GltfSource() = default;
     GltfSource(GltfSource&&) = default;
 
-    /// Throws Error "PATH: WHAT", brought to one line.
+    /// Throws Error "PATH: WHAT".
     [[noreturn]] void fail(const std::string& what) const;
 };
 

@@ -11,6 +11,7 @@
 #include "studio/util/error.h"
 #include "studio/util/json_text.h"
 #include "studio/util/nearest_name.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -42,7 +43,7 @@ std::vector<JsonMember> uniqueMembers(const Source& source, std::string_view obj
     for (const JsonMember& member : members) {
         if (seen.insert(member.key).second) continue;
         source.refuse(member.keyText,
-                      fmt::format("\"{}\" stands here again; keep one", member.key));
+                      fmt::format("\"{}\" stands here again; keep one", shortened(member.key)));
     }
     return members;
 }
@@ -56,7 +57,7 @@ void takeVersion(const Source& source, const JsonMember& member, Look&) {
     if (Json::parse(member.value) == 1) return;
     source.refuse(member.value, fmt::format("looks of version {} cannot be read; this Tavora reads "
                                             "version 1",
-                                            member.value));
+                                            shortened(member.value)));
 }
 
 std::string textOf(const Source& source, const JsonMember& member) {
@@ -111,7 +112,7 @@ void checkKeys(const Source& source, const std::vector<JsonMember>& members) {
         known.emplace_back(handler.key);
     for (const JsonMember& member : members) {
         if (std::find(known.begin(), known.end(), member.key) != known.end()) continue;
-        source.refuse(member.keyText, fmt::format("a look has no \"{}\"{}", member.key,
+        source.refuse(member.keyText, fmt::format("a look has no \"{}\"{}", shortened(member.key),
                                                   nearestNames(member.key, known)));
     }
 }

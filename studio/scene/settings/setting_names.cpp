@@ -9,6 +9,7 @@
 
 #include "studio/util/error.h"
 #include "studio/util/nearest_name.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -34,7 +35,7 @@ const StoredField& findField(std::span<const StoredField> table, std::string_vie
         if (field.name == fullName(name)) return field;
         known.emplace_back(field.name);
     }
-    throw Error(Fault::Scene, fmt::format("{}: unknown setting \"{}\"{}", where, name,
+    throw Error(Fault::Scene, fmt::format("{}: unknown setting \"{}\"{}", where, shortened(name),
                                           nearestNames(name, known)));
 }
 
