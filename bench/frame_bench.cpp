@@ -285,12 +285,13 @@ struct Bench {
         return options;
     }
 
-    Picture render(const RenderOptions& wanted, const std::optional<StateBlock>& shader,
+    Picture render(const RenderOptions& wanted, const std::optional<SurfaceShader>& shader,
                    RenderStats* stats = nullptr) {
-        return renderer.render(benchCamera(), rig, {{shader}}, module, wanted, {}, stats);
+        return renderer.render(benchCamera(), rig, SurfaceShaders{shader}, module, wanted, {},
+                               stats);
     }
 
-    std::uint64_t rays(const RenderOptions& wanted, const std::optional<StateBlock>& shader) {
+    std::uint64_t rays(const RenderOptions& wanted, const std::optional<SurfaceShader>& shader) {
         RenderStats stats;
         render(wanted, shader, &stats);
         return stats.primaryRays + stats.shadowRays;
@@ -303,7 +304,7 @@ struct Bench {
     BareScene bare;         ///< with the fastest kernels that the processor has
     BareScene bareUnfused;  ///< with those that pictures are made with
     Renderer renderer;
-    StateBlock look = newShaderSettings(ModuleCopy(module, findService));
+    SurfaceShader look = {.block = newShaderSettings(ModuleCopy(module, findService))};
 };
 
 RenderOptions adaptive(RenderOptions options, int least) {
