@@ -53,6 +53,16 @@ CLI::Option* addScene(CLI::App& command, std::string& scene) {
     return addOption(command, "SCENE", "", "the glTF file, .gltf or .glb", into(scene));
 }
 
+void addReading(CLI::App& command, ReadOptions& reading) {
+    command.option_defaults()->group("Scene");
+    addOption(command, "--max-memory", "SIZE",
+              "Memory that the scene may take, such as 8G (half of the machine's)",
+              into(reading.memory, memorySize))
+        ->envname("TAVORA_MAX_MEMORY");
+    command.add_flag("--allow-outside", reading.outside,
+                     "Read files outside the scene's folder, where links or \"..\" lead there");
+}
+
 CLI::Option* addOutput(CLI::App& command, const char* text, std::string& output) {
     return addOption(command, "-o,--output", "FILE", text, into(output))
         ->multi_option_policy(CLI::MultiOptionPolicy::Throw);
@@ -189,6 +199,7 @@ void addRender(CLI::App& command, RenderRequest& request) {
                      "Surfaces, all or some, on which no shadow falls; repeatable");
     command.add_flag("--no-normal-map{*}", request.withoutNormalMap,
                      "Surfaces, all or some, shaded without their normal map; repeatable");
+    addReading(command, request.reading);
     addReport(command, request.report);
     addProgress(command, request.progress);
 }
@@ -197,6 +208,7 @@ void addInfo(CLI::App& command, InfoRequest& request) {
     addScene(command, request.scene)->required();
     command.add_flag("--json", request.json, "As JSON");
     addPlugin(command, request.plugin);
+    addReading(command, request.reading);
     addReport(command, request.report);
 }
 
@@ -206,6 +218,7 @@ void addSettings(CLI::App& command, SettingsRequest& request) {
     addOption(command, "--surface", "NAME", "Only surfaces of this name or pattern; repeatable",
               into(request.surfaces));
     addShading(command, request.shading);
+    addReading(command, request.reading);
     addReport(command, request.report);
 }
 
@@ -220,6 +233,7 @@ void addEdit(CLI::App& command, EditRequest& request) {
     addBackground(command, request.background);
     addLighting(command, request.lighting);
     addThreads(command, request.threads);
+    addReading(command, request.reading);
     addReport(command, request.report);
 }
 
@@ -236,6 +250,7 @@ void addPanel(CLI::App& command, PanelRequest& request) {
     addOption(command, "--theme", "light|dark", "Colours of the panel (light)",
               into(request.theme, oneOf<Theme>({{"light", Theme::Light}, {"dark", Theme::Dark}})));
     addShading(command, request.shading);
+    addReading(command, request.reading);
     addReport(command, request.report);
 }
 

@@ -14,7 +14,7 @@ inline constexpr const char* kProgramExamples = R"(Examples:
 
 Exit status: 0 done, 1 internal, 2 usage, 3 scene, 4 write, 6 plug-in,
 128+n stopped by signal n.
-Environment: TAVORA_PLUGIN_PATH, TAVORA_DEFAULTS, TAVORA_THREADS, NO_COLOR.)";
+Environment: TAVORA_PLUGIN_PATH, TAVORA_DEFAULTS, TAVORA_THREADS, TAVORA_MAX_MEMORY, NO_COLOR.)";
 
 inline constexpr const char* kRenderExamples = R"(Examples:
   tavora render model.glb -o picture.png

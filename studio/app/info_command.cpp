@@ -7,7 +7,7 @@
 namespace tavora::studio {
 
 void showInfo(const InfoRequest& request, Report& report) {
-    const Scene scene = readGltf(request.scene);
+    const Scene scene = readGltf(request.scene, request.reading);
     reportScene(scene, report);
     const nlohmann::ordered_json module = describeModule(request.plugin);
     if (!request.json) return writeOut(sceneText(scene, module));

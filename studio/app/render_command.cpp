@@ -50,7 +50,7 @@ void clear(bool Surface::*flag, const std::vector<std::string>& patterns, const 
 }
 
 Scene readScene(const RenderRequest& request, Report& report) {
-    Scene scene = readGltf(request.scene);
+    Scene scene = readGltf(request.scene, request.reading);
     reportScene(scene, report);
     clear(&Surface::selfShadow, request.withoutSelfShadow, "--no-self-shadow", scene);
     clear(&Surface::castsShadows, request.withoutCastShadows, "--no-cast-shadows", scene);

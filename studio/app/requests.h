@@ -11,6 +11,7 @@
 #include "studio/render/picture_file.h"
 #include "studio/render/pixel_filter.h"
 #include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/read_options.h"
 #include "studio/setup/report.h"
 #include "studio/setup/shading_request.h"
 
@@ -27,6 +28,7 @@ inline const Imath::V3d kUsualBackground{0.925, 0.933, 0.945};
 
 struct RenderRequest {
     ReportOptions report;
+    ReadOptions reading;
     std::string scene;   ///< "-": standard input
     std::string output;  ///< "-": standard output
     int width = 1280;
@@ -55,6 +57,7 @@ struct RenderRequest {
 
 struct InfoRequest {
     ReportOptions report;
+    ReadOptions reading;
     std::string scene;
     std::string plugin;
     bool json = false;
@@ -62,6 +65,7 @@ struct InfoRequest {
 
 struct SettingsRequest {
     ReportOptions report;
+    ReadOptions reading;
     std::string scene;
     std::string output;                 ///< empty: print; "-": the scene to standard output
     std::vector<std::string> surfaces;  ///< names or globs; empty: all
@@ -76,6 +80,7 @@ struct LooksRequest {
 /// The edit window.
 struct EditRequest {
     ReportOptions report;
+    ReadOptions reading;
     std::string scene;                                        ///< empty: the window asks
     int threads = 0;                                          ///< 0: one a core
     std::optional<Imath::V3d> background = kUsualBackground;  ///< empty: transparent
@@ -88,6 +93,7 @@ enum class Theme { Light, Dark };
 /// The shader's panel as a picture.
 struct PanelRequest {
     ReportOptions report;
+    ReadOptions reading;
     std::string scene;
     std::string output;
     std::string surface;  ///< empty: the first

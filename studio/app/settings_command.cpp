@@ -110,7 +110,7 @@ void showOrStoreSettings(const SettingsRequest& request, Report& report) {
     } else if (!request.output.empty()) {
         outputPlace(request.output);
     }
-    const Scene scene = readGltf(request.scene);
+    const Scene scene = readGltf(request.scene, request.reading);
     reportScene(scene, report);
     std::set<std::size_t> chosen = chosenSurfaces(scene, request.surfaces);
     const bool needsModule =

@@ -5,8 +5,8 @@
 namespace tavora::studio {
 
 Document::Document(const std::filesystem::path& scene, const ShadingRequest& shading,
-                   Report& report)
-    : file(scene), settings(readGltf(scene), shading, report) {}
+                   Report& report, const ReadOptions& reading)
+    : file(scene, reading), settings(readGltf(scene, reading), shading, report) {}
 
 std::vector<std::string> Document::save(bool overwrite) {
     std::vector<std::string> warnings = file.save(settings, overwrite);

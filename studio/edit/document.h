@@ -15,7 +15,8 @@ namespace tavora::studio {
 /// thread. Knows no window.
 struct Document {
     /// Throws what SceneFile, readGltf() and SceneSettings throw.
-    Document(const std::filesystem::path& scene, const ShadingRequest& shading, Report& report);
+    Document(const std::filesystem::path& scene, const ShadingRequest& shading, Report& report,
+             const ReadOptions& reading = {});
 
     SceneFile file;
     SceneSettings settings;

@@ -103,7 +103,8 @@ SavePlan planSave(const SceneSettings& settings, const std::optional<Scene>& cha
 
 }  // namespace
 
-SceneFile::SceneFile(const fs::path& path) : path_(path), stamp_(stampOf(path)) {}
+SceneFile::SceneFile(const fs::path& path, const ReadOptions& reading)
+    : path_(path), reading_(reading), stamp_(stampOf(path)) {}
 
 bool SceneFile::changedOnDisk() const {
     try {
@@ -132,7 +133,7 @@ std::vector<std::string> SceneFile::write(SceneSettings& settings, const fs::pat
                                     "is left as it is; save over it or under another name",
                                     path_.string()));
         }
-        changed = readGltf(path_);
+        changed = readGltf(path_, reading_);
     }
     SavePlan plan = planSave(settings, changed);
     if (!plan.shaders.empty() || file != path_) writeGltfSettings(path_, file, plan.shaders);

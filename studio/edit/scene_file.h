@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "studio/edit/scene_settings.h"
+#include "studio/scene/read_options.h"
 
 namespace tavora::studio {
 
@@ -22,7 +23,7 @@ class SceneFile {
   public:
     /// To be made before the scene is read, so that no change in between is missed.
     /// Throws Fault::Scene when the file cannot be read.
-    explicit SceneFile(const std::filesystem::path& path);
+    explicit SceneFile(const std::filesystem::path& path, const ReadOptions& reading = {});
 
     const std::filesystem::path& path() const { return path_; }
     /// Of the file when it was read or saved.
@@ -46,6 +47,7 @@ class SceneFile {
                                    bool overwrite);
 
     std::filesystem::path path_;
+    ReadOptions reading_;
     FileStamp stamp_;
 };
 

@@ -12,7 +12,7 @@ void setCorners(Facet& facet) {
     const MeshGeometry& geometry = *facet.key.geometry;
     facet.vertices = geometry.source->mesh->triangles[facet.key.triangle];
     for (std::size_t i = 0; i < 3; ++i) {
-        facet.corners[i] = Imath::V3d(geometry.vertices[facet.vertices[i]]);
+        facet.corners[i] = Imath::V3d(vertexOf(geometry, facet.vertices[i]));
         facet.magnitude = std::max(facet.magnitude, magnitudeOf(facet.corners[i]));
     }
 }

@@ -27,7 +27,11 @@ class HitAtFilter {
           count_(arguments.N),
           number_(number),
           context_(reinterpret_cast<const RayContext*>(arguments.context)),
-          geometry_(static_cast<const MeshGeometry*>(arguments.geometryUserPtr)) {}
+          geometry_(static_cast<const MeshGeometry*>(arguments.geometryUserPtr)) {
+        // What instances share belongs to none of them.
+        if (geometry_ == nullptr)
+            geometry_ = &scene().geometry(RTCHitN_instID(hit_, count_, number_, 0));
+    }
 
     const RayScene& scene() const { return *context_->scene; }
     const RayContext& context() const { return *context_; }
@@ -37,14 +41,21 @@ class HitAtFilter {
     const MeshGeometry& geometry() const { return *geometry_; }
     const SceneMesh& source() const { return *geometry_->source; }
     Cover cover() const { return scene().traits(source().surfaceIndex).cover; }
+    std::uint32_t mesh() const { return static_cast<std::uint32_t>(geometry_->number); }
     unsigned triangle() const { return RTCHitN_primID(hit_, count_, number_); }
-    std::array<Imath::V3f, 3> corners() const { return cornersOf(*geometry_, triangle()); }
+    /// In the space in which the triangle is traced, as the ray.
+    std::array<Imath::V3f, 3> corners() const { return tracedCornersOf(*geometry_, triangle()); }
+    bool isBack() const {
+        const auto along = static_cast<double>(direction().dot(normal()));
+        // In the object's own space a transform that mirrors turns nothing inside out.
+        const double sign = geometry_->isInstance ? geometry_->handedness : 1;
+        return along * geometry_->facing * sign > 0;
+    }
 
     /// As Embree has it: not quite the same on all processors.
     float roughDistance() const { return RTCRayN_tfar(ray_, count_, number_); }
     HitKey key() const {
-        return {hitDistance(origin(), direction(), corners()),
-                RTCHitN_geomID(hit_, count_, number_), triangle()};
+        return {hitDistance(origin(), direction(), corners()), mesh(), triangle()};
     }
     /// Once the hit is kept: Embree still hands over hits so far along the ray.
     void lookOnAsFarAs(float distance) const { RTCRayN_tfar(ray_, count_, number_) = distance; }
@@ -74,7 +85,6 @@ class HitAtFilter {
 
 /// Where a hit lies in its triangle, and how far along its ray.
 struct Spot {
-    std::array<Imath::V3d, 3> corners;
     double weights[3];  ///< barycentric
     double distance;
 };
@@ -85,13 +95,12 @@ struct Spot {
 Spot spotOf(const HitAtFilter& at) {
     Spot spot;
     const std::array<Imath::V3f, 3> corners = at.corners();
-    for (std::size_t i = 0; i < 3; ++i)
-        spot.corners[i] = Imath::V3d(corners[i]);
+    const Imath::V3d corner(corners[0]);
     const Imath::V3d origin(at.origin());
     const Imath::V3d direction(at.direction());
-    const Imath::V3d edge1 = spot.corners[1] - spot.corners[0];
-    const Imath::V3d edge2 = spot.corners[2] - spot.corners[0];
-    const Imath::V3d toOrigin = origin - spot.corners[0];
+    const Imath::V3d edge1 = Imath::V3d(corners[1]) - corner;
+    const Imath::V3d edge2 = Imath::V3d(corners[2]) - corner;
+    const Imath::V3d toOrigin = origin - corner;
     const Imath::V3d p = direction.cross(edge2);
     const Imath::V3d q = toOrigin.cross(edge1);
     const double scale = edge1.dot(p);
@@ -111,7 +120,9 @@ double alphaOfHit(const HitAtFilter& at, const Spot& spot, const Width& wide) {
     place.triangle = at.triangle();
     std::copy_n(spot.weights, 3, place.weights);
     place.spotSize = wide.spotAt(spot.distance);
-    place.worldArea = triangleArea(spot.corners[0], spot.corners[1], spot.corners[2]);
+    const std::array<Imath::V3f, 3> corners = cornersOf(at.geometry(), at.triangle());
+    place.worldArea =
+        triangleArea(Imath::V3d(corners[0]), Imath::V3d(corners[1]), Imath::V3d(corners[2]));
     return alphaAt(at.scene().index(), *at.source().surface, place);
 }
 
@@ -149,9 +160,7 @@ struct Wear {
 
 template <Wear worn>
 bool isSeen(const HitAtFilter& at, const Ray& ray) {
-    const bool isBack =
-        static_cast<double>(at.direction().dot(at.normal())) * at.geometry().facing > 0;
-    if (!worn.bothSides && isBack) return false;
+    if (!worn.bothSides && at.isBack()) return false;
     return !worn.holes || !isCutOut(at, ray);
 }
 
@@ -170,6 +179,11 @@ bool isFirst(const HitAtFilter& at, const FirstHits& first) {
 /// Of one ray: the order is worked out.
 template <Wear worn>
 bool isNext(const HitAtFilter& at, ViewingProgress& progress) {
+    if (progress.seeks != nullptr) {
+        const Hit& sought = *progress.seeks;
+        if (at.mesh() == sought.mesh && at.triangle() == sought.triangle) progress.after = at.key();
+        return false;
+    }
     const HitKey key = at.key();
     if (key > progress.best || !progress.limits.hold(key.distance)) return false;
     if (isPassed(progress.after, key, at) || !isSeen<worn>(at, *progress.ray)) return false;

@@ -37,12 +37,13 @@ std::vector<Imath::V3f> worldVertices(const Mesh& mesh, const Imath::M44d& objec
 
 }  // namespace
 
-MeshGeometry placeMesh(const SceneMesh& source, std::size_t number) {
+MeshGeometry placeMesh(const SceneMesh& source, std::size_t number, bool isInstance) {
     const Object& object = *source.object;
     MeshGeometry geometry;
     geometry.source = &source;
     geometry.number = number;
-    geometry.vertices = worldVertices(*source.mesh, object.objectToWorld);
+    geometry.isInstance = isInstance;
+    if (!isInstance) geometry.vertices = worldVertices(*source.mesh, object.objectToWorld);
     geometry.worldToObject = object.objectToWorld.inverse();
     // Of a mesh that hangs on mirrored joints the triangles are turned, not the space.
     geometry.facing = object.mirrored ? -1 : 1;

@@ -13,8 +13,12 @@ namespace tavora::studio {
 /// One part of an object, placed in the world. Immutable; any thread.
 struct MeshGeometry {
     const SceneMesh* source = nullptr;
-    std::size_t number = 0;            ///< in SceneIndex::meshes()
-    std::vector<Imath::V3f> vertices;  ///< world; one spare at the end, for wide loads
+    std::size_t number = 0;  ///< in SceneIndex::meshes()
+    /// Its triangles are traced in the object's space and shared with other objects;
+    /// else in the world, as its own.
+    bool isInstance = false;
+    std::vector<Imath::V3f> vertices;  ///< world; one spare at the end, for wide loads; empty
+                                       ///< for an instance
     Imath::M44d worldToObject;
     Imath::M33d normalToWorld;       ///< keeps directions right, lengths not
     double objectTransform[9] = {};  ///< rows: world to object, for directions
@@ -23,11 +27,27 @@ struct MeshGeometry {
     double handedness = 1;           ///< -1 when it mirrors the object's space
 };
 
+/// A vertex, in the world.
+inline Imath::V3f vertexOf(const MeshGeometry& geometry, std::uint32_t vertex) {
+    if (!geometry.isInstance) return geometry.vertices[vertex];
+    return Imath::V3f(Imath::V3d(geometry.source->mesh->positions[vertex]) *
+                      geometry.source->object->objectToWorld);
+}
+
 /// Of a triangle, in the world.
 inline std::array<Imath::V3f, 3> cornersOf(const MeshGeometry& geometry, std::uint32_t triangle) {
     const auto& vertices = geometry.source->mesh->triangles[triangle];
-    return {geometry.vertices[vertices[0]], geometry.vertices[vertices[1]],
-            geometry.vertices[vertices[2]]};
+    return {vertexOf(geometry, vertices[0]), vertexOf(geometry, vertices[1]),
+            vertexOf(geometry, vertices[2])};
+}
+
+/// Of a triangle, in the space in which it is traced.
+inline std::array<Imath::V3f, 3> tracedCornersOf(const MeshGeometry& geometry,
+                                                 std::uint32_t triangle) {
+    if (!geometry.isInstance) return cornersOf(geometry, triangle);
+    const Mesh& mesh = *geometry.source->mesh;
+    const auto& vertices = mesh.triangles[triangle];
+    return {mesh.positions[vertices[0]], mesh.positions[vertices[1]], mesh.positions[vertices[2]]};
 }
 
 /// A place in the world, in the object's own space.
@@ -42,6 +62,6 @@ inline Imath::V3d toObject(const MeshGeometry& geometry, const Imath::V3d& place
 }
 
 /// `source` must outlive the result.
-MeshGeometry placeMesh(const SceneMesh& source, std::size_t number);
+MeshGeometry placeMesh(const SceneMesh& source, std::size_t number, bool isInstance);
 
 }  // namespace tavora::studio

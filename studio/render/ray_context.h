@@ -30,6 +30,8 @@ struct ViewingProgress {
     const Ray* ray = nullptr;
     Limits limits;
     HitKey after{};  ///< hits up to this one are passed
+    /// Instead of hits, find out the key of this one, which becomes `after`.
+    const Hit* seeks = nullptr;
     /// The hit kept so far.
     HitKey best{std::numeric_limits<float>::infinity(), 0, 0};
 };

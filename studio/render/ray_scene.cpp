@@ -2,36 +2,110 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <cmath>
+#include <fmt/format.h>
+#include <functional>
+#include <map>
 #include <new>
+#include <set>
 #include <stdexcept>
 #include <system_error>
+#include <utility>
 
 #include "studio/render/hit_filters.h"
 #include "studio/render/ray_context.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
 
-HitKey keyOf(const RayScene& scene, const RTCRay& ray, const Hit& hit) {
-    const float distance =
-        hitDistance({ray.org_x, ray.org_y, ray.org_z}, {ray.dir_x, ray.dir_y, ray.dir_z},
-                    cornersOf(scene.geometry(hit.mesh), hit.triangle));
-    return {distance, hit.mesh, hit.triangle};
+/// What hitting one mesh with one surface is about; meshes that share it may be
+/// instances of one.
+using SharedMesh = std::pair<const Mesh*, int>;
+
+SharedMesh sharedMeshOf(const SceneMesh& mesh) {
+    return {mesh.mesh, mesh.surfaceIndex};
+}
+
+/// Bytes that a copy of the mesh in the world takes, with its part of Embree's tree.
+std::uint64_t copySize(const Mesh& mesh) {
+    constexpr std::uint64_t kTreeOfTriangle = 72;
+    return mesh.positions.size() * sizeof(Imath::V3f) + mesh.triangles.size() * kTreeOfTriangle;
+}
+
+/// Whether rays may be brought into the object's space in single precision and meet
+/// there what they meet in the world: not where it is squeezed nearly flat.
+bool keepsPrecision(const Imath::M44d& objectToWorld) {
+    constexpr double kFlattest = 1e-3;
+    double longest = 0;
+    for (int i = 0; i < 3; ++i) {
+        const double* axis = objectToWorld[i];
+        longest = std::max(longest, Imath::V3d(axis[0], axis[1], axis[2]).length());
+    }
+    return std::abs(objectToWorld.determinant()) > kFlattest * longest * longest * longest;
+}
+
+/// The meshes to be instances, those first that save most, until the copies of the
+/// others fit in `room`.
+std::set<SharedMesh> meshesToShare(const std::vector<SceneMesh>& meshes, std::uint64_t room) {
+    std::map<SharedMesh, std::uint64_t> uses;
+    for (const SceneMesh& mesh : meshes)
+        ++uses[sharedMeshOf(mesh)];
+    std::uint64_t copies = 0;
+    std::multimap<std::uint64_t, SharedMesh, std::greater<>> bySize;
+    for (const auto& [mesh, count] : uses) {
+        const std::uint64_t size = (count - 1) * copySize(*mesh.first);
+        bySize.emplace(size, mesh);
+        copies += size;
+    }
+    std::set<SharedMesh> shared;
+    for (const auto& [size, mesh] : bySize) {
+        if (copies <= room) break;
+        shared.insert(mesh);
+        copies -= size;
+    }
+    return shared;
 }
 
 }  // namespace
 
-RayScene::RayScene(const SceneIndex& scene)
-    : index_(&scene), device_(rtcNewDevice(kEmbreeDevice)), scene_(nullptr) {
+RayScene::RayScene(const SceneIndex& scene, std::uint64_t roomForCopies)
+    : index_(&scene),
+      memory_(scene.scene().memory),
+      device_(rtcNewDevice(kEmbreeDevice)),
+      scene_(nullptr) {
     checkDevice();
-    scene_.reset(rtcNewScene(device_.get()));
-    rtcSetSceneFlags(scene_.get(), RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION);
+    if (scene.scene().memory != nullptr)
+        rtcSetDeviceMemoryMonitorFunction(device_.get(), monitorMemory, this);
     for (const Surface& surface : scene.scene().surfaces)
         traits_.push_back(traitsOf(surface, scene));
+    const std::set<SharedMesh> toShare = meshesToShare(scene.meshes(), roomForCopies);
+    std::map<SharedMesh, RTCScene> shared;
+    scene_ = newScene();
     geometries_.reserve(scene.meshes().size());
-    for (const SceneMesh& mesh : scene.meshes()) {
-        geometries_.push_back(placeMesh(mesh, geometries_.size()));
-        attach(geometries_.back());
+    for (const SceneMesh& source : scene.meshes()) {
+        const Mesh& mesh = *source.mesh;
+        const SharedMesh key = sharedMeshOf(source);
+        const bool isInstance =
+            toShare.contains(key) && keepsPrecision(source.object->objectToWorld);
+        if (!isInstance) {
+            memory_.take((mesh.positions.size() + 1) * sizeof(Imath::V3f),
+                         fmt::format("the vertices of \"{}\"", shortened(source.object->name)));
+        }
+        MeshGeometry& geometry =
+            geometries_.emplace_back(placeMesh(source, geometries_.size(), isInstance));
+        if (mesh.triangles.empty()) continue;
+        triangles_ += mesh.triangles.size();
+        if (!isInstance) {
+            attachTriangles(scene_.get(), static_cast<unsigned>(geometry.number), mesh,
+                            geometry.vertices.data(), source.surfaceIndex, &geometry);
+            continue;
+        }
+        RTCScene& once = shared[key];
+        if (once == nullptr) {
+            once = shareTriangles(source);
+        }
+        attachInstance(geometry, once);
     }
     rtcCommitScene(scene_.get());
     checkDevice();
@@ -39,8 +113,22 @@ RayScene::RayScene(const SceneIndex& scene)
 
 RayScene::~RayScene() = default;
 
+/// Embree tells what it is about to take, or took, or gave back.
+bool RayScene::monitorMemory(void* self, ssize_t bytes, bool /*isDone*/) {
+    auto& scene = *static_cast<RayScene*>(self);
+    MemoryBudget& budget = *scene.memory_.budget();
+    if (bytes > 0 && !budget.tryTake(static_cast<std::uint64_t>(bytes))) {
+        scene.isOverBudget_ = true;
+        return false;
+    }
+    if (bytes < 0) budget.giveBack(static_cast<std::uint64_t>(-bytes));
+    scene.treeBytes_ += bytes;
+    return true;
+}
+
 void RayScene::checkDevice() const {
     const RTCError error = rtcGetDeviceError(device_.get());
+    if (isOverBudget_) memory_.budget()->refuse("the structure that rays are traced in");
     if (error == RTC_ERROR_NONE && device_ != nullptr) return;
     if (error == RTC_ERROR_OUT_OF_MEMORY) throw std::bad_alloc();
     // So it calls whatever its scheduler throws, which wants threads to build with.
@@ -48,19 +136,38 @@ void RayScene::checkDevice() const {
     throw std::runtime_error("the ray caster cannot work on this machine");
 }
 
-void RayScene::attach(MeshGeometry& geometry) {
-    const Mesh& mesh = *geometry.source->mesh;
-    if (mesh.triangles.empty()) return;
-    triangles_ += mesh.triangles.size();
+/// The mesh as instances show it, for as long as this lives.
+RTCScene RayScene::shareTriangles(const SceneMesh& source) {
+    const Mesh& mesh = *source.mesh;
+    memory_.take((mesh.positions.size() + 1) * sizeof(Imath::V3f),
+                 fmt::format("the vertices of \"{}\"", shortened(source.object->name)));
+    SharedTriangles& shared = shared_.emplace_back();
+    shared.vertices = mesh.positions;
+    shared.vertices.emplace_back(0.0F);  // a spare one, for wide loads
+    shared.scene = newScene();
+    attachTriangles(shared.scene.get(), 0, mesh, shared.vertices.data(), source.surfaceIndex,
+                    nullptr);
+    rtcCommitScene(shared.scene.get());
+    checkDevice();
+    return shared.scene.get();
+}
+
+RayScene::ScenePtr RayScene::newScene() const {
+    ScenePtr scene(rtcNewScene(device_.get()));
+    rtcSetSceneFlags(scene.get(), RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION);
+    return scene;
+}
+
+void RayScene::attachTriangles(RTCScene scene, unsigned number, const Mesh& mesh,
+                               const Imath::V3f* vertices, int surface, MeshGeometry* owner) {
     RTCGeometry handle = rtcNewGeometry(device_.get(), RTC_GEOMETRY_TYPE_TRIANGLE);
-    rtcSetSharedGeometryBuffer(handle, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                               geometry.vertices.data(), 0, sizeof(Imath::V3f),
-                               mesh.positions.size());
+    rtcSetSharedGeometryBuffer(handle, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, vertices, 0,
+                               sizeof(Imath::V3f), mesh.positions.size());
     rtcSetSharedGeometryBuffer(handle, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
                                mesh.triangles.data(), 0, sizeof(mesh.triangles[0]),
                                mesh.triangles.size());
-    rtcSetGeometryUserData(handle, &geometry);
-    const SurfaceTraits& worn = traits(geometry.source->surfaceIndex);
+    rtcSetGeometryUserData(handle, owner);
+    const SurfaceTraits& worn = traits(surface);
     rtcSetGeometryIntersectFilterFunction(handle, viewingFilter(worn));
     if (!worn.surface->castsShadows) {
         rtcSetGeometryOccludedFilterFunction(handle, kNoShadowFilter);
@@ -69,25 +176,60 @@ void RayScene::attach(MeshGeometry& geometry) {
         rtcSetGeometryOccludedFilterFunction(handle, kShadowFilter);
     }
     rtcCommitGeometry(handle);
+    rtcAttachGeometryByID(scene, handle, number);
+    rtcReleaseGeometry(handle);
+}
+
+void RayScene::attachInstance(const MeshGeometry& geometry, RTCScene shared) {
+    RTCGeometry handle = rtcNewGeometry(device_.get(), RTC_GEOMETRY_TYPE_INSTANCE);
+    rtcSetGeometryInstancedScene(handle, shared);
+    const Imath::M44f transform(geometry.source->object->objectToWorld);
+    rtcSetGeometryTransform(handle, 0, RTC_FORMAT_FLOAT4X4_COLUMN_MAJOR, transform.getValue());
+    rtcCommitGeometry(handle);
     rtcAttachGeometryByID(scene_.get(), handle, static_cast<unsigned>(geometry.number));
     rtcReleaseGeometry(handle);
+}
+
+/// The key of a hit of the ray. What an instance is traced by, Embree knows alone; so
+/// the ray is sent once more to ask.
+HitKey RayScene::keyOf(const RTCRayHit& query, const Hit& hit) const {
+    const MeshGeometry& geometry = geometries_[hit.mesh];
+    if (geometry.isInstance) {
+        ViewingProgress progress{};
+        progress.seeks = &hit;
+        RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
+        context.viewing = &progress;
+        RTCRayHit again = query;
+        rtcIntersect1(scene_.get(), &context.embree, &again);
+        if (progress.after.distance != HitKey{}.distance) return progress.after;
+    }
+    const RTCRay& ray = query.ray;
+    return {hitDistance({ray.org_x, ray.org_y, ray.org_z}, {ray.dir_x, ray.dir_y, ray.dir_z},
+                        cornersOf(geometry, hit.triangle)),
+            hit.mesh, hit.triangle};
+}
+
+Hit RayScene::hitOf(const RTCHit& hit) {
+    if (hit.geomID == RTC_INVALID_GEOMETRY_ID) return {};
+    const bool isInstance = hit.instID[0] != RTC_INVALID_GEOMETRY_ID;
+    return {isInstance ? hit.instID[0] : hit.geomID, hit.primID};
 }
 
 bool RayScene::nextHit(const Ray& ray, const Hit& after, Hit& hit) const {
     RTCRayHit query{};
     setEmbreeRay(ray, 0, query.ray);
     query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
+    query.hit.instID[0] = RTC_INVALID_GEOMETRY_ID;
     ViewingProgress progress{&ray, limitsOf(ray)};
     if (!after.isNone()) {
-        progress.after = keyOf(*this, query.ray, after);
+        progress.after = keyOf(query, after);
         // The filter passes what is not after it; this only saves work.
         query.ray.tnear = std::max(query.ray.tnear, surelyBefore(progress.after.distance));
     }
     RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.viewing = &progress;
     rtcIntersect1(scene_.get(), &context.embree, &query);
-    hit = query.hit.geomID == RTC_INVALID_GEOMETRY_ID ? Hit{}
-                                                      : Hit{query.hit.geomID, query.hit.primID};
+    hit = hitOf(query.hit);
     return !hit.isNone();
 }
 

@@ -1,12 +1,16 @@
 #pragma once
 
 #include <ImathVec.h>
+#include <atomic>
 #include <cstdint>
+#include <deque>
 #include <embree3/rtcore.h>
 #include <limits>
 #include <memory>
+#include <sys/types.h>
 #include <vector>
 
+#include "studio/render/hit_order.h"
 #include "studio/render/mesh_geometry.h"
 #include "studio/render/surface_traits.h"
 #include "studio/services/scene_index.h"
@@ -51,8 +55,14 @@ struct ShadowProgress;
 /// Shadow rays stop at backs too: a wall without a back still keeps light out.
 class RayScene {
   public:
-    /// `scene` must outlive it. Throws std::runtime_error when memory runs out.
-    explicit RayScene(const SceneIndex& scene);
+    /// Meshes that several objects show are copied into the world for each of them as
+    /// long as the copies take no more than `roomForCopies` bytes: rays are quickest
+    /// there. Of others, instances of one are traced.
+    static constexpr std::uint64_t kRoomForCopies = std::uint64_t{1} << 26;
+
+    /// `scene` must outlive it. Throws Error where the scene's budget of memory does not
+    /// hold it, std::bad_alloc or std::system_error where the machine refuses.
+    explicit RayScene(const SceneIndex& scene, std::uint64_t roomForCopies = kRoomForCopies);
     ~RayScene();
     RayScene(const RayScene&) = delete;
     RayScene& operator=(const RayScene&) = delete;
@@ -84,16 +94,36 @@ class RayScene {
     struct ReleaseScene {
         void operator()(RTCScene scene) const { rtcReleaseScene(scene); }
     };
-    void attach(MeshGeometry& geometry);
+    using DevicePtr = std::unique_ptr<RTCDeviceTy, ReleaseDevice>;
+    using ScenePtr = std::unique_ptr<RTCSceneTy, ReleaseScene>;
+
+    struct SharedTriangles {
+        std::vector<Imath::V3f> vertices;  ///< in the object's space
+        ScenePtr scene;
+    };
+
+    RTCScene shareTriangles(const SceneMesh& source);
+    static bool monitorMemory(void* self, ssize_t bytes, bool isDone);
+    ScenePtr newScene() const;
+    /// Attaches `mesh`, which wears `surface`, under `number`.
+    void attachTriangles(RTCScene scene, unsigned number, const Mesh& mesh,
+                         const Imath::V3f* vertices, int surface, MeshGeometry* owner);
+    HitKey keyOf(const RTCRayHit& query, const Hit& hit) const;
+    static Hit hitOf(const RTCHit& hit);
+    void attachInstance(const MeshGeometry& geometry, RTCScene shared);
     void checkDevice() const;
 
     const SceneIndex* index_;
+    MemoryShare memory_;                      ///< for vertices
+    std::atomic<std::int64_t> treeBytes_{0};  ///< that Embree took of the budget
+    std::atomic<bool> isOverBudget_{false};
     std::vector<SurfaceTraits> traits_;
     std::vector<MeshGeometry> geometries_;
     std::uint64_t triangles_ = 0;
     bool judgesShadows_ = false;
-    std::unique_ptr<RTCDeviceTy, ReleaseDevice> device_;
-    std::unique_ptr<RTCSceneTy, ReleaseScene> scene_;
+    DevicePtr device_;
+    std::deque<SharedTriangles> shared_;  ///< one for each mesh and surface of instances
+    ScenePtr scene_;
 };
 
 }  // namespace tavora::studio

@@ -22,7 +22,7 @@ HostPointId vertexId(const Mesh& mesh, std::uint32_t vertex) {
 void fillVertices(const Facet& facet, HostSample& record) {
     for (std::size_t i = 0; i < 3; ++i) {
         record.vertexIds[i] = vertexId(*facet.source().mesh, facet.vertices[i]);
-        const Imath::V3f& corner = facet.key.geometry->vertices[facet.vertices[i]];
+        const Imath::V3f corner(facet.corners[i]);
         std::copy_n(&corner.x, 3, record.vertexPositions[i]);
     }
     record.vertexIds[3] = nullptr;

@@ -18,6 +18,7 @@ void ViewingStream::start(std::span<const Ray> rays) {
     std::fill_n(distances_.begin(), rays.size(), std::numeric_limits<float>::infinity());
     std::fill_n(areDoubtful_.begin(), rays.size(), 0);
     std::fill_n(meshes_.begin(), rays.size(), RTC_INVALID_GEOMETRY_ID);
+    std::fill_n(instances_.begin(), rays.size(), RTC_INVALID_GEOMETRY_ID);
 }
 
 /// Embree leaves out normals that are null.
@@ -28,6 +29,7 @@ RTCRayHitNp ViewingStream::embree() {
     query.hit.v = v_.data();
     query.hit.primID = triangles_.data();
     query.hit.geomID = meshes_.data();
+    query.hit.instID[0] = instances_.data();
     return query;
 }
 
@@ -42,7 +44,8 @@ void ViewingStream::firstHits(std::span<const Ray> rays, std::span<Hit> hits) {
         if (areDoubtful_[i] != 0 || limitsOf(rays[i]).exist() || (meets && isNearEdge(i))) {
             scene_->nextHit(rays[i], {}, hits[i]);
         } else {
-            hits[i] = meets ? Hit{meshes_[i], triangles_[i]} : Hit{};
+            const bool isInstance = instances_[i] != RTC_INVALID_GEOMETRY_ID;
+            hits[i] = meets ? Hit{isInstance ? instances_[i] : meshes_[i], triangles_[i]} : Hit{};
         }
     }
 }

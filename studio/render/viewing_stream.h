@@ -24,6 +24,7 @@ class ViewingStream {
           u_(room),
           v_(room),
           meshes_(room),
+          instances_(room),
           triangles_(room) {}
 
     /// `hits[i]` becomes the first hit of `rays[i]`, or none.
@@ -43,6 +44,7 @@ class ViewingStream {
     std::vector<float> u_;
     std::vector<float> v_;
     std::vector<std::uint32_t> meshes_;
+    std::vector<std::uint32_t> instances_;
     std::vector<std::uint32_t> triangles_;
 };
 

@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "studio/scene/surface_shader.h"
+#include "studio/util/memory_budget.h"
 
 /// The scene as the renderer wants it: plain data, posed, in world units.
 ///
@@ -161,7 +162,8 @@ struct AnimationInfo {
 };
 
 struct Scene {
-    std::string path;  ///< of the file, for messages
+    std::string path;                      ///< of the file, for messages
+    std::shared_ptr<MemoryBudget> memory;  ///< for all that is made of it; null: no limit
     std::vector<Image> images;
     std::vector<Surface> surfaces;
     std::vector<std::unique_ptr<const Object>> objects;

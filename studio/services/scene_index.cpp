@@ -1,6 +1,9 @@
 #include "studio/services/scene_index.h"
 
 #include <bit>
+#include <fmt/format.h>
+
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -12,7 +15,8 @@ static_assert(sizeof(std::uintptr_t) == 8, "polygon identities need 64 bits");
 
 }  // namespace
 
-SceneIndex::SceneIndex(const Scene& scene) : scene_(&scene), pyramids_(2 * scene.images.size()) {
+SceneIndex::SceneIndex(const Scene& scene)
+    : scene_(&scene), memory_(scene.memory), pyramids_(2 * scene.images.size()) {
     for (const auto& object : scene.objects) {
         objects_.emplace(object.get(), static_cast<std::ptrdiff_t>(objects_.size()));
         for (const Part& part : object->parts) {
@@ -41,6 +45,8 @@ void SceneIndex::addPyramid(const std::optional<TextureUse>& use) {
     if (index >= pyramids_.size() || pyramids_[index] != nullptr) return;
     const Image& image = scene_->images[static_cast<std::size_t>(use->image)];
     if (image.rgba.empty()) return;
+    memory_.take(TexturePyramid::sizeFor(image),
+                 fmt::format("the texture \"{}\" made ready for look-ups", shortened(image.name)));
     pyramids_[index] = std::make_unique<TexturePyramid>(image, use->isData);
 }
 

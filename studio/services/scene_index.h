@@ -35,6 +35,7 @@ struct SceneTriangle {
 /// The scene must outlive the index. Any thread may read.
 class SceneIndex {
   public:
+    /// Throws Error where the scene's budget does not hold the images' pyramids.
     explicit SceneIndex(const Scene& scene);
 
     const Scene& scene() const { return *scene_; }
@@ -61,6 +62,7 @@ class SceneIndex {
     void addPyramid(const std::optional<TextureUse>& use);
 
     const Scene* scene_;
+    MemoryShare memory_;
     std::vector<SceneMesh> meshes_;
     /// By image; the images first as colours, then as data.
     std::vector<std::unique_ptr<const TexturePyramid>> pyramids_;

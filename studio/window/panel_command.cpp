@@ -64,7 +64,7 @@ void writePng(const QImage& picture, const std::string& file) {
 
 void drawPanel(const PanelRequest& request, Report& report) {
     checkOutput(request);
-    Document document(request.scene, request.shading, report);
+    Document document(request.scene, request.shading, report, request.reading);
     const std::size_t surface = chosenSurface(document, request.surface);
     const auto application = startApplication(Display::Offscreen, request.scale, report);
     QApplication::setPalette(paletteOf(request.theme));

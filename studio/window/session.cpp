@@ -20,7 +20,7 @@ constexpr int kProbes = 5;  // rows and columns of places to look at
 Session::Session(const EditRequest& request, Report& report)
     : lighting_(request.lighting),
       background_(request.background),
-      document_(request.scene, request.shading, report) {
+      document_(request.scene, request.shading, report, request.reading) {
     startAt(chooseCamera(scene(), {}, kUsualAspect));
     startPicture(request);
 

@@ -164,10 +164,7 @@ const std::uint8_t* elementsOf(const GltfSource& source, const Layout& layout,
         stride = view.stride != 0 ? view.stride : layout.elementSize();
         return elementsIn(source, layout, view, accessor.byteOffset, accessor.count, stride);
     }
-    std::size_t bytes = kZerosOfSmallFiles;
-    for (const auto& buffer : source.buffers)
-        bytes += buffer.size();
-    if (accessor.count > bytes) {
+    if (accessor.count > kZerosOfSmallFiles + source.bytesHeld) {
         source.fail(
             fmt::format("accessor {} claims {} elements without data: export the file again",
                         layout.index, accessor.count));
@@ -211,7 +208,7 @@ void checkFinite(const GltfSource& source, const FloatTable& table, int index) {
 
 ByteRange viewBytes(const GltfSource& source, int index) {
     const gltf::BufferView& view = gltf::at(source.document.bufferViews, index);
-    const std::vector<std::uint8_t>& buffer = gltf::at(source.buffers, view.buffer);
+    const std::span<const std::uint8_t> buffer = gltf::at(source.buffers, view.buffer);
     if (view.byteOffset > buffer.size() || view.byteLength > buffer.size() - view.byteOffset) {
         source.fail(
             fmt::format("buffer view {} reaches past the end of buffer {}: export the file again",

@@ -108,8 +108,9 @@ class CountReader {
 /// Decodes one primitive.
 class Decoding {
   public:
-    Decoding(const GltfSource& source, const gltf::Primitive& primitive, const std::string& where)
-        : source_(source), primitive_(primitive), where_(where) {}
+    Decoding(const GltfSource& source, const gltf::Primitive& primitive, const std::string& where,
+             MemoryShare& memory)
+        : source_(source), primitive_(primitive), where_(where), memory_(memory) {}
 
     DracoPrimitive run() {
         decode();
@@ -135,7 +136,7 @@ class Decoding {
         mesh_ = std::move(decoded).value();
     }
 
-    void checkCounts(const ByteRange& bytes) const {
+    void checkCounts(const ByteRange& bytes) {
         const auto counts = CountReader(bytes).read();
         if (!counts) fail("the compressed mesh is damaged (no header)");
         const std::uint64_t most = kFreeTriangles + kMostPerByte * bytes.size;
@@ -143,6 +144,11 @@ class Decoding {
             fail(fmt::format("the compressed mesh claims {} triangles and {} vertices in {} bytes",
                              counts->triangles, counts->vertices, bytes.size));
         }
+        // What the decoder notes of corners and vertices, and then the tables made of them.
+        constexpr std::uint64_t kTriangle = 128;
+        constexpr std::uint64_t kVertex = 64;
+        const std::uint64_t tables = primitive_.compressed->attributes.size() * sizeof(float[4]);
+        memory_.take(counts->triangles * kTriangle + counts->vertices * (kVertex + tables), where_);
     }
 
     void readIndices(DracoPrimitive& result) const {
@@ -198,14 +204,15 @@ class Decoding {
     const GltfSource& source_;
     const gltf::Primitive& primitive_;
     const std::string& where_;
+    MemoryShare& memory_;
     std::unique_ptr<draco::Mesh> mesh_;
 };
 
 }  // namespace
 
 DracoPrimitive readDraco(const GltfSource& source, const gltf::Primitive& primitive,
-                         const std::string& where) {
-    return Decoding(source, primitive, where).run();
+                         const std::string& where, MemoryShare& memory) {
+    return Decoding(source, primitive, where, memory).run();
 }
 
 }  // namespace tavora::studio

@@ -17,8 +17,9 @@ struct DracoPrimitive {
     std::map<std::string, FloatTable> attributes;
 };
 
-/// Decodes a primitive that is stored compressed. Throws Error that starts with `where`.
+/// Decodes a primitive that is stored compressed. What that takes while the result
+/// lives, `memory` is charged with. Throws Error that starts with `where`.
 DracoPrimitive readDraco(const GltfSource& source, const gltf::Primitive& primitive,
-                         const std::string& where);
+                         const std::string& where, MemoryShare& memory);
 
 }  // namespace tavora::studio

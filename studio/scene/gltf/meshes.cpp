@@ -71,10 +71,7 @@ std::shared_ptr<const PrimitiveGeometry> MeshStore::geometryOf(const gltf::Primi
 }
 
 std::size_t MeshStore::mostValues() const {
-    std::size_t bytes = 0;
-    for (const auto& buffer : source_.buffers)
-        bytes += buffer.size();
-    return kMostValuesPerByte * bytes + kValuesOfSmallFiles;
+    return kMostValuesPerByte * source_.bytesHeld + kValuesOfSmallFiles;
 }
 
 void MeshStore::spend(const PrimitiveGeometry& geometry, const std::string& where) {

@@ -28,6 +28,17 @@ std::string nameOr(const std::string& name, const std::string& second, const cha
     return !second.empty() ? second : fmt::format("{} {}", kind, index);
 }
 
+/// Bytes.
+std::uint64_t memoryOf(const Mesh& mesh) {
+    std::uint64_t bytes = (mesh.positions.size() + mesh.normals.size()) * sizeof(Imath::V3f) +
+                          mesh.colors.size() * sizeof(Imath::V4f) +
+                          mesh.triangles.size() * sizeof(mesh.triangles[0]) +
+                          mesh.tangents.size() * sizeof(CornerTangents);
+    for (const auto& set : mesh.uvs)
+        bytes += set.size() * sizeof(Imath::V2f);
+    return bytes;
+}
+
 /// One pose of one file.
 class Posing {
   public:
@@ -100,6 +111,7 @@ class Posing {
 
     /// Accounts for a bent copy: a small file could ask for any number of them.
     void spend(const Mesh& mesh, int node) {
+        source_.memory->take(memoryOf(mesh), fmt::format("the bent mesh of node {}", node));
         bent_ += mesh.positions.size() + mesh.triangles.size();
         if (bent_ <= meshes_.mostValues() + kCrowd) return;
         source_.fail(

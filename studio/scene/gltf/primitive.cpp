@@ -62,7 +62,7 @@ class PrimitiveReader {
     PrimitiveReader(const GltfSource& source, const gltf::Primitive& primitive,
                     const MaterialNeeds& needs, const std::string& where)
         : source_(source), primitive_(primitive), needs_(needs), where_(where) {
-        if (primitive.compressed) draco_ = readDraco(source, primitive, where_);
+        if (primitive.compressed) draco_ = readDraco(source, primitive, where_, passing_);
     }
 
     PrimitiveGeometry read() {
@@ -74,6 +74,7 @@ class PrimitiveReader {
         result.flat = !has("NORMAL");
         picks_ = result.flat ? VertexPicks::corners(vertices_, mesh.triangles)
                              : VertexPicks::used(vertices_, mesh.triangles);
+        source_.memory->take(sizeOfMesh(mesh.triangles.size()), where_);
         readVertices(mesh);
         if (needs_.normalTexture) readTangents(*needs_.normalTexture, result);
         result.influences = {readInfluences("JOINTS_0", "WEIGHTS_0"),
@@ -90,6 +91,22 @@ class PrimitiveReader {
 
     bool has(const std::string& name) const {
         return draco_.attributes.count(name) != 0 || primitive_.attributes.count(name) != 0;
+    }
+
+    /// Bytes of what a mesh keeps, and of the table that one attribute is read through.
+    std::uint64_t sizeOfMesh(std::size_t triangles) const {
+        std::uint64_t vertex = 2 * sizeof(V3f) + sizeof(V4f);
+        for (const auto& [name, index] : primitive_.attributes) {
+            if (name.starts_with("TEXCOORD")) vertex += sizeof(V2f);
+            if (name.starts_with("COLOR") || name.starts_with("JOINTS") ||
+                name.starts_with("WEIGHTS")) {
+                vertex += sizeof(V4f);
+            }
+        }
+        for (const gltf::Attributes& target : primitive_.targets)
+            vertex += target.size() * sizeof(V3f);
+        const std::size_t tangents = needs_.normalTexture ? sizeof(CornerTangents) : 0;
+        return picks_.size() * vertex + triangles * (sizeof(Triangle) + tangents);
     }
 
     std::size_t count(const std::string& name) const {
@@ -111,7 +128,7 @@ class PrimitiveReader {
         return picked(compressed->second, picks_);
     }
 
-    std::vector<Triangle> readTriangles() const {
+    std::vector<Triangle> readTriangles() {
         const std::vector<std::uint32_t> order = readOrder();
         const auto beyond = std::find_if(order.begin(), order.end(),
                                          [this](std::uint32_t i) { return i >= vertices_; });
@@ -123,11 +140,21 @@ class PrimitiveReader {
         return list ? listOf(order) : runOf(order, primitive_.mode == gltf::Mode::TriangleFan);
     }
 
-    std::vector<std::uint32_t> readOrder() const {
-        if (primitive_.compressed) return draco_.indices;
-        if (primitive_.indices != gltf::kNone) return readIntegers(source_, primitive_.indices);
+    std::vector<std::uint32_t> readOrder() {
+        // The order, the triangles, and the search for the vertices that they use.
+        constexpr std::uint64_t kCorner = 3 * sizeof(std::uint32_t) + sizeof(Triangle);
+        if (primitive_.compressed) {
+            passing_.take(draco_.indices.size() * kCorner, where_);
+            return draco_.indices;
+        }
+        if (primitive_.indices != gltf::kNone) {
+            checkBacked(source_, primitive_.indices);
+            passing_.take(elementCount(source_, primitive_.indices) * kCorner, where_);
+            return readIntegers(source_, primitive_.indices);
+        }
         checkBacked(source_, primitive_.attributes.at("POSITION"));
         if (vertices_ > kMostCorners) fail("has more vertices than can be drawn");
+        passing_.take(vertices_ * kCorner, where_);
         std::vector<std::uint32_t> order(vertices_);
         for (std::size_t i = 0; i < vertices_; ++i)
             order[i] = static_cast<std::uint32_t>(i);
@@ -215,6 +242,7 @@ class PrimitiveReader {
     const gltf::Primitive& primitive_;
     const MaterialNeeds& needs_;
     const std::string& where_;
+    MemoryShare passing_{source_.memory};  // what is gone when the primitive is read
     DracoPrimitive draco_;
     std::size_t vertices_ = 0;
     VertexPicks picks_{0};

@@ -48,10 +48,11 @@ void checkBounds(const GltfSource& source, const Scene& scene) {
 
 }  // namespace
 
-Scene readGltf(const std::filesystem::path& file) {
-    const GltfSource source = readGltfSource(file);
+Scene readGltf(const std::filesystem::path& file, const ReadOptions& options) {
+    const GltfSource source = readGltfSource(file, options);
     Scene scene;
     scene.path = source.path;
+    scene.memory = source.memory;
     readMaterials(source, scene);
     GltfPoser(source).pose(restPose(source), scene);
     checkBounds(source, scene);

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "studio/scene/read_options.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
@@ -10,6 +11,6 @@ namespace tavora::studio {
 /// everything) with all it refers to and poses it at rest. Cameras and lights are those of the
 /// file; see default_view.h for what a file may lack. Throws Error for anything that cannot be
 /// rendered as the file says. Any thread.
-Scene readGltf(const std::filesystem::path& file);
+Scene readGltf(const std::filesystem::path& file, const ReadOptions& options = {});
 
 }  // namespace tavora::studio

@@ -7,12 +7,16 @@
 
 namespace tavora::studio {
 
-/// Fills `source.buffers` from files beside the scene, data URIs, or `binary`,
-/// the binary chunk of a .glb. Throws Error that names the buffer.
-void readBuffers(GltfSource& source, const std::filesystem::path& folder, std::string_view binary);
+/// Where the files that a scene names are looked for.
+struct ResourceFolder {
+    std::filesystem::path path;
+    bool outside = false;  ///< as in ReadOptions
+};
 
-/// Fills `source.images`; the buffers must be there. Throws Error for URIs
-/// that lead out of the folder; a missing file only leaves a `problem`.
-void readImageFiles(GltfSource& source, const std::filesystem::path& folder);
+/// Fills the source's buffers, then its images, from files beside the scene, each read
+/// once, from data URIs, or from `binary`, the binary chunk of a .glb, which the source
+/// holds. Throws Error that names the buffer, or a URI that leads out of the folder; a
+/// missing image only leaves a `problem`.
+void readResources(GltfSource& source, const ResourceFolder& folder, std::string_view binary);
 
 }  // namespace tavora::studio

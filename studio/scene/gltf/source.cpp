@@ -1,7 +1,9 @@
 #include "studio/scene/gltf/source.h"
 
+#include <algorithm>
 #include <fmt/format.h>
 #include <string_view>
+#include <system_error>
 
 #include "studio/files/standard_streams.h"
 #include "studio/scene/gltf/container.h"
@@ -16,6 +18,16 @@ namespace tavora::studio {
 namespace {
 
 namespace fs = std::filesystem;
+
+/// The most that the document takes once it is read, as values and as structures: a
+/// value has a bracket, a comma or a colon beside it.
+std::uint64_t documentSize(std::string_view text) {
+    constexpr std::uint64_t kValue = 128;
+    const auto marks = std::count_if(text.begin(), text.end(), [](char c) {
+        return c == ',' || c == ':' || c == '[' || c == '{';
+    });
+    return text.size() + kValue * static_cast<std::uint64_t>(marks);
+}
 
 gltf::Json parseDocument(const GltfSource& source, const std::string& text) {
     if (text.empty()) source.fail("is empty: export the file again");
@@ -65,16 +77,29 @@ void GltfSource::fail(const std::string& what) const {
     throw Error(Fault::Scene, path + ": " + what);
 }
 
-GltfSource readGltfSource(const fs::path& file) {
+std::span<const std::uint8_t> GltfSource::hold(std::string bytes) {
+    const std::string& kept = held.emplace_back(std::move(bytes));
+    bytesHeld += kept.size();
+    return {reinterpret_cast<const std::uint8_t*>(kept.data()), kept.size()};
+}
+
+GltfSource readGltfSource(const fs::path& file, const ReadOptions& options) {
     GltfSource source;
     source.path = shownName(file);
     source.stream = isStream(file);
-    const GltfContainer container = readContainer(file);
+    source.memory = std::make_shared<MemoryBudget>(source.path, options.memory);
+    source.share = MemoryShare(source.memory);
+    std::error_code unknown;
+    const std::uintmax_t size = fs::file_size(file, unknown);
+    if (!unknown) source.share.take(2 * size, "the file itself");
+    GltfContainer container = readContainer(file);
+    source.share.take(documentSize(container.json), "its JSON");
     source.json = parseDocument(source, container.json);
     checkPreamble(source);
     source.document = gltf::readDocument(source.json, source.path);
-    readBuffers(source, file.parent_path(), binaryChunk(source, container.chunks));
-    readImageFiles(source, file.parent_path());
+    source.hold(std::move(container.chunks));
+    readResources(source, {file.parent_path(), options.outside},
+                  binaryChunk(source, source.held.front()));
     return source;
 }
 

@@ -63,21 +63,22 @@ void TextureReader::checkUvSet(const gltf::TextureInfo& info) const {
 
 /// The scene's image for one of the file's, decoded at its first use.
 int TextureReader::imageOf(int index) {
-    const auto known = images_.find(index);
-    if (known != images_.end()) return known->second;
-    const int at = static_cast<int>(scene_.images.size());
-    scene_.images.push_back(decode(index));
-    images_[index] = at;
-    return at;
-}
-
-Image TextureReader::decode(int index) const {
     const SourceImage& image = gltf::at(source_.images, index);
     if (!image.problem.empty()) {
         source_.fail(fmt::format("the texture \"{}\" {}", shortened(image.name), image.problem));
     }
+    const auto key = std::make_pair(image.bytes.data(), image.bytes.size());
+    const auto known = images_.find(key);
+    if (known != images_.end()) return known->second;
+    const int at = static_cast<int>(scene_.images.size());
+    scene_.images.push_back(decode(image));
+    images_[key] = at;
+    return at;
+}
+
+Image TextureReader::decode(const SourceImage& image) const {
     try {
-        return decodeImage(image.bytes, image.name);
+        return decodeImage(image.bytes, image.name, *source_.memory);
     } catch (const Error& error) {
         source_.fail(fmt::format("the texture \"{}\" {}: export it again", shortened(image.name),
                                  error.what()));

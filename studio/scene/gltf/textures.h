@@ -29,11 +29,13 @@ class TextureReader {
     void checkUvSet(const gltf::TextureInfo& info) const;
     int imageOf(int index);
     [[noreturn]] void failUnread(const gltf::Texture& texture, int index) const;
-    Image decode(int index) const;
+    Image decode(const SourceImage& image) const;
 
     const GltfSource& source_;
     Scene& scene_;
-    std::map<int, int> images_;  // index in the file to index in the scene
+    /// Images of the scene by the bytes that they were made of, which several of the
+    /// file's images may share.
+    std::map<std::pair<const std::uint8_t*, std::size_t>, int> images_;
 };
 
 }  // namespace tavora::studio

@@ -1,8 +1,5 @@
 #include "studio/scene/gltf/uri.h"
 
-#include <algorithm>
-#include <filesystem>
-
 namespace tavora::studio {
 namespace {
 
@@ -73,10 +70,6 @@ std::optional<std::string> fileOfUri(std::string_view uri) {
     if (plain->find_first_of(std::string_view(":\\\0", 3)) != std::string::npos) {
         return std::nullopt;
     }
-    const std::filesystem::path path(*plain);
-    const bool climbs =
-        std::any_of(path.begin(), path.end(), [](const auto& p) { return p == ".."; });
-    if (climbs) return std::nullopt;
     return plain;
 }
 

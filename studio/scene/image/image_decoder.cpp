@@ -1,12 +1,15 @@
 #include "studio/scene/image/image_decoder.h"
 
+#include <algorithm>
 #include <array>
 #include <csetjmp>
 #include <cstdio>
 #include <cstring>
 #include <jpeglib.h>
+#include <memory>
 #include <png.h>
 #include <webp/decode.h>
+#include <webp/demux.h>
 
 // After jpeglib.h, which it needs.
 #include <jerror.h>
@@ -26,10 +29,31 @@ constexpr std::uint64_t kMostPixelsPerByte = 20000;
 
 using Text = std::array<char, 256>;
 
-/// Makes room for the pixels and returns them. C libraries jump over their
-/// callers, so nothing may be thrown here: null and a text instead.
-std::uint8_t* makeRoom(Image& image, std::uint64_t width, std::uint64_t height, Bytes file,
-                       Text& why) noexcept {
+/// A file on its way to pixels. Plain data but for the image, since the errors of C
+/// libraries jump over their callers.
+struct Decoding {
+    Bytes file;
+    Image& image;
+    MemoryBudget& memory;
+    std::uint64_t passing = 0;  ///< bytes of the budget that only decoding needs
+    bool overBudget = false;
+    Text why{};
+};
+
+/// Charges the budget with `bytes`, which are given back when the image is decoded.
+bool charge(Decoding& decoding, std::uint64_t bytes) noexcept {
+    decoding.overBudget = !decoding.memory.tryTake(bytes);
+    if (!decoding.overBudget) decoding.passing += bytes;
+    return !decoding.overBudget;
+}
+
+/// Makes room for the pixels and returns them, and charges for `more` bytes a pixel
+/// that only decoding needs. Nothing may be thrown here: null and a text instead.
+std::uint8_t* makeRoom(Decoding& decoding, std::uint64_t width, std::uint64_t height,
+                       std::uint64_t more = 0) noexcept {
+    const Bytes file = decoding.file;
+    Image& image = decoding.image;
+    Text& why = decoding.why;
     const bool sane = width > 0 && height > 0 && width <= kMostSide && height <= kMostSide &&
                       width * height <= kMostPixels &&
                       width * height <= kMostPixelsPerByte * file.size();
@@ -39,6 +63,9 @@ std::uint8_t* makeRoom(Image& image, std::uint64_t width, std::uint64_t height, 
                       static_cast<unsigned long long>(height), file.size());
         return nullptr;
     }
+    if (!charge(decoding, width * height * more)) return nullptr;
+    decoding.overBudget = !decoding.memory.tryTake(width * height * 4);
+    if (decoding.overBudget) return nullptr;
     try {
         image.width = static_cast<int>(width);
         image.height = static_cast<int>(height);
@@ -50,23 +77,26 @@ std::uint8_t* makeRoom(Image& image, std::uint64_t width, std::uint64_t height, 
     }
 }
 
-[[noreturn]] void fail(const char* format, const Text& why) {
-    throw Error(Fault::Scene, std::string("is a damaged ") + format + " (" + why.data() + ")");
+[[noreturn]] void fail(const char* format, const Decoding& decoding) {
+    if (decoding.overBudget) {
+        throw Error(Fault::Scene, "takes more memory than the scene may (see --max-memory)");
+    }
+    throw Error(Fault::Scene,
+                std::string("is a damaged ") + format + " (" + decoding.why.data() + ")");
 }
 
 // --- PNG ---
 
 struct PngState {
-    Bytes file;
+    Decoding& decoding;
     std::size_t at = 0;
     png_structp png = nullptr;
     png_infop info = nullptr;
-    Text why{};
 };
 
 void pngFailed(png_structp png, png_const_charp text) {
     auto* state = static_cast<PngState*>(png_get_error_ptr(png));
-    std::snprintf(state->why.data(), state->why.size(), "%s", text);
+    std::snprintf(state->decoding.why.data(), state->decoding.why.size(), "%s", text);
     png_longjmp(png, 1);
 }
 
@@ -74,8 +104,9 @@ void pngWarned(png_structp /*png*/, png_const_charp /*text*/) {}
 
 void pngRead(png_structp png, png_bytep to, std::size_t size) {
     auto* state = static_cast<PngState*>(png_get_io_ptr(png));
-    if (size > state->file.size() - state->at) png_error(png, "it breaks off");
-    std::memcpy(to, state->file.data() + state->at, size);
+    const Bytes file = state->decoding.file;
+    if (size > file.size() - state->at) png_error(png, "it breaks off");
+    std::memcpy(to, file.data() + state->at, size);
     state->at += size;
 }
 
@@ -91,15 +122,15 @@ void askForRgba(PngState& state) {
 }
 
 /// Only plain data lives here, since libpng's errors jump back into it.
-bool runPng(PngState& state, Image& image) {
+bool runPng(PngState& state) {
     if (setjmp(png_jmpbuf(state.png)) != 0) return false;
     png_set_read_fn(state.png, &state, pngRead);
     png_set_user_limits(state.png, kMostSide, kMostSide);
     png_set_keep_unknown_chunks(state.png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_read_info(state.png, state.info);
-    std::uint8_t* pixels =
-        makeRoom(image, png_get_image_width(state.png, state.info),
-                 png_get_image_height(state.png, state.info), state.file, state.why);
+    const Image& image = state.decoding.image;
+    std::uint8_t* pixels = makeRoom(state.decoding, png_get_image_width(state.png, state.info),
+                                    png_get_image_height(state.png, state.info));
     if (pixels == nullptr) return false;
     const bool interlaced = png_get_interlace_type(state.png, state.info) != PNG_INTERLACE_NONE;
     askForRgba(state);
@@ -113,32 +144,33 @@ bool runPng(PngState& state, Image& image) {
     return true;
 }
 
-void decodePng(Bytes file, Image& image) {
-    PngState state;
-    state.file = file;
+void decodePng(Decoding& decoding) {
+    PngState state{decoding};
     state.png = png_create_read_struct(PNG_LIBPNG_VER_STRING, &state, pngFailed, pngWarned);
     if (state.png != nullptr) state.info = png_create_info_struct(state.png);
-    const bool good = state.info != nullptr && runPng(state, image);
+    const bool good = state.info != nullptr && runPng(state);
     png_destroy_read_struct(&state.png, &state.info, nullptr);
-    if (!good) fail("PNG", state.why);
+    if (!good) fail("PNG", decoding);
 }
 
 // --- JPEG ---
 
-// A picture in this many scans was not made to be looked at.
+// A picture in more scans was not made to be looked at; nor, if it is not small, in
+// more than a usual one has, each of which takes a few bytes and goes over all pixels.
 constexpr int kMostScans = 500;
+constexpr int kUsualScans = 16;
+constexpr std::uint64_t kMostScannedPixels = 1U << 28;
 
 struct JpegState {
     jpeg_error_mgr errors;
     jpeg_progress_mgr progress;
     std::jmp_buf back;
-    Bytes file;
-    Text why;
+    Decoding* decoding;
 };
 
 [[noreturn]] void jpegGiveUp(j_common_ptr info, const char* text) {
     auto* state = static_cast<JpegState*>(info->client_data);
-    if (text != state->why.data()) std::snprintf(state->why.data(), state->why.size(), "%s", text);
+    std::snprintf(state->decoding->why.data(), state->decoding->why.size(), "%s", text);
     std::longjmp(state->back, 1);
 }
 
@@ -168,58 +200,100 @@ void jpegMessage(j_common_ptr info, int level) {
 
 void jpegScanned(j_common_ptr info) {
     const auto* jpeg = reinterpret_cast<jpeg_decompress_struct*>(info);
-    if (jpeg->input_scan_number > kMostScans) jpegGiveUp(info, "it never ends");
+    const int scans = jpeg->input_scan_number;
+    const std::uint64_t scanned =
+        static_cast<std::uint64_t>(scans) * jpeg->image_width * jpeg->image_height;
+    if (scans > kMostScans || (scans > kUsualScans && scanned > kMostScannedPixels)) {
+        jpegGiveUp(info, "it never ends");
+    }
+}
+
+/// Turns a row of cyan, magenta, yellow and black, 4 bytes a pixel, into colours.
+/// Files that bear Adobe's mark hold the inks' absence instead.
+void inksToRgba(std::uint8_t* row, std::size_t pixels, bool absence) {
+    const auto light = [absence](unsigned ink) { return absence ? ink : 255U - ink; };
+    for (std::uint8_t* pixel = row; pixel != row + 4 * pixels; pixel += 4) {
+        const unsigned black = light(pixel[3]);
+        for (int i = 0; i < 3; ++i)
+            pixel[i] = static_cast<std::uint8_t>((light(pixel[i]) * black + 127) / 255);
+        pixel[3] = 255;
+    }
 }
 
 /// Only plain data lives here, since libjpeg's errors jump back into it.
-bool runJpeg(jpeg_decompress_struct& jpeg, JpegState& state, Image& image) {
+bool runJpeg(jpeg_decompress_struct& jpeg, JpegState& state) {
     if (setjmp(state.back) != 0) return false;
     jpeg_create_decompress(&jpeg);
     jpeg.progress = &state.progress;
-    jpeg_mem_src(&jpeg, state.file.data(), static_cast<unsigned long>(state.file.size()));
+    const Bytes file = state.decoding->file;
+    jpeg_mem_src(&jpeg, file.data(), static_cast<unsigned long>(file.size()));
     jpeg_read_header(&jpeg, TRUE);
-    jpeg.out_color_space = JCS_EXT_RGBA;
-    std::uint8_t* pixels =
-        makeRoom(image, jpeg.image_width, jpeg.image_height, state.file, state.why);
+    const bool inks = jpeg.jpeg_color_space == JCS_CMYK || jpeg.jpeg_color_space == JCS_YCCK;
+    jpeg.out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
+    // All coefficients are kept where they come in several scans.
+    const bool whole = jpeg_has_multiple_scans(&jpeg) != 0;
+    const std::uint64_t kept =
+        whole ? sizeof(JCOEF) * static_cast<std::uint64_t>(jpeg.num_components) : 0;
+    std::uint8_t* pixels = makeRoom(*state.decoding, jpeg.image_width, jpeg.image_height, kept);
     if (pixels == nullptr) return false;
     jpeg_start_decompress(&jpeg);
     while (jpeg.output_scanline < jpeg.output_height) {
         JSAMPROW row = pixels + std::size_t{jpeg.output_scanline} * jpeg.output_width * 4;
         jpeg_read_scanlines(&jpeg, &row, 1);
+        if (inks) inksToRgba(row, jpeg.output_width, jpeg.saw_Adobe_marker != 0);
     }
     jpeg_finish_decompress(&jpeg);
     return true;
 }
 
-void decodeJpeg(Bytes file, Image& image) {
+void decodeJpeg(Decoding& decoding) {
     JpegState state{};
-    state.file = file;
+    state.decoding = &decoding;
     state.progress.progress_monitor = jpegScanned;
     jpeg_decompress_struct jpeg{};
     jpeg.err = jpeg_std_error(&state.errors);
     jpeg.client_data = &state;
     state.errors.error_exit = jpegFailed;
     state.errors.emit_message = jpegMessage;
-    const bool good = runJpeg(jpeg, state, image);
+    const bool good = runJpeg(jpeg, state);
     jpeg_destroy_decompress(&jpeg);
-    if (!good) fail("JPEG", state.why);
+    if (!good) fail("JPEG", decoding);
 }
 
 // --- WebP ---
 
-void decodeWebp(Bytes file, Image& image) {
-    Text why{"it has no whole header"};
-    int width = 0;
-    int height = 0;
-    if (WebPGetInfo(file.data(), file.size(), &width, &height) == 0) fail("WebP", why);
-    std::uint8_t* pixels = makeRoom(image, static_cast<std::uint64_t>(width),
-                                    static_cast<std::uint64_t>(height), file, why);
-    if (pixels == nullptr) fail("WebP", why);
-    why = {"its pixels are not whole"};
-    if (WebPDecodeRGBAInto(file.data(), file.size(), pixels, image.rgba.size(), width * 4) ==
-        nullptr) {
-        fail("WebP", why);
+/// The canvas as the first picture of an animation leaves it.
+bool decodeFirstFrame(Decoding& decoding, std::uint8_t* pixels) {
+    const WebPData data{decoding.file.data(), decoding.file.size()};
+    const std::unique_ptr<WebPAnimDecoder, decltype(&WebPAnimDecoderDelete)> decoder(
+        WebPAnimDecoderNew(&data, nullptr), WebPAnimDecoderDelete);
+    std::uint8_t* canvas = nullptr;
+    int timestamp = 0;
+    const bool good =
+        decoder != nullptr && WebPAnimDecoderGetNext(decoder.get(), &canvas, &timestamp) != 0;
+    if (good) std::copy_n(canvas, decoding.image.rgba.size(), pixels);
+    return good;
+}
+
+void decodeWebp(Decoding& decoding) {
+    const Bytes file = decoding.file;
+    WebPBitstreamFeatures features{};
+    decoding.why = {"it has no whole header"};
+    if (WebPGetFeatures(file.data(), file.size(), &features) != VP8_STATUS_OK) {
+        fail("WebP", decoding);
     }
+    // An animation is put together on two canvases.
+    std::uint8_t* pixels =
+        makeRoom(decoding, static_cast<std::uint64_t>(features.width),
+                 static_cast<std::uint64_t>(features.height), features.has_animation != 0 ? 8 : 0);
+    if (pixels == nullptr) fail("WebP", decoding);
+    decoding.why = {"its pixels are not whole"};
+    const bool good =
+        features.has_animation != 0
+            ? decodeFirstFrame(decoding, pixels)
+            : WebPDecodeRGBAInto(file.data(), file.size(), pixels, decoding.image.rgba.size(),
+                                 features.width * 4) != nullptr;
+    if (!good) fail("WebP", decoding);
 }
 
 bool startsWith(Bytes file, std::string_view signature, std::size_t offset = 0) {
@@ -229,15 +303,18 @@ bool startsWith(Bytes file, std::string_view signature, std::size_t offset = 0) 
 
 }  // namespace
 
-Image decodeImage(Bytes file, const std::string& name) {
+Image decodeImage(Bytes file, const std::string& name, MemoryBudget& memory) {
     Image image;
     image.name = name;
+    Decoding decoding{file, image, memory};
+    const auto giveBack = [&memory](const Decoding* done) { memory.giveBack(done->passing); };
+    const std::unique_ptr<Decoding, decltype(giveBack)> passing(&decoding, giveBack);
     if (startsWith(file, "\x89PNG")) {
-        decodePng(file, image);
+        decodePng(decoding);
     } else if (startsWith(file, "\xFF\xD8")) {
-        decodeJpeg(file, image);
+        decodeJpeg(decoding);
     } else if (startsWith(file, "RIFF") && startsWith(file, "WEBP", 8)) {
-        decodeWebp(file, image);
+        decodeWebp(decoding);
     } else {
         throw Error(Fault::Scene, "is neither PNG, JPEG nor WebP");
     }

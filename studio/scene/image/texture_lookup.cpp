@@ -111,6 +111,18 @@ double tamed(double v) {
 
 }  // namespace
 
+std::uint64_t TexturePyramid::sizeFor(const Image& image) {
+    auto width = static_cast<std::uint64_t>(image.width);
+    auto height = static_cast<std::uint64_t>(image.height);
+    std::uint64_t texels = 0;
+    while (width > 1 || height > 1) {
+        width = std::max<std::uint64_t>(1, width / 2);
+        height = std::max<std::uint64_t>(1, height / 2);
+        texels += width * height;
+    }
+    return 4 * texels;
+}
+
 TexturePyramid::TexturePyramid(const Image& image, bool isData) {
     levels_.push_back({image.width, image.height, image.rgba});
     while (levels_.back().width > 1 || levels_.back().height > 1)

@@ -19,6 +19,9 @@ class TexturePyramid {
     TexturePyramid(const TexturePyramid&) = delete;
     TexturePyramid& operator=(const TexturePyramid&) = delete;
 
+    /// Bytes that a pyramid of `image` takes beside the image.
+    static std::uint64_t sizeFor(const Image& image);
+
     /// RGBA at `uv` (after the texture transform; v grows downwards), each 0..1,
     /// as stored (colour sRGB-encoded). `footprint` is the width in UV units that
     /// the result should average over; 0 asks for the finest level.
