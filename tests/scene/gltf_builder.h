@@ -34,8 +34,7 @@ class GltfBuilder {
     /// Adds a buffer view of these values; returns its index.
     template <typename T>
     int view(const std::vector<T>& values) {
-        const std::size_t at = (bytes.size() + 3) / 4 * 4;
-        const std::size_t size = values.size() * sizeof(T);
+        const std::size_t at = (bytes.size() + 3) / 4 * 4, size = values.size() * sizeof(T);
         bytes.resize(at + size);
         std::memcpy(bytes.data() + at, values.data(), size);
         return add("bufferViews", {{"buffer", 0}, {"byteOffset", at}, {"byteLength", size}});
@@ -44,13 +43,18 @@ class GltfBuilder {
     /// Adds an accessor of these values in a view of its own; returns its index.
     template <typename T>
     int accessor(const std::vector<T>& values, const std::string& type, bool normalized = false) {
-        const auto digit = static_cast<std::size_t>(type.back() - '0');
-        const std::size_t components = type == "MAT4" ? 16 : type == "SCALAR" ? 1 : digit;
-        return add("accessors", {{"bufferView", view(values)},
-                                 {"componentType", componentType<T>},
-                                 {"count", values.size() / components},
-                                 {"type", type},
-                                 {"normalized", normalized}});
+        const int digit = type.back() - '0';  // of VEC2 and others
+        const int components = type == "MAT4" ? 16 : type == "SCALAR" ? 1 : digit;
+        const std::size_t count = values.size() / static_cast<std::size_t>(components);
+        Json entry = {{"bufferView", view(values)}, {"componentType", componentType<T>}};
+        entry.update({{"count", count}, {"type", type}, {"normalized", normalized}});
+        return add("accessors", entry);
+    }
+
+    /// Gives the vertices of the first mesh an attribute.
+    template <typename T>
+    void attribute(const char* name, const std::vector<T>& values, const std::string& type) {
+        primitive()["attributes"][name] = accessor(values, type);
     }
 
     /// Appends to a top-level list; returns the index there.
@@ -65,7 +69,7 @@ class GltfBuilder {
         return add("meshes", {{"primitives", Json::array({members})}});
     }
 
-    Json& primitive(int mesh) {
+    Json& primitive(int mesh = 0) {
         return document["meshes"][static_cast<std::size_t>(mesh)]["primitives"][0];
     }
 
@@ -91,22 +95,16 @@ class GltfBuilder {
     static std::vector<float> corners() { return {0, 0, 0, 1, 0, 0, 0, 1, 0}; }
     static std::vector<float> upward() { return {0, 0, 1, 0, 0, 1, 0, 0, 1}; }
 
-    /// Writes a .gltf with its buffer beside it.
-    std::filesystem::path write(const TemporaryFolder& folder) const {
+    /// Writes a .gltf with its buffer beside it, or a .glb.
+    std::filesystem::path write(const TemporaryFolder& folder, bool binary = false) const {
         Json whole = document;
-        if (!bytes.empty() && !whole.contains("buffers"))
-            whole["buffers"] = {{{"uri", "scene.bin"}, {"byteLength", bytes.size()}}};
+        Json buffer = {{"byteLength", bytes.size()}};
+        if (!binary) buffer["uri"] = "scene.bin";
+        if (!bytes.empty() && !whole.contains("buffers")) whole["buffers"] = {buffer};
         putBytes(folder / "scene.bin", bytes);
-        putBytes(folder / "scene.gltf", whole.dump());
-        return folder / "scene.gltf";
-    }
-
-    /// Writes a .glb.
-    std::filesystem::path writeBinary(const TemporaryFolder& folder) const {
-        Json whole = document;
-        if (!whole.contains("buffers")) whole["buffers"] = {{{"byteLength", bytes.size()}}};
-        putBytes(folder / "scene.glb", glb(whole.dump(), bytes));
-        return folder / "scene.glb";
+        const auto file = folder / (binary ? "scene.glb" : "scene.gltf");
+        putBytes(file, binary ? glb(whole.dump(), bytes) : whole.dump());
+        return file;
     }
 
     Scene read() const {
@@ -152,9 +150,9 @@ inline GltfBuilder fullScene() {
     using Floats = std::vector<float>;
     GltfBuilder file;
     file.document = R"({"asset": {"version": "2.0"}, "scenes": [{"nodes": [0, 1, 2]}], "nodes": [
-        {"mesh": 0, "skin": 0},
-        {"translation": [0, 0, 0], "rotation": [0, 0, 0, 1], "scale": [1, 1, 1], "extensions":
-            {"KHR_lights_punctual": {"light": 0}, "KHR_node_visibility": {"visible": true}}},
+        {"mesh": 0, "skin": 0}, {"translation": [0, 0, 0], "rotation": [0, 0, 0, 1],
+            "scale": [1, 1, 1], "extensions": {"KHR_lights_punctual": {"light": 0},
+                                               "KHR_node_visibility": {"visible": true}}},
         {"matrix": [1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1], "camera": 0}],
       "meshes": [{"weights": [0.5], "primitives": [{"attributes": {"POSITION": 0, "NORMAL": 1,
             "TEXCOORD_0": 2, "JOINTS_0": 3, "WEIGHTS_0": 4}, "indices": 5,
@@ -174,17 +172,14 @@ inline GltfBuilder fullScene() {
                 "texCoord": 0, "extensions": {"KHR_texture_transform":
                     {"offset": [0, 0], "rotation": 0, "scale": [1, 1], "texCoord": 0}}}},
         "extensions": {"KHR_materials_emissive_strength": {"emissiveStrength": 1},
-            "KHR_materials_pbrSpecularGlossiness":
-                {"diffuseFactor": [1, 1, 1, 1], "glossinessFactor": 0.5},
             "KHR_materials_transmission": {"transmissionFactor": 0.5},
-            "KHR_materials_diffuse_transmission": {"diffuseTransmissionFactor": 0.5}}}],
+            "KHR_materials_pbrSpecularGlossiness": {"diffuseFactor": [1, 1, 1, 1]}}}],
       "animations": [{"name": "A", "channels": [
             {"sampler": 0, "target": {"node": 1, "path": "translation"}},
             {"sampler": 1, "target": {"node": 0, "path": "weights"}},
             {"sampler": 2, "target": {"path": "pointer", "extensions": {"KHR_animation_pointer":
-                {"pointer": "/cameras/0/perspective/yfov"}}}}],
-        "samplers": [{"input": 8, "output": 9},
-            {"input": 8, "output": 10, "interpolation": "STEP"},
+                {"pointer": "/cameras/0/perspective/yfov"}}}}], "samplers": [
+            {"input": 8, "output": 9}, {"input": 8, "output": 10, "interpolation": "STEP"},
             {"input": 10, "output": 11, "interpolation": "CUBICSPLINE"}]}]})"_j;
     file.add("images", {{"uri", kRedPng}, {"name", "a"}});
     file.accessor(GltfBuilder::corners(), "VEC3");  // accessor 0
@@ -199,11 +194,10 @@ inline GltfBuilder fullScene() {
     file.accessor(Floats{0, 0, 0, 1, 0, 0}, "VEC3");
     file.accessor(Floats{0.5F, 2}, "SCALAR");
     file.accessor(Floats{0, 1, 0, 0, 1, 0}, "SCALAR");
-    file.document["accessors"][6]["sparse"] = {
-        {"count", 1},
-        {"indices",
-         {{"bufferView", file.view(std::vector<std::uint16_t>{1})}, {"componentType", 5123}}},
-        {"values", {{"bufferView", file.view(Floats{0, 0, 2})}, {"byteOffset", 0}}}};
+    Json& sparse = file.document["accessors"][6]["sparse"] =
+        R"({"count": 1, "indices": {"componentType": 5123}, "values": {"byteOffset": 0}})"_j;
+    sparse["indices"]["bufferView"] = file.view(std::vector<std::uint16_t>{1});
+    sparse["values"]["bufferView"] = file.view(Floats{0, 0, 2});
     file.document["buffers"] = {{{"uri", "scene.bin"}, {"byteLength", file.bytes.size()}}};
     return file;
 }

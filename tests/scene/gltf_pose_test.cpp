@@ -21,23 +21,23 @@ void expectNear(const V3d& a, const V3d& b, const std::string& what = "") {
     EXPECT_LT((a - b).length(), 1e-6) << what << ": " << a << " is not " << b;
 }
 
-V3d world(const Object& object, const V3d& p) {
-    return p * object.objectToWorld;
-}
-
 TEST(GltfPose, ScalesThenTurnsThenMovesThenTheParents) {
     GltfBuilder file;
-    file.triangle({{"translation", {10, 0, 0}},
-                   {"rotation", {0, 0, 2, 2}},  // a quarter turn about z: x to y
-                   {"scale", {2, 3, 4}}});
+    // A quarter turn about z: x to y.
+    file.triangle({{"translation", {10, 0, 0}}, {"rotation", {0, 0, 2, 2}}, {"scale", {2, 3, 4}}});
     file.triangle({{"matrix", {0, 1, 0, 0, -1, 0, 0, 0, 0, 0, 1, 0, 5, 0, 0, 1}}});
-    file.add("nodes", {{"scale", {1, 1, -2}}, {"children", {1}}});
-    file.document["scenes"][0]["nodes"] = {0, 2};
+    file.add("nodes", {{"scale", {1, 1, -2}}, {"children", {1}}, {"mesh", 0}});
+    file.document["scenes"] = R"([{"nodes": [0]}, {"nodes": [0, 2]}])"_j;
+    file.document["scene"] = 1;
     const Scene scene = file.read();
-    expectNear(world(*scene.objects.at(0), V3d(1, 1, 1)), V3d(7, 2, 4));
-    expectNear(world(*scene.objects.at(1), V3d(1, 2, 3)), V3d(3, 1, -6), "by columns");
-    EXPECT_FALSE(scene.objects[0]->mirrored);
-    EXPECT_TRUE(scene.objects[1]->mirrored);
+    ASSERT_EQ(scene.objects.size(), 3U);
+    expectNear(V3d(1, 1, 1) * scene.objects[0]->objectToWorld, V3d(7, 2, 4));
+    expectNear(V3d(1, 2, 3) * scene.objects[2]->objectToWorld, V3d(3, 1, -6), "by columns");
+    EXPECT_TRUE(!scene.objects[0]->mirrored && scene.objects[2]->mirrored);
+    file.document.erase("scene");
+    EXPECT_EQ(file.read().objects.size(), 1U) << "the first scene";
+    file.document.erase("scenes");
+    EXPECT_EQ(file.read().objects.size(), 3U) << "no scene: all nodes";
 }
 
 TEST(GltfPose, SqueezedNodesKeepNormalsAndVanishedOnesAreLeftOut) {
@@ -49,29 +49,11 @@ TEST(GltfPose, SqueezedNodesKeepNormalsAndVanishedOnesAreLeftOut) {
             file.document["scenes"][0]["nodes"] = {2};
             file.add("nodes", {{"scale", {2, 2, 0}}, {"children", {0}}});
             file.add("nodes", {{"rotation", outer}, {"children", {1}}});
-            const Scene scene = file.read();
-            EXPECT_NEAR(scene.objects.at(0)->objectToWorld.determinant(), 6.5e-6, 2.5e-6)
-                << inner << outer;
+            EXPECT_NEAR(file.read().objects.at(0)->objectToWorld.determinant(), 6.5e-6, 2.5e-6);
+            file.document["nodes"][1]["scale"] = {1, 0, 0};
+            EXPECT_TRUE(file.read().objects.empty());
         }
     }
-    for (const Json& scale : {Json{0, 0, 0}, Json{1, 0, 0}}) {
-        GltfBuilder file;
-        file.triangle({{"scale", scale}});
-        EXPECT_TRUE(file.read().objects.empty()) << scale;
-    }
-}
-
-TEST(GltfPose, OnlyTheChosenSceneIsDrawn) {
-    GltfBuilder file;
-    file.triangle({{"name", "first"}});
-    file.add("nodes", {{"mesh", 0}, {"name", "second"}});
-    file.add("scenes", {{"nodes", {1}}});
-    file.document["scene"] = 1;
-    const Scene scene = file.read();
-    EXPECT_TRUE(scene.objects.size() == 1 && scene.objects[0]->name == "second");
-    file.document.erase("scene");
-    file.document.erase("scenes");
-    EXPECT_EQ(file.read().objects.size(), 2U) << "no scene: all nodes";
 }
 
 /// A triangle that hangs on two joints, of which the second stands outside the
@@ -79,9 +61,8 @@ TEST(GltfPose, OnlyTheChosenSceneIsDrawn) {
 GltfBuilder skinned(const Json& jointA, const Json& jointB) {
     GltfBuilder file;
     file.triangle({{"skin", 0}, {"translation", {100, 100, 100}}});
-    Json& attributes = file.primitive(0)["attributes"];
-    attributes["JOINTS_0"] = file.accessor(std::vector<std::uint8_t>(12, 0), "VEC4");
-    attributes["WEIGHTS_0"] = file.accessor<float>({1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}, "VEC4");
+    file.attribute("JOINTS_0", std::vector<std::uint8_t>(12, 0), "VEC4");
+    file.attribute<float>("WEIGHTS_0", {1, 0, 0, 0, 1, 0, 0, 0, 1, 0, 0, 0}, "VEC4");
     file.root(jointA);
     file.add("nodes", jointB);
     file.add("skins", {{"joints", {1, 2}}});
@@ -90,13 +71,10 @@ GltfBuilder skinned(const Json& jointA, const Json& jointB) {
 
 TEST(GltfPose, SkinsBlendTheirJointsByRelativeWeight) {
     GltfBuilder file = skinned({{"translation", {0, 0, 8}}}, {{"translation", {0, 0, 4}}});
-    Json& attributes = file.primitive(0)["attributes"];
-    attributes["JOINTS_0"] =
-        file.accessor<std::uint8_t>({0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0}, "VEC4");
-    attributes["WEIGHTS_0"] =
-        file.accessor<float>({0.25F, 0, 0, 0, 0.5F, 0, 0, 0, 0.1F, 0.3F, 0, 0}, "VEC4");
-    attributes["JOINTS_1"] = file.accessor(std::vector<std::uint8_t>(12, 0), "VEC4");
-    attributes["WEIGHTS_1"] = file.accessor<float>({0, 0, 0, 0, 0.5F, 0, 0, 0, 0, 0, 0, 0}, "VEC4");
+    file.attribute<std::uint8_t>("JOINTS_0", {0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, 0}, "VEC4");
+    file.attribute<float>("WEIGHTS_0", {0.25F, 0, 0, 0, 0.5F, 0, 0, 0, 0.1F, 0.3F, 0, 0}, "VEC4");
+    file.attribute("JOINTS_1", std::vector<std::uint8_t>(12, 0), "VEC4");
+    file.attribute<float>("WEIGHTS_1", {0, 0, 0, 0, 0.5F, 0, 0, 0, 0, 0, 0, 0}, "VEC4");
     const Scene scene = file.read();
     // Weights below 1, the node's own place unused; half by the first set, half by the second.
     EXPECT_EQ(firstMesh(scene).positions, (std::vector{V3f(0, 0, 8), V3f(1, 0, 6), V3f(0, 1, 5)}));
@@ -108,29 +86,25 @@ TEST(GltfPose, SkinnedNormalsTurnAndMirrorWithTheirJointsAfterTheInverseBind) {
     const Json joint = {{"scale", {-1, 2, 3}}, {"rotation", {kHalf, 0, 0, kHalf}}};  // z to -y
     for (const bool stored : {true, false}) {
         GltfBuilder file = skinned(joint, joint);
-        if (stored) {
-            file.primitive(0)["attributes"]["NORMAL"] =
-                file.accessor(GltfBuilder::upward(), "VEC3");
-        }
+        if (stored) file.attribute("NORMAL", GltfBuilder::upward(), "VEC3");
         std::vector<float> bind = {1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 1, 0, -3, 0, 0, 1};
         bind.insert(bind.end(), bind.begin(), bind.end());
         file.document["skins"][0]["inverseBindMatrices"] = file.accessor(bind, "MAT4");
         const Scene scene = file.read();
         EXPECT_TRUE(scene.objects[0]->mirrored);
         expectNear(V3d(firstMesh(scene).positions[2]), V3d(3, 0, 2));
-        for (const V3f& n : firstMesh(scene).normals)
-            expectNear(V3d(n), V3d(0, -1, 0), stored ? "stored" : "made");
+        expectNear(V3d(firstMesh(scene).normals[0]), V3d(0, -1, 0), stored ? "stored" : "made");
     }
 }
 
 TEST(GltfPose, MorphWeightsOfTheNodeReplaceThoseOfTheMesh) {
     GltfBuilder file;
     file.triangle();
-    file.primitive(0)["attributes"]["NORMAL"] = file.accessor(GltfBuilder::upward(), "VEC3");
+    file.attribute("NORMAL", GltfBuilder::upward(), "VEC3");
     const int sideways = file.accessor<float>({1, 0, 0, 0, 0, 0, 0, 0, 0}, "VEC3");
     const int lift = file.accessor<float>({0, 0, 1, 0, 0, 0, 0, 0, 0}, "VEC3");
-    file.primitive(0)["targets"] = {{{"POSITION", lift}},
-                                    {{"POSITION", sideways}, {"NORMAL", sideways}}};
+    file.primitive()["targets"] = {{{"POSITION", lift}},
+                                   {{"POSITION", sideways}, {"NORMAL", sideways}}};
     file.document["meshes"][0]["weights"] = {0.5, 0};
     file.root({{"mesh", 0}, {"weights", {0, 1}}});
     file.root({{"mesh", 0}, {"weights", {0, 0}}});
@@ -140,12 +114,12 @@ TEST(GltfPose, MorphWeightsOfTheNodeReplaceThoseOfTheMesh) {
     EXPECT_EQ(meshAt(0)->positions[0], V3f(0, 0, 0.5F));
     EXPECT_EQ(meshAt(1)->positions[0], V3f(1, 0, 0));
     expectNear(V3d(meshAt(1)->normals[0]), V3d(kHalf, 0, kHalf));
-    EXPECT_EQ(meshAt(2)->positions[0], V3f(0, 0, 0));
+    EXPECT_EQ(meshAt(2)->positions[0], V3f(0));
     EXPECT_EQ(meshAt(0), meshAt(3)) << "bent alike, shared";
     file.document["nodes"] = R"([{"mesh": 0, "weights": [0, 0.5]}])"_j;
     file.document["scenes"][0]["nodes"] = {0};
-    file.primitive(0)["attributes"].erase("NORMAL");
-    file.primitive(0)["targets"][1] = {
+    file.primitive()["attributes"].erase("NORMAL");
+    file.primitive()["targets"][1] = {
         {"POSITION", file.accessor<float>({0, 0, 0, 0, 0, 0, 0, -2, 2}, "VEC3")}};
     EXPECT_EQ(firstMesh(file.read()).normals[0], V3f(0, -1, 0)) << "made normals follow";
 }
@@ -202,13 +176,10 @@ TEST(GltfPose, SwitchesAndSizesAreThoseOfTheLightThenOfItsNode) {
         lights += fmt::format(" {} {:.0f}; ", light->radius, light->angle * 180 / M_PI);
     }
     EXPECT_EQ(lights, "hs 0.5 0; hs 2 0; -- 0 179; h- 0 60; hs 0 0; ");
-    EXPECT_THAT(
-        scene.warnings,
-        testing::UnorderedElementsAre(
-            HasSubstr("lights/2/extras/tavora/radius"), HasSubstr("lights/2/extras/tavora/angle"),
-            HasSubstr("nodes/1/extras/tavora/makesHighlights"),
-            HasSubstr("nodes/3/extras/tavora/radius"), HasSubstr("nodes/3/extras/tavora/angle"),
-            HasSubstr("nodes/3/extras/tavora/castsShadow"), HasSubstr("nothing to draw")));
+    EXPECT_EQ(scene.warnings.size(), 7U);
+    for (const char* place : {"lights/2/extras/tavora/radius", "lights/2/extras/tavora/angle",
+                              "nodes/1/extras/tavora/makesHighlights"})
+        EXPECT_THAT(scene.warnings, testing::Contains(HasSubstr(place)));
 }
 
 TEST(GltfPose, NamesAreUniqueAndLightNamesFit79Bytes) {
@@ -217,21 +188,18 @@ TEST(GltfPose, NamesAreUniqueAndLightNamesFit79Bytes) {
     for (int i = 0; i < 60; ++i)
         umlauts += "\xc3\xa4";
     lightsOf(file) = {{{"type", "point"}, {"name", umlauts}}, {{"type", "point"}}};
-    file.root(onLight(0, {{"name", "Node"}}));
-    file.root(onLight(0));
-    for (const char* name : {"Lamp", "Lamp", ""})
-        file.root(onLight(1, {{"name", name}}));
-    for (const char* name : {"Red", "Red", "Default"})
-        file.add("materials", {{"name", name}});
+    for (const auto& [light, name] : {std::pair{0, "Node"}, {0, ""}, {1, "L"}, {1, "L"}, {1, ""}})
+        file.root(onLight(light, {{"name", name}}));
+    file.document["materials"] = R"([{"name": "Red"}, {"name": "Red"}, {"name": "Default"}])"_j;
     const Scene scene = file.read();
     std::vector<std::string> names;
     for (const auto& light : scene.lights)
         names.push_back(light->name);
     for (const Surface& surface : scene.surfaces)
         names.push_back(surface.name);
-    EXPECT_THAT(names,
-                testing::ElementsAre(umlauts.substr(0, 78), umlauts.substr(0, 76) + " 2", "Lamp",
-                                     "Lamp 2", "Light 1", "Red", "Red 2", "Default", "Default 2"));
+    EXPECT_THAT(
+        names, testing::ElementsAre(umlauts.substr(0, 78), umlauts.substr(0, 76) + " 2", "L", "L 2",
+                                    "Light 1", "Red", "Red 2", "Default", "Default 2"));
 }
 
 TEST(GltfPose, CamerasAreRightHandedAndUnscaled) {
@@ -242,14 +210,13 @@ TEST(GltfPose, CamerasAreRightHandedAndUnscaled) {
     file.root({{"camera", 0}, {"scale", {-3, 2, 1}}, {"translation", {1, 2, 3}}});
     file.root({{"camera", 1}, {"rotation", {0, 1, 0, 0}}});
     const Scene scene = file.read();
-    ASSERT_EQ(scene.cameras.size(), 2U);
-    const Camera& seen = scene.cameras[0];
-    const Camera& plan = scene.cameras[1];
+    const Camera& seen = scene.cameras.at(0);
+    const Camera& plan = scene.cameras.at(1);
     EXPECT_TRUE(seen.verticalFov == 0.5 && seen.aspect == 1.5);
     EXPECT_NEAR(seen.cameraToWorld.determinant(), 1, 1e-12);
     expectNear(V3d(0) * seen.cameraToWorld, V3d(1, 2, 3));
-    EXPECT_TRUE(plan.orthographic && plan.halfHeight == 2 && plan.aspect == 2);
-    EXPECT_EQ(plan.name, "Plan");
+    EXPECT_TRUE(plan.orthographic && plan.halfHeight == 2 && plan.aspect == 2 &&
+                plan.name == "Plan");
     expectNear(V3d(0, 0, -1) * plan.cameraToWorld, V3d(0, 0, 1));
 }
 

@@ -72,14 +72,6 @@ StateBlock blockOfVersion(std::int32_t version) {
     return block;
 }
 
-/// Numbers that are hard to keep: each a float by its bits.
-constexpr std::uint32_t kHardNumbers[] = {
-    0x7fc00000, 0xffc12345, 0x7f800000, 0xff800000,  // none, and infinite
-    0x80000000, 0x00000001, 0x7f7fffff, 0x4b800000,  // -0, the smallest, the largest, 2^24
-    0x60ad78ec,                                      // 1e20, which some write as an integer
-    0x15ae43fd,  // 7.038531e-26: read as a double and then rounded, it is its neighbour
-};
-
 /// The items as a scene file holds them.
 Settings itemsOf(const StateBlock& block) {
     const Settings extras = Settings::parse(extrasWithShader({}, {"TAVO", true, block}));
@@ -93,7 +85,11 @@ TEST(Settings, AreTheSameToTheBit) {
     EXPECT_EQ(settingsOf(blocks[1])["forceColor"], 1.0) << "a flag then";
     EXPECT_EQ(settingsOf(blocks[3])["zoneList"][0]["accountLightOpac"], 1.0) << "of a new shader";
     EXPECT_EQ(settingsOf(blocks[6])["highlightSize"].dump(), "0.12") << "yet short";
-    for (const std::uint32_t bits : kHardNumbers) {
+    // Numbers that are hard to keep: none, infinite, -0, the smallest, the largest, 2^24, 1e20 that
+    // some write as an integer, and 7.038531e-26 that as a double is rounded to its neighbour.
+    for (const std::uint32_t bits :
+         {0x7fc00000U, 0xffc12345U, 0x7f800000U, 0xff800000U, 0x80000000U, 1U, 0x7f7fffffU,
+          0x4b800000U, 0x60ad78ecU, 0x15ae43fdU}) {
         const auto value = std::bit_cast<float>(bits);
         StateBlock& block = blocks.emplace_back(sampleBlock(zoneItems(value, 7, value), 1));
         block[2] = block[4] = value;
@@ -121,47 +117,38 @@ TEST(Settings, OfADamagedBlockAreRefused) {
     prefix.push_back("more");
     EXPECT_EQ(saysOf(prefix), "") << "what follows a block is kept";
     EXPECT_EQ(blockOfItems(prefix)->size(), items.size() + 1);
-    const std::tuple<std::size_t, Settings, const char*> cases[] = {
-        {1, 0.5, "else at highlightOutlineEnable"},
-        {2, "x", "else at highlightOutlineSize"},
-        {30, 1'000'001, "1000001 zoneList"},
-        {30, 2, "else at lightList"},
-        {2, nullptr, "no block"},
-        {2, 1e300, "no block"},
-        {1, 2147483648, "no block"},
-        {2, {{"float", "nil"}}, "no block"},
-    };
-    for (const auto& [place, value, says] : cases) {
+    const Json cases = R"([[1, 0.5, "else at highlightOutlineEnable"], [30, 2, "else at lightList"],
+        [2, "x", "else at highlightOutlineSize"], [30, 1000001, "1000001 zoneList"],
+        [2, null, "no block"], [2, 1e300, "no block"], [1, 2147483648, "no block"],
+        [2, {"float": "nil"}, "no block"]])"_j;
+    for (const Json& damage : cases) {
         Settings damaged = items;
-        damaged[place] = value;
-        EXPECT_THAT(saysOf(damaged), HasSubstr(says));
+        damaged[damage[0].get<std::size_t>()] = damage[1];
+        EXPECT_THAT(saysOf(damaged), HasSubstr(damage[2])) << damage;
     }
 }
 
 TEST(Settings, SayWhatIsWrongWithAValue) {
-    const std::pair<std::string, const char*> cases[] = {
-        {R"({"zones[0].birght": 1})", "zones[0]: unknown setting \"birght\"; did you mean bright"},
-        {R"({"edgeCoverage": -1})", "here: edgeCoverage must be a number from 0 to 1, not -1"},
-        {R"({"edgeEnable": 2})", "true or false"},
-        {R"({"highlightEnable": "Lights"})", R"(one of "Off", "On", "Light", not "Lights")"},
-        {R"({"edgeColor": "#ff80"})", "#rrggbb"},
-        {R"({"edgeColor": "#gg0000"})", "#rrggbb"},
-        {R"({"edgeColor": [1, 1]})", "#rrggbb"},
-        {R"({"maxTraceDepth": 18446744073709551615})", "whole number"},
-        {R"({"lights": [1]})", "light names"},
-        {R"({"lights": [")" + std::string(80, 'x') + "\"]}", "79 bytes"},
-        {R"({"zones[3].color": "#ffffff"})", "no zones[3]; the last is zones[2]"},
-        {R"({"zones[99999999999999999999].color": 1})", "unknown setting"},
-        {R"([1])", "object"},
-        {R"({"zones": [{"position": 0}]})", "two zones"},
-        {R"({"zones": [{"position": 0}, {"position": 0.5, "blend": true}]})", "be ordinary"},
-        {R"({"zones": [{"position": 0}, {"position": 0.4, "blend": 1},
-                       {"position": 0.5, "blend": true}, {"position": 1}]})",
-         "zones 1 and 2"},
-        {R"({"zones": [{"color": "#ffffff"}, {"position": 1}]})", "position"},
-        {R"({"zones[1].position": 1, "zones[0].blend": true})", "be ordinary"}};
-    for (const auto& [changes, says] : cases)
-        EXPECT_THAT(refusal([&] { applied(changes); }), HasSubstr(says)) << changes;
+    const Json cases = R"([
+        [{"zones[0].birght": 1}, "zones[0]: unknown setting \"birght\"; did you mean bright"],
+        [{"edgeCoverage": -1}, "here: edgeCoverage must be a number from 0 to 1, not -1"],
+        [{"highlightEnable": "Lights"}, "one of \"Off\", \"On\", \"Light\", not \"Lights\""],
+        [{"edgeColor": "#ff80"}, "#rrggbb"], [{"edgeColor": "#gg0000"}, "#rrggbb"],
+        [{"edgeColor": [1, 1]}, "#rrggbb"], [{"edgeEnable": 2}, "true or false"],
+        [{"maxTraceDepth": 18446744073709551615}, "whole number"], [[1], "object"],
+        [{"zones[3].color": "#ffffff"}, "no zones[3]; the last is zones[2]"],
+        [{"zones[99999999999999999999].color": 1}, "unknown setting"],
+        [{"zones": [{"position": 0}]}, "two zones"], [{"lights": [1]}, "light names"],
+        [{"zones": [{"position": 0}, {"position": 0.5, "blend": true}]}, "be ordinary"],
+        [{"zones[1].position": 1, "zones[0].blend": true}, "be ordinary"],
+        [{"zones": [{"position": 0}, {"position": 0.4, "blend": 1}, {"position": 0.5, "blend": true},
+                    {"position": 1}]}, "zones 1 and 2"],
+        [{"zones": [{"color": "#ffffff"}, {"position": 1}]}, "position"]])"_j;
+    for (const Json& wrong : cases)
+        EXPECT_THAT(refusal([&] { applied(wrong[0].dump()); }), HasSubstr(wrong[1])) << wrong;
+    const std::string name(80, 'x');
+    EXPECT_THAT(refusal([&] { applied(R"({"lights": [")" + name + "\"]}"); }),
+                HasSubstr("79 bytes"));
 }
 
 TEST(Settings, ChangesAreSettledWithTheLightsAtHand) {
@@ -254,14 +241,13 @@ TEST(ShaderExtras, ChangeNothingElse) {
 }
 
 TEST(ShaderExtras, LeaveOutWhatIsDamagedAndSaySoOnce) {
-    for (const char* own :
-         {"1", R"({"shaders": {}})", R"({"shaders": [1]})", R"({"shaders": [{"server": "TAVO"}]})",
-          R"({"shaders": [{"server": 1, "state": []}]})",
-          R"({"shaders": [{"server": "TAVO", "enabled": 1, "state": []}]})",
-          R"({"shaders": [{"server": "TAVO", "state": [6, null]}]})"})
-        EXPECT_FALSE(read(R"({"tavora": )" + std::string(own) + "}", 1));
-    for (const char* none : {"null", "[]", R"({"tavora": {}})", R"({"tavora": {"shaders": []}})"})
-        EXPECT_FALSE(read(none));
+    for (const Json& own : R"([1, {"shaders": {}}, {"shaders": [1]}, {"shaders": [{"server": "A"}]},
+             {"shaders": [{"server": 1, "state": []}]}, {"shaders": [{"state": []}]},
+             {"shaders": [{"server": "A", "enabled": 1, "state": []}]},
+             {"shaders": [{"server": "A", "state": [6, null]}]}])"_j)
+        EXPECT_FALSE(read(Json{{"tavora", own}}.dump(), 1));
+    for (const Json& none : R"([null, [], {"tavora": {}}, {"tavora": {"shaders": []}}])"_j)
+        EXPECT_FALSE(read(none.dump()));
 }
 
 const std::string kDocument =
@@ -273,8 +259,8 @@ TEST(GltfSettings, ChangeExtrasAloneInTextAndCopyEveryOtherChunkOfAGlb) {
     const TemporaryFolder folder;
     std::string expected = "\xef\xbb\xbf" + kDocument;
     putBytes(folder / "a.gltf", expected);
-    writeGltfSettings(folder / "a.gltf", folder / "b.GLTF",
-                      {{0, sampleShader()}, {2, sampleShader()}});
+    const SurfaceShader shader = sampleShader();
+    writeGltfSettings(folder / "a.gltf", folder / "b.GLTF", {{0, shader}, {2, shader}});
     const std::string own = R"("tavora":{)" + kSample + "]}";
     expected.replace(expected.find("\"}, { }"), 2, "\",\"extras\":{" + own + "}}");
     expected.replace(expected.find("1.10]}"), 6, "1.10]," + own + "}");
@@ -286,7 +272,7 @@ TEST(GltfSettings, ChangeExtrasAloneInTextAndCopyEveryOtherChunkOfAGlb) {
         return bytes.replace(8, 4, GltfBuilder::word(bytes.size()));
     };
     putBytes(folder / "a.glb", bytesWith(kDocument));
-    writeGltfSettings(folder / "a.glb", folder / "a.glb", {{1, sampleShader()}});
+    writeGltfSettings(folder / "a.glb", folder / "a.glb", {{1, shader}});
     const GltfContainer container = readContainer(folder / "a.glb");
     EXPECT_EQ(bytesOf(folder / "a.glb"), bytesWith(container.json));
     EXPECT_THAT(container.json, HasSubstr("{\"extras\":{" + own + "} }"));
