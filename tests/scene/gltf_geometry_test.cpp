@@ -1,7 +1,10 @@
-// Triangles, vertices and normals as files store them in their many ways.
+// Triangles, vertices, normals and tangents as files store them in their many ways, or as
+// they are made.
 
+#include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "studio/scene/mesh/tangents.h"
 #include "tests/scene/gltf_builder.h"
 
 namespace tavora::studio {
@@ -10,52 +13,31 @@ namespace {
 using Imath::V2f;
 using Imath::V3f;
 using Imath::V4f;
-
-/// A square of four corners, counter-clockwise, in the plane z = 0.
-const std::vector<float> kSquare = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
-const std::vector<float> kSquareStrip = {0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 1, 0};
-
-/// Twice the area of the triangles, along +z when they wind counter-clockwise.
-float windingZ(const Mesh& mesh) {
-    float sum = 0;
-    for (const auto& t : mesh.triangles) {
-        const V3f a = mesh.positions[t[0]];
-        sum += (mesh.positions[t[1]] - a).cross(mesh.positions[t[2]] - a).z;
-    }
-    return sum;
-}
+using testing::HasSubstr;
 
 TEST(GltfGeometry, StripsAndFansWindLikeLists) {
-    struct Case {
-        int mode;
-        std::vector<float> positions;
-        std::vector<std::uint16_t> indices;
-        std::size_t triangles;
-        float winding;
-    };
-    const Case cases[] = {
-        {4, kSquare, {0, 1, 2, 0, 2, 3}, 2, 2},
-        {5, kSquareStrip, {}, 2, 2},
-        {5, kSquareStrip, {0, 1, 2, 2, 3, 1}, 2, 2},  // stitched: empty triangles go
-        {6, kSquare, {}, 2, 2},
-        {6, kSquare, {3, 0, 1, 2}, 2, 2},
-        {4, kSquare, {0, 1, 2, 0}, 1, 1},  // a rest of no three corners goes
-    };
-    for (const Case& c : cases) {
+    const std::vector<float> square = {0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0};
+    const std::vector<float> strip = {0, 0, 0, 1, 0, 0, 0, 1, 0, 1, 1, 0};
+    const std::tuple<int, std::vector<float>, std::vector<std::uint16_t>, std::size_t> cases[] = {
+        {4, square, {0, 1, 2, 0, 2, 3}, 2},
+        {5, strip, {0, 1, 2, 3}, 2},
+        {5, strip, {0, 1, 2, 2, 3, 1}, 2},  // stitched: empty triangles go
+        {6, square, {3, 0, 1, 2}, 2},
+        {4, square, {0, 1, 2, 0}, 1},  // a rest of no three corners goes
+        {1, square, {0, 1, 2, 3}, 0}};
+    for (const auto& [mode, positions, indices, triangles] : cases) {
         GltfBuilder file;
-        const Json attributes = {{"POSITION", file.accessor(c.positions, "VEC3")}};
-        Json members = {{"mode", c.mode}};
-        if (!c.indices.empty()) members["indices"] = file.accessor(c.indices, "SCALAR");
-        const Scene scene = file.readPrimitive(attributes, members);
-        EXPECT_EQ(firstMesh(scene).triangles.size(), c.triangles) << "mode " << c.mode;
-        EXPECT_FLOAT_EQ(windingZ(firstMesh(scene)), c.winding) << "mode " << c.mode;
+        const int corners = file.accessor(positions, "VEC3");
+        const int order = file.accessor(indices, "SCALAR");
+        const Scene scene =
+            file.readPrimitive({{"POSITION", corners}}, {{"mode", mode}, {"indices", order}});
+        ASSERT_EQ(scene.objects.empty(), mode == 1);
+        EXPECT_THAT(scene.warnings,
+                    testing::Contains(HasSubstr("lines are not drawn")).Times(mode == 1));
+        if (mode == 1) continue;
+        EXPECT_EQ(firstMesh(scene).triangles.size(), triangles) << "mode " << mode;
+        EXPECT_EQ(firstMesh(scene).normals, std::vector(3 * triangles, V3f(0, 0, 1))) << mode;
     }
-    GltfBuilder lines;
-    const int corners = lines.accessor(kSquare, "VEC3");
-    const Scene scene = lines.readPrimitive({{"POSITION", corners}}, {{"mode", 1}});
-    EXPECT_TRUE(scene.objects.empty());
-    ASSERT_EQ(scene.warnings.size(), 2U);
-    EXPECT_NE(scene.warnings[0].find("points and lines are not drawn"), std::string::npos);
 }
 
 TEST(GltfGeometry, NormalsAreOfLengthOneAndFlatWhereThereAreNone) {
@@ -66,109 +48,163 @@ TEST(GltfGeometry, NormalsAreOfLengthOneAndFlatWhereThereAreNone) {
     const Scene bare = file.readPrimitive({{"POSITION", folded}}, {{"indices", indices}});
     const Mesh& mesh = firstMesh(bare);
     EXPECT_FALSE(mesh.smooth);
-    ASSERT_EQ(mesh.triangles.size(), 2U);
-    for (std::size_t t = 0; t < 2; ++t) {
-        for (std::uint32_t i : mesh.triangles[t])
-            EXPECT_EQ(mesh.normals[i], t == 0 ? V3f(0, 0, 1) : V3f(1, 0, 0));
-    }
-    const auto withNormals = [](const std::vector<float>& normals) {
+    for (const auto& [a, b, c] : mesh.triangles)
+        EXPECT_EQ(mesh.normals[c], mesh.positions[c].y > 0 ? V3f(0, 0, 1) : V3f(1, 0, 0)) << a << b;
+    const auto read = [](const std::vector<float>& corners, const std::vector<float>& normals) {
         GltfBuilder stored;
-        const int corners = stored.accessor(GltfBuilder::corners(), "VEC3");
-        return stored.readPrimitive(
-            {{"POSITION", corners}, {"NORMAL", stored.accessor(normals, "VEC3")}});
+        return firstMesh(stored.readPrimitive({{"POSITION", stored.accessor(corners, "VEC3")},
+                                               {"NORMAL", stored.accessor(normals, "VEC3")}}));
     };
-    const Scene flat = withNormals({0, 0, 2, 0, 0, 5, 0, 0, 0.001F});
-    for (const V3f& n : firstMesh(flat).normals)
-        EXPECT_EQ(n, V3f(0, 0, 1));
-    EXPECT_FALSE(firstMesh(flat).smooth) << "stored normals that are the flat ones";
-    const Scene smooth = withNormals({0, 0, 1, 0.6F, 0, 0.8F, 0, 0, 0});
-    EXPECT_TRUE(firstMesh(smooth).smooth);
-    EXPECT_EQ(firstMesh(smooth).normals[2], V3f(0, 0, 1)) << "no length: the triangle's own";
-
-    const std::vector<std::vector<float>> withoutArea = {{1, 2, 3, 1, 2, 3, 1, 2, 3},
-                                                         {0, 0, 0, 1, 1, 1, 2, 2, 2},
-                                                         {0, 0, 0, 1e-30F, 0, 0, 0, 1e-30F, 0},
-                                                         {0, 0, 0, 1e17F, 0, 0, 0, 1e17F, 0}};
-    for (const auto& shape : withoutArea) {
-        GltfBuilder thin;
-        const Scene scene = thin.readPrimitive({{"POSITION", thin.accessor(shape, "VEC3")}});
-        for (const V3f& n : firstMesh(scene).normals)
-            EXPECT_NEAR(n.length(), 1, 1e-5);
-    }
+    const Mesh flat = read(GltfBuilder::corners(), {0, 0, 2, 0, 0, 5, 0, 0, 0.001F});
+    EXPECT_EQ(flat.normals, std::vector(3, V3f(0, 0, 1)));
+    EXPECT_FALSE(flat.smooth) << "stored normals that are the flat ones";
+    const Mesh smooth = read(GltfBuilder::corners(), {0, 0, 1, 0.6F, 0, 0.8F, 0, 0, 0});
+    EXPECT_TRUE(smooth.smooth);
+    EXPECT_EQ(smooth.normals[2], V3f(0, 0, 1)) << "no length: the triangle's own";
+    const std::vector<float> noArea[] = {{0, 0, 0, 1, 1, 1, 2, 2, 2},
+                                         {0, 0, 0, 1e-30F, 0, 0, 0, 1e-30F, 0},
+                                         {0, 0, 0, 1e17F, 0, 0, 0, 1e17F, 0}};
+    for (const auto& shape : noArea)
+        EXPECT_NEAR(read(shape, std::vector<float>(9, 0)).normals[0].length(), 1, 1e-5);
+    EXPECT_FALSE(read(noArea[0], GltfBuilder::upward()).smooth) << "without area";
 }
 
-TEST(GltfGeometry, SparseAccessorsReplaceTheirBaseOrZeros) {
-    for (const bool based : {true, false}) {
-        GltfBuilder file;
-        file.view(std::vector<std::uint16_t>{1, 2});
-        file.view(std::vector<float>{3, 0, 0, 0, 4, 0});
-        file.view(std::vector<float>{7, 7, 0, 1, 1, 1, 2, 2, 2});
-        Json accessor =
-            R"({"componentType": 5126, "count": 3, "type": "VEC3", "sparse": {"count": 2,
-            "indices": {"bufferView": 0, "componentType": 5123}, "values": {"bufferView": 1}}})"_j;
-        if (based) accessor["bufferView"] = 2;
-        const Scene scene = file.readPrimitive({{"POSITION", file.add("accessors", accessor)}});
-        EXPECT_EQ(firstMesh(scene).positions,
-                  (std::vector{based ? V3f(7, 7, 0) : V3f(0), V3f(3, 0, 0), V3f(0, 4, 0)}));
-        file.bytes[2] = 3;
-        const TemporaryFolder folder;
-        EXPECT_NE(refusalOf(file.write(folder)).find("element 3 of 3"), std::string::npos);
-    }
-}
-
-TEST(GltfGeometry, IntegersBecomeFractionsOrStayWholeAndStridesAreStepped) {
+TEST(GltfGeometry, AttributesAreFractionsOrWholeAndReplacedInPart) {
     GltfBuilder file;
-    const std::vector<std::int16_t> positions = {-32768, 0, 0, 32767, 0, 0, 0, 32767, 0};
-    const std::vector<std::int8_t> normals = {0, 0, 127, 0, 0, 127, 0, 0, 127};
-    const std::vector<std::uint16_t> uvs = {0, 65535, 65535, 0, 32768, 0};
-    const std::vector<std::uint8_t> colors = {255, 0, 51, 255, 255, 255, 0, 0, 0};
-    Json attributes = {{"POSITION", file.accessor(positions, "VEC3", true)}};
-    attributes["NORMAL"] = file.accessor(normals, "VEC3", true);
-    attributes["TEXCOORD_0"] = file.accessor(uvs, "VEC2", true);
-    attributes["COLOR_0"] = file.accessor(colors, "VEC3", true);
-    const Scene fractions = file.readPrimitive(attributes);
-    EXPECT_EQ(firstMesh(fractions).positions[0], V3f(-1, 0, 0)) << "never below -1";
-    EXPECT_EQ(firstMesh(fractions).positions[1], V3f(1, 0, 0));
-    EXPECT_EQ(firstMesh(fractions).normals[0], V3f(0, 0, 1));
-    EXPECT_EQ(firstMesh(fractions).uvs[0][0], V2f(0, 1));
-    EXPECT_EQ(firstMesh(fractions).colors[0], V4f(1, 0, 0.2F, 1));
-
-    GltfBuilder interleaved;  // position (3 shorts, 1 of padding), UV (2 shorts)
-    interleaved.view<std::int16_t>({0, 0, 0, 99, 5, 6, 10, 0, 0, 99, 7, 8, 0, 20, 0, 99, 9, 10});
-    interleaved.document["bufferViews"][0]["byteStride"] = 12;
-    Json part = R"({"bufferView": 0, "componentType": 5122, "count": 3, "type": "VEC3"})"_j;
-    interleaved.add("accessors", part);
-    part.update({{"byteOffset", 8}, {"type", "VEC2"}});
-    interleaved.add("accessors", part);
-    const Scene whole = interleaved.readPrimitive({{"POSITION", 0}, {"TEXCOORD_1", 1}});
-    EXPECT_EQ(firstMesh(whole).positions[2], V3f(0, 20, 0));
-    EXPECT_TRUE(firstMesh(whole).uvs[0].empty());
-    EXPECT_EQ(firstMesh(whole).uvs[1][2], V2f(9, 10));
+    const int indices = file.accessor<std::uint8_t>({1, 2, 3}, "SCALAR");
+    Json attributes = {
+        {"POSITION", file.accessor<std::int16_t>({9, 9, 9, -32768, 0, 0, 32767, 0, 0, 0, 32767, 0},
+                                                 "VEC3", true)}};
+    attributes["TEXCOORD_0"] =
+        file.accessor<std::uint16_t>({0, 0, 0, 65535, 1, 0, 2, 0}, "VEC2", true);
+    attributes["TEXCOORD_1"] = file.accessor<std::int8_t>({0, 0, 5, 6, 7, 8, 9, 10}, "VEC2");
+    attributes["COLOR_0"] =
+        file.accessor<std::uint8_t>({0, 0, 0, 255, 0, 51, 255, 255, 255, 0, 0, 0}, "VEC3", true);
+    file.document["accessors"].back()["sparse"] = {
+        {"count", 1},
+        {"indices", {{"bufferView", file.view<std::uint8_t>({3})}, {"componentType", 5121}}},
+        {"values", {{"bufferView", file.view<std::uint8_t>({0, 255, 0})}}}};
+    const Scene scene = file.readPrimitive(attributes, {{"indices", indices}});
+    const Mesh& mesh = firstMesh(scene);
+    EXPECT_EQ(mesh.positions, (std::vector{V3f(-1, 0, 0), V3f(1, 0, 0), V3f(0, 1, 0)}));
+    EXPECT_EQ(mesh.uvs[0].at(0), V2f(0, 1));
+    EXPECT_EQ(mesh.uvs[1].at(2), V2f(9, 10));
+    EXPECT_EQ(mesh.colors, (std::vector{V4f(1, 0, 0.2F, 1), V4f(1), V4f(0, 1, 0, 1)}));
 }
 
 TEST(GltfGeometry, MeshesAreSharedBetweenNodesAndSkippedVerticesDropped) {
     GltfBuilder file;
     std::vector<float> pool(3000, 5.0F);
     const std::vector<float> corners = GltfBuilder::corners();
-    std::copy(corners.begin(), corners.end(), pool.begin() + 300);
-    const int mesh = file.mesh(
-        {{"POSITION", file.accessor(pool, "VEC3")}, {"NORMAL", file.accessor(pool, "VEC3")}},
-        file.accessor<std::uint16_t>({100, 101, 102}, "SCALAR"));
-    Json second = file.primitive(mesh);
+    std::copy_n(corners.begin(), 6, pool.begin() + 300);
+    std::copy_n(corners.begin() + 6, 3, pool.begin() + 900);
+    const int far = file.accessor<std::uint16_t>({100, 101, 300, 100, 300, 101}, "SCALAR");
+    const int positions = file.accessor(pool, "VEC3");
+    file.mesh({{"POSITION", positions}, {"NORMAL", positions}}, {{"indices", far}});
+    Json second = file.primitive();
     second["material"] = file.add("materials", {{"name", "Red"}});
     file.document["meshes"][0]["primitives"].push_back(second);
-    file.root({{"mesh", mesh}});
-    file.root({{"mesh", mesh}, {"translation", {5, 0, 0}}});
+    file.root({{"mesh", 0}});
+    file.root({{"mesh", 0}, {"translation", {5, 0, 0}}});
     const Scene scene = file.read();
     ASSERT_EQ(scene.objects.size(), 2U);
     const auto& parts = scene.objects[0]->parts;
     EXPECT_EQ(parts.at(1).mesh, scene.objects[1]->parts.at(1).mesh);
-    EXPECT_EQ(firstMesh(scene).positions.size(), 3U);
-    EXPECT_EQ(firstMesh(scene).positions[1], V3f(1, 0, 0));
+    EXPECT_EQ(firstMesh(scene).positions, (std::vector{V3f(0), V3f(1, 0, 0), V3f(0, 1, 0)}));
     EXPECT_EQ(scene.bounds.max, Imath::V3d(6, 1, 0));
-    EXPECT_EQ(parts[1].firstPolygon, 1) << "numbered through the object";
+    EXPECT_EQ(parts[1].firstPolygon, 2) << "numbered through the object";
     EXPECT_EQ(scene.surfaces.at(static_cast<std::size_t>(parts[0].surface)).name, "Default");
     EXPECT_EQ(scene.surfaces.at(static_cast<std::size_t>(parts[1].surface)).name, "Red");
+}
+
+/// A scene with that data as its only mesh.
+GltfBuilder sceneOf(const std::string& data) {
+    GltfBuilder file;
+    file.document["accessors"] =
+        R"([{"componentType": 5126, "count": 4, "type": "VEC3"},
+            {"componentType": 5126, "count": 4, "type": "VEC3"},
+            {"componentType": 5121, "count": 4, "type": "VEC3", "normalized": true},
+            {"componentType": 5123, "count": 4, "type": "SCALAR"}])"_j;
+    const Json attributes = {{"POSITION", 0}, {"NORMAL", 1}, {"COLOR_0", 2}};
+    file.mesh(attributes, {{"indices", 3}});
+    file.primitive()["extensions"]["KHR_draco_mesh_compression"] = {
+        {"bufferView", file.view(std::vector(data.begin(), data.end()))},
+        {"attributes", attributes}};
+    file.document["extensionsRequired"] = {"KHR_draco_mesh_compression"};
+    file.root({{"mesh", 0}});
+    return file;
+}
+
+TEST(GltfDraco, GivesTheMeshBackOrRefusesDamage) {
+    for (const bool byEdges : {false, true}) {
+        // A square of two triangles in z = 1 with normals along z and eight-bit colours.
+        const std::string whole =
+            bytesOf(TEST_INPUTS + std::string(byEdges ? "/mesh/edges" : "/mesh/sequence"));
+        const Scene scene = sceneOf(whole).read();
+        const Mesh& mesh = firstMesh(scene);
+        ASSERT_EQ(mesh.triangles.size(), 2U);
+        float area = 0;
+        for (const auto& [a, b, c] : mesh.triangles) {
+            const V3f corner = mesh.positions[a];
+            area += (mesh.positions[b] - corner).cross(mesh.positions[c] - corner).z / 2;
+        }
+        EXPECT_NEAR(area, 1, 1e-3);
+        EXPECT_NEAR(scene.bounds.min.z, 1, 1e-3);
+        EXPECT_NEAR(mesh.normals[0].z, 1, 1e-3);
+        // The accessor says that the bytes are fractions; the data does not.
+        EXPECT_EQ(mesh.colors.at(0), Imath::V4f(1, 0.2F, 0, 1));
+
+        for (std::size_t size = 1; size < whole.size(); size += 5)
+            EXPECT_NE(sceneOf(whole.substr(0, size)).refused(), "") << size;
+        for (std::size_t i = 0; i < whole.size(); i += 2) {
+            std::string damaged = whole;
+            damaged[i] = static_cast<char>(~damaged[i]);
+            EXPECT_EQ(sceneOf(damaged).refused().find('\n'), std::string::npos);
+        }
+        // Both counts follow eleven bytes, and one more on how edges are walked.
+        for (const std::size_t place : {0U, 1U}) {
+            const std::string billion = "\x80\x94\xeb\xdc\x03";
+            const std::string wild =
+                std::string(whole).replace(place + (byEdges ? 12 : 11), 1, billion);
+            EXPECT_THAT(sceneOf(wild).refused(),
+                        HasSubstr((place == 1) == byEdges ? "1000000000 triangles"
+                                                          : "1000000000 vertices"));
+        }
+        GltfBuilder file = sceneOf(whole);
+        file.primitive()["extensions"]["KHR_draco_mesh_compression"]["attributes"]["NORMAL"] = 9;
+        EXPECT_THAT(file.refused(), HasSubstr("attribute NORMAL is missing"));
+    }
+}
+
+V3f directionOf(const V4f& tangent) {
+    return {tangent.x, tangent.y, tangent.z};
+}
+
+TEST(MeshTangents, CornersShareTheMeanOfTheirTrianglesUnlessTheTextureIsMirrored) {
+    Mesh mesh;  // two squares whose u goes up to the edge between them and then back
+    mesh.positions = {{0, 0, 0}, {1, 0, 0}, {2, 0, 0}, {0, 1, 0}, {1, 1, 0}, {2, 1, 0}};
+    mesh.normals.assign(6, {0, 0, 1});
+    mesh.uvs[0] = {{0, 1}, {1, 1}, {0, 1}, {0, 0}, {1, 0}, {0, 0}};
+    mesh.triangles = {{0, 1, 4}, {0, 4, 3}, {1, 2, 5}, {1, 5, 4}};
+    const auto tangents = makeTangents(mesh, {});
+    for (std::size_t t = 0; t < 4; ++t) {
+        for (const V4f& tangent : tangents.at(t))
+            EXPECT_EQ(tangent, t < 2 ? V4f(1, 0, 0, 1) : V4f(-1, 0, 0, -1)) << t;
+    }
+    // A right angle at the first vertex whose u grows along x, half of one beside it whose
+    // u grows along y, and a triangle without an area in UV.
+    mesh.positions = {{0, 0, 0}, {1, 0, 0}, {0, 1, 0}, {-1, 1, 0}, {-1, 0, 0}};
+    mesh.uvs[0] = {{0, 0}, {1, 0}, {1, -1}, {1, -2}, {1, -2}};
+    mesh.triangles = {{0, 1, 2}, {0, 2, 3}, {0, 3, 4}};
+    const auto weighed = makeTangents(mesh, {});
+    const V3f one = directionOf(weighed[0][1]), other = directionOf(weighed[1][2]);
+    EXPECT_LT(one.dot(other), 0.9F) << "they are to differ";
+    EXPECT_EQ(weighed[0][0], weighed[1][0]);
+    EXPECT_LT((directionOf(weighed[0][0]) - (one * 2.0F + other).normalized()).length(), 1e-6F);
+    EXPECT_EQ(weighed[2][1], weighed[1][2]) << "at a vertex that another triangle tells of";
+    EXPECT_EQ(directionOf(weighed[2][2]), V3f(0)) << "no triangle there tells";
+    mesh.uvs[0].clear();
+    EXPECT_TRUE(makeTangents(mesh, {}).empty());
 }
 
 }  // namespace

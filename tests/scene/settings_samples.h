@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "studio/link/state_block.h"
-#include "studio/util/error.h"
+#include "tests/support/refusal.h"
 
 namespace tavora::studio {
 
@@ -26,10 +26,9 @@ inline StateBlock sampleBlock(const StateBlock& zones, std::int32_t zoneCount,
     block.emplace_back(zoneCount);
     append(block, zones);
     block.emplace_back(static_cast<std::int32_t>(lights.size()));
-    for (const std::string& light : lights)
-        block.emplace_back(light);
-    append(block, {0.75F, 0.11F, 0.12F, 0.13F, 0.21F, 0.22F, 0.23F, 1, 0, 3, 2, 1, 1});
-    append(block, {7, -8, 9, -10, 11, -12, 1});
+    block.insert(block.end(), lights.begin(), lights.end());
+    append(block, {0.75F, 0.11F, 0.12F, 0.13F, 0.21F, 0.22F, 0.23F, 1,  0,   3,
+                   2,     1,     1,     7,     -8,    9,     -10,   11, -12, 1});
     return block;
 }
 
@@ -38,17 +37,6 @@ inline StateBlock sampleBlock() {
     append(zones, zoneItems(0.5F, 1));
     append(zones, zoneItems(1));
     return sampleBlock(zones, 3, {"Key", "F\xc3\xbcll"});
-}
-
-/// The message of the Fault::Scene that `body` throws; empty when it throws none.
-template <class Body>
-std::string refusal(const Body& body) {
-    try {
-        body();
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return {};
 }
 
 }  // namespace tavora::studio

@@ -14,14 +14,12 @@ inline std::string faultOf(const Mesh& mesh) {
     const auto fits = [&](const auto& values) { return values.empty() || values.size() == count; };
     if (mesh.normals.size() != count || !fits(mesh.colors)) return "vertices";
     if (!std::all_of(mesh.uvs.begin(), mesh.uvs.end(), fits)) return "UVs";
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!std::isfinite(mesh.positions[i].x + mesh.positions[i].y + mesh.positions[i].z))
-            return "positions";
-        if (!(std::abs(mesh.normals[i].length2() - 1) < 1e-5F)) return "normals";
-    }
-    for (const auto& triangle : mesh.triangles) {
-        if (*std::max_element(triangle.begin(), triangle.end()) >= count) return "triangles";
-    }
+    for (const Imath::V3f& p : mesh.positions)
+        if (!std::isfinite(p.x + p.y + p.z)) return "positions";
+    for (const Imath::V3f& n : mesh.normals)
+        if (!(std::abs(n.length2() - 1) < 1e-5F)) return "normals";
+    for (const auto& t : mesh.triangles)
+        if (std::max({t[0], t[1], t[2]}) >= count) return "triangles";
     return "";
 }
 
@@ -30,8 +28,7 @@ inline std::string faultOf(const Scene& scene) {
     for (const auto& object : scene.objects) {
         for (const Part& part : object->parts) {
             if (static_cast<std::size_t>(part.surface) >= scene.surfaces.size()) return "surfaces";
-            const std::string fault = faultOf(*part.mesh);
-            if (!fault.empty()) return part.mesh->name + ": " + fault;
+            if (const std::string fault = faultOf(*part.mesh); !fault.empty()) return fault;
         }
     }
     for (const Camera& camera : scene.cameras)
