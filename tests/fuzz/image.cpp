@@ -6,7 +6,9 @@ using namespace tavora::studio;
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     readOrRefuse([&] {
-        const Image image = decodeImage({data, size}, "texture");
+        MemoryBudget memory("scene", std::uint64_t{1} << 30);
+        const Image image = decodeImage({data, size}, "texture", memory);
+        require(memory.taken() == image.rgba.size());
         require(image.width > 0 && image.height > 0);
         require(image.rgba.size() == std::size_t{4} * static_cast<std::size_t>(image.width) *
                                          static_cast<std::size_t>(image.height));

@@ -27,8 +27,15 @@ Bytes fileOf(const std::string& name) {
     return {bytes.begin(), bytes.end()};
 }
 
+Image decoded(const Bytes& file, std::uint64_t memory = std::uint64_t{1} << 40) {
+    MemoryBudget budget("scene", memory);
+    Image image = decodeImage(file, "picture", budget);
+    EXPECT_EQ(budget.taken(), image.rgba.size());
+    return image;
+}
+
 std::string refused(const Bytes& file) {
-    return refusal([&] { decodeImage(file, "picture"); });
+    return refusal([&] { decoded(file); });
 }
 
 TEST(TextureImage, ValuesAreThoseOfTheFile) {
@@ -40,12 +47,19 @@ TEST(TextureImage, ValuesAreThoseOfTheFile) {
                                     {"interlaced16.png", 0xb21cc08bU},
                                     {"palette.png", 0xaa48caadU},
                                     {"rgb.png", 0xb21cc08bU}}) {
-        const Bytes rgba = decodeImage(fileOf(name), "a").rgba;
+        const Bytes rgba = decoded(fileOf(name)).rgba;
         EXPECT_EQ(::crc32(0, rgba.data(), static_cast<unsigned>(rgba.size())), sum) << name;
     }
-    EXPECT_EQ(decodeImage(fileOf("half-clear.webp"), "a").rgba,
+    EXPECT_EQ(decoded(fileOf("half-clear.webp")).rgba,
               (Bytes{255, 0, 0, 255, 0, 128, 0, 128, 1, 2, 3, 255, 9, 8, 7, 1}));
-    const Image jpeg = decodeImage(fileOf("one-colour-left.jpg"), "a");
+    // The first of two pictures, the other blue.
+    EXPECT_EQ(decoded(fileOf("animated.webp")).rgba,
+              (Bytes{200, 30, 10, 255, 200, 30, 10, 255, 200, 30, 10, 255, 0, 0, 0, 0}));
+    // Half black under magenta and yellow; cyan. As Adobe stores inks.
+    const Bytes inks = decoded(fileOf("cmyk.jpg")).rgba;
+    EXPECT_EQ(Bytes(&inks[0], &inks[4]), (Bytes{127, 0, 0, 255}));
+    EXPECT_EQ(Bytes(&inks[8 * 8 * 4], &inks[8 * 8 * 4 + 4]), (Bytes{0, 255, 255, 255}));
+    const Image jpeg = decoded(fileOf("one-colour-left.jpg"));
     ASSERT_TRUE(jpeg.width == 17 && jpeg.rgba.size() == 17U * 9 * 4);
     for (std::size_t i = 0; i < 8; ++i)
         EXPECT_EQ(Bytes(&jpeg.rgba[4 * i], &jpeg.rgba[4 * i + 4]), (Bytes{201, 101, 51, 255}));
