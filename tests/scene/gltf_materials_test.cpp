@@ -9,13 +9,10 @@
 namespace tavora::studio {
 namespace {
 
-using Imath::V2f;
-using Imath::V3f;
-using Imath::V4f;
-using testing::HasSubstr;
+using Imath::V2f, Imath::V3f, Imath::V4f;
+using testing::EndsWith, testing::HasSubstr;
 
-// One pixel.
-constexpr const char* kWebp =
+constexpr const char* kWebp =  // one pixel
     "data:image/webp;base64,UklGRhoAAABXRUJQVlA4TA0AAAAvAAAAEAcQERGIiP4HAA==";
 
 GltfBuilder withMaterial(const Json& material) {
@@ -45,18 +42,17 @@ TEST(GltfMaterials, FactorsAndModesHaveTheirDefaults) {
         "extras": {"tavora": {"selfShadow": false, "castsShadows": 0, "receivesShadows": false}}})"_j);
     const Scene scene = glass.read();
     const Surface& full = scene.surfaces.at(0);
-    EXPECT_EQ(full.baseColor, V4f(0.1F, 0.2F, 0.3F, 0.4F));
-    EXPECT_EQ(full.emissive, V3f(2, 0, 4));
+    EXPECT_TRUE(full.baseColor == V4f(0.1F, 0.2F, 0.3F, 0.4F) && full.emissive == V3f(2, 0, 4));
     EXPECT_TRUE(full.metallic == 0.5F && full.roughness == 0.75F);
     EXPECT_TRUE(full.alphaMode == AlphaMode::Mask && full.alphaCutoff == 0.25F);
-    EXPECT_TRUE(full.doubleSided && full.unlit && full.castsShadows);
-    EXPECT_FALSE(full.selfShadow || full.receivesShadows);
+    EXPECT_TRUE(full.doubleSided && full.unlit && full.castsShadows && !full.selfShadow &&
+                !full.receivesShadows);
     EXPECT_THAT(scene.warnings, testing::Contains(HasSubstr("surface Glass: its castsShadows is")));
     const Surface other = surfaceOf(withMaterial(R"({"alphaMode": "BLEND", "extensions":
         {"KHR_materials_diffuse_transmission": {}, "KHR_materials_pbrSpecularGlossiness":
             {"diffuseFactor": [1, 0.5, 0, 1], "glossinessFactor": 0.75}}})"_j));
-    EXPECT_TRUE(other.alphaMode == AlphaMode::Blend && other.roughness == 0.25F);
-    EXPECT_EQ(other.baseColor, V4f(1, 0.5F, 0, 1));
+    EXPECT_TRUE(other.alphaMode == AlphaMode::Blend && other.roughness == 0.25F &&
+                other.baseColor == V4f(1, 0.5F, 0, 1));
     EXPECT_TRUE(full.translucencyFactor == 0.5F && full.translucencyComponent == Component::Red &&
                 other.translucencyComponent == Component::Alpha);
 }
@@ -118,15 +114,12 @@ TEST(GltfMaterials, TexturesThatCannotBeUsedAreNamed) {
     sourceless.document["textures"][0].erase("source");
     GltfBuilder foreign = sourceless;
     foreign.document["textures"][0]["extensions"]["KHR_texture_basisu"]["source"] = 0;
-    GltfBuilder view = textured({{"bufferView", 0}});
-    view.document["bufferViews"][0]["byteOffset"] = 1U << 30U;
     const std::pair<GltfBuilder, const char*> cases[] = {
         {textured({{"uri", "gone.png"}}), "the texture \"gone.png\" cannot be read"},
         {textured({{"uri", "scene.bin"}}), "\"scene.bin\" is neither PNG, JPEG nor WebP"},
         {textured({{"name", "Bark"}}), "\"Bark\" is empty"},
         {textured({{"uri", kRedPng}}, {{"texCoord", 4}}), "UV set 4"},
-        {foreign, "texture 0 is stored for KHR_texture_basisu alone"},
-        {view, "reaches past the end"}};
+        {foreign, "texture 0 is stored for KHR_texture_basisu alone"}};
     for (const auto& [file, says] : cases)
         EXPECT_THAT(file.refused(), HasSubstr(says));
     EXPECT_FALSE(surfaceOf(sourceless).baseColorTexture);
@@ -204,14 +197,13 @@ TEST(GltfMaterials, WhatIsNotDrawnIsSaidOnceWithTheMaterialsThatAskForIt) {
     file.document["extensionsUsed"] = {"KHR_materials_clearcoat", "ACME_wind", "VRMC_vrm",
                                        "ACME_pictures"};
     const Scene scene = file.read();
-    const auto said = [](const char* what) { return testing::EndsWith(what); };
     EXPECT_THAT(scene.notes,
                 testing::ElementsAre(
-                    said("occlusion textures are not drawn (A, B)"),
-                    said("outlines are not drawn; the shader's edge band may stand in (A)"),
-                    said("what KHR_materials_clearcoat adds is not drawn (A)"),
+                    EndsWith("occlusion textures are not drawn (A, B)"),
+                    EndsWith("outlines are not drawn; the shader's edge band may stand in (A)"),
+                    EndsWith("what KHR_materials_clearcoat adds is not drawn (A)"),
                     HasSubstr("textures stored for ACME_pictures are not read"),
-                    said("what ACME_wind adds is not drawn")));
+                    EndsWith("what ACME_wind adds is not drawn")));
     EXPECT_TRUE(scene.warnings.empty());
 }
 

