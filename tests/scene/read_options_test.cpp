@@ -84,10 +84,11 @@ TEST(ReadOptions, BuffersOfOneFileAreOneAndEachLargePartIsCountedFirst) {
     file.primitive()["targets"][0]["POSITION"] = corners;
     const std::uint64_t morphable = file.read().memory->taken();
     EXPECT_EQ(morphable - plain, 300'000U * 12);
-    file.document["nodes"][0]["weights"] = {0.5};
-    EXPECT_GT(file.read().memory->taken() - morphable, 300'000U * (12 + 12 + 4));
-    EXPECT_THAT(refusedWith(file.write(folder), {.memory = morphable + 5 * kMega}),
-                HasSubstr("with the bent mesh of node 0 takes more"));
+    for (const double weight : {0.2, 0.4, 0.6})
+        file.root({{"mesh", 0}, {"weights", {weight}}});
+    EXPECT_EQ(file.read().memory->taken() - morphable, 3U * 300'000 * (12 + 12 + 4));
+    EXPECT_THAT(refusedWith(file.write(folder), {.memory = morphable + 20 * kMega}),
+                HasSubstr("with the bent mesh of node 3 takes more"));
     // The structure of a document is larger than its text.
     file = {};
     for (int i = 0; i < 40'000; ++i)
