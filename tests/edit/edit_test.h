@@ -40,7 +40,7 @@ class EditTest : public testing::Test {
             builder.primitive(material)["material"] = material;
         }
         builder.triangle();
-        file_ = builder.writeBinary(folder_);
+        file_ = builder.write(folder_, true);
     }
 
     std::unique_ptr<Document> open() {

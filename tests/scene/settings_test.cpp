@@ -79,6 +79,7 @@ TEST(Settings, AreTheSameToTheBit) {
         const auto read = blockOfItems(Settings::parse(itemsOf(block).dump()));
         EXPECT_TRUE(read && sameBits(*read, block)) << itemsOf(block);
     }
+    EXPECT_EQ(itemsOf({-0.0F}).dump(), R"([{"float":"0x80000000"}])") << "others write 0 for -0.0";
     StateBlock old = sampleBlock({}, 0);
     old[0] = 1;
     old.resize(old.size() - 19);

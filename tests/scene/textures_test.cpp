@@ -1,5 +1,4 @@
-// Picture files to pixels: values as they stand in the file, damage as one line. Looking
-// them up: wrapping, filters, averaging over a footprint, transforms.
+// Picture files to pixels, and looking these up.
 
 #include <algorithm>
 #include <cmath>
