@@ -1,12 +1,14 @@
 // Surfaces without a shader: light, shadows, clear and cut-out surfaces, with
 // answers that can be worked out on paper.
 
+#include <array>
 #include <cmath>
 #include <gtest/gtest.h>
 #include <numbers>
+#include <set>
 
 #include "studio/util/color.h"
-#include "tests/render/room.h"
+#include "tests/render/test_scene.h"
 
 namespace tavora::studio {
 namespace {
@@ -14,11 +16,6 @@ namespace {
 using Imath::V3d;
 
 constexpr double kClose = 2e-6;
-
-V3d encoded(const V3d& linear) {
-    return {toEncoded(linear.x), toEncoded(linear.y), toEncoded(linear.z)};
-}
-
 const V3d kDown(0, 0, -1);  // straight at a quad
 
 TEST(PlainShading, ScattersLightByTheCosine) {
@@ -27,59 +24,13 @@ TEST(PlainShading, ScattersLightByTheCosine) {
     test.rig.ambient = {0.25, 0.25, 0.25};
     const double angle = std::numbers::pi / 3;
     test.addSun({std::sin(angle), 0, -std::cos(angle)});
-    expectColor(colorOf(test), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
-    // From behind, nothing is added.
-    test.addSun({0, 0, 1});
-    expectColor(colorOf(test), V3d(toEncoded(0.5), toEncoded(0.25), 1) * 0.75);
-}
-
-TEST(PlainShading, MeshesThatHangOnMirroredJointsAreLitFromOutside) {
-    TestScene test;
-    test.addSurface();
-    auto mesh = sphereMesh(1, 32, 16);
-    for (auto& triangle : mesh->triangles)
-        std::swap(triangle[1], triangle[2]);
-    auto object = std::make_unique<Object>();
-    object->mirrored = true;
-    object->parts.push_back({mesh, 0, 0});
-    test.scene.objects.push_back(std::move(object));
-    test.addSun(kDown);
-    const Picture picture = renderPlain(test, frontCamera({0, 0, 5}, 1), squareOptions(5));
-    EXPECT_NEAR(displayed(picture, 2, 2).x, 1, 0.01);
-}
-
-TEST(PlainShading, PointLightsShineFromWhereTheyAre) {
-    QuadScene test;
-    test.addLight(LightKind::Point, {1, 0.5, 0}).position = {0, 3, 4};
-    const double cosine = 4.0 / 5.0;
-    expectColor(colorOf(test), V3d(1, 0.5, 0) * cosine);
-    // Level 1 at distance 1 with falloff.
-    test.rig.falloff = true;
-    expectColor(colorOf(test), V3d(1, 0.5, 0) * cosine / 25);
-}
-
-TEST(PlainShading, SpotsLightTheirConeAlone) {
-    TestScene test;
-    test.addSurface();
-    test.addQuad({0, 0, 0}, 10, 0);
-    Light& spot = test.addLight(LightKind::Spot);
-    spot.position = {0, 0, 1};
-    spot.innerCosine = std::cos(0.5);
-    spot.outerCosine = std::sqrt(0.5);
-    const Picture picture = renderPlain(test, frontCamera({0, 0, 5}, 2), squareOptions(41));
-    const double step = 4.0 / 41;
-    for (int x = 0; x < 41; ++x) {
-        const double away = std::abs((x - 20) * step);
-        const double shown = displayed(picture, x, 20).x;
-        if (away > 1.001) {
-            EXPECT_EQ(shown, 0) << x;
-        } else if (away < std::tan(0.5)) {
-            EXPECT_NEAR(shown, 1 / std::hypot(1, away), kClose) << x;
-        } else {
-            EXPECT_GT(shown, 0) << x;
-            EXPECT_LT(shown, 1 / std::hypot(1, away)) << x;
-        }
-    }
+    const V3d base(toEncoded(0.5), toEncoded(0.25), 1);
+    expectColor(colorOf(test), base * 0.75);
+    test.addSun({0, 0, 1});  // from behind
+    expectColor(colorOf(test), base * 0.75);
+    test.addLight(LightKind::Point, {0.25, 0.25, 0}).position = {0, 3, 4};
+    test.addQuad({0, 4.5, 6}, 1, 0);  // behind the light
+    expectColor(colorOf(test), base * V3d(0.95, 0.95, 0.75));
 }
 
 TEST(PlainShading, OfMoreLightsThanAnyTableHoldsEachCountsAndIsShadowed) {
@@ -101,24 +52,62 @@ TEST(PlainShading, OfMoreLightsThanAnyTableHoldsEachCountsAndIsShadowed) {
                 expected, kClose);
 }
 
-/// Half of a floor lies under a roof that ends at x = 0, one above it; the
-/// camera looks from in between. Brightness by x, from -2 to 2.
-std::vector<double> underHalfARoof(LightKind kind, double radius, double angle) {
-    TestScene test;
-    test.addSurface();
-    test.addQuad({0, 0, 0}, 10, 0);
-    test.addQuad({-10, 0, 1}, 10, 0);
-    Light& light = test.addLight(kind);
-    light.position = {0, 0, 2};
-    light.direction = kDown;
-    light.outerCosine = std::cos(1.5);
-    light.innerCosine = std::cos(1.4);
-    test.soften(radius, angle);
-    const Picture picture = renderPlain(test, frontCamera({0, 0, 0.5}, 2), squareOptions(80));
-    std::vector<double> row;
-    for (int x = 0; x < 80; ++x)
-        row.push_back(displayed(picture, x, 40).x);
-    return row;
+/// A floor under a roof, parts of one object, the camera in between. The roof may be
+/// clear, or reach from the left to the middle only.
+struct Roofed : TestScene {
+    Roofed(LightKind kind, double size, double angle, float alpha = 1, double right = 0) {
+        addSurface();
+        addSurface().baseColor.w = alpha;
+        scene.surfaces[1].alphaMode = AlphaMode::Blend;
+        Object& floor = addQuad({0, 0, 0}, 20, 0);
+        auto over = quadMesh(10);
+        for (Imath::V3f& corner : over->positions)
+            corner += Imath::V3f(static_cast<float>(right), 0, 1);
+        floor.parts.push_back({over, 1, 0});
+        roof = &floor.parts[1];
+        Light& light = addLight(kind);
+        light.position = {0, 0, 2};
+        light.direction = kDown;
+        light.outerCosine = std::cos(1.5);
+        light.innerCosine = std::cos(1.4);
+        soften(size, angle);
+    }
+    Part* roof;
+    /// How bright the middle of the floor is.
+    double level(RenderStats& stats) const {
+        return displayed(onePixel(*this, {}, &stats, {0, 0, 0.5}), 0, 0).x;
+    }
+};
+
+TEST(PlainShading, LightsAndSurfacesMayGoWithoutShadows) {
+    for (std::size_t i = 0; i < 12; ++i) {
+        const auto kind =
+            std::array{LightKind::Directional, LightKind::Point, LightKind::Spot}[i % 3];
+        const double size = i < 6 ? 0 : 0.1;
+        Roofed test(kind, size, size, i % 2 == 0 ? 1 : 0.5F);
+        RenderStats stats;
+        const auto isLit = [&] { return test.level(stats) > 0.99; };
+        Surface& floor = test.scene.surfaces[0];
+        Surface& roof = test.scene.surfaces[1];
+        EXPECT_LT(test.level(stats), 0.6);
+        EXPECT_GT(stats.shadowRays, 0U);
+        roof.castsShadows = false;
+        EXPECT_TRUE(isLit());
+        roof.castsShadows = true;
+        floor.receivesShadows = false;
+        EXPECT_TRUE(isLit() && stats.shadowRays == 0);
+        floor.receivesShadows = true;
+        test.rig.lights[0].castsShadow = false;
+        EXPECT_TRUE(isLit() && stats.shadowRays == 0);
+        test.rig.lights[0].castsShadow = true;
+        // Spared is the surface itself: no other, and none on another object.
+        floor.selfShadow = roof.selfShadow = false;
+        EXPECT_LT(test.level(stats), 0.6);
+        test.roof->surface = 0;
+        EXPECT_TRUE(isLit());
+        test.addQuad({0, 0, 1.5}, 1, 0);
+        EXPECT_EQ(test.level(stats), 0);
+    }
 }
 
 TEST(PlainShading, LightsWithASizeThrowSoftShadowsAsWideAsTheyAre) {
@@ -126,99 +115,32 @@ TEST(PlainShading, LightsWithASizeThrowSoftShadowsAsWideAsTheyAre) {
     // reaches as far as the roof's edge hides some of it, and is half lit in the middle.
     const double reach = std::tan(std::asin(0.5));
     for (const LightKind kind : {LightKind::Point, LightKind::Spot, LightKind::Directional}) {
-        const std::vector<double> hard = underHalfARoof(kind, 0, 0);
-        const std::vector<double> soft = underHalfARoof(kind, 0.5, 2 * std::atan(0.5));
-        for (std::size_t x = 0; x < 80; ++x) {
-            const double at = (static_cast<double>(x) - 39.5) / 20;
+        // Brightness of a floor by x, from -2 to 2, with half a roof over it.
+        const auto row = [&](double radius, double angle) {
+            const Roofed test(kind, radius, angle, 1, -10);
+            RenderOptions options = squareOptions(320);
+            options.crop = {0, 160, 320, 161};
+            const Picture picture = renderPlain(test, frontCamera({0, 0, 0.5}, 2), options);
+            std::vector<double> levels;
+            for (int x = 0; x < 320; ++x)
+                levels.push_back(displayed(picture, x, 160).x);
+            return levels;
+        };
+        const std::vector<double> hard = row(0, 0);
+        const std::vector<double> soft = row(0.5, 2 * std::atan(0.5));
+        for (std::size_t x = 0; x < 320; ++x) {
+            const double at = (static_cast<double>(x) - 159.5) / 80;
             if (std::abs(at) > reach) {
                 EXPECT_EQ(soft[x], hard[x]) << at;
             } else {
                 EXPECT_GE(soft[x], soft[x - 1] * 0.98) << at;
             }
         }
-        EXPECT_NEAR((soft[39] + soft[40]) / 2, hard[40] / 2, 0.06 * hard[40]);
-        EXPECT_GT(soft[34], 0);
-        EXPECT_LT(soft[45], hard[45]);
-    }
-}
-
-TEST(PlainShading, ASurfaceMaySpareItselfItsShadows) {
-    TestScene test;
-    const auto darkPixels = [&test](bool selfShadow) {
-        test.scene.surfaces[0].selfShadow = selfShadow;
-        const Picture picture = renderPlain(test, frontCamera({0, 0, 1}, 4), squareOptions(40));
-        int dark = 0;
-        for (std::size_t i = 0; i < picture.rgba.size(); i += 4)
-            dark += picture.rgba[i] == 0 ? 1 : 0;
-        return dark;
-    };
-    test.addSurface();
-    test.addSurface();
-    auto both = quadMesh(10);  // a floor, and a roof over a part of it
-    const auto roof = quadMesh(0.5);
-    for (const Imath::V3f& corner : roof->positions) {
-        both->positions.push_back(corner + Imath::V3f(0, 0, 2));
-        both->normals.emplace_back(0, 0, 1);
-    }
-    both->uvs = {};
-    both->triangles.push_back({4, 5, 6});
-    both->triangles.push_back({4, 6, 7});
-    test.addObject(both, 0);
-    test.addSun({1, 0, -1});
-    const int own = darkPixels(true);
-    EXPECT_GT(own, 10);
-    EXPECT_EQ(darkPixels(false), 0);
-    // Others' shadows stay: those of another surface, and of the same on another object.
-    test.addQuad({-2, 2, 2}, 0.5, 1);
-    const int others = darkPixels(false);
-    EXPECT_GT(others, 10);
-    EXPECT_EQ(darkPixels(true), own + others);
-    test.addQuad({-2, -2, 2}, 0.5, 0);
-    EXPECT_GT(darkPixels(false), 2 * others - 10);
-}
-
-/// A floor under a roof, which is clear or not, and a light above both.
-struct Roofed : TestScene {
-    Roofed(LightKind kind, double size, float alpha) {
-        addSurface();
-        addSurface().baseColor.w = alpha;
-        scene.surfaces[1].alphaMode = AlphaMode::Blend;
-        addQuad({0, 0, 0}, 1, 0);
-        addQuad({0, 0, 2}, 4, 1);
-        addLight(kind).position = {0, 0, 4};
-        soften(size, size);
-    }
-    /// How bright the floor is.
-    double level(std::uint64_t& shadowRays) const {
-        RenderStats stats;
-        const Picture picture =
-            renderPlain(*this, frontCamera({0, 0, 1}, 0.1), squareOptions(1), &stats);
-        shadowRays = stats.shadowRays;
-        return displayed(picture, 0, 0).x;
-    }
-};
-
-TEST(PlainShading, LightsAndSurfacesMayGoWithoutShadows) {
-    constexpr double kLit = 0.99;
-    for (const LightKind kind : {LightKind::Directional, LightKind::Point, LightKind::Spot}) {
-        for (const double size : {0.0, 0.1}) {
-            for (const float alpha : {1.0F, 0.5F}) {
-                std::uint64_t rays = 0;
-                Roofed test(kind, size, alpha);
-                EXPECT_LT(test.level(rays), 0.6);
-                EXPECT_GT(rays, 0U);
-                test.scene.surfaces[1].castsShadows = false;
-                EXPECT_GT(test.level(rays), kLit);
-                test.scene.surfaces[1].castsShadows = true;
-                test.scene.surfaces[0].receivesShadows = false;
-                EXPECT_GT(test.level(rays), kLit);
-                EXPECT_EQ(rays, 0U);
-                test.scene.surfaces[0].receivesShadows = true;
-                test.rig.lights[0].castsShadow = false;
-                EXPECT_GT(test.level(rays), kLit);
-                EXPECT_EQ(rays, 0U);
-            }
-        }
+        EXPECT_NEAR((soft[159] + soft[160]) / 2, hard[160] / 2, 0.06 * hard[160]);
+        EXPECT_GT(soft[139], 0);
+        EXPECT_LT(soft[180], hard[180]);
+        const std::set<double> steps(soft.begin() + 160 - 46, soft.begin() + 160 + 46);
+        EXPECT_GT(steps.size(), 30U);
     }
 }
 
@@ -227,84 +149,103 @@ TEST(PlainShading, SinglesidedBacksAreUnseenButThrowShadows) {
     test.addSurface();
     test.addSurface().doubleSided = true;
     test.addSun(kDown);
-    const Imath::M44d turned = Imath::M44d().rotate(V3d(0, std::numbers::pi, 0));
-    test.addObject(quadMesh(1), 0, turned * Imath::M44d().translate(V3d(0, 0, 1)));
+    const auto turned = [](double height) {
+        return Imath::M44d().rotate(V3d(0, M_PI, 0)) * Imath::M44d().translate(V3d(0, 0, height));
+    };
+    test.addObject(quadMesh(1), 0, turned(1));
     expectColor(colorOf(test), V3d(0));
     test.addQuad({0, 0, 0}, 1, 0);  // seen through the back, in its shadow
     expectColor(colorOf(test), V3d(0));
-    test.addObject(quadMesh(1), 1, turned * Imath::M44d().translate(V3d(0, 0, 2)));
+    test.addObject(quadMesh(1), 1, turned(2));
     expectColor(colorOf(test), V3d(1));  // turned to the viewer, and so to the sun
-    // Mirrored, a front stays a front.
+    // Mirrored, a front stays a front, also where joints turn the triangles alone.
     test.addObject(quadMesh(1), 0,
                    Imath::M44d().scale(V3d(-1, 1, 1)) * Imath::M44d().translate(V3d(0, 0, 3)));
     test.scene.surfaces[0].baseColor = {1, 0, 0, 1};
     expectColor(colorOf(test), V3d(1, 0, 0));
+    auto jointed = quadMesh(1);
+    for (auto& triangle : jointed->triangles)
+        std::swap(triangle[1], triangle[2]);
+    test.addObject(jointed, 1, Imath::M44d().translate(V3d(0, 0, 4))).mirrored = true;
+    test.scene.surfaces[1].doubleSided = false;
+    jointed->smooth = true;
+    expectColor(colorOf(test), V3d(1));
+}
+
+/// Appends a surface of that colour and alpha.
+int addClear(TestScene& test, const Imath::V4f& color) {
+    Surface& surface = test.addSurface();
+    surface.alphaMode = AlphaMode::Blend;
+    surface.baseColor = color;
+    return static_cast<int>(test.scene.surfaces.size()) - 1;
 }
 
 TEST(PlainShading, ClearSurfacesLieOverWhatIsBehind) {
     TestScene test;
     test.rig.ambient = V3d(1);
     test.addSurface().baseColor = {0, 1, 0, 1};
-    const auto clear = [&](const Imath::V4f& color) {
-        Surface& surface = test.addSurface();
-        surface.alphaMode = AlphaMode::Blend;
-        surface.baseColor = color;
-    };
-    clear({1, 0, 0, 0.25F});
-    clear({0, 0, 1, 0.5F});
+    const int red = addClear(test, {1, 0, 0, 0.25F});
+    const int blue = addClear(test, {0, 0, 1, 0.5F});
     const auto render = [&](const std::optional<V3d>& background) {
         RenderOptions options = squareOptions(1);
         options.background = background;
         return renderPlain(test, frontCamera({0, 0, 5}, 0.5), options);
     };
     // The nearer one is added first: order must come from distance.
-    test.addQuad({0, 0, 2}, 1, 2);
-    test.addQuad({0, 0, 1}, 1, 1);
+    test.addQuad({0, 0, 2}, 1, blue);
+    test.addQuad({0, 0, 1}, 1, red);
     const Picture open = render(std::nullopt);
     EXPECT_NEAR(static_cast<double>(open.pixel(0, 0)[3]), 1 - 0.75 * 0.5, kClose);
     // What covers is a share of light, not of display values.
-    const double red = 0.5 * 0.25;
+    const double reddish = 0.5 * 0.25;
     const double through = 0.5 * 0.75;
-    expectColor(displayed(open, 0, 0), encoded({red / (1 - through), 0, 0.5 / (1 - through)}));
+    expectColor(displayed(open, 0, 0), encoded({reddish / (1 - through), 0, 0.5 / (1 - through)}));
     expectColor(displayed(render(V3d(0, 0.5, 0)), 0, 0),
-                encoded({red, through * toLinear(0.5), 0.5}));
+                encoded({reddish, through * toLinear(0.5), 0.5}));
     test.addQuad({0, 0, 0}, 1, 0);
-    expectColor(displayed(render(std::nullopt), 0, 0), encoded({red, through, 0.5}));
+    expectColor(displayed(render(std::nullopt), 0, 0), encoded({reddish, through, 0.5}));
+    // Also over what hardly shows any more.
+    test.addQuad({0, 0, 3}, 1, addClear(test, {1, 0, 0, 0.98F}));
+    expectColor(displayed(render(std::nullopt), 0, 0),
+                encoded(V3d(reddish, through, 0.5) * 0.02 + V3d(0.98, 0, 0)));
 }
 
-TEST(PlainShading, OverABackgroundItIsTheClearPictureLaidOverIt) {
-    Room test;
-    test.addLights(0, 0);
-    RenderOptions options = squareOptions(48);
-    options.samples = 4;
-    options.mostSamples = 64;
-    options.background = {};
-    const Picture clear = renderPlain(test, roomCamera(), options);
-    for (const V3d& background : {V3d(0), V3d(1), V3d(0, 1, 0), V3d(0.1, 0.3, 0.5)}) {
-        options.background = background;
-        const Picture over = renderPlain(test, roomCamera(), options);
-        for (std::size_t i = 0; i < over.rgba.size(); ++i) {
-            const auto channel = static_cast<int>(i % 4);
-            const double through = 1 - static_cast<double>(clear.rgba[i - i % 4 + 3]);
-            const double behind = channel == 3 ? 1 : toLinear(background[channel]);
-            ASSERT_NEAR(over.rgba[i], static_cast<double>(clear.rgba[i]) + through * behind, 1e-6)
-                << i;
-        }
-    }
-}
-
-TEST(PlainShading, ClearSurfacesLetLightThrough) {
+/// Also so near each other that rounding says which is first, and through the edge
+/// between their triangles.
+TEST(PlainShading, OfClearSurfacesInOnePlaceEachCountsOnceAlsoInTheShadow) {
     TestScene test;
+    const int clear = addClear(test, {1, 1, 1, 0.5F});
     test.addSurface();
     test.addSun(kDown);
-    test.addQuad({0, 0, 0}, 1, 0);
-    for (const float alpha : {0.25F, 0.5F, 0.3F}) {
-        Surface& surface = test.addSurface();
-        surface.alphaMode = AlphaMode::Blend;
-        surface.baseColor = {1, 1, 1, alpha};
-        test.addQuad({0, 0, 3.0 + alpha}, 1, static_cast<int>(test.scene.surfaces.size()) - 1);
+    for (int i = 0; i < 5; ++i)
+        test.addQuad(V3d(0, 0, 1e-7 * (i % 3)), 2, clear);
+    RenderOptions options = squareOptions(20);
+    options.background.reset();
+    const Picture above = renderPlain(test, frontCamera({0, 0, 5}, 1), options);
+    test.addQuad({0, 0, -2}, 2, 1);
+    const Picture floor = renderPlain(test, frontCamera({0, 0, -1}, 1), options);
+    for (int x = 0; x < 20; ++x) {
+        EXPECT_EQ(above.pixel(x, 19 - x)[3], 1 - 1 / 32.0F);
+        expectColor(displayed(floor, x, 19 - x), V3d(1 / 32.0));
     }
-    expectColor(colorFrom({0, 0, 2}, test), V3d(0.75 * 0.5 * 0.7));
+    // Slivers, seen from all sides.
+    TestScene slivers;
+    addClear(slivers, {1, 1, 1, 0.5F});
+    for (int i = 0; i < 50; ++i) {
+        slivers.addObject(quadMesh(1), 0,
+                          Imath::M44d().scale(V3d(20, 0.05, 1)) *
+                              Imath::M44d().translate(V3d(0, 0, 1e-6 * (i % 5))) *
+                              Imath::M44d().rotate(V3d(0.7, 0.4, 0.3) * (i / 5)) *
+                              Imath::M44d().translate(V3d(7, 5, 3)));
+    }
+    options.width = options.height = 200;
+    const Picture picture = renderPlain(slivers, frontCamera({7, 5, 50}, 15), options);
+    int covered = 0;
+    for (std::size_t i = 3; i < picture.rgba.size(); i += 4) {
+        covered += picture.rgba[i] > 0 ? 1 : 0;
+        ASSERT_TRUE(picture.rgba[i] == 0 || picture.rgba[i] == 1 - 1 / 32.0F) << i / 4;
+    }
+    EXPECT_GT(covered, 200);
 }
 
 TEST(PlainShading, CutOutsHaveHolesAlsoInTheirShadows) {
@@ -315,10 +256,7 @@ TEST(PlainShading, CutOutsHaveHolesAlsoInTheirShadows) {
     Surface& cutOut = test.addSurface();
     cutOut.alphaMode = AlphaMode::Mask;
     cutOut.alphaCutoff = 0.201F;
-    cutOut.baseColorTexture = TextureUse{};
-    cutOut.baseColorTexture->image = image;
-    cutOut.baseColorTexture->magnify = cutOut.baseColorTexture->minify = Filter::Nearest;
-    cutOut.baseColorTexture->mipmaps = false;
+    drawOn(cutOut, image);
     test.addQuad({0, 0, 0}, 2, 0);
     test.addQuad({0, 0, 2}, 1, 1);
     test.addSun(kDown);
@@ -333,6 +271,15 @@ TEST(PlainShading, CutOutsHaveHolesAlsoInTheirShadows) {
     cutOut.alphaCutoff = 0.2F;  // which 51 of 255 just reaches
     expectColor(shownAt(5, 3), V3d(1, 0, 0));
     expectColor(shownAt(1, 3), V3d(0));
+    auto halfThere = quadMesh(1);  // by its corners, exactly at the cutoff
+    halfThere->colors.assign(4, {1, 1, 1, 0.5F});
+    Surface& tinted = test.addSurface();
+    tinted.alphaMode = AlphaMode::Mask;
+    tinted.alphaCutoff = 0.5F;
+    test.addObject(halfThere, 2, Imath::M44d().translate(V3d(0, 0, 3)));
+    expectColor(shownAt(5, 3), V3d(1));
+    test.scene.surfaces[2].alphaCutoff = 0.51F;
+    expectColor(shownAt(5, 3), V3d(1, 0, 0));
 }
 
 TEST(PlainShading, EmissionAndUnlitShowWithoutLight) {
@@ -350,35 +297,29 @@ TEST(PlainShading, EmissionAndUnlitShowWithoutLight) {
     expectColor(colorOf(test), V3d(0.5 * grey + 0.5, 0.5 * grey, 0.5 * grey) * 1.5);
     test.surface().emissiveTexture.emplace().image = test.addImage(1, 1, {0, 0, 0, 255});
     expectColor(colorOf(test), V3d(grey));
+    // More than all of it: its hue alone, as strong as it is and lit.
+    test.surface().emissiveTexture.reset();
+    test.surface().emissive = {3, 0, 0};
+    expectColor(colorOf(test), V3d(toEncoded(3) + 1, 0, 0));
 }
 
-TEST(PlainShading, MultipliesTextureFactorAndVertexColorAsLight) {
-    TestScene test;
-    Surface& surface = test.addSurface();
-    surface.unlit = true;
-    surface.baseColorTexture = TextureUse{};
-    surface.baseColorTexture->image = test.addImage(1, 1, {188, 188, 188, 255});
-    auto mesh = quadMesh(1);
-    test.addObject(mesh, 0);
-    expectColor(colorOf(test), V3d(188 / 255.0));
-    surface.baseColor = {0.5F, 1, 1, 1};
-    mesh->colors.assign(4, {1, 1, 0.5F, 1});
-    const double texel = toLinear(188 / 255.0);
-    expectColor(colorOf(test), V3d(toEncoded(texel / 2), toEncoded(texel), toEncoded(texel / 2)));
-}
-
-TEST(PlainShading, TexturesLieOnEachTriangleAsItsCornersSay) {
+TEST(PlainShading, TextureFactorAndVertexColorMultiplyAsLightWhereCornersSay) {
     QuadScene test;
     test.surface().unlit = true;
-    TextureUse& use = test.surface().baseColorTexture.emplace();
-    use.image = test.addImage(2, 2, {0, 0, 0, 255, 51, 0, 0, 255, 102, 0, 0, 255, 153, 0, 0, 255});
-    use.magnify = use.minify = Filter::Nearest;
-    use.mipmaps = false;
-    const Picture picture = renderPlain(test, frontCamera({0, 0, 5}, 1), squareOptions(6));
+    drawOn(test.surface(),
+           test.addImage(2, 2, {0, 0, 0, 255, 51, 0, 0, 255, 102, 0, 0, 255, 153, 0, 0, 255}));
+    const auto shown = [&](int x, int y) {
+        return displayed(renderPlain(test, frontCamera({0, 0, 5}, 1), squareOptions(6)), x, y);
+    };
     for (const int y : {1, 4}) {
         for (const int x : {0, 5})
-            expectColor(displayed(picture, x, y), V3d((x / 5 + y / 4 * 2) * 0.2, 0, 0));
+            expectColor(shown(x, y), V3d((x / 5 + y / 4 * 2) * 0.2, 0, 0));
     }
+    auto mesh = quadMesh(1);
+    mesh->colors.assign(4, {0.5F, 1, 1, 1});
+    test.addObject(mesh, 0, Imath::M44d().translate(V3d(0, 0, 1)));
+    test.surface().baseColor = {0.5F, 1, 1, 1};
+    expectColor(shown(5, 4), V3d(toEncoded(toLinear(0.6) / 4), 0, 0));
 }
 
 }  // namespace

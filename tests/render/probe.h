@@ -5,11 +5,7 @@ enum ProbeBehaviour {
     kPaint,         ///< the four numbers as colour and transparency
     kDescribe,      ///< tells the record's fields, changes nothing
     kMeasureLight,  ///< colours by the light here and, by the numbers, elsewhere
-    kPassOn,        ///< traces onward, as often as the first number says
-    kLook,          ///< tells what lies along the numbers, changes nothing
+    kPassOn,        ///< traces, as often as the first number says, along the others or onward
     kGreet,         ///< tells once when it has read its settings
-    kScribble,      ///< overwrites the whole record
-    kJudge,   ///< red: faces light that travels along the numbers and gets none; green: gets it
-    kRefuse,  ///< refuses these settings
-    kSpoil    ///< returns values that are none, of the kind of the first number
+    kRefuse,        ///< refuses these settings
 };

@@ -2,11 +2,10 @@
 // the behaviour, the flag word, four numbers. What it sees it tells through the
 // message service.
 
-#include <cmath>
+#include <algorithm>
 #include <cstdint>
 #include <cstdio>
-#include <cstring>
-#include <limits>
+#include <string>
 
 #include "host/handler.h"
 #include "host/module.h"
@@ -22,26 +21,25 @@ const HostItemInfo* items = nullptr;
 struct Probe {
     std::int32_t behaviour = 0;
     std::int32_t flags = 0;
-    float numbers[4] = {};
+    double n[4] = {};
 };
 
-void tell(const char* name, const double* values, int count) {
-    char text[400];
-    int length = std::snprintf(text, sizeof text, "%s", name);
+template <class Value>
+void tell(const char* name, const Value* values, int count) {
+    std::string text = name;
     for (int i = 0; i < count; ++i) {
-        length += std::snprintf(text + length, sizeof text - static_cast<std::size_t>(length),
-                                " %.17g", values[i]);
+        char number[40];
+        std::snprintf(number, sizeof number, " %.17g", static_cast<double>(values[i]));
+        text += number;
     }
-    messages->info(text, nullptr);
+    messages->info(text.c_str(), nullptr);
 }
 
-void tellId(const char* name, const void* id) {
-    char text[80];
-    std::snprintf(text, sizeof text, "%s %zu", name, reinterpret_cast<std::size_t>(id));
-    messages->info(text, nullptr);
+double idNumber(const void* id) {
+    return static_cast<double>(reinterpret_cast<std::uintptr_t>(id));
 }
 
-void describe(const HostSample& s) {
+void describe(const Probe&, HostSample& s) {
     tell("objectPosition", s.objectPosition, 3);
     tell("worldPosition", s.worldPosition, 3);
     tell("geometricNormal", s.geometricNormal, 3);
@@ -54,19 +52,12 @@ void describe(const HostSample& s) {
                              s.luminosity,   s.diffuse,    s.specular,
                              s.transparency, s.bumpHeight, static_cast<double>(s.polygonNumber)};
     tell("single", single, 9);
-    const double weights[] = {
-        static_cast<double>(s.vertexWeights[0]), static_cast<double>(s.vertexWeights[1]),
-        static_cast<double>(s.vertexWeights[2]), static_cast<double>(s.vertexWeights[3])};
-    tell("weights", weights, 4);
-    for (const auto& corner : s.vertexPositions) {
-        const double position[] = {static_cast<double>(corner[0]), static_cast<double>(corner[1]),
-                                   static_cast<double>(corner[2])};
-        tell("corner", position, 3);
-    }
-    tellId("object", s.objectId);
-    tellId("polygon", s.polygonId);
-    for (HostPointId vertex : s.vertexIds)
-        tellId("vertex", vertex);
+    tell("weights", s.vertexWeights, 4);
+    tell("corners", s.vertexPositions[0], 12);
+    const double ids[] = {idNumber(s.objectId),     idNumber(s.polygonId),
+                          idNumber(s.vertexIds[0]), idNumber(s.vertexIds[1]),
+                          idNumber(s.vertexIds[2]), idNumber(s.vertexIds[3])};
+    tell("ids", ids, 6);
 }
 
 void paint(HostSample& s, double red, double green, double blue) {
@@ -77,13 +68,18 @@ void paint(HostSample& s, double red, double green, double blue) {
     s.diffuse = s.specular = 0;
 }
 
+void paintNumbers(const Probe& probe, HostSample& s) {
+    paint(s, probe.n[0], probe.n[1], probe.n[2]);
+    s.transparency = probe.n[3];
+}
+
 /// Red: light here. Green: light at a place away from here. Blue: lights that
 /// changed their answer when asked twice.
 void measureLight(const Probe& probe, HostSample& s) {
     double sums[3] = {};
-    const double away[3] = {s.worldPosition[0] + static_cast<double>(probe.numbers[0]),
-                            s.worldPosition[1] + static_cast<double>(probe.numbers[1]),
-                            s.worldPosition[2] + static_cast<double>(probe.numbers[2])};
+    double away[3];
+    for (int i = 0; i < 3; ++i)
+        away[i] = s.worldPosition[i] + probe.n[i];
     for (HostItemId light = items->first(HOST_ITEM_LIGHT, nullptr); light != nullptr;
          light = items->next(light)) {
         double direction[3];
@@ -98,99 +94,34 @@ void measureLight(const Probe& probe, HostSample& s) {
     paint(s, sums[0], sums[1], sums[2]);
 }
 
-double traceOn(const HostSample& s, HostSample& hit) {
-    double direction[3];
-    double length = 0;
-    for (int i = 0; i < 3; ++i) {
-        direction[i] = s.worldPosition[i] - s.raySource[i];
-        length += direction[i] * direction[i];
-    }
-    for (double& axis : direction)
-        axis /= std::sqrt(length);
-    return s.traceAndShade(s.worldPosition, direction, &hit);
-}
-
-/// Traces the viewing ray onward as often as told; a little greener than what
-/// is there, red where nothing is.
+/// Traces the viewing ray onward, or a ray along the other numbers into its own record, as
+/// often as the first says, and tells what is there and which object this is; a little
+/// greener than what is there, red where nothing is.
 void passOn(const Probe& probe, HostSample& s) {
-    HostSample hit;
-    double distance = -1;
-    for (int i = 0; i < static_cast<int>(probe.numbers[0]); ++i)
-        distance = traceOn(s, hit);
-    if (distance < 0) {
-        paint(s, 1, 0, 0);
-    } else {
-        paint(s, hit.color[0], hit.color[1] + 0.05, hit.color[2]);
-    }
-}
-
-/// Tells the distance of what lies along the numbers, and what it is.
-void look(const Probe& probe, HostSample& s) {
-    const double direction[3] = {static_cast<double>(probe.numbers[0]),
-                                 static_cast<double>(probe.numbers[1]),
-                                 static_cast<double>(probe.numbers[2])};
-    HostSample hit;
-    const double distance = s.traceAndShade(s.worldPosition, direction, &hit);
-    tell("distance", &distance, 1);
-    if (distance < 0) return;
-    tell("hitColor", hit.color, 3);
-    tell("hitSource", hit.raySource, 3);
-    tell("hitLength", &hit.rayLength, 1);
-    tellId("hitObject", hit.objectId);
-}
-
-void judge(const Probe& probe, HostSample& s) {
-    double cosine = 0;
-    for (int i = 0; i < 3; ++i)
-        cosine -= s.worldNormal[i] * static_cast<double>(probe.numbers[i]);
-    HostItemId light = items->first(HOST_ITEM_LIGHT, nullptr);
+    const bool turns = probe.n[1] != 0 || probe.n[2] != 0 || probe.n[3] != 0;
     double direction[3];
-    double color[3];
-    const bool lit = s.illuminate(light, s.worldPosition, direction, color) != 0;
-    paint(s, cosine > 0 && !lit ? 1 : 0, cosine > 0 && lit ? 1 : 0, 1);
-}
-
-void scribble(HostSample& s) {
-    std::memset(static_cast<void*>(&s), 0x55, sizeof s);
-    paint(s, 0.25, 0.5, 0.75);
-    s.transparency = 0;
-}
-
-void spoil(const Probe& probe, HostSample& s) {
-    paint(s, 1, 1, 1);
-    const double bad = std::numeric_limits<double>::quiet_NaN();
-    if (probe.numbers[0] == 0) s.color[1] = bad;
-    if (probe.numbers[0] == 1) s.luminosity = std::numeric_limits<double>::infinity();
-    if (probe.numbers[0] == 2) s.transparency = bad;
-    if (probe.numbers[0] == 3) s.color[0] = s.luminosity = 1e300;
+    for (int i = 0; i < 3; ++i) {
+        const double onward = (s.worldPosition[i] - s.raySource[i]) / s.rayLength;
+        direction[i] = turns ? probe.n[i + 1] : onward;
+    }
+    const double own = idNumber(s.objectId);
+    HostSample other;
+    HostSample& hit = turns ? s : other;
+    double distance = -1;
+    for (int i = 0; i < static_cast<int>(probe.n[0]); ++i)
+        distance = s.traceAndShade(s.worldPosition, direction, &hit);
+    if (distance < 0) return paint(s, 1, 0, 0);
+    const double found[] = {distance,         hit.color[0],  hit.color[1],           hit.color[2],
+                            hit.raySource[2], hit.rayLength, idNumber(hit.objectId), own};
+    tell("hit", found, 8);
+    paint(s, hit.color[0], hit.color[1] + 0.05, hit.color[2]);
 }
 
 void evaluate(HostInstance instance, HostSample* sample) {
     const Probe& probe = *static_cast<Probe*>(instance);
-    const float* n = probe.numbers;
-    switch (probe.behaviour) {
-        case kPaint:
-            paint(*sample, static_cast<double>(n[0]), static_cast<double>(n[1]),
-                  static_cast<double>(n[2]));
-            sample->transparency = static_cast<double>(n[3]);
-            break;
-        case kDescribe:
-            return describe(*sample);
-        case kMeasureLight:
-            return measureLight(probe, *sample);
-        case kPassOn:
-            return passOn(probe, *sample);
-        case kLook:
-            return look(probe, *sample);
-        case kJudge:
-            return judge(probe, *sample);
-        case kScribble:
-            return scribble(*sample);
-        case kSpoil:
-            return spoil(probe, *sample);
-        default:
-            break;
-    }
+    constexpr void (*kWays[])(const Probe&, HostSample&) = {paintNumbers, describe, measureLight,
+                                                            passOn};
+    if (probe.behaviour <= kPassOn) kWays[probe.behaviour](probe, *sample);
 }
 
 HostInstance create(void*, HostSurfaceId, HostError*) {
@@ -205,9 +136,11 @@ HostError load(HostInstance instance, const HostLoadState* state) {
     auto& probe = *static_cast<Probe*>(instance);
     state->readInt(state->data, &probe.behaviour, 1);
     state->readInt(state->data, &probe.flags, 1);
-    state->readFloat(state->data, probe.numbers, 4);
+    float numbers[4] = {};
+    state->readFloat(state->data, numbers, 4);
+    std::copy_n(numbers, 4, probe.n);
     if (probe.behaviour == kRefuse) return "these settings are refused";
-    if (probe.behaviour == kGreet) messages->info("loaded", nullptr);
+    if (probe.behaviour == kGreet) tell("loaded", &probe.flags, 1);
     return nullptr;
 }
 

@@ -19,18 +19,19 @@ int TestScene::addImage(int width, int height, std::vector<std::uint8_t> rgba) {
     return static_cast<int>(scene.images.size()) - 1;
 }
 
-const Object& TestScene::addObject(std::shared_ptr<const Mesh> mesh, int surface,
-                                   const Imath::M44d& objectToWorld) {
+Object& TestScene::addObject(std::shared_ptr<const Mesh> mesh, int surface,
+                             const Imath::M44d& objectToWorld) {
     auto object = std::make_unique<Object>();
     object->name = "object " + std::to_string(scene.objects.size());
     object->objectToWorld = objectToWorld;
     object->mirrored = objectToWorld.determinant() < 0;
     object->parts.push_back({std::move(mesh), surface, 0});
+    Object& added = *object;
     scene.objects.push_back(std::move(object));
-    return *scene.objects.back();
+    return added;
 }
 
-const Object& TestScene::addQuad(const Imath::V3d& centre, double halfSide, int surface) {
+Object& TestScene::addQuad(const Imath::V3d& centre, double halfSide, int surface) {
     return addObject(quadMesh(halfSide), surface, Imath::M44d().translate(centre));
 }
 
@@ -54,6 +55,13 @@ void TestScene::soften(double radius, double angle) {
     }
 }
 
+void drawOn(Surface& surface, int image) {
+    TextureUse& use = surface.baseColorTexture.emplace();
+    use.image = image;
+    use.magnify = use.minify = Filter::Nearest;
+    use.mipmaps = false;
+}
+
 std::shared_ptr<Mesh> quadMesh(double halfSide) {
     const auto h = static_cast<float>(halfSide);
     auto mesh = std::make_shared<Mesh>();
@@ -64,58 +72,56 @@ std::shared_ptr<Mesh> quadMesh(double halfSide) {
     return mesh;
 }
 
-std::shared_ptr<Mesh> sphereMesh(double radius, int segments, int rings) {
+namespace {
+
+/// A smooth mesh of a grid of cells; `at` gives a vertex and its normal, by two angles
+/// once around. Where rows of vertices begin and end `inPoles`, cells are triangles.
+template <class At>
+std::shared_ptr<Mesh> roundMesh(int rows, int columns, bool inPoles, const At& at) {
     auto mesh = std::make_shared<Mesh>();
     mesh->smooth = true;
-    for (int ring = 0; ring <= rings; ++ring) {
-        for (int segment = 0; segment <= segments; ++segment) {
-            const double theta = std::numbers::pi * ring / rings;
-            const double phi = 2 * std::numbers::pi * segment / segments;
-            const Imath::V3d normal(std::sin(theta) * std::sin(phi), std::cos(theta),
-                                    std::sin(theta) * std::cos(phi));
-            mesh->positions.emplace_back(normal * radius);
+    for (int row = 0; row <= rows; ++row) {
+        for (int column = 0; column <= columns; ++column) {
+            const auto [position, normal] =
+                at(2 * std::numbers::pi * row / rows, 2 * std::numbers::pi * column / columns);
+            mesh->positions.emplace_back(position);
             mesh->normals.emplace_back(normal);
         }
     }
-    const auto at = [&](int ring, int segment) {
-        return static_cast<std::uint32_t>(ring * (segments + 1) + segment);
-    };
-    for (int ring = 0; ring < rings; ++ring) {
-        for (int i = 0; i < segments; ++i) {
-            if (ring > 0) {
-                mesh->triangles.push_back({at(ring, i), at(ring + 1, i), at(ring, i + 1)});
-            }
-            if (ring + 1 < rings) {
-                mesh->triangles.push_back({at(ring, i + 1), at(ring + 1, i), at(ring + 1, i + 1)});
-            }
+    for (int row = 0; row < rows; ++row) {
+        for (int column = 0; column < columns; ++column) {
+            const auto first = static_cast<std::uint32_t>(row * (columns + 1) + column);
+            const std::uint32_t below = first + static_cast<std::uint32_t>(columns) + 1;
+            if (!inPoles || row > 0) mesh->triangles.push_back({first, below, first + 1});
+            if (!inPoles || row + 1 < rows)
+                mesh->triangles.push_back({first + 1, below, below + 1});
         }
     }
     return mesh;
 }
 
+/// Around the x axis.
+Imath::V3d turned(double angle) {
+    return {0, std::cos(angle), std::sin(angle)};
+}
+
+}  // namespace
+
+std::shared_ptr<Mesh> sphereMesh(double radius, int segments, int rings) {
+    return roundMesh(rings, segments, true, [&](double twice, double around) {
+        const Imath::V3d side(std::sin(around), 0, std::cos(around));
+        const Imath::V3d normal =
+            side * std::sin(twice / 2) + Imath::V3d(0, std::cos(twice / 2), 0);
+        return std::pair(normal * radius, normal);
+    });
+}
+
 std::shared_ptr<Mesh> torusMesh(double major, double minor, int segments, int sides) {
-    auto mesh = std::make_shared<Mesh>();
-    mesh->smooth = true;
-    for (int segment = 0; segment < segments; ++segment) {
-        for (int side = 0; side < sides; ++side) {
-            const double around = 2 * std::numbers::pi * segment / segments;
-            const double tube = 2 * std::numbers::pi * side / sides;
-            const Imath::V3d out(0, std::cos(around), std::sin(around));
-            const Imath::V3d normal = out * std::cos(tube) + Imath::V3d(std::sin(tube), 0, 0);
-            mesh->positions.emplace_back(out * major + normal * minor);
-            mesh->normals.emplace_back(normal);
-        }
-    }
-    const auto at = [&](int segment, int side) {
-        return static_cast<std::uint32_t>(segment % segments * sides + side % sides);
-    };
-    for (int i = 0; i < segments; ++i) {
-        for (int j = 0; j < sides; ++j) {
-            mesh->triangles.push_back({at(i, j), at(i, j + 1), at(i + 1, j)});
-            mesh->triangles.push_back({at(i + 1, j), at(i, j + 1), at(i + 1, j + 1)});
-        }
-    }
-    return mesh;
+    return roundMesh(sides, segments, false, [&](double tube, double around) {
+        const Imath::V3d normal =
+            turned(around) * std::cos(tube) + Imath::V3d(std::sin(tube), 0, 0);
+        return std::pair(turned(around) * major + normal * minor, normal);
+    });
 }
 
 Camera frontCamera(const Imath::V3d& eye, double halfHeight) {
@@ -134,21 +140,17 @@ RenderOptions squareOptions(int size) {
     return options;
 }
 
-SurfaceShaders shadingFor(const TestScene& test, const StateBlock& block) {
-    return SurfaceShaders(test.scene.surfaces.size(), SurfaceShader{.block = block});
+Picture renderWith(const TestScene& test, const Camera& camera, const RenderOptions& options,
+                   const char* module, const std::optional<StateBlock>& block, RenderStats* stats) {
+    std::optional<SurfaceShader> shader;
+    if (block) shader = SurfaceShader{.block = *block};
+    const SurfaceShaders shading(test.scene.surfaces.size(), shader);
+    return Renderer(test.scene).render(camera, test.rig, shading, module, options, {}, stats);
 }
 
 Picture renderPlain(const TestScene& test, const Camera& camera, const RenderOptions& options,
                     RenderStats* stats) {
-    Renderer renderer(test.scene);
-    const SurfaceShaders plain(test.scene.surfaces.size());
-    return renderer.render(camera, test.rig, plain, {}, options, {}, stats);
-}
-
-Picture renderWith(const TestScene& test, const Camera& camera, const RenderOptions& options,
-                   const char* module, const StateBlock& block, RenderStats* stats) {
-    Renderer renderer(test.scene);
-    return renderer.render(camera, test.rig, shadingFor(test, block), module, options, {}, stats);
+    return renderWith(test, camera, options, "", {}, stats);
 }
 
 Imath::V3d displayed(const Picture& picture, int x, int y) {
@@ -158,15 +160,6 @@ Imath::V3d displayed(const Picture& picture, int x, int y) {
     return {toEncoded(static_cast<double>(rgba[0]) / alpha),
             toEncoded(static_cast<double>(rgba[1]) / alpha),
             toEncoded(static_cast<double>(rgba[2]) / alpha)};
-}
-
-double meanError(const Picture& a, const Picture& b) {
-    double sum = 0;
-    for (int y = 0; y < a.height; ++y) {
-        for (int x = 0; x < a.width; ++x)
-            sum += (displayed(a, x, y) - displayed(b, x, y)).length();
-    }
-    return sum / (a.width * a.height);
 }
 
 }  // namespace tavora::studio
