@@ -64,10 +64,15 @@ TEST(ZoneEditing, DragsMoveZonesAndComeBack) {
         EXPECT_NEAR(positions(rig)[2], 0.5 * std::pow(0.998, 8), 1e-5);
         click(find(panel, "Spread.button"));
         EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
-        QTest::keyClick(&find(panel, "Shift.drag"), Qt::Key_Right);
-        QTest::keyClick(&find(panel, "Shift.drag"), Qt::Key_PageUp);
+        auto& shift = find(panel, "Shift.drag");
+        QTest::mousePress(&shift, Qt::LeftButton, {}, {20, 9});
+        QTest::mouseMove(&shift, {40, 9});
+        QTest::keyClick(&shift, Qt::Key_Escape);
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        QTest::keyClick(&shift, Qt::Key_Right);
+        QTest::keyClick(&shift, Qt::Key_PageUp);
         EXPECT_NEAR(positions(rig)[1], 0.261, 1e-5);
-        QTest::keyClick(&find(panel, "Shift.drag"), Qt::Key_Left);
+        QTest::keyClick(&shift, Qt::Key_Left);
         EXPECT_NEAR(positions(rig)[1], 0.26, 1e-5);
     });
 }
@@ -103,6 +108,7 @@ TEST(ZoneEditing, MarkersAreTakenByHandAndByKeys) {
         EXPECT_NEAR(positions(rig)[1], 0.35, 2e-3);
         key(Qt::Key_Delete);
         EXPECT_EQ(positions(rig).size(), 4U);
+        EXPECT_TRUE(find(panel, "choice").findChildren<QPushButton*>().at(Edit)->isChecked());
         key(Qt::Key_Home);
         key(Qt::Key_Delete);
         key(Qt::Key_Right);
