@@ -1,9 +1,12 @@
 #include "studio/app/option_values.h"
 
+#include <array>
 #include <gtest/gtest.h>
 
 #include "studio/app/picture_area.h"
+#include "studio/app/progress.h"
 #include "studio/util/error.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -27,7 +30,8 @@ TEST(OptionValues, AreReadWholeAndInTheirRange) {
     EXPECT_EQ(sampleCounts("16"), std::pair(16, 0));
     EXPECT_EQ(sampleCounts("4..64"), std::pair(4, 64));
     EXPECT_EQ(sampleCounts("8..8"), std::pair(8, 0));
-    expectRefused(sampleCounts, {"", "0", "4..", "..4", "64..4", "4...64", "1..70000", "4..x"});
+    expectRefused(sampleCounts,
+                  {"", "0", "4..", "..4", "64..4", "4...64", "1..70000", "4..x", "65536"});
     EXPECT_EQ(cropPixels("1,2,3,4"), (PixelBox{1, 2, 3, 4}));
     expectRefused(cropPixels, {"1,2,3", "1,2,1,4", "3,2,4,2", "-1,0,1,1", "1,2,3,4,5", "0,0,.5,1"});
     EXPECT_EQ(cropShares("0,0.25,1,0.5"), (CropShares{0, 0.25, 1, 0.5}));
@@ -41,27 +45,20 @@ TEST(OptionValues, AreReadWholeAndInTheirRange) {
 TEST(OptionValues, TellSurfacesFromLooksAndSettings) {
     EXPECT_EQ(lookChoice("noir").surfaces, "");
     EXPECT_EQ(lookChoice("a=b=none.json").surfaces, "a=b");
-    for (const char* text : {"=noir", "Body="})
-        EXPECT_THROW(lookChoice(text), Error) << text;
-    const std::vector<std::string> changes[] = {
-        // surfaces, setting and value
-        {"Mat.001", "edgeColor", "#ff0000"},
-        {"*", "zones[1].color", "1,0,0"},
-        {"a.zones[0].b", "zoneList[2].sat", "0"},
-        {"a.zones[0].b", "edgeEnable", "1"},
-        {"Body", "zones", "[]"},
-        {"Body", "lights", "a=b"},
-        {"x.y=z", "edgeEnable", "1"},
-        {"a.lights\\=b", "edgeEnable", "1"},
-        {"Body", "edgeEnabel", "a=b"},
-    };
-    for (const auto& expected : changes) {
-        const std::string text = expected[0] + "." + expected[1] + "=" + expected[2];
+    expectRefused(lookChoice, {"=noir", "Body="});
+    for (const auto& [surfaces, setting, value] : {std::array{"*", "zones[1].color", "1,0,0"},
+                                                   {"a.zones[0].b", "zoneList[2].sat", "0"},
+                                                   {"a.zones[0].b", "edgeEnable", "1"},
+                                                   {"Body", "lights", "a=b"},
+                                                   {"a.lights\\=b", "edgeEnable", "1"},
+                                                   {"Body", "edgeEnabel", "a=b"}}) {
+        const auto text = std::string(surfaces) + "." + setting + "=" + value;
         const SettingChange change = settingChange(text);
-        EXPECT_EQ((std::vector{change.surfaces, change.setting, change.value}), expected);
+        EXPECT_EQ(std::tie(change.surfaces, change.setting, change.value),
+                  std::tuple(surfaces, setting, value));
     }
-    for (const char* text : {"edgeEnable=1", "Body.edgeEnable", ".edgeEnable=1", "Body.=1", ""})
-        EXPECT_THROW(settingChange(text), Error) << text;
+    expectRefused(settingChange,
+                  {"edgeEnable=1", "Body.edgeEnable", ".edgeEnable=1", "Body.=1", ""});
 }
 
 TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
@@ -86,6 +83,16 @@ TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
     EXPECT_EQ(pictureArea(request).width, 128000);
     request.cropPixels->right = 128001;
     EXPECT_THROW(pictureArea(request), Error);
+}
+
+TEST(Progress, BarsFitTheirTerminalsAndNamesCannotPaintThem) {
+    EXPECT_EQ(progressBar(0, 5, 30), "[......................]   0%");
+    EXPECT_EQ(progressBar(0.25, 10, 30), "[###.........]  25% 0:30 left");
+    EXPECT_EQ(progressBar(0.5, 4000, 10), "[]  50% 1:06:40 left");
+    EXPECT_EQ(progressJson(0.25, 1.5),
+              R"({"event":"progress","done":0.2500,"elapsed":1.500,"left":4.500})");
+    EXPECT_EQ(progressJson(0, 1.5), R"({"event":"progress","done":0.0000,"elapsed":1.500})");
+    EXPECT_EQ(oneLine("a\nb\x1b[31m\x7f\xc3\xbc"), "a b?[31m?\xc3\xbc");
 }
 
 }  // namespace

@@ -76,9 +76,11 @@ TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {
     StateBlock stored = sampleBlock();
     stored[2] = 0.5F;
     scene_.surfaces[0].shader = SurfaceShader{"TAVO", false, stored};
+    request_.defaultLook = file("b.json");
     auto planned = plan();
     EXPECT_FALSE(planned[0]->enabled);
     EXPECT_EQ(planned[0]->block, stored);
+    request_.defaultLook = "";
 
     request_.looks = {{"Body", file("a.json")}};
     request_.changes = {{"*", "edgeCoverage", "0.9"},
@@ -102,14 +104,18 @@ TEST_F(ShadingPlan, WhatCannotBeUsedIsSaidOnce) {
     scene_.surfaces[0].shader = SurfaceShader{"TAVO", true, damaged};
     scene_.surfaces[1].shader = SurfaceShader{"ELSE", true, {}};
     scene_.surfaces[2].shader = SurfaceShader{"TAVO", true, sampleBlock({}, 0, {"Gone"})};
-    scene_.surfaces[3].shader = SurfaceShader{"TAVO", true, sampleBlock({}, 0, {"Gone"})};
+    std::vector<std::string> many{"Gone"};
+    for (char name = 'A'; name <= 'U'; ++name)
+        many.emplace_back(20, name);
+    scene_.surfaces[3].shader = SurfaceShader{"TAVO", true, sampleBlock({}, 0, many)};
     const auto planned = plan();
     EXPECT_EQ(planned[0]->block, sampleBlock());
     EXPECT_FALSE(planned[1]);
     EXPECT_THAT(said_, HasSubstr("surface \"Body\": stored settings are damaged"));
     EXPECT_THAT(said_, HasSubstr("no module has its shader \"ELSE\""));
     EXPECT_THAT(said_, HasSubstr("its light \"Gone\" is not in the scene; there are: Key"));
-    EXPECT_EQ(std::count(said_.begin(), said_.end(), '\n'), 3);
+    EXPECT_THAT(said_, HasSubstr("2 more lights are not in the scene"));
+    EXPECT_EQ(std::count(said_.begin(), said_.end(), '\n'), 2 + 21);
 }
 
 }  // namespace

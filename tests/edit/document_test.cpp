@@ -7,6 +7,12 @@
 namespace tavora::studio {
 namespace {
 
+Json zones(double value, bool three) {
+    Json list{{{"position", 0}}, {{"position", 1}}};
+    if (three) list.insert(list.begin() + 1, Json{{"position", value}});
+    return {{"zones", list}};
+}
+
 class DocumentEdits : public EditTest {
   protected:
     /// One of the things a user does; each changes something.
@@ -14,7 +20,7 @@ class DocumentEdits : public EditTest {
         SceneSettings& settings = document.settings;
         const std::size_t surface = random_() % settings.surfaces().size();
         const double value = std::uniform_real_distribution<>(0.001, 0.999)(random_);
-        switch (random_() % 6) {
+        switch (random_() % 5) {
             case 0:
                 return document.undo.push(
                     enableStep(settings, surface, !activeBlock(settings.at(surface))));
@@ -25,12 +31,7 @@ class DocumentEdits : public EditTest {
                 return document.undo.push(
                     lookStep(settings, step % 2 == 0 ? "noir" : "comic", settings.surfaces()));
             case 3:
-                return edit(document, surface,
-                            R"({"zones": [{"position": 0}, {"position": 1}]})"_j);
-            case 4:
-                return edit(
-                    document, surface,
-                    {{"zones", {{{"position", 0}}, {{"position", value}}, {{"position", 1}}}}});
+                return edit(document, surface, zones(value, step % 2));
             default:
                 return edit(document, surface, value);
         }
@@ -127,8 +128,8 @@ TEST_F(DocumentEdits, ThatComeBackToTheirStartOrAreAbandonedAreNoStep) {
 TEST_F(DocumentEdits, AreBoundedInNumberAndSize) {
     const auto document = open();
     UndoStack stack(document->settings);
-    const auto push = [&](std::size_t size, std::int32_t value) {
-        stack.push({"", {{0, {}, shader({value, std::string(size, 'x')})}}});
+    const auto push = [&](std::size_t size, std::int32_t value, Gesture gesture = 0) {
+        stack.push({"", {{0, {}, shader({value, std::string(size, 'x')})}}, gesture});
     };
     const auto undoable = [](UndoStack copy) {
         std::size_t count = 0;
@@ -148,6 +149,9 @@ TEST_F(DocumentEdits, AreBoundedInNumberAndSize) {
     for (int i = 0; i < 10; ++i)
         push(1, i);
     EXPECT_EQ(undoable(stack), 10U) << "what was undone and dropped no longer counts";
+    for (int i = 10; i < 14; ++i)
+        push(std::size_t{20} << 20, i, 1);
+    EXPECT_EQ(undoable(stack), 11U) << "nor what was joined";
 }
 
 TEST_F(DocumentEdits, ARecordShownAndLeftAloneIsNoEdit) {

@@ -1,4 +1,3 @@
-#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
@@ -6,6 +5,7 @@
 #include <gmock/gmock.h>
 #include <iostream>
 #include <random>
+#include <set>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -30,14 +30,13 @@ class RecoveredWork : public EditTest {
     }
 
     /// What lies in a folder, by suffix.
-    static std::vector<std::string> suffixes(const fs::path& folder) {
-        std::vector<std::string> all;
+    static std::multiset<std::string> suffixes(const fs::path& folder) {
+        std::multiset<std::string> all;
         for (const auto& entry : fs::directory_iterator(folder))
-            if (entry.is_regular_file()) all.push_back(entry.path().extension());
-        std::sort(all.begin(), all.end());
+            if (entry.is_regular_file()) all.insert(entry.path().extension());
         return all;
     }
-    std::vector<std::string> kept() const { return suffixes(state_); }
+    std::multiset<std::string> kept() const { return suffixes(state_); }
     fs::path keptFile() const {
         for (const auto& entry : fs::directory_iterator(state_))
             if (entry.path().extension() == ".json") return entry.path();
@@ -216,6 +215,15 @@ TEST_F(RecoveredWork, IsExactAndGoesByName) {
                 ElementsAre(HasSubstr("was changed"), HasSubstr("\"Glass\"")));
     EXPECT_EQ(document->settings.at(1), shader(odd, false));
     EXPECT_EQ(document->settings.at(2), shader(sampleBlock()));
+    document->save();
+    edit(*document, 0, 0.5);
+    document->recovery.write();
+    const std::string work = bytesOf(keptFile());
+    const fs::path file = keptFile();
+    document->recovery.discard();
+    putBytes(file, work);
+    writeScene({"Hair"});
+    EXPECT_TRUE(open()->recovery.isOffered()) << "also where all of its surfaces are gone";
 }
 
 TEST_F(RecoveredWork, ThatIsDamagedIsRefusedAndKept) {

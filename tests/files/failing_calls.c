@@ -78,8 +78,7 @@ int open(const char* file, int flags, ...) {
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    const char* call = (flags & O_EXCL) != 0 ? "create" : "open";
-    if (fate(call, file) < 0) return -1;
+    if (fate((flags & O_EXCL) != 0 ? "create" : "open", file) < 0) return -1;
     return NEXT(open)(file, flags, mode);
 }
 
@@ -114,9 +113,8 @@ int close(int descriptor) {
     const int how = fateOfOpen("close", descriptor);
     const int error = errno;
     const int closed = NEXT(close)(descriptor);
-    if (how >= 0) return closed;
-    errno = error;
-    return -1;
+    if (how < 0) errno = error;
+    return how < 0 ? -1 : closed;
 }
 
 int rename(const char* from, const char* to) {
