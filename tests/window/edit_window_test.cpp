@@ -121,6 +121,7 @@ TEST_F(EditWindowTest, DragsKeysAndSpellsOfTheWheelAreStepsOfTheirOwn) {
         field.setFocus();
         for (int times = 0; times < 2; ++times)
             QTest::keyClick(&field, Qt::Key_Down);
+        QTest::qWait(650);  // a pause that ends what went before
         for (int times = 0; times < 3; ++times) {
             QWheelEvent turn({9, 9}, field.mapToGlobal(QPointF(9, 9)), {}, {0, -120}, Qt::NoButton,
                              {}, Qt::NoScrollPhase, false);
