@@ -130,9 +130,8 @@ TEST_F(Saving, RecentFilesAreTheLastTenEachOnce) {
     addRecentFile(folder_ / "two\nlines.glb");
     const std::vector<fs::path> files = recentFiles();
     ASSERT_EQ(files.size(), 10U);
-    EXPECT_EQ(files[0], "/scenes/7.glb");
-    EXPECT_EQ(files[1], "/scenes/11.glb");
-    EXPECT_EQ(files[9], "/scenes/2.glb");
+    EXPECT_EQ(std::tie(files[0], files[1], files[9]),
+              std::tuple("/scenes/7.glb", "/scenes/11.glb", "/scenes/2.glb"));
     putBytes(folder_ / "plain", "");
     setSettingsFolder(folder_ / "plain");
     addRecentFile("/scenes/a.glb");

@@ -111,6 +111,8 @@ TEST_F(EditWindowTest, ThePictureFollowsThePanelAndUndoWorksUnderIt) {
     action("undo").trigger();
     EXPECT_NE(state(), first) << "and can be undone itself";
     EXPECT_TRUE(action("redo").isEnabled());
+    action("redo").trigger();
+    EXPECT_FALSE(action("redo").isEnabled());
 }
 
 TEST_F(EditWindowTest, DragsKeysAndSpellsOfTheWheelAreStepsOfTheirOwn) {
@@ -291,7 +293,11 @@ TEST_F(EditWindowTest, AnotherSurfaceIsChosenUnderThePanel) {
             surfaces().setCurrentRow(surface);
         };
     };
-    inPanel({dragAndGoTo(1), dragAndGoTo(0), [&](QWidget&) { surfaces().setCurrentRow(1); },
+    inPanel({dragAndGoTo(1), dragAndGoTo(0),
+             [&](QWidget&) {
+                 EXPECT_EQ(window().panel().surface(), 0U);
+                 surfaces().setCurrentRow(1);
+             },
              [&](QWidget& panel) {
                  EXPECT_EQ(window().panel().surface(), 1U);
                  drag(find(panel, "Opacity.percent"), -30);
