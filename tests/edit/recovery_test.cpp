@@ -154,6 +154,18 @@ TEST_F(RecoveredWork, IsOfferedUntilItIsTakenSavedOrDiscarded) {
     EXPECT_TRUE(open()->recovery.isOffered()) << "also where all of its surfaces are gone";
 }
 
+TEST_F(RecoveredWork, GoesNotBeforeTheFileThatTakesItsPlaceIsWhole) {
+    abandon([](Document& document) { edit(document, 0, 0.5); });
+    for (int session = 0; session < 2; ++session) {
+        const auto document = open();
+        if (session == 0) edit(*document, 3, 0.7);
+        if (session == 0) document->recovery.write();
+        document->recovery.takeOver();
+        EXPECT_EQ(named(*document, 0)["edgeCoverage"], 0.5);
+        EXPECT_EQ(named(*document, 3)["edgeCoverage"], 0.7);
+    }
+}
+
 TEST_F(RecoveredWork, IsWrittenOnceForOneChangeAndLeavesLivingSessionsAlone) {
     AtomicFile unfinished(folder_ / "other.glb");
     const auto document = open();
