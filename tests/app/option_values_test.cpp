@@ -1,6 +1,5 @@
 #include "studio/app/option_values.h"
 
-#include <array>
 #include <gtest/gtest.h>
 
 #include "studio/app/picture_area.h"
@@ -40,25 +39,10 @@ TEST(OptionValues, AreReadWholeAndInTheirRange) {
     EXPECT_EQ(color("0.1,0.2,1"), Imath::V3d(0.1, 0.2, 1));
     EXPECT_EQ(background("0.25"), Imath::V3d(0.25));
     expectRefused(color, {"", "#fff", "#gggggg", "#ff00800", "1,1", "255,0,0", "red", "-1"});
-}
-
-TEST(OptionValues, TellSurfacesFromLooksAndSettings) {
-    EXPECT_EQ(lookChoice("noir").surfaces, "");
-    EXPECT_EQ(lookChoice("a=b=none.json").surfaces, "a=b");
     expectRefused(lookChoice, {"=noir", "Body="});
-    for (const auto& [surfaces, setting, value] : {std::array{"*", "zones[1].color", "1,0,0"},
-                                                   {"a.zones[0].b", "zoneList[2].sat", "0"},
-                                                   {"a.zones[0].b", "edgeEnable", "1"},
-                                                   {"Body", "lights", "a=b"},
-                                                   {"a.lights\\=b", "edgeEnable", "1"},
-                                                   {"Body", "edgeEnabel", "a=b"}}) {
-        const auto text = std::string(surfaces) + "." + setting + "=" + value;
-        const SettingChange change = settingChange(text);
-        EXPECT_EQ(std::tie(change.surfaces, change.setting, change.value),
-                  std::tuple(surfaces, setting, value));
-    }
     expectRefused(settingChange,
                   {"edgeEnable=1", "Body.edgeEnable", ".edgeEnable=1", "Body.=1", ""});
+    EXPECT_EQ(settingChange("a.zones[0].b.zoneList[2].sat=0").surfaces, "a.zones[0].b");
 }
 
 TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {

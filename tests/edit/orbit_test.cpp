@@ -115,12 +115,6 @@ TEST(Orbit, KeepsARollAndASteepStart) {
     EXPECT_NEAR(row(steep.camera(), 2).y, 1, 1e-12);
     steep.turn(0, -0.25);
     EXPECT_NEAR(row(steep.camera(), 2).y, std::sqrt(0.5), 1e-9);
-
-    Camera away = startCamera();
-    away.cameraToWorld = Imath::M44d().setAxisAngle(V3d(0, 1, 0), M_PI) * away.cameraToWorld;
-    Orbit turned(away, {});
-    turned.turn(0.1, 0.1);
-    EXPECT_LT((row(turned.camera(), 3) - row(away, 3)).length(), 2) << "about a place before it";
 }
 
 }  // namespace

@@ -96,17 +96,13 @@ ssize_t pread(int descriptor, void* bytes, size_t size, off_t offset) {
     return got;
 }
 
-int fsync(int descriptor) {
-    return fateOfOpen("fsync", descriptor) < 0 ? -1 : NEXT(fsync)(descriptor);
-}
-
-int flock(int descriptor, int operation) {
-    return fateOfOpen("flock", descriptor) < 0 ? -1 : NEXT(flock)(descriptor, operation);
-}
-
-int fchmod(int descriptor, mode_t mode) {
-    return fateOfOpen("fchmod", descriptor) < 0 ? -1 : NEXT(fchmod)(descriptor, mode);
-}
+#define REPLACE(call, parameters, ...)                                           \
+    int call parameters {                                                        \
+        return fateOfOpen(#call, descriptor) < 0 ? -1 : NEXT(call)(__VA_ARGS__); \
+    }
+REPLACE(fsync, (int descriptor), descriptor)
+REPLACE(flock, (int descriptor, int operation), descriptor, operation)
+REPLACE(fchmod, (int descriptor, mode_t mode), descriptor, mode)
 
 // As on Linux: whatever closing says, the number is free afterwards.
 int close(int descriptor) {

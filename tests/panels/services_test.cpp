@@ -44,6 +44,15 @@ HostControlDescription choice() {
     return choice;
 }
 
+/// Where the widget that it watches was painted.
+struct Painted : QObject {
+    QRegion region;
+    bool eventFilter(QObject*, QEvent* event) override {
+        if (event->type() == QEvent::Paint) region |= static_cast<QPaintEvent*>(event)->region();
+        return false;
+    }
+};
+
 class PanelServices : public ::testing::Test {
   protected:
     PanelServices() {
@@ -297,14 +306,7 @@ TEST_F(PanelServices, OnlyVisibleRowsOfALongListAreAskedAndShowWhatAnEventChange
 
 TEST_F(PanelServices, DrawingIsClampedAndPaintedAndClearedByItsArea) {
     const HostControlId area = add("AreaControl", "", areaOf(40, 12), 100, 50);
-    struct Painted : QObject {
-        QRegion region;
-        bool eventFilter(QObject*, QEvent* event) override {
-            if (event->type() == QEvent::Paint)
-                region |= static_cast<QPaintEvent*>(event)->region();
-            return false;
-        }
-    } painted;
+    Painted painted;
     open([&](QWidget& shownPanel) {
         QTest::qWait(20);  // until it is shown as a whole
         auto& canvas = *shownPanel.findChild<PanelCanvas*>();
@@ -419,18 +421,12 @@ TEST_F(PanelServices, ColorsShowWhatIsChosenFocusedAndOutOfReach) {
         EXPECT_EQ(integer(strip, HOST_CONTROL_MOUSE_X), 59) << "its end is the last place";
         HostValue color{HOST_VALUE_INTEGER_VECTOR, {}};
         color.of.vector[1] = 255;
-        struct Repaints : QObject {
-            int count = 0;
-            bool eventFilter(QObject*, QEvent* event) override {
-                count += event->type() == QEvent::Paint ? 1 : 0;
-                return false;
-            }
-        } repaints;
+        Painted painted;
         auto* patch = find(shownPanel, "rgb").findChild<QWidget*>();
         QTest::qWait(20);
-        patch->installEventFilter(&repaints);
+        patch->installEventFilter(&painted);
         host->setControl(rgb, HOST_CONTROL_VALUE, &color);
-        EXPECT_TRUE(QTest::qWaitFor([&] { return repaints.count > 0; }, 500));
+        EXPECT_TRUE(QTest::qWaitFor([&] { return !painted.region.isEmpty(); }, 500));
         EXPECT_EQ(patch->grab().toImage().pixelColor(15, 8), QColor(Qt::green));
     });
 }
@@ -539,7 +535,7 @@ TEST_F(PanelServices, NumbersTakeTypingStepsDragsAndTheWheelOnlyInFocus) {
             type(shownPanel, "Depth.number", text);
             EXPECT_EQ(integer(control), 4) << text;
         }
-        type(shownPanel, "Depth.number", "13");
+        type(shownPanel, "Depth.number", "13,4");
         for (const int turn : {-120, -60, -60})
             wheel(field, turn);
         EXPECT_EQ(integer(control), 11);

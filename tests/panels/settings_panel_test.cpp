@@ -1,4 +1,4 @@
-// The settings panel as a whole: pages, colours, lights, OK and Cancel, keys.
+// The settings panel: pages, colours, lights, OK and Cancel, keys, and the gradient of zones.
 
 #include <QApplication>
 #include <QDialogButtonBox>
@@ -9,9 +9,11 @@
 #include <QTableView>
 #include <QTest>
 #include <QTimer>
+#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "studio/panels/canvas.h"
 #include "studio/panels/panel_dialog.h"
 #include "tests/panels/settings_rig.h"
 
@@ -19,7 +21,9 @@ namespace tavora::studio::testing {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::FloatNear;
 using ::testing::IsEmpty;
+using ::testing::Pointwise;
 
 QPushButton& button(const QWidget& panel, QDialogButtonBox::StandardButton which) {
     return *panel.findChild<QDialogButtonBox*>()->button(which);
@@ -226,6 +230,116 @@ TEST(SettingsPanel, TheKeyboardAloneSufficesAndMeetsEveryUsableControlOnce) {
         EXPECT_FALSE(panel.isVisible());
     }));
     EXPECT_FLOAT_EQ(rig.settings()["edgeCoverage"].get<float>(), 0.59F);
+}
+
+enum Mode { Add, Blend, Edit, Delete };
+
+void choose(const QWidget& panel, Mode mode) {
+    click(*find(panel, "choice").findChildren<QPushButton*>().at(mode));
+}
+
+std::vector<float> positions(const SettingsRig& rig) {
+    std::vector<float> all;
+    const Settings settings = rig.settings();
+    for (const auto& zone : settings["zoneList"])
+        all.push_back(zone["position"].get<float>());
+    return all;
+}
+
+/// The marks under the gradient, from the left.
+QString marks(const QWidget& panel) {
+    auto texts = panel.findChild<PanelCanvas*>()->drawing().texts();
+    std::ranges::stable_sort(texts, {}, [](const auto& mark) { return mark.rect.left(); });
+    QString all;
+    for (const auto& mark : texts)
+        all += mark.text;
+    return all;
+}
+
+TEST(ZoneEditing, DragsMoveZonesAndComeBack) {
+    SettingsRig rig;
+    const auto start = positions(rig);
+    rig.open([&](QWidget& panel) {
+        // Two pixels a step of 0.001; no press moves anything by itself.
+        for (const char* button : {"Shift.drag", "Scale.drag"}) {
+            drag(find(panel, button), 0);
+            EXPECT_EQ(positions(rig), start) << button;
+        }
+        rig.updates = 0;
+        for (int times = 0; times < 2; ++times)
+            drag(find(panel, "Shift.drag"), 40);
+        EXPECT_EQ(rig.updates, 16) << "shown at every move";
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), {0.0F, 0.29F, 0.54F, 0.79F, 1.0F}));
+        drag(find(panel, "Shift.drag"), -80);
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        drag(find(panel, "Scale.drag"), -16);
+        EXPECT_NEAR(positions(rig)[2], 0.5 * std::pow(0.998, 8), 1e-5);
+        click(find(panel, "Spread.button"));
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        auto& shift = find(panel, "Shift.drag");
+        QTest::mousePress(&shift, Qt::LeftButton, {}, {20, 9});
+        QTest::mouseMove(&shift, {40, 9});
+        QTest::keyClick(&shift, Qt::Key_Escape);
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        QTest::keyClick(&shift, Qt::Key_Right);
+        QTest::keyClick(&shift, Qt::Key_PageUp);
+        EXPECT_NEAR(positions(rig)[1], 0.261, 1e-5);
+        QTest::keyClick(&shift, Qt::Key_Left);
+        EXPECT_NEAR(positions(rig)[1], 0.26, 1e-5);
+    });
+}
+
+TEST(ZoneEditing, MarkersAreTakenByHandAndByKeys) {
+    SettingsRig rig;
+    const auto start = positions(rig);
+    rig.open([&](QWidget& panel) {
+        auto& markers = find(panel, "area.7");
+        const auto key = [&](Qt::Key pressed) { QTest::keyClick(&markers, pressed); };
+        EXPECT_EQ(marks(panel), "^|||| ");
+        whenPicking(
+            [](QColorDialog& dialog) { dialog.setCurrentColor(Qt::green), dialog.accept(); });
+        clickAt(find(panel, "area.6"), 160);
+        EXPECT_EQ(panel.grab().toImage().pixelColor(300, 18), QColor(Qt::green));
+        choose(panel, Blend);
+        clickAt(markers, 234);
+        EXPECT_EQ(marks(panel), "|||^'| ");
+        EXPECT_EQ(find<QLineEdit>(panel, "Position.percent").text(), "60");
+        choose(panel, Delete);
+        clickAt(markers, 234);
+        choose(panel, Edit);
+        // Pressed a little to its left, the marker itself is meant, not the zone below.
+        QTest::mousePress(&markers, Qt::LeftButton, {}, QPoint(195 - 3, 6));
+        EXPECT_EQ(selectedZone(panel), 2);
+        EXPECT_EQ(positions(rig), start) << "a press moves nothing";
+        QTest::mouseMove(&markers, QPoint(195 - 3 + 39, 6));
+        EXPECT_NEAR(positions(rig)[2], 0.6, 2e-3);
+        QTest::mouseMove(&markers, QPoint(395, 6));
+        EXPECT_EQ(positions(rig)[2], 0.75F) << "it stops at its neighbour";
+        QTest::mouseRelease(&markers, Qt::LeftButton, {}, QPoint(395, 6));
+        key(Qt::Key_Left);
+        EXPECT_NEAR(positions(rig)[2], 0.74, 2e-3) << "from where it is, not where the mouse was";
+        key(Qt::Key_Down);
+        EXPECT_EQ(selectedZone(panel), 1);
+        QTest::keyClick(&markers, Qt::Key_Right, Qt::ControlModifier);
+        EXPECT_NEAR(positions(rig)[1], 0.35, 2e-3);
+        key(Qt::Key_Delete);
+        EXPECT_EQ(positions(rig).size(), 4U);
+        EXPECT_TRUE(find(panel, "choice").findChildren<QPushButton*>().at(Edit)->isChecked());
+        key(Qt::Key_Home);
+        key(Qt::Key_Delete);
+        key(Qt::Key_Right);
+        EXPECT_EQ(positions(rig).size(), 4U) << "the first zone stays, and stays where it is";
+        EXPECT_EQ(positions(rig)[0], 0);
+        selectPage(panel, 2);
+        clickAt(markers, 20);
+        EXPECT_EQ(positions(rig).size(), 4U) << "on its own page alone";
+        selectPage(panel, 0);
+        choose(panel, Add);
+        key(Qt::Key_Space);
+        EXPECT_NEAR(positions(rig)[1], positions(rig)[2] / 2, 4e-3) << "half way to the next";
+        drag(markers, 60);
+        EXPECT_EQ(positions(rig).size(), 6U) << "a press counts once, however the mouse moves";
+    });
 }
 
 }  // namespace
