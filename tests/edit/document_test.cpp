@@ -6,7 +6,6 @@
 #include "studio/scene/settings/look_writing.h"
 #include "studio/util/error.h"
 #include "tests/edit/edit_test.h"
-#include "tests/files/small_disk.h"
 
 namespace tavora::studio {
 namespace {
@@ -257,25 +256,6 @@ TEST_F(Saving, WhatTheFileCannotHoldIsTold) {
     request_.plain = {"Hair"};
     document = open();
     EXPECT_EQ(document->settings.at(1), shader(document->settings.clean(1)->block, false));
-}
-
-TEST_F(Saving, WhatAFullDiskRefusedIsTriedAgain) {
-    const auto document = open();
-    edit(*document, 0, 0.5);
-    const auto work = stateOf(*document);
-    {
-        const SmallDisk full(64);
-        EXPECT_THROW(document->save(), Error);
-        EXPECT_THROW(document->saveAs(folder_ / "other.glb"), Error);
-        EXPECT_THROW(document->recovery.write(), Error);
-    }
-    EXPECT_EQ(document->file.path(), file_);
-    EXPECT_TRUE(document->settings.isModified());
-    document->recovery.write();
-    const fs::directory_iterator kept(folder_ / "state/tavora/recovery");
-    EXPECT_EQ(std::distance(kept, {}), 2) << "the work and its lock";
-    document->save();
-    EXPECT_EQ(stateOf(*open())[0], work[0]);
 }
 
 TEST_F(Saving, AFileThatChangedOnDiskIsNoticed) {

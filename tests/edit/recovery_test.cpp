@@ -9,7 +9,9 @@
 #include <unistd.h>
 
 #include "studio/files/atomic_file.h"
+#include "studio/util/error.h"
 #include "tests/edit/edit_test.h"
+#include "tests/files/small_disk.h"
 
 namespace tavora::studio {
 namespace {
@@ -172,6 +174,10 @@ TEST_F(RecoveredWork, IsWrittenOnceForOneChangeAndLeavesLivingSessionsAlone) {
     document->recovery.write();
     EXPECT_FALSE(exists(state_));
     edit(*document, 0, 0.5);
+    {
+        const SmallDisk full(64);
+        EXPECT_THROW(document->recovery.write(), Error);
+    }
     document->recovery.write();
     EXPECT_FALSE(open()->recovery.isOffered());
     unfinished.commit();

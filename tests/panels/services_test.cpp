@@ -546,8 +546,10 @@ TEST_F(PanelServices, NumbersTakeTypingStepsDragsAndTheWheelOnlyInFocus) {
         EXPECT_EQ(events, 5);
         drag(field, 0);
         EXPECT_EQ(events, 5);
+        QTest::keyClicks(&field, "14");
         field.clearFocus();
-        drag(field, 80);
+        EXPECT_EQ(integer(control), 14) << "entered by leaving it";
+        drag(field, 24);
         EXPECT_EQ(integer(control), 20) << "a quarter a pixel";
         drag(field, 80, Qt::ShiftModifier);
         EXPECT_EQ(integer(control), 22) << "a tenth of that";

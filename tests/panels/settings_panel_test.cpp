@@ -1,14 +1,9 @@
-// The settings panel: pages, colours, lights, OK and Cancel, keys, and the gradient of zones.
+// The settings panel: its pages, lights, keys, and the gradient of zones.
 
-#include <QApplication>
-#include <QDialogButtonBox>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTabBar>
 #include <QTableView>
 #include <QTest>
-#include <QTimer>
 #include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
@@ -24,10 +19,6 @@ using ::testing::ElementsAre;
 using ::testing::FloatNear;
 using ::testing::IsEmpty;
 using ::testing::Pointwise;
-
-QPushButton& button(const QWidget& panel, QDialogButtonBox::StandardButton which) {
-    return *panel.findChild<QDialogButtonBox*>()->button(which);
-}
 
 std::vector<std::string> lights(const SettingsRig& rig) {
     return rig.settings()["lightList"].get<std::vector<std::string>>();
@@ -71,60 +62,6 @@ TEST(SettingsPanel, EveryPageIsLaidOutWithoutOverlapsAndExplained) {
     EXPECT_EQ(pages, 6);
 }
 
-TEST(SettingsPanel, OkKeepsAndCancelRestores) {
-    SettingsRig rig;
-    rig.apply(
-        R"({"edgeEnable": true, "highlightSize": 0.123456, "inkoverColor": [0.2, 0.4, 0.6]})");
-    const Settings before = rig.settings();
-    EXPECT_FALSE(rig.open([&](QWidget& panel) {
-        selectPage(panel, 2);
-        type(panel, "Coverage.percent", "44.25");
-        EXPECT_FLOAT_EQ(rig.settings()["edgeCoverage"].get<float>(), 0.4425F);
-        click(button(panel, QDialogButtonBox::Cancel));
-    }));
-    EXPECT_EQ(rig.settings(), before);
-    EXPECT_TRUE(rig.open([&](QWidget& panel) {
-        EXPECT_EQ(find<QTabBar>(panel, "tab").currentIndex(), 0);
-        selectPage(panel, 2);
-        auto& coverage = find(panel, "Coverage.percent");
-        click(coverage);
-        QTest::keyClicks(&coverage, "250");
-        // Not yet entered; OK takes it, within the range.
-        button(panel, QDialogButtonBox::Ok).click();
-    }));
-    EXPECT_EQ(rig.settings()["edgeCoverage"].get<float>(), 1);
-    // What the module reads back from fields that show less than they hold.
-    EXPECT_NEAR(rig.settings()["highlightSize"].get<double>(), 0.123456, 1e-7);
-    rig.open([&](QWidget& panel) { EXPECT_EQ(find<QTabBar>(panel, "tab").currentIndex(), 2); });
-}
-
-TEST(SettingsPanel, ColorsComeFromNumbersAndThePicker) {
-    SettingsRig rig;
-    rig.apply(R"({"highlightEnable": "On", "highlightColor": "#000000"})");
-    const auto red = [&] { return rig.settings()["highlightColor"][0].get<float>(); };
-    rig.open([&](QWidget& panel) {
-        selectPage(panel, 1);
-        const auto channels = find(panel, "rgb").findChildren<QLineEdit*>();
-        click(*channels[0]);
-        QTest::keyClicks(channels[0], "128");
-        QTest::keyClick(channels[0], Qt::Key_Tab);
-        EXPECT_EQ(red(), 128 / 255.0F);
-        whenPicking([](QColorDialog& dialog) {
-            EXPECT_EQ(dialog.windowTitle(), "CelSpec Colour");
-            EXPECT_EQ(dialog.currentColor(), QColor(128, 0, 0));
-            dialog.setCurrentColor(QColor(64, 32, 16));
-            dialog.accept();
-        });
-        QTest::keyClick(&find(panel, "area"), Qt::Key_Space);
-        EXPECT_EQ(channels[1]->text(), "32");
-        const QImage picture = panel.grab().toImage();
-        EXPECT_EQ(picture.pixelColor(find(panel, "area").geometry().center()), QColor(64, 32, 16));
-        QTest::keyClick(&find(panel, "popup"), Qt::Key_Up);
-        EXPECT_EQ(shown(panel, "area"), Shown::Absent);
-        EXPECT_EQ(shown(panel, "rgb"), Shown::Ghosted);
-    });
-}
-
 TEST(SettingsPanel, LightsAreToggledByMouseAndKeys) {
     SettingsRig rig;
     rig.apply(R"({"useAllLights": false, "lightList": []})");
@@ -162,34 +99,6 @@ TEST(SettingsPanel, LightsAreToggledByMouseAndKeys) {
         click(find(panel, "None.button"));
         EXPECT_THAT(lights(rig), ElementsAre("Key", "Fill", "Rim"));
     });
-}
-
-TEST(SettingsPanel, AboutOpensOverItAndClosingEverythingEndsNestedDialogs) {
-    SettingsRig rig;
-    int closed = 0;
-    rig.whenClosed = [&] { ++closed; };
-    EXPECT_FALSE(rig.open([&](QWidget& panel) {
-        QTimer::singleShot(0, &panel, [] {
-            QWidget* about = QApplication::activeModalWidget();
-            ASSERT_NE(about, nullptr);
-            EXPECT_EQ(about->windowTitle(), "About");
-            EXPECT_EQ(about->findChildren<QLabel*>().size(), 3);
-            QTest::keyClick(about, Qt::Key_Return);
-        });
-        click(find(panel, "About.button"));
-        EXPECT_EQ(closed, 1);
-        EXPECT_TRUE(panel.isVisible() && rig.updates == 0);
-        QTimer::singleShot(0, &panel, [&] {
-            QApplication::activeModalWidget()->close();
-            whenPicking([&](QColorDialog& dialog) {
-                panel.close();
-                dialog.reject();
-            });
-            clickAt(find(panel, "area.6"), 5);
-        });
-        click(find(panel, "About.button"));
-    }));
-    EXPECT_EQ(closed, 3);
 }
 
 void press(QWidget& panel, std::initializer_list<Qt::Key> keys) {

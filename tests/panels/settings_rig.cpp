@@ -59,7 +59,6 @@ bool SettingsRig::open(const std::function<void(QWidget& panel)>& user) {
     };
     hooks.closed = [&](QWidget& panel) {
         confirmed = static_cast<QDialog&>(panel).result() == QDialog::Accepted;
-        if (whenClosed) whenClosed();
     };
     panels = std::make_unique<Panels>(nullptr, hooks);
     openOptions();

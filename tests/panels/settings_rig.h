@@ -30,8 +30,7 @@ class SettingsRig {
     /// Changes settings by name while no panel is open.
     void apply(const char* changesAsJson);
 
-    int updates = 0;                   ///< sent by the module
-    std::function<void()> whenClosed;  ///< called from the hook
+    int updates = 0;  ///< sent by the module
 
   private:
     void openOptions();
