@@ -7,6 +7,8 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "studio/app/option_values.h"
+#include "studio/app/picture_area.h"
 #include "studio/util/error.h"
 
 namespace tavora::studio {
@@ -32,47 +34,32 @@ TEST(CommandLine, TakesEachOptionToItsPlace) {
         "--light-angle 90 --no-shadows B --look noir --look X=comic --set X.edgeEnable=true "
         "--plugin p.so --no-shader=C --no-self-shadow --no-cast-shadows=D "
         "--no-received-shadows=E --no-normal-map=F --no-normal-map=G --progress bar");
-    EXPECT_EQ(render.scene, "in.glb");
-    EXPECT_EQ(render.output, "out.exr");
-    EXPECT_EQ(std::pair(render.width, render.height), std::pair(30, 20));
-    EXPECT_EQ(render.scale, 0.5);
-    EXPECT_EQ(render.cropShares, (CropShares{0, 0, 1, 0.5}));
-    EXPECT_FALSE(render.cropPixels);
-    EXPECT_EQ(std::pair(render.samples, render.mostSamples), std::pair(2, 8));
-    EXPECT_EQ(render.filter, PixelFilter::Tent);
-    EXPECT_EQ(render.depth, PictureDepth::Half);
-    EXPECT_EQ(render.format, PictureFormat::Kind::Exr);
-    EXPECT_EQ(render.camera, "1");
-    EXPECT_FALSE(render.background);
-    EXPECT_EQ(render.lighting.ambient, Imath::V3d(0.25));
-    EXPECT_EQ(render.lighting.exposure, 3);
-    EXPECT_TRUE(render.lighting.falloff);
-    ASSERT_EQ(render.lighting.radii.size(), 2U);
-    EXPECT_EQ(render.lighting.radii[0].lights, "A");
-    EXPECT_EQ(render.lighting.radii[1].size, 2);
-    ASSERT_EQ(render.lighting.angles.size(), 1U);
-    EXPECT_NEAR(render.lighting.angles[0].size, 1.5708, 1e-4);
-    EXPECT_THAT(render.lighting.withoutShadows, ElementsAre("B"));
-    ASSERT_EQ(render.shading.looks.size(), 2U);
-    EXPECT_EQ(render.shading.looks[1].surfaces, "X");
+    EXPECT_EQ(std::tie(render.scene, render.output, render.camera, render.shading.plugin),
+              std::tuple("in.glb", "out.exr", "1", "p.so"));
+    EXPECT_EQ(std::tie(render.width, render.height, render.samples, render.mostSamples),
+              std::tuple(30, 20, 2, 8));
+    EXPECT_EQ(std::tie(render.filter, render.depth, render.format, render.progress),
+              std::tuple(PixelFilter::Tent, PictureDepth::Half, PictureFormat::Kind::Exr,
+                         ProgressKind::Bar));
+    EXPECT_EQ(std::tie(render.scale, render.cropShares, render.lighting.ambient,
+                       render.lighting.exposure, render.lighting.falloff),
+              std::tuple(0.5, CropShares{0, 0, 1, 0.5}, Imath::V3d(0.25), 3, true));
+    EXPECT_FALSE(render.cropPixels || render.background);
+    EXPECT_EQ(render.lighting.radii.at(0).lights, "A");
+    EXPECT_EQ(render.lighting.radii.at(1).size, 2);
+    EXPECT_NEAR(render.lighting.angles.at(0).size, 1.5708, 1e-4);
+    EXPECT_EQ(render.shading.looks.at(1).surfaces, "X");
     EXPECT_EQ(render.shading.changes.at(0).setting, "edgeEnable");
-    EXPECT_EQ(render.shading.plugin, "p.so");
-    EXPECT_THAT(render.shading.plain, ElementsAre("C"));
-    EXPECT_THAT(render.withoutSelfShadow, ElementsAre("*"));
-    EXPECT_THAT(render.withoutCastShadows, ElementsAre("D"));
-    EXPECT_THAT(render.withoutReceivedShadows, ElementsAre("E"));
-    EXPECT_THAT(render.withoutNormalMap, ElementsAre("F", "G"));
-    EXPECT_EQ(render.progress, ProgressKind::Bar);
-    EXPECT_EQ(render.report.verbosity, 2);
-    EXPECT_EQ(render.report.logFile, "early");
-
+    EXPECT_EQ(
+        (std::vector{render.lighting.withoutShadows, render.shading.plain, render.withoutSelfShadow,
+                     render.withoutCastShadows, render.withoutReceivedShadows,
+                     render.withoutNormalMap}),
+        (std::vector<std::vector<std::string>>{{"B"}, {"C"}, {"*"}, {"D"}, {"E"}, {"F", "G"}}));
+    EXPECT_EQ(std::tie(render.report.verbosity, render.report.logFile), std::tuple(2, "early"));
     const auto panel = parsed<PanelRequest>(
         "--quiet panel in.glb -o p.png --surface S --tab 3 --scale 200% --theme dark");
-    EXPECT_EQ(panel.surface, "S");
-    EXPECT_EQ(panel.tab, 3);
-    EXPECT_EQ(panel.scale, 2);
-    EXPECT_EQ(panel.theme, Theme::Dark);
-    EXPECT_TRUE(panel.report.quiet);
+    EXPECT_EQ(std::tie(panel.surface, panel.tab, panel.scale, panel.theme, panel.report.quiet),
+              std::tuple("S", 3, 2, Theme::Dark, true));
     EXPECT_THAT(parsed<SettingsRequest>("settings in.glb --surface A --surface B").surfaces,
                 ElementsAre("A", "B"));
     EXPECT_TRUE(parsed<RenderRequest>("render in.glb --list-cameras").listCameras);
@@ -90,6 +77,65 @@ TEST(CommandLine, PutsTheLastOnTheLineBeforeTheEnvironment) {
     setenv("TAVORA_THREADS", "", 1);
     EXPECT_EQ(parsed<EditRequest>("edit").threads, 0);
     unsetenv("TAVORA_THREADS");
+}
+
+/// Expects that `read` refuses each of these texts.
+template <class Reader>
+void expectRefused(const Reader& read, std::initializer_list<const char*> texts) {
+    for (const char* text : texts)
+        EXPECT_THROW(read(text), Error) << text;
+}
+
+TEST(OptionValues, AreReadWholeAndInTheirRange) {
+    const auto whole = [](const char* text) { return wholeNumber(text, 1, 64); };
+    EXPECT_EQ(whole("64"), 64);
+    expectRefused(whole, {"", "0", "65", "1.5", "1 ", " 1", "+1", "x", "99999999999"});
+    EXPECT_EQ(percentage("50%"), 0.5);
+    EXPECT_EQ(percentage("12.5"), 0.125);
+    expectRefused(percentage, {"nan", "0", "%"});
+    EXPECT_EQ(resolution("1920x1080"), std::pair(1920, 1080));
+    expectRefused(resolution, {"1920", "x", "1920x", "1x-1", "1x1x1", "99999x1", "1X1"});
+    EXPECT_EQ(sampleCounts("16"), std::pair(16, 0));
+    EXPECT_EQ(sampleCounts("4..64"), std::pair(4, 64));
+    EXPECT_EQ(sampleCounts("8..8"), std::pair(8, 0));
+    expectRefused(sampleCounts,
+                  {"", "0", "4..", "..4", "64..4", "4...64", "1..70000", "4..x", "65536"});
+    EXPECT_EQ(cropPixels("1,2,3,4"), (PixelBox{1, 2, 3, 4}));
+    expectRefused(cropPixels, {"1,2,3", "1,2,1,4", "3,2,4,2", "-1,0,1,1", "1,2,3,4,5", "0,0,.5,1"});
+    EXPECT_EQ(cropShares("0,0.25,1,0.5"), (CropShares{0, 0.25, 1, 0.5}));
+    expectRefused(cropShares, {"0,0,1,1.5", "0,0.5,1,0.5", "nan,0,1,1", "0,0,1"});
+    EXPECT_EQ(color("#ff0080"), Imath::V3d(1, 0, 128 / 255.0));
+    EXPECT_EQ(color("0.1,0.2,1"), Imath::V3d(0.1, 0.2, 1));
+    EXPECT_EQ(background("0.25"), Imath::V3d(0.25));
+    expectRefused(color, {"", "#fff", "#gggggg", "#ff00800", "1,1", "255,0,0", "red", "-1"});
+    expectRefused(lookChoice, {"=noir", "Body="});
+    expectRefused(settingChange,
+                  {"edgeEnable=1", "Body.edgeEnable", ".edgeEnable=1", "Body.=1", ""});
+    EXPECT_EQ(settingChange("a.zones[0].b.zoneList[2].sat=0").surfaces, "a.zones[0].b");
+}
+
+TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
+    RenderRequest request;
+    request.width = 101;
+    request.height = 33;
+    int covered = 0;
+    for (int i = 0; i < 7; ++i) {
+        request.cropShares = CropShares{i / 7.0, 0, (i + 1) / 7.0, 1};
+        const PixelBox box = *pictureArea(request).crop;
+        EXPECT_EQ(box.left, covered);
+        EXPECT_EQ(box.height(), 33);
+        covered = box.right;
+    }
+    EXPECT_EQ(covered, 101);
+    request = {};
+    request.scale = 0.001;
+    EXPECT_EQ(pictureArea(request).width, 1);
+    request.scale = 100;
+    EXPECT_THROW(pictureArea(request), Error);
+    request.cropPixels = PixelBox{100000, 0, 128000, 10};
+    EXPECT_EQ(pictureArea(request).width, 128000);
+    request.cropPixels->right = 128001;
+    EXPECT_THROW(pictureArea(request), Error);
 }
 
 }  // namespace

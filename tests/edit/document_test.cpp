@@ -1,11 +1,25 @@
 #include <cmath>
+#include <gmock/gmock.h>
 #include <random>
 
+#include "studio/edit/recent_files.h"
 #include "studio/scene/settings/look_writing.h"
+#include "studio/util/error.h"
 #include "tests/edit/edit_test.h"
 
 namespace tavora::studio {
 namespace {
+
+namespace fs = std::filesystem;
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+Json zones(double value, bool three) {
+    Json list{{{"position", 0}}, {{"position", 1}}};
+    if (three) list.insert(list.begin() + 1, Json{{"position", value}});
+    return {{"zones", list}};
+}
 
 class DocumentEdits : public EditTest {
   protected:
@@ -14,7 +28,7 @@ class DocumentEdits : public EditTest {
         SceneSettings& settings = document.settings;
         const std::size_t surface = random_() % settings.surfaces().size();
         const double value = std::uniform_real_distribution<>(0.001, 0.999)(random_);
-        switch (random_() % 6) {
+        switch (random_() % 5) {
             case 0:
                 return document.undo.push(
                     enableStep(settings, surface, !activeBlock(settings.at(surface))));
@@ -25,12 +39,7 @@ class DocumentEdits : public EditTest {
                 return document.undo.push(
                     lookStep(settings, step % 2 == 0 ? "noir" : "comic", settings.surfaces()));
             case 3:
-                return edit(document, surface,
-                            R"({"zones": [{"position": 0}, {"position": 1}]})"_j);
-            case 4:
-                return edit(
-                    document, surface,
-                    {{"zones", {{{"position", 0}}, {{"position", value}}, {{"position", 1}}}}});
+                return edit(document, surface, zones(value, step % 2));
             default:
                 return edit(document, surface, value);
         }
@@ -127,8 +136,8 @@ TEST_F(DocumentEdits, ThatComeBackToTheirStartOrAreAbandonedAreNoStep) {
 TEST_F(DocumentEdits, AreBoundedInNumberAndSize) {
     const auto document = open();
     UndoStack stack(document->settings);
-    const auto push = [&](std::size_t size, std::int32_t value) {
-        stack.push({"", {{0, {}, shader({value, std::string(size, 'x')})}}});
+    const auto push = [&](std::size_t size, std::int32_t value, Gesture gesture = 0) {
+        stack.push({"", {{0, {}, shader({value, std::string(size, 'x')})}}, gesture});
     };
     const auto undoable = [](UndoStack copy) {
         std::size_t count = 0;
@@ -148,6 +157,10 @@ TEST_F(DocumentEdits, AreBoundedInNumberAndSize) {
     for (int i = 0; i < 10; ++i)
         push(1, i);
     EXPECT_EQ(undoable(stack), 10U) << "what was undone and dropped no longer counts";
+    for (int i = 10; i < 14; ++i)
+        push(std::size_t{20} << 20, i, 1);
+    push(1, 20);
+    EXPECT_EQ(undoable(stack), 12U) << "nor what was joined";
 }
 
 TEST_F(DocumentEdits, ARecordShownAndLeftAloneIsNoEdit) {
@@ -179,11 +192,7 @@ TEST_F(DocumentEdits, ASurfaceWithoutTheShaderGetsANewOne) {
     const StateBlock defaults = newShaderSettings(settings.module());
     EXPECT_EQ(settings.at(0), shader(defaults));
     EXPECT_EQ(settings.at(1), shader(defaults));
-    edit(*document, 1, 0.77);
-    document->undo.push(enableStep(settings, 1, false));
-    EXPECT_FALSE(settings.at(1)->enabled);
-    for (int i = 0; i < 3; ++i)
-        document->undo.undo();
+    document->undo.undo();
     EXPECT_FALSE(settings.at(1));
     EXPECT_EQ(settings.record(1).save(), defaults);
 }
@@ -205,6 +214,108 @@ TEST_F(DocumentEdits, LooksAreWrittenAsTheyAreRead) {
     set(*document, {{0, shader(odd)}});
     EXPECT_THROW(writeLook(settings.at(0)->block, folder_ / "odd.json"), Error);
     EXPECT_FALSE(exists(folder_ / "odd.json"));
+}
+
+class Saving : public EditTest {};
+
+TEST_F(Saving, ALookThatStandsInIsNoWorkUntilSomethingChanges) {
+    auto document = open();
+    EXPECT_TRUE(document->settings.at(0)->enabled);
+    EXPECT_EQ(document->settings.clean(0), document->settings.at(0));
+    EXPECT_FALSE(document->settings.isModified());
+    edit(*document, 0, 0.5);
+    EXPECT_TRUE(document->settings.isModified());
+    EXPECT_THAT(document->save(), IsEmpty()) << "nobody changed the surface without material";
+    EXPECT_FALSE(document->settings.isModified());
+    const auto saved = stateOf(*document);
+    document->undo.undo();
+    EXPECT_TRUE(document->settings.isModified());
+    document->undo.redo();
+    EXPECT_FALSE(document->settings.isModified());
+
+    document = open();
+    EXPECT_FALSE(document->settings.isModified());
+    for (std::size_t i = 0; i < 3; ++i)
+        EXPECT_EQ(document->settings.at(i), saved[i]);
+    request_.looks = {{"Hair", "noir"}};
+    EXPECT_TRUE(open()->settings.isModified()) << "a look that was asked for is work";
+}
+
+TEST_F(Saving, WhatTheFileCannotHoldIsTold) {
+    auto document = open();
+    edit(*document, 3, 0.5);
+    edit(*document, 0, 0.6);
+    EXPECT_THAT(document->save(), ElementsAre(HasSubstr("\"Default\" has no material")));
+    EXPECT_FALSE(document->settings.isModified());
+    undoAll(*document);
+    set(*document, {{0, {}}});
+    document->save();
+    document = open();
+    EXPECT_FALSE(document->settings.at(0)->enabled) << "taken off, so turned off in the file";
+    EXPECT_TRUE(document->settings.at(1)->enabled);
+    request_.plain = {"Hair"};
+    document = open();
+    EXPECT_EQ(document->settings.at(1), shader(document->settings.clean(1)->block, false));
+}
+
+TEST_F(Saving, AFileThatChangedOnDiskIsNoticed) {
+    const auto document = open();
+    edit(*document, 0, 0.5);
+    fs::last_write_time(file_, fs::last_write_time(file_) + std::chrono::hours(1));
+    EXPECT_FALSE(document->file.changedOnDisk()) << "touched, but the same";
+
+    writeScene({"Glass", "New", "Body"});
+    const std::string theirs = bytesOf(file_);
+    EXPECT_TRUE(document->file.changedOnDisk());
+    EXPECT_THROW(document->save(), Error);
+    EXPECT_EQ(bytesOf(file_), theirs);
+    EXPECT_TRUE(document->settings.isModified());
+    EXPECT_THAT(document->save(true), ElementsAre(HasSubstr("\"Hair\""), HasSubstr("\"Default\"")));
+    EXPECT_FALSE(document->settings.isModified());
+    EXPECT_FALSE(document->file.changedOnDisk());
+    const auto after = open();
+    EXPECT_EQ(after->settings.at(0), document->settings.at(2));
+    EXPECT_FALSE(after->settings.at(1));
+    EXPECT_EQ(after->settings.at(2), document->settings.at(0));
+
+    edit(*document, 0, 0.6);
+    fs::remove(file_);
+    EXPECT_FALSE(document->file.changedOnDisk());
+    EXPECT_THAT(refusal([&] { document->save(true); }), HasSubstr("No such file"));
+    EXPECT_TRUE(document->settings.isModified());
+}
+
+TEST_F(Saving, SavingAsGoesOnWithTheNewFile) {
+    const auto document = open();
+    const std::string before = bytesOf(file_);
+    edit(*document, 0, 0.5);
+    document->recovery.write();
+    EXPECT_THROW(document->saveAs(folder_ / "other.gltf"), Error);
+    EXPECT_EQ(document->file.path(), file_);
+    document->saveAs(folder_ / "other.glb");
+    EXPECT_FALSE(document->settings.isModified());
+    EXPECT_TRUE(fs::is_empty(folder_ / "state/tavora/recovery")) << "of the first file";
+    edit(*document, 0, 0.25);
+    document->save();
+    EXPECT_EQ(bytesOf(file_), before);
+    file_ = folder_ / "other.glb";
+    EXPECT_EQ(named(*open(), 0)["edgeCoverage"], 0.25);
+}
+
+TEST_F(Saving, RecentFilesAreTheLastTenEachOnce) {
+    EXPECT_TRUE(recentFiles().empty());
+    for (int i = 0; i < 12; ++i)
+        addRecentFile("/scenes/" + std::to_string(i) + ".glb");
+    addRecentFile("/scenes/deep/../7.glb");
+    addRecentFile(folder_ / "two\nlines.glb");
+    const std::vector<fs::path> files = recentFiles();
+    ASSERT_EQ(files.size(), 10U);
+    EXPECT_EQ(std::tie(files[0], files[1], files[9]),
+              std::tuple("/scenes/7.glb", "/scenes/11.glb", "/scenes/2.glb"));
+    putBytes(folder_ / "plain", "");
+    setSettingsFolder(folder_ / "plain");
+    addRecentFile("/scenes/a.glb");
+    EXPECT_TRUE(recentFiles().empty());
 }
 
 }  // namespace

@@ -57,9 +57,8 @@ class EditTest : public testing::Test {
     static Settings named(const Document& document, std::size_t surface) {
         return settingsOf(document.settings.at(surface)->block);
     }
-
-    static void set(Document& document, const ShaderChanges& changes, const char* what = "test") {
-        document.undo.push(settingsStep(document.settings, changes, what));
+    static void set(Document& document, const ShaderChanges& changes) {
+        document.undo.push(settingsStep(document.settings, changes, "test"));
     }
 
     /// What a panel does: writes into the record, and tells of it.

@@ -1,16 +1,17 @@
-#include <algorithm>
 #include <cmath>
 #include <csignal>
 #include <cstdlib>
 #include <functional>
 #include <gmock/gmock.h>
-#include <iostream>
 #include <random>
+#include <set>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include "studio/files/atomic_file.h"
+#include "studio/util/error.h"
 #include "tests/edit/edit_test.h"
+#include "tests/files/small_disk.h"
 
 namespace tavora::studio {
 namespace {
@@ -30,14 +31,13 @@ class RecoveredWork : public EditTest {
     }
 
     /// What lies in a folder, by suffix.
-    static std::vector<std::string> suffixes(const fs::path& folder) {
-        std::vector<std::string> all;
+    static std::multiset<std::string> suffixes(const fs::path& folder) {
+        std::multiset<std::string> all;
         for (const auto& entry : fs::directory_iterator(folder))
-            if (entry.is_regular_file()) all.push_back(entry.path().extension());
-        std::sort(all.begin(), all.end());
+            if (entry.is_regular_file()) all.insert(entry.path().extension());
         return all;
     }
-    std::vector<std::string> kept() const { return suffixes(state_); }
+    std::multiset<std::string> kept() const { return suffixes(state_); }
     fs::path keptFile() const {
         for (const auto& entry : fs::directory_iterator(state_))
             if (entry.path().extension() == ".json") return entry.path();
@@ -50,33 +50,26 @@ class RecoveredWork : public EditTest {
 /// Another process that works until it is killed, and says after each round that it goes on.
 struct Worker {
     explicit Worker(const std::function<void(int round)>& work) {
-        int ends[2] = {-1, -1};
         EXPECT_EQ(::pipe(ends), 0);
         process = ::fork();
-        if (process == 0) {
-            try {
-                for (int round = 1; round == 1 || ::write(ends[1], "x", 1) == 1; ++round)
-                    work(round);
-            } catch (const std::exception& error) {
-                std::cerr << error.what() << '\n';
-            }
-            ::_exit(1);
+        for (int round = 1; process == 0; ++round) {
+            work(round);
+            if (::write(ends[1], "x", 1) != 1) ::_exit(1);
         }
         ::close(ends[1]);
-        ready = ends[0];
     }
     void waitForRound() const {
         char byte = 0;
-        ASSERT_EQ(::read(ready, &byte, 1), 1) << "it failed by itself";
+        ASSERT_EQ(::read(ends[0], &byte, 1), 1) << "it failed by itself";
     }
     void kill() const {
         ::kill(process, SIGKILL);
         ::waitpid(process, nullptr, 0);
-        ::close(ready);
+        ::close(ends[0]);
     }
 
+    int ends[2] = {-1, -1};
     pid_t process = -1;
-    int ready = -1;
 };
 
 TEST_F(RecoveredWork, IsAllThatAKilledSessionSaidIsDoneAndNothingElseIsLeftOfIt) {
@@ -127,8 +120,7 @@ TEST_F(RecoveredWork, IsOfferedUntilItIsTakenSavedOrDiscarded) {
     {
         const auto first = open();
         const auto second = open();
-        ASSERT_TRUE(first->recovery.isOffered());
-        ASSERT_TRUE(second->recovery.isOffered());
+        ASSERT_TRUE(first->recovery.isOffered() && second->recovery.isOffered());
         first->recovery.takeOver();
         EXPECT_FALSE(first->recovery.isOffered());
         second->recovery.discard();
@@ -145,20 +137,12 @@ TEST_F(RecoveredWork, IsOfferedUntilItIsTakenSavedOrDiscarded) {
     EXPECT_EQ(named(*document, 0)["edgeCoverage"], 0.5);
     EXPECT_EQ(named(*document, 1)["edgeCoverage"], 0.7);
     EXPECT_THAT(kept(), ElementsAre(".json", ".lock"));
-    document->save();
-    EXPECT_THAT(kept(), IsEmpty()) << "what is saved needs no second copy";
-}
-
-TEST_F(RecoveredWork, OfADeadSessionGoesWhenItIsSavedAlready) {
-    const auto document = open();
-    edit(*document, 0, 0.4);
-    document->save();
-    edit(*document, 0, 0.5);
-    set(*document, {{1, std::nullopt}});
-    document->recovery.write();
     const fs::path file = keptFile();
+    set(*document, {{2, std::nullopt}});
+    document->recovery.write();
     const std::string work = bytesOf(file);
     document->save();
+    EXPECT_THAT(kept(), IsEmpty()) << "what is saved needs no second copy";
     putBytes(file, work);  // as if it had died before it could remove it
     putBytes(file.string() + ".lock", "");
     putBytes(state_ / "another-2.json.lock", "");
@@ -168,27 +152,35 @@ TEST_F(RecoveredWork, OfADeadSessionGoesWhenItIsSavedAlready) {
     edit(*document, 0, 0.6);
     document->save();
     EXPECT_TRUE(open()->recovery.isOffered()) << "the scene says something else";
+    writeScene({"Other"});
+    EXPECT_TRUE(open()->recovery.isOffered()) << "also where all of its surfaces are gone";
 }
 
-TEST_F(RecoveredWork, FilesOfLivingSessionsAreLeftAlone) {
+TEST_F(RecoveredWork, GoesNotBeforeTheFileThatTakesItsPlaceIsWhole) {
+    abandon([](Document& document) { edit(document, 0, 0.5); });
+    for (int session = 0; session < 2; ++session) {
+        const auto document = open();
+        if (session == 0) edit(*document, 3, 0.7);
+        if (session == 0) document->recovery.write();
+        document->recovery.takeOver();
+        EXPECT_EQ(named(*document, 0)["edgeCoverage"], 0.5);
+        EXPECT_EQ(named(*document, 3)["edgeCoverage"], 0.7);
+    }
+}
+
+TEST_F(RecoveredWork, IsWrittenOnceForOneChangeAndLeavesLivingSessionsAlone) {
     AtomicFile unfinished(folder_ / "other.glb");
-    fs::create_directories(state_);
-    AtomicFile work(state_ / "work.txt");
-    const auto living = open();
-    edit(*living, 0, 0.5);
-    living->recovery.write();
-    EXPECT_FALSE(open()->recovery.isOffered());
-    unfinished.commit();
-    work.commit();
-    EXPECT_THAT(kept(), ElementsAre(".json", ".lock", ".txt"));
-}
-
-TEST_F(RecoveredWork, IsWrittenOnceForOneChange) {
     const auto document = open();
     document->recovery.write();
     EXPECT_FALSE(exists(state_));
     edit(*document, 0, 0.5);
+    {
+        const SmallDisk full(64);
+        EXPECT_THROW(document->recovery.write(), Error);
+    }
     document->recovery.write();
+    EXPECT_FALSE(open()->recovery.isOffered());
+    unfinished.commit();
     fs::remove(keptFile());
     document->recovery.write();
     EXPECT_THAT(kept(), ElementsAre(".lock"));

@@ -16,151 +16,107 @@ namespace {
 namespace fs = std::filesystem;
 using Names = std::set<std::string>;
 
-std::string messageOf(const fs::path& target) {
-    try {
-        AtomicFile file(target);
-    } catch (const Error& error) {
-        return error.what();
+class AtomicFiles : public ::testing::Test {
+  protected:
+    /// Whether a file there is refused for that reason.
+    static bool isRefused(const fs::path& target, const char* why) {
+        try {
+            AtomicFile file(target);
+        } catch (const Error& error) {
+            return std::string(error.what()).find(why) != std::string::npos;
+        }
+        return false;
     }
-    return {};
-}
+    unsigned permissionsOf(const std::string& name) const {
+        struct stat status {};
+        ::stat((folder_ / name).c_str(), &status);
+        return status.st_mode & 0777U;
+    }
+    fs::path put(const std::string& name, const std::string& bytes) const {
+        putBytes(folder_ / name, bytes);
+        return folder_ / name;
+    }
 
-unsigned permissionsOf(const fs::path& file) {
-    struct stat status {};
-    ::stat(file.c_str(), &status);
-    return status.st_mode & 0777U;
-}
+    const TemporaryFolder folder_;
+};
 
-TEST(AtomicFile, AppearsOnlyAtCommitAndLeavesNothingWithout) {
-    const TemporaryFolder folder;
-    putBytes(folder / "a.txt", "old");
-    const auto throwing = [](int descriptor) {
-        std::string written(3, ' ');
-        EXPECT_EQ(::pread(descriptor, written.data(), written.size(), 0), 3);
-        EXPECT_EQ(written, "new");
-        throw Error(Fault::Output, "no good");
-    };
+TEST_F(AtomicFiles, AppearOnlyAtCommitAndLeaveNothingWithout) {
+    const fs::path old = put("a.txt", "old");
     {
-        AtomicFile file(folder / "a.txt");
+        AtomicFile file(old);
         file.write("new", 3);
-        EXPECT_EQ(file.temporaryPath().parent_path(), folder.path());
-        EXPECT_TRUE(fs::exists(file.temporaryPath()));
-        EXPECT_THROW(file.commit(throwing), Error);
+        EXPECT_EQ(file.temporaryPath().parent_path(), folder_.path());
+        EXPECT_THROW(file.commit([](int) { throw Error(Fault::Output, "no good"); }), Error);
+        const SmallDisk disk(4096);
+        const std::string large(10000, 'x');
+        EXPECT_THROW(file.write(large.data(), large.size()), Error);
+        EXPECT_THROW(file.commit(), Error) << "it failed for good";
+        EXPECT_THROW(writeWholeFile(folder_ / "b.txt", large), Error);
     }
-    AtomicFile(folder / "a.txt").write("new", 3);
-    EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
-    EXPECT_EQ(folder.names(), Names{"a.txt"});
-    AtomicFile file(folder / "a.txt");
-    file.write("new", 3);
-    file.commit();
-    EXPECT_EQ(bytesOf(folder / "a.txt"), "new");
+    EXPECT_EQ(bytesOf(old), "old");
+    EXPECT_EQ(folder_.names(), Names{"a.txt"});
     const std::string longest(255, 'x');
-    writeWholeFile(folder / longest, "x");
-    EXPECT_EQ(folder.names(), (Names{"a.txt", longest}));
+    writeWholeFile(folder_ / longest, "x");
+    EXPECT_EQ(folder_.names(), (Names{"a.txt", longest}));
 }
 
-TEST(AtomicFile, OthersInTheFolderTakeNothingThatIsHeld) {
-    const TemporaryFolder folder;
-    AtomicFile slow(folder / "a.txt");
+TEST_F(AtomicFiles, OthersInTheFolderTakeNothingThatIsHeld) {
+    AtomicFile slow(folder_ / "a.txt");
     slow.write("slow", 4);
     // As a killed process leaves it, and as another machine may still hold it.
     const std::string name = slow.temporaryPath().filename();
-    const std::string abandoned = name.substr(0, name.size() - 5) + "x.tmp";
+    put(name.substr(0, name.size() - 5) + "x.tmp", "left");
     const std::string elsewhere = ".tavora-nowhere0-0123456789abcdef.tmp";
-    putBytes(folder / abandoned, "left");
-    putBytes(folder / elsewhere, "held");
-    writeWholeFile(folder / "a.txt", "fast");
-    EXPECT_EQ(folder.names(), (Names{"a.txt", name, elsewhere}));
+    put(elsewhere, "held");
+    writeWholeFile(folder_ / "a.txt", "fast");
+    EXPECT_EQ(folder_.names(), (Names{"a.txt", name, elsewhere}));
     slow.commit();
-    EXPECT_EQ(bytesOf(folder / "a.txt"), "slow");
+    EXPECT_EQ(bytesOf(folder_ / "a.txt"), "slow");
 }
 
-TEST(AtomicFile, PermissionsComeFromTheOldFileOrTheMask) {
-    const TemporaryFolder folder;
+TEST_F(AtomicFiles, TakePermissionsAndPlaceOfTheFileThatIsMeant) {
     const mode_t mask = ::umask(027);
-    putBytes(folder / "old.txt", "");
-    ::chmod((folder / "old.txt").c_str(), 0606);
-    writeWholeFile(folder / "old.txt", "x");
-    writeWholeFile(folder / "new.txt", "x");
+    ::chmod(put("old.txt", "").c_str(), 0606);
+    fs::create_symlink("old.txt", folder_ / "link");
+    fs::create_symlink("new.txt", folder_ / "dangling");
+    writeWholeFile(folder_ / "link", "x");
+    writeWholeFile(folder_ / "dangling", "made");
     ::umask(mask);
-    EXPECT_EQ(permissionsOf(folder / "old.txt"), 0606U);
-    EXPECT_EQ(permissionsOf(folder / "new.txt"), 0640U);
+    EXPECT_EQ(permissionsOf("old.txt"), 0606U);
+    EXPECT_EQ(permissionsOf("new.txt"), 0640U);
+    EXPECT_TRUE(fs::is_symlink(folder_ / "link"));
+    EXPECT_EQ(bytesOf(folder_ / "old.txt") + bytesOf(folder_ / "new.txt"), "xmade");
 }
 
-TEST(AtomicFile, FollowsLinksToTheFileTheyMean) {
-    const TemporaryFolder folder;
-    fs::create_directory(folder / "real");
-    putBytes(folder / "real/a.txt", "old");
-    fs::create_symlink("real/a.txt", folder / "link");
-    fs::create_symlink("real/b.txt", folder / "dangling");
-    fs::create_symlink("loop", folder / "loop");
-    writeWholeFile(folder / "link", "new");
-    writeWholeFile(folder / "dangling", "made");
-    EXPECT_TRUE(fs::is_symlink(folder / "link"));
-    EXPECT_EQ(bytesOf(folder / "real/a.txt"), "new");
-    EXPECT_EQ(bytesOf(folder / "real/b.txt"), "made");
-    EXPECT_NE(messageOf(folder / "loop").find("links"), std::string::npos);
-}
-
-TEST(AtomicFile, RefusesWhatIsNoPlainFile) {
-    const TemporaryFolder folder;
-    fs::create_directory(folder / "sub");
-    ::mkfifo((folder / "pipe").c_str(), 0600);
-    putBytes(folder / "file", "");
-    EXPECT_NE(messageOf(folder / "sub").find("name a file, not a folder"), std::string::npos);
-    EXPECT_NE(messageOf(folder / "sub/").find("name a file, not a folder"), std::string::npos);
-    EXPECT_NE(messageOf(folder / "pipe").find("device or pipe"), std::string::npos);
-    EXPECT_NE(messageOf("/dev/null").find("device or pipe"), std::string::npos);
-    EXPECT_NE(messageOf(folder / "none/a.txt").find("create the folder"), std::string::npos);
-    EXPECT_NE(messageOf(folder / "file/a.txt").find("name a folder"), std::string::npos);
-    EXPECT_NE(messageOf(folder / std::string(300, 'x')).find("shorter name"), std::string::npos);
-}
-
-TEST(AtomicFile, RefusesWithoutPermission) {
-    const TemporaryFolder folder;
-    fs::create_directory(folder / "closed");
-    putBytes(folder / "a.txt", "old");
-    ::chmod(folder.path().c_str(), 0777);
-    ::chmod((folder / "a.txt").c_str(), 0444);
-    ::chmod((folder / "closed").c_str(), 0555);
+TEST_F(AtomicFiles, AreRefusedWhereNoPlainFileCanBe) {
+    fs::create_directory(folder_ / "sub");
+    ::mkfifo((folder_ / "pipe").c_str(), 0600);
+    fs::create_symlink("loop", folder_ / "loop");
+    const fs::path old = put("a.txt", "");
+    EXPECT_TRUE(isRefused(folder_ / "sub/", "name a file, not a folder"));
+    EXPECT_TRUE(isRefused(folder_ / "pipe", "device or pipe"));
+    EXPECT_TRUE(isRefused("/dev/null", "device or pipe"));
+    EXPECT_TRUE(isRefused(folder_ / "loop", "links"));
+    EXPECT_TRUE(isRefused(folder_ / "a.txt/a.txt", "name a folder"));
+    EXPECT_TRUE(isRefused(folder_ / std::string(300, 'x'), "shorter name"));
+    EXPECT_THROW(readWholeFile(folder_ / "pipe", 100), std::system_error);
+    EXPECT_THROW(readWholeFile(folder_ / "sub", 100), std::system_error);
+    EXPECT_EQ(readWholeFile(put("b", "four"), 4), "four");
+    EXPECT_THROW(readWholeFile(folder_ / "b", 3), std::system_error);
+    ::chmod(folder_.path().c_str(), 0777);
+    ::chmod(old.c_str(), 0444);
+    ::chmod((folder_ / "sub").c_str(), 0555);
     const pid_t child = ::fork();
     if (child == 0) {
         constexpr uid_t kNobody = 65534;
         if (::geteuid() == 0 && ::setresuid(kNobody, kNobody, kNobody) != 0) ::_exit(1);
-        if (messageOf(folder / "a.txt").find("cannot be replaced") == std::string::npos) ::_exit(2);
-        ::_exit(messageOf(folder / "closed/b").find("may write to") == std::string::npos ? 3 : 0);
+        const bool refused =
+            isRefused(old, "cannot be replaced") && isRefused(folder_ / "sub/b", "may write to");
+        ::_exit(refused ? 0 : 2);
     }
     int status = 0;
     ::waitpid(child, &status, 0);
     EXPECT_EQ(status, 0);
-}
-
-TEST(AtomicFile, FullDiskLeavesTheOldFileAndFailsForGood) {
-    const TemporaryFolder folder;
-    putBytes(folder / "a.txt", "old");
-    const std::string large(10000, 'x');
-    {
-        const SmallDisk disk(4096);
-        AtomicFile file(folder / "a.txt");
-        EXPECT_THROW(file.write(large.data(), large.size()), Error);
-        EXPECT_THROW(file.write("x", 1), Error);
-        EXPECT_THROW(file.commit(), Error);
-        EXPECT_THROW(writeWholeFile(folder / "b.txt", large), Error);
-    }
-    EXPECT_EQ(bytesOf(folder / "a.txt"), "old");
-    EXPECT_EQ(folder.names(), Names{"a.txt"});
-}
-
-TEST(WholeFile, ReadsPlainFilesUpToALimit) {
-    const TemporaryFolder folder;
-    const std::string bytes("a\0b\n", 4);
-    writeWholeFile(folder / "a", bytes);
-    ::mkfifo((folder / "pipe").c_str(), 0600);
-    EXPECT_EQ(readWholeFile(folder / "a", 4), bytes);
-    EXPECT_THROW(readWholeFile(folder / "a", 3), std::system_error);
-    EXPECT_THROW(readWholeFile(folder.path(), 100), std::system_error);
-    EXPECT_THROW(readWholeFile(folder / "pipe", 100), std::system_error);
-    EXPECT_THROW(readWholeFile(folder / "none", 100), std::system_error);
 }
 
 }  // namespace

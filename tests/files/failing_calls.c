@@ -78,8 +78,7 @@ int open(const char* file, int flags, ...) {
     va_start(rest, flags);
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(rest, mode_t) : 0;
     va_end(rest);
-    const char* call = (flags & O_EXCL) != 0 ? "create" : "open";
-    if (fate(call, file) < 0) return -1;
+    if (fate((flags & O_EXCL) != 0 ? "create" : "open", file) < 0) return -1;
     return NEXT(open)(file, flags, mode);
 }
 
@@ -97,26 +96,21 @@ ssize_t pread(int descriptor, void* bytes, size_t size, off_t offset) {
     return got;
 }
 
-int fsync(int descriptor) {
-    return fateOfOpen("fsync", descriptor) < 0 ? -1 : NEXT(fsync)(descriptor);
-}
-
-int flock(int descriptor, int operation) {
-    return fateOfOpen("flock", descriptor) < 0 ? -1 : NEXT(flock)(descriptor, operation);
-}
-
-int fchmod(int descriptor, mode_t mode) {
-    return fateOfOpen("fchmod", descriptor) < 0 ? -1 : NEXT(fchmod)(descriptor, mode);
-}
+#define REPLACE(call, parameters, ...)                                           \
+    int call parameters {                                                        \
+        return fateOfOpen(#call, descriptor) < 0 ? -1 : NEXT(call)(__VA_ARGS__); \
+    }
+REPLACE(fsync, (int descriptor), descriptor)
+REPLACE(flock, (int descriptor, int operation), descriptor, operation)
+REPLACE(fchmod, (int descriptor, mode_t mode), descriptor, mode)
 
 // As on Linux: whatever closing says, the number is free afterwards.
 int close(int descriptor) {
     const int how = fateOfOpen("close", descriptor);
     const int error = errno;
     const int closed = NEXT(close)(descriptor);
-    if (how >= 0) return closed;
-    errno = error;
-    return -1;
+    if (how < 0) errno = error;
+    return how < 0 ? -1 : closed;
 }
 
 int rename(const char* from, const char* to) {

@@ -41,9 +41,8 @@ def start(command, folder, **settings):
     environment = os.environ | {"LD_PRELOAD": PRELOADED, "XDG_STATE_HOME": str(folder),
                                 "TAVORA_DEFAULTS": "/nowhere"}
     environment |= {f"FAILING_CALLS_{key}": str(value) for key, value in settings.items()}
-    return subprocess.run(command, cwd=folder, env=environment, timeout=100,
-                          stdout=subprocess.DEVNULL,
-                          stderr=subprocess.PIPE, text=True, check=False)
+    return subprocess.run(command, cwd=folder, env=environment, timeout=100, check=False, text=True,
+                          stdout=subprocess.DEVNULL, stderr=subprocess.PIPE)
 
 
 def contents(folder):
@@ -107,13 +106,11 @@ class Save:
         if killed:
             left = {name: text for name, text in left.items() if not name.endswith(".tmp")}
             start(self.command, folder)
-        lines = ended.stderr.count("\n")
         good = (ended.returncode == status and left in allowed and
-                lines == (0 if status == 0 or killed else 1) and
+                ended.stderr.count("\n") == (0 if status == 0 or killed else 1) and
                 ("nothing was written" not in ended.stderr or left == self.before) and
-                not list(folder.rglob("*.tmp")))
-        if killed and good:
-            good = all(contents(folder).get(name) == text for name, text in self.after.items())
+                not list(folder.rglob("*.tmp")) and
+                (not killed or contents(folder) | self.after == contents(folder)))
         found = sorted(contents(folder))
         shutil.rmtree(folder)
         if good:

@@ -12,48 +12,47 @@ namespace {
 
 using ::testing::ElementsAre;
 
-LayoutItem labelled(int x, int y, int label) {
-    return {LayoutKind::Labelled, {x, y}, label, {70, kRowHeight}, true, {}, {}};
+LayoutItem item(LayoutKind kind, int x, int y, QSize field, int label = 0, bool visible = true) {
+    return {kind, {x, y}, label, field, visible, {}, {}};
 }
 
-TEST(Layout, FieldsShareColumnsAndRows) {
-    std::vector<LayoutItem> items = {labelled(161, 121, 43), labelled(139, 150, 66),
-                                     labelled(310, 151, 105), labelled(374, 281, 60),
-                                     labelled(600, 121, 20)};
+LayoutItem labelled(int x, int y, int label, bool visible = true) {
+    return item(LayoutKind::Labelled, x, y, {70, kRowHeight}, label, visible);
+}
+
+TEST(Layout, FieldsShareColumnsAndRowsAndErasedOnesMoveNobody) {
+    std::vector<LayoutItem> items = {labelled(163, 121, 43),  labelled(139, 150, 66),
+                                     labelled(310, 154, 105), labelled(374, 281, 60),
+                                     labelled(600, 121, 20),  labelled(600, 119, 20, false)};
     layOut(items, QRect(135, 93, 400, 227));
     const int column = 135 + 8 + 66 + kLabelGap;
     EXPECT_EQ(items[0].fieldRect.left(), column);
     EXPECT_EQ(items[1].fieldRect.left(), column);
     EXPECT_EQ(items[0].labelRect.right() + 1 + kLabelGap, column);
     EXPECT_EQ(items[2].fieldRect.left(), items[3].fieldRect.left());
-    EXPECT_EQ(items[2].fieldRect.top(), 150);  // a pixel up, into the row
-    EXPECT_EQ(items[4].fieldRect.left(), 600 + 20 + kLabelGap);
-}
-
-TEST(Layout, ErasedControlsMoveNobody) {
-    std::vector<LayoutItem> items = {labelled(10, 100, 30), labelled(10, 99, 30)};
-    items[1].visible = false;
-    layOut(items);
-    EXPECT_EQ(items[0].fieldRect.top(), 100);
+    EXPECT_EQ(items[2].fieldRect.top(), 150);  // a little up, into the row
+    EXPECT_EQ(items[4].fieldRect.topLeft(), QPoint(600 + 20 + kLabelGap, 121));
 }
 
 TEST(Layout, AnAreaTakesThePatchBelowItOnlyWhereItCoversIt) {
-    const LayoutItem color{LayoutKind::ColorPatch, {290, 121}, 0, {150, 20}, true, {}, {}};
-    const LayoutItem over{LayoutKind::Area, {298, 122}, 0, kPatchSize, true, {}, {}};
-    LayoutItem beside = over;
-    beside.at = {340, 122};
-    std::vector<LayoutItem> items = {color, over, beside};
+    std::vector<LayoutItem> items = {item(LayoutKind::ColorPatch, 290, 121, {150, 20}),
+                                     item(LayoutKind::Area, 298, 122, kPatchSize),
+                                     item(LayoutKind::Area, 340, 122, kPatchSize),
+                                     item(LayoutKind::ColorPatch, 290, 221, {150, 20}, 0, false),
+                                     item(LayoutKind::Area, 298, 222, kPatchSize)};
     layOut(items);
     EXPECT_EQ(items[1].fieldRect, QRect(items[0].fieldRect.topLeft(), QSize(30, kRowHeight)));
     EXPECT_EQ(items[2].fieldRect.left(), 340);
+    EXPECT_EQ(items[4].fieldRect.left(), 298) << "nothing is seen below it";
 }
 
 TEST(Layout, TooWideNeighboursMakeRoom) {
-    std::vector<LayoutItem> items(2, {LayoutKind::Button, {237, 325}, 0, {96, 19}, true, {}, {}});
-    items[1].at.setX(327);
+    std::vector<LayoutItem> items = {labelled(10, 100, 40),
+                                     item(LayoutKind::Button, 110, 100, {96, 19})};
     layOut(items);
-    EXPECT_LT(items[0].fieldRect.right(), items[1].fieldRect.left());
-    EXPECT_EQ(items[1].fieldRect.left(), 327);
+    EXPECT_EQ(items[0].fieldRect.right() + 1, 110 - 6);
+    EXPECT_EQ(items[0].labelRect.right() + 1 + kLabelGap, items[0].fieldRect.left());
+    EXPECT_EQ(items[1].fieldRect.left(), 110);
 }
 
 TEST(FocusOrder, GoesThroughTheBoxBeforeWhatStandsBesideIt) {

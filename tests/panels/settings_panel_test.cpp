@@ -1,17 +1,14 @@
-// The settings panel as a whole: pages, colours, lights, OK and Cancel, keys.
+// The settings panel: its pages, lights, keys, and the gradient of zones.
 
-#include <QApplication>
-#include <QDialogButtonBox>
-#include <QHeaderView>
 #include <QLineEdit>
 #include <QPushButton>
-#include <QTabBar>
 #include <QTableView>
 #include <QTest>
-#include <QTimer>
+#include <cmath>
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include "studio/panels/canvas.h"
 #include "studio/panels/panel_dialog.h"
 #include "tests/panels/settings_rig.h"
 
@@ -19,11 +16,9 @@ namespace tavora::studio::testing {
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::FloatNear;
 using ::testing::IsEmpty;
-
-QPushButton& button(const QWidget& panel, QDialogButtonBox::StandardButton which) {
-    return *panel.findChild<QDialogButtonBox*>()->button(which);
-}
+using ::testing::Pointwise;
 
 std::vector<std::string> lights(const SettingsRig& rig) {
     return rig.settings()["lightList"].get<std::vector<std::string>>();
@@ -35,18 +30,13 @@ std::vector<std::string> misplaced(const QWidget& panel) {
     std::vector<std::string> all;
     std::vector<PanelControl*> seen;
     for (auto* control : panel.findChildren<PanelControl*>()) {
-        const bool area = control->layoutItem().kind == LayoutKind::Area;
-        if (control->isErased() || area) continue;
-        const std::string name = control->objectName().toStdString();
-        if (!control->field().parentWidget()->rect().contains(control->area()))
-            all.push_back(name + " sticks out");
-        for (const PanelControl* other : seen) {
-            if (other->area().intersects(control->area()))
-                all.push_back(name + " over " + other->objectName().toStdString());
-        }
+        if (control->isErased() || control->layoutItem().kind == LayoutKind::Area) continue;
         const auto* label = qobject_cast<QLabel*>(&control->field());
-        if (label != nullptr && label->width() < label->sizeHint().width())
-            all.push_back(name + " is cut");
+        bool good = control->field().parentWidget()->rect().contains(control->area()) &&
+                    (label == nullptr || label->width() >= label->sizeHint().width());
+        for (const PanelControl* other : seen)
+            good = good && !other->area().intersects(control->area());
+        if (!good) all.push_back(control->objectName().toStdString());
         seen.push_back(control);
     }
     return all;
@@ -68,75 +58,8 @@ TEST(SettingsPanel, EveryPageIsLaidOutWithoutOverlapsAndExplained) {
             EXPECT_THAT(misplaced(panel), IsEmpty()) << pages;
         }
         EXPECT_FALSE(selectTab(panel, 6));
-        // A swatch lies exactly over the patch that it opens the picker for.
-        selectTab(panel, 3);
-        EXPECT_EQ(find(panel, "area.4").geometry().topLeft(), find(panel, "rgb.4").pos());
-        EXPECT_EQ(find(panel, "area.4").width(), 30);
-        const int column = find(panel, "Center.percent").x();
-        EXPECT_EQ(find(panel, "Top Opacity.percent").x(), column);
-        EXPECT_EQ(find(panel, "Size.percent").x(), column);
     });
     EXPECT_EQ(pages, 6);
-}
-
-TEST(SettingsPanel, OkKeepsAndCancelRestores) {
-    SettingsRig rig;
-    rig.apply(
-        R"({"edgeEnable": true, "highlightSize": 0.123456, "inkoverColor": [0.2, 0.4, 0.6]})");
-    const Settings before = rig.settings();
-    EXPECT_FALSE(rig.open([&](QWidget& panel) {
-        selectPage(panel, 2);
-        type(panel, "Coverage.percent", "44.25");
-        EXPECT_FLOAT_EQ(rig.settings()["edgeCoverage"].get<float>(), 0.4425F);
-        click(button(panel, QDialogButtonBox::Cancel));
-    }));
-    EXPECT_EQ(rig.settings(), before);
-    EXPECT_TRUE(rig.open([&](QWidget& panel) {
-        EXPECT_EQ(find<QTabBar>(panel, "tab").currentIndex(), 0);
-        selectPage(panel, 2);
-        auto& coverage = find(panel, "Coverage.percent");
-        click(coverage);
-        QTest::keyClicks(&coverage, "250");
-        // Not yet entered; OK takes it, within the range.
-        button(panel, QDialogButtonBox::Ok).click();
-    }));
-    EXPECT_EQ(rig.settings()["edgeCoverage"].get<float>(), 1);
-    // What the module reads back from fields that show less than they hold.
-    EXPECT_NEAR(rig.settings()["highlightSize"].get<double>(), 0.123456, 1e-7);
-    rig.open([&](QWidget& panel) { EXPECT_EQ(find<QTabBar>(panel, "tab").currentIndex(), 2); });
-}
-
-TEST(SettingsPanel, ColorsComeFromNumbersAndThePicker) {
-    SettingsRig rig;
-    rig.apply(R"({"highlightEnable": "On", "highlightColor": "#000000"})");
-    const auto red = [&] { return rig.settings()["highlightColor"][0].get<float>(); };
-    rig.open([&](QWidget& panel) {
-        selectPage(panel, 1);
-        const auto channels = find(panel, "rgb").findChildren<QLineEdit*>();
-        click(*channels[0]);
-        QTest::keyClicks(channels[0], "128");
-        QTest::keyClick(channels[0], Qt::Key_Tab);
-        EXPECT_EQ(red(), 128 / 255.0F);
-        whenPicking([](QColorDialog& dialog) {
-            EXPECT_EQ(dialog.windowTitle(), "CelSpec Colour");
-            EXPECT_EQ(dialog.currentColor(), QColor(128, 0, 0));
-            dialog.setCurrentColor(QColor(64, 32, 16));
-            dialog.reject();
-        });
-        click(find(panel, "area"));
-        EXPECT_EQ(red(), 128 / 255.0F);
-        whenPicking([](QColorDialog& dialog) {
-            dialog.setCurrentColor(QColor(64, 32, 16));
-            dialog.accept();
-        });
-        QTest::keyClick(&find(panel, "area"), Qt::Key_Space);
-        EXPECT_EQ(channels[1]->text(), "32");
-        const QImage picture = panel.grab().toImage();
-        EXPECT_EQ(picture.pixelColor(find(panel, "area").geometry().center()), QColor(64, 32, 16));
-        QTest::keyClick(&find(panel, "popup"), Qt::Key_Up);
-        EXPECT_EQ(shown(panel, "area"), Shown::Absent);
-        EXPECT_EQ(shown(panel, "rgb"), Shown::Ghosted);
-    });
 }
 
 TEST(SettingsPanel, LightsAreToggledByMouseAndKeys) {
@@ -144,31 +67,32 @@ TEST(SettingsPanel, LightsAreToggledByMouseAndKeys) {
     rig.apply(R"({"useAllLights": false, "lightList": []})");
     rig.open([&](QWidget& panel) {
         auto& list = *find(panel, "Lights.list").findChild<QTableView*>();
-        const auto clickRow = [&](int row) {
-            const QPoint place = list.visualRect(list.model()->index(row, 1)).center();
-            QTest::mouseClick(list.viewport(), Qt::LeftButton, {}, place);
+        const auto at = [&](int row) {
+            return list.visualRect(list.model()->index(row, 1)).center();
         };
-        const auto marked = [&](int row) {
-            return list.model()->index(row, 0).data(Qt::UserRole).toBool();
+        const auto clickRow = [&](int row, Qt::MouseButton button = Qt::LeftButton) {
+            QTest::mouseClick(list.viewport(), button, {}, at(row));
+        };
+        const auto marks = [&] {
+            std::string all;
+            for (int row = 0; row < 4; ++row)
+                all += list.model()->index(row, 0).data(Qt::UserRole).toBool() ? 'x' : '.';
+            return all;
         };
         EXPECT_EQ(list.model()->headerData(1, Qt::Horizontal).toString(), "Light");
         clickRow(2);
         clickRow(1);
         EXPECT_THAT(lights(rig), ElementsAre("Fill", "Key"));
-        EXPECT_TRUE(marked(1) && marked(2) && !marked(0) && !marked(3));
-        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {},
-                           list.visualRect(list.model()->index(1, 1)).center());
-        EXPECT_THAT(lights(rig), ElementsAre("Fill"));
-        const QPoint key = list.visualRect(list.model()->index(1, 1)).center();
-        QTest::mouseClick(list.viewport(), Qt::RightButton, {}, key);
-        QTest::mouseDClick(list.viewport(), Qt::RightButton, {}, key);
+        EXPECT_EQ(marks(), ".xx.");
+        QTest::mouseDClick(list.viewport(), Qt::LeftButton, {}, at(1));
+        clickRow(1, Qt::RightButton);
+        QTest::mouseDClick(list.viewport(), Qt::RightButton, {}, at(1));
         EXPECT_THAT(lights(rig), ElementsAre("Fill"));
         QTest::keyClick(&list, Qt::Key_Up);
         QTest::keyClick(&list, Qt::Key_Space);
         EXPECT_THAT(lights(rig), ElementsAre("Fill", "Ambient"));
         click(find(panel, "All.button"));
-        EXPECT_THAT(lights(rig), ElementsAre("Key", "Fill", "Rim"));
-        EXPECT_TRUE(marked(3) && !marked(0));
+        EXPECT_EQ(marks(), ".xxx");
         QTest::mouseClick(&find(panel, "Use All Lights.check"), Qt::LeftButton, {}, {8, 10});
         EXPECT_EQ(shown(panel, "Lights.list"), Shown::Ghosted);
         clickRow(1);
@@ -177,61 +101,36 @@ TEST(SettingsPanel, LightsAreToggledByMouseAndKeys) {
     });
 }
 
-TEST(SettingsPanel, AboutOpensOverItAndCloses) {
-    SettingsRig rig;
-    int closed = 0;
-    rig.whenClosed = [&] { ++closed; };
-    rig.open([&](QWidget& panel) {
-        for (int times = 1; times <= 2; ++times) {
-            QTimer::singleShot(0, &panel, [] {
-                QWidget* about = QApplication::activeModalWidget();
-                ASSERT_NE(about, nullptr);
-                EXPECT_EQ(about->windowTitle(), "About");
-                EXPECT_EQ(about->findChildren<QLabel*>().size(), 3);
-                QTest::keyClick(about, Qt::Key_Return);
-            });
-            click(find(panel, "About.button"));
-            EXPECT_EQ(closed, times);
-            EXPECT_TRUE(panel.isVisible());
-        }
-    });
-    EXPECT_EQ(rig.updates, 0);
-}
-
-TEST(SettingsPanel, ClosingEverythingEndsNestedDialogs) {
-    SettingsRig rig;
-    EXPECT_FALSE(rig.open([&](QWidget& panel) {
-        QTimer::singleShot(0, &panel, [&] {
-            QApplication::activeModalWidget()->close();
-            whenPicking([&](QColorDialog& dialog) {
-                panel.close();
-                dialog.reject();
-            });
-            clickAt(find(panel, "area.6"), 5);
-        });
-        click(find(panel, "About.button"));
-    }));
-}
-
 void press(QWidget& panel, std::initializer_list<Qt::Key> keys) {
     for (const Qt::Key key : keys)
         QTest::keyClick(panel.focusWidget() != nullptr ? panel.focusWidget() : &panel, key);
 }
 
-TEST(SettingsPanel, TheKeyboardAloneSuffices) {
+TEST(SettingsPanel, TheKeyboardAloneSufficesAndMeetsEveryUsableControlOnce) {
     SettingsRig rig;
     rig.apply(R"({"edgeEnable": true, "edgeCoverage": 0.5})");
+    EXPECT_FALSE(rig.open([&](QWidget& panel) {
+        std::vector<QWidget*> met;
+        for (QWidget* first = panel.focusWidget(); met.empty() || panel.focusWidget() != first;) {
+            met.push_back(panel.focusWidget());
+            press(panel, {Qt::Key_Tab});
+            ASSERT_LT(met.size(), 100U);
+        }
+        for (const char* name : {"About.button", "area.6", "area.7", "Position.percent",
+                                 "Shift.drag", "Use All Lights.check", "Set as Default.button"})
+            EXPECT_EQ(std::ranges::count(met, &find(panel, name)), 1) << name;
+        press(panel, {Qt::Key_Escape});
+    }));
     EXPECT_TRUE(rig.open([&](QWidget& panel) {
         EXPECT_EQ(panel.focusWidget()->objectName(), "tab");
         press(panel, {Qt::Key_Right, Qt::Key_Right, Qt::Key_Tab});
         EXPECT_EQ(panel.focusWidget()->objectName(), "Coverage.percent");
         press(panel, {Qt::Key_PageUp, Qt::Key_Up, Qt::Key_Down, Qt::Key_Down, Qt::Key_Tab});
         EXPECT_EQ(panel.focusWidget()->objectName(), "Sharpness.percent");
-        press(panel, {Qt::Key_Tab});
-        EXPECT_EQ(panel.focusWidget()->objectName(), "area.3");
-        press(panel, {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Tab, Qt::Key_Space});
+        for (int times = 0; times < 5; ++times)
+            press(panel, {Qt::Key_Tab});
+        press(panel, {Qt::Key_Space, Qt::Key_Backtab});
         EXPECT_EQ(rig.settings()["edgeEnable"], false);
-        press(panel, {Qt::Key_Backtab});
         // Enter enters what was typed; the next one is OK.
         press(panel, {Qt::Key_Tab, Qt::Key_Tab, Qt::Key_6, Qt::Key_0, Qt::Key_Return});
         EXPECT_FLOAT_EQ(rig.settings()["forceColor"].get<float>(), 0.6F);
@@ -240,22 +139,115 @@ TEST(SettingsPanel, TheKeyboardAloneSuffices) {
         EXPECT_FALSE(panel.isVisible());
     }));
     EXPECT_FLOAT_EQ(rig.settings()["edgeCoverage"].get<float>(), 0.59F);
-    EXPECT_FALSE(rig.open([](QWidget& panel) { press(panel, {Qt::Key_Escape}); }));
 }
 
-TEST(SettingsPanel, ATabWalkMeetsEveryUsableControlOnce) {
+enum Mode { Add, Blend, Edit, Delete };
+
+void choose(const QWidget& panel, Mode mode) {
+    click(*find(panel, "choice").findChildren<QPushButton*>().at(mode));
+}
+
+std::vector<float> positions(const SettingsRig& rig) {
+    std::vector<float> all;
+    const Settings settings = rig.settings();
+    for (const auto& zone : settings["zoneList"])
+        all.push_back(zone["position"].get<float>());
+    return all;
+}
+
+/// The marks under the gradient, from the left.
+QString marks(const QWidget& panel) {
+    auto texts = panel.findChild<PanelCanvas*>()->drawing().texts();
+    std::ranges::stable_sort(texts, {}, [](const auto& mark) { return mark.rect.left(); });
+    QString all;
+    for (const auto& mark : texts)
+        all += mark.text;
+    return all;
+}
+
+TEST(ZoneEditing, DragsMoveZonesAndComeBack) {
     SettingsRig rig;
+    const auto start = positions(rig);
     rig.open([&](QWidget& panel) {
-        std::vector<QWidget*> met;
-        QWidget* first = panel.focusWidget();
-        do {
-            met.push_back(panel.focusWidget());
-            press(panel, {Qt::Key_Tab});
-        } while (panel.focusWidget() != first && met.size() < 100);
-        for (const char* name : {"About.button", "area.6", "area.7", "Position.percent",
-                                 "Shift.drag", "Use All Lights.check", "Set as Default.button"}) {
-            EXPECT_EQ(std::ranges::count(met, &find(panel, name)), 1) << name;
+        // Two pixels a step of 0.001; no press moves anything by itself.
+        for (const char* button : {"Shift.drag", "Scale.drag"}) {
+            drag(find(panel, button), 0);
+            EXPECT_EQ(positions(rig), start) << button;
         }
+        rig.updates = 0;
+        for (int times = 0; times < 2; ++times)
+            drag(find(panel, "Shift.drag"), 40);
+        EXPECT_EQ(rig.updates, 16) << "shown at every move";
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), {0.0F, 0.29F, 0.54F, 0.79F, 1.0F}));
+        drag(find(panel, "Shift.drag"), -80);
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        drag(find(panel, "Scale.drag"), -16);
+        EXPECT_NEAR(positions(rig)[2], 0.5 * std::pow(0.998, 8), 1e-5);
+        click(find(panel, "Spread.button"));
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        auto& shift = find(panel, "Shift.drag");
+        QTest::mousePress(&shift, Qt::LeftButton, {}, {20, 9});
+        QTest::mouseMove(&shift, {40, 9});
+        QTest::keyClick(&shift, Qt::Key_Escape);
+        EXPECT_THAT(positions(rig), Pointwise(FloatNear(1e-5F), start));
+        QTest::keyClick(&shift, Qt::Key_Right);
+        QTest::keyClick(&shift, Qt::Key_PageUp);
+        EXPECT_NEAR(positions(rig)[1], 0.261, 1e-5);
+        QTest::keyClick(&shift, Qt::Key_Left);
+        EXPECT_NEAR(positions(rig)[1], 0.26, 1e-5);
+    });
+}
+
+TEST(ZoneEditing, MarkersAreTakenByHandAndByKeys) {
+    SettingsRig rig;
+    const auto start = positions(rig);
+    rig.open([&](QWidget& panel) {
+        auto& markers = find(panel, "area.7");
+        const auto key = [&](Qt::Key pressed) { QTest::keyClick(&markers, pressed); };
+        EXPECT_EQ(marks(panel), "^|||| ");
+        whenPicking(
+            [](QColorDialog& dialog) { dialog.setCurrentColor(Qt::green), dialog.accept(); });
+        clickAt(find(panel, "area.6"), 160);
+        EXPECT_EQ(panel.grab().toImage().pixelColor(300, 18), QColor(Qt::green));
+        choose(panel, Blend);
+        clickAt(markers, 234);
+        EXPECT_EQ(marks(panel), "|||^'| ");
+        EXPECT_EQ(find<QLineEdit>(panel, "Position.percent").text(), "60");
+        choose(panel, Delete);
+        clickAt(markers, 234);
+        choose(panel, Edit);
+        // Pressed a little to its left, the marker itself is meant, not the zone below.
+        QTest::mousePress(&markers, Qt::LeftButton, {}, QPoint(195 - 3, 6));
+        EXPECT_EQ(selectedZone(panel), 2);
+        EXPECT_EQ(positions(rig), start) << "a press moves nothing";
+        QTest::mouseMove(&markers, QPoint(195 - 3 + 39, 6));
+        EXPECT_NEAR(positions(rig)[2], 0.6, 2e-3);
+        QTest::mouseMove(&markers, QPoint(395, 6));
+        EXPECT_EQ(positions(rig)[2], 0.75F) << "it stops at its neighbour";
+        QTest::mouseRelease(&markers, Qt::LeftButton, {}, QPoint(395, 6));
+        key(Qt::Key_Left);
+        EXPECT_NEAR(positions(rig)[2], 0.74, 2e-3) << "from where it is, not where the mouse was";
+        key(Qt::Key_Down);
+        EXPECT_EQ(selectedZone(panel), 1);
+        QTest::keyClick(&markers, Qt::Key_Right, Qt::ControlModifier);
+        EXPECT_NEAR(positions(rig)[1], 0.35, 2e-3);
+        key(Qt::Key_Delete);
+        EXPECT_EQ(positions(rig).size(), 4U);
+        EXPECT_TRUE(find(panel, "choice").findChildren<QPushButton*>().at(Edit)->isChecked());
+        key(Qt::Key_Home);
+        key(Qt::Key_Delete);
+        key(Qt::Key_Right);
+        EXPECT_EQ(positions(rig).size(), 4U) << "the first zone stays, and stays where it is";
+        EXPECT_EQ(positions(rig)[0], 0);
+        selectPage(panel, 2);
+        clickAt(markers, 20);
+        EXPECT_EQ(positions(rig).size(), 4U) << "on its own page alone";
+        selectPage(panel, 0);
+        choose(panel, Add);
+        key(Qt::Key_Space);
+        EXPECT_NEAR(positions(rig)[1], positions(rig)[2] / 2, 4e-3) << "half way to the next";
+        drag(markers, 60);
+        EXPECT_EQ(positions(rig).size(), 6U) << "a press counts once, however the mouse moves";
     });
 }
 

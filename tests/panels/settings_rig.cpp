@@ -2,6 +2,7 @@
 
 #include <QApplication>
 #include <QDialog>
+#include <QMouseEvent>
 #include <QTabBar>
 #include <QTest>
 #include <QTimer>
@@ -12,32 +13,19 @@
 #include "studio/services/registry.h"
 
 namespace tavora::studio::testing {
-namespace {
-
-Scene bareScene() {
-    Scene scene;
-    scene.surfaces.resize(1);
-    return scene;
-}
-
-LightRig rigOf(const std::vector<std::string>& names) {
-    LightRig rig;
-    for (const std::string& name : names) {
+SettingsRig::SettingsRig() {
+    scene_.surfaces.resize(1);
+    for (const char* name : {"Key", "Fill", "Rim"}) {
         auto light = std::make_unique<Light>();
         light->name = name;
-        rig.own.push_back(std::move(light));
-        rig.lights.push_back({rig.own.back().get(), Imath::V3d(1, 1, 1), 1});
+        lights_.lights.push_back({light.get(), Imath::V3d(1), 1});
+        lights_.own.push_back(std::move(light));
     }
-    return rig;
-}
-
-}  // namespace
-
-SettingsRig::SettingsRig(std::vector<std::string> lights)
-    : scene_(bareScene()), lights_(rigOf(lights)), index_(scene_), binding_(index_, lights_) {
+    index_ = std::make_unique<SceneIndex>(scene_);
+    binding_ = std::make_unique<ServiceBinding>(*index_, lights_);
     setMessageSink([](MessageKind, const std::string&) {});
     module_ = std::make_unique<ModuleCopy>(TAVORA_MODULE, findServiceOrWindow);
-    shader_ = std::make_unique<Shader>(*module_, index_.surfaceId(0));
+    shader_ = std::make_unique<Shader>(*module_, index_->surfaceId(0));
     setInstanceListener([this](const char*, HostInstance) { ++updates; });
 }
 
@@ -53,10 +41,10 @@ void SettingsRig::openOptions() {
 
 bool SettingsRig::open(const std::function<void(QWidget& panel)>& user) {
     bool confirmed = false;
+    bool begun = false;
     std::exception_ptr failed;
     std::unique_ptr<Panels> panels;
     PanelHooks hooks;
-    bool begun = false;
     hooks.opened = [&](QWidget& panel) {
         if (std::exchange(begun, true)) return;  // a panel on top
         QTimer::singleShot(0, &panel, [&] {
@@ -71,7 +59,6 @@ bool SettingsRig::open(const std::function<void(QWidget& panel)>& user) {
     };
     hooks.closed = [&](QWidget& panel) {
         confirmed = static_cast<QDialog&>(panel).result() == QDialog::Accepted;
-        if (whenClosed) whenClosed();
     };
     panels = std::make_unique<Panels>(nullptr, hooks);
     openOptions();
@@ -113,13 +100,17 @@ void type(const QWidget& panel, const char* field, const char* text) {
     QTest::keyClick(&widget, Qt::Key_Return);
 }
 
-void drag(QWidget& widget, int distance) {
+void drag(QWidget& widget, int distance, Qt::KeyboardModifiers keys) {
     const QPoint start = widget.rect().center();
     constexpr int moves = 8;
-    QTest::mousePress(&widget, Qt::LeftButton, {}, start);
-    for (int move = 1; move <= moves; ++move)
-        QTest::mouseMove(&widget, start + QPoint(distance * move / moves, 0));
-    QTest::mouseRelease(&widget, Qt::LeftButton, {}, start + QPoint(distance, 0));
+    QTest::mousePress(&widget, Qt::LeftButton, keys, start);
+    for (int move = 1; move <= moves; ++move) {
+        const QPointF place = start + QPoint(distance * move / moves, 0);
+        QMouseEvent moved(QEvent::MouseMove, place, widget.mapToGlobal(place), Qt::NoButton,
+                          Qt::LeftButton, keys);
+        QApplication::sendEvent(&widget, &moved);
+    }
+    QTest::mouseRelease(&widget, Qt::LeftButton, keys, start + QPoint(distance, 0));
 }
 
 void selectPage(QWidget& panel, int page) {

@@ -8,18 +8,16 @@
 
 #include "studio/link/shader.h"
 #include "studio/panels/panels.h"
-#include "studio/scene/lighting/light_levels.h"
-#include "studio/scene/scene.h"
 #include "studio/scene/settings/settings.h"
 #include "studio/services/scene_index.h"
 #include "studio/services/service_binding.h"
 
 namespace tavora::studio::testing {
 
-/// The module with one record, a scene of three lights, and panel services.
+/// The module with one record, three lights "Key", "Fill", "Rim", and panel services.
 class SettingsRig {
   public:
-    explicit SettingsRig(std::vector<std::string> lights = {"Key", "Fill", "Rim"});
+    SettingsRig();
     ~SettingsRig();
 
     /// Opens the settings panel and runs `user` in it; closes it as by Cancel
@@ -32,16 +30,15 @@ class SettingsRig {
     /// Changes settings by name while no panel is open.
     void apply(const char* changesAsJson);
 
-    int updates = 0;                   ///< sent by the module
-    std::function<void()> whenClosed;  ///< called from the hook
+    int updates = 0;  ///< sent by the module
 
   private:
     void openOptions();
 
     Scene scene_;
     LightRig lights_;
-    SceneIndex index_;
-    ServiceBinding binding_;
+    std::unique_ptr<SceneIndex> index_;
+    std::unique_ptr<ServiceBinding> binding_;
     std::unique_ptr<ModuleCopy> module_;
     std::unique_ptr<Shader> shader_;
 };
@@ -63,7 +60,7 @@ void click(QWidget& widget);
 void clickAt(QWidget& widget, int x);
 void type(const QWidget& panel, const char* field, const char* text);
 /// Presses in the middle, moves by `distance` in steps, releases.
-void drag(QWidget& widget, int distance);
+void drag(QWidget& widget, int distance, Qt::KeyboardModifiers keys = {});
 void selectPage(QWidget& panel, int page);
 /// Once the colour picker is up.
 void whenPicking(std::function<void(QColorDialog& dialog)> user);

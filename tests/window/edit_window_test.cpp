@@ -19,43 +19,63 @@
 #include "studio/window/panel_place.h"
 #include "studio/window/window_memory.h"
 #include "tests/files/small_disk.h"
-#include "tests/panels/settings_rig.h"
 #include "tests/window/window_rig.h"
 
 namespace tavora::studio::testing {
 namespace {
 
 using ::testing::EndsWith;
+namespace fs = std::filesystem;
 
-constexpr const char* kMarkers = "area.7";
-
-/// A place in the picture that shows the surface, clear of its edges.
-QPoint placeOf(EditWindow& window, std::ptrdiff_t surface) {
-    auto& view = *window.findChild<PictureView*>("picture");
-    for (int y = 20; y < view.height(); y += 10) {
-        for (int x = 20; x < view.width(); x += 10) {
-            if (window.session()->picture().surfaceAt(x, y) == surface) return {x, y};
-        }
-    }
-    throw std::runtime_error("the surface is not in the picture");
+void confirm(QWidget& panel) {
+    QTest::keyClick(&panel, Qt::Key_Return);
+}
+void escape(QWidget& panel) {
+    QTest::keyClick(&panel, Qt::Key_Escape);
 }
 
-using EditWindowTest = WindowTest;
+class EditWindowTest : public WindowTest {
+  protected:
+    /// A place in the picture that shows the surface, clear of its edges.
+    QPoint placeOf(std::ptrdiff_t surface) {
+        for (int y = 20; y < view().height(); y += 10)
+            for (int x = 20; x < view().width(); x += 10)
+                if (window().session()->picture().surfaceAt(x, y) == surface) return {x, y};
+        throw std::runtime_error("the surface is not in the picture");
+    }
+    int undoAll() {
+        int steps = 0;
+        for (; document().undo.canUndo(); ++steps)
+            QTest::keyClick(&window(), Qt::Key_Z, Qt::ControlModifier);
+        return steps;
+    }
+    std::string status() { return window().statusBar()->currentMessage().toStdString(); }
+    /// A file for a look of these settings.
+    std::string look(const char* name, const std::string& settings) {
+        const fs::path file = folder_ / (std::string(name) + ".json");
+        putBytes(file, std::string(R"({"tavora": "look", "version": 1, "name": ")") + name +
+                           R"(", "description": "", "settings": )" + settings + "}");
+        return file;
+    }
+};
 
 TEST_F(EditWindowTest, AClickSelectsTheSurfaceThereAndADragTurnsTheView) {
     start();
     const QImage before = picture();
     for (const std::size_t surface : {1U, 0U}) {
         QTest::mouseClick(&view(), Qt::LeftButton, {},
-                          placeOf(window(), static_cast<std::ptrdiff_t>(surface)));
+                          placeOf(static_cast<std::ptrdiff_t>(surface)));
         EXPECT_EQ(surfaces().selection(), std::vector<std::size_t>{surface});
     }
     drag(view(), 60);
     EXPECT_EQ(surfaces().current(), 0) << "a drag selects nothing";
-    EXPECT_NE(picture(), before);
-    trigger("resetView");
+    const QImage turned = picture();
+    EXPECT_NE(turned, before);
+    action("resetView").trigger();
     EXPECT_EQ(picture(), before);
-    EXPECT_FALSE(document().settings.isModified()) << "the view is nobody's setting";
+    drag(view(), 60, Qt::ShiftModifier);
+    EXPECT_TRUE(picture() != turned && picture() != before) << "that moves it";
+    EXPECT_FALSE(isModified()) << "the view is nobody's setting";
 }
 
 TEST_F(EditWindowTest, ThePictureFollowsThePanelAndUndoWorksUnderIt) {
@@ -78,22 +98,48 @@ TEST_F(EditWindowTest, ThePictureFollowsThePanelAndUndoWorksUnderIt) {
     };
     const auto cancels = [&](QWidget& panel) {
         EXPECT_EQ(picture(), edited);
-        QTest::keyClick(&panel, Qt::Key_Escape);
+        auto& field = find(panel, "Saturation.percent");
+        click(field);
+        QTest::keyClicks(&field, "7");
+        QTest::keyClick(&field, Qt::Key_Z, Qt::ControlModifier);
+        EXPECT_TRUE(panel.isVisible()) << "what is typed is taken back first";
+        for (int times = 0; times < 2; ++times)
+            escape(field.hasFocus() ? field : panel);
     };
     inPanel({drags, redoes, cancels});
     EXPECT_EQ(state(), first) << "Cancel goes back to how the panel was met";
-    trigger("undo");
+    action("undo").trigger();
     EXPECT_NE(state(), first) << "and can be undone itself";
+    EXPECT_TRUE(action("redo").isEnabled());
+    action("redo").trigger();
+    EXPECT_FALSE(action("redo").isEnabled());
+}
+
+TEST_F(EditWindowTest, DragsKeysAndSpellsOfTheWheelAreStepsOfTheirOwn) {
+    start();
+    inPanel({[](QWidget& panel) {
+        auto& field = find(panel, "Saturation.percent");
+        drag(field, -40);
+        field.setFocus();
+        for (int times = 0; times < 2; ++times)
+            QTest::keyClick(&field, Qt::Key_Down);
+        QTest::qWait(650);  // a pause that ends what went before
+        for (int times = 0; times < 3; ++times) {
+            QWheelEvent turn({9, 9}, field.mapToGlobal(QPointF(9, 9)), {}, {0, -120}, Qt::NoButton,
+                             {}, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(&field, &turn);
+        }
+        confirm(panel);
+    }});
+    EXPECT_EQ(undoAll(), 4);
 }
 
 /// Two hundred things that a user can do in a panel.
 void editMuch(QWidget& panel) {
-    const char* modes[] = {"Add", "Blend", "Delete"};
+    const auto modes = find(panel, "choice").findChildren<QPushButton*>();
     for (int i = 0; i < 50; ++i) {
-        for (auto* button : find(panel, "choice").findChildren<QPushButton*>()) {
-            if (button->text() == modes[i % 3]) click(*button);
-        }
-        clickAt(find(panel, kMarkers), (i * 73) % 380 + 5);
+        click(*modes[i % 3 == 2 ? 3 : i % 3]);
+        clickAt(find(panel, "area.7"), (i * 73) % 380 + 5);
         QTest::keyClick(&find(panel, "Force Color.percent"),
                         i % 4 == 3 ? Qt::Key_Up : Qt::Key_Down);
         drag(find(panel, "Shift.drag"), i % 2 == 0 ? 9 : -7);
@@ -104,20 +150,16 @@ void editMuch(QWidget& panel) {
 TEST_F(EditWindowTest, ManyEditsAreUndoneToTheByteAndSoByOneCancel) {
     start();
     const auto first = state();
-    const auto confirm = [](QWidget& panel) { QTest::keyClick(&panel, Qt::Key_Return); };
     inPanel({editMuch, confirm});
     const auto last = state();
     ASSERT_NE(last, first);
-    int steps = 0;
-    for (; document().undo.canUndo(); ++steps)
-        QTest::keyClick(&window(), Qt::Key_Z, Qt::ControlModifier);
-    EXPECT_GE(steps, 150) << "gestures were joined that are none";
+    EXPECT_GE(undoAll(), 150) << "gestures were joined that are none";
     EXPECT_EQ(state(), first);
     while (document().undo.canRedo())
-        trigger("redo");
+        action("redo").trigger();
     EXPECT_EQ(state(), last);
 
-    trigger("save");
+    action("save").trigger();
     inPanel({editMuch});
     EXPECT_EQ(state(), last);
     const QImage edited = picture();
@@ -128,43 +170,29 @@ TEST_F(EditWindowTest, ManyEditsAreUndoneToTheByteAndSoByOneCancel) {
 
 TEST_F(EditWindowTest, EscEndsADragAndLeavesNothingToUndo) {
     // Values that no slider shows exactly.
-    const auto look = folder_ / "odd.json";
-    std::ofstream(look) << R"({"tavora": "look", "version": 1, "name": "odd", "description": "",
-        "settings": {"zones": [{"position": 0}, {"position": 0.4234567, "opacity": 0.7654321},
-                               {"position": 0.8111111}, {"position": 1}]}})";
-    request_.shading.looks = {{{}, look.string()}};
+    request_.shading.looks = {
+        {{}, look("odd", R"({"zones": [{"position": 0}, {"position": 0.4234567,
+            "opacity": 0.7654321}, {"position": 0.8111111}, {"position": 1}]})")}};
     start();
     const auto first = state();
-    const auto dragAndEscape = [&](QWidget& panel, const char* name) {
-        QWidget& control = find(panel, name);
-        QTest::mousePress(&control, Qt::LeftButton, {}, control.rect().center());
-        for (const int distance : {-9, -20, -31})
-            QTest::mouseMove(&control, control.rect().center() + QPoint(distance, 0));
-        EXPECT_NE(state(), first) << name;
-        QTest::keyClick(&control, Qt::Key_Escape);
-        QCoreApplication::sendPostedEvents();  // before the next step
-    };
-    const auto goesOn = [&](QWidget& panel) {
-        EXPECT_EQ(state(), first);
-        EXPECT_EQ(selectedZone(panel), 1);
-        EXPECT_FALSE(document().undo.canUndo() || document().undo.canRedo());
-    };
-    inPanel({[&](QWidget& panel) {
-                 selectZone(panel, 1);
-                 dragAndEscape(panel, "Opacity.percent");
-             },
-             [&](QWidget& panel) {
-                 goesOn(panel);
-                 dragAndEscape(panel, "Scale.drag");
-             },
-             [&](QWidget& panel) {
-                 goesOn(panel);
-                 dragAndEscape(panel, "Position.percent");
-             },
-             [&](QWidget& panel) {
-                 goesOn(panel);
-                 QTest::keyClick(&panel, Qt::Key_Escape);
-             }});
+    std::vector<std::function<void(QWidget&)>> steps{[](QWidget& panel) { selectZone(panel, 1); }};
+    for (const char* name : {"Opacity.percent", "Scale.drag", "Position.percent"}) {
+        steps.emplace_back([&, name](QWidget& panel) {
+            EXPECT_EQ(state(), first);
+            EXPECT_EQ(selectedZone(panel), 1);
+            EXPECT_FALSE(document().undo.canUndo() || document().undo.canRedo());
+            QWidget& control = find(panel, name);
+            QTest::mousePress(&control, Qt::LeftButton, {}, control.rect().center());
+            for (const int distance : {-9, -20, -31})
+                QTest::mouseMove(&control, control.rect().center() + QPoint(distance, 0));
+            EXPECT_NE(state(), first) << name;
+            escape(control);
+            QCoreApplication::sendPostedEvents();  // before the next step
+        });
+    }
+    steps.emplace_back(escape);
+    inPanel(steps);
+    EXPECT_EQ(state(), first);
     EXPECT_FALSE(document().undo.canUndo());
 }
 
@@ -176,50 +204,47 @@ TEST_F(EditWindowTest, ThePanelStaysWhereItIs) {
         bool eventFilter(QObject* watched, QEvent* event) override {
             const auto* widget = qobject_cast<QWidget*>(watched);
             const bool frame = widget != nullptr && widget->isWindow() &&
-                               widget->findChild<QWidget*>(kMarkers) != nullptr;
+                               widget->findChild<QWidget*>("area.7") != nullptr;
             if (frame && event->type() == QEvent::Move && widget->isVisible()) ++afterShowing;
             return false;
         }
     } moves;
     QPointer<QWidget> frame;
     QPoint place;
-    const auto undoes = [&](QWidget& panel) {
-        frame = panel.window();
-        frame->move(70, 50);
-        place = frame->pos();
-        moves.afterShowing = 0;
-        drag(find(panel, "Opacity.percent"), -40);
-        find(panel, "Saturation.percent").setFocus();
-        QTest::keyClick(&panel, Qt::Key_Z, Qt::ControlModifier);
-    };
-    const auto looks = [&](QWidget& panel) {
-        EXPECT_EQ(panel.window(), frame) << "the same window";
-        EXPECT_EQ(frame->pos(), place);
-        EXPECT_EQ(panel.focusWidget(), &find(panel, "Saturation.percent"));
-    };
     qApp->installEventFilter(&moves);
-    inPanel({undoes, looks});
+    inPanel({[&](QWidget& panel) {
+                 frame = panel.window();
+                 frame->move(70, 50);
+                 place = frame->pos();
+                 moves.afterShowing = 0;
+                 drag(find(panel, "Opacity.percent"), -40);
+                 find(panel, "Saturation.percent").setFocus();
+                 QTest::keyClick(&panel, Qt::Key_Z, Qt::ControlModifier);
+             },
+             [&](QWidget& panel) {
+                 EXPECT_EQ(panel.window(), frame) << "the same window";
+                 EXPECT_EQ(frame->pos(), place);
+                 EXPECT_EQ(panel.focusWidget(), &find(panel, "Saturation.percent"));
+             }});
     EXPECT_TRUE(frame == nullptr || !frame->isVisible());
     inPanel({[&](QWidget& panel) { EXPECT_EQ(panel.window()->pos(), place); }});
     EXPECT_EQ(moves.afterShowing, 0);
 }
 
 TEST(PanelPlace, KeepsClearOfTheSurfacesAndThenOfTheWindow) {
-    const QSize panel(547, 421);
-    const auto place = [&](QRect screen, QRect window) {
+    const auto coversWindow = [](QRect screen, QRect window) {
         const QRect side(window.right() - 250, window.top() + 60, 240, window.height() / 2);
+        const QSize panel(547, 421);
         const QRect shown(panelPlace(screen, window, side, panel), panel);
         EXPECT_TRUE(screen.contains(shown));
         EXPECT_FALSE(shown.intersects(side));
-        return shown;
+        return shown.intersects(window);
     };
-    const QRect window(60, 200, 1240, 680);
-    EXPECT_FALSE(place({0, 0, 1920, 1080}, window).intersects(window)) << "beside it";
-    const QRect right = window.translated(560, 0);
-    EXPECT_FALSE(place({0, 0, 1920, 1080}, right).intersects(right));
-    place({0, 0, 1024, 768}, {0, 0, 1024, 740});
-    place({0, 0, 800, 500}, {0, 0, 800, 500});
-    place({1920, 0, 1280, 720}, {1920, 0, 1280, 700});
+    EXPECT_FALSE(coversWindow({0, 0, 1920, 1080}, {60, 200, 1240, 680})) << "beside it";
+    EXPECT_FALSE(coversWindow({0, 0, 1920, 1080}, {620, 200, 1240, 680}));
+    coversWindow({0, 0, 1024, 768}, {0, 0, 1024, 740});
+    coversWindow({0, 0, 800, 500}, {0, 0, 800, 500});
+    coversWindow({1920, 0, 1280, 720}, {1920, 0, 1280, 700});
 }
 
 TEST_F(EditWindowTest, ThePanelOfASceneOpenedLaterHasItsLightsAndShowsTheKeys) {
@@ -231,8 +256,7 @@ TEST_F(EditWindowTest, ThePanelOfASceneOpenedLaterHasItsLightsAndShowsTheKeys) {
         QTest::keyClick(&panel, Qt::Key_F1);
     }});
     const auto* keys = window().findChild<QDialog*>("keysWindow");
-    ASSERT_NE(keys, nullptr);
-    EXPECT_TRUE(keys->isVisible());
+    EXPECT_TRUE(keys != nullptr && keys->isVisible());
 }
 
 TEST_F(EditWindowTest, ThumbnailsShowWhatChoosingALookGives) {
@@ -243,66 +267,72 @@ TEST_F(EditWindowTest, ThumbnailsShowWhatChoosingALookGives) {
     QObject::connect(&thumbnails, &LookThumbnails::ready, &window(),
                      [&](const QString& look, const QImage& shown) { pictures[look] = shown; });
     const std::size_t looks = shippedLooks().size();
-    const auto all = [&] { return pictures.size() == looks; };
-    thumbnails.renderFor({1});
-    ASSERT_TRUE(QTest::qWaitFor(all, 30000));
+    const auto render = [&](const std::vector<std::size_t>& surfaces) {
+        pictures.clear();
+        thumbnails.renderFor(surfaces);
+        return QTest::qWaitFor([&] { return pictures.size() == looks; }, 30000);
+    };
+    ASSERT_TRUE(render({1}));
     const QImage promised = pictures["noir"];
     EXPECT_NE(promised, pictures["comic"]);
-
     document().undo.push(lookStep(document().settings, "noir", {1}));
     window().session()->turn(0, 0);
-    pictures.clear();
-    thumbnails.renderFor({});
-    ASSERT_TRUE(QTest::qWaitFor(all, 30000)) << "settings changed";
+    ASSERT_TRUE(render({})) << "settings changed";
     EXPECT_EQ(pictures["comic"], promised) << "what is shown, when no surface is chosen";
-
     window().session()->turn(0.3, 0);
-    pictures.clear();
-    thumbnails.renderFor({});
-    ASSERT_TRUE(QTest::qWaitFor(all, 30000)) << "the view changed";
+    ASSERT_TRUE(render({})) << "the view changed";
     EXPECT_NE(pictures["comic"], promised);
 }
 
 TEST_F(EditWindowTest, AnotherSurfaceIsChosenUnderThePanel) {
     start();
     const auto first = state();
-    const auto goOn = [&](QWidget& panel) {
-        drag(find(panel, "Opacity.percent"), -20);
-        surfaces().setCurrentRow(1);
+    const auto dragAndGoTo = [&](int surface) {
+        return [&, surface](QWidget& panel) {
+            drag(find(panel, "Opacity.percent"), -20);
+            surfaces().setCurrentRow(surface);
+        };
     };
-    const auto cancel = [&](QWidget& panel) {
-        EXPECT_EQ(window().panel().surface(), 1U);
-        drag(find(panel, "Opacity.percent"), -30);
-        QTest::keyClick(&panel, Qt::Key_Escape);
-    };
-    inPanel({goOn, cancel});
+    inPanel({dragAndGoTo(1), dragAndGoTo(0),
+             [&](QWidget&) {
+                 EXPECT_EQ(window().panel().surface(), 0U);
+                 surfaces().setCurrentRow(1);
+             },
+             [&](QWidget& panel) {
+                 EXPECT_EQ(window().panel().surface(), 1U);
+                 drag(find(panel, "Opacity.percent"), -30);
+                 escape(panel);
+             }});
     EXPECT_NE(state()[0], first[0]) << "going on kept the changes";
-    EXPECT_EQ(state()[1], first[1]);
+    undoAll();
+    EXPECT_EQ(state(), first);
 }
 
 TEST_F(EditWindowTest, TheSavedPictureShowsWhileAKeyIsHeld) {
     start();
     const QImage saved = picture();
-    surfaces().item(0)->setCheckState(Qt::Unchecked);
+    check(0, false);
     const QImage edited = picture();
     ASSERT_NE(edited, saved);
     QTest::keyPress(&view(), Qt::Key_C);
     EXPECT_EQ(picture(), saved);
+    EXPECT_EQ(status(), "As saved");
     QTest::keyRelease(&view(), Qt::Key_C);
     EXPECT_EQ(picture(), edited);
+    EXPECT_EQ(status(), "");
 }
 
 TEST_F(EditWindowTest, ComesBackWhereItWasInTheColoursChosen) {
     const auto colors = [this] { return window().findChild<QMenu*>("colors")->actions(); };
+    const auto isDark = [] { return QApplication::palette().window().color().lightness() < 100; };
     start();
     colors().last()->trigger();
-    EXPECT_LT(QApplication::palette().window().color().lightness(), 100) << "not dark";
+    EXPECT_TRUE(isDark());
     window().resize(700, 420);
     window().close();
     QApplication::setPalette({});
     start();
-    EXPECT_TRUE(colors().last()->isChecked());
-    EXPECT_LT(QApplication::palette().window().color().lightness(), 100) << "forgotten";
+    EXPECT_TRUE(isDark() && colors().last()->isChecked()) << "forgotten";
     EXPECT_TRUE(WindowMemory().restore(window()));
     EXPECT_EQ(window().size(), QSize(700, 420));
     colors().first()->trigger();
@@ -311,112 +341,99 @@ TEST_F(EditWindowTest, ComesBackWhereItWasInTheColoursChosen) {
 TEST_F(EditWindowTest, CopiesAndAppliesLooksToWhatIsSelected) {
     start();
     surfaces().setCurrentRow(0);
-    surfaces().item(0)->setCheckState(Qt::Unchecked);
-    trigger("copy");
+    check(0, false);
+    action("copy").trigger();
     surfaces().setCurrentRow(1);
-    trigger("paste");
+    action("paste").trigger();
     EXPECT_EQ(state()[1], state()[0]);
 
-    const auto look = folder_ / "half.json";
-    std::ofstream(look) << R"({"tavora": "look", "version": 1, "name": "half",
-                               "description": "", "settings": {"edgeCoverage": 0.5}})";
     QMimeData dropped;
-    dropped.setUrls({QUrl::fromLocalFile(QString::fromStdString(look))});
+    dropped.setUrls(
+        {QUrl::fromLocalFile(QString::fromStdString(look("half", R"({"edgeCoverage": 0.5})")))});
     QDragEnterEvent enter({9, 9}, Qt::CopyAction, &dropped, Qt::LeftButton, {});
     QApplication::sendEvent(&window(), &enter);
     QDropEvent drop({9, 9}, Qt::CopyAction, &dropped, Qt::LeftButton, {});
     QApplication::sendEvent(&window(), &drop);
     EXPECT_TRUE(state()[1]->enabled);
     EXPECT_FALSE(state()[0]->enabled) << "only the selected surface gets it";
-    EXPECT_EQ(window().findChild<QAction*>("undo")->text(), "&Undo look half on Glass.Pane");
+    EXPECT_EQ(action("undo").text(), "&Undo look half on Glass.Pane");
     EXPECT_TRUE(surfaces().item(1)->font().bold()) << "it differs from the file";
-    trigger("save");
+    action("save").trigger();
     EXPECT_FALSE(surfaces().item(1)->font().bold());
-    trigger("undo");
+    action("undo").trigger();
     EXPECT_EQ(state()[1], state()[0]);
 }
 
 TEST_F(EditWindowTest, AFileThatOthersChangedIsOverwrittenOnlyWhenAsked) {
     start();
-    std::ifstream original(scene_);
-    const std::string text{std::istreambuf_iterator<char>(original), {}};
-    const auto change = [&] {
-        std::ofstream(scene_) << text << "\n";
-        surfaces().item(0)->setCheckState(Qt::Unchecked);
+    const std::string text = bytesOf(scene_);
+    const auto saveChanged = [&](int button, int surface, bool on) {
+        putBytes(scene_, text + "\n");
+        check(surface, on);
+        window().keepSafe();
+        answer({button});
+        action("save").trigger();
     };
-    change();
-    answer(QMessageBox::Cancel);
-    trigger("save");
-    EXPECT_TRUE(document().settings.isModified());
+    saveChanged(QMessageBox::Cancel, 0, false);
+    EXPECT_TRUE(isModified());
     EXPECT_EQ(asDefault_, QMessageBox::Save) << "which asks for another name";
-    answer(QMessageBox::Discard);
-    trigger("save");
-    EXPECT_FALSE(document().settings.isModified());
-    EXPECT_THAT(window().statusBar()->currentMessage().toStdString(), EndsWith("scene.gltf"));
+    saveChanged(QMessageBox::Discard, 1, false);
+    EXPECT_FALSE(isModified());
+    EXPECT_THAT(status(), EndsWith("scene.gltf"));
 
-    change();
-    answer(QMessageBox::Reset);
-    trigger("save");
-    EXPECT_TRUE(QTest::qWaitFor([&] { return !document().settings.isModified(); }));
+    saveChanged(QMessageBox::Reset, 1, true);
+    EXPECT_TRUE(QTest::qWaitFor([&] { return !isModified(); }));
     EXPECT_TRUE(surfaces().item(0)->checkState() == Qt::Checked) << "as the file has it";
-    surfaces().item(0)->setCheckState(Qt::Unchecked);
-    trigger("save");
-    EXPECT_FALSE(document().settings.isModified()) << "nothing is asked any more";
-}
-
-TEST_F(EditWindowTest, AFileThatCannotBeWrittenCanBeSavedElsewhere) {
-    start();
-    surfaces().item(0)->setCheckState(Qt::Unchecked);
-    answer(QMessageBox::Cancel);
-    {
-        const SmallDisk full(64);
-        trigger("save");
-    }
-    EXPECT_EQ(asDefault_, QMessageBox::Save);
-    EXPECT_TRUE(document().settings.isModified());
+    EXPECT_TRUE(fs::is_empty(folder_ / "state/tavora/recovery")) << "the work was given up";
+    check(0, false);
+    action("save").trigger();
+    EXPECT_FALSE(isModified()) << "nothing is asked any more";
 }
 
 TEST_F(EditWindowTest, UnsavedWorkIsNeverLostUnasked) {
     start();
-    surfaces().item(1)->setCheckState(Qt::Unchecked);
-    answer(QMessageBox::Cancel);
+    check(1, false);
+    answer({QMessageBox::Cancel});
     EXPECT_FALSE(window().close());
-    EXPECT_TRUE(document().settings.isModified());
-
-    // The file vanishes with its folder: a dialog, and the work stays.
-    const auto elsewhere = folder_ / "gone";
-    std::filesystem::create_directory(elsewhere);
-    trigger("save");
-    EXPECT_FALSE(document().settings.isModified());
-    std::filesystem::remove(scene_);
-    surfaces().item(1)->setCheckState(Qt::Checked);
-    answer(QMessageBox::Ok);
-    trigger("save");
-    EXPECT_TRUE(document().settings.isModified());
-    answer(QMessageBox::Discard);
+    {
+        const SmallDisk full(64);
+        answer({QMessageBox::Save, QMessageBox::Cancel});
+        EXPECT_FALSE(window().close()) << "saved it could not be";
+        EXPECT_EQ(asDefault_, QMessageBox::Save) << "elsewhere";
+    }
+    EXPECT_TRUE(isModified());
+    action("save").trigger();
+    EXPECT_FALSE(isModified());
+    // The file vanishes: a message, and the work stays.
+    fs::remove(scene_);
+    check(1, true);
+    answer({QMessageBox::Ok});
+    action("save").trigger();
+    EXPECT_TRUE(isModified());
+    answer({QMessageBox::Discard});
     EXPECT_TRUE(window().close());
 }
 
 TEST_F(EditWindowTest, AKilledSessionsWorkIsOfferedAtTheNextStart) {
     start();
-    surfaces().item(1)->setCheckState(Qt::Unchecked);
-    const auto kept = [&] { return std::filesystem::exists(folder_ / "state/tavora/recovery"); };
+    check(1, false);
+    const auto kept = [&] { return fs::exists(folder_ / "state/tavora/recovery"); };
     EXPECT_TRUE(QTest::qWaitFor(kept)) << "unsaved work is written by itself";
-    surfaces().item(0)->setCheckState(Qt::Unchecked);
+    check(0, false);
     const auto work = state();
     window().keepSafe();
     kill();
 
-    answer(QMessageBox::Cancel);
+    answer({QMessageBox::Cancel});
     start();
     EXPECT_TRUE(QTest::qWaitFor(answered()));
-    EXPECT_FALSE(document().settings.isModified());
+    EXPECT_FALSE(isModified());
     ASSERT_TRUE(window().close());
-    answer(QMessageBox::Yes);
+    answer({QMessageBox::Yes});
     start();
-    ASSERT_TRUE(QTest::qWaitFor([&] { return document().settings.isModified(); }));
+    ASSERT_TRUE(QTest::qWaitFor([&] { return isModified(); }));
     EXPECT_EQ(state(), work);
-    trigger("save");
+    action("save").trigger();
     kill();
     start();
     QTest::qWait(20);

@@ -14,25 +14,25 @@
 
 namespace tavora::studio::testing {
 
-namespace {
-
-/// The scene with its sun low, so that the panes lie in the zone of shade.
-nlohmann::json sceneInShade() {
-    auto scene = nlohmann::json::parse(std::ifstream(TEST_SCENE));
-    for (nlohmann::json& node : scene["nodes"]) {
-        if (node["name"] == "Sun") node["rotation"] = {-0.64, 0.0, 0.0, 0.768};
-    }
-    return scene;
-}
-
-}  // namespace
-
 WindowTest::WindowTest() {
-    std::ofstream(scene_) << sceneInShade();
+    // With its sun low, so that the panes lie in the zone of shade.
+    auto scene = nlohmann::json::parse(std::ifstream(TEST_SCENE));
+    scene["nodes"][3]["rotation"] = {-0.64, 0.0, 0.0, 0.768};
+    std::ofstream(scene_) << scene;
     ::setenv("XDG_STATE_HOME", (folder_ / "state").c_str(), 1);
     setSettingsFolder(folder_ / "settings");
     request_.shading.plugin = TAVORA_MODULE;
     request_.threads = 2;
+    QObject::connect(&answering_, &QTimer::timeout, [this] {
+        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
+        if (box == nullptr || answers_.empty()) return;
+        const auto button = static_cast<QMessageBox::StandardButton>(answers_.front());
+        answers_.erase(answers_.begin());
+        asDefault_ =
+            box->defaultButton() == nullptr ? 0 : box->standardButton(box->defaultButton());
+        QTest::mouseClick(box->button(button), Qt::LeftButton);
+    });
+    answering_.start(1);
 }
 
 WindowTest::~WindowTest() {
@@ -55,8 +55,8 @@ SurfaceShaders WindowTest::state() {
     return all;
 }
 
-void WindowTest::trigger(const char* action) {
-    window_->findChild<QAction*>(action)->trigger();
+void WindowTest::check(int surface, bool on) {
+    surfaces().item(surface)->setCheckState(on ? Qt::Checked : Qt::Unchecked);
 }
 
 QImage WindowTest::picture() {
@@ -93,27 +93,17 @@ void WindowTest::inPanel(const std::vector<std::function<void(QWidget& panel)>>&
         busy = false;
     });
     user.start(1);
-    trigger("options");
+    action("options").trigger();
     if (failed) std::rethrow_exception(failed);
     EXPECT_EQ(next, steps.size()) << "the panel closed too early";
 }
 
-void WindowTest::answer(int button) {
-    answering_ = std::make_unique<QTimer>();
-    QObject::connect(answering_.get(), &QTimer::timeout, [this, button] {
-        auto* box = qobject_cast<QMessageBox*>(QApplication::activeModalWidget());
-        if (box == nullptr) return;
-        answering_->stop();
-        asDefault_ =
-            box->defaultButton() == nullptr ? 0 : box->standardButton(box->defaultButton());
-        QTest::mouseClick(box->button(static_cast<QMessageBox::StandardButton>(button)),
-                          Qt::LeftButton);
-    });
-    answering_->start(1);
+void WindowTest::answer(std::vector<int> buttons) {
+    answers_ = std::move(buttons);
 }
 
 void WindowTest::TearDown() {
-    EXPECT_TRUE(answering_ == nullptr || !answering_->isActive()) << "nothing was asked";
+    EXPECT_TRUE(answers_.empty()) << "less was asked";
 }
 
 }  // namespace tavora::studio::testing

@@ -5,11 +5,11 @@
 #include <functional>
 #include <gtest/gtest.h>
 #include <memory>
-#include <string>
 #include <vector>
 
 #include "studio/window/edit_window.h"
 #include "tests/files/temporary_folder.h"
+#include "tests/panels/settings_rig.h"
 
 namespace tavora::studio::testing {
 
@@ -31,7 +31,9 @@ class WindowTest : public ::testing::Test {
     PictureView& view() { return *window_->findChild<PictureView*>("picture"); }
     SurfaceList& surfaces() { return *window_->findChild<SurfaceList*>("surfaces"); }
     SurfaceShaders state();
-    void trigger(const char* action);
+    bool isModified() { return document().settings.isModified(); }
+    QAction& action(const char* name) { return *window_->findChild<QAction*>(name); }
+    void check(int surface, bool on);  ///< its box in the list
 
     /// Waits for the clean picture.
     QImage picture();
@@ -39,11 +41,11 @@ class WindowTest : public ::testing::Test {
     /// the panel that is shown by then; closes it as by Cancel if the last one
     /// left it open.
     void inPanel(const std::vector<std::function<void(QWidget& panel)>>& steps);
-    /// Answers the next question or message with one of its buttons. The test
-    /// fails when there is none until its end.
-    void answer(int button);
+    /// Answers the next questions and messages with one of their buttons each. The
+    /// test fails when there are fewer until its end.
+    void answer(std::vector<int> buttons);
     auto answered() {
-        return [this] { return !answering_->isActive(); };
+        return [this] { return answers_.empty(); };
     }
 
     TemporaryFolder folder_;
@@ -51,7 +53,8 @@ class WindowTest : public ::testing::Test {
     EditRequest request_;
     Report report_{ReportOptions{0, true, {}}};
     std::unique_ptr<EditWindow> window_;
-    std::unique_ptr<QTimer> answering_;
+    QTimer answering_;
+    std::vector<int> answers_;
     int asDefault_ = 0;  ///< the button that Return would have pressed
 };
 

@@ -1,4 +1,4 @@
-#include "studio/app/interruption.h"
+// What is told of a picture on its way, and what stops it.
 
 #include <csignal>
 #include <gtest/gtest.h>
@@ -6,8 +6,11 @@
 #include <unistd.h>
 
 #include "studio/app/exit_status.h"
+#include "studio/app/interruption.h"
+#include "studio/app/progress.h"
 #include "studio/files/atomic_file.h"
 #include "studio/files/whole_file.h"
+#include "studio/util/text.h"
 #include "tests/files/temporary_folder.h"
 
 namespace tavora::studio {
@@ -32,6 +35,16 @@ TEST(Interruption, TheFirstSignalAsksAndTheSecondRemovesWhatIsUnfinished) {
     ::waitpid(child, &status, 0);
     EXPECT_EQ(WIFEXITED(status) ? WEXITSTATUS(status) : -1, kSignal + SIGTERM);
     EXPECT_EQ(folder.names(), std::set<std::string>{"c.txt"});
+}
+
+TEST(Progress, BarsFitTheirTerminalsAndNamesCannotPaintThem) {
+    EXPECT_EQ(progressBar(0, 5, 30), "[......................]   0%");
+    EXPECT_EQ(progressBar(0.25, 10, 30), "[###.........]  25% 0:30 left");
+    EXPECT_EQ(progressBar(0.5, 4000, 10), "[]  50% 1:06:40 left");
+    EXPECT_EQ(progressJson(0.25, 1.5),
+              R"({"event":"progress","done":0.2500,"elapsed":1.500,"left":4.500})");
+    EXPECT_EQ(progressJson(0, 1.5), R"({"event":"progress","done":0.0000,"elapsed":1.500})");
+    EXPECT_EQ(oneLine("a\nb\x1b[31m\x7f\xc3\xbc"), "a b?[31m?\xc3\xbc");
 }
 
 }  // namespace
