@@ -96,7 +96,7 @@ class GltfBuilder {
         Json buffer = {{"byteLength", bytes.size()}};
         if (!binary) buffer["uri"] = "scene.bin";
         if (!bytes.empty() && !whole.contains("buffers")) whole["buffers"] = {buffer};
-        putBytes(folder / "scene.bin", bytes);
+        if (!binary) putBytes(folder / "scene.bin", bytes);
         const auto file = folder / (binary ? "scene.glb" : "scene.gltf");
         putBytes(file, binary ? glb(whole.dump(), bytes) : whole.dump());
         return file;
