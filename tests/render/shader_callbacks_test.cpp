@@ -288,8 +288,8 @@ TEST(Tracing, ShadesWhatItMeets) {
     clear.baseColor = {1, 1, 1, 0};
     test.addSurface().baseColor = {1, 0, 0, 1};
     test.rig.ambient = V3d(0.5);
-    const Object& own = test.addQuad({0, 0, 0.5}, 1, 0);
-    test.addQuad({0, 0, 2}, 1, 1);  // wholly clear: not there
+    const Object& own = test.addQuad({2, -2, 0.5}, 4, 0);  // of which one triangle is seen
+    test.addQuad({0, 0, 2}, 1, 1);                         // wholly clear: not there
     const Object& red = test.addObject(quadMesh(1), 2, kTurned * M44d().translate(V3d(0, 0, 3)));
     SurfaceShaders shading(3);
     shading[0] = SurfaceShader{.block = probe(kPassOn, kAll, 1, 0, 0, 1)};
