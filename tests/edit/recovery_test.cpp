@@ -80,10 +80,10 @@ TEST_F(RecoveredWork, IsAllThatAKilledSessionSaidIsDoneAndNothingElseIsLeftOfIt)
         const Worker other([&](int round) {
             if (document == nullptr) document = open();
             const StateBlock block =
-                withChanges(sampleBlock(), {{"edgeCoverage", (round % 900) / 1000.0}}, "test", {});
+                withChanges(sampleBlock(), {{"edgeCoverage", round / 1e5}}, "test", {});
             set(*document, {{0, shader(block)}, {1, shader(block)}});
             if (round % 3 == 0) document->save();
-            edit(*document, 2, (round % 900) / 1000.0);
+            edit(*document, 2, round / 1e5);
             document->recovery.write();
         });
         for (int i = 0; i < rounds; ++i) {
@@ -105,7 +105,7 @@ TEST_F(RecoveredWork, IsAllThatAKilledSessionSaidIsDoneAndNothingElseIsLeftOfIt)
             document->undo.redo();
         }
         const double value = named(*document, 0)["edgeCoverage"];
-        EXPECT_GE(value, rounds / 1000.0) << "what was reported done is there";
+        EXPECT_GE(value, rounds / 1e5) << "what was reported done is there";
         EXPECT_EQ(named(*document, 1)["edgeCoverage"], value);
         document->recovery.discard();
         EXPECT_THAT(kept(), IsEmpty());
