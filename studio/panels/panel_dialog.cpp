@@ -155,7 +155,12 @@ void PanelDialog::addButtons(int mode) {
                                      ? QDialogButtonBox::Ok | QDialogButtonBox::Cancel
                                      : QDialogButtonBox::Close);
     for (const auto standard : {QDialogButtonBox::Ok, QDialogButtonBox::Close}) {
-        if (QPushButton* button = buttons_->button(standard)) button->setDefault(true);
+        QPushButton* button = buttons_->button(standard);
+        if (button == nullptr) continue;
+        button->setDefault(true);
+        // Else it is no default any more once the focus has left it, since only a dialog that
+        // is a window gives that back.
+        button->setAutoDefault(false);
     }
 }
 

@@ -12,14 +12,18 @@ constexpr qint64 kWheelPause = 600;
 }  // namespace
 
 Gestures::Gestures() {
-    sinceWheel_.start();
     qApp->installEventFilter(this);
+}
+
+void Gestures::begin() {
+    ++current_;
+    sinceWheel_.invalidate();
 }
 
 void Gestures::keyPressed(const QKeyEvent& key) {
     if (key.isAutoRepeat()) return;
     if (!held_) {
-        ++current_;
+        begin();
     } else if (key.key() == Qt::Key_Escape) {
         QMetaObject::invokeMethod(
             this, [this, gesture = current_] { emit abandoned(gesture); }, Qt::QueuedConnection);
@@ -30,7 +34,7 @@ bool Gestures::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
-            ++current_;
+            begin();
             held_ = true;
             break;
         case QEvent::MouseButtonRelease:
@@ -41,7 +45,8 @@ bool Gestures::eventFilter(QObject* watched, QEvent* event) {
             if (watched->isWidgetType()) keyPressed(*static_cast<QKeyEvent*>(event));
             break;
         case QEvent::Wheel:
-            if (sinceWheel_.restart() > kWheelPause) ++current_;
+            if (!sinceWheel_.isValid() || sinceWheel_.elapsed() > kWheelPause) begin();
+            sinceWheel_.start();
             break;
         default:
             break;

@@ -29,11 +29,12 @@ class Gestures : public QObject {
     bool eventFilter(QObject* watched, QEvent* event) override;
 
   private:
+    void begin();
     void keyPressed(const QKeyEvent& key);
 
     Gesture current_ = 1;
-    bool held_ = false;  ///< a button of the mouse is
-    QElapsedTimer sinceWheel_;
+    bool held_ = false;         ///< a button of the mouse is
+    QElapsedTimer sinceWheel_;  ///< invalid where something else came after
 };
 
 }  // namespace tavora::studio

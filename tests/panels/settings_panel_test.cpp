@@ -109,7 +109,7 @@ void press(QWidget& panel, std::initializer_list<Qt::Key> keys) {
 TEST(SettingsPanel, TheKeyboardAloneSufficesAndMeetsEveryUsableControlOnce) {
     SettingsRig rig;
     rig.apply(R"({"edgeEnable": true, "edgeCoverage": 0.5})");
-    EXPECT_FALSE(rig.open([&](QWidget& panel) {
+    EXPECT_TRUE(rig.open([&](QWidget& panel) {
         std::vector<QWidget*> met;
         for (QWidget* first = panel.focusWidget(); met.empty() || panel.focusWidget() != first;) {
             met.push_back(panel.focusWidget());
@@ -119,9 +119,6 @@ TEST(SettingsPanel, TheKeyboardAloneSufficesAndMeetsEveryUsableControlOnce) {
         for (const char* name : {"About.button", "area.6", "area.7", "Position.percent",
                                  "Shift.drag", "Use All Lights.check", "Set as Default.button"})
             EXPECT_EQ(std::ranges::count(met, &find(panel, name)), 1) << name;
-        press(panel, {Qt::Key_Escape});
-    }));
-    EXPECT_TRUE(rig.open([&](QWidget& panel) {
         EXPECT_EQ(panel.focusWidget()->objectName(), "tab");
         press(panel, {Qt::Key_Right, Qt::Key_Right, Qt::Key_Tab});
         EXPECT_EQ(panel.focusWidget()->objectName(), "Coverage.percent");

@@ -123,15 +123,20 @@ TEST_F(EditWindowTest, DragsKeysAndSpellsOfTheWheelAreStepsOfTheirOwn) {
         field.setFocus();
         for (int times = 0; times < 2; ++times)
             QTest::keyClick(&field, Qt::Key_Down);
-        QTest::qWait(650);  // a pause that ends what went before
-        for (int times = 0; times < 3; ++times) {
-            QWheelEvent turn({9, 9}, field.mapToGlobal(QPointF(9, 9)), {}, {0, -120}, Qt::NoButton,
-                             {}, Qt::NoScrollPhase, false);
-            QApplication::sendEvent(&field, &turn);
-        }
+        const auto turn = [&field] {
+            QWheelEvent notch({9, 9}, field.mapToGlobal(QPointF(9, 9)), {}, {0, -120}, Qt::NoButton,
+                              {}, Qt::NoScrollPhase, false);
+            QApplication::sendEvent(&field, &notch);
+        };
+        turn();
+        turn();
+        QTest::keyClick(&field, Qt::Key_Down);
+        turn();
+        QTest::qWait(650);  // a pause that ends the spell
+        turn();
         confirm(panel);
     }});
-    EXPECT_EQ(undoAll(), 4);
+    EXPECT_EQ(undoAll(), 7);
 }
 
 /// Two hundred things that a user can do in a panel.

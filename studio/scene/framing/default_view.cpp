@@ -4,6 +4,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <map>
 
 #include "studio/util/portable_math.h"
 
@@ -64,6 +65,11 @@ class Sides {
     void include(double out, double near) {
         include(positive_, out, near);
         include(negative_, -out, near);
+    }
+
+    /// Whether including the point would change anything.
+    bool isReachedBy(double out, double near) const {
+        return out + slope_ * near > positive_.reach || -out + slope_ * near > negative_.reach;
     }
 
     /// Of the nearest eye from which all is between the planes.
@@ -149,18 +155,46 @@ Axes viewOf(Scenes scenes) {
     return edgeOn ? left : right;
 }
 
+/// The boxes of meshes in their own space, by mesh.
+using Boxes = std::map<const Mesh*, Imath::Box3f>;
+
+Boxes boxesOf(Scenes scenes) {
+    Boxes boxes;
+    eachMesh(scenes, {}, [&](const Mesh& mesh, const Imath::M44d&) {
+        const auto [box, isNew] = boxes.try_emplace(&mesh);
+        if (!isNew) return;
+        for (const Imath::V3f& position : mesh.positions)
+            box->second.extendBy(position);
+    });
+    return boxes;
+}
+
+V3d cornerOf(const Imath::Box3f& box, unsigned i, const Imath::M44d& to) {
+    return placed({(i & 1U) != 0 ? box.max.x : box.min.x, (i & 2U) != 0 ? box.max.y : box.min.y,
+                   (i & 4U) != 0 ? box.max.z : box.min.z},
+                  to);
+}
+
 /// Calls visit(corner) for all triangles' corners in camera axes with the eye in the
-/// world's origin; for those of a unit cube where there are no triangles.
-template <typename Visit>
-void eachCorner(Scenes scenes, const Axes& axes, const Visit& visit) {
+/// world's origin; for those of a unit cube where there are no triangles. Leaves out
+/// meshes with a box of whose corners none isNews(): a crowd costs little more than
+/// those at its rim.
+template <typename IsNews, typename Visit>
+void eachCorner(Scenes scenes, const Axes& axes, const Boxes& boxes, const IsNews& isNews,
+                const Visit& visit) {
     const Imath::M44d toCamera = frame(axes, V3d(0)).transposed();
     bool none = true;
     eachMesh(scenes, toCamera, [&](const Mesh& mesh, const Imath::M44d& to) {
+        none = none && mesh.triangles.empty();
+        const Imath::Box3f& box = boxes.at(&mesh);
+        bool matters = false;
+        for (unsigned i = 0; i < 8 && !matters; ++i)
+            matters = isNews(cornerOf(box, i, to));
+        if (!matters) return;
         for (const auto& triangle : mesh.triangles) {
             for (const std::uint32_t i : triangle)
                 visit(placed(mesh.positions[i], to));
         }
-        none = none && mesh.triangles.empty();
     });
     for (unsigned i = 0; none && i < 8; ++i) {
         visit(V3d((i & 1U) ? 0.5 : -0.5, (i & 2U) ? 0.5 : -0.5, (i & 4U) ? 0.5 : -0.5) * toCamera);
@@ -187,11 +221,17 @@ V3d framingEye(Scenes scenes, const Axes& axes, double slopeAcross, double slope
     Sides across(slopeAcross);
     Sides up(slopeUp);
     Imath::Box3d seen;
-    eachCorner(scenes, axes, [&](const V3d& p) {
-        across.include(p.x, p.z);
-        up.include(p.y, p.z);
-        seen.extendBy(p);
-    });
+    const Boxes boxes = boxesOf(scenes);
+    const auto isReachedBy = [&](const V3d& p) {
+        return across.isReachedBy(p.x, p.z) || up.isReachedBy(p.y, p.z);
+    };
+    eachCorner(
+        scenes, axes, boxes, [&](const V3d& p) { return !seen.intersects(p) || isReachedBy(p); },
+        [&](const V3d& p) {
+            across.include(p.x, p.z);
+            up.include(p.y, p.z);
+            seen.extendBy(p);
+        });
     const double distance =
         std::max({across.distance(), up.distance(), seen.max.z + roomFor(seen)});
     for (int round = 0; round < kMostRounds; ++round) {
@@ -200,7 +240,7 @@ V3d framingEye(Scenes scenes, const Axes& axes, double slopeAcross, double slope
         if (isNear(nextAcross, across.slope()) && isNear(nextUp, up.slope())) break;
         across = Sides(nextAcross);
         up = Sides(nextUp);
-        eachCorner(scenes, axes, [&](const V3d& p) {
+        eachCorner(scenes, axes, boxes, isReachedBy, [&](const V3d& p) {
             across.include(p.x, p.z);
             up.include(p.y, p.z);
         });
