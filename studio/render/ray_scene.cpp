@@ -4,7 +4,6 @@
 #include <cerrno>
 #include <cmath>
 #include <fmt/format.h>
-#include <functional>
 #include <map>
 #include <new>
 #include <set>
@@ -19,8 +18,6 @@
 namespace tavora::studio {
 namespace {
 
-/// What hitting one mesh with one surface is about; meshes that share it may be
-/// instances of one.
 using SharedMesh = std::pair<const Mesh*, int>;
 
 SharedMesh sharedMeshOf(const SceneMesh& mesh) {
@@ -46,23 +43,30 @@ bool keepsPrecision(const Imath::M44d& objectToWorld) {
 }
 
 /// The meshes to be instances, those first that save most, until the copies of the
-/// others fit in `room`.
+/// others fit in `room`. Equal ones go by their place in the scene, so that a picture
+/// never depends on where memory was found.
 std::set<SharedMesh> meshesToShare(const std::vector<SceneMesh>& meshes, std::uint64_t room) {
-    std::map<SharedMesh, std::uint64_t> uses;
-    for (const SceneMesh& mesh : meshes)
-        ++uses[sharedMeshOf(mesh)];
+    std::set<SharedMesh> seen;
+    std::map<SharedMesh, std::uint64_t> savings;
+    std::vector<SharedMesh> inOrder;
     std::uint64_t copies = 0;
-    std::multimap<std::uint64_t, SharedMesh, std::greater<>> bySize;
-    for (const auto& [mesh, count] : uses) {
-        const std::uint64_t size = (count - 1) * copySize(*mesh.first);
-        bySize.emplace(size, mesh);
-        copies += size;
+    for (const SceneMesh& mesh : meshes) {
+        const SharedMesh key = sharedMeshOf(mesh);
+        if (seen.insert(key).second) {
+            inOrder.push_back(key);
+            continue;
+        }
+        savings[key] += copySize(*mesh.mesh);
+        copies += copySize(*mesh.mesh);
     }
+    std::stable_sort(inOrder.begin(), inOrder.end(), [&](const SharedMesh& a, const SharedMesh& b) {
+        return savings[a] > savings[b];
+    });
     std::set<SharedMesh> shared;
-    for (const auto& [size, mesh] : bySize) {
+    for (const SharedMesh& mesh : inOrder) {
         if (copies <= room) break;
         shared.insert(mesh);
-        copies -= size;
+        copies -= savings[mesh];
     }
     return shared;
 }
@@ -70,48 +74,40 @@ std::set<SharedMesh> meshesToShare(const std::vector<SceneMesh>& meshes, std::ui
 }  // namespace
 
 RayScene::RayScene(const SceneIndex& scene, std::uint64_t roomForCopies)
-    : index_(&scene),
-      memory_(scene.scene().memory),
-      device_(rtcNewDevice(kEmbreeDevice)),
-      scene_(nullptr) {
+    : index_(&scene), memory_(scene.scene().memory), device_(rtcNewDevice(kEmbreeDevice)) {
     checkDevice();
-    if (scene.scene().memory != nullptr)
+    if (memory_.budget() != nullptr)
         rtcSetDeviceMemoryMonitorFunction(device_.get(), monitorMemory, this);
+    scene_ = newScene();
     for (const Surface& surface : scene.scene().surfaces)
         traits_.push_back(traitsOf(surface, scene));
     const std::set<SharedMesh> toShare = meshesToShare(scene.meshes(), roomForCopies);
-    std::map<SharedMesh, RTCScene> shared;
-    scene_ = newScene();
     geometries_.reserve(scene.meshes().size());
-    for (const SceneMesh& source : scene.meshes()) {
-        const Mesh& mesh = *source.mesh;
-        const SharedMesh key = sharedMeshOf(source);
-        const bool isInstance =
-            toShare.contains(key) && keepsPrecision(source.object->objectToWorld);
-        if (!isInstance) {
-            memory_.take((mesh.positions.size() + 1) * sizeof(Imath::V3f),
-                         fmt::format("the vertices of \"{}\"", shortened(source.object->name)));
-        }
-        MeshGeometry& geometry =
-            geometries_.emplace_back(placeMesh(source, geometries_.size(), isInstance));
-        if (mesh.triangles.empty()) continue;
-        triangles_ += mesh.triangles.size();
-        if (!isInstance) {
-            attachTriangles(scene_.get(), static_cast<unsigned>(geometry.number), mesh,
-                            geometry.vertices.data(), source.surfaceIndex, &geometry);
-            continue;
-        }
-        RTCScene& once = shared[key];
-        if (once == nullptr) {
-            once = shareTriangles(source);
-        }
-        attachInstance(geometry, once);
+    for (const SceneMesh& mesh : scene.meshes()) {
+        const bool isShared = toShare.contains(sharedMeshOf(mesh));
+        place(mesh, isShared && keepsPrecision(mesh.object->objectToWorld));
     }
     rtcCommitScene(scene_.get());
     checkDevice();
 }
 
-RayScene::~RayScene() = default;
+void RayScene::place(const SceneMesh& source, bool isInstance) {
+    const Mesh& mesh = *source.mesh;
+    if (!isInstance) takeVertices(source);
+    MeshGeometry& geometry =
+        geometries_.emplace_back(placeMesh(source, geometries_.size(), isInstance));
+    if (mesh.triangles.empty()) return;
+    triangles_ += mesh.triangles.size();
+    RTCGeometry handle = isInstance ? newInstance(source)
+                                    : newTriangles(source, geometry.vertices.data(), &geometry);
+    rtcAttachGeometryByID(scene_.get(), handle, static_cast<unsigned>(geometry.number));
+    rtcReleaseGeometry(handle);
+}
+
+void RayScene::takeVertices(const SceneMesh& source) {
+    memory_.take((source.mesh->positions.size() + 1) * sizeof(Imath::V3f),
+                 fmt::format("the vertices of \"{}\"", shortened(source.object->name)));
+}
 
 /// Embree tells what it is about to take, or took, or gave back.
 bool RayScene::monitorMemory(void* self, ssize_t bytes, bool /*isDone*/) {
@@ -121,8 +117,8 @@ bool RayScene::monitorMemory(void* self, ssize_t bytes, bool /*isDone*/) {
         scene.isOverBudget_ = true;
         return false;
     }
-    if (bytes < 0) budget.giveBack(static_cast<std::uint64_t>(-bytes));
-    scene.treeBytes_ += bytes;
+    // What was refused may be given back too, though it was not counted.
+    if (bytes < 0 && !scene.isOverBudget_) budget.giveBack(static_cast<std::uint64_t>(-bytes));
     return true;
 }
 
@@ -136,30 +132,15 @@ void RayScene::checkDevice() const {
     throw std::runtime_error("the ray caster cannot work on this machine");
 }
 
-/// The mesh as instances show it, for as long as this lives.
-RTCScene RayScene::shareTriangles(const SceneMesh& source) {
-    const Mesh& mesh = *source.mesh;
-    memory_.take((mesh.positions.size() + 1) * sizeof(Imath::V3f),
-                 fmt::format("the vertices of \"{}\"", shortened(source.object->name)));
-    SharedTriangles& shared = shared_.emplace_back();
-    shared.vertices = mesh.positions;
-    shared.vertices.emplace_back(0.0F);  // a spare one, for wide loads
-    shared.scene = newScene();
-    attachTriangles(shared.scene.get(), 0, mesh, shared.vertices.data(), source.surfaceIndex,
-                    nullptr);
-    rtcCommitScene(shared.scene.get());
-    checkDevice();
-    return shared.scene.get();
-}
-
 RayScene::ScenePtr RayScene::newScene() const {
     ScenePtr scene(rtcNewScene(device_.get()));
     rtcSetSceneFlags(scene.get(), RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION);
     return scene;
 }
 
-void RayScene::attachTriangles(RTCScene scene, unsigned number, const Mesh& mesh,
-                               const Imath::V3f* vertices, int surface, MeshGeometry* owner) {
+RTCGeometry RayScene::newTriangles(const SceneMesh& source, const Imath::V3f* vertices,
+                                   MeshGeometry* owner) {
+    const Mesh& mesh = *source.mesh;
     RTCGeometry handle = rtcNewGeometry(device_.get(), RTC_GEOMETRY_TYPE_TRIANGLE);
     rtcSetSharedGeometryBuffer(handle, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3, vertices, 0,
                                sizeof(Imath::V3f), mesh.positions.size());
@@ -167,7 +148,7 @@ void RayScene::attachTriangles(RTCScene scene, unsigned number, const Mesh& mesh
                                mesh.triangles.data(), 0, sizeof(mesh.triangles[0]),
                                mesh.triangles.size());
     rtcSetGeometryUserData(handle, owner);
-    const SurfaceTraits& worn = traits(surface);
+    const SurfaceTraits& worn = traits(source.surfaceIndex);
     rtcSetGeometryIntersectFilterFunction(handle, viewingFilter(worn));
     if (!worn.surface->castsShadows) {
         rtcSetGeometryOccludedFilterFunction(handle, kNoShadowFilter);
@@ -176,18 +157,33 @@ void RayScene::attachTriangles(RTCScene scene, unsigned number, const Mesh& mesh
         rtcSetGeometryOccludedFilterFunction(handle, kShadowFilter);
     }
     rtcCommitGeometry(handle);
-    rtcAttachGeometryByID(scene, handle, number);
-    rtcReleaseGeometry(handle);
+    return handle;
 }
 
-void RayScene::attachInstance(const MeshGeometry& geometry, RTCScene shared) {
+/// The mesh as all its instances show it, made for the first of them.
+RTCScene RayScene::sharedTriangles(const SceneMesh& source) {
+    SharedTriangles& shared = shared_[sharedMeshOf(source)];
+    if (shared.scene != nullptr) return shared.scene.get();
+    takeVertices(source);
+    shared.vertices = source.mesh->positions;
+    shared.vertices.emplace_back(0.0F);  // a spare one, for wide loads
+    shared.scene = newScene();
+    RTCGeometry handle = newTriangles(source, shared.vertices.data(), nullptr);
+    rtcAttachGeometry(shared.scene.get(), handle);
+    rtcReleaseGeometry(handle);
+    rtcCommitScene(shared.scene.get());
+    checkDevice();
+    return shared.scene.get();
+}
+
+RTCGeometry RayScene::newInstance(const SceneMesh& source) {
+    RTCScene shared = sharedTriangles(source);
     RTCGeometry handle = rtcNewGeometry(device_.get(), RTC_GEOMETRY_TYPE_INSTANCE);
     rtcSetGeometryInstancedScene(handle, shared);
-    const Imath::M44f transform(geometry.source->object->objectToWorld);
+    const Imath::M44f transform(source.object->objectToWorld);
     rtcSetGeometryTransform(handle, 0, RTC_FORMAT_FLOAT4X4_COLUMN_MAJOR, transform.getValue());
     rtcCommitGeometry(handle);
-    rtcAttachGeometryByID(scene_.get(), handle, static_cast<unsigned>(geometry.number));
-    rtcReleaseGeometry(handle);
+    return handle;
 }
 
 /// The key of a hit of the ray. What an instance is traced by, Embree knows alone; so

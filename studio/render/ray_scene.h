@@ -3,11 +3,12 @@
 #include <ImathVec.h>
 #include <atomic>
 #include <cstdint>
-#include <deque>
 #include <embree3/rtcore.h>
 #include <limits>
+#include <map>
 #include <memory>
 #include <sys/types.h>
+#include <utility>
 #include <vector>
 
 #include "studio/render/hit_order.h"
@@ -63,7 +64,6 @@ class RayScene {
     /// `scene` must outlive it. Throws Error where the scene's budget of memory does not
     /// hold it, std::bad_alloc or std::system_error where the machine refuses.
     explicit RayScene(const SceneIndex& scene, std::uint64_t roomForCopies = kRoomForCopies);
-    ~RayScene();
     RayScene(const RayScene&) = delete;
     RayScene& operator=(const RayScene&) = delete;
 
@@ -97,32 +97,36 @@ class RayScene {
     using DevicePtr = std::unique_ptr<RTCDeviceTy, ReleaseDevice>;
     using ScenePtr = std::unique_ptr<RTCSceneTy, ReleaseScene>;
 
+    /// In the space of the objects that show it.
     struct SharedTriangles {
-        std::vector<Imath::V3f> vertices;  ///< in the object's space
+        std::vector<Imath::V3f> vertices;
         ScenePtr scene;
     };
 
-    RTCScene shareTriangles(const SceneMesh& source);
     static bool monitorMemory(void* self, ssize_t bytes, bool isDone);
     ScenePtr newScene() const;
-    /// Attaches `mesh`, which wears `surface`, under `number`.
-    void attachTriangles(RTCScene scene, unsigned number, const Mesh& mesh,
-                         const Imath::V3f* vertices, int surface, MeshGeometry* owner);
+    void place(const SceneMesh& source, bool isInstance);
+    void takeVertices(const SceneMesh& source);
+    /// Committed, with one reference to release. `owner` is what filters take a hit's
+    /// geometry for; null where the instance tells.
+    RTCGeometry newTriangles(const SceneMesh& source, const Imath::V3f* vertices,
+                             MeshGeometry* owner);
+    RTCGeometry newInstance(const SceneMesh& source);
+    RTCScene sharedTriangles(const SceneMesh& source);
     HitKey keyOf(const RTCRayHit& query, const Hit& hit) const;
     static Hit hitOf(const RTCHit& hit);
-    void attachInstance(const MeshGeometry& geometry, RTCScene shared);
     void checkDevice() const;
 
     const SceneIndex* index_;
-    MemoryShare memory_;                      ///< for vertices
-    std::atomic<std::int64_t> treeBytes_{0};  ///< that Embree took of the budget
+    MemoryShare memory_;  ///< for vertices; trees are counted by monitorMemory()
     std::atomic<bool> isOverBudget_{false};
     std::vector<SurfaceTraits> traits_;
     std::vector<MeshGeometry> geometries_;
     std::uint64_t triangles_ = 0;
     bool judgesShadows_ = false;
     DevicePtr device_;
-    std::deque<SharedTriangles> shared_;  ///< one for each mesh and surface of instances
+    /// By mesh and surface, what instances show.
+    std::map<std::pair<const Mesh*, int>, SharedTriangles> shared_;
     ScenePtr scene_;
 };
 
