@@ -95,7 +95,7 @@ class GltfBuilder {
         Json whole = document;
         Json buffer = {{"byteLength", bytes.size()}};
         if (!binary) buffer["uri"] = "scene.bin";
-        if (!bytes.empty() && !whole.contains("buffers")) whole["buffers"] = {buffer};
+        if (!bytes.empty() && !whole.contains("buffers")) whole["buffers"] = Json::array({buffer});
         if (!binary) putBytes(folder / "scene.bin", bytes);
         const auto file = folder / (binary ? "scene.glb" : "scene.gltf");
         putBytes(file, binary ? glb(whole.dump(), bytes) : whole.dump());

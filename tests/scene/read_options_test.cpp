@@ -85,7 +85,7 @@ TEST(ReadOptions, BuffersOfOneFileAreOneAndEachLargePartIsCountedFirst) {
     const std::uint64_t morphable = file.read().memory->taken();
     EXPECT_EQ(morphable - plain, 300'000U * 12);
     for (const double weight : {0.2, 0.4, 0.6})
-        file.root({{"mesh", 0}, {"weights", {weight}}});
+        file.root({{"mesh", 0}, {"weights", Json::array({weight})}});
     EXPECT_EQ(file.read().memory->taken() - morphable, 3U * 300'000 * (12 + 12 + 4));
     EXPECT_THAT(refusedWith(file.write(folder), {.memory = morphable + 20 * kMega}),
                 HasSubstr("with the bent mesh of node 3 takes more"));
@@ -112,7 +112,7 @@ TEST(ReadOptions, FilesElsewhereAreReadWhereAskedForAlone) {
                                        {"../scene/own.bin", true},
                                        {"inside.bin", false},
                                        {"own.bin", false}}) {
-        file.document["buffers"] = {{{"uri", uri}, {"byteLength", file.bytes.size()}}};
+        file.document["buffers"] = Json::array({{{"uri", uri}, {"byteLength", file.bytes.size()}}});
         putBytes(folder / "scene" / "a.gltf", file.document.dump());
         for (const char* way : {"scene", "door"}) {
             const fs::path scene = folder / way / "a.gltf";
