@@ -56,6 +56,13 @@ TEST(Settings, NameEveryValueOfABlockAndTakeWhatPeopleWrite) {
                  R"({"/zoneList/0/trans": 0.5, "/zoneList/1/blend": true,
                      "/zoneList/2/position": 1.0, "/zoneList/2/color": [0.3, 0.5, 0.7],
                      "/zoneList/2/accountLightOpac": 1.0})");
+    for (const char* wrong :
+         {R"({"edgeColor": [1, 2]})", R"({"edgeColor": 1})", R"({"zoneList": 1})",
+          R"({"lightList": [1]})", R"({"edgeCoverage": "1"})"}) {
+        Settings changed = settingsOf(sampleBlock());
+        changed.update(Settings::parse(wrong));
+        EXPECT_THAT(refusal([&] { blockOf(changed); }), HasSubstr("the kind that is stored"));
+    }
 }
 
 /// The items as a scene file holds them.

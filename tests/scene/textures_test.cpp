@@ -85,6 +85,15 @@ TEST(TextureImage, DamageAndWildSizesAreRefused) {
     jpeg.resize(jpeg.size() - 12);
     jpeg.insert(jpeg.end(), {0xff, 0xd9});
     EXPECT_THAT(refused(jpeg), HasSubstr("is a damaged JPEG ("));
+    // Its first scan, over and over.
+    jpeg = fileOf("progressive.jpg");
+    const Bytes mark = {0xff, 0xda};
+    const auto first = std::search(jpeg.begin(), jpeg.end(), mark.begin(), mark.end());
+    const Bytes scan(first, std::find(first + 2, jpeg.end(), 0xff));
+    const auto place = first - jpeg.begin();
+    for (int times = 0; times < 500; ++times)
+        jpeg.insert(jpeg.begin() + place, scan.begin(), scan.end());
+    EXPECT_THAT(refused(jpeg), HasSubstr("it never ends"));
     // A stray byte between two markers, as old cameras write it, is forgiven.
     jpeg = whole;
     const std::uint8_t marker[] = {0xff, 0xdb};
