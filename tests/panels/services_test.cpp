@@ -220,8 +220,10 @@ TEST_F(PanelServices, HandlesThatOutliveTheirPanelDoNothing) {
 }
 
 TEST_F(PanelServices, PanelsOnTopCloseWithThoseBelow) {
-    add("ButtonControl", "More");
     for (const bool confirmed : {true, false}) {
+        host->destroy(panel);
+        panel = host->create("Probe", nullptr);
+        add("ButtonControl", "More");
         int inner = -1;
         HostPanelId second = nullptr;
         onEvent = [&] {
