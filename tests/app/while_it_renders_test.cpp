@@ -1,4 +1,3 @@
-// What is told of a picture on its way, and what stops it.
 
 #include <csignal>
 #include <gtest/gtest.h>

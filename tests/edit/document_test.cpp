@@ -1,6 +1,5 @@
 #include <cmath>
 #include <gmock/gmock.h>
-#include <random>
 
 #include "studio/edit/recent_files.h"
 #include "studio/scene/settings/look_writing.h"
@@ -15,69 +14,8 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-Json zones(double value, bool three) {
-    Json list{{{"position", 0}}, {{"position", 1}}};
-    if (three) list.insert(list.begin() + 1, Json{{"position", value}});
-    return {{"zones", list}};
-}
-
-class DocumentEdits : public EditTest {
-  protected:
-    /// One of the things a user does; each changes something.
-    void editSomehow(Document& document, int step) {
-        SceneSettings& settings = document.settings;
-        const std::size_t surface = random_() % settings.surfaces().size();
-        const double value = std::uniform_real_distribution<>(0.001, 0.999)(random_);
-        switch (random_() % 5) {
-            case 0:
-                return document.undo.push(
-                    enableStep(settings, surface, !activeBlock(settings.at(surface))));
-            case 1:
-                return set(document, {{0, shader(sampleBlock({}, 0, {std::to_string(step)}))},
-                                      {surface, std::nullopt}});
-            case 2:
-                return document.undo.push(
-                    lookStep(settings, step % 2 == 0 ? "noir" : "comic", settings.surfaces()));
-            case 3:
-                return edit(document, surface, zones(value, step % 2));
-            default:
-                return edit(document, surface, value);
-        }
-    }
-
-    std::mt19937 random_{7};
-};
-
-void expectRecordsInStep(SceneSettings& settings) {
-    for (const std::size_t surface : settings.surfaces()) {
-        if (!settings.at(surface)) continue;
-        EXPECT_EQ(settings.record(surface).save(), settings.at(surface)->block);
-    }
-}
-
-TEST_F(DocumentEdits, AreUndoneAndRedoneToTheByte) {
-    const auto document = open();
-    SceneSettings& settings = document->settings;
-    SurfaceShaders heard = stateOf(*document);
-    settings.surfaceChanged = [&](std::size_t i) { heard[i] = settings.at(i); };
-    std::vector<SurfaceShaders> states{stateOf(*document)};
-    for (int step = 0; states.size() <= 200; ++step) {
-        editSomehow(*document, step);
-        if (stateOf(*document) != states.back()) states.push_back(stateOf(*document));
-    }
-    for (std::size_t i = 200; i-- > 0;) {
-        document->undo.undo();
-        ASSERT_EQ(stateOf(*document), states[i]) << i;
-        if (i % 20 == 0) expectRecordsInStep(settings);
-    }
-    EXPECT_FALSE(document->undo.canUndo());
-    EXPECT_FALSE(settings.isModified());
-    while (document->undo.canRedo())
-        document->undo.redo();
-    EXPECT_EQ(stateOf(*document), states.back());
-    EXPECT_EQ(heard, states.back());
-    expectRecordsInStep(settings);
-}
+using DocumentEdits = EditTest;
+using Saving = EditTest;
 
 TEST_F(DocumentEdits, OfOneGestureAreUndoneTogether) {
     const auto document = open();
@@ -163,40 +101,6 @@ TEST_F(DocumentEdits, AreBoundedInNumberAndSize) {
     EXPECT_EQ(undoable(stack), 12U) << "nor what was joined";
 }
 
-TEST_F(DocumentEdits, ARecordShownAndLeftAloneIsNoEdit) {
-    StateBlock odd = sampleBlock();
-    odd[2] = std::nanf("");
-    odd[3] = -0.0F;
-    auto document = open();
-    set(*document, {{0, shader(odd)}, {1, shader(sampleBlock(), false)}});
-    document->save();
-    document = open();
-    EXPECT_TRUE(std::isnan(std::get<float>(document->settings.at(0)->block[2])));
-    for (const std::size_t surface : document->settings.surfaces())
-        document->undo.push(recordStep(document->settings, surface, 0));
-    EXPECT_EQ(undoAll(*document), 1U) << "the one without material got the shader";
-    EXPECT_FALSE(document->settings.isModified());
-    EXPECT_FALSE(document->settings.at(1)->enabled);
-    odd.pop_back();
-    EXPECT_THROW(set(*document, {{0, shader(odd)}}), Error);
-}
-
-TEST_F(DocumentEdits, ASurfaceWithoutTheShaderGetsANewOne) {
-    request_.plain = {"Body", "Hair"};
-    const auto document = open();
-    SceneSettings& settings = document->settings;
-    EXPECT_EQ(settings.surfaceOf(settings.record(2).instance()), 2U);
-    EXPECT_FALSE(settings.surfaceOf(nullptr));
-    document->undo.push(enableStep(settings, 0, true));
-    document->undo.push(recordStep(settings, 1, 0));
-    const StateBlock defaults = newShaderSettings(settings.module());
-    EXPECT_EQ(settings.at(0), shader(defaults));
-    EXPECT_EQ(settings.at(1), shader(defaults));
-    document->undo.undo();
-    EXPECT_FALSE(settings.at(1));
-    EXPECT_EQ(settings.record(1).save(), defaults);
-}
-
 TEST_F(DocumentEdits, LooksAreWrittenAsTheyAreRead) {
     const auto document = open();
     SceneSettings& settings = document->settings;
@@ -216,8 +120,6 @@ TEST_F(DocumentEdits, LooksAreWrittenAsTheyAreRead) {
     EXPECT_FALSE(exists(folder_ / "odd.json"));
 }
 
-class Saving : public EditTest {};
-
 TEST_F(Saving, ALookThatStandsInIsNoWorkUntilSomethingChanges) {
     auto document = open();
     EXPECT_TRUE(document->settings.at(0)->enabled);
@@ -228,11 +130,6 @@ TEST_F(Saving, ALookThatStandsInIsNoWorkUntilSomethingChanges) {
     EXPECT_THAT(document->save(), IsEmpty()) << "nobody changed the surface without material";
     EXPECT_FALSE(document->settings.isModified());
     const auto saved = stateOf(*document);
-    document->undo.undo();
-    EXPECT_TRUE(document->settings.isModified());
-    document->undo.redo();
-    EXPECT_FALSE(document->settings.isModified());
-
     document = open();
     EXPECT_FALSE(document->settings.isModified());
     for (std::size_t i = 0; i < 3; ++i)
@@ -277,12 +174,6 @@ TEST_F(Saving, AFileThatChangedOnDiskIsNoticed) {
     EXPECT_EQ(after->settings.at(0), document->settings.at(2));
     EXPECT_FALSE(after->settings.at(1));
     EXPECT_EQ(after->settings.at(2), document->settings.at(0));
-
-    edit(*document, 0, 0.6);
-    fs::remove(file_);
-    EXPECT_FALSE(document->file.changedOnDisk());
-    EXPECT_THAT(refusal([&] { document->save(true); }), HasSubstr("No such file"));
-    EXPECT_TRUE(document->settings.isModified());
 }
 
 TEST_F(Saving, SavingAsGoesOnWithTheNewFile) {

@@ -34,7 +34,6 @@ V3d row(const Camera& camera, int row) {
     return {m[row][0], m[row][1], m[row][2]};
 }
 
-/// Where the camera's axis passes the box's middle at its nearest.
 V3d interestOf(const Camera& camera) {
     const V3d eye = row(camera, 3), back = row(camera, 2);
     return eye - back * (eye - kBox.center()).dot(back);

@@ -23,14 +23,12 @@ using testing::IsEmpty;
 
 class RecoveredWork : public EditTest {
   protected:
-    /// A session that ends without a word.
     void abandon(const std::function<void(Document&)>& work) {
         const auto document = open();
         work(*document);
         document->recovery.write();
     }
 
-    /// What lies in a folder, by suffix.
     static std::multiset<std::string> suffixes(const fs::path& folder) {
         std::multiset<std::string> all;
         for (const auto& entry : fs::directory_iterator(folder))
@@ -125,7 +123,6 @@ TEST_F(RecoveredWork, IsOfferedUntilItIsTakenSavedOrDiscarded) {
         EXPECT_FALSE(first->recovery.isOffered());
         second->recovery.discard();
         EXPECT_EQ(named(*first, 0)["edgeCoverage"], 0.5);
-        // Ends badly before it wrote anything: nothing is lost.
     }
     abandon([](Document& document) {
         document.recovery.takeOver();

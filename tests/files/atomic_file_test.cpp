@@ -18,7 +18,6 @@ using Names = std::set<std::string>;
 
 class AtomicFiles : public ::testing::Test {
   protected:
-    /// Whether a file there is refused for that reason.
     static bool isRefused(const fs::path& target, const char* why) {
         try {
             AtomicFile file(target);
@@ -63,7 +62,6 @@ TEST_F(AtomicFiles, AppearOnlyAtCommitAndLeaveNothingWithout) {
 TEST_F(AtomicFiles, OthersInTheFolderTakeNothingThatIsHeld) {
     AtomicFile slow(folder_ / "a.txt");
     slow.write("slow", 4);
-    // As a killed process leaves it, and as another machine may still hold it.
     const std::string name = slow.temporaryPath().filename();
     put(name.substr(0, name.size() - 5) + "x.tmp", "left");
     const std::string elsewhere = ".tavora-nowhere0-0123456789abcdef.tmp";
@@ -95,12 +93,10 @@ TEST_F(AtomicFiles, AreRefusedWhereNoPlainFileCanBe) {
     const fs::path old = put("a.txt", "");
     EXPECT_TRUE(isRefused(folder_ / "sub/", "name a file, not a folder"));
     EXPECT_TRUE(isRefused(folder_ / "pipe", "device or pipe"));
-    EXPECT_TRUE(isRefused("/dev/null", "device or pipe"));
     EXPECT_TRUE(isRefused(folder_ / "loop", "links"));
     EXPECT_TRUE(isRefused(folder_ / "a.txt/a.txt", "name a folder"));
     EXPECT_TRUE(isRefused(folder_ / std::string(300, 'x'), "shorter name"));
     EXPECT_THROW(readWholeFile(folder_ / "pipe", 100), std::system_error);
-    EXPECT_THROW(readWholeFile(folder_ / "sub", 100), std::system_error);
     EXPECT_EQ(readWholeFile(put("b", "four"), 4), "four");
     EXPECT_THROW(readWholeFile(folder_ / "b", 3), std::system_error);
     ::chmod(folder_.path().c_str(), 0777);

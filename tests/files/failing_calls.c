@@ -44,7 +44,6 @@ static int below(const char* file) {
     return folder != NULL && strncmp(file, folder, strlen(folder)) == 0;
 }
 
-// What becomes of this call; -1: it fails with `errno`.
 static int fate(const char* call, const char* file) {
     static int calls = 0;
     if (!below(file)) return RIGHT;

@@ -125,7 +125,6 @@ def refusals():
     sanitized = b"__asan_init" in Path(TAVORA).read_bytes()
     runs = [(f"thread {at}", "no thread", start(render, "/", THREAD=at))
             for at in range(1, 5)]
-    # From where the libraries can be loaded at all to where nothing is missing.
     for megabytes in [] if sanitized else range(60, 240, 9):
         limited = ["prlimit", f"--as={megabytes}000000", *render]
         runs.append((f"{megabytes} MB", "memory|thread", start(limited, "/")))

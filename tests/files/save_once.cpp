@@ -1,10 +1,5 @@
 // Saves once, as the window does: save_once WHAT SCENE FILE. Ends like the programs, with one
 // line and the status of what went wrong.
-//   scene     an edit, into SCENE itself
-//   look      a look of the first surface, to FILE
-//   defaults  what "Set as Default" stores, to FILE
-//   recovery  unsaved work, in $XDG_STATE_HOME
-
 #include <filesystem>
 #include <string>
 

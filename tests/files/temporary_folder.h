@@ -10,7 +10,6 @@
 
 namespace tavora::studio {
 
-/// A folder of its own for one test, removed at the end.
 class TemporaryFolder {
   public:
     TemporaryFolder() {
@@ -30,9 +29,8 @@ class TemporaryFolder {
 
     std::set<std::string> names() const {
         std::set<std::string> names;
-        for (const auto& entry : std::filesystem::directory_iterator(path_)) {
+        for (const auto& entry : std::filesystem::directory_iterator(path_))
             names.insert(entry.path().filename());
-        }
         return names;
     }
 

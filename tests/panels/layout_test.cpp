@@ -1,4 +1,3 @@
-// Where controls go: columns, rows, what must not move, the way of the Tab key.
 
 #include "studio/panels/layout.h"
 

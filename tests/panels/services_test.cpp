@@ -44,7 +44,6 @@ HostControlDescription choice() {
     return choice;
 }
 
-/// Where the widget that it watches was painted.
 struct Painted : QObject {
     QRegion region;
     bool eventFilter(QObject*, QEvent* event) override {
@@ -105,21 +104,6 @@ class PanelServices : public ::testing::Test {
         user = std::move(script);
         return host->open(panel, HOST_PANEL_BLOCKING | HOST_PANEL_CANCEL);
     }
-    /// Opens a second panel in an event of the first, with a script for the user there: what
-    /// both opens returned, and the second panel.
-    std::tuple<int, int, HostPanelId> openOver(const std::function<void(QWidget&)>& script) {
-        int inner = -1;
-        HostPanelId second = nullptr;
-        add("ButtonControl", "More");
-        onEvent = [&] {
-            second = host->create("Second", nullptr);
-            user = script;
-            inner = host->open(second, HOST_PANEL_BLOCKING | HOST_PANEL_CANCEL);
-        };
-        const int outer = open([](QWidget& shown) { click(find(shown, "More.button")); });
-        return {outer, inner, second};
-    }
-    /// What a window shows now: what was painted, in pixels of the panel.
     static QColor pixel(QWidget& shownPanel, int x, int y) {
         return shownPanel.grab().toImage().pixelColor(x, y);
     }
@@ -174,13 +158,6 @@ TEST_F(PanelServices, ValuesComeBackAsTheyWereGivenAndFireNothing) {
     EXPECT_EQ(integer(percent), 0);
     set(whole, std::numeric_limits<int>::max());
     EXPECT_EQ(integer(whole), std::numeric_limits<int>::max());
-    for (const char* type : {"PopupControl", "ChoiceControl", "TabChoiceControl", "BoolControl"}) {
-        const HostControlId control = add(type, "", choice());
-        for (const int value : {1, 7, -3, 0}) {
-            set(control, value);
-            EXPECT_EQ(integer(control), value) << type;
-        }
-    }
     HostValue color{HOST_VALUE_INTEGER_VECTOR, {}};
     std::ranges::copy(std::array{-20, 300, 7}, color.of.vector);
     const HostControlId rgb = add("MiniRGBControl");
@@ -242,28 +219,24 @@ TEST_F(PanelServices, HandlesThatOutliveTheirPanelDoNothing) {
     EXPECT_EQ(findServiceOrWindow(HOST_PANELS_SERVICE, 0), nullptr);
 }
 
-TEST_F(PanelServices, APanelMayBeDestroyedInItsOwnEvent) {
-    add("ButtonControl", "Gone");
-    onEvent = [this] { host->destroy(panel); };
-    EXPECT_EQ(open([](QWidget& shownPanel) { click(find(shownPanel, "Gone.button")); }), 0);
-    EXPECT_EQ(events, 1);
-    EXPECT_EQ(panels->openPanel(), nullptr);
-}
-
-TEST_F(PanelServices, CloseConfirmsEveryOpenPanel) {
-    const auto [outer, inner, second] = openOver([&](QWidget& shownPanel) {
-        EXPECT_EQ(panels->openPanel(), &shownPanel);
-        panels->close(true);
-    });
-    EXPECT_EQ(outer + inner, 2);
-    host->destroy(second);
-}
-
-TEST_F(PanelServices, APanelTakesThoseOverItAlong) {
-    const auto [outer, inner, second] = openOver([this](QWidget&) { host->destroy(panel); });
-    EXPECT_EQ(outer + inner, 0);
-    QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
-    EXPECT_EQ(host->addControl(second, "BoolControl", nullptr, ""), nullptr);
+TEST_F(PanelServices, PanelsOnTopCloseWithThoseBelow) {
+    for (const bool confirmed : {true, false}) {
+        host->destroy(panel);
+        panel = host->create("Probe", nullptr);
+        add("ButtonControl", "More");
+        int inner = -1;
+        HostPanelId second = nullptr;
+        onEvent = [&] {
+            second = host->create("Second", nullptr);
+            user = [&](QWidget&) { confirmed ? panels->close(true) : host->destroy(panel); };
+            inner = host->open(second, HOST_PANEL_BLOCKING | HOST_PANEL_CANCEL);
+        };
+        const int outer = open([](QWidget& shown) { click(find(shown, "More.button")); });
+        EXPECT_EQ(outer + inner, confirmed ? 2 : 0);
+        QCoreApplication::sendPostedEvents(nullptr, QEvent::DeferredDelete);
+        if (confirmed) host->destroy(second);
+        EXPECT_EQ(host->addControl(second, "BoolControl", nullptr, ""), nullptr);
+    }
 }
 
 int asked = 0, rows = 1000;
@@ -342,7 +315,6 @@ TEST_F(PanelServices, DrawingIsClampedAndPaintedAndClearedByItsArea) {
     });
 }
 
-/// How many pixels are of that colour, about.
 int pixelsOf(const QImage& shown, const QColor& color) {
     int count = 0;
     for (int i = 0; i < shown.width() * shown.height(); ++i) {
@@ -483,8 +455,6 @@ TEST_F(PanelServices, ThePickerKeepsColorsThatWereNotChanged) {
     auto* pick =
         reinterpret_cast<HostColorPicker*>(findServiceOrWindow(HOST_COLOR_PICKER_SERVICE, 0));
     HostColorPick request{0, "Ink", 0.501F, 2.0F, std::nanf(""), this, nullptr};
-    EXPECT_NE(pick(3, &request), 0);
-    EXPECT_NE(pick(HOST_COLOR_PICKER_VERSION, nullptr), 0);
     request.liveUpdate = [](void* self, float red, float, float) {
         if (red > 0.9F) ++static_cast<PanelServices*>(self)->events;
     };

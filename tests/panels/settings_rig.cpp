@@ -79,12 +79,6 @@ void SettingsRig::apply(const char* changesAsJson) {
     shader_->load(blockOf(changed));
 }
 
-Shown shown(const QWidget& panel, const char* name) {
-    const auto& widget = find(panel, name);
-    if (!widget.isVisibleTo(&panel)) return Shown::Absent;
-    return widget.isEnabledTo(&panel) ? Shown::Normal : Shown::Ghosted;
-}
-
 void click(QWidget& widget) {
     QTest::mouseClick(&widget, Qt::LeftButton);
 }

@@ -23,11 +23,9 @@ class SettingsRig {
     /// Opens the settings panel and runs `user` in it; closes it as by Cancel
     /// when the user did not. True for OK.
     bool open(const std::function<void(QWidget& panel)>& user);
-    /// Lays the panel out without showing it.
     void draw(const std::function<void(QWidget& panel)>& look);
 
     Settings settings() const { return settingsOf(shader_->save()); }
-    /// Changes settings by name while no panel is open.
     void apply(const char* changesAsJson);
 
     int updates = 0;  ///< sent by the module
@@ -51,18 +49,11 @@ Widget& find(const QWidget& panel, const char* name) {
     throw std::runtime_error(std::string("no control named ") + name);
 }
 
-/// Whether the user sees a control, and can use it.
-enum class Shown { Absent, Ghosted, Normal };
-Shown shown(const QWidget& panel, const char* name);
-
-/// As a user does it.
 void click(QWidget& widget);
 void clickAt(QWidget& widget, int x);
 void type(const QWidget& panel, const char* field, const char* text);
-/// Presses in the middle, moves by `distance` in steps, releases.
 void drag(QWidget& widget, int distance, Qt::KeyboardModifiers keys = {});
 void selectPage(QWidget& panel, int page);
-/// Once the colour picker is up.
 void whenPicking(std::function<void(QColorDialog& dialog)> user);
 
 }  // namespace tavora::studio::testing

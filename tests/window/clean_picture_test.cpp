@@ -1,4 +1,3 @@
-// The picture of the window against the one that the command line renders.
 
 #include <QColorSpace>
 #include <QImage>
@@ -15,7 +14,6 @@ namespace {
 
 class CleanPicture : public WindowTest {
   protected:
-    /// As `tavora render` writes it with the options of the window.
     QImage rendered(QSize size) {
         RenderRequest request;
         request.scene = scene_;

@@ -1,4 +1,3 @@
-// The defaults that a user stores, and where they play a part.
 
 #include <fstream>
 #include <gmock/gmock.h>

@@ -36,6 +36,7 @@ WindowTest::WindowTest() {
 }
 
 WindowTest::~WindowTest() {
+    EXPECT_TRUE(answers_.empty()) << "less was asked";
     window_.reset();
     setSettingsFolder({});
 }
@@ -96,14 +97,6 @@ void WindowTest::inPanel(const std::vector<std::function<void(QWidget& panel)>>&
     action("options").trigger();
     if (failed) std::rethrow_exception(failed);
     EXPECT_EQ(next, steps.size()) << "the panel closed too early";
-}
-
-void WindowTest::answer(std::vector<int> buttons) {
-    answers_ = std::move(buttons);
-}
-
-void WindowTest::TearDown() {
-    EXPECT_TRUE(answers_.empty()) << "less was asked";
 }
 
 }  // namespace tavora::studio::testing

@@ -19,9 +19,7 @@ class WindowTest : public ::testing::Test {
   protected:
     WindowTest();
     ~WindowTest() override;
-    void TearDown() override;
 
-    /// A window as a start of the program gives it.
     void start();
     /// As when the program is killed: nothing is asked, nothing saved.
     void kill() { window_.reset(); }
@@ -35,18 +33,12 @@ class WindowTest : public ::testing::Test {
     QAction& action(const char* name) { return *window_->findChild<QAction*>(name); }
     void check(int surface, bool on);  ///< its box in the list
 
-    /// Waits for the clean picture.
     QImage picture();
     /// Opens the panel of the current surface and runs the steps in it, each in
     /// the panel that is shown by then; closes it as by Cancel if the last one
     /// left it open.
     void inPanel(const std::vector<std::function<void(QWidget& panel)>>& steps);
-    /// Answers the next questions and messages with one of their buttons each. The
-    /// test fails when there are fewer until its end.
-    void answer(std::vector<int> buttons);
-    auto answered() {
-        return [this] { return answers_.empty(); };
-    }
+    void answer(std::vector<int> buttons) { answers_ = std::move(buttons); }
 
     TemporaryFolder folder_;
     std::filesystem::path scene_ = folder_ / "scene.gltf";
