@@ -286,12 +286,12 @@ void PanelDialog::orderFocus() {
 
 bool PanelDialog::focusNextPrevChild(bool next) {
     const auto count = static_cast<std::ptrdiff_t>(order_.size());
-    const auto now = std::ranges::find(order_, focusWidget());
+    const auto now = std::find(order_.begin(), order_.end(), focusWidget());
     std::ptrdiff_t place = now != order_.end() ? now - order_.begin() : (next ? -1 : count);
     for (std::ptrdiff_t tried = 0; tried < count; ++tried) {
         place = (place + (next ? 1 : count - 1)) % count;
         QWidget* widget = order_[static_cast<std::size_t>(place)];
-        if (!widget->isVisible() || !widget->isEnabled()) continue;
+        if (widget == nullptr || !widget->isVisible() || !widget->isEnabled()) continue;
         if ((widget->focusPolicy() & Qt::TabFocus) == 0) continue;
         widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
         scroll_->ensureWidgetVisible(widget);

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDialog>
+#include <QPointer>
 #include <optional>
 #include <vector>
 
@@ -86,7 +87,9 @@ class PanelDialog : public QDialog {
     QDialogButtonBox* buttons_;
     std::vector<PanelControl*> controls_;
     ZoneMarkers* markers_ = nullptr;
-    std::vector<QWidget*> order_;  ///< in which the Tab key goes through them
+    /// In which the Tab key goes through them; null where one is gone, as buttons are that a
+    /// later opening replaces.
+    std::vector<QPointer<QWidget>> order_;
     HostPanelDraw* draw_ = nullptr;
     void* userData_;
     QSize asked_{0, 0};
