@@ -84,8 +84,11 @@ std::optional<float> floatOfJson(const Json& value) {
 
 std::optional<std::int32_t> integerOfJson(const Json& value) {
     if (!value.is_number()) return {};
-    const double number = value.get<double>();
-    if (number != std::trunc(number) || number < INT32_MIN || number > INT32_MAX) return {};
+    double number = value.get<double>();
+    if (!(number >= INT32_MIN && number <= INT32_MAX)) return {};
+    // What is whole once it is kept in single precision is whole: it would be written so.
+    if (number != std::trunc(number)) number = static_cast<double>(static_cast<float>(number));
+    if (number != std::trunc(number) || number > INT32_MAX) return {};
     return static_cast<std::int32_t>(number);
 }
 

@@ -21,8 +21,8 @@ std::string jsonTextOfFloat(float value);
 /// else, and for a number beyond the range of floats.
 std::optional<float> floatOfJson(const nlohmann::ordered_json& value);
 
-/// A whole number of 32 bits, however it is written: 3, 3.0 or 0.3e1. None for
-/// anything else.
+/// A whole number of 32 bits, however it is written: 3, 3.0 or 0.3e1; also one that
+/// single precision makes whole. None for anything else.
 std::optional<std::int32_t> integerOfJson(const nlohmann::ordered_json& value);
 
 }  // namespace tavora::studio
