@@ -1,4 +1,5 @@
 
+#include <algorithm>
 #include <csignal>
 #include <gtest/gtest.h>
 #include <sys/wait.h>
@@ -44,6 +45,17 @@ TEST(Progress, BarsFitTheirTerminalsAndNamesCannotPaintThem) {
               R"({"event":"progress","done":0.2500,"elapsed":1.500,"left":4.500})");
     EXPECT_EQ(progressJson(0, 1.5), R"({"event":"progress","done":0.0000,"elapsed":1.500})");
     EXPECT_EQ(oneLine("a\nb\x1b[31m\x7f\xc3\xbc"), "a b?[31m?\xc3\xbc");
+}
+
+TEST(Progress, ABarThatCannotBeRedrawnIsALineAtEveryTenth) {
+    testing::internal::CaptureStderr();
+    Progress progress(ProgressKind::Bar, false);
+    for (const double done : {0.12, 0.15, 0.31, 0.33}) {
+        ::usleep(110'000);
+        progress.update(done);
+    }
+    const std::string said = testing::internal::GetCapturedStderr();
+    EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 2) << said;
 }
 
 }  // namespace
