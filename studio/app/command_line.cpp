@@ -58,6 +58,7 @@ void addReading(CLI::App& command, ReadOptions& reading) {
     addOption(command, "--max-memory", "SIZE",
               "Memory that the scene may take, such as 8G (half of the machine's)",
               into(reading.memory, memorySize))
+        ->transform(CLI::AsSizeValue(false))
         ->envname("TAVORA_MAX_MEMORY");
     command.add_flag("--allow-outside", reading.outside,
                      "Read files outside the scene's folder, where links or \"..\" lead there");

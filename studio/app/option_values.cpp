@@ -152,20 +152,9 @@ std::pair<int, int> resolution(const std::string& text) {
 
 std::uint64_t memorySize(const std::string& text) {
     constexpr std::uint64_t kLeast = 1'000'000;
-    std::uint64_t factor = 1;
-    std::string_view number = text;
-    constexpr std::string_view kSuffixes = "kKmMgGtT";
-    const std::size_t suffix = number.empty() ? number.npos : kSuffixes.find(number.back());
-    if (suffix != number.npos) {
-        factor = std::uint64_t{1} << (10 * (suffix / 2 + 1));
-        number.remove_suffix(1);
-    }
-    const auto count = numberOf<std::uint64_t>(number);
-    if (count && *count <= std::numeric_limits<std::uint64_t>::max() / factor &&
-        *count * factor >= kLeast) {
-        return *count * factor;
-    }
-    refuse("a size of at least a million bytes, like 8G or 500M", text);
+    const auto bytes = numberOf<std::uint64_t>(text);
+    if (bytes && *bytes >= kLeast) return *bytes;
+    refuse("at least a million bytes, like 8G or 500M", text);
 }
 
 double percentage(const std::string& text) {

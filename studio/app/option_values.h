@@ -22,7 +22,7 @@ std::pair<int, int> sampleCounts(const std::string& text);
 /// "1280x720"
 std::pair<int, int> resolution(const std::string& text);
 
-/// "8G" or "500M", in bytes; at least a million, so that "8" is no slip.
+/// Bytes; at least a million, so that "8" is no slip.
 std::uint64_t memorySize(const std::string& text);
 
 /// "50" or "50%", as a factor.

@@ -205,12 +205,6 @@ HitKey RayScene::keyOf(const RTCRayHit& query, const Hit& hit) const {
             hit.mesh, hit.triangle};
 }
 
-Hit RayScene::hitOf(const RTCHit& hit) {
-    if (hit.geomID == RTC_INVALID_GEOMETRY_ID) return {};
-    const bool isInstance = hit.instID[0] != RTC_INVALID_GEOMETRY_ID;
-    return {isInstance ? hit.instID[0] : hit.geomID, hit.primID};
-}
-
 bool RayScene::nextHit(const Ray& ray, const Hit& after, Hit& hit) const {
     RTCRayHit query{};
     setEmbreeRay(ray, 0, query.ray);
@@ -225,7 +219,7 @@ bool RayScene::nextHit(const Ray& ray, const Hit& after, Hit& hit) const {
     RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
     context.viewing = &progress;
     rtcIntersect1(scene_.get(), &context.embree, &query);
-    hit = hitOf(query.hit);
+    hit = hitOf(query.hit.geomID, query.hit.instID[0], query.hit.primID);
     return !hit.isNone();
 }
 

@@ -43,6 +43,12 @@ struct Hit {
     bool operator==(const Hit&) const = default;
 };
 
+/// What Embree met: a triangle of a mesh, or of the mesh that an instance shows.
+inline Hit hitOf(std::uint32_t geometry, std::uint32_t instance, std::uint32_t triangle) {
+    if (geometry == RTC_INVALID_GEOMETRY_ID) return {};
+    return {instance == RTC_INVALID_GEOMETRY_ID ? geometry : instance, triangle};
+}
+
 /// The Embree device that pictures are made with. Kernels for later processors fuse
 /// multiplications with additions, and so meet another triangle, or none, at edges:
 /// these make pictures the same on all.
@@ -114,7 +120,6 @@ class RayScene {
     RTCGeometry newInstance(const SceneMesh& source);
     RTCScene sharedTriangles(const SceneMesh& source);
     HitKey keyOf(const RTCRayHit& query, const Hit& hit) const;
-    static Hit hitOf(const RTCHit& hit);
     void checkDevice() const;
 
     const SceneIndex* index_;

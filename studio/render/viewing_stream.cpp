@@ -44,8 +44,7 @@ void ViewingStream::firstHits(std::span<const Ray> rays, std::span<Hit> hits) {
         if (areDoubtful_[i] != 0 || limitsOf(rays[i]).exist() || (meets && isNearEdge(i))) {
             scene_->nextHit(rays[i], {}, hits[i]);
         } else {
-            const bool isInstance = instances_[i] != RTC_INVALID_GEOMETRY_ID;
-            hits[i] = meets ? Hit{isInstance ? instances_[i] : meshes_[i], triangles_[i]} : Hit{};
+            hits[i] = hitOf(meshes_[i], instances_[i], triangles_[i]);
         }
     }
 }

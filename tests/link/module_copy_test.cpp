@@ -11,8 +11,8 @@
 #include "host/services/messages.h"
 #include "studio/link/module_file.h"
 #include "studio/link/shader.h"
-#include "studio/util/error.h"
 #include "tests/files/temporary_folder.h"
+#include "tests/support/refusal.h"
 
 namespace tavora::studio {
 namespace {
@@ -31,18 +31,8 @@ void* lookUp(const char* service, int) {
     return std::string(service) == HOST_MESSAGES_SERVICE ? &messages : nullptr;
 }
 
-template <class Work>
-std::string errorOf(const Work& work) {
-    try {
-        work();
-    } catch (const Error& error) {
-        return error.what();
-    }
-    return "no error";
-}
-
 std::string errorOfFile(const fs::path& file, const std::string& server = {}) {
-    return errorOf([&] { const ModuleCopy copy(file, lookUp, server); });
+    return refusal([&] { const ModuleCopy copy(file, lookUp, server); });
 }
 
 std::ptrdiff_t openFiles() {
@@ -95,13 +85,13 @@ TEST(ModuleCopy, RefusesFilesThatAreNoModulesOrCutOff) {
                 AllOf(HasSubstr("not a loadable"), HasSubstr(file.string()),
                       Not(HasSubstr("tavora-plugin-"))));
     const std::string whole = bytesOf(kFolder / "good.so");
-    EXPECT_EQ(errorOfBytes(whole), "no error");
+    EXPECT_EQ(errorOfBytes(whole), "");
     // Up to the last loaded byte; what the linker alone needs may be missing.
     std::size_t refused = 0;
     constexpr std::size_t kStep = 97;
     for (std::size_t size = 0; size < whole.size(); size += kStep) {
         const std::string error = errorOfBytes(whole.substr(0, size));
-        if (error == "no error") break;
+        if (error == "") break;
         EXPECT_THAT(error, AllOf(HasSubstr("plug-in module"), HasSubstr("reinstall"))) << size;
         refused = size;
     }
@@ -152,10 +142,10 @@ TEST(Shader, KeepsSettingsInBlocksAndGoesThroughPasses) {
     EXPECT_EQ(shader.save(), StateBlock{15});
     shader.endPass();
     EXPECT_EQ(shader.save(), StateBlock{0});
-    EXPECT_THAT(errorOf([&] { shader.beginPass(-1, 12, 3.5); }), HasSubstr("no such mode"));
+    EXPECT_THAT(refusal([&] { shader.beginPass(-1, 12, 3.5); }), HasSubstr("no such mode"));
 
     setenv("FAKE_MODULE_REFUSES", "1", 1);
-    EXPECT_THAT(errorOf([&] { const Shader another(copy, nullptr); }),
+    EXPECT_THAT(refusal([&] { const Shader another(copy, nullptr); }),
                 HasSubstr("no more shaders today"));
     unsetenv("FAKE_MODULE_REFUSES");
 }
@@ -214,14 +204,14 @@ TEST(ModuleFile, IsLookedForInOrder) {
     EXPECT_THROW(findModule(folder / "third"), Error);
     fs::remove(folder / "second/tavora.so");
     EXPECT_THAT(
-        errorOf([] { findModule({}); }),
+        refusal([] { findModule({}); }),
         AllOf(HasSubstr(folder / "first"), HasSubstr(folder / "second"), HasSubstr("unset it")));
     // Set but empty is as good as unset: the place beside the program counts.
     const fs::path beside = fs::read_symlink("/proc/self/exe").parent_path() / "tavora.so";
     for (const std::string none : {"unset", "", ":"}) {
         unsetenv("TAVORA_PLUGIN_PATH");
         if (none != "unset") setenv("TAVORA_PLUGIN_PATH", none.c_str(), 1);
-        const std::string error = errorOf([] { findModule({}); });
+        const std::string error = refusal([] { findModule({}); });
         EXPECT_THAT(error, HasSubstr("looked for " + beside.string() + ";"));
         EXPECT_THAT(error, HasSubstr(none == ":" ? "unset it" : "install"));
     }

@@ -7,8 +7,8 @@
 
 #include "studio/render/ray_scene.h"
 #include "studio/render/viewing_stream.h"
-#include "studio/util/error.h"
 #include "tests/render/test_scene.h"
+#include "tests/support/refusal.h"
 
 namespace tavora::studio {
 namespace {
@@ -120,14 +120,9 @@ TEST(Instances, TakeOfTheBudgetWhatOneMeshTakesAndGiveItBack) {
 
     crowd.scene.memory = std::make_shared<MemoryBudget>("crowd.glb", copied / 2);
     const SceneIndex index(crowd.scene);
-    try {
-        const RayScene tooLarge(index);
-        FAIL();
-    } catch (const Error& error) {
-        EXPECT_EQ(error.fault(), Fault::Scene);
-        EXPECT_THAT(error.what(), testing::AllOf(testing::StartsWith("crowd.glb: with "),
-                                                 testing::HasSubstr("--max-memory")));
-    }
+    EXPECT_THAT(refusal([&] { const RayScene tooLarge(index); }),
+                testing::AllOf(testing::StartsWith("crowd.glb: with "),
+                               testing::HasSubstr("--max-memory")));
 }
 
 }  // namespace

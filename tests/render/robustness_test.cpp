@@ -84,24 +84,6 @@ TEST_P(Sampling, IsTheSameInSmallCrops) {
     }
 }
 
-TEST_P(Sampling, ShowsWhatIsPicked) {
-    RenderOptions options = squareOptions(40);
-    options.samples = 7;
-    if (GetParam()) {
-        options.mostSamples = 50;
-        options.filter = PixelFilter::BlackmanHarris;
-    }
-    nlohmann::ordered_json oneColor;
-    for (int i = 0; i < 5; ++i)
-        oneColor["zones[" + std::to_string(i) + "].color"] = {128 / 255.0, 64 / 255.0, 0};
-    const Picture picture =
-        renderWith(litRoom(), frontCamera({0, 0, 1}, 0.3), options, TAVORA_MODULE, look(oneColor));
-    for (int i = 0; i < 40 * 40; ++i) {
-        const V3d off = displayed(picture, i % 40, i / 40) * 255 - V3d(128, 64, 0);
-        ASSERT_LT(off.length(), 1e-4) << i;
-    }
-}
-
 /// How many pixels of a mesh, lit from many sides, its own shadow darkens.
 int ownShadows(const std::shared_ptr<Mesh>& mesh, double scale) {
     TestScene test;

@@ -9,7 +9,7 @@
 namespace tavora::studio {
 namespace {
 
-using Imath::V2f, Imath::V3f, Imath::V4f;
+using Imath::V3f, Imath::V4f;
 using testing::HasSubstr;
 
 TEST(GltfGeometry, StripsAndFansWindLikeLists) {
@@ -63,28 +63,6 @@ TEST(GltfGeometry, NormalsAreOfLengthOneAndFlatWhereThereAreNone) {
     for (const auto& shape : noArea)
         EXPECT_NEAR(read(shape, std::vector<float>(9, 0)).normals[0].length(), 1, 1e-5);
     EXPECT_FALSE(read(noArea[0], GltfBuilder::upward()).smooth) << "without area";
-}
-
-TEST(GltfGeometry, AttributesAreFractionsOrWholeAndReplacedInPart) {
-    GltfBuilder file;
-    const int indices = file.accessor<std::uint8_t>({1, 2, 3}, "SCALAR");
-    Json attributes = {
-        {"POSITION", file.accessor<std::int16_t>({9, 9, 9, -32768, 0, 0, 32767, 0, 0, 0, 32767, 0},
-                                                 "VEC3", true)}};
-    attributes["TEXCOORD_0"] =
-        file.accessor<std::uint16_t>({0, 0, 0, 65535, 1, 0, 2, 0}, "VEC2", true);
-    attributes["TEXCOORD_1"] = file.accessor<std::int8_t>({0, 0, 5, 6, 7, 8, 9, 10}, "VEC2");
-    attributes["COLOR_0"] =
-        file.accessor<std::uint8_t>({0, 0, 0, 255, 0, 51, 255, 255, 255, 0, 0, 0}, "VEC3", true);
-    file.document["accessors"].back()["sparse"] = {
-        {"count", 1},
-        {"indices", {{"bufferView", file.view<std::uint8_t>({3})}, {"componentType", 5121}}},
-        {"values", {{"bufferView", file.view<std::uint8_t>({0, 255, 0})}}}};
-    const Scene scene = file.readPrimitive(attributes, {{"indices", indices}});
-    const Mesh& mesh = firstMesh(scene);
-    EXPECT_EQ(mesh.positions, (std::vector{V3f(-1, 0, 0), V3f(1, 0, 0), V3f(0, 1, 0)}));
-    EXPECT_TRUE(mesh.uvs[0].at(0) == V2f(0, 1) && mesh.uvs[1].at(2) == V2f(9, 10));
-    EXPECT_EQ(mesh.colors, (std::vector{V4f(1, 0, 0.2F, 1), V4f(1), V4f(0, 1, 0, 1)}));
 }
 
 TEST(GltfGeometry, MeshesAreSharedBetweenNodesAndSkippedVerticesDropped) {

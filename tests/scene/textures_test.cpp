@@ -33,7 +33,10 @@ Image decoded(const Bytes& file, std::uint64_t memory = std::uint64_t{1} << 40) 
 }
 
 std::string refused(const Bytes& file) {
-    return refusal([&] { decoded(file); });
+    MemoryBudget budget("scene", std::uint64_t{1} << 40);
+    const std::string says = refusal([&] { decodeImage(file, "picture", budget); });
+    EXPECT_EQ(budget.taken() > 0, says.empty());
+    return says;
 }
 
 TEST(TextureImage, ValuesAreThoseOfTheFile) {

@@ -176,21 +176,21 @@ V3d cornerOf(const Imath::Box3f& box, unsigned i, const Imath::M44d& to) {
 }
 
 /// Calls visit(corner) for all triangles' corners in camera axes with the eye in the
-/// world's origin; for those of a unit cube where there are no triangles. Leaves out
-/// meshes with a box of whose corners none isNews(): a crowd costs little more than
-/// those at its rim.
-template <typename IsNews, typename Visit>
-void eachCorner(Scenes scenes, const Axes& axes, const Boxes& boxes, const IsNews& isNews,
+/// world's origin; for those of a unit cube where there are no triangles. Leaves out the
+/// meshes in whose boxes no corner mayCount(), so that of many only those at the rim of
+/// the scene cost time.
+template <typename MayCount, typename Visit>
+void eachCorner(Scenes scenes, const Axes& axes, const Boxes& boxes, const MayCount& mayCount,
                 const Visit& visit) {
     const Imath::M44d toCamera = frame(axes, V3d(0)).transposed();
     bool none = true;
     eachMesh(scenes, toCamera, [&](const Mesh& mesh, const Imath::M44d& to) {
         none = none && mesh.triangles.empty();
         const Imath::Box3f& box = boxes.at(&mesh);
-        bool matters = false;
-        for (unsigned i = 0; i < 8 && !matters; ++i)
-            matters = isNews(cornerOf(box, i, to));
-        if (!matters) return;
+        bool counts = false;
+        for (unsigned i = 0; i < 8 && !counts; ++i)
+            counts = mayCount(cornerOf(box, i, to));
+        if (!counts) return;
         for (const auto& triangle : mesh.triangles) {
             for (const std::uint32_t i : triangle)
                 visit(placed(mesh.positions[i], to));

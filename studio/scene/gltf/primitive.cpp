@@ -62,7 +62,7 @@ class PrimitiveReader {
     PrimitiveReader(const GltfSource& source, const gltf::Primitive& primitive,
                     const MaterialNeeds& needs, const std::string& where)
         : source_(source), primitive_(primitive), needs_(needs), where_(where) {
-        if (primitive.compressed) draco_ = readDraco(source, primitive, where_, passing_);
+        if (primitive.compressed) draco_ = readDraco(source, primitive, where_, scratch_);
     }
 
     PrimitiveGeometry read() {
@@ -144,17 +144,17 @@ class PrimitiveReader {
         // The order, the triangles, and the search for the vertices that they use.
         constexpr std::uint64_t kCorner = 3 * sizeof(std::uint32_t) + sizeof(Triangle);
         if (primitive_.compressed) {
-            passing_.take(draco_.indices.size() * kCorner, where_);
+            scratch_.take(draco_.indices.size() * kCorner, where_);
             return draco_.indices;
         }
         if (primitive_.indices != gltf::kNone) {
             checkBacked(source_, primitive_.indices);
-            passing_.take(elementCount(source_, primitive_.indices) * kCorner, where_);
+            scratch_.take(elementCount(source_, primitive_.indices) * kCorner, where_);
             return readIntegers(source_, primitive_.indices);
         }
         checkBacked(source_, primitive_.attributes.at("POSITION"));
         if (vertices_ > kMostCorners) fail("has more vertices than can be drawn");
-        passing_.take(vertices_ * kCorner, where_);
+        scratch_.take(vertices_ * kCorner, where_);
         std::vector<std::uint32_t> order(vertices_);
         for (std::size_t i = 0; i < vertices_; ++i)
             order[i] = static_cast<std::uint32_t>(i);
@@ -242,7 +242,7 @@ class PrimitiveReader {
     const gltf::Primitive& primitive_;
     const MaterialNeeds& needs_;
     const std::string& where_;
-    MemoryShare passing_{source_.memory};  // what is gone when the primitive is read
+    MemoryShare scratch_{source_.memory};  // needed until the primitive is read
     DracoPrimitive draco_;
     std::size_t vertices_ = 0;
     VertexPicks picks_{0};

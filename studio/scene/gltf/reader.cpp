@@ -53,7 +53,8 @@ Scene readGltf(const std::filesystem::path& file, const ReadOptions& options) {
     Scene scene;
     scene.path = source.path;
     scene.memory = source.memory;
-    // Beside what the document takes; measured.
+    // Bytes of a surface and of an object beside those of the document, as measured on
+    // files that hold little else.
     constexpr std::uint64_t kMaterial = 2048;
     constexpr std::uint64_t kNode = 512;
     scene.memory->take(source.document.materials.size() * kMaterial, "its materials");

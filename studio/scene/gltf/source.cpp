@@ -95,6 +95,7 @@ GltfSource readGltfSource(const fs::path& file, const ReadOptions& options) {
     const std::uintmax_t size = fs::file_size(file, unknown);
     if (!unknown) source.share.take(2 * size, "the file itself");
     GltfContainer container = readContainer(file);
+    if (unknown) source.share.take(container.json.size() + container.chunks.size(), "its bytes");
     source.share.take(documentSize(container.json), "its JSON");
     source.json = parseDocument(source, container.json);
     checkPreamble(source);

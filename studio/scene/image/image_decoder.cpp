@@ -29,28 +29,28 @@ constexpr std::uint64_t kMostPixelsPerByte = 20000;
 
 using Text = std::array<char, 256>;
 
-/// A file on its way to pixels. Plain data but for the image, since the errors of C
-/// libraries jump over their callers.
+/// A file on its way to pixels. What it took of the budget and did not leave to the
+/// image is given back at the end.
 struct Decoding {
+    Decoding(Bytes encoded, Image& decoded, MemoryBudget& budget)
+        : file(encoded), image(decoded), memory(budget) {}
+    Decoding(const Decoding&) = delete;
+    Decoding& operator=(const Decoding&) = delete;
+    ~Decoding() { memory.giveBack(taken); }
+
     Bytes file;
     Image& image;
     MemoryBudget& memory;
-    std::uint64_t passing = 0;  ///< bytes of the budget that only decoding needs
+    std::uint64_t taken = 0;  ///< bytes
     bool overBudget = false;
     Text why{};
 };
 
-/// Charges the budget with `bytes`, which are given back when the image is decoded.
-bool charge(Decoding& decoding, std::uint64_t bytes) noexcept {
-    decoding.overBudget = !decoding.memory.tryTake(bytes);
-    if (!decoding.overBudget) decoding.passing += bytes;
-    return !decoding.overBudget;
-}
-
-/// Makes room for the pixels and returns them, and charges for `more` bytes a pixel
-/// that only decoding needs. Nothing may be thrown here: null and a text instead.
+/// Makes room for the pixels and returns them, and charges for `scratch` more bytes a
+/// pixel that decoding needs. C libraries jump over their callers, so nothing may be
+/// thrown here: null and a text instead.
 std::uint8_t* makeRoom(Decoding& decoding, std::uint64_t width, std::uint64_t height,
-                       std::uint64_t more = 0) noexcept {
+                       std::uint64_t scratch = 0) noexcept {
     const Bytes file = decoding.file;
     Image& image = decoding.image;
     Text& why = decoding.why;
@@ -63,9 +63,10 @@ std::uint8_t* makeRoom(Decoding& decoding, std::uint64_t width, std::uint64_t he
                       static_cast<unsigned long long>(height), file.size());
         return nullptr;
     }
-    if (!charge(decoding, width * height * more)) return nullptr;
-    decoding.overBudget = !decoding.memory.tryTake(width * height * 4);
+    const std::uint64_t bytes = width * height * (4 + scratch);
+    decoding.overBudget = !decoding.memory.tryTake(bytes);
     if (decoding.overBudget) return nullptr;
+    decoding.taken = bytes;
     try {
         image.width = static_cast<int>(width);
         image.height = static_cast<int>(height);
@@ -208,10 +209,10 @@ void jpegScanned(j_common_ptr info) {
     }
 }
 
-/// Turns a row of cyan, magenta, yellow and black, 4 bytes a pixel, into colours.
-/// Files that bear Adobe's mark hold the inks' absence instead.
-void inksToRgba(std::uint8_t* row, std::size_t pixels, bool absence) {
-    const auto light = [absence](unsigned ink) { return absence ? ink : 255U - ink; };
+/// Turns a row of CMYK, 4 bytes a pixel, into RGBA. Files that bear Adobe's mark are
+/// inverted: 0 is all of an ink.
+void cmykToRgba(std::uint8_t* row, std::size_t pixels, bool inverted) {
+    const auto light = [inverted](unsigned ink) { return inverted ? ink : 255U - ink; };
     for (std::uint8_t* pixel = row; pixel != row + 4 * pixels; pixel += 4) {
         const unsigned black = light(pixel[3]);
         for (int i = 0; i < 3; ++i)
@@ -228,19 +229,20 @@ bool runJpeg(jpeg_decompress_struct& jpeg, JpegState& state) {
     const Bytes file = state.decoding->file;
     jpeg_mem_src(&jpeg, file.data(), static_cast<unsigned long>(file.size()));
     jpeg_read_header(&jpeg, TRUE);
-    const bool inks = jpeg.jpeg_color_space == JCS_CMYK || jpeg.jpeg_color_space == JCS_YCCK;
-    jpeg.out_color_space = inks ? JCS_CMYK : JCS_EXT_RGBA;
+    const bool isCmyk = jpeg.jpeg_color_space == JCS_CMYK || jpeg.jpeg_color_space == JCS_YCCK;
+    jpeg.out_color_space = isCmyk ? JCS_CMYK : JCS_EXT_RGBA;
     // All coefficients are kept where they come in several scans.
-    const bool whole = jpeg_has_multiple_scans(&jpeg) != 0;
-    const std::uint64_t kept =
-        whole ? sizeof(JCOEF) * static_cast<std::uint64_t>(jpeg.num_components) : 0;
-    std::uint8_t* pixels = makeRoom(*state.decoding, jpeg.image_width, jpeg.image_height, kept);
+    const bool isProgressive = jpeg_has_multiple_scans(&jpeg) != 0;
+    const std::uint64_t coefficients =
+        isProgressive ? sizeof(JCOEF) * static_cast<std::uint64_t>(jpeg.num_components) : 0;
+    std::uint8_t* pixels =
+        makeRoom(*state.decoding, jpeg.image_width, jpeg.image_height, coefficients);
     if (pixels == nullptr) return false;
     jpeg_start_decompress(&jpeg);
     while (jpeg.output_scanline < jpeg.output_height) {
         JSAMPROW row = pixels + std::size_t{jpeg.output_scanline} * jpeg.output_width * 4;
         jpeg_read_scanlines(&jpeg, &row, 1);
-        if (inks) inksToRgba(row, jpeg.output_width, jpeg.saw_Adobe_marker != 0);
+        if (isCmyk) cmykToRgba(row, jpeg.output_width, jpeg.saw_Adobe_marker != 0);
     }
     jpeg_finish_decompress(&jpeg);
     return true;
@@ -306,9 +308,7 @@ bool startsWith(Bytes file, std::string_view signature, std::size_t offset = 0) 
 Image decodeImage(Bytes file, const std::string& name, MemoryBudget& memory) {
     Image image;
     image.name = name;
-    Decoding decoding{file, image, memory};
-    const auto giveBack = [&memory](const Decoding* done) { memory.giveBack(done->passing); };
-    const std::unique_ptr<Decoding, decltype(giveBack)> passing(&decoding, giveBack);
+    Decoding decoding(file, image, memory);
     if (startsWith(file, "\x89PNG")) {
         decodePng(decoding);
     } else if (startsWith(file, "\xFF\xD8")) {
@@ -318,6 +318,7 @@ Image decodeImage(Bytes file, const std::string& name, MemoryBudget& memory) {
     } else {
         throw Error(Fault::Scene, "is neither PNG, JPEG nor WebP");
     }
+    decoding.taken -= image.rgba.size();
     return image;
 }
 
