@@ -32,7 +32,9 @@ TEST(CommandLine, TakesEachOptionToItsPlace) {
         "--ambient 0.25 --exposure 3 --falloff physical --light-radius A=1 --light-radius 2 "
         "--light-angle 90 --no-shadows B --look noir --look X=comic --set X.edgeEnable=true "
         "--plugin p.so --no-shader=C --no-self-shadow --no-cast-shadows=D "
-        "--no-received-shadows=E --no-normal-map=F --no-normal-map=G --progress bar");
+        "--no-received-shadows=E --no-normal-map=F --no-normal-map=G --progress bar "
+        "--max-memory 2GB --allow-outside");
+    EXPECT_TRUE(render.reading.memory == 2ULL << 30 && render.reading.outside);
     EXPECT_EQ(std::tie(render.scene, render.output, render.camera, render.shading.plugin),
               std::tuple("in.glb", "out.exr", "1", "p.so"));
     EXPECT_EQ(std::tie(render.width, render.height, render.samples, render.mostSamples),
