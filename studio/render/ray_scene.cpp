@@ -187,22 +187,25 @@ RTCGeometry RayScene::newInstance(const SceneMesh& source) {
 }
 
 /// The key of a hit of the ray. What an instance is traced by, Embree knows alone; so
-/// the ray is sent once more to ask.
+/// the ray is sent once more to ask, along the stretch where the hit must be.
 HitKey RayScene::keyOf(const RTCRayHit& query, const Hit& hit) const {
+    constexpr float kAround = 1e-3F;  // share of the distance; far more than rounding
     const MeshGeometry& geometry = geometries_[hit.mesh];
-    if (geometry.isInstance) {
-        ViewingProgress progress{};
-        progress.seeks = &hit;
-        RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
-        context.viewing = &progress;
-        RTCRayHit again = query;
-        rtcIntersect1(scene_.get(), &context.embree, &again);
-        if (progress.after.distance != HitKey{}.distance) return progress.after;
-    }
     const RTCRay& ray = query.ray;
-    return {hitDistance({ray.org_x, ray.org_y, ray.org_z}, {ray.dir_x, ray.dir_y, ray.dir_z},
-                        cornersOf(geometry, hit.triangle)),
-            hit.mesh, hit.triangle};
+    const float distance =
+        hitDistance({ray.org_x, ray.org_y, ray.org_z}, {ray.dir_x, ray.dir_y, ray.dir_z},
+                    cornersOf(geometry, hit.triangle));
+    const HitKey inWorld{distance, hit.mesh, hit.triangle};
+    if (!geometry.isInstance) return inWorld;
+    ViewingProgress progress{};
+    progress.seeks = &hit;
+    RayContext context = rayContext(*this, RTC_INTERSECT_CONTEXT_FLAG_COHERENT);
+    context.viewing = &progress;
+    RTCRayHit again = query;
+    again.ray.tnear = std::max(ray.tnear, distance * (1 - kAround));
+    again.ray.tfar = std::min(ray.tfar, distance * (1 + kAround));
+    rtcIntersect1(scene_.get(), &context.embree, &again);
+    return progress.after.distance != HitKey{}.distance ? progress.after : inWorld;
 }
 
 bool RayScene::nextHit(const Ray& ray, const Hit& after, Hit& hit) const {
