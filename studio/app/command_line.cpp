@@ -10,6 +10,7 @@
 #include <unistd.h>
 
 #include "studio/app/command.h"
+#include "studio/app/frames.h"
 #include "studio/app/help_texts.h"
 #include "studio/app/option_values.h"
 #include "studio/files/standard_streams.h"
@@ -135,11 +136,13 @@ void addLighting(CLI::App& command, LightingOptions& lighting) {
 }
 
 void addProgress(CLI::App& command, ProgressKind& target) {
-    addOption(command, "--progress", "KIND", "auto, none, bar or json (auto)",
+    addOption(command, "--progress", "KIND", "auto, none, bar, json, alf or openjd (auto)",
               into(target, oneOf<ProgressKind>({{"auto", ProgressKind::Auto},
                                                 {"none", ProgressKind::None},
                                                 {"bar", ProgressKind::Bar},
-                                                {"json", ProgressKind::Json}})));
+                                                {"json", ProgressKind::Json},
+                                                {"alf", ProgressKind::Alf},
+                                                {"openjd", ProgressKind::OpenJd}})));
 }
 
 void addQuality(CLI::App& command, RenderRequest& request) {
@@ -183,12 +186,48 @@ void addView(CLI::App& command, RenderRequest& request) {
     addLighting(command, request.lighting);
 }
 
+void addAnimation(CLI::App& command, AnimationRequest& animation) {
+    command.option_defaults()->group("Animation");
+    addOption(command, "--animation", "NAME|INDEX",
+              "What plays (those that can at once); repeatable", into(animation.names));
+    const auto seconds = [](const std::string& text) { return realNumber(text, -1e6, 1e6); };
+    addOption(command, "--time", "SECONDS", "Show the scene at a time, not at rest",
+              into(animation.seconds, seconds));
+}
+
+void addFilm(CLI::App& command, RenderRequest& request) {
+    addAnimation(command, request.animation);
+    addOption(command, "-f,--frames", "RANGE",
+              "Frames of a film, like 1-48x2,60, at the time frame / fps",
+              [&request](const std::string& text) { request.frames = frameNumbers(text); })
+        ->excludes(command.get_option("--time"));
+    constexpr double kSlowest = 0.001;
+    const auto fps = [](const std::string& text) { return realNumber(text, kSlowest, 1e5); };
+    addOption(command, "--fps", "N", "Frames a second (24)", into(request.animation.fps, fps));
+    const auto hold = [](const std::string& text) { return wholeNumber(text, 1, 1000); };
+    addOption(command, "--hold", "N",
+              "Render every Nth frame and hold it: 2 animates \"on twos\" (1)",
+              into(request.hold, hold));
+    const auto shutter = [](const std::string& text) { return realNumber(text, 0, 1); };
+    addOption(command, "--shutter", "SHARE",
+              "Motion blur: how much of a frame's time the shutter is open, 0 to 1 (0)",
+              into(request.shutter, shutter));
+    addOption(command, "--existing", "HOW",
+              "Files that are there: overwrite, skip (those made from the same) or fail "
+              "(overwrite)",
+              into(request.existing, oneOf<Existing>({{"overwrite", Existing::Overwrite},
+                                                      {"skip", Existing::Skip},
+                                                      {"fail", Existing::Fail}})));
+    command.add_flag("--keep-going", request.keepGoing, "Go on after frames that fail");
+}
+
 void addRender(CLI::App& command, RenderRequest& request) {
     addScene(command, request.scene)->required();
     addOutput(command, "the picture to write, .png or .exr", request.output)->required();
     addPictureSize(command, request);
     addQuality(command, request);
     addView(command, request);
+    addFilm(command, request);
     addShading(command, request.shading);
     command.add_flag("--no-shader{*}", request.shading.plain,
                      "Plain shading for all or some surfaces; repeatable");

@@ -12,8 +12,9 @@ inline constexpr const char* kProgramExamples = R"(Examples:
   tavora edit model.glb
   tavora help render
 
-Exit status: 0 done, 1 internal, 2 usage, 3 scene, 4 write, 6 plug-in,
-128+n stopped by signal n.
+Exit status: 0 done, 1 internal, 2 usage, 3 scene, 4 write, 5 some frames failed,
+6 plug-in, 75 stopped by a signal between frames, to be gone on with, 128+n
+stopped by signal n.
 Environment: TAVORA_PLUGIN_PATH, TAVORA_DEFAULTS, TAVORA_THREADS, TAVORA_MAX_MEMORY, NO_COLOR.)";
 
 inline constexpr const char* kRenderExamples = R"(Examples:
@@ -23,10 +24,13 @@ inline constexpr const char* kRenderExamples = R"(Examples:
   tavora render model.glb -o out.png --set '*.edgeEnable=true' --set Body.edgeColor=#800000
   tavora render model.glb -o out.png --look noir --set 'Body.zones[1].color=#ff8000'
   tavora render model.glb -o detail.exr --crop 0.5,0,1,0.5 --background transparent
+  tavora render model.glb -o 'film/####.png' -f 1-48 --animation Walk
+  tavora render model.glb -o 'film/%04d.exr' -f 1-48 --hold 2 --existing skip
   tavora render model.glb --list-cameras
   cat model.glb | tavora render - -o - --format exr >picture.exr
 
 SCENE - is standard input, which must hold everything; -o - is standard output.
+#### or %04d in FILE is the frame's number. --existing skip goes on with a film.
 SURFACE and LIGHT are names or patterns (* ? [a-z]). The very name comes before the
 pattern; a backslash takes the next character as it is: --look 'a\=b=noir'.)";
 

@@ -12,6 +12,7 @@ namespace tavora::studio {
 namespace {
 
 std::atomic<bool> polite{false};
+std::atomic<bool> resumable{false};
 std::atomic<bool> stopAsked{false};
 std::atomic<int> signalSeen{0};
 
@@ -21,7 +22,7 @@ void stop(int signal) {
     removeUnfinishedFiles();
     for (const char* part : {"tavora: ", stoppedText(), "\n"})
         writeError(part);
-    ::_exit(kSignal + signal);
+    ::_exit(resumable.load() ? kResumable : kSignal + signal);
 }
 
 void handle(int signal, void (*handler)(int)) {
@@ -48,10 +49,12 @@ void watchSignals() {
         handle(signal, SIG_IGN);
 }
 
-PoliteStop::PoliteStop() {
+PoliteStop::PoliteStop(bool isResumable) {
+    resumable.store(isResumable);
     polite.store(true);
 }
 PoliteStop::~PoliteStop() {
+    resumable.store(false);
     polite.store(false);
 }
 const std::atomic<bool>& PoliteStop::asked() const {

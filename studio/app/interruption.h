@@ -14,7 +14,8 @@ void watchSignals();
 /// program at once. Main thread.
 class PoliteStop {
   public:
-    PoliteStop();
+    /// Work that `isResumable` ends with kResumable then.
+    explicit PoliteStop(bool isResumable = false);
     ~PoliteStop();
     PoliteStop(const PoliteStop&) = delete;
     PoliteStop& operator=(const PoliteStop&) = delete;

@@ -96,7 +96,10 @@ int explained(Report& report) {
         return static_cast<int>(error.fault());
     } catch (const Stopped& stopped) {
         report.error(fmt::format("stopped by a signal; {}", stopped.what()));
-        return kSignal + stopSignal();
+        return stopped.isResumable() ? kResumable : kSignal + stopSignal();
+    } catch (const SomeFailed& failed) {
+        report.error(failed.what());
+        return kSomeFailed;
     } catch (const RenderStopped&) {
         report.error(stoppedText());
         return kSignal + stopSignal();

@@ -4,9 +4,12 @@
 #include <cmath>
 #include <cstdlib>
 #include <fmt/format.h>
+#include <numeric>
 #include <string_view>
 #include <sys/ioctl.h>
 #include <unistd.h>
+
+#include <nlohmann/json.hpp>
 
 #include "studio/files/standard_streams.h"
 
@@ -14,6 +17,23 @@ namespace tavora::studio {
 namespace {
 
 constexpr double kFirstEstimate = 0.01;  // share done before the time left means anything
+constexpr std::size_t kLastFrames = 8;   // that tell how long the next ones take
+
+using Json = nlohmann::ordered_json;
+
+double secondsBetween(std::chrono::steady_clock::time_point start,
+                      std::chrono::steady_clock::time_point end) {
+    return std::chrono::duration<double>(end - start).count();
+}
+
+// To the millisecond, which keeps lines short.
+double rounded(double seconds) {
+    return std::round(seconds * 1000) / 1000;
+}
+
+std::string lineOf(const Json& json) {
+    return json.dump(-1, ' ', false, Json::error_handler_t::replace);
+}
 
 // Whether a line on standard error can be drawn over.
 bool canRedraw() {
@@ -35,10 +55,6 @@ int terminalWidth() {
     return size.ws_col;
 }
 
-double secondsLeft(double done, double elapsed) {
-    return elapsed * (1 - done) / done;
-}
-
 std::string clockText(double seconds) {
     const auto whole = static_cast<long>(std::ceil(seconds));
     if (whole >= 3600) {
@@ -49,46 +65,109 @@ std::string clockText(double seconds) {
 
 }  // namespace
 
-std::string progressBar(double done, double elapsed, int width) {
-    const std::string left = done >= kFirstEstimate
-                                 ? fmt::format(" {} left", clockText(secondsLeft(done, elapsed)))
-                                 : std::string();
+void FrameTimes::add(double seconds) {
+    last_.push_back(seconds);
+    if (last_.size() > kLastFrames) last_.pop_front();
+}
+
+std::optional<double> FrameTimes::left(double done, double elapsed, std::size_t after) const {
+    const bool isTold = done >= kFirstEstimate;
+    if (last_.empty() && !isTold) return {};
+    const double own = isTold ? elapsed / done : 0;
+    const double usual = last_.empty() ? own
+                                       : std::accumulate(last_.begin(), last_.end(), 0.0) /
+                                             static_cast<double>(last_.size());
+    const double weight = last_.empty() ? 1 : isTold ? done : 0;
+    const double whole = std::max(weight * own + (1 - weight) * usual, elapsed);
+    return whole * (1 - done) + usual * static_cast<double>(after);
+}
+
+std::string progressBar(double done, std::optional<double> left, int width) {
+    const std::string time = left ? fmt::format(" {} left", clockText(*left)) : std::string();
     const std::string percent = fmt::format(" {:3.0f}%", std::floor(done * 100));
-    const auto taken = static_cast<int>(percent.size() + left.size()) + 3;
+    const auto taken = static_cast<int>(percent.size() + time.size()) + 3;
     const int room = std::clamp(width - taken, 0, 50);
     const auto full = static_cast<int>(done * room);
     return fmt::format("[{}{}]{}{}", std::string(static_cast<std::size_t>(full), '#'),
-                       std::string(static_cast<std::size_t>(room - full), '.'), percent, left);
-}
-
-std::string progressJson(double done, double elapsed) {
-    const std::string left = done >= kFirstEstimate
-                                 ? fmt::format(",\"left\":{:.3f}", secondsLeft(done, elapsed))
-                                 : std::string();
-    return fmt::format("{{\"event\":\"progress\",\"done\":{:.4f},\"elapsed\":{:.3f}{}}}", done,
-                       elapsed, left);
+                       std::string(static_cast<std::size_t>(room - full), '.'), percent, time);
 }
 
 Progress::Progress(ProgressKind kind, bool quiet)
-    : kind_(settled(kind, quiet)), redraws_(canRedraw()), start_(Clock::now()) {}
+    : kind_(settled(kind, quiet)),
+      redraws_(canRedraw()),
+      start_(Clock::now()),
+      frameStart_(start_) {}
 
 Progress::~Progress() {
+    clear();
+}
+
+void Progress::clear() {
     if (barShown_) writeError("\r\x1b[K");
+    barShown_ = false;
+}
+
+void Progress::say(const std::string& line) {
+    writeError(line + "\n");
+}
+
+void Progress::start(std::size_t frames, std::size_t renders) {
+    frames_ = frames;
+    renders_ = renders;
+    if (kind_ == ProgressKind::Json) say(lineOf({{"event", "start"}, {"frames", frames}}));
+}
+
+void Progress::beginFrame(std::optional<int> frame, const std::string& file) {
+    frame_ = frame;
+    file_ = file;
+    frameStart_ = Clock::now();
+    if (kind_ == ProgressKind::Json && frame)
+        say(lineOf({{"event", "frame"}, {"frame", *frame}, {"file", file}}));
+    if (kind_ == ProgressKind::OpenJd && frame) {
+        say(fmt::format("openjd_status: frame {}, {} of {}", *frame, framesDone_ + 1, frames_));
+    }
 }
 
 void Progress::update(double done) {
     constexpr std::chrono::milliseconds kPause(100);
     if (kind_ == ProgressKind::None) return;
     const Clock::time_point now = Clock::now();
-    if (now - shown_ < kPause && done < 1) return;
+    const bool isLast = done >= 1 && framesDone_ + 1 == frames_;
+    if (now - shown_ < kPause && !isLast) return;
     shown_ = now;
-    done = std::clamp(done, 0.0, 1.0);
-    const double elapsed = std::chrono::duration<double>(now - start_).count();
-    if (kind_ == ProgressKind::Json) {
-        writeError(progressJson(done, elapsed) + "\n");
+    show(std::clamp(done, 0.0, 1.0));
+}
+
+void Progress::show(double inFrame) {
+    const Clock::time_point now = Clock::now();
+    const std::size_t all = std::max(renders_, rendersDone_ + 1);
+    const double done =
+        std::min(1.0, (static_cast<double>(rendersDone_) + inFrame) / static_cast<double>(all));
+    const std::optional<double> left =
+        times_.left(inFrame, secondsBetween(frameStart_, now), all - rendersDone_ - 1);
+    if (kind_ == ProgressKind::Bar) {
+        const std::string frame =
+            frame_ ? fmt::format("frame {}, {} of {} ", *frame_, framesDone_ + 1, frames_) : "";
+        const int room = terminalWidth() - static_cast<int>(frame.size());
+        showBar(frame + progressBar(done, left, room), done);
+    } else if (kind_ == ProgressKind::Json) {
+        Json json{{"event", "progress"},
+                  {"done", std::round(done * 10000) / 10000},
+                  {"elapsed", rounded(secondsBetween(start_, now))}};
+        if (left) json["left"] = rounded(*left);
+        if (frame_) json["frame"] = *frame_;
+        say(lineOf(json));
     } else {
-        showBar(progressBar(done, elapsed, terminalWidth()), done);
+        showPercent(done);
     }
+}
+
+void Progress::showPercent(double done) {
+    const auto percent = static_cast<int>(done * 100);
+    if (percent == percentShown_) return;
+    percentShown_ = percent;
+    say(kind_ == ProgressKind::Alf ? fmt::format("ALF_PROGRESS {}%", percent)
+                                   : fmt::format("openjd_progress: {}", percent));
 }
 
 void Progress::showBar(const std::string& bar, double done) {
@@ -100,7 +179,51 @@ void Progress::showBar(const std::string& bar, double done) {
     const auto tenth = static_cast<int>(done * 10);
     if (tenth <= tenthShown_) return;
     tenthShown_ = tenth;
-    writeError(bar + "\n");
+    say(bar);
+}
+
+void Progress::endFrame(FrameState state) {
+    const double seconds = secondsBetween(frameStart_, Clock::now());
+    ++framesDone_;
+    if (state == FrameState::Rendered) {
+        ++rendersDone_;
+        times_.add(seconds);
+    }
+    if (kind_ == ProgressKind::Json) {
+        const char* const names[] = {"rendered", "held", "skipped"};
+        Json json{{"event", "file"}};
+        if (frame_) json["frame"] = *frame_;
+        json.update({{"file", file_},
+                     {"state", names[static_cast<std::size_t>(state)]},
+                     {"seconds", rounded(seconds)}});
+        say(lineOf(json));
+    }
+    const bool isFarm = kind_ == ProgressKind::Alf || kind_ == ProgressKind::OpenJd;
+    if (isFarm && framesDone_ == frames_) showPercent(1);
+}
+
+void Progress::error(const std::string& message) {
+    clear();
+    if (kind_ == ProgressKind::OpenJd) say("openjd_status: " + message);
+    if (kind_ != ProgressKind::Json) return;
+    Json json{{"event", "error"}};
+    if (frame_) json["frame"] = *frame_;
+    json["message"] = message;
+    say(lineOf(json));
+}
+
+void Progress::end(const RenderSummary& summary) {
+    clear();
+    if (kind_ != ProgressKind::Json) return;
+    say(lineOf({{"event", "end"},
+                {"rendered", summary.rendered},
+                {"held", summary.held},
+                {"skipped", summary.skipped},
+                {"failed", summary.failed},
+                {"seconds", rounded(summary.seconds)},
+                {"frame_seconds", rounded(summary.frameSeconds)},
+                {"rays", std::round(summary.rays)},
+                {"peak_megabytes", std::round(summary.peakMegabytes)}}));
 }
 
 }  // namespace tavora::studio

@@ -1,15 +1,23 @@
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <fmt/format.h>
+#include <memory>
 #include <stdexcept>
+#include <sys/resource.h>
+#include <system_error>
 
 #include "studio/app/commands.h"
+#include "studio/app/film.h"
+#include "studio/app/frames.h"
 #include "studio/app/interruption.h"
+#include "studio/app/job_notes.h"
 #include "studio/app/picture_area.h"
 #include "studio/app/progress.h"
+#include "studio/app/stopped.h"
 #include "studio/files/standard_streams.h"
 #include "studio/render/picture_file.h"
 #include "studio/render/renderer.h"
-#include "studio/scene/gltf/reader.h"
 #include "studio/setup/scene_report.h"
 #include "studio/setup/scene_view.h"
 #include "studio/setup/shading_plan.h"
@@ -29,11 +37,11 @@ void listCameras(const Scene& scene) {
 }
 
 // Fails before anything is rendered for a picture that could not be written after.
-PictureFormat checkedFormat(const RenderRequest& request) {
+PictureFormat checkedFormat(const RenderRequest& request, const std::string& file) {
     try {
         const PictureFormat format =
-            pictureFormat(request.output, request.depth, !request.background, request.format);
-        isStream(request.output) ? checkStandardOutput() : checkWritable(request.output);
+            pictureFormat(file, request.depth, !request.background, request.format);
+        isStream(file) ? checkStandardOutput() : checkWritable(file);
         return format;
     } catch (const std::invalid_argument& error) {
         throw Error(Fault::Usage, error.what());
@@ -49,25 +57,24 @@ void clear(bool Surface::*flag, const std::vector<std::string>& patterns, const 
     }
 }
 
-Scene readScene(const RenderRequest& request, Report& report) {
-    Scene scene = readGltf(request.scene, request.reading);
-    reportScene(scene, report);
+/// The scene with what the request changes about it, playing what it asks for.
+std::unique_ptr<FilmScene> openScene(const RenderRequest& request, Report& report) {
+    auto film = std::make_unique<FilmScene>(request.scene, request.reading);
+    Scene& scene = film->scene();
     clear(&Surface::selfShadow, request.withoutSelfShadow, "--no-self-shadow", scene);
     clear(&Surface::castsShadows, request.withoutCastShadows, "--no-cast-shadows", scene);
     clear(&Surface::receivesShadows, request.withoutReceivedShadows, "--no-received-shadows",
           scene);
     clear(&Surface::normalMap, request.withoutNormalMap, "--no-normal-map", scene);
-    return scene;
+    if (request.animation.isAsked() || !request.frames.empty())
+        film->play(request.animation.names, report);
+    reportScene(scene, report);
+    return film;
 }
 
 bool allPlain(const ShadingRequest& request) {
     return std::find(request.plain.begin(), request.plain.end(), "*") != request.plain.end();
 }
-
-struct Shading {
-    SurfaceShaders surfaces;
-    std::filesystem::path module;  ///< empty when no surface has a shader
-};
 
 Shading settleShading(const Scene& scene, const RenderRequest& request, Report& report) {
     Shading shading{SurfaceShaders(scene.surfaces.size()), {}};
@@ -81,17 +88,49 @@ Shading settleShading(const Scene& scene, const RenderRequest& request, Report& 
     return shading;
 }
 
-RenderOptions optionsOf(const RenderRequest& request, const PictureArea& area) {
-    RenderOptions options;
-    options.width = area.width;
-    options.height = area.height;
-    options.crop = area.crop;
-    options.samples = request.samples;
-    options.mostSamples = request.mostSamples;
-    options.filter = request.filter;
-    options.threads = request.threads;
-    options.background = request.background;
-    return options;
+/// Sums up frames as they are done.
+class FilmSummary {
+  public:
+    void add(FrameState state, const RenderStats& stats = {}) {
+        if (state == FrameState::Held) ++summary_.held;
+        if (state == FrameState::Skipped) ++summary_.skipped;
+        if (state != FrameState::Rendered) return;
+        ++summary_.rendered;
+        const double seconds = stats.buildSeconds + stats.renderSeconds;
+        summary_.frameSeconds += seconds;
+        summary_.slowestSeconds = std::max(summary_.slowestSeconds, seconds);
+        summary_.rays += static_cast<double>(stats.primaryRays + stats.shadowRays);
+    }
+    void addFailed() { ++summary_.failed; }
+
+    RenderSummary result() const {
+        RenderSummary summary = summary_;
+        const auto rendered = static_cast<double>(std::max<std::size_t>(summary.rendered, 1));
+        summary.frameSeconds /= rendered;
+        summary.rays /= rendered;
+        const auto now = std::chrono::steady_clock::now();
+        summary.seconds = std::chrono::duration<double>(now - start_).count();
+        rusage usage{};
+        ::getrusage(RUSAGE_SELF, &usage);
+        summary.peakMegabytes = static_cast<double>(usage.ru_maxrss) / 1024;
+        return summary;
+    }
+
+  private:
+    RenderSummary summary_;
+    std::chrono::steady_clock::time_point start_ = std::chrono::steady_clock::now();
+};
+
+std::string textOf(const RenderSummary& summary) {
+    std::string frames = fmt::format("{} frames rendered", summary.rendered);
+    if (summary.held > 0) frames += fmt::format(", {} held", summary.held);
+    if (summary.skipped > 0) frames += fmt::format(", {} there already", summary.skipped);
+    if (summary.failed > 0) frames += fmt::format(", {} failed", summary.failed);
+    return fmt::format(
+        "{} in {:.1f} s: {:.2f} s a frame, {:.2f} s at most, {:.1f} million rays "
+        "a frame, {:.0f} MB of memory",
+        frames, summary.seconds, summary.frameSeconds, summary.slowestSeconds, summary.rays / 1e6,
+        summary.peakMegabytes);
 }
 
 void noteStats(const RenderStats& stats, Report& report) {
@@ -104,38 +143,208 @@ void noteStats(const RenderStats& stats, Report& report) {
                                                              static_cast<double>(stats.pixels)));
 }
 
-Picture renderPicture(const Scene& scene, const Camera& camera, const RenderRequest& request,
-                      const PictureArea& area, Report& report) {
-    const LightRig rig = lightsFor(scene, camera, request.lighting);
-    const Shading shading = settleShading(scene, request, report);
-    RenderStats stats;
-    const PoliteStop stop;
-    Progress progress(request.progress, request.report.quiet);
-    const RenderWatch watch{[&](double done) { progress.update(done); }, &stop.asked()};
-    Renderer renderer(scene);
-    Picture picture = renderer.render(camera, rig, shading.surfaces, shading.module,
-                                      optionsOf(request, area), watch, &stats);
-    noteStats(stats, report);
-    return picture;
+/// What is known before anything is rendered.
+struct Job {
+    const RenderRequest& request;
+    const FrameName& files;
+    PictureFormat format;
+    PictureNotes notes;  ///< of all frames
+    FilmRenderer& renderer;
+    Report& report;
+
+    std::string fileOf(std::optional<int> frame) const {
+        return frame ? files.of(*frame) : request.output;
+    }
+};
+
+void write(const Job& job, const Picture& picture, const std::string& file,
+           const PictureNotes& notes) {
+    if (isStream(file)) return writeOut(encodePicture(picture, job.format, notes));
+    writePicture(picture, file, job.format, notes);
+    job.report.note(1, fmt::format("{} written", file));
 }
+
+/// Whether the file that is there may stay: a whole one, made from the same.
+bool isDone(const Job& job, const std::string& file, const PictureNotes& notes) {
+    if (job.request.existing != Existing::Skip || isStream(file)) return false;
+    if (notesOfCompletePicture(file) != notes) return false;
+    job.report.note(1, fmt::format("{} is there already", file));
+    return true;
+}
+
+bool exists(const std::string& file) {
+    std::error_code ignored;
+    return std::filesystem::exists(file, ignored);
+}
+
+void refuseExisting(const RenderRequest& request, const FrameName& files) {
+    if (request.existing != Existing::Fail || isStream(request.output)) return;
+    const auto check = [](const std::string& file) {
+        if (!exists(file)) return;
+        throw Error(Fault::Output,
+                    fmt::format("{} is there already: remove it, or choose --existing skip or "
+                                "overwrite",
+                                file));
+    };
+    if (request.frames.empty()) check(request.output);
+    for (const int frame : request.frames)
+        check(files.of(frame));
+}
+
+void renderStill(const Job& job) {
+    const std::string& file = job.request.output;
+    Progress progress(job.request.progress, job.request.report.quiet);
+    progress.start(1, 1);
+    progress.beginFrame({}, file);
+    FilmSummary summary;
+    if (isDone(job, file, job.notes)) {
+        progress.endFrame(FrameState::Skipped);
+        summary.add(FrameState::Skipped);
+        return progress.end(summary.result());
+    }
+    const PoliteStop stop;
+    const Picture picture =
+        job.renderer.render({}, {[&](double done) { progress.update(done); }, &stop.asked()});
+    progress.clear();
+    noteStats(job.renderer.stats(), job.report);
+    write(job, picture, file, job.notes);
+    progress.endFrame(FrameState::Rendered);
+    summary.add(FrameState::Rendered, job.renderer.stats());
+    progress.end(summary.result());
+}
+
+/// Renders the frames that a request asks for, one after the other.
+class Film {
+  public:
+    explicit Film(const Job& job)
+        : job_(job),
+          request_(job.request),
+          stop_(true),
+          progress_(request_.progress, request_.report.quiet) {}
+
+    void render() {
+        progress_.start(request_.frames.size(), expectedRenders());
+        for (const int frame : request_.frames) {
+            if (stop_.asked()) break;
+            renderOrReport(frame);
+        }
+        const RenderSummary summary = summary_.result();
+        progress_.end(summary);
+        job_.report.note(0, textOf(summary));
+        if (stop_.asked() && done_ < request_.frames.size()) {
+            throw Stopped(fmt::format("stopped by a signal; {} of {} frames are done, "
+                                      "--existing skip goes on with the others",
+                                      done_ - failed_.size(), request_.frames.size()),
+                          true);
+        }
+        if (failed_.empty()) return;
+        throw SomeFailed(fmt::format("{} of {} frames failed: {}", failed_.size(),
+                                     request_.frames.size(), frameText(failed_)));
+    }
+
+  private:
+    /// The frame whose picture is shown, one of every `hold`: so any part of a film holds
+    /// the same ones.
+    int shownIn(int frame) const {
+        const int hold = request_.hold;
+        return frame - ((frame % hold) + hold) % hold;
+    }
+
+    /// Before files are looked into: those that are there may yet turn out to be of another
+    /// scene.
+    std::size_t expectedRenders() const {
+        std::size_t renders = 0;
+        std::optional<int> last;
+        for (const int frame : request_.frames) {
+            const bool isKept = request_.existing == Existing::Skip && exists(job_.fileOf(frame));
+            if (isKept || last == shownIn(frame)) continue;
+            last = shownIn(frame);
+            ++renders;
+        }
+        return renders;
+    }
+
+    void renderOrReport(int frame) {
+        const std::string file = job_.fileOf(frame);
+        progress_.beginFrame(frame, file);
+        ++done_;
+        try {
+            const FrameState state = renderFrame(frame, file);
+            progress_.endFrame(state);
+            state == FrameState::Rendered ? summary_.add(state, job_.renderer.stats())
+                                          : summary_.add(state);
+        } catch (const Error& error) {
+            const std::string text = fmt::format("frame {}: {}", frame, error.what());
+            progress_.error(text);
+            if (!request_.keepGoing || error.fault() == Fault::Module)
+                throw Error(error.fault(), text);
+            job_.report.error(text);
+            failed_.push_back(frame);
+            summary_.addFailed();
+        }
+    }
+
+    FrameState renderFrame(int frame, const std::string& file) {
+        const PictureNotes notes = notesOfFrame(job_.notes, frame);
+        if (isDone(job_, file, notes)) return FrameState::Skipped;
+        const bool isHeld = picture_ && pictureOf_ == shownIn(frame);
+        if (!isHeld) {
+            picture_.reset();
+            picture_ = job_.renderer.render(
+                shownIn(frame), {[this](double done) { progress_.update(done); }, nullptr});
+            pictureOf_ = shownIn(frame);
+            noteFrame(frame);
+        }
+        progress_.clear();
+        write(job_, *picture_, file, notes);
+        return isHeld ? FrameState::Held : FrameState::Rendered;
+    }
+
+    void noteFrame(int frame) {
+        const RenderStats& stats = job_.renderer.stats();
+        progress_.clear();
+        job_.report.note(
+            1, fmt::format("frame {}: brought up to date in {:.3f} s, rendered in {:.2f} s, {} "
+                           "rays; {} refits, {} rebuilds so far",
+                           frame, stats.buildSeconds, stats.renderSeconds,
+                           stats.primaryRays + stats.shadowRays, stats.refits, stats.rebuilds));
+    }
+
+    const Job& job_;
+    const RenderRequest& request_;
+    const PoliteStop stop_;
+    Progress progress_;
+    FilmSummary summary_;
+    std::optional<Picture> picture_;  ///< the last, to be held
+    int pictureOf_ = 0;
+    std::size_t done_ = 0;  ///< frames begun
+    std::vector<int> failed_;
+};
 
 }  // namespace
 
 void render(const RenderRequest& request, Report& report) {
-    if (request.listCameras) return listCameras(readScene(request, report));
+    if (request.listCameras) return listCameras(openScene(request, report)->scene());
     const PictureArea area = pictureArea(request);
-    const PictureFormat format = checkedFormat(request);
-    const Scene scene = readScene(request, report);
-    const double aspect = static_cast<double>(area.width) / area.height;
-    const Camera camera = chooseCamera(scene, request.camera, aspect);
-    report.note(1, fmt::format("camera \"{}\"", camera.name));
-    const Picture picture = renderPicture(scene, camera, request, area, report);
-    if (isStream(request.output)) {
-        writeOut(encodePicture(picture, format));
-    } else {
-        writePicture(picture, request.output, format);
-        report.note(1, fmt::format("{} written", request.output));
+    const FrameName files(request.output);
+    const bool isFilm = !request.frames.empty();
+    if (request.frames.size() > 1 && !files.hasPlace()) {
+        throw Error(Fault::Usage, fmt::format("-o {}: {} frames need a place for their number, "
+                                              "like out/####.png",
+                                              request.output, request.frames.size()));
     }
+    const PictureFormat format =
+        checkedFormat(request, isFilm ? files.of(request.frames.front()) : request.output);
+    refuseExisting(request, files);
+    const std::unique_ptr<FilmScene> scene = openScene(request, report);
+    scene->settle(request.camera, static_cast<double>(area.width) / area.height);
+    report.note(1, fmt::format("camera \"{}\"", scene->camera().name));
+    const LightRig lights = scene->lights(request.lighting);
+    const Shading shading = settleShading(scene->scene(), request, report);
+    FilmRenderer renderer(*scene, shading, request, area);
+    const Job job{request,  files, format, notesOf(request, area, format, *scene, shading),
+                  renderer, report};
+    isFilm ? Film(job).render() : renderStill(job);
 }
 
 }  // namespace tavora::studio

@@ -18,7 +18,23 @@
 /// What the user asked for: the command line read and checked, as plain data.
 namespace tavora::studio {
 
-enum class ProgressKind { Auto, None, Bar, Json };
+enum class ProgressKind { Auto, None, Bar, Json, Alf, OpenJd };
+
+/// What becomes of a file that is there already.
+enum class Existing {
+    Overwrite,
+    Skip,  ///< it stays if it is complete and made from the same; else it is written anew
+    Fail   ///< nothing is rendered
+};
+
+/// What plays, and when it is shown.
+struct AnimationRequest {
+    std::vector<std::string> names;  ///< names, patterns or indexes; empty: what can at once
+    std::optional<double> seconds;   ///< of a still; empty: at rest, unless something is named
+    double fps = 24;                 ///< frame f is at the time f / fps
+
+    bool isAsked() const { return seconds || !names.empty(); }
+};
 
 /// Left, top, right, bottom as shares of the picture, 0..1.
 using CropShares = std::array<double, 4>;
@@ -53,6 +69,12 @@ struct RenderRequest {
     std::optional<PictureFormat::Kind> format;        ///< empty: as the output's suffix says
     PictureDepth depth = PictureDepth::Default;
     ProgressKind progress = ProgressKind::Auto;
+    AnimationRequest animation;
+    std::vector<int> frames;  ///< in the order to render; empty: a still
+    int hold = 1;             ///< frames that show the picture of the one before, and it
+    double shutter = 0;       ///< share of a frame's time that the shutter is open; 0: no blur
+    Existing existing = Existing::Overwrite;
+    bool keepGoing = false;  ///< past frames that fail
 };
 
 struct InfoRequest {

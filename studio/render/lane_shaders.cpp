@@ -9,10 +9,7 @@
 namespace tavora::studio {
 namespace {
 
-// Still pictures: a pass is one frame, at the start of time.
 constexpr int kRenderMode = 0;
-constexpr int kFrame = 0;
-constexpr double kSeconds = 0;
 
 std::vector<SurfaceChange> allOf(const SurfaceShaders& shading) {
     std::vector<SurfaceChange> changes;
@@ -30,8 +27,9 @@ LaneShaders::LaneShaders(const SceneIndex& scene, std::filesystem::path module)
       active_(scene.scene().surfaces.size()) {}
 
 LaneShaders::LaneShaders(const SceneIndex& scene, const SurfaceShaders& shading,
-                         const std::filesystem::path& module)
+                         const std::filesystem::path& module, const FrameTime& time)
     : LaneShaders(scene, module) {
+    time_ = time;
     change(allOf(shading));
 }
 
@@ -43,6 +41,12 @@ void LaneShaders::change(std::span<const SurfaceChange> changes) {
     endPass();
     for (const SurfaceChange& change : changes)
         put(change);
+    beginPass();
+}
+
+void LaneShaders::beginFrame(const FrameTime& time) {
+    endPass();
+    time_ = time;
     beginPass();
 }
 
@@ -61,7 +65,7 @@ void LaneShaders::put(const SurfaceChange& change) {
 void LaneShaders::beginPass() {
     for (std::size_t surface = 0; surface < shaders_.size(); ++surface) {
         if (!shaders_[surface]) continue;
-        shaders_[surface]->beginPass(kRenderMode, kFrame, kSeconds);
+        shaders_[surface]->beginPass(kRenderMode, time_.frame, time_.seconds);
         active_[surface].shader = &*shaders_[surface];
     }
     for (ActiveShader& active : active_) {

@@ -33,9 +33,10 @@ class LaneShaders {
     /// All surfaces plain; the module is loaded when the first one is not.
     /// `scene` must outlive it.
     LaneShaders(const SceneIndex& scene, std::filesystem::path module);
-    /// `shading` has one entry a surface. Throws Error, Fault::Module.
+    /// `shading` has one entry a surface; begins the pass of `time`. Throws Error,
+    /// Fault::Module.
     LaneShaders(const SceneIndex& scene, const SurfaceShaders& shading,
-                const std::filesystem::path& module);
+                const std::filesystem::path& module, const FrameTime& time = {});
     /// Ends the pass.
     ~LaneShaders();
     LaneShaders(const LaneShaders&) = delete;
@@ -45,14 +46,19 @@ class LaneShaders {
     /// Throws Error, Fault::Module and std::bad_alloc; it can then only be destroyed.
     void change(std::span<const SurfaceChange> changes);
 
+    /// Begins the pass of another frame, after ending that before. No thread may shade
+    /// meanwhile.
+    void beginFrame(const FrameTime& time);
+    void endPass();
+
     ActiveShader of(int surface) const { return active_[static_cast<std::size_t>(surface)]; }
 
   private:
     void put(const SurfaceChange& change);
     void beginPass();
-    void endPass();
 
     const SceneIndex* scene_;
+    FrameTime time_;
     std::filesystem::path file_;
     std::optional<ModuleCopy> module_;
     std::vector<std::optional<Shader>> shaders_;  ///< by surface; after `module_`: they go first

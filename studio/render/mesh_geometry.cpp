@@ -26,24 +26,29 @@ void fillRows(const Imath::M44d& matrix, double rows[9]) {
     }
 }
 
-std::vector<Imath::V3f> worldVertices(const Mesh& mesh, const Imath::M44d& objectToWorld) {
-    std::vector<Imath::V3f> vertices;
+void placeVertices(const Mesh& mesh, const Imath::M44d& objectToWorld,
+                   std::vector<Imath::V3f>& vertices) {
+    vertices.clear();
     vertices.reserve(mesh.positions.size() + 1);
     for (const Imath::V3f& position : mesh.positions)
         vertices.emplace_back(Imath::V3d(position) * objectToWorld);
     vertices.emplace_back(0.0F);
-    return vertices;
 }
 
 }  // namespace
 
 MeshGeometry placeMesh(const SceneMesh& source, std::size_t number, bool isInstance) {
-    const Object& object = *source.object;
     MeshGeometry geometry;
-    geometry.source = &source;
     geometry.number = number;
     geometry.isInstance = isInstance;
-    if (!isInstance) geometry.vertices = worldVertices(*source.mesh, object.objectToWorld);
+    replaceMesh(source, geometry);
+    return geometry;
+}
+
+void replaceMesh(const SceneMesh& source, MeshGeometry& geometry) {
+    const Object& object = *source.object;
+    geometry.source = &source;
+    if (!geometry.isInstance) placeVertices(*source.mesh, object.objectToWorld, geometry.vertices);
     geometry.worldToObject = object.objectToWorld.inverse();
     // Of a mesh that hangs on mirrored joints the triangles are turned, not the space.
     geometry.facing = object.mirrored ? -1 : 1;
@@ -51,7 +56,6 @@ MeshGeometry placeMesh(const SceneMesh& source, std::size_t number, bool isInsta
     geometry.normalToWorld = normalMatrix(object.objectToWorld, geometry.handedness);
     fillRows(geometry.worldToObject, geometry.objectTransform);
     fillRows(object.objectToWorld, geometry.worldTransform);
-    return geometry;
 }
 
 }  // namespace tavora::studio

@@ -64,4 +64,8 @@ inline Imath::V3d toObject(const MeshGeometry& geometry, const Imath::V3d& place
 /// `source` must outlive the result.
 MeshGeometry placeMesh(const SceneMesh& source, std::size_t number, bool isInstance);
 
+/// Makes `geometry` what placeMesh() would give for `source` now, a mesh of as many vertices.
+/// Its vertices stay at their address.
+void replaceMesh(const SceneMesh& source, MeshGeometry& geometry);
+
 }  // namespace tavora::studio

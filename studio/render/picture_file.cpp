@@ -70,13 +70,18 @@ PictureFormat pictureFormat(const fs::path& file, PictureDepth depth, bool alpha
     return {suffix.kind, depth, alpha};
 }
 
-std::string encodePicture(const Picture& picture, const PictureFormat& format) {
+std::optional<PictureNotes> notesOfCompletePicture(const std::filesystem::path&) {
+    return {};
+}
+std::string encodePicture(const Picture& picture, const PictureFormat& format,
+                          const PictureNotes&) {
     return format.kind == PictureFormat::Kind::Png
                ? encodePng(picture, format.depth == PictureDepth::Sixteen, format.alpha)
                : encodeExr(picture, format.depth == PictureDepth::Float, format.alpha);
 }
 
-void writePicture(const Picture& picture, const fs::path& file, const PictureFormat& format) {
+void writePicture(const Picture& picture, const fs::path& file, const PictureFormat& format,
+                  const PictureNotes&) {
     writeWholeFile(file, encodePicture(picture, format));
 }
 

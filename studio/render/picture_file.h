@@ -3,6 +3,8 @@
 #include <filesystem>
 #include <optional>
 #include <string>
+#include <utility>
+#include <vector>
 
 #include "studio/render/picture.h"
 
@@ -24,16 +26,20 @@ struct PictureFormat {
 PictureFormat pictureFormat(const std::filesystem::path& file, PictureDepth depth, bool alpha,
                             std::optional<PictureFormat::Kind> kind = {});
 
+using PictureNotes = std::vector<std::pair<std::string, std::string>>;
+std::optional<PictureNotes> notesOfCompletePicture(const std::filesystem::path& file);
+
 /// The bytes of a picture's file: PNG encoded for display (alpha not premultiplied, only the
 /// window's pixels), EXR scene-linear (alpha premultiplied, display window
 /// kept, no date). Equal pictures are equal files.
-std::string encodePicture(const Picture& picture, const PictureFormat& format);
+std::string encodePicture(const Picture& picture, const PictureFormat& format,
+                          const PictureNotes& notes = {});
 
 /// Writes encodePicture() to a file that is complete or absent: temporary name in
 /// the same folder, every write checked, flushed to disk, read back, renamed.
 /// Throws Error, Fault::Output.
 void writePicture(const Picture& picture, const std::filesystem::path& file,
-                  const PictureFormat& format);
+                  const PictureFormat& format, const PictureNotes& notes = {});
 
 /// Fails early, before the picture is rendered: throws Fault::Output when a file
 /// could not be created at this place.

@@ -7,6 +7,7 @@
 #include <map>
 #include <new>
 #include <set>
+#include <span>
 #include <stdexcept>
 #include <system_error>
 #include <utility>
@@ -73,12 +74,15 @@ std::set<SharedMesh> meshesToShare(const std::vector<SceneMesh>& meshes, std::ui
 
 }  // namespace
 
-RayScene::RayScene(const SceneIndex& scene, std::uint64_t roomForCopies)
-    : index_(&scene), memory_(scene.scene().memory), device_(rtcNewDevice(kEmbreeDevice)) {
+RayScene::RayScene(const SceneIndex& scene, std::uint64_t roomForCopies, SceneUse use)
+    : index_(&scene),
+      use_(use),
+      memory_(scene.scene().memory),
+      device_(rtcNewDevice(kEmbreeDevice)) {
     checkDevice();
     if (memory_.budget() != nullptr)
         rtcSetDeviceMemoryMonitorFunction(device_.get(), monitorMemory, this);
-    scene_ = newScene();
+    scene_ = newScene(use);
     for (const Surface& surface : scene.scene().surfaces)
         traits_.push_back(traitsOf(surface, scene));
     const std::set<SharedMesh> toShare = meshesToShare(scene.meshes(), roomForCopies);
@@ -89,6 +93,93 @@ RayScene::RayScene(const SceneIndex& scene, std::uint64_t roomForCopies)
     }
     rtcCommitScene(scene_.get());
     checkDevice();
+    if (use == SceneUse::Still) return;
+    for (const SceneMesh& mesh : scene.meshes())
+        stands_.push_back(standOf(mesh));
+}
+
+RayScene::Stand RayScene::standOf(const SceneMesh& source) const {
+    const Mesh& mesh = *source.mesh;
+    return {source.object,
+            &mesh,
+            mesh.triangles.data(),
+            mesh.positions.size(),
+            mesh.revision,
+            source.surfaceIndex,
+            source.object->objectToWorld,
+            std::nullopt};
+}
+
+/// Whether the meshes are those that it was built of, posed otherwise.
+bool RayScene::canUpdate() const {
+    const std::vector<SceneMesh>& meshes = index_->meshes();
+    if (use_ == SceneUse::Still || meshes.size() != stands_.size()) return false;
+    for (std::size_t i = 0; i < meshes.size(); ++i) {
+        const Stand& stand = stands_[i];
+        const Stand now = standOf(meshes[i]);
+        if (now.object != stand.object || now.triangles != stand.triangles ||
+            now.vertices != stand.vertices || now.surface != stand.surface)
+            return false;
+        const bool isInstance = geometries_[i].isInstance;
+        if (isInstance && (now.mesh != stand.mesh || now.revision != stand.revision ||
+                           !keepsPrecision(now.objectToWorld)))
+            return false;
+    }
+    for (const SurfaceTraits& before : traits_) {
+        const SurfaceTraits now = traitsOf(*before.surface, *index_);
+        if (now.cover != before.cover) return false;
+    }
+    return true;
+}
+
+bool RayScene::update() {
+    if (!canUpdate()) return false;
+    for (SurfaceTraits& traits : traits_)
+        traits = traitsOf(*traits.surface, *index_);
+    const std::vector<SceneMesh>& meshes = index_->meshes();
+    for (std::size_t i = 0; i < meshes.size(); ++i) {
+        geometries_[i].source = &meshes[i];
+        Stand now = standOf(meshes[i]);
+        Stand& stand = stands_[i];
+        const bool isAsBefore = now.mesh == stand.mesh && now.revision == stand.revision &&
+                                now.objectToWorld == stand.objectToWorld;
+        if (isAsBefore || meshes[i].mesh->triangles.empty()) continue;
+        now.gauge = std::move(stand.gauge);
+        stand = std::move(now);
+        move(i);
+    }
+    rtcCommitScene(scene_.get());
+    checkDevice();
+    return true;
+}
+
+/// Refits a mesh's part of the tree, or has it built anew.
+void RayScene::move(std::size_t number) {
+    MeshGeometry& geometry = geometries_[number];
+    const SceneMesh& source = *geometry.source;
+    RTCGeometry handle = rtcGetGeometry(scene_.get(), static_cast<unsigned>(number));
+    if (geometry.isInstance) {
+        replaceMesh(source, geometry);
+        const Imath::M44f transform(source.object->objectToWorld);
+        rtcSetGeometryTransform(handle, 0, RTC_FORMAT_FLOAT4X4_COLUMN_MAJOR, transform.getValue());
+    } else {
+        std::optional<RefitGauge>& gauge = stands_[number].gauge;
+        const auto& triangles = source.mesh->triangles;
+        // Without the spare one; they stay where they are.
+        const std::span vertices(geometry.vertices.data(), source.mesh->positions.size());
+        if (!gauge) gauge.emplace(triangles, vertices);
+        replaceMesh(source, geometry);
+        rtcUpdateGeometryBuffer(handle, RTC_BUFFER_TYPE_VERTEX, 0);
+        if (gauge->isWornOut(triangles, vertices)) {
+            // Other triangles, as far as Embree knows, are what makes it build.
+            rtcUpdateGeometryBuffer(handle, RTC_BUFFER_TYPE_INDEX, 0);
+            gauge.emplace(triangles, vertices);
+            ++rebuilds_;
+        } else {
+            ++refits_;
+        }
+    }
+    rtcCommitGeometry(handle);
 }
 
 void RayScene::place(const SceneMesh& source, bool isInstance) {
@@ -132,9 +223,13 @@ void RayScene::checkDevice() const {
     throw std::runtime_error("the ray caster cannot work on this machine");
 }
 
-RayScene::ScenePtr RayScene::newScene() const {
+/// Of a film, each mesh has a tree of its own, which can be refitted, under one of all.
+RayScene::ScenePtr RayScene::newScene(SceneUse use) const {
     ScenePtr scene(rtcNewScene(device_.get()));
-    rtcSetSceneFlags(scene.get(), RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION);
+    RTCSceneFlags flags = RTC_SCENE_FLAG_ROBUST | RTC_SCENE_FLAG_CONTEXT_FILTER_FUNCTION;
+    if (use == SceneUse::Film) flags = flags | RTC_SCENE_FLAG_DYNAMIC;
+    rtcSetSceneFlags(scene.get(), flags);
+    if (use == SceneUse::Film) rtcSetSceneBuildQuality(scene.get(), RTC_BUILD_QUALITY_LOW);
     return scene;
 }
 
@@ -147,6 +242,8 @@ RTCGeometry RayScene::newTriangles(const SceneMesh& source, const Imath::V3f* ve
     rtcSetSharedGeometryBuffer(handle, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
                                mesh.triangles.data(), 0, sizeof(mesh.triangles[0]),
                                mesh.triangles.size());
+    if (use_ == SceneUse::Film && owner != nullptr)
+        rtcSetGeometryBuildQuality(handle, RTC_BUILD_QUALITY_REFIT);
     rtcSetGeometryUserData(handle, owner);
     const SurfaceTraits& worn = traits(source.surfaceIndex);
     rtcSetGeometryIntersectFilterFunction(handle, viewingFilter(worn));
@@ -167,7 +264,7 @@ RTCScene RayScene::sharedTriangles(const SceneMesh& source) {
     takeVertices(source);
     shared.vertices = source.mesh->positions;
     shared.vertices.emplace_back(0.0F);  // a spare one, for wide loads
-    shared.scene = newScene();
+    shared.scene = newScene(SceneUse::Still);
     RTCGeometry handle = newTriangles(source, shared.vertices.data(), nullptr);
     rtcAttachGeometry(shared.scene.get(), handle);
     rtcReleaseGeometry(handle);

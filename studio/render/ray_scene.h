@@ -7,12 +7,15 @@
 #include <limits>
 #include <map>
 #include <memory>
+#include <optional>
 #include <sys/types.h>
 #include <utility>
 #include <vector>
 
 #include "studio/render/hit_order.h"
 #include "studio/render/mesh_geometry.h"
+#include "studio/render/refit_gauge.h"
+#include "studio/render/scene_use.h"
 #include "studio/render/surface_traits.h"
 #include "studio/services/scene_index.h"
 
@@ -69,9 +72,22 @@ class RayScene {
 
     /// `scene` must outlive it. Throws Error where the scene's budget of memory does not
     /// hold it, std::bad_alloc or std::system_error where the machine refuses.
-    explicit RayScene(const SceneIndex& scene, std::uint64_t roomForCopies = kRoomForCopies);
+    explicit RayScene(const SceneIndex& scene, std::uint64_t roomForCopies = kRoomForCopies,
+                      SceneUse use = SceneUse::Still);
     RayScene(const RayScene&) = delete;
     RayScene& operator=(const RayScene&) = delete;
+
+    /// Brings it to what the scene is now, posed anew and looked up by its refreshed index.
+    /// Meshes that moved or bent have their part of the tree refitted, or rebuilt where they
+    /// changed too much for that. False where only another RayScene will do: other
+    /// meshes or surfaces that let light through otherwise; it is then as before, but for
+    /// a scene that is not there any more. No thread may trace meanwhile. Throws as the
+    /// constructor.
+    bool update();
+
+    /// Since the start, of single meshes, by update().
+    std::uint64_t refits() const { return refits_; }
+    std::uint64_t rebuilds() const { return rebuilds_; }
 
     const SceneIndex& index() const { return *index_; }
     const MeshGeometry& geometry(std::uint32_t mesh) const { return geometries_[mesh]; }
@@ -103,6 +119,18 @@ class RayScene {
     using DevicePtr = std::unique_ptr<RTCDeviceTy, ReleaseDevice>;
     using ScenePtr = std::unique_ptr<RTCSceneTy, ReleaseScene>;
 
+    /// How a mesh stood when its part of the tree was last brought up to date.
+    struct Stand {
+        const Object* object = nullptr;
+        const Mesh* mesh = nullptr;
+        const void* triangles = nullptr;
+        std::size_t vertices = 0;
+        std::uint64_t revision = 0;
+        int surface = 0;
+        Imath::M44d objectToWorld;
+        std::optional<RefitGauge> gauge;  ///< from the first refit on
+    };
+
     /// In the space of the objects that show it.
     struct SharedTriangles {
         std::vector<Imath::V3f> vertices;
@@ -110,7 +138,10 @@ class RayScene {
     };
 
     static bool monitorMemory(void* self, ssize_t bytes, bool isDone);
-    ScenePtr newScene() const;
+    ScenePtr newScene(SceneUse use) const;
+    bool canUpdate() const;
+    Stand standOf(const SceneMesh& source) const;
+    void move(std::size_t number);
     void place(const SceneMesh& source, bool isInstance);
     void takeVertices(const SceneMesh& source);
     /// Committed, with one reference to release. `owner` is what filters take a hit's
@@ -123,7 +154,11 @@ class RayScene {
     void checkDevice() const;
 
     const SceneIndex* index_;
-    MemoryShare memory_;  ///< for vertices; trees are counted by monitorMemory()
+    SceneUse use_;
+    std::uint64_t refits_ = 0;
+    std::uint64_t rebuilds_ = 0;
+    std::vector<Stand> stands_;  ///< of a film, by mesh
+    MemoryShare memory_;         ///< for vertices; trees are counted by monitorMemory()
     std::atomic<bool> isOverBudget_{false};
     std::vector<SurfaceTraits> traits_;
     std::vector<MeshGeometry> geometries_;

@@ -44,12 +44,13 @@ void RenderLane::renderTile(const PixelBox& tile, const std::atomic<bool>* stop,
     findAll(tile);
     notesLights_ = false;
     const SampleRun all{0, job_->samples()};
-    look(pixels_, all, stop, [&](const Pixel& pixel, std::span<const ViewSample> samples) {
-        PixelSum sum;
-        for (const ViewSample& sample : samples)
-            sum.add(sample.sight);
-        sum.develop(static_cast<int>(samples.size()), picture.pixel(pixel.x, pixel.y));
-    });
+    look(pixels_, job_->options.part.value_or(all), stop,
+         [&](const Pixel& pixel, std::span<const ViewSample> samples) {
+             PixelSum sum;
+             for (const ViewSample& sample : samples)
+                 sum.add(sample.sight);
+             sum.develop(static_cast<int>(samples.size()), picture.pixel(pixel.x, pixel.y));
+         });
 }
 
 void RenderLane::refineTile(const PixelBox& tile, const SampleRun& run,
@@ -128,15 +129,18 @@ void RenderLane::addTo(RenderStats& stats) const {
     stats.evaluations += sampler_.evaluations();
 }
 
-std::unique_ptr<RenderLane> makeLane(const RenderJob& job, const RenderLane* first) {
+std::unique_ptr<RenderLane> makeLane(const RenderJob& job, std::shared_ptr<LaneShaders>& shaders,
+                                     const RenderLane* first) {
     const ServiceBinding binding(job.scene.index(), job.lights);
     std::optional<QuietMessages> quiet;
     if (first != nullptr) quiet.emplace();
-    const bool shares = first != nullptr && !job.options.moduleEachThread;
-    return std::make_unique<RenderLane>(
-        job, shares
-                 ? first->shaders()
-                 : std::make_shared<const LaneShaders>(job.scene.index(), job.shading, job.module));
+    if (shaders != nullptr) {
+        shaders->beginFrame(job.options.time);
+    } else if (first == nullptr || job.options.moduleEachThread) {
+        shaders = std::make_shared<LaneShaders>(job.scene.index(), job.shading, job.module,
+                                                job.options.time);
+    }
+    return std::make_unique<RenderLane>(job, shaders != nullptr ? shaders : first->shaders());
 }
 
 }  // namespace tavora::studio

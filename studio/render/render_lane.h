@@ -82,8 +82,10 @@ class RenderLane {
 };
 
 /// A lane for another thread than that of `first`, or the first one if that is null:
-/// what modules have to say about the settings, the first copy says. Any thread. Throws
-/// Fault::Module.
-std::unique_ptr<RenderLane> makeLane(const RenderJob& job, const RenderLane* first);
+/// what modules have to say about the settings, the first copy says. `shaders` are those
+/// that the thread had in an earlier render of the same shading, or null; the lane's
+/// afterwards, if it has some of its own. Any thread. Throws Fault::Module.
+std::unique_ptr<RenderLane> makeLane(const RenderJob& job, std::shared_ptr<LaneShaders>& shaders,
+                                     const RenderLane* first);
 
 }  // namespace tavora::studio

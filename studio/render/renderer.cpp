@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <chrono>
+#include <span>
 #include <stdexcept>
 #include <thread>
 #include <utility>
@@ -64,13 +65,23 @@ Picture emptyPicture(const RenderOptions& options) {
 /// The lanes of a render, and the threads that they work on: one of them keeps to
 /// its lane from the first round to the last, whose module's mutex is its own.
 struct Lanes {
-    Lanes(const RenderJob& job, std::size_t count) : each(count), team(count + 1) {
-        each[0] = makeLane(job, nullptr);
+    /// `shaders` has an entry for each lane; see makeLane().
+    Lanes(const RenderJob& job, std::span<std::shared_ptr<LaneShaders>> shaders_)
+        : shaders(shaders_), each(shaders.size()), team(shaders.size() + 1) {
+        each[0] = makeLane(job, shaders[0], nullptr);
         team.run([&](std::size_t thread) {
-            if (thread > 1) each[thread - 1] = makeLane(job, each[0].get());
+            if (thread > 1) each[thread - 1] = makeLane(job, shaders[thread - 1], each[0].get());
         });
     }
+    ~Lanes() {
+        for (const auto& own : shaders) {
+            if (own != nullptr) own->endPass();
+        }
+    }
+    Lanes(const Lanes&) = delete;
+    Lanes& operator=(const Lanes&) = delete;
 
+    std::span<std::shared_ptr<LaneShaders>> shaders;
     std::vector<std::unique_ptr<RenderLane>> each;
     LaneTeam team;
 };
@@ -203,17 +214,54 @@ void layOver(const Backdrop& backdrop, Picture& picture) {
 }  // namespace
 
 struct Renderer::Parts {
-    explicit Parts(const Scene& scene) : index(scene), rays(index) {}
+    Parts(const Scene& scene, SceneUse use_) : index(scene), use(use_) { build(); }
+
+    void build() {
+        const auto start = Clock::now();
+        rays.reset();
+        rays = std::make_unique<RayScene>(index, RayScene::kRoomForCopies, use);
+        buildSeconds = secondsSince(start);
+    }
+
+    /// The shaders of the threads of a render. Those of an earlier one serve again where
+    /// they were made for the same.
+    std::span<std::shared_ptr<LaneShaders>> shadersFor(std::size_t lanes,
+                                                       const SurfaceShaders& shading,
+                                                       const std::filesystem::path& module) {
+        if (shaders.size() != lanes || madeFor != shading || madeOf != module) shaders.clear();
+        shaders.resize(lanes);
+        madeFor = shading;
+        madeOf = module;
+        return shaders;
+    }
 
     SceneIndex index;
-    RayScene rays;
+    SceneUse use;
+    std::unique_ptr<RayScene> rays;
     double buildSeconds = 0;
+    std::uint64_t refits = 0;  ///< of trees that are gone
+    std::uint64_t rebuilds = 0;
+    std::vector<std::shared_ptr<LaneShaders>> shaders;  ///< by lane
+    SurfaceShaders madeFor;
+    std::filesystem::path madeOf;
 };
 
-Renderer::Renderer(const Scene& scene) {
+Renderer::Renderer(const Scene& scene, SceneUse use)
+    : parts_(std::make_unique<Parts>(scene, use)) {}
+
+void Renderer::update() {
+    Parts& parts = *parts_;
     const auto start = Clock::now();
-    parts_ = std::make_unique<Parts>(scene);
-    parts_->buildSeconds = secondsSince(start);
+    parts.index.refresh();
+    if (parts.rays != nullptr && parts.rays->update()) {
+        parts.buildSeconds = secondsSince(start);
+        return;
+    }
+    if (parts.rays != nullptr) {
+        parts.refits += parts.rays->refits();
+        parts.rebuilds += parts.rays->rebuilds() + parts.index.meshes().size();
+    }
+    parts.build();
 }
 
 Renderer::~Renderer() = default;
@@ -226,14 +274,15 @@ Picture Renderer::render(const Camera& camera, const LightRig& lights,
     check(parts_->index.scene(), shading, options);
     Picture picture = emptyPicture(options);
     const RenderJob job{
-        parts_->rays,
+        *parts_->rays,
         lights,
         shading,
         module,
         options,
         View(camera, options.width, options.height, std::max(options.samples, options.mostSamples)),
         patternsOf(options)};
-    Lanes lanes(job, laneCount(options, tilesOf(picture.window).size()));
+    const std::size_t count = laneCount(options, tilesOf(picture.window).size());
+    Lanes lanes(job, parts_->shadersFor(count, shading, module));
     if (isAdaptive(options)) {
         renderInRounds(options, watch, lanes, picture);
     } else {
@@ -245,8 +294,10 @@ Picture Renderer::render(const Camera& camera, const LightRig& lights,
         for (const auto& lane : lanes.each)
             lane->addTo(*stats);
         stats->pixels = picture.rgba.size() / 4;
-        stats->triangles = parts_->rays.triangles();
+        stats->triangles = parts_->rays->triangles();
         stats->buildSeconds = parts_->buildSeconds;
+        stats->refits = parts_->refits + parts_->rays->refits();
+        stats->rebuilds = parts_->rebuilds + parts_->rays->rebuilds();
         stats->renderSeconds = secondsSince(start);
     }
     return picture;

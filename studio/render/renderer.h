@@ -1,6 +1,8 @@
 #pragma once
 
 #include <atomic>
+#include <cstddef>
+#include <cstdint>
 #include <filesystem>
 #include <functional>
 #include <memory>
@@ -11,10 +13,27 @@
 #include "studio/link/state_block.h"
 #include "studio/render/picture.h"
 #include "studio/render/pixel_filter.h"
+#include "studio/render/scene_use.h"
 #include "studio/scene/lighting/light_levels.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
+
+/// A frame of a film. A still picture is the first, at the start of time.
+struct FrameTime {
+    int frame = 0;
+    double seconds = 0;
+
+    bool operator==(const FrameTime&) const = default;
+};
+
+/// Some of a pixel's samples: `first` to `last` of its places, the last excluded.
+struct SampleRun {
+    std::size_t first = 0;
+    std::size_t last = 0;
+
+    std::size_t size() const { return last - first; }
+};
 
 struct RenderOptions {
     int width = 1280;
@@ -25,6 +44,10 @@ struct RenderOptions {
     PixelFilter filter = PixelFilter::Box;
     int threads = 0;                       ///< 0: one a core; the picture never depends on it
     std::optional<Imath::V3d> background;  ///< display-referred; empty: transparent
+    FrameTime time;
+    /// Only these of the pixels' samples, the last excluded; empty: all of them, and with
+    /// `mostSamples` more where samples differ.
+    std::optional<SampleRun> part;
     /// Each thread has a module copy of its own. Else all share one, whose lock
     /// lets one evaluation run at a time: to measure what that would cost.
     bool moduleEachThread = true;
@@ -39,7 +62,9 @@ struct RenderWatch {
 
 /// Counts of one render, for -v and benchmarks.
 struct RenderStats {
-    double buildSeconds = 0;  ///< acceleration structure
+    double buildSeconds = 0;   ///< acceleration structure, the last time
+    std::uint64_t refits = 0;  ///< of single meshes so far, by update()
+    std::uint64_t rebuilds = 0;
     double renderSeconds = 0;
     std::uint64_t pixels = 0;
     std::uint64_t primaryRays = 0;
@@ -53,16 +78,21 @@ class RenderStopped : public std::exception {
     const char* what() const noexcept override { return "stopped"; }
 };
 
-/// Renders one scene as often as wanted. Holds the acceleration structure.
+/// Renders one scene as often as wanted. Holds the acceleration structure, and between
+/// renders the threads' module copies.
 class Renderer {
   public:
     /// `scene` must outlive the renderer.
-    explicit Renderer(const Scene& scene);
+    explicit Renderer(const Scene& scene, SceneUse use = SceneUse::Still);
     ~Renderer();
     Renderer(const Renderer&) = delete;
     Renderer& operator=(const Renderer&) = delete;
 
-    /// `shading` has one entry a surface of the scene; `module` may be empty
+    /// After the scene was posed anew: brings the acceleration structure to what it is now.
+    /// Throws Error.
+    void update();
+
+    /// `shading` has one entry a surface of the scene, `module` may be empty
     /// when none shades. One module copy is loaded per thread.
     /// Throws Error, Fault::Module when the module cannot be used, RenderStopped, and
     /// std::invalid_argument for a picture without pixels or samples.

@@ -9,16 +9,8 @@
 namespace tavora::studio {
 
 inline bool isAdaptive(const RenderOptions& options) {
-    return options.mostSamples > options.samples;
+    return options.mostSamples > options.samples && !options.part;
 }
-
-/// Some of a pixel's samples: `first` to `last` of its places, the last excluded.
-struct SampleRun {
-    std::size_t first = 0;
-    std::size_t last = 0;
-
-    std::size_t size() const { return last - first; }
-};
 
 /// The samples of adaptive pixels, round after round. All pixels get those of the first
 /// two, of which the first traces the shadows about, so that the others need trace but

@@ -18,7 +18,8 @@
 ///
 /// World space is right-handed with y up, lengths in metres. Matrices act on
 /// row vectors (Imath), so `p * objectToWorld`. Immutable while a render runs;
-/// then any thread may read.
+/// then any thread may read. Between renders animation may pose it anew: surfaces and
+/// images stay where they are, objects and lights that are still shown keep their addresses.
 namespace tavora::studio {
 
 /// A decoded picture file. Values as stored: colour is sRGB-encoded.
@@ -107,6 +108,8 @@ struct Mesh {
     bool smooth = false;  ///< normals differ from the flat ones somewhere
     /// As many as `triangles`; empty on surfaces without a normal map.
     std::vector<CornerTangents> tangents;
+    /// Grows whenever animation bends the mesh anew; what it consists of stays.
+    std::uint64_t revision = 0;
 };
 
 /// A mesh with its surface.
@@ -163,11 +166,12 @@ struct AnimationInfo {
 
 struct Scene {
     std::string path;                      ///< of the file, for messages
+    std::string digest;                    ///< of the bytes of all its files: hexadecimal
     std::shared_ptr<MemoryBudget> memory;  ///< for all that is made of it; null: no limit
     std::vector<Image> images;
     std::vector<Surface> surfaces;
-    std::vector<std::unique_ptr<const Object>> objects;
-    std::vector<std::unique_ptr<const Light>> lights;
+    std::vector<std::shared_ptr<const Object>> objects;
+    std::vector<std::shared_ptr<const Light>> lights;
     std::vector<Camera> cameras;
     std::vector<AnimationInfo> animations;
     std::optional<Imath::V3d> ambient;  ///< display-referred, when the file sets one

@@ -17,18 +17,24 @@ static_assert(sizeof(std::uintptr_t) == 8, "polygon identities need 64 bits");
 
 SceneIndex::SceneIndex(const Scene& scene)
     : scene_(&scene), memory_(scene.memory), pyramids_(2 * scene.images.size()) {
-    for (const auto& object : scene.objects) {
-        objects_.emplace(object.get(), static_cast<std::ptrdiff_t>(objects_.size()));
-        for (const Part& part : object->parts) {
-            const auto& surface = scene.surfaces[static_cast<std::size_t>(part.surface)];
-            meshes_.push_back({object.get(), &part, part.mesh.get(), &surface, part.surface});
-        }
-    }
+    refresh();
     for (const Surface& surface : scene.surfaces) {
         addPyramid(surface.baseColorTexture);
         addPyramid(surface.emissiveTexture);
         addPyramid(surface.translucencyTexture);
         if (surface.normalMap) addPyramid(surface.normalTexture);
+    }
+}
+
+void SceneIndex::refresh() {
+    objects_.clear();
+    meshes_.clear();
+    for (const auto& object : scene_->objects) {
+        objects_.emplace(object.get(), static_cast<std::ptrdiff_t>(objects_.size()));
+        for (const Part& part : object->parts) {
+            const auto& surface = scene_->surfaces[static_cast<std::size_t>(part.surface)];
+            meshes_.push_back({object.get(), &part, part.mesh.get(), &surface, part.surface});
+        }
     }
 }
 

@@ -32,11 +32,15 @@ struct SceneTriangle {
 ///
 /// Identities are the addresses of the scene's own records, except polygons and
 /// textures, whose identities pack numbers into a word and point at nothing.
-/// The scene must outlive the index. Any thread may read.
+/// The scene must outlive the index. Any thread may read, but not during refresh().
 class SceneIndex {
   public:
     /// Throws Error where the scene's budget does not hold the images' pyramids.
     explicit SceneIndex(const Scene& scene);
+
+    /// After the scene was posed anew: its objects are looked up as they are now. Images
+    /// stay.
+    void refresh();
 
     const Scene& scene() const { return *scene_; }
 

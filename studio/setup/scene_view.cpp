@@ -68,8 +68,9 @@ void checkNames(const char* option, const std::vector<std::string>& wanted,
 
 }  // namespace
 
-LightRig lightsFor(const Scene& scene, const Camera& camera, const LightingOptions& options) {
-    LightRig rig = settleLights(scene, camera, options);
+LightRig lightsFor(const Scene& scene, const Camera& keyView, const LightingOptions& options,
+                   const LightMeter& meter) {
+    LightRig rig = settleLights(scene, keyView, options, meter);
     checkSizes("--light-radius", options.radii, false, rig);
     checkSizes("--light-angle", options.angles, true, rig);
     checkNames("--no-shadows", options.withoutShadows, lightNames(scene));

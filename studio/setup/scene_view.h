@@ -15,7 +15,8 @@ Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect
 
 /// settleLights(). Throws Error, Fault::Usage for a size whose name matches no light of
 /// its kind, and lists the near names.
-LightRig lightsFor(const Scene& scene, const Camera& camera, const LightingOptions& options);
+LightRig lightsFor(const Scene& scene, const Camera& keyView, const LightingOptions& options,
+                   const LightMeter& meter);
 
 /// Names of the lights of a render of the scene, in order: its own, or that of the
 /// key light where it has none.

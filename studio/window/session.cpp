@@ -44,7 +44,9 @@ void Session::startAt(const Camera& camera) {
     }
     // Only a scene without lights of its own is lit from where the camera stands.
     if (lights_ != nullptr && !scene().lights.empty()) return;
-    lights_ = std::make_shared<const LightRig>(lightsFor(scene(), camera, lighting_));
+    LightMeter meter;
+    meter.measure(scene());
+    lights_ = std::make_shared<const LightRig>(lightsFor(scene(), camera, lighting_, meter));
     if (picture_ != nullptr) revision_ = picture_->setLights(lights_);
 }
 

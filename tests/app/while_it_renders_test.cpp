@@ -38,12 +38,9 @@ TEST(Interruption, TheFirstSignalAsksAndTheSecondRemovesWhatIsUnfinished) {
 }
 
 TEST(Progress, BarsFitTheirTerminalsAndNamesCannotPaintThem) {
-    EXPECT_EQ(progressBar(0, 5, 30), "[......................]   0%");
-    EXPECT_EQ(progressBar(0.25, 10, 30), "[###.........]  25% 0:30 left");
+    EXPECT_EQ(progressBar(0, {}, 30), "[......................]   0%");
+    EXPECT_EQ(progressBar(0.25, 30, 30), "[###.........]  25% 0:30 left");
     EXPECT_EQ(progressBar(0.5, 4000, 10), "[]  50% 1:06:40 left");
-    EXPECT_EQ(progressJson(0.25, 1.5),
-              R"({"event":"progress","done":0.2500,"elapsed":1.500,"left":4.500})");
-    EXPECT_EQ(progressJson(0, 1.5), R"({"event":"progress","done":0.0000,"elapsed":1.500})");
     EXPECT_EQ(oneLine("a\nb\x1b[31m\x7f\xc3\xbc"), "a b?[31m?\xc3\xbc");
 }
 
@@ -56,6 +53,18 @@ TEST(Progress, ABarThatCannotBeRedrawnIsALineAtEveryTenth) {
     }
     const std::string said = testing::internal::GetCapturedStderr();
     EXPECT_EQ(std::count(said.begin(), said.end(), '\n'), 2) << said;
+}
+
+TEST(Progress, TheTimeLeftFollowsTheLastFramesAndTheOneInHand) {
+    FrameTimes times;
+    EXPECT_FALSE(times.left(0.005, 1, 3)) << "nothing is known";
+    EXPECT_NEAR(times.left(0.25, 1.5, 0).value(), 4.5, 1e-9) << "a still";
+    EXPECT_NEAR(times.left(0.5, 2, 3).value(), 2 + 3 * 4, 1e-9) << "the others as the first";
+    for (int i = 0; i < 20; ++i)
+        times.add(i < 10 ? 100 : 10);
+    EXPECT_NEAR(times.left(0, 0, 4).value(), 50, 1e-9) << "long ago does not count";
+    EXPECT_NEAR(times.left(0.5, 10, 0).value(), 0.5 * (0.5 * 20 + 0.5 * 10), 1e-9);
+    EXPECT_GT(times.left(0.01, 60, 0).value(), 50) << "longer than all before";
 }
 
 }  // namespace

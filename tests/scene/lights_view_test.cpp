@@ -73,8 +73,11 @@ struct Lit {
                  void (*furnish)(Scene&) = nullptr) {
         scene.bounds = Imath::Box3d(V3d(-1), V3d(1));
         if (furnish != nullptr) furnish(scene);
-        for (const Light& light : lights)
-            scene.lights.push_back(std::make_unique<const Light>(light));
+        for (const Light& light : lights) {
+            Light named = light;
+            if (named.name.empty()) named.name = std::to_string(scene.lights.size());
+            scene.lights.push_back(std::make_unique<const Light>(named));
+        }
         rig = settleLights(scene, {}, options);
     }
 

@@ -268,6 +268,22 @@ Camera framingCamera(const Scene& scene, double aspect) {
     return framingCameraOfFilm(scenes, aspect);
 }
 
+Scene shapeOf(const Scene& scene) {
+    Scene shape;
+    for (const auto& object : scene.objects) {
+        auto copy = std::make_shared<Object>(*object);
+        for (Part& part : copy->parts) {
+            if (part.mesh->revision == 0) continue;
+            auto mesh = std::make_shared<Mesh>();
+            mesh->positions = part.mesh->positions;
+            mesh->triangles = part.mesh->triangles;
+            part.mesh = std::move(mesh);
+        }
+        shape.objects.push_back(std::move(copy));
+    }
+    return shape;
+}
+
 Light keyLight(const Camera& camera) {
     V3d right;
     V3d up;

@@ -21,6 +21,10 @@ Camera framingCamera(const Scene& scene, double aspect);
 /// The same for a film: one camera for the scene at several times.
 Camera framingCameraOfFilm(std::span<const Scene* const> scenes, double aspect);
 
+/// What framing sees of a scene, which stays when that is posed anew: its objects, with
+/// copies of the meshes that are bent.
+Scene shapeOf(const Scene& scene);
+
 /// What keyLight() is called.
 inline constexpr const char* kKeyLightName = "Key";
 

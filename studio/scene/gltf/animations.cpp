@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <fmt/format.h>
 #include <map>
+#include <set>
 
 #include "studio/scene/gltf/accessor.h"
 #include "studio/util/text.h"
@@ -58,7 +59,7 @@ class AnimationReader {
                       const std::string& where) {
         const gltf::AnimationChannel& channel = animation.channels[index];
         const gltf::AnimationSampler& sampler = gltf::at(animation.samplers, channel.sampler);
-        const bool cubic = sampler.interpolation == gltf::Interpolation::CubicSpline;
+        const bool cubic = sampler.interpolation == Interpolation::CubicSpline;
         const std::size_t keys = keysOf(sampler.input).count * (cubic ? 3 : 1);
         const gltf::Accessor& values = gltf::at(source_.document.accessors, sampler.output);
         checkBacked(source_, sampler.output);
@@ -115,6 +116,66 @@ class AnimationReader {
     std::map<int, Keys> keys_;  // by accessor
 };
 
+/// What a channel moves, as a pointer into the document; empty for nothing.
+gltf::Pointer pointerOf(const gltf::AnimationTarget& target) {
+    if (target.path == gltf::TargetPath::Pointer) return *target.pointer;
+    const char* member = nullptr;
+    if (target.path == gltf::TargetPath::Translation) member = "translation";
+    if (target.path == gltf::TargetPath::Rotation) member = "rotation";
+    if (target.path == gltf::TargetPath::Scale) member = "scale";
+    if (target.path == gltf::TargetPath::Weights) member = "weights";
+    if (member == nullptr || target.node == gltf::kNone) return {};
+    return {{"nodes", std::to_string(target.node), member}};
+}
+
+std::string textOf(const gltf::Pointer& pointer) {
+    std::string text;
+    for (const std::string& token : pointer.tokens)
+        text += "/" + token;
+    return shortened(text);
+}
+
+/// Whether a pointer leads into a list past its end. Others may point at what is there
+/// but is not read.
+bool leadsNowhere(const gltf::Json& json, const gltf::Pointer& pointer) {
+    const gltf::Json* at = &json;
+    for (const std::string& token : pointer.tokens) {
+        if (at->is_array()) {
+            const bool isIndex = !token.empty() && token.size() < 10 &&
+                                 token.find_first_not_of("0123456789") == std::string::npos;
+            if (!isIndex || std::stoul(token) >= at->size()) return true;
+            at = &(*at)[std::stoul(token)];
+        } else {
+            const auto next = at->is_object() ? at->find(token) : at->end();
+            if (next == at->end()) return at == &json;
+            at = &*next;
+        }
+    }
+    return false;
+}
+
+/// The quaternion among a document's members.
+bool isRotation(const gltf::Pointer& pointer) {
+    return pointer.tokens.size() == 3 && pointer.tokens[0] == "nodes" &&
+           pointer.tokens[2] == "rotation";
+}
+
+std::vector<double> valueOf(const gltf::MemberRef& member) {
+    if (member.flag != nullptr) return {*member.flag ? 1.0 : 0.0};
+    if (member.list != nullptr) return *member.list;
+    return {member.numbers.begin(), member.numbers.end()};
+}
+
+void setValue(const gltf::MemberRef& member, std::span<const double> value) {
+    if (member.flag != nullptr) {
+        *member.flag = value.front() != 0;
+    } else if (member.list != nullptr) {
+        member.list->assign(value.begin(), value.end());
+    } else {
+        std::copy(value.begin(), value.end(), member.numbers.begin());
+    }
+}
+
 }  // namespace
 
 std::vector<AnimationInfo> readAnimations(const GltfSource& source) {
@@ -123,6 +184,107 @@ std::vector<AnimationInfo> readAnimations(const GltfSource& source) {
     for (const gltf::Animation& animation : source.document.animations)
         infos.push_back(reader.read(animation, infos.size()));
     return infos;
+}
+
+std::vector<std::size_t> AnimationPlayer::compatible() const {
+    std::vector<std::size_t> result;
+    std::set<std::vector<std::string>> moved;
+    const std::vector<gltf::Animation>& animations = source_.document.animations;
+    for (std::size_t i = 0; i < animations.size(); ++i) {
+        std::set<std::vector<std::string>> own;
+        for (const gltf::AnimationChannel& channel : animations[i].channels)
+            own.insert(pointerOf(channel.target).tokens);
+        own.erase(std::vector<std::string>());
+        const bool isFree = std::none_of(
+            own.begin(), own.end(), [&](const auto& target) { return moved.contains(target); });
+        if (!isFree) continue;
+        moved.merge(own);
+        result.push_back(i);
+    }
+    return result;
+}
+
+void AnimationPlayer::play(std::span<const std::size_t> animations) {
+    for (const Track& track : tracks_)
+        setValue(track.target, track.rest);
+    tracks_.clear();
+    movesMaterials_ = false;
+    for (const std::size_t index : animations) {
+        const gltf::Animation& animation = source_.document.animations[index];
+        for (std::size_t i = 0; i < animation.channels.size(); ++i)
+            addTrack(animation, i, fmt::format("animations[{}].channels[{}]", index, i));
+    }
+}
+
+void AnimationPlayer::addTrack(const gltf::Animation& animation, std::size_t index,
+                               const std::string& where) {
+    const gltf::AnimationChannel& channel = animation.channels[index];
+    const gltf::AnimationSampler& sampler = gltf::at(animation.samplers, channel.sampler);
+    const gltf::Pointer pointer = pointerOf(channel.target);
+    Track track;
+    track.target = memberAt(source_.document, pointer);
+    if (!canMove(pointer, track.target, where)) return;
+    const std::size_t keys = elementCount(source_, sampler.input);
+    if (keys == 0) return;
+    track.rest = valueOf(track.target);
+    std::size_t width = track.rest.size();
+    if (track.target.list != nullptr) {
+        const std::size_t perKey = sampler.interpolation == Interpolation::CubicSpline ? 3 : 1;
+        width = elementCount(source_, sampler.output) / (keys * perKey);
+        if (width == 0) return;
+    }
+    track.curve = readCurve(sampler, width, where);
+    track.curve.isRotation = isRotation(pointer);
+    movesMaterials_ = movesMaterials_ || pointer.tokens[0] == "materials";
+    tracks_.push_back(std::move(track));
+}
+
+bool AnimationPlayer::canMove(const gltf::Pointer& pointer, const gltf::MemberRef& target,
+                              const std::string& where) {
+    const std::string line = oneLine(source_.path + ": " + where);
+    if (pointer.tokens.empty()) {
+        warnings_.push_back(line + " names nothing that it moves and is left out");
+    } else if (!target.exists()) {
+        if (leadsNowhere(source_.json, pointer)) {
+            warnings_.push_back(fmt::format("{} moves {}, which the file has not, and is left out",
+                                            line, textOf(pointer)));
+        } else {
+            notes_.push_back(fmt::format("{} moves {}, which is not drawn", line, textOf(pointer)));
+        }
+    } else if (pointer.tokens[0] == "nodes" && pointer.tokens[2] != "weights" &&
+               target.flag == nullptr &&
+               gltf::at(source_.document.nodes, std::stoi(pointer.tokens[1])).matrix) {
+        warnings_.push_back(fmt::format(
+            "{} moves node {}, which is placed by a matrix that nothing moves, and is left out",
+            line, pointer.tokens[1]));
+    } else {
+        return true;
+    }
+    return false;
+}
+
+Curve AnimationPlayer::readCurve(const gltf::AnimationSampler& sampler, std::size_t width,
+                                 const std::string& where) const {
+    Curve curve;
+    curve.interpolation = sampler.interpolation;
+    curve.width = width;
+    curve.times = readFloats(source_, sampler.input, 1, 1).values;
+    curve.values = readFloats(source_, sampler.output, 1, 16).values;
+    const std::size_t perKey = curve.interpolation == Interpolation::CubicSpline ? 3 : 1;
+    if (curve.values.size() == curve.times.size() * perKey * width) return curve;
+    source_.fail(fmt::format(
+        "{} has {} numbers in accessor {} for its {} keys of {}: export the "
+        "file again",
+        where, curve.values.size(), sampler.output, curve.times.size() * perKey, width));
+}
+
+void AnimationPlayer::setTime(double seconds) {
+    std::vector<double> value;
+    for (const Track& track : tracks_) {
+        value.resize(track.curve.width);
+        track.curve.sample(seconds, value);
+        setValue(track.target, value);
+    }
 }
 
 }  // namespace tavora::studio

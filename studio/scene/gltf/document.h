@@ -11,6 +11,7 @@
 
 #include <nlohmann/json.hpp>
 
+#include "studio/scene/animation/curve.h"
 #include "studio/util/json_members.h"
 
 /// What a glTF file says, member by member, as far as it is read. Names and
@@ -288,8 +289,6 @@ struct Material {
     MemberNames extensions;
     const Json* extras = nullptr;
 };
-
-enum class Interpolation { Linear, Step, CubicSpline };
 
 struct AnimationSampler {
     int input = kNone;   ///< key times, seconds

@@ -56,10 +56,6 @@ Found find(const Json& object, std::string_view path) {
 }
 
 template <class T>
-concept Structure = std::tuple_size_v<std::remove_const_t<decltype(kRules<T>)>>
-!= 0;
-
-template <class T>
 concept NamedValue = std::is_array_v<std::remove_const_t<decltype(kNames<T>)>>;
 
 /// A number that some codes name, others may follow.

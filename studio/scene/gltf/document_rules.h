@@ -1,6 +1,7 @@
 #pragma once
 
 #include <tuple>
+#include <type_traits>
 
 #include "studio/scene/gltf/document.h"
 
@@ -81,6 +82,10 @@ constexpr Rule<T, M> rule(const char* path, M T::*member, Need need) {
 /// The rules of a structure, a tuple of them.
 template <class T>
 inline constexpr std::tuple<> kRules{};
+
+template <class T>
+concept Structure = std::tuple_size_v<std::remove_const_t<decltype(kRules<T>)>>
+!= 0;
 
 /// The names of an enumeration in a file.
 template <class T>

@@ -15,6 +15,7 @@ constexpr Entry kExtensions[] = {
     {"EXT_lights_image_based", Support::Missed},
     {"EXT_mesh_gpu_instancing", Support::Missed},
     {"EXT_texture_webp", Support::Read},
+    {"KHR_animation_pointer", Support::Read},
     {"KHR_draco_mesh_compression", Support::Read},
     {"KHR_lights_punctual", Support::Read},
     {"KHR_materials_anisotropy", Support::NotDrawn},
@@ -32,6 +33,7 @@ constexpr Entry kExtensions[] = {
     {"KHR_materials_variants", Support::NotDrawn},
     {"KHR_materials_volume", Support::NotDrawn},
     {"KHR_mesh_quantization", Support::Read},
+    {"KHR_node_visibility", Support::Read},
     {"KHR_texture_transform", Support::Read},
     {"KHR_xmp_json_ld", Support::Read},
     // Avatars: how they shade, and what is about moving and owning them.

@@ -25,6 +25,42 @@ Imath::V4f colorOf(const std::array<double, 4>& values) {
     return color;
 }
 
+void readEmission(const gltf::Material& material, Surface& surface) {
+    for (std::size_t i = 0; i < 3; ++i) {
+        const double level = material.emissiveFactor[i] * material.emissiveStrength;
+        surface.emissive[static_cast<int>(i)] =
+            static_cast<float>(std::clamp(level, 0.0, kLargestFloat));
+    }
+}
+
+void readGlossy(const gltf::SpecularGlossiness& glossy, Surface& surface) {
+    surface.baseColor = colorOf(glossy.diffuseFactor);
+    surface.metallic = 0;
+    surface.roughness = static_cast<float>(1.0 - glossy.glossinessFactor);
+}
+
+/// Where light shines through: one of two extensions.
+const std::optional<gltf::Transmission>& transmissionOf(const gltf::Material& material) {
+    return material.diffuseTransmission ? material.diffuseTransmission : material.transmission;
+}
+
+/// All that is a number.
+void readNumbers(const gltf::Material& material, Surface& surface) {
+    surface.baseColor = colorOf(material.baseColorFactor);
+    surface.metallic = static_cast<float>(material.metallicFactor.value_or(1));
+    surface.roughness = static_cast<float>(material.roughnessFactor);
+    surface.alphaCutoff = static_cast<float>(material.alphaCutoff);
+    readEmission(material, surface);
+    if (material.specularGlossiness) readGlossy(*material.specularGlossiness, surface);
+    if (const auto& transmission = transmissionOf(material))
+        surface.translucencyFactor = static_cast<float>(transmission->factor);
+    if (surface.normalMap) surface.normalScale = static_cast<float>(material.normalScale);
+}
+
+void moveTexture(const std::optional<gltf::TextureInfo>& info, std::optional<TextureUse>& use) {
+    if (info && use) placeTexture(*info, *use);
+}
+
 /// Reads the materials of one file into a scene.
 class MaterialReader {
   public:
@@ -46,11 +82,11 @@ class MaterialReader {
         surface.name = names_.unique(!material.name.empty()
                                          ? material.name
                                          : fmt::format("Material {}", surface.materialIndex));
-        readBase(material, surface);
-        readEmission(material, surface);
-        readAlpha(material, surface);
-        if (material.specularGlossiness) readGlossy(*material.specularGlossiness, surface);
-        readTranslucency(material, surface);
+        readNumbers(material, surface);
+        surface.doubleSided = material.doubleSided;
+        if (material.alphaMode == gltf::AlphaMode::Mask) surface.alphaMode = AlphaMode::Mask;
+        if (material.alphaMode == gltf::AlphaMode::Blend) surface.alphaMode = AlphaMode::Blend;
+        readTextures(material, surface);
         readToonShade(material, surface);
         readNormalMap(material, surface);
         readShadows(gltf::ownExtras(material.extras), surface);
@@ -99,44 +135,17 @@ class MaterialReader {
         surface.normalScale = static_cast<float>(material.normalScale);
     }
 
-    void readBase(const gltf::Material& material, Surface& surface) {
-        surface.baseColor = colorOf(material.baseColorFactor);
+    void readTextures(const gltf::Material& material, Surface& surface) {
         surface.baseColorTexture = textures_.read(material.baseColorTexture);
-        surface.metallic = static_cast<float>(material.metallicFactor.value_or(1));
-        surface.roughness = static_cast<float>(material.roughnessFactor);
-        surface.doubleSided = material.doubleSided;
-    }
-
-    void readEmission(const gltf::Material& material, Surface& surface) {
-        for (std::size_t i = 0; i < 3; ++i) {
-            const double level = material.emissiveFactor[i] * material.emissiveStrength;
-            surface.emissive[static_cast<int>(i)] =
-                static_cast<float>(std::clamp(level, 0.0, kLargestFloat));
-        }
         if (surface.emissive != Imath::V3f(0))
             surface.emissiveTexture = textures_.read(material.emissiveTexture);
-    }
-
-    static void readAlpha(const gltf::Material& material, Surface& surface) {
-        if (material.alphaMode == gltf::AlphaMode::Mask) surface.alphaMode = AlphaMode::Mask;
-        if (material.alphaMode == gltf::AlphaMode::Blend) surface.alphaMode = AlphaMode::Blend;
-        surface.alphaCutoff = static_cast<float>(material.alphaCutoff);
-    }
-
-    void readGlossy(const gltf::SpecularGlossiness& glossy, Surface& surface) {
-        surface.baseColor = colorOf(glossy.diffuseFactor);
-        surface.baseColorTexture = textures_.read(glossy.diffuseTexture);
-        surface.metallic = 0;
-        surface.roughness = static_cast<float>(1.0 - glossy.glossinessFactor);
-    }
-
-    void readTranslucency(const gltf::Material& material, Surface& surface) {
-        const bool diffuse = material.diffuseTransmission.has_value();
-        const auto& from = diffuse ? material.diffuseTransmission : material.transmission;
-        if (!from) return;
-        surface.translucencyFactor = static_cast<float>(from->factor);
-        surface.translucencyTexture = textures_.read(from->texture);
-        surface.translucencyComponent = diffuse ? Component::Alpha : Component::Red;
+        if (material.specularGlossiness)
+            surface.baseColorTexture = textures_.read(material.specularGlossiness->diffuseTexture);
+        if (const auto& transmission = transmissionOf(material)) {
+            surface.translucencyTexture = textures_.read(transmission->texture);
+            surface.translucencyComponent =
+                material.diffuseTransmission ? Component::Alpha : Component::Red;
+        }
     }
 
     const GltfSource& source_;
@@ -149,6 +158,21 @@ class MaterialReader {
 
 void readMaterials(const GltfSource& source, Scene& scene) {
     MaterialReader(source, scene).readAll();
+}
+
+void refreshMaterials(const GltfSource& source, Scene& scene) {
+    for (Surface& surface : scene.surfaces) {
+        if (surface.materialIndex < 0) continue;
+        const gltf::Material& material = gltf::at(source.document.materials, surface.materialIndex);
+        readNumbers(material, surface);
+        moveTexture(material.specularGlossiness ? material.specularGlossiness->diffuseTexture
+                                                : material.baseColorTexture,
+                    surface.baseColorTexture);
+        moveTexture(material.emissiveTexture, surface.emissiveTexture);
+        moveTexture(material.normalTexture.info, surface.normalTexture);
+        if (const auto& transmission = transmissionOf(material))
+            moveTexture(transmission->texture, surface.translucencyTexture);
+    }
 }
 
 }  // namespace tavora::studio

@@ -9,4 +9,8 @@ namespace tavora::studio {
 /// and `scene.images` with what the surfaces use. Throws Error.
 void readMaterials(const GltfSource& source, Scene& scene);
 
+/// Brings the numbers of `scene.surfaces`, which readMaterials() filled, to what the
+/// document says now: factors, strengths, the places of textures.
+void refreshMaterials(const GltfSource& source, Scene& scene);
+
 }  // namespace tavora::studio

@@ -1,5 +1,6 @@
 #include "studio/scene/gltf/nodes.h"
 
+#include <ImathQuat.h>
 #include <algorithm>
 #include <array>
 #include <cmath>
@@ -29,34 +30,42 @@ V3d vectorOf(const std::array<double, 3>& values) {
     return {values[0], values[1], values[2]};
 }
 
-NodePose poseOf(const gltf::Node& node) {
-    NodePose pose;
-    if (node.matrix) {
-        pose.matrix.emplace();  // whose last column is 0, 0, 0, 1, whatever the file holds there
+/// Finite, or Error that names node `index`.
+M44d toParent(const GltfSource& source, int index) {
+    const gltf::Node& node = gltf::at(source.document.nodes, index);
+    M44d m;
+    if (node.matrix) {  // whose last column is 0, 0, 0, 1, whatever the file holds there
         for (int i = 0; i < 16; ++i) {
-            if (i % 4 != 3)
-                (*pose.matrix)[i / 4][i % 4] = (*node.matrix)[static_cast<std::size_t>(i)];
+            if (i % 4 != 3) m[i / 4][i % 4] = (*node.matrix)[static_cast<std::size_t>(i)];
         }
+    } else {
+        const auto& [x, y, z, w] = node.rotation;
+        M44d scaling;
+        scaling.setScale(vectorOf(node.scale));
+        m = scaling * Imath::Quatd(w, x, y, z).normalized().toMatrix44();
+        for (int i = 0; i < 3; ++i)
+            m[3][i] = node.translation[static_cast<std::size_t>(i)];
     }
-    pose.scale = vectorOf(node.scale);
-    pose.translation = vectorOf(node.translation);
-    pose.rotation = {node.rotation[3], node.rotation[0], node.rotation[1], node.rotation[2]};
-    pose.weights = node.weights;
-    return pose;
+    if (!finite(m)) {
+        source.fail(fmt::format(
+            "node {} is placed by values that are not numbers: repair the model", index));
+    }
+    return m;
 }
 
 /// Walks trees of nodes, parents first; without recursion, so that a chain of
 /// any length will do.
 class Walker {
   public:
-    Walker(const GltfSource& source, const std::vector<NodePose>& poses)
-        : source_(source), poses_(poses), seen_(poses.size(), false) {
-        placed_.toWorld.resize(poses.size());
+    explicit Walker(const GltfSource& source)
+        : source_(source), seen_(source.document.nodes.size(), false) {
+        placed_.toWorld.resize(seen_.size());
+        placed_.visible.resize(seen_.size());
     }
 
     PlacedNodes place() {
         walkScene();
-        placed_.drawn = order_;
+        placed_.shown = order_;
         // Joints may hang outside the scene that is drawn.
         for (int root : parentless()) {
             if (!seen_[static_cast<std::size_t>(root)]) walk(root, false);
@@ -72,7 +81,7 @@ class Walker {
     }
 
     std::vector<int> parentless() const {
-        std::vector<bool> child(poses_.size(), false);
+        std::vector<bool> child(seen_.size(), false);
         for (const gltf::Node& node : source_.document.nodes) {
             for (int c : node.children)
                 child[static_cast<std::size_t>(c)] = true;
@@ -85,7 +94,7 @@ class Walker {
     }
 
     void walk(int root, bool strict) {
-        std::vector<Step> todo = {{root, M44d()}};
+        std::vector<Step> todo = {{root, M44d(), true}};
         while (!todo.empty()) {
             const Step step = todo.back();
             todo.pop_back();
@@ -94,13 +103,14 @@ class Walker {
             if (seen_[at] && !strict) continue;
             visit(step);
             for (auto c = node.children.rbegin(); c != node.children.rend(); ++c)
-                todo.push_back({*c, placed_.toWorld[at]});
+                todo.push_back({*c, placed_.toWorld[at], placed_.visible[at]});
         }
     }
 
     struct Step {
         int node;
         M44d parent;
+        bool isVisible;  ///< the parent
     };
 
     void visit(const Step& step) {
@@ -111,7 +121,8 @@ class Walker {
                             step.node, shortened(source_.document.nodes[at].name)));
         }
         seen_[at] = true;
-        placed_.toWorld[at] = poses_[at].toParent(source_, step.node) * step.parent;
+        placed_.toWorld[at] = toParent(source_, step.node) * step.parent;
+        placed_.visible[at] = step.isVisible && source_.document.nodes[at].visible;
         if (!finite(placed_.toWorld[at])) {
             source_.fail(fmt::format("node {} \"{}\" lies beyond all numbers: repair the model",
                                      step.node, shortened(source_.document.nodes[at].name)));
@@ -120,7 +131,6 @@ class Walker {
     }
 
     const GltfSource& source_;
-    const std::vector<NodePose>& poses_;
     std::vector<bool> seen_;
     std::vector<int> order_;
     PlacedNodes placed_;
@@ -149,33 +159,8 @@ V3d perpendicularTo(const V3d& z) {
 
 }  // namespace
 
-M44d NodePose::toParent(const GltfSource& source, int index) const {
-    M44d m;
-    if (matrix) {
-        m = *matrix;
-    } else {
-        M44d scaling;
-        scaling.setScale(scale);
-        m = scaling * rotation.normalized().toMatrix44();
-        for (int i = 0; i < 3; ++i)
-            m[3][i] = translation[i];
-    }
-    if (!finite(m)) {
-        source.fail(fmt::format(
-            "node {} is placed by values that are not numbers: repair the model", index));
-    }
-    return m;
-}
-
-std::vector<NodePose> restPose(const GltfSource& source) {
-    std::vector<NodePose> poses;
-    for (const gltf::Node& node : source.document.nodes)
-        poses.push_back(poseOf(node));
-    return poses;
-}
-
-PlacedNodes placeNodes(const GltfSource& source, const std::vector<NodePose>& poses) {
-    return Walker(source, poses).place();
+PlacedNodes placeNodes(const GltfSource& source) {
+    return Walker(source).place();
 }
 
 M44d rigid(const M44d& m) {

@@ -1,8 +1,6 @@
 #pragma once
 
 #include <ImathMatrix.h>
-#include <ImathQuat.h>
-#include <ImathVec.h>
 #include <optional>
 #include <vector>
 
@@ -10,29 +8,16 @@
 
 namespace tavora::studio {
 
-/// How one node stands at a time: relative to its parent, and its morph weights.
-struct NodePose {
-    std::optional<Imath::M44d> matrix;  ///< in place of the three below
-    Imath::V3d scale{1, 1, 1};
-    Imath::Quatd rotation;
-    Imath::V3d translation{0, 0, 0};
-    std::vector<double> weights;  ///< empty: those of the mesh
-
-    /// Finite, or Fault::Scene that names node `index`.
-    Imath::M44d toParent(const GltfSource& source, int index) const;
-};
-
-/// Every node as the file stores it. Throws Error.
-std::vector<NodePose> restPose(const GltfSource& source);
-
 /// Where the nodes are in the world.
 struct PlacedNodes {
     std::vector<Imath::M44d> toWorld;  ///< of every node, in the scene or not
-    std::vector<int> drawn;            ///< nodes of the scene, parents before children
+    std::vector<int> shown;            ///< nodes of the scene, parents before children
+    std::vector<bool> visible;         ///< of every node: neither it nor a parent is hidden
 };
 
-/// Throws Error for nodes with two parents, cycles, places beyond all numbers.
-PlacedNodes placeNodes(const GltfSource& source, const std::vector<NodePose>& poses);
+/// As the document places them. Throws Error for nodes with two parents, cycles, places
+/// beyond all numbers.
+PlacedNodes placeNodes(const GltfSource& source);
 
 /// Rotation and translation of `m` without its scale; right-handed always.
 Imath::M44d rigid(const Imath::M44d& m);

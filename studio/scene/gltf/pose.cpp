@@ -8,6 +8,7 @@
 #include "studio/scene/gltf/accessor.h"
 #include "studio/scene/gltf/lights_cameras.h"
 #include "studio/scene/gltf/mesh_bending.h"
+#include "studio/scene/gltf/nodes.h"
 #include "studio/scene/mesh/normals.h"
 #include "studio/scene/mesh/tangents.h"
 #include "studio/util/text.h"
@@ -39,20 +40,24 @@ std::uint64_t memoryOf(const Mesh& mesh) {
     return bytes;
 }
 
+}  // namespace
+
 /// One pose of one file.
 class Posing {
   public:
-    Posing(const GltfSource& source, MeshStore& meshes, const std::vector<NodePose>& poses,
-           Scene& scene)
-        : source_(source),
-          meshes_(meshes),
-          poses_(poses),
+    Posing(GltfPoser& poser, Scene& scene)
+        : poser_(poser),
+          source_(poser.source_),
           scene_(scene),
-          placed_(placeNodes(source, poses)),
+          placed_(placeNodes(poser.source_)),
           lightNames_(kLongestLightName) {}
 
     void run() {
-        for (int node : placed_.drawn)
+        scene_.objects.clear();
+        scene_.lights.clear();
+        scene_.cameras.clear();
+        scene_.bounds.makeEmpty();
+        for (int node : placed_.shown)
             place(node);
         if (scene_.objects.empty()) {
             scene_.warnings.push_back(oneLine(source_.path) + ": has nothing to draw");
@@ -62,9 +67,10 @@ class Posing {
   private:
     void place(int index) {
         const gltf::Node& node = gltf::at(source_.document.nodes, index);
-        if (node.mesh != gltf::kNone) placeMesh(node, index);
+        const bool isVisible = placed_.visible[static_cast<std::size_t>(index)];
+        if (node.mesh != gltf::kNone && isVisible) placeMesh(node, index);
         if (node.camera != gltf::kNone) placeCamera(node, index);
-        if (node.light != gltf::kNone) placeLight(node, index);
+        if (node.light != gltf::kNone) placeLight(node, index, isVisible);
     }
 
     const M44d& toWorld(int node) const { return placed_.toWorld[static_cast<std::size_t>(node)]; }
@@ -72,30 +78,35 @@ class Posing {
     // --- meshes ---
 
     void placeMesh(const gltf::Node& node, int index) {
-        auto object = std::make_unique<Object>();
-        object->name = nameOr(node.name, "", "Object", index);
+        Object fresh;
+        fresh.name = nameOr(node.name, "", "Object", index);
         if (node.skin < 0) {
             const auto transform = unflattened(toWorld(index));
             if (!transform) return;  // scaled to nothing
-            object->objectToWorld = *transform;
-            object->mirrored = transform->determinant() < 0;
+            fresh.objectToWorld = *transform;
+            fresh.mirrored = transform->determinant() < 0;
         } else {
-            object->mirrored = jointsOf(node.skin).mirrored;
+            fresh.mirrored = jointsOf(node.skin).mirrored;
         }
-        addParts(node, index, *object);
-        if (!object->parts.empty()) scene_.objects.push_back(std::move(object));
+        addParts(node, index, fresh);
+        if (fresh.parts.empty()) return;
+        std::shared_ptr<Object>& object = poser_.objects_[index];
+        if (object == nullptr) object = std::make_shared<Object>();
+        *object = std::move(fresh);
+        scene_.objects.push_back(object);
     }
 
     void addParts(const gltf::Node& node, int index, Object& object) {
         std::int32_t polygons = 0;
-        for (const SourcePrimitive& primitive : meshes_.primitives(node.mesh, scene_)) {
+        for (const SourcePrimitive& primitive : poser_.meshes_.primitives(node.mesh, scene_)) {
             Part part;
-            part.mesh = posedMesh(node, index, *primitive.geometry, primitive.geometry);
+            part.mesh = posedMesh(node, index, primitive.geometry);
             part.surface = surfaceOf(primitive.material);
             part.firstPolygon = polygons;
             if (part.mesh->triangles.empty()) continue;
             polygons += static_cast<std::int32_t>(part.mesh->triangles.size());
-            extendBounds(*part.mesh, object.objectToWorld);
+            scene_.bounds.extendBy(
+                boundsOf(index, object.parts.size(), *part.mesh, object.objectToWorld));
             object.parts.push_back(std::move(part));
         }
     }
@@ -104,47 +115,72 @@ class Posing {
         return material < 0 ? static_cast<int>(scene_.surfaces.size()) - 1 : material;
     }
 
-    const std::vector<double>& weightsOf(const gltf::Node& node, int index) const {
-        const auto& own = poses_[static_cast<std::size_t>(index)].weights;
-        return !own.empty() ? own : gltf::at(source_.document.meshes, node.mesh).weights;
+    const std::vector<double>& weightsOf(const gltf::Node& node) const {
+        return !node.weights.empty() ? node.weights
+                                     : gltf::at(source_.document.meshes, node.mesh).weights;
     }
 
     /// Accounts for a bent copy: a small file could ask for any number of them.
     void spend(const Mesh& mesh, int node) {
         source_.memory->take(memoryOf(mesh), fmt::format("the bent mesh of node {}", node));
-        bent_ += mesh.positions.size() + mesh.triangles.size();
-        if (bent_ <= meshes_.mostValues() + kCrowd) return;
+        poser_.bentValues_ += mesh.positions.size() + mesh.triangles.size();
+        if (poser_.bentValues_ <= poser_.meshes_.mostValues() + kCrowd) return;
         source_.fail(
             fmt::format("node {} is one too many with a mesh of its own shape: use fewer "
                         "skinned or morphed nodes",
                         node));
     }
 
-    /// The mesh as stored where nothing bends it, else a copy that is bent.
-    std::shared_ptr<const Mesh> posedMesh(const gltf::Node& node, int index,
-                                          const PrimitiveGeometry& geometry,
-                                          const std::shared_ptr<const PrimitiveGeometry>& owner) {
-        const std::vector<double>& weights = weightsOf(node, index);
+    /// The mesh as stored where nothing bends it, else a copy that is bent. Nodes that
+    /// morph alike share one.
+    std::shared_ptr<const Mesh> posedMesh(
+        const gltf::Node& node, int index,
+        const std::shared_ptr<const PrimitiveGeometry>& geometry) {
+        const std::vector<double>& weights = weightsOf(node);
         const bool morphs =
-            !geometry.targets.empty() &&
+            !geometry->targets.empty() &&
             std::any_of(weights.begin(), weights.end(), [](double w) { return w != 0; });
-        if (!morphs && node.skin < 0) return {owner, &geometry.mesh};
-        const auto key = std::make_pair(&geometry, weights);
-        if (node.skin < 0 && morphed_.count(key) != 0) return morphed_[key];
+        const bool isSkinned = node.skin >= 0;
+        if (!morphs && !isSkinned) return {geometry, &geometry->mesh};
+        std::shared_ptr<const Mesh>* alike =
+            isSkinned ? nullptr : &morphed_[{geometry.get(), weights}];
+        if (alike != nullptr && *alike != nullptr) return *alike;
+        GltfPoser::BentMesh& bent = poser_.bent_[{index, geometry.get()}];
+        bend(node, index, *geometry, weights, bent);
+        if (alike != nullptr) *alike = bent.mesh;
+        return bent.mesh;
+    }
 
-        spend(geometry.mesh, index);
-        auto mesh = std::make_shared<Mesh>(geometry.mesh);
-        morph(geometry, weights, *mesh);
-        if (!geometry.flat) repairNormals(*mesh);
-        if (morphs && geometry.tangentsMadeFor) remakeTangents(geometry, *mesh);
-        if (node.skin >= 0) hang(node, geometry, *mesh);
-        if (geometry.flat) {
-            makeFlatNormals(*mesh);
-            if (node.skin >= 0 && jointsOf(node.skin).mirrored) turnNormals(*mesh);
+    void bend(const gltf::Node& node, int index, const PrimitiveGeometry& geometry,
+              const std::vector<double>& weights, GltfPoser::BentMesh& bent) {
+        const JointPose* joints = node.skin >= 0 ? &jointsOf(node.skin) : nullptr;
+        const std::vector<M44d> none;
+        const std::vector<M44d>& matrices = joints != nullptr ? joints->toWorld : none;
+        if (bent.mesh != nullptr && bent.weights == weights && bent.joints == matrices) return;
+        if (bent.mesh == nullptr) {
+            spend(geometry.mesh, index);
+            bent.mesh = std::make_shared<Mesh>(geometry.mesh);
+        } else {
+            bent.mesh->positions = geometry.mesh.positions;
+            bent.mesh->normals = geometry.mesh.normals;
+            bent.mesh->tangents = geometry.mesh.tangents;
         }
-        checkFinite(*mesh, index);
-        if (node.skin < 0) morphed_[key] = mesh;
-        return mesh;
+        Mesh& mesh = *bent.mesh;
+        mesh.revision = ++poser_.revision_;
+        bent.weights.clear();  // a mesh that cannot be bent is not taken for one that was
+        bent.joints = {M44d() * 0.0};
+        morph(geometry, weights, mesh);
+        if (!geometry.flat) repairNormals(mesh);
+        if (!geometry.targets.empty() && geometry.tangentsMadeFor)
+            remakeTangents(geometry, weights, mesh);
+        if (joints != nullptr) hang(node, geometry, mesh);
+        if (geometry.flat) {
+            makeFlatNormals(mesh);
+            if (joints != nullptr && joints->mirrored) turnNormals(mesh);
+        }
+        checkFinite(mesh, index);
+        bent.weights = weights;
+        bent.joints = matrices;
     }
 
     void checkFinite(const Mesh& mesh, int node) const {
@@ -156,7 +192,9 @@ class Posing {
             fmt::format("node {} bends its mesh beyond all numbers: repair the model", node));
     }
 
-    static void remakeTangents(const PrimitiveGeometry& geometry, Mesh& mesh) {
+    static void remakeTangents(const PrimitiveGeometry& geometry,
+                               const std::vector<double>& weights, Mesh& mesh) {
+        if (std::all_of(weights.begin(), weights.end(), [](double w) { return w == 0; })) return;
         if (geometry.flat) makeFlatNormals(mesh);
         mesh.tangents = makeTangents(mesh, *geometry.tangentsMadeFor);
     }
@@ -177,8 +215,9 @@ class Posing {
         const auto known = joints_.find(index);
         if (known != joints_.end()) return known->second;
         const gltf::Skin& from = gltf::at(source_.document.skins, index);
-        FloatTable inverse;
-        if (from.inverseBindMatrices != gltf::kNone)
+        const auto [inverseBinds, isNew] = poser_.inverseBinds_.try_emplace(index);
+        FloatTable& inverse = inverseBinds->second;
+        if (isNew && from.inverseBindMatrices != gltf::kNone)
             inverse = readFloats(source_, from.inverseBindMatrices, 16, 16);
         JointPose pose;
         std::size_t mirrored = 0;
@@ -194,9 +233,15 @@ class Posing {
         return joints_.emplace(index, std::move(pose)).first->second;
     }
 
-    void extendBounds(const Mesh& mesh, const M44d& transform) {
+    const Imath::Box3d& boundsOf(int node, std::size_t part, const Mesh& mesh,
+                                 const M44d& transform) {
+        GltfPoser::PlacedMesh& placed = poser_.placed_[{node, part}];
+        if (placed.mesh == &mesh && placed.revision == mesh.revision && placed.toWorld == transform)
+            return placed.bounds;
+        placed = {&mesh, mesh.revision, transform, {}};
         for (const auto& position : mesh.positions)
-            scene_.bounds.extendBy(V3d(position) * transform);
+            placed.bounds.extendBy(V3d(position) * transform);
+        return placed.bounds;
     }
 
     // --- cameras and lights ---
@@ -207,15 +252,19 @@ class Posing {
         scene_.cameras.push_back(std::move(camera));
     }
 
-    void placeLight(const gltf::Node& node, int index) {
+    /// A hidden light keeps its name from others.
+    void placeLight(const gltf::Node& node, int index, bool isVisible) {
         Light light = readLight(source_, index, toWorld(index), scene_.warnings);
         light.name = lightNames_.unique(nameOr(light.name, node.name, "Light", node.light));
-        scene_.lights.push_back(std::make_unique<const Light>(std::move(light)));
+        if (!isVisible) return;
+        std::shared_ptr<Light>& kept = poser_.lights_[index];
+        if (kept == nullptr) kept = std::make_shared<Light>();
+        *kept = std::move(light);
+        scene_.lights.push_back(kept);
     }
 
+    GltfPoser& poser_;
     const GltfSource& source_;
-    MeshStore& meshes_;
-    const std::vector<NodePose>& poses_;
     Scene& scene_;
     PlacedNodes placed_;
     UniqueNames lightNames_;
@@ -223,13 +272,10 @@ class Posing {
     std::map<std::pair<const PrimitiveGeometry*, std::vector<double>>, std::shared_ptr<const Mesh>>
         morphed_;
     std::map<int, JointPose> joints_;
-    std::size_t bent_ = 0;  // vertices and triangles in bent copies
 };
 
-}  // namespace
-
-void GltfPoser::pose(const std::vector<NodePose>& nodes, Scene& scene) {
-    Posing(source_, meshes_, nodes, scene).run();
+void GltfPoser::pose(Scene& scene) {
+    Posing(*this, scene).run();
 }
 
 }  // namespace tavora::studio

@@ -46,26 +46,77 @@ void checkBounds(const GltfSource& source, const Scene& scene) {
     source.fail(fmt::format("is larger than {} metres: scale the model down", kLargestScene));
 }
 
+/// Bytes of a surface and of an object beside those of the document, as measured on
+/// files that hold little else.
+constexpr std::uint64_t kMaterial = 2048;
+constexpr std::uint64_t kNode = 512;
+
 }  // namespace
 
-Scene readGltf(const std::filesystem::path& file, const ReadOptions& options) {
-    const GltfSource source = readGltfSource(file, options);
+struct GltfScene::Parts {
+    Parts(const std::filesystem::path& file, const ReadOptions& options)
+        : source(readGltfSource(file, options)) {
+        scene.path = source.path;
+        scene.digest = source.digest;
+        scene.memory = source.memory;
+        scene.memory->take(source.document.materials.size() * kMaterial, "its materials");
+        scene.memory->take(source.document.nodes.size() * kNode, "its nodes");
+        readMaterials(source, scene);
+        pose();
+        scene.animations = readAnimations(source);
+        readAmbient(source, scene);
+        tellLacks(source, scene);
+    }
+
+    void pose() {
+        poser.pose(scene);
+        checkBounds(source, scene);
+    }
+
+    GltfSource source;
     Scene scene;
-    scene.path = source.path;
-    scene.memory = source.memory;
-    // Bytes of a surface and of an object beside those of the document, as measured on
-    // files that hold little else.
-    constexpr std::uint64_t kMaterial = 2048;
-    constexpr std::uint64_t kNode = 512;
-    scene.memory->take(source.document.materials.size() * kMaterial, "its materials");
-    scene.memory->take(source.document.nodes.size() * kNode, "its nodes");
-    readMaterials(source, scene);
-    GltfPoser(source).pose(restPose(source), scene);
-    checkBounds(source, scene);
-    scene.animations = readAnimations(source);
-    readAmbient(source, scene);
-    tellLacks(source, scene);
-    return scene;
+    GltfPoser poser{source};
+    AnimationPlayer player{source, scene.warnings, scene.notes};
+};
+
+GltfScene::GltfScene(const std::filesystem::path& file, const ReadOptions& options)
+    : parts_(std::make_unique<Parts>(file, options)) {}
+
+GltfScene::~GltfScene() = default;
+
+const Scene& GltfScene::scene() const {
+    return parts_->scene;
+}
+
+Scene& GltfScene::scene() {
+    return parts_->scene;
+}
+
+std::vector<std::size_t> GltfScene::compatibleAnimations() const {
+    return parts_->player.compatible();
+}
+
+void GltfScene::play(std::span<const std::size_t> animations) {
+    parts_->player.play(animations);
+}
+
+bool GltfScene::plays() const {
+    return parts_->player.playsAny();
+}
+
+void GltfScene::pose(double seconds) {
+    Scene& scene = parts_->scene;
+    // What is wrong with the file was said when it was read.
+    const std::size_t warnings = scene.warnings.size();
+    parts_->player.setTime(seconds);
+    if (parts_->player.movesMaterials()) refreshMaterials(parts_->source, scene);
+    parts_->pose();
+    scene.warnings.resize(warnings);
+}
+
+Scene readGltf(const std::filesystem::path& file, const ReadOptions& options) {
+    GltfScene opened(file, options);
+    return std::move(opened.scene());
 }
 
 }  // namespace tavora::studio

@@ -9,6 +9,7 @@
 #include "studio/scene/gltf/document_reader.h"
 #include "studio/scene/gltf/extensions.h"
 #include "studio/scene/gltf/resources.h"
+#include "studio/util/digest.h"
 #include "studio/util/error.h"
 #include "studio/util/json_text.h"
 #include "studio/util/text.h"
@@ -103,6 +104,11 @@ GltfSource readGltfSource(const fs::path& file, const ReadOptions& options) {
     source.hold(std::move(container.chunks));
     readResources(source, {file.parent_path(), options.outside},
                   binaryChunk(source, source.held.front()));
+    Digest digest;
+    digest.add(container.json);
+    for (const std::string& bytes : source.held)
+        digest.add(bytes);
+    source.digest = digest.text();
     return source;
 }
 

@@ -37,6 +37,8 @@ struct GltfSource {
     MemoryShare share;                     ///< of it, for what is in here
 
     std::size_t bytesHeld = 0;  ///< sum over `held`
+    std::string digest;         ///< of the document's text and all that is held: XXH3, 128
+                                ///< bits, hexadecimal
 
     /// Keeps bytes with the source; valid as long as it.
     std::span<const std::uint8_t> hold(std::string bytes);

@@ -36,6 +36,12 @@ Imath::V2f vectorOf(const std::array<double, 2>& values) {
 
 }  // namespace
 
+void placeTexture(const gltf::TextureInfo& info, TextureUse& use) {
+    use.offset = vectorOf(info.offset);
+    use.scale = vectorOf(info.scale);
+    use.rotation = static_cast<float>(info.rotation);
+}
+
 std::optional<TextureUse> TextureReader::read(const std::optional<gltf::TextureInfo>& info) {
     if (!info) return std::nullopt;
     const gltf::Texture& texture = gltf::at(source_.document.textures, info->index);
@@ -47,9 +53,7 @@ std::optional<TextureUse> TextureReader::read(const std::optional<gltf::TextureI
     TextureUse use;
     use.image = imageOf(texture.image());
     use.uvSet = info->texCoord;
-    use.offset = vectorOf(info->offset);
-    use.scale = vectorOf(info->scale);
-    use.rotation = static_cast<float>(info->rotation);
+    placeTexture(*info, use);
     if (texture.sampler != gltf::kNone)
         readSampler(gltf::at(source_.document.samplers, texture.sampler), use);
     return use;

@@ -9,6 +9,9 @@
 
 namespace tavora::studio {
 
+/// Where `info` places a texture on a surface.
+void placeTexture(const gltf::TextureInfo& info, TextureUse& use);
+
 /// Reads the uses of a file's textures, and the images that are used into
 /// `scene.images`, each decoded once. One thread at a time.
 class TextureReader {

@@ -106,17 +106,24 @@ bool castsShadow(const Light& light, const LightingOptions& options) {
                         [&](const std::string& lights) { return matchesName(lights, light.name); });
 }
 
+/// The strength that goes with another intensity than the one it was measured with.
+LightStrength atIntensity(LightStrength strength, double measured, double intensity) {
+    if (measured != intensity) strength.value *= measured > 0 ? intensity / measured : 0;
+    return strength;
+}
+
 }  // namespace
 
-std::vector<LightStrength> lightStrengths(const Scene& scene) {
+void LightMeter::measure(const Scene& scene) {
     const auto isLampAt = [](const auto& light) { return isLamp(*light); };
     std::vector<SurfaceSample> points;
     if (std::any_of(scene.lights.begin(), scene.lights.end(), isLampAt))
         points = surfaceSamples(scene);
-    std::vector<LightStrength> strengths;
     for (const auto& light : scene.lights) {
-        LightStrength strength{peakIntensity(*light)};
+        Measured now;
+        now.intensity = now.most = now.strength.value = peakIntensity(*light);
         if (isLamp(*light)) {
+            LightStrength& strength = now.strength;
             const LampReach reach = lampReach(*light, points);
             strength.sun = false;
             strength.reaches = reach.strength > 0;
@@ -124,30 +131,64 @@ std::vector<LightStrength> lightStrengths(const Scene& scene) {
             strength.value =
                 strength.reaches ? reach.strength : strength.value / centreDistance2(*light, scene);
         }
-        strengths.push_back(strength);
+        const auto [known, isNew] = lights_.try_emplace(light->name, now);
+        if (isNew) continue;
+        Measured& best = known->second;
+        const double most = std::max(best.most, now.most);
+        // By what a unit of intensity brings.
+        const bool isBetter =
+            std::make_pair(now.strength.reaches, now.strength.value * best.intensity) >
+            std::make_pair(best.strength.reaches, best.strength.value * now.intensity);
+        if (now.intensity > 0 && (isBetter || !(best.intensity > 0))) best = now;
+        best.most = most;
+    }
+}
+
+std::vector<LightStrength> LightMeter::strengthsOf(const Scene& scene) const {
+    std::vector<LightStrength> strengths;
+    for (const auto& light : scene.lights) {
+        const auto known = lights_.find(light->name);
+        const double intensity = peakIntensity(*light);
+        if (known == lights_.end()) {  // never shown when it was measured
+            strengths.push_back({intensity, !isLamp(*light), !isLamp(*light), 1});
+        } else {
+            const Measured& measured = known->second;
+            strengths.push_back(atIntensity(measured.strength, measured.intensity, intensity));
+        }
     }
     return strengths;
 }
 
-LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options) {
-    return settleLights(scene, camera, options, lightStrengths(scene));
+std::vector<LightStrength> LightMeter::greatest() const {
+    std::vector<LightStrength> strengths;
+    for (const auto& [name, measured] : lights_)
+        strengths.push_back(atIntensity(measured.strength, measured.intensity, measured.most));
+    return strengths;
 }
 
-LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options,
-                      std::vector<LightStrength> strengths) {
+LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingOptions& options) {
+    LightMeter meter;
+    meter.measure(scene);
+    return settleLights(scene, keyView, options, meter);
+}
+
+LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingOptions& options,
+                      const LightMeter& meter) {
     LightRig rig;
     rig.falloff = options.falloff;
     std::vector<const Light*> lights;
     for (const auto& light : scene.lights)
         lights.push_back(light.get());
-    double defaultAmbient = wantsAmbient(strengths) ? kFillAmbient : 0;
-    if (lights.empty()) {
-        rig.own.push_back(std::make_unique<const Light>(keyLight(camera)));
+    std::vector<LightStrength> strengths = meter.strengthsOf(scene);
+    std::vector<LightStrength> greatest = meter.greatest();
+    double defaultAmbient = wantsAmbient(greatest) ? kFillAmbient : 0;
+    if (greatest.empty()) {
+        rig.own.push_back(std::make_unique<const Light>(keyLight(keyView)));
         lights.push_back(rig.own.back().get());
-        strengths = {{peakIntensity(*lights.back())}};
+        strengths = greatest = {{peakIntensity(*lights.back())}};
         defaultAmbient = kDefaultAmbient;
     }
-    const Units units = brightest(strengths);
+    const Units units = brightest(greatest);
     for (std::size_t i = 0; i < lights.size(); ++i) {
         rig.lights.push_back(resolve(*lights[i], strengths.at(i), units, options));
         rig.lights.back().points = pointsOf(*lights[i], options);

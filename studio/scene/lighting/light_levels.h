@@ -1,5 +1,6 @@
 #pragma once
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -51,10 +52,29 @@ struct LightStrength {
     double cone = 1;      ///< what the cone of a spot leaves on the surfaces that it reaches
 };
 
-/// Of the scene's lights, in order. Of a point or spot light it is lampReach() of
-/// the scene's surfaces. Over a film, take them for some frames and keep the
-/// greatest, so that levels don't change while lights or objects move.
-std::vector<LightStrength> lightStrengths(const Scene& scene);
+/// Measures how strong a scene's lights are where they meet it: at one time, or at several
+/// so that over a film the levels of light stay, however lights and objects move. Lights
+/// are told apart by name. One thread.
+class LightMeter {
+  public:
+    /// Measures the scene as it stands. Of a point or spot light lampReach() of the
+    /// scene's surfaces counts; of several times the one where it reaches them best.
+    void measure(const Scene& scene);
+
+    /// Of a scene's lights, in its order, with the intensity that they have now.
+    std::vector<LightStrength> strengthsOf(const Scene& scene) const;
+
+    /// Of all lights that were measured, each at its most intense.
+    std::vector<LightStrength> greatest() const;
+
+  private:
+    struct Measured {
+        LightStrength strength;  ///< where it reached best
+        double intensity = 0;    ///< then
+        double most = 0;         ///< greatest intensity
+    };
+    std::map<std::string, Measured> lights_;
+};
 
 /// The ambient colour of a scene with lights but no ambient of its own, unless
 /// its only light is one sun.
@@ -63,13 +83,13 @@ inline constexpr double kFillAmbient = 0.1;
 /// Settles levels. The strongest sun counts as 1 and other suns in proportion: no
 /// lamp turns the sun's side into shade. Point and spot lights count in proportion
 /// to the strongest light of all. A fixed exposure is a factor on all
-/// strengths instead. A scene without lights gets a key light seen from `camera` and
-/// an ambient of kDefaultAmbient. `strengths` are those of the scene's lights.
-LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options,
-                      std::vector<LightStrength> strengths);
+/// strengths instead. A scene without lights gets a key light seen from `keyView` and
+/// an ambient of kDefaultAmbient. `meter` has measured the scene's lights.
+LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingOptions& options,
+                      const LightMeter& meter);
 
-/// With strengths as the scene stands.
-LightRig settleLights(const Scene& scene, const Camera& camera, const LightingOptions& options);
+/// Measured as the scene stands.
+LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingOptions& options);
 
 /// Light that arrives at `position` from `light`, shadows aside: fills the unit
 /// direction in which it travels and its colour, and returns the distance to

@@ -1,0 +1,106 @@
+#include "studio/app/job_notes.h"
+
+#include <fmt/format.h>
+#include <variant>
+
+#include "studio/files/whole_file.h"
+#include "studio/util/digest.h"
+
+namespace tavora::studio {
+namespace {
+
+constexpr std::size_t kLargestModule = std::size_t{1} << 30;
+
+/// Everything that a picture depends on, each part told apart from the next.
+class JobDigest {
+  public:
+    template <class... Values>
+    void add(const char* name, const Values&... values) {
+        digest_.add(name);
+        (digest_.add(fmt::format("{}", values)), ...);
+    }
+
+    void add(const char* name, const std::vector<std::string>& texts) {
+        add(name, texts.size());
+        for (const std::string& text : texts)
+            digest_.add(text);
+    }
+
+    void add(const char* name, const std::vector<LightSize>& sizes) {
+        add(name, sizes.size());
+        for (const LightSize& size : sizes)
+            add("size", size.lights, size.size);
+    }
+
+    void add(const char* name, const std::optional<Imath::V3d>& color) {
+        add(name, color.has_value());
+        if (color) add("color", color->x, color->y, color->z);
+    }
+
+    void add(const SurfaceShaders& shaders) {
+        for (const auto& shader : shaders) {
+            const StateBlock* block = activeBlock(shader);
+            add("surface", block != nullptr);
+            for (std::size_t i = 0; block != nullptr && i < block->size(); ++i)
+                std::visit([&](const auto& value) { add("item", value); }, (*block)[i]);
+        }
+    }
+
+    std::string text() const { return digest_.text(); }
+
+  private:
+    Digest digest_;
+};
+
+void addOptions(const RenderRequest& request, JobDigest& digest) {
+    digest.add("samples", request.samples, request.mostSamples, static_cast<int>(request.filter));
+    digest.add("camera", request.camera);
+    digest.add("background", request.background);
+    const AnimationRequest& animation = request.animation;
+    digest.add("animations", animation.names);
+    digest.add("time", animation.isAsked() || !request.frames.empty(),
+               animation.seconds.value_or(0));
+    digest.add("frames", animation.fps, request.hold, request.shutter);
+    const LightingOptions& lighting = request.lighting;
+    digest.add("ambient", lighting.ambient);
+    digest.add("exposure", lighting.exposure.value_or(-1), lighting.falloff);
+    digest.add("radii", lighting.radii);
+    digest.add("angles", lighting.angles);
+    digest.add("lights without shadows", lighting.withoutShadows);
+    digest.add("without self-shadow", request.withoutSelfShadow);
+    digest.add("without cast shadows", request.withoutCastShadows);
+    digest.add("without received shadows", request.withoutReceivedShadows);
+    digest.add("without normal map", request.withoutNormalMap);
+}
+
+}  // namespace
+
+PictureNotes notesOf(const RenderRequest& request, const PictureArea& area,
+                     const PictureFormat& format, const FilmScene& scene, const Shading& shading) {
+    JobDigest digest;
+    const PixelBox box = area.crop.value_or(PixelBox{0, 0, area.width, area.height});
+    digest.add("picture", area.width, area.height);
+    digest.add("window", box.left, box.top, box.right, box.bottom);
+    digest.add("format", static_cast<int>(format.kind), static_cast<int>(format.depth),
+               format.alpha);
+    addOptions(request, digest);
+    digest.add(shading.surfaces);
+    if (!shading.module.empty())
+        digest.add("module", readWholeFile(shading.module, kLargestModule));
+    const std::string samples = request.mostSamples > 0
+                                    ? fmt::format("{}..{}", request.samples, request.mostSamples)
+                                    : std::to_string(request.samples);
+    return {{"Software", "tavora " TAVORA_VERSION},
+            {"tavora:scene", scene.scene().digest},
+            {"tavora:job", digest.text()},
+            {"tavora:samples", samples},
+            {"tavora:camera", scene.camera().name}};
+}
+
+PictureNotes notesOfFrame(const PictureNotes& notes, int frame) {
+    PictureNotes result = notes;
+    result.emplace_back("tavora:frame", std::to_string(frame));
+    return result;
+}
+
+}  // namespace tavora::studio

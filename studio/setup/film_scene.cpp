@@ -1,0 +1,113 @@
+#include "studio/setup/film_scene.h"
+
+#include <algorithm>
+#include <charconv>
+#include <fmt/format.h>
+#include <set>
+
+#include "studio/scene/framing/default_view.h"
+#include "studio/setup/scene_view.h"
+#include "studio/util/error.h"
+#include "studio/util/glob.h"
+#include "studio/util/nearest_name.h"
+#include "studio/util/some_names.h"
+#include "studio/util/text.h"
+
+namespace tavora::studio {
+namespace {
+
+/// Times at which a film is looked at, evenly over its range.
+constexpr int kLooks = 17;
+
+std::optional<std::size_t> indexIn(const std::string& text, std::size_t count) {
+    std::size_t index = 0;
+    const char* end = text.data() + text.size();
+    const auto [stop, error] = std::from_chars(text.data(), end, index);
+    if (error != std::errc() || stop != end || index >= count) return {};
+    return index;
+}
+
+/// The animations that `name` names: those of that name or pattern, else that of that index.
+std::vector<std::size_t> animationsNamed(const Scene& scene, const std::string& name) {
+    std::vector<std::size_t> found;
+    std::vector<std::string> names;
+    for (std::size_t i = 0; i < scene.animations.size(); ++i) {
+        if (matchesName(name, scene.animations[i].name)) found.push_back(i);
+        names.push_back(scene.animations[i].name);
+    }
+    if (!found.empty()) return found;
+    if (const auto index = indexIn(name, scene.animations.size())) return {*index};
+    throw Error(Fault::Usage,
+                fmt::format("--animation: no animation \"{}\" in {}{}", name, scene.path,
+                            names.empty() ? ", which has none; leave --animation out"
+                                          : nearestNames(name, names)));
+}
+
+std::string namesOf(const Scene& scene, const std::vector<std::size_t>& animations) {
+    std::vector<std::string> names;
+    for (const std::size_t i : animations) {
+        const std::string& name = scene.animations[i].name;
+        names.push_back(name.empty() ? std::to_string(i) : shortened(name));
+    }
+    return someOf(names);
+}
+
+}  // namespace
+
+FilmScene::FilmScene(const std::filesystem::path& file, const ReadOptions& options)
+    : file_(file, options) {}
+
+void FilmScene::play(const std::vector<std::string>& names, Report& report) {
+    std::set<std::size_t> chosen;
+    for (const std::string& name : names) {
+        for (const std::size_t i : animationsNamed(scene(), name))
+            chosen.insert(i);
+    }
+    std::vector<std::size_t> animations(chosen.begin(), chosen.end());
+    if (names.empty()) animations = file_.compatibleAnimations();
+    file_.play(animations);
+    if (animations.empty()) return;
+    const bool leavesOut = names.empty() && animations.size() < scene().animations.size();
+    report.note(1, fmt::format("plays {}{}", namesOf(scene(), animations),
+                               leavesOut ? "; --animation plays others" : ""));
+    range_ = {scene().animations[animations[0]].start, scene().animations[animations[0]].end};
+    for (const std::size_t i : animations) {
+        range_.start = std::min(range_.start, scene().animations[i].start);
+        range_.end = std::max(range_.end, scene().animations[i].end);
+    }
+}
+
+void FilmScene::settle(const std::string& camera, double aspect) {
+    cameraChoice_ = camera;
+    aspect_ = aspect;
+    const bool frames = camera.empty() && scene().cameras.empty();
+    std::vector<Scene> shapes;
+    const int looks = plays() && range_.end > range_.start ? kLooks : 1;
+    for (int look = looks - 1; look >= 0; --look) {
+        if (plays()) pose(range_.start + (range_.end - range_.start) * look / (kLooks - 1));
+        meter_.measure(scene());
+        if (frames && looks > 1) shapes.push_back(shapeOf(scene()));
+    }
+    if (frames) {
+        std::vector<const Scene*> all;
+        for (const Scene& shape : shapes)
+            all.push_back(&shape);
+        framing_ =
+            all.empty() ? chooseCamera(scene(), camera, aspect) : framingCameraOfFilm(all, aspect);
+    }
+    keyView_ = this->camera();
+}
+
+void FilmScene::pose(double seconds) {
+    file_.pose(std::clamp(seconds, range_.start, range_.end));
+}
+
+Camera FilmScene::camera() const {
+    return framing_ ? *framing_ : chooseCamera(scene(), cameraChoice_, aspect_);
+}
+
+LightRig FilmScene::lights(const LightingOptions& options) const {
+    return lightsFor(scene(), keyView_, options, meter_);
+}
+
+}  // namespace tavora::studio
