@@ -202,9 +202,13 @@ void renderStill(const Job& job) {
         summary.add(FrameState::Skipped);
         return progress.end(summary.result());
     }
-    const PoliteStop stop;
-    const Picture picture =
-        job.renderer.render({}, {[&](double done) { progress.update(done); }, &stop.asked()});
+    Picture picture;
+    {
+        // Once the file is being written a signal ends the program at once.
+        const PoliteStop stop;
+        picture =
+            job.renderer.render({}, {[&](double done) { progress.update(done); }, &stop.asked()});
+    }
     progress.clear();
     noteStats(job.renderer.stats(), job.report);
     write(job, picture, file, job.notes);
