@@ -6,6 +6,6 @@ enum ProbeBehaviour {
     kDescribe,      ///< tells the record's fields, changes nothing
     kMeasureLight,  ///< colours by the light here and, by the numbers, elsewhere
     kPassOn,        ///< traces, as often as the first number says, along the others or onward
-    kGreet,         ///< tells once when it has read its settings
+    kGreet,         ///< tells when it has read its settings, and the passes of frames
     kRefuse,        ///< refuses these settings
 };

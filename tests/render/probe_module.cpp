@@ -148,6 +148,26 @@ HostError save(HostInstance, const HostSaveState*) {
     return nullptr;
 }
 
+bool greets(HostInstance instance) {
+    return static_cast<Probe*>(instance)->behaviour == kGreet;
+}
+
+HostError init(HostInstance instance, int mode) {
+    if (greets(instance)) tell("init", &mode, 1);
+    return nullptr;
+}
+
+HostError newTime(HostInstance instance, int frame, double seconds) {
+    const double time[] = {static_cast<double>(frame), seconds};
+    if (greets(instance)) tell("newTime", time, 2);
+    return nullptr;
+}
+
+void cleanup(HostInstance instance) {
+    const int none = 0;
+    if (greets(instance)) tell("cleanup", &none, 1);
+}
+
 unsigned flags(HostInstance instance) {
     return static_cast<unsigned>(static_cast<Probe*>(instance)->flags);
 }
@@ -157,6 +177,7 @@ int activate(int, HostLookup* lookup, void* record, void*) {
     items = static_cast<const HostItemInfo*>(lookup(HOST_ITEM_INFO_SERVICE, HOST_USE_TRANSIENT));
     auto& handler = *static_cast<HostShaderHandler*>(record);
     *handler.instance = {nullptr, create, destroy, nullptr, load, save, nullptr};
+    *handler.render = {init, cleanup, newTime};
     handler.evaluate = evaluate;
     handler.flags = flags;
     return HOST_ACTIVATION_OK;
