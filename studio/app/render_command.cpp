@@ -41,7 +41,11 @@ PictureFormat checkedFormat(const RenderRequest& request, const std::string& fil
     try {
         const PictureFormat format =
             pictureFormat(file, request.depth, !request.background, request.format);
-        isStream(file) ? checkStandardOutput() : checkWritable(file);
+        if (isStream(file)) {
+            checkStandardOutput();
+        } else if (!request.keepGoing) {
+            checkWritable(file);
+        }
         return format;
     } catch (const std::invalid_argument& error) {
         throw Error(Fault::Usage, error.what());
@@ -236,7 +240,7 @@ class Film {
         progress_.end(summary);
         job_.report.note(0, textOf(summary));
         if (stop_.asked() && done_ < request_.frames.size()) {
-            throw Stopped(fmt::format("stopped by a signal; {} of {} frames are done, "
+            throw Stopped(fmt::format("{} of {} frames are done, "
                                       "--existing skip goes on with the others",
                                       done_ - failed_.size(), request_.frames.size()),
                           true);
