@@ -99,7 +99,7 @@ PictureNotes notesOf(const RenderRequest& request, const PictureArea& area,
 
 PictureNotes notesOfFrame(const PictureNotes& notes, int frame) {
     PictureNotes result = notes;
-    result.emplace_back("tavora:frame", std::to_string(frame));
+    result["tavora:frame"] = std::to_string(frame);
     return result;
 }
 

@@ -10,8 +10,8 @@
 #include "studio/files/atomic_file.h"
 #include "studio/files/standard_streams.h"
 #include "studio/files/whole_file.h"
-#include "studio/render/exr_encode.h"
-#include "studio/render/png_encode.h"
+#include "studio/render/exr_rows.h"
+#include "studio/render/png_rows.h"
 
 namespace tavora::studio {
 namespace fs = std::filesystem;
@@ -70,19 +70,17 @@ PictureFormat pictureFormat(const fs::path& file, PictureDepth depth, bool alpha
     return {suffix.kind, depth, alpha};
 }
 
-std::optional<PictureNotes> notesOfCompletePicture(const std::filesystem::path&) {
-    return {};
-}
 std::string encodePicture(const Picture& picture, const PictureFormat& format,
-                          const PictureNotes&) {
-    return format.kind == PictureFormat::Kind::Png
-               ? encodePng(picture, format.depth == PictureDepth::Sixteen, format.alpha)
-               : encodeExr(picture, format.depth == PictureDepth::Float, format.alpha);
+                          const PictureNotes& notes) {
+    StoredPicture stored{format, picture.width, picture.height, picture.window, notes, {}};
+    stored.rows = format.kind == PictureFormat::Kind::Png ? pngRows(picture, format)
+                                                          : exrRows(picture, format);
+    return encodeStored(stored);
 }
 
 void writePicture(const Picture& picture, const fs::path& file, const PictureFormat& format,
-                  const PictureNotes&) {
-    writeWholeFile(file, encodePicture(picture, format));
+                  const PictureNotes& notes) {
+    writeWholeFile(file, encodePicture(picture, format, notes));
 }
 
 void checkWritable(const fs::path& file) {

@@ -7,17 +7,9 @@
 #include <vector>
 
 #include "studio/render/picture.h"
+#include "studio/render/stored_picture.h"
 
 namespace tavora::studio {
-
-enum class PictureDepth { Default, Eight, Sixteen, Half, Float };
-
-/// How a picture is kept in a file.
-struct PictureFormat {
-    enum class Kind { Png, Exr } kind = Kind::Png;
-    PictureDepth depth = PictureDepth::Eight;  ///< never Default; 8 or 16 for PNG
-    bool alpha = false;                        ///< keep the alpha channel
-};
 
 /// The format that `kind`, else `file`'s suffix (.png, .exr), and `depth` make
 /// together. Default: 8 bit for PNG, half for EXR; PNG for the file "-". Throws
@@ -26,12 +18,9 @@ struct PictureFormat {
 PictureFormat pictureFormat(const std::filesystem::path& file, PictureDepth depth, bool alpha,
                             std::optional<PictureFormat::Kind> kind = {});
 
-using PictureNotes = std::vector<std::pair<std::string, std::string>>;
-std::optional<PictureNotes> notesOfCompletePicture(const std::filesystem::path& file);
-
 /// The bytes of a picture's file: PNG encoded for display (alpha not premultiplied, only the
 /// window's pixels), EXR scene-linear (alpha premultiplied, display window
-/// kept, no date). Equal pictures are equal files.
+/// kept, no date), with its notes. Equal pictures with equal notes are equal files.
 std::string encodePicture(const Picture& picture, const PictureFormat& format,
                           const PictureNotes& notes = {});
 
