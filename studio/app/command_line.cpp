@@ -103,6 +103,11 @@ void addPictureSize(CLI::App& command, RenderRequest& request) {
         ->excludes(shares);
 }
 
+void addTile(CLI::App& command, RenderRequest& request) {
+    addOption(command, "--tile", "I/N", "Render the Ith of N strips, for tavora merge",
+              into(request.tile, tileNumber));
+}
+
 void addThreads(CLI::App& command, int& target) {
     const auto threads = [](const std::string& text) { return wholeNumber(text, 0, 1024); };
     addOption(command, "-t,--threads", "N", "Threads; 0 for one a core (0)", into(target, threads))
@@ -225,6 +230,7 @@ void addRender(CLI::App& command, RenderRequest& request) {
     addScene(command, request.scene)->required();
     addOutput(command, "the picture to write, .png or .exr", request.output)->required();
     addPictureSize(command, request);
+    addTile(command, request);
     addQuality(command, request);
     addView(command, request);
     addFilm(command, request);
@@ -264,6 +270,17 @@ void addSettings(CLI::App& command, SettingsRequest& request) {
 
 void addLooks(CLI::App& command, LooksRequest& request) {
     command.add_flag("--json", request.json, "As JSON");
+    addReport(command, request.report);
+}
+
+void addMerge(CLI::App& command, MergeRequest& request) {
+    addOption(command, "TILE", "", "the tiles of one picture", into(request.tiles))
+        ->required()
+        ->expected(1, CLI::detail::expected_max_vector_size)
+        ->allow_extra_args()
+        ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
+    addOutput(command, "the picture to write, in the format of its tiles", request.output)
+        ->required();
     addReport(command, request.report);
 }
 
@@ -380,6 +397,7 @@ class Parser {
         add("info", "List what is in a scene, and the module", help::kInfoExamples, info_, addInfo);
         add("settings", "Print the shader settings of a scene, or store some in it",
             help::kSettingsExamples, settings_, addSettings);
+        add("merge", "Put the tiles of a picture together", help::kMergeExamples, merge_, addMerge);
         add("looks", "List the looks that ship", help::kLooksExamples, looks_, addLooks);
         add("help", "Show what a command does and takes", help::kHelpExamples, help_, addHelp);
     }
@@ -517,6 +535,7 @@ class Parser {
     InfoRequest info_;
     SettingsRequest settings_;
     LooksRequest looks_;
+    MergeRequest merge_;
     HelpRequest help_;
     std::function<Request()> finish_;
 };

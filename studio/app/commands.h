@@ -11,5 +11,6 @@ void render(const RenderRequest& request, Report& report);
 void showInfo(const InfoRequest& request, Report& report);
 void showOrStoreSettings(const SettingsRequest& request, Report& report);
 void listLooks(const LooksRequest& request, Report& report);
+void merge(const MergeRequest& request, Report& report);
 
 }  // namespace tavora::studio

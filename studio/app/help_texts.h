@@ -49,6 +49,13 @@ SCENE - is standard input, which can be printed only; -o - is standard output.
 SURFACE and NAME are names or patterns (* ? [a-z]). The very name comes before the
 pattern; a backslash takes the next character as it is: --surface 'a\*b'.)";
 
+inline constexpr const char* kMergeExamples = R"(Examples:
+  tavora render model.glb -o upper.png --tile 1/2
+  tavora render model.glb -o lower.png --tile 2/2
+  tavora merge upper.png lower.png -o picture.png
+
+The picture is the one that a render without --tile writes, byte for byte.)";
+
 inline constexpr const char* kHelpExamples = R"(Examples:
   tavora help
   tavora help render)";

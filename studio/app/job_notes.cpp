@@ -3,13 +3,13 @@
 #include <fmt/format.h>
 #include <variant>
 
-#include "studio/files/whole_file.h"
+#include "studio/link/module_file.h"
+#include "studio/render/picture_tiles.h"
+#include "studio/services/registry.h"
 #include "studio/util/digest.h"
 
 namespace tavora::studio {
 namespace {
-
-constexpr std::size_t kLargestModule = std::size_t{1} << 30;
 
 /// Everything that a picture depends on, each part told apart from the next.
 class JobDigest {
@@ -73,28 +73,38 @@ void addOptions(const RenderRequest& request, JobDigest& digest) {
     digest.add("without normal map", request.withoutNormalMap);
 }
 
+/// What the module says it is. Its bytes differ from one machine that built it to the next.
+void addModule(const std::filesystem::path& file, JobDigest& digest) {
+    const ModuleSummary module = summarize(file, findService);
+    digest.add("module", module.descriptorVersion);
+    for (const ModuleSummary::Class& server : module.classes)
+        digest.add("class", server.className, server.serverName, server.version,
+                   server.description);
+}
+
 }  // namespace
 
 PictureNotes notesOf(const RenderRequest& request, const PictureArea& area,
                      const PictureFormat& format, const FilmScene& scene, const Shading& shading) {
     JobDigest digest;
-    const PixelBox box = area.crop.value_or(PixelBox{0, 0, area.width, area.height});
+    const PixelBox& box = area.undivided;
     digest.add("picture", area.width, area.height);
     digest.add("window", box.left, box.top, box.right, box.bottom);
     digest.add("format", static_cast<int>(format.kind), static_cast<int>(format.depth),
                format.alpha);
     addOptions(request, digest);
     digest.add(shading.surfaces);
-    if (!shading.module.empty())
-        digest.add("module", readWholeFile(shading.module, kLargestModule));
+    if (!shading.module.empty()) addModule(shading.module, digest);
     const std::string samples = request.mostSamples > 0
                                     ? fmt::format("{}..{}", request.samples, request.mostSamples)
                                     : std::to_string(request.samples);
-    return {{"Software", "tavora " TAVORA_VERSION},
-            {"tavora:scene", scene.scene().digest},
-            {"tavora:job", digest.text()},
-            {"tavora:samples", samples},
-            {"tavora:camera", scene.camera().name}};
+    PictureNotes notes{{"Software", "tavora " TAVORA_VERSION},
+                       {"tavora:scene", scene.scene().digest},
+                       {"tavora:job", digest.text()},
+                       {"tavora:samples", samples},
+                       {"tavora:camera", scene.camera().name}};
+    if (request.tile) noteTile({*request.tile, area.width, area.height, box}, notes);
+    return notes;
 }
 
 PictureNotes notesOfFrame(const PictureNotes& notes, int frame) {

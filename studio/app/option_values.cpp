@@ -137,6 +137,16 @@ std::pair<int, int> sampleCounts(const std::string& text) {
            text);
 }
 
+TileNumber tileNumber(const std::string& text) {
+    const auto parts = split(text, '/');
+    const auto number = numberOf<int>(parts.front());
+    const auto count = numberOf<int>(parts.back());
+    if (parts.size() == 2 && number && count && *number >= 1 && *number <= *count &&
+        *count <= kMostTiles)
+        return {*number, *count};
+    refuse("a tile's number and how many there are, like 2/6", text);
+}
+
 std::pair<int, int> resolution(const std::string& text) {
     constexpr int kMostSide = 65536;
     const std::vector<std::string_view> sides = split(text, 'x');

@@ -34,6 +34,9 @@ CropShares cropShares(const std::string& text);
 /// "x0,y0,x1,y1" in pixels, the last two excluded.
 PixelBox cropPixels(const std::string& text);
 
+/// "2/6", counted from 1.
+TileNumber tileNumber(const std::string& text);
+
 /// "#rrggbb", "r,g,b" from 0 to 1, one number for a grey, or black, grey, white.
 Imath::V3d color(const std::string& text);
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <fmt/format.h>
 
+#include "studio/render/picture_tiles.h"
 #include "studio/util/error.h"
 
 namespace tavora::studio {
@@ -33,17 +34,25 @@ PixelBox boxOf(const CropShares& shares, const PictureArea& area) {
 
 PictureArea pictureArea(const RenderRequest& request) {
     PictureArea area{
-        scaled(request.width, request.scale), scaled(request.height, request.scale), {}};
+        scaled(request.width, request.scale), scaled(request.height, request.scale), {}, {}};
     if (request.cropShares) area.crop = boxOf(*request.cropShares, area);
     if (request.cropPixels) area.crop = request.cropPixels;
     if (area.crop && (area.crop->right > area.width || area.crop->bottom > area.height)) {
         throw Error(Fault::Usage, fmt::format("--crop-pixels reaches beyond the picture of {}x{}",
                                               area.width, area.height));
     }
-    const PixelBox box = area.crop.value_or(PixelBox{0, 0, area.width, area.height});
+    area.undivided = area.crop.value_or(PixelBox{0, 0, area.width, area.height});
+    if (request.tile) {
+        if (request.tile->count > area.undivided.height()) {
+            throw Error(Fault::Usage, fmt::format("--tile: {} rows make no {} tiles; ask for fewer",
+                                                  area.undivided.height(), request.tile->count));
+        }
+        area.crop = stripOf(area.undivided, *request.tile);
+    }
+    const PixelBox box = area.crop.value_or(area.undivided);
     if (static_cast<double>(box.width()) * box.height() > kMostPixels) {
         throw Error(Fault::Usage,
-                    fmt::format("{}x{} pixels are too many at once; render crops of it",
+                    fmt::format("{}x{} pixels are too many at once; render crops or tiles of it",
                                 box.width(), box.height()));
     }
     return area;

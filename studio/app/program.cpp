@@ -71,6 +71,7 @@ struct Runner {
     void operator()(const InfoRequest& request) const { showInfo(request, report); }
     void operator()(const SettingsRequest& request) const { showOrStoreSettings(request, report); }
     void operator()(const LooksRequest& request) const { listLooks(request, report); }
+    void operator()(const MergeRequest& request) const { merge(request, report); }
     void operator()(const EditRequest& request) const { window.edit(request, report); }
     void operator()(const PanelRequest& request) const { window.drawPanel(request, report); }
 };

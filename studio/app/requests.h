@@ -9,6 +9,7 @@
 
 #include "studio/render/picture.h"
 #include "studio/render/picture_file.h"
+#include "studio/render/picture_tiles.h"
 #include "studio/render/pixel_filter.h"
 #include "studio/scene/lighting/light_levels.h"
 #include "studio/scene/read_options.h"
@@ -52,8 +53,9 @@ struct RenderRequest {
     double scale = 1;
     std::optional<CropShares> cropShares;
     std::optional<PixelBox> cropPixels;
-    int samples = 4;       ///< a pixel, at least
-    int mostSamples = 64;  ///< where samples differ; 0: `samples` everywhere
+    std::optional<TileNumber> tile;  ///< of the picture, or of its crop
+    int samples = 4;                 ///< a pixel, at least
+    int mostSamples = 64;            ///< where samples differ; 0: `samples` everywhere
     PixelFilter filter = PixelFilter::Box;
     int threads = 0;  ///< 0: one a core
     std::string camera;
@@ -99,6 +101,13 @@ struct LooksRequest {
     bool json = false;
 };
 
+/// Tiles to be put together.
+struct MergeRequest {
+    ReportOptions report;
+    std::vector<std::string> tiles;
+    std::string output;
+};
+
 /// The edit window.
 struct EditRequest {
     ReportOptions report;
@@ -131,6 +140,6 @@ struct TextRequest {
 };
 
 using Request = std::variant<TextRequest, RenderRequest, InfoRequest, SettingsRequest, LooksRequest,
-                             EditRequest, PanelRequest>;
+                             MergeRequest, EditRequest, PanelRequest>;
 
 }  // namespace tavora::studio
