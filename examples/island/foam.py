@@ -159,7 +159,8 @@ def foam(glb):
         return waving(lambda sway: ring(outline, width, seed, sway, steps))
     glb.waving('Island Foam', ('Foam', waving(island_foam)))
     for number, (x, z, y, radius, seed) in enumerate(ROCKS, 1):
-        glb.waving('Rock %d Foam' % number, ('Foam', foam_of(waterline(boulder(radius, seed), (x, y, z)), 0.36, seed)))
+        outline = waterline(boulder(radius, seed), (x, y, z))
+        glb.waving('Rock %d Foam' % number, ('Foam', foam_of(outline, 0.36, seed)))
     places = [on_jetty(z, side * 0.5, 0) for z in JETTY_POSTS for side in (-1, 1)]
     posts = [(waterline(POST, place), 0.17, 40 + k) for k, place in enumerate(places)
              if is_free(place[0], place[2], 1.04)]

@@ -16,8 +16,8 @@ FLYING = ((0.30, 0.245, 20, 62, 14, 0.22, 1.0), (0.385, 0.175, 16.5, 75, -16, 0.
           (0.235, 0.155, 27, 60, 10, 0.2, 0.9), (0.90, 0.235, 26, -60, -12, 0.2, 0.9),
           (0.46, 0.30, 34, 70, 8, 0.16, 0.9))
 # Of each: metres a second, whether it circles or hangs in the wind, beats of the wings to a loop, how wide
-# they are in degrees, and when they are widest.
-FLIGHTS = ((3.0, False, 6, 26, 2.6), (2.8, True, 8, 24, 0.6), (2.6, False, 5, 24, 4.4), (2.6, True, 6, 26, 1.6),
+# they are in degrees, and the clock when they are widest.
+FLIGHTS = ((2.6, False, 6, 26, 4.5), (2.0, True, 8, 24, 0.6), (2.4, False, 5, 24, 0.9), (1.7, True, 6, 26, 1.6),
            (2.4, False, 6, 24, 5.4))
 GRAVITY = 9.81
 RESTING = ((-6.75, 0.36, -0.85), 242)
@@ -79,10 +79,12 @@ def flying_gull(glb, name, place, heading, roll, lift, size, speed, circles, bea
                      rotation=product(about(UP, heading), about((0, 0, 1), roll)), scale=[size] * 3)
     flight = Flight(place, heading, roll, speed, circles)
     def beat(t):
-        """From -1 to 1; the body falls a little as the wings rise."""
+        """From -1 to 1."""
         return math.sin(clock(t, beats)) * (0.58 + 0.42 * math.cos(clock(t) - widest))
-    glb.animate(node, 'translation', lambda t: add(flight.place_at(t), (0, 0.2 * swing(t, widest) - 0.04 * beat(t), 0)),
-                4 * beats)
+    def rise(t):
+        """Wide beats lift it; it falls a little as the wings rise."""
+        return 0.2 * swing(t, -widest - math.pi / 2) - 0.04 * beat(t)
+    glb.animate(node, 'translation', lambda t: add(flight.place_at(t), (0, rise(t), 0)), 4 * beats)
     glb.animate(node, 'rotation', flight.turn_at)
     wing = right_wing(lift)
     for side, word, shape in ((1, 'Right', wing), (-1, 'Left', mirrored(wing))):

@@ -22,7 +22,7 @@ def surface(sway):
         wave = 0.16 if 0 < number < len(BANDS) else 0.0
         def rise(u):
             phase = 11 * u + 2.3 * number
-            return wave * (math.sin(phase) + sway(-phase - math.pi / 2)) * math.sin(4 * u + number)
+            return wave * (math.sin(phase) + sway(math.pi / 2 - phase)) * math.sin(4 * u + number)
         return [on_water(u, HORIZON + depth * (1 + rise(u))) for u in columns]
     borders = [border(k, depth) for k, depth in enumerate([*[depth for depth, _ in BANDS], NEAREST])]
     return merged(*[tinted(strip(near, far, UP), color)
