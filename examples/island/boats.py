@@ -99,8 +99,8 @@ def boat(glb):
     forestay = tube([(0, sheer(0) - 0.02, BOW + 0.25), (0, 3.9, 0.5)], 0.012, 6)
     glb.thing('Hull', ('Hull', boat_hull(), 0.9 * BROAD), ('Mast', tinted(merged(mast, boom), WOOD), HAIR),
               ('Iron', tinted(forestay, INK)), parent=node)
-    glb.animate(node, 'translation', lambda t: afloat(t, BOAT, 0.05))
-    glb.animate(node, 'rotation', lambda t: product(about(UP, BOAT_TURN), rocking(t, BOAT, 1.4, HEEL, 2.2)))
+    glb.animate(node, 'translation', lambda t: afloat(t, BOAT, 0.06))
+    glb.animate(node, 'rotation', lambda t: product(about(UP, BOAT_TURN), rocking(t, BOAT, 2, HEEL, 2.5)))
     for name, sail, phase in (('Main Sail', main_sail(), 1.2), ('Jib', jib(), 0.6)):
         cloth = glb.thing(name, ('Sail', sail, 0.7 * BROAD), parent=node)
         # The wind fills it more and less: it is flat along x.
