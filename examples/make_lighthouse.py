@@ -12,6 +12,7 @@ from pathlib import Path
 from island import picture
 from island.boats import boats
 from island.cottage import cottage
+from island.fish import fish
 from island.foam import foam
 from island.glb import Glb
 from island.gulls import gulls
@@ -65,7 +66,7 @@ def main():
     target = Path(sys.argv[1]) if len(sys.argv) > 1 else Path(__file__).with_name('lighthouse.glb')
     glb = Glb('Lighthouse')
     materials(glb)
-    for make in (sky, sea, land, plants, lighthouse, cottage, jetty, fence, washing, keeper, boats, foam, gulls):
+    for make in (sky, sea, land, plants, lighthouse, cottage, jetty, fence, washing, keeper, boats, foam, gulls, fish):
         make(glb)
     light_and_cameras(glb)
     glb.write(target)

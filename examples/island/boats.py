@@ -4,6 +4,7 @@ with the waterline at y = 0. Along a hull, t runs from the bow (0) to the transo
 import math
 
 from .land import on_ground
+from .motion import swell, swing, waving
 from .palette import (AMBER, BROAD, CORAL, CREAM, DARK_WOOD, HAIR, INK, NAVY, PALE_PLANK, PLANK, RED, TEAL, WOOD)
 from .shapes import (Shape, box, facing, grid_faces, lathe, merged, mirrored, placed, sheet, sphere, strip, thickened,
                      tinted, tube)
@@ -83,9 +84,11 @@ def jib():
     return sail((0, 0.98, BOW + 0.1), (0.1, 0.9, 0.42), (0, 3.6, 0.58), (0.36, 0, 0), ((1.0, CORAL),))
 
 
-def pennant():
-    """Streams from the origin."""
-    def at(u, v): return (0.06 * math.sin(5 * u), (v - 0.5) * 0.26 * (1 - 0.8 * u), 0.75 * u)
+def pennant(sway):
+    """Streams from the origin; its waves run to its end."""
+    def at(u, v):
+        wave = 0.08 * u * sway(-5 * u)
+        return (0.06 * math.sin(5 * u) + wave, (v - 0.5) * 0.26 * (1 - 0.8 * u) + 0.6 * wave, 0.75 * u)
     return tinted(thickened(sheet(at, 4, 12), 0.02), RED)
 
 
@@ -96,9 +99,26 @@ def boat(glb):
     forestay = tube([(0, sheer(0) - 0.02, BOW + 0.25), (0, 3.9, 0.5)], 0.012, 6)
     glb.thing('Hull', ('Hull', boat_hull(), 0.9 * BROAD), ('Mast', tinted(merged(mast, boom), WOOD), HAIR),
               ('Iron', tinted(forestay, INK)), parent=node)
-    glb.thing('Main Sail', ('Sail', main_sail(), 0.7 * BROAD), parent=node)
-    glb.thing('Jib', ('Sail', jib(), 0.7 * BROAD), parent=node)
-    glb.thing('Pennant', ('Cloth', pennant(), HAIR), parent=node, translation=[0, 4.08, 0.5])
+    glb.animate(node, 'translation', lambda t: afloat(t, BOAT, 0.06))
+    glb.animate(node, 'rotation', lambda t: product(about(UP, BOAT_TURN), rocking(t, BOAT, 2, HEEL, 2.5)))
+    for name, sail, phase in (('Main Sail', main_sail(), 1.2), ('Jib', jib(), 0.6)):
+        cloth = glb.thing(name, ('Sail', sail, 0.7 * BROAD), parent=node)
+        # The wind fills it more and less: it is flat along x.
+        glb.animate(cloth, 'scale', lambda t, phase=phase: [1 + 0.09 * swing(t, phase), 1, 1])
+    glb.waving('Pennant', ('Cloth', waving(pennant, True), HAIR), parent=node, translation=[0, 4.08, 0.5], cycles=3)
+
+
+# --- on the swell ---------------------------------------------------------------------
+
+def afloat(t, place, height):
+    """Rises and falls with the water."""
+    return add(place, (0, height * swing(t, swell(place[0], place[2])), 0))
+
+
+def rocking(t, place, pitch, heel, roll):
+    """Turns with the slope of the swell, which is steepest between its crests; degrees."""
+    phase = swell(place[0], place[2]) + math.pi / 2
+    return product(about((1, 0, 0), pitch * swing(t, phase)), about((0, 0, 1), heel + roll * swing(t, phase - 0.5)))
 
 
 # --- dinghy and buoy ----------------------------------------------------------------------
@@ -119,8 +139,10 @@ def buoy(glb):
     ring = lathe([(0.2, 0.3), (0.185, 0.5), (0.17, 0.68)], 32, is_round=True)
     top = lathe([(0.17, 0.68), (0.14, 0.98), (0.0, 1.0)], 32)
     light = placed(sphere(0.09, 16, 10), (0, 1.07, 0))
-    glb.thing('Buoy', ('Buoy', merged(tinted(merged(body, top), RED), tinted(ring, CREAM), tinted(light, AMBER)),
+    node = glb.thing('Buoy', ('Buoy', merged(tinted(merged(body, top), RED), tinted(ring, CREAM), tinted(light, AMBER)),
                        0.85 * BROAD), translation=BUOY, rotation=about((0, 0, 1), 9))
+    glb.animate(node, 'translation', lambda t: afloat(t, BUOY, 0.05))
+    glb.animate(node, 'rotation', lambda t: rocking(t, BUOY, 2, 9, 5))
 
 
 def boats(glb):

@@ -4,9 +4,10 @@ import math
 import random
 
 from .land import on_ground
+from .motion import PERIOD
 from .palette import (AMBER, DEEP_RED, FINE, HAIR, PLASTER, RED, SMOKE, STONE, TEAL, TILE_GAP, TILES, WHITE, WINDOW)
 from .shapes import box, fan, flat, lathe, merged, placed, sheet, sphere, strip, thickened, tinted, tube
-from .vectors import UP, about, add, mul, turned
+from .vectors import UP, about, add, mix, mul, turned
 
 PLACE, TURN = (0.55, -7.5), -22
 WIDTH, WALL, DEPTH, RISE, EAVES = 2.3, 1.12, 1.6, 1.0, 0.2  # the ridge runs along x
@@ -112,12 +113,37 @@ def chimney():
 PUFFS = ((0.0, 0.0, 0.13), (0.16, 0.3, 0.19), (0.42, 0.62, 0.25), (0.8, 0.95, 0.21), (1.2, 1.2, 0.14))
 
 
+# How it begins, in the chimney, and how it ends.
+FIRST_PUFF, LAST_PUFF = (-0.02, -0.2, 0.004), (1.42, 1.34, 0.004)
+
+
+def puff_at(way):
+    """On its way from puff to puff; halfway before the first it leaves the chimney, and
+    halfway after the last it is gone."""
+    stops = [FIRST_PUFF, *PUFFS, LAST_PUFF]
+    places = [-0.5, *range(len(PUFFS)), len(PUFFS) - 0.5]
+    for before, after, a, b in zip(places, places[1:], stops, stops[1:]):
+        if way <= after:
+            return mix(a, b, (way - before) / (after - before))
+    return LAST_PUFF
+
+
 def smoke(glb, cottage_node):
+    """Each puff takes the whole way in a loop."""
     wind = turned((1, 0, 0), -TURN)
-    for number, (along, up, radius) in enumerate(PUFFS, 1):
-        puff = placed(sphere(radius, 24, 12), scale=(1.15, 0.9, 1))
-        glb.thing('Smoke %d' % number, ('Smoke', tinted(puff, SMOKE)), parent=cottage_node,
-                  translation=add((CHIMNEY[0], WALL + 1.95 + up, CHIMNEY[1]), mul(wind, along)))
+    def place(along, up, _): return add((CHIMNEY[0], WALL + 1.95 + up, CHIMNEY[1]), mul(wind, along))
+    count, jump = len(PUFFS), 1e-3
+    for number, puff in enumerate(PUFFS):
+        radius = puff[2]
+        ball = placed(sphere(radius, 24, 12), scale=(1.15, 0.9, 1))
+        node = glb.thing('Smoke %d' % (number + 1), ('Smoke', tinted(ball, SMOKE)), parent=cottage_node,
+                         translation=place(*puff))
+        gone = count - 0.5 - number
+        ways = sorted([k / 2 for k in range(2 * count + 1) if k / 2 != gone] + [gone - jump, gone])
+        stations = [puff_at((number + way + 0.5) % count - 0.5) for way in ways]
+        times = [PERIOD * way / count for way in ways]
+        glb.animate_straight(node, 'translation', times, [place(*station) for station in stations])
+        glb.animate_straight(node, 'scale', times, [[station[2] / radius] * 3 for station in stations])
 
 
 def cottage(glb):

@@ -3,6 +3,7 @@
 import math
 
 from .land import on_ground
+from .motion import PERIOD, clock
 from .palette import BROAD, CREAM, DEEP_RED, FINE, GLOW, HAZE, INK, LAMP, NAVY, PALE_GLOW, RED, STONE, WINDOW
 from .picture import EYE
 from .shapes import Shape, fan, grid_faces, lathe, merged, placed, sheet, sphere, tinted, tube
@@ -122,6 +123,15 @@ def lighthouse(glb):
     glb.thing('Lantern', ('Lamp', tinted(glass, GLOW)), parent=node)
     glb.thing('Lamp', ('Lamp', tinted(lens, LAMP)), **at_lamp)
     beam = merged(*[beam_piece(*piece) for piece in BEAM])
-    glb.thing('Beam', ('Beam', beam), rotation=about(UP, BEAM_HEADING), **at_lamp)
+    node = glb.thing('Beam', ('Beam', beam), rotation=about(UP, BEAM_HEADING), **at_lamp)
+    eighths = range(9)  # of the loop, and of a turn
+    glb.animate_straight(node, 'rotation', [PERIOD * k / 8 for k in eighths],
+                         [about(UP, BEAM_HEADING - 45 * k) for k in eighths])
     viewer = unit(sub(EYE, base))
-    glb.thing('Halo', ('Halo', halo()), rotation=about(UP, math.degrees(math.atan2(viewer[0], viewer[2]))), **at_lamp)
+    bearing = math.degrees(math.atan2(viewer[0], viewer[2]))
+    node = glb.thing('Halo', ('Halo', halo()), rotation=about(UP, bearing), **at_lamp)
+    def glare(t):
+        """1 while the beam points at the viewer, 0 while it points elsewhere."""
+        off = math.radians(BEAM_HEADING - 180 - bearing) - clock(t)
+        return math.exp(5 * (math.cos(off) - 1))
+    glb.animate(node, 'scale', lambda t: [1 + 0.16 * (glare(t) - glare(0))] * 3, 24)

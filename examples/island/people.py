@@ -4,6 +4,7 @@ import math
 import random
 
 from .land import on_ground
+from .motion import clock, swing, waving
 from .palette import AMBER, CORAL, CREAM, FINE, HAIR, INK, NAVY, PALE_PLANK, PLANK, RED, SKIN, WHITE, WOOD
 from .shapes import box, lathe, merged, placed, sheet, sphere, thickened, tinted, tube
 from .vectors import UP, about, add, mix, sub, turned, unit
@@ -73,15 +74,16 @@ def washing(glb):
     start = 0.06 * span
     for number, (width, drop, color) in enumerate(CLOTHES, 1):
         pivot = line[round((start + width / 2) / span * 32)]
-        glb.thing('Washing %d' % number, ('Cloth', tinted(cloth(along, width, drop, number), color), HAIR),
-                  parent=node, translation=pivot)
+        piece = waving(lambda sway: tinted(cloth(along, width, drop, number, sway), color), True)
+        swung = glb.waving('Washing %d' % number, ('Cloth', piece, HAIR), parent=node, translation=pivot, cycles=2)
+        glb.animate(swung, 'rotation', lambda t, number=number: about(along, -7 * swing(t, 2 - 0.5 * number)))
         start += width + 0.03
 
 
-def cloth(along, width, drop, seed):
-    """Hangs from the origin, blown aside."""
+def cloth(along, width, drop, seed, sway):
+    """Hangs from the origin, blown aside; folds run across it."""
     def at(u, v):
-        blown = (1 - v) * (0.1 * math.sin(5 * u + seed) + 0.16)
+        blown = (1 - v) * (0.1 * math.sin(5 * u + seed) + 0.06 * sway(-5 * u - 2 * v - seed) + 0.16)
         across = width * (u - 0.5)
         return (along[0] * across + 0.5 * blown, -drop * (1 - v), along[2] * across - 0.4 * blown)
     return thickened(sheet(at, 8, 8), 0.02)
@@ -101,5 +103,6 @@ def keeper(glb):
     node = glb.thing('Keeper', ('Figure', figure, FINE), translation=on_jetty(3.3), rotation=about(UP, -40))
     raised = tube([(0, 0, 0), (-0.14, 0.12, 0.03), (-0.22, 0.36, 0.03)], 0.05)
     hand = placed(sphere(0.052, 12, 6), (-0.23, 0.4, 0.03))
-    glb.thing('Waving Arm', ('Figure', merged(tinted(raised, AMBER), tinted(hand, SKIN)), FINE), parent=node,
-              translation=[-0.12, 0.64, 0])
+    arm = glb.thing('Waving Arm', ('Figure', merged(tinted(raised, AMBER), tinted(hand, SKIN)), FINE), parent=node,
+                    translation=[-0.12, 0.64, 0])
+    glb.animate(arm, 'rotation', lambda t: about((0, 0, 1), -15 * swing(t, 0, 4)), 32)

@@ -4,8 +4,10 @@ import math
 import random
 
 from .land import at_shore, lawn_end, on_ground
+from .motion import swing, waving
 from .palette import AMBER, BROAD, CORAL, CREAM, FINE, HAIR, LEAF, MOSS, PINE, WHITE, WOOD
 from .shapes import Shape, lathe, leaning, merged, placed, smoothed, sphere, tinted
+from .vectors import about
 
 # Middle and radius of the balls of a crown.
 PINE_CROWN = ((0.0, 1.0, 0.0, 0.5), (0.42, 1.12, 0.1, 0.4), (-0.4, 0.9, 0.12, 0.36),
@@ -27,7 +29,8 @@ def trees(glb):
     bush = glb.mesh('Bush', ('Leaves', crown(BUSH_CROWN, LEAF), BROAD))
     for name, mesh, places in (('Pine', pine, PINES), ('Bush', bush, BUSHES)):
         for number, (size, x, z) in enumerate(places, 1):
-            glb.node('%s %d' % (name, number), mesh=mesh, translation=on_ground(x, z), scale=[size] * 3)
+            node = glb.node('%s %d' % (name, number), mesh=mesh, translation=on_ground(x, z), scale=[size] * 3)
+            glb.animate(node, 'rotation', lambda t, x=x: about((0, 0, 1), -0.8 * swing(t, 1.5 - 0.5 * x)))
 
 
 def blade(foot, lean, height, half):
@@ -38,11 +41,11 @@ def blade(foot, lean, height, half):
     return Shape(points, [(0, 1, 2), (0, 2, 4), (4, 2, 3)], [(0, 0.6, 0.8)] * 5)
 
 
-def tuft(x, z, size, seed):
+def tuft(x, z, size, seed, sway):
     rng = random.Random(seed)
     blades = []
     for k in range(-2, 3):
-        lean = (0.22 * k + rng.uniform(-0.08, 0.08)) * size
+        lean = (0.22 * k + rng.uniform(-0.08, 0.08) + 0.09 * sway(1.5 - 0.5 * x + 0.4 * k)) * size
         height = size * (1.15 - 0.18 * abs(k)) * rng.uniform(0.85, 1.1)
         blades.append(blade(0.16 * k * size, lean, height, 0.075 * size))
     return placed(tinted(merged(*blades), MOSS), on_ground(x, z), rng.uniform(-25, 25))
@@ -77,13 +80,13 @@ def meadow(glb):
         angle, share = rng.uniform(-2.2, 1.9), rng.uniform(0.35, 0.95)
         if share < lawn_end(angle) - 0.03:
             x, _, z = at_shore(angle, share)
-            tufts.append(tuft(x, z, rng.uniform(0.16, 0.26), len(tufts)))
+            tufts.append((x, z, rng.uniform(0.16, 0.26), len(tufts)))
     while len(flowers) < 44:
         angle, share = rng.choice((-1.1, 0.35, 0.55, 1.2)) + rng.gauss(0, 0.13), rng.uniform(0.55, 0.93)
         if share < lawn_end(angle) - 0.05:
             x, _, z = at_shore(angle, share)
             flowers.append(flower(x, z, rng.choice((WHITE, CORAL, AMBER, WHITE)), len(flowers)))
-    glb.thing('Tufts', ('Blades', merged(*tufts)))
+    glb.waving('Tufts', ('Blades', waving(lambda sway: merged(*[tuft(*place, sway) for place in tufts]))))
     glb.thing('Flowers', ('Flowers', merged(*flowers), HAIR))
 
 

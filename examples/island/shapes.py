@@ -12,6 +12,8 @@ class Shape(NamedTuple):
     faces: list                     # triples of indices, counter-clockwise from outside
     normals: Optional[list] = None  # none: flat faces
     colors: Optional[list] = None   # linear RGBA for each point; none: white
+    moves: Optional[list] = None    # of a surface which waves: for each weight, the way of each point
+    bends: Optional[list] = None    # and the change of each normal
 
 
 def linear(hex_color, alpha=1.0):
@@ -134,14 +136,15 @@ def place_key(point):
 def ink_shell(shape, width):
     """The shape blown up by `width` and turned inside out, in ink. Renderers show
     faces from the front only, so that what is seen of it is a rim about the shape
-    and lines where one part of it stands before another, from wherever one looks."""
+    and lines where one part of it stands before another, from wherever one looks. It
+    moves as the shape does."""
     shift = {}
     for place, directions in distinct_directions(shape).items():
         outward = unit((sum(n[0] for n in directions), sum(n[1] for n in directions),
                         sum(n[2] for n in directions)))
         reach = sum(dot(outward, n) for n in directions) / len(directions)
         shift[place] = mul(outward, width / max(reach, 0.5))
-    index, points, faces = {}, [], []
+    index, points, faces, sources = {}, [], [], []
     for face in shape.faces:
         places = [place_key(shape.points[i]) for i in face]
         if len(set(places)) < 3 or any(place not in shift for place in places):
@@ -150,8 +153,10 @@ def ink_shell(shape, width):
             if place not in index:
                 index[place] = len(points)
                 points.append(add(shape.points[i], shift[place]))
+                sources.append(i)
         faces.append(tuple(index[place] for place in reversed(places)))
-    return tinted(Shape(points, faces), INK)
+    moves = shape.moves and [[ways[i] for i in sources] for ways in shape.moves]
+    return tinted(Shape(points, faces, moves=moves), INK)
 
 
 # --- solids ------------------------------------------------------------------------

@@ -3,6 +3,7 @@
 import math
 import random
 
+from .motion import waving
 from .palette import CREAM
 from .picture import ASPECT, HORIZON, at_distance
 from .shapes import fan, merged, strip, tinted
@@ -146,7 +147,8 @@ def star(u, v, size):
 
 def sky(glb):
     glb.thing('Sky', ('Sky', backdrop()))
-    glb.thing('Stars', ('Clouds', merged(*[star(*s) for s in STARS])))
+    def stars(sway): return merged(*[star(u, v, size * (1 + 0.3 * sway(9 * u + 20 * v))) for u, v, size in STARS])
+    glb.waving('Stars', ('Clouds', waving(stars)), cycles=2)
     for number, hills in enumerate(HILLS, 1):
         glb.thing('Hills %d' % number, ('Hills', range_of_hills(*hills, number)))
     for number, heap_of_discs in enumerate(CLOUDS, 1):
