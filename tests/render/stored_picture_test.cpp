@@ -1,0 +1,105 @@
+#include "studio/render/stored_picture.h"
+
+#include <cstring>
+#include <gtest/gtest.h>
+#include <tuple>
+
+#include "studio/render/exr_header.h"
+#include "studio/render/exr_rows.h"
+#include "studio/render/picture_file.h"
+#include "studio/render/png_rows.h"
+
+namespace tavora::studio {
+namespace {
+
+using Kind = PictureFormat::Kind;
+
+const PictureNotes kNotes{{"Software", "tavora 1"},
+                          {"tavora:camera",
+                           "K\xc3\xbc"
+                           "che\nleft"},
+                          {"tavora:frame", "-3"},
+                          {"tavora:scene", ""}};
+
+const std::vector<PictureFormat> kFormats{{Kind::Png, PictureDepth::Eight, false},
+                                          {Kind::Png, PictureDepth::Sixteen, true},
+                                          {Kind::Exr, PictureDepth::Half, true},
+                                          {Kind::Exr, PictureDepth::Float, false}};
+
+// More rows than an EXR has in a chunk, values that no level or half stands for.
+Picture somePicture() {
+    Picture picture{9, 40, {2, 1, 8, 38}, {}};
+    for (std::size_t i = 0; i < 6 * 37 * 4; ++i)
+        picture.rgba.push_back(static_cast<float>(i * 7919 % 1009) / 1009);
+    return picture;
+}
+
+// Of a file's bytes, without one being written for each.
+bool decode(const std::string& bytes, const PictureFormat& format, StoredPicture& picture) {
+    return format.kind == Kind::Png ? decodePng(bytes, picture) : decodeExr(bytes, picture);
+}
+
+TEST(StoredPicture, KeepsValuesWindowsAndNotesFromFileToFile) {
+    for (const PictureFormat& format : kFormats) {
+        const std::string bytes = encodePicture(somePicture(), format, kNotes);
+        StoredPicture stored;
+        ASSERT_TRUE(decode(bytes, format, stored));
+        EXPECT_EQ(stored.format, format);
+        EXPECT_EQ(stored.notes, kNotes);
+        if (format.kind == Kind::Exr) {
+            EXPECT_EQ(std::tie(stored.width, stored.height), std::tuple(9, 40));
+            EXPECT_EQ(stored.window, somePicture().window);
+        }
+        EXPECT_EQ(encodeStored(stored), bytes);
+    }
+}
+
+TEST(StoredPicture, RefusesFilesThatBreakOffAnywhereOrGoOn) {
+    for (const PictureFormat& format : kFormats) {
+        const std::string longer = encodePicture(somePicture(), format, kNotes) + '\0';
+        for (std::size_t size = 0; size <= longer.size(); ++size) {
+            StoredPicture picture;
+            EXPECT_EQ(decode(longer.substr(0, size), format, picture), size + 1 == longer.size())
+                << size;
+        }
+    }
+}
+
+// Checksums find all damage to a PNG; an EXR has none over its header nor where a chunk's
+// bytes are stored as they are.
+TEST(StoredPicture, RefusesDamageWhereverItCanBeSeen) {
+    for (const PictureFormat& format : kFormats) {
+        const std::string whole = encodePicture(somePicture(), format, kNotes);
+        for (std::size_t i = 0; i < whole.size(); ++i) {
+            std::string damaged = whole;
+            damaged[i] = static_cast<char>(~damaged[i]);
+            StoredPicture picture;
+            if (!decode(damaged, format, picture)) continue;
+            EXPECT_EQ(format.kind, Kind::Exr) << i;
+            EXPECT_EQ(picture.window, somePicture().window) << i;
+        }
+    }
+}
+
+TEST(StoredPicture, TakesNoMemoryForWhatAnExrHeaderMerelyPromises) {
+    const std::string whole = encodePicture(somePicture(), kFormats.back(), kNotes);
+    ASSERT_TRUE(isSoundExrHeader(whole));
+    const auto refuses = [&](const std::string& before, std::size_t offset, std::int32_t number) {
+        std::string damaged = whole;
+        const std::size_t at = damaged.find(before);
+        ASSERT_NE(at, std::string::npos);
+        std::memcpy(&damaged[at + before.size() + offset], &number, sizeof number);
+        EXPECT_FALSE(isSoundExrHeader(damaged)) << before << offset;
+    };
+    refuses({"tavora:frame\0string\0", 20}, 0, 0x7fffffff);
+    refuses({"lineOrder\0lineOrder\0", 20}, 0, 40);
+    refuses({"lineOrder\0lineO", 15}, 0, 0x21212121);
+    refuses({"channels\0chlist\0", 16}, 5, 0x21212121);
+    const std::string window("dataWindow\0box2i\0\x10\0\0\0", 21);
+    refuses(window, 8, 1 << 30);
+    refuses(window, 12, 1 << 30);
+    refuses(window, 8, 1);
+}
+
+}  // namespace
+}  // namespace tavora::studio
