@@ -2,6 +2,7 @@
 
 #include <cstring>
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <tuple>
 
 #include "studio/render/exr_header.h"
@@ -42,6 +43,7 @@ bool decode(const std::string& bytes, const PictureFormat& format, StoredPicture
 TEST(StoredPicture, KeepsValuesWindowsAndNotesFromFileToFile) {
     for (const PictureFormat& format : kFormats) {
         const std::string bytes = encodePicture(somePicture(), format, kNotes);
+        EXPECT_EQ(bytes.find("iTXttavora:camera") != std::string::npos, format.kind == Kind::Png);
         StoredPicture stored;
         ASSERT_TRUE(decode(bytes, format, stored));
         EXPECT_EQ(stored.format, format);
@@ -81,6 +83,12 @@ TEST(StoredPicture, RefusesDamageWhereverItCanBeSeen) {
     }
 }
 
+std::int64_t peakKilobytes() {
+    rusage usage{};
+    getrusage(RUSAGE_SELF, &usage);
+    return usage.ru_maxrss;
+}
+
 TEST(StoredPicture, TakesNoMemoryForWhatAnExrHeaderMerelyPromises) {
     const std::string whole = encodePicture(somePicture(), kFormats.back(), kNotes);
     ASSERT_TRUE(isSoundExrHeader(whole));
@@ -89,8 +97,11 @@ TEST(StoredPicture, TakesNoMemoryForWhatAnExrHeaderMerelyPromises) {
         const std::size_t at = damaged.find(before);
         ASSERT_NE(at, std::string::npos);
         std::memcpy(&damaged[at + before.size() + offset], &number, sizeof number);
+        StoredPicture picture;
         EXPECT_FALSE(isSoundExrHeader(damaged)) << before << offset;
+        EXPECT_FALSE(decodeExr(damaged, picture)) << before << offset;
     };
+    const std::int64_t atFirst = peakKilobytes();
     refuses({"tavora:frame\0string\0", 20}, 0, 0x7fffffff);
     refuses({"lineOrder\0lineOrder\0", 20}, 0, 40);
     refuses({"lineOrder\0lineO", 15}, 0, 0x21212121);
@@ -99,6 +110,7 @@ TEST(StoredPicture, TakesNoMemoryForWhatAnExrHeaderMerelyPromises) {
     refuses(window, 8, 1 << 30);
     refuses(window, 12, 1 << 30);
     refuses(window, 8, 1);
+    EXPECT_LT(peakKilobytes() - atFirst, 500'000);
 }
 
 }  // namespace
