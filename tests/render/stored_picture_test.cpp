@@ -1,5 +1,6 @@
 #include "studio/render/stored_picture.h"
 
+#include <array>
 #include <cstring>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -8,7 +9,10 @@
 #include "studio/render/exr_header.h"
 #include "studio/render/exr_rows.h"
 #include "studio/render/picture_file.h"
+#include "studio/render/picture_tiles.h"
 #include "studio/render/png_rows.h"
+#include "studio/util/error.h"
+#include "tests/files/temporary_folder.h"
 
 namespace tavora::studio {
 namespace {
@@ -111,6 +115,27 @@ TEST(StoredPicture, TakesNoMemoryForWhatAnExrHeaderMerelyPromises) {
     refuses(window, 12, 1 << 30);
     refuses(window, 8, 1);
     EXPECT_LT(peakKilobytes() - atFirst, 500'000);
+}
+
+TEST(PictureTiles, AreRefusedWhereTheirNotesContradictThemselvesOrThePicture) {
+    const TemporaryFolder folder;
+    const std::array files{folder / "a.exr"};
+    const auto isTile = [&](const char* tile, const char* whole) {
+        writePicture(somePicture(), files[0], kFormats.back(),
+                     {{"tavora:tile", tile}, {"tavora:whole", whole}});
+        try {
+            return mergedTiles(files).rows.size() == 6 * 37 * 3 * sizeof(float);
+        } catch (const Error& error) {
+            EXPECT_EQ(error.fault(), Fault::Scene);
+            return false;
+        }
+    };
+    EXPECT_TRUE(isTile("1/1", "9x40 2,1,8,38"));
+    for (const char* tile : {"", "1", "0/1", "2/1", "1/0", "1/1x", "4294967297/1", "1/99"})
+        EXPECT_FALSE(isTile(tile, "9x40 2,1,8,38")) << tile;
+    for (const char* whole : {"9x40", "9x40 1,1,7,38", "9x41 2,1,8,38", "9x40 2,1,8,39",
+                              "9x40 2,1,8,-2147483648", "9x40 8,1,2,38", "7x40 2,1,8,38"})
+        EXPECT_FALSE(isTile("1/1", whole)) << whole;
 }
 
 }  // namespace
