@@ -119,12 +119,14 @@ TEST(StoredPicture, TakesNoMemoryForWhatAnExrHeaderMerelyPromises) {
 
 TEST(PictureTiles, AreRefusedWhereTheirNotesContradictThemselvesOrThePicture) {
     const TemporaryFolder folder;
-    const std::array files{folder / "a.exr"};
+    const std::array files{folder / "a"};
+    PictureFormat format = kFormats.back();
     const auto isTile = [&](const char* tile, const char* whole) {
-        writePicture(somePicture(), files[0], kFormats.back(),
+        writePicture(somePicture(), files[0], format,
                      {{"tavora:tile", tile}, {"tavora:whole", whole}});
         try {
-            return mergedTiles(files).rows.size() == 6 * 37 * 3 * sizeof(float);
+            mergedTiles(files);
+            return true;
         } catch (const Error& error) {
             EXPECT_EQ(error.fault(), Fault::Scene);
             return false;
@@ -136,6 +138,9 @@ TEST(PictureTiles, AreRefusedWhereTheirNotesContradictThemselvesOrThePicture) {
     for (const char* whole : {"9x40", "9x40 1,1,7,38", "9x41 2,1,8,38", "9x40 2,1,8,39",
                               "9x40 2,1,8,-2147483648", "9x40 8,1,2,38", "7x40 2,1,8,38"})
         EXPECT_FALSE(isTile("1/1", whole)) << whole;
+    format = kFormats.front();
+    EXPECT_TRUE(isTile("1/1", "9x40 2,1,8,38"));
+    EXPECT_FALSE(isTile("1/1", "9x40 2,1,8,39")) << "which a PNG tells by its size alone";
 }
 
 }  // namespace
