@@ -342,7 +342,7 @@ void checkLog(const std::string& log, const std::string& file) {
     if (log.empty() || file.empty() || !sameFile(log, file)) return;
     throw Error(
         Fault::Usage,
-        fmt::format("--log-file: {} is the scene or the output itself; name another file", log));
+        fmt::format("--log-file: {} is an input or the output itself; name another file", log));
 }
 
 // Whether a command that reads its scene once, and from wherever, may read standard input.
@@ -379,6 +379,17 @@ void checkOutput(const std::string& command, const Asked& request) {
         fmt::format(
             "{}: -o - is standard output, which is a terminal; direct it to a file or a program",
             command));
+}
+
+void checkTiles(const MergeRequest& request) {
+    for (const std::string& tile : request.tiles) {
+        checkLog(request.report.logFile, tile);
+        if (isStream(tile))
+            throw Error(Fault::Usage, "merge: tiles must be files, not standard input; name them");
+        if (!sameFile(tile, request.output)) continue;
+        throw Error(Fault::Usage,
+                    fmt::format("-o {}: is a tile itself; name another file", request.output));
+    }
 }
 
 /// All commands of one command line. What is wrong with a name on it is said first, since it
@@ -446,6 +457,7 @@ class Parser {
             checkOutput(command.get_name(), request);
             checkLog(request.report.logFile, request.output);
         }
+        if constexpr (std::is_same_v<Asked, MergeRequest>) checkTiles(request);
         return request;
     }
 

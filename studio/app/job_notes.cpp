@@ -8,6 +8,7 @@
 #include "studio/services/directory_info.h"
 #include "studio/services/registry.h"
 #include "studio/util/digest.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -104,7 +105,7 @@ PictureNotes notesOf(const RenderRequest& request, const PictureArea& area,
                        {"tavora:scene", scene.scene().digest},
                        {"tavora:job", digest.text()},
                        {"tavora:samples", samples},
-                       {"tavora:camera", scene.camera().name}};
+                       {"tavora:camera", oneLine(scene.camera().name)}};
     if (request.tile) noteTile({*request.tile, area.width, area.height, box}, notes);
     return notes;
 }

@@ -17,7 +17,7 @@ namespace {
 void checkFormat(const std::string& output, const PictureFormat& format) {
     if (isStream(output)) return;
     try {
-        pictureFormat(output, format.depth, format.alpha, format.kind);
+        pictureFormat(output, format.depth, format.alpha);  // by the suffix, which has other depths
     } catch (const std::invalid_argument&) {
         const bool isPng = format.kind == PictureFormat::Kind::Png;
         throw Error(Fault::Usage, fmt::format("-o {}: the tiles are {} files, and so must this be",

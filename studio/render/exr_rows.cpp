@@ -16,6 +16,8 @@
 #include <new>
 #include <vector>
 
+#include "studio/render/exr_header.h"
+
 namespace tavora::studio {
 namespace {
 
@@ -71,16 +73,15 @@ Imf::Header headerOf(const StoredPicture& picture) {
     return header;
 }
 
-/// Where the library finds, or puts, the rows.
-Imf::FrameBuffer frameOf(const StoredPicture& picture, const char* rows) {
+/// Where the library finds, or puts, the rows of a box.
+Imf::FrameBuffer frameOf(const StoredPicture& picture, const PixelBox& box, const char* rows) {
     const PictureFormat& format = picture.format;
     Imf::FrameBuffer frame;
     const std::size_t pixel = format.pixelBytes();
     const std::size_t sample = pixel / format.channels();
     for (std::size_t i = 0; i < format.channels(); ++i) {
-        frame.insert(kChannels[i],
-                     Imf::Slice::Make(typeOf(format), rows + i * sample, boxOf(picture.window),
-                                      pixel, picture.rowBytes()));
+        frame.insert(kChannels[i], Imf::Slice::Make(typeOf(format), rows + i * sample, boxOf(box),
+                                                    pixel, picture.rowBytes()));
     }
     return frame;
 }
@@ -113,8 +114,7 @@ class BytesStream : public Imf::IStream {
 };
 
 /// Whether the header is one that headerOf() makes; then what it says.
-bool readHeader(const Imf::Header& header, std::size_t bytes, StoredPicture& picture) {
-    constexpr double kMostPacked = 1040;  // times that its compression can shrink anything
+bool readHeader(const Imf::Header& header, StoredPicture& picture) {
     std::vector<std::string> names;
     const Imf::Channel* first = nullptr;
     for (auto channel = header.channels().begin(); channel != header.channels().end(); ++channel) {
@@ -137,14 +137,22 @@ bool readHeader(const Imf::Header& header, std::size_t bytes, StoredPicture& pic
     if (whole.min != Imath::V2i(0) || window.min.x < 0 || window.min.y < 0 ||
         !whole.intersects(window.max))
         return false;
-    const double size =
-        static_cast<double>(picture.window.height()) * static_cast<double>(picture.rowBytes());
-    if (size > kMostPacked * static_cast<double>(bytes)) return false;
     for (auto attribute = header.begin(); attribute != header.end(); ++attribute) {
         const auto* text = dynamic_cast<const Imf::StringAttribute*>(&attribute.attribute());
         if (text != nullptr) picture.notes[attribute.name()] = text->value();
     }
     return true;
+}
+
+// Memory grows with what is there, not with what the header promises.
+void readChunk(Imf::InputFile& file, int top, StoredPicture& picture) {
+    PixelBox box = picture.window;
+    box.top = top;
+    box.bottom = std::min(top + kExrChunkRows, picture.window.bottom);
+    const std::size_t before = picture.rows.size();
+    picture.rows.resize(before + static_cast<std::size_t>(box.height()) * picture.rowBytes());
+    file.setFrameBuffer(frameOf(picture, box, &picture.rows[before]));
+    file.readPixels(box.top, box.bottom - 1);
 }
 
 }  // namespace
@@ -168,23 +176,21 @@ std::string encodeExr(const StoredPicture& picture) {
     MemoryStream stream;
     {
         Imf::OutputFile file(stream, headerOf(picture), 0);
-        file.setFrameBuffer(frameOf(picture, picture.rows.data()));
+        file.setFrameBuffer(frameOf(picture, picture.window, picture.rows.data()));
         file.writePixels(picture.window.height());
     }
     return stream.take();
 }
 
 bool decodeExr(std::string_view bytes, StoredPicture& picture) {
-    constexpr int kLongestSide = 1 << 24;  // no damaged header makes tables longer than that
-    Imf::Header::setMaxImageSize(kLongestSide, kLongestSide);
+    if (!isSoundExrHeader(bytes)) return false;
     try {
         BytesStream stream(bytes);
         Imf::InputFile file(stream, 0);
-        if (!file.isComplete() || !readHeader(file.header(), bytes.size(), picture)) return false;
-        picture.rows.resize(static_cast<std::size_t>(picture.window.height()) * picture.rowBytes());
-        file.setFrameBuffer(frameOf(picture, picture.rows.data()));
-        file.readPixels(picture.window.top, picture.window.bottom - 1);
-        return true;
+        if (!file.isComplete() || !readHeader(file.header(), picture)) return false;
+        for (int top = picture.window.top; top < picture.window.bottom; top += kExrChunkRows)
+            readChunk(file, top, picture);
+        return stream.tellg() == bytes.size();
     } catch (const std::bad_alloc&) {
         throw;
     } catch (const std::exception&) {

@@ -28,12 +28,16 @@ bool readTiling(const PictureNotes& notes, Tiling& tiling) {
     const std::string tile = noteOf(notes, kTile);
     const std::string whole = noteOf(notes, kWhole);
     PixelBox& w = tiling.window;
-    return std::sscanf(tile.c_str(), "%d/%d", &tiling.tile.number, &tiling.tile.count) == 2 &&
-           std::sscanf(whole.c_str(), "%dx%d %d,%d,%d,%d", &tiling.width, &tiling.height, &w.left,
-                       &w.top, &w.right, &w.bottom) == 6 &&
+    const bool isRead =
+        std::sscanf(tile.c_str(), "%d/%d", &tiling.tile.number, &tiling.tile.count) == 2 &&
+        std::sscanf(whole.c_str(), "%dx%d %d,%d,%d,%d", &tiling.width, &tiling.height, &w.left,
+                    &w.top, &w.right, &w.bottom) == 6;
+    PictureNotes written;  // numbers too large, or with something behind them, come out as others
+    noteTile(tiling, written);
+    return isRead && noteOf(written, kTile) == tile && noteOf(written, kWhole) == whole &&
            tiling.tile.number >= 1 && tiling.tile.number <= tiling.tile.count && w.left >= 0 &&
-           w.top >= 0 && w.left < w.right && w.right <= tiling.width && w.bottom <= tiling.height &&
-           tiling.tile.count <= std::min(w.height(), kMostTiles);
+           w.top >= 0 && w.left < w.right && w.right <= tiling.width && w.top < w.bottom &&
+           w.bottom <= tiling.height && tiling.tile.count <= std::min(w.height(), kMostTiles);
 }
 
 [[noreturn]] void fail(const fs::path& file, const std::string& what) {
@@ -51,8 +55,12 @@ Tile readTile(const fs::path& file) {
     if (!readTiling(tile.picture.notes, tile.tiling))
         fail(file, "is no tile: render it with --tile I/N");
     const PixelBox strip = stripOf(tile.tiling.window, tile.tiling.tile);
-    const PixelBox& window = tile.picture.window;
-    if (window.width() != strip.width() || window.height() != strip.height())
+    const StoredPicture& picture = tile.picture;
+    const PixelBox& window = picture.window;
+    const bool isPlaced = picture.format.kind == PictureFormat::Kind::Png ||
+                          (window == strip && picture.width == tile.tiling.width &&
+                           picture.height == tile.tiling.height);
+    if (!isPlaced || window.width() != strip.width() || window.height() != strip.height())
         fail(file, "has not the size of its tile: render it again");
     return tile;
 }
@@ -131,7 +139,7 @@ StoredPicture mergedTiles(std::span<const fs::path> files) {
     if (!missing.empty()) {
         fail(files.front(), fmt::format("is one of {} tiles, but these are missing: {}; render "
                                         "them with --tile I/{}",
-                                        tiles.size(), missing, tiles.size()));
+                                        tiles.size(), shortened(missing), tiles.size()));
     }
     StoredPicture whole = std::move(tiles.front().picture);
     const Tiling& tiling = tiles.front().tiling;

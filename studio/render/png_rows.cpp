@@ -140,10 +140,15 @@ bool readHeader(Decoder& decoder, std::size_t bytes, StoredPicture& picture) {
     return true;
 }
 
-bool readRows(Decoder& decoder, char* rows, std::size_t rowBytes, std::size_t count) {
+// Memory grows with what is there, not with what the header promises.
+bool readRows(Decoder& decoder, StoredPicture& picture) {
     if (setjmp(png_jmpbuf(decoder.png)) != 0) return false;
-    for (std::size_t row = 0; row < count; ++row)
-        png_read_row(decoder.png, reinterpret_cast<png_bytep>(rows + row * rowBytes), nullptr);
+    const std::size_t bytes = picture.rowBytes();
+    for (int row = 0; row < picture.height; ++row) {
+        const std::size_t before = picture.rows.size();
+        picture.rows.resize(before + bytes);
+        png_read_row(decoder.png, reinterpret_cast<png_bytep>(&picture.rows[before]), nullptr);
+    }
     png_read_end(decoder.png, nullptr);
     return true;
 }
@@ -160,10 +165,7 @@ PictureNotes notesOf(const Decoder& decoder) {
 bool decode(Decoder& decoder, std::size_t bytes, StoredPicture& picture) {
     if (!readHeader(decoder, bytes, picture)) return false;
     picture.notes = notesOf(decoder);
-    const auto height = static_cast<std::size_t>(picture.height);
-    picture.rows.resize(picture.rowBytes() * height);
-    return readRows(decoder, picture.rows.data(), picture.rowBytes(), height) &&
-           decoder.at == decoder.end;
+    return readRows(decoder, picture) && decoder.at == decoder.end;
 }
 
 }  // namespace

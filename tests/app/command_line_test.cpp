@@ -122,6 +122,10 @@ TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
         covered = box.right;
     }
     EXPECT_EQ(covered, 101);
+    for (int i = 1; i <= 7; ++i) {
+        request.tile = TileNumber{i, 7};
+        EXPECT_EQ(pictureArea(request).crop->height() / 2, 2) << "33 rows in sevenths are 4 or 5";
+    }
     request = {};
     request.scale = 100;
     EXPECT_THROW(pictureArea(request), Error);
