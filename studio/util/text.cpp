@@ -20,8 +20,9 @@ std::string_view cutText(std::string_view text, std::size_t most) {
     const auto continues = [&](std::size_t i) {
         return (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80U;
     };
-    while (most > 0 && continues(most))
-        --most;
+    // A character has at most three bytes after its first; more are not UTF-8.
+    for (std::size_t back = 0; back < 4 && back <= most; ++back)
+        if (!continues(most - back)) return text.substr(0, most - back);
     return text.substr(0, most);
 }
 

@@ -95,6 +95,7 @@ const Json kChanges = R"([
     ["/meshes/0/primitives/0/attributes/TEXCOORD_0", 0, "components"],
     ["/accessors/0/componentType", null, "accessors[0].componentType is missing"],
     ["/accessors/6/sparse/indices", null, "accessors[6].sparse.indices is missing"],
+    ["/accessors/6/sparse/indices/componentType", 5122, "sparse indices of accessor 6 are not unsigned"],
     ["/accessors/0/type", "VEC9", "VEC9"], ["/accessors/1/count", 4, "NORMAL has another length"],
     ["/accessors/6/count", 4, "morph target has another length"],
     ["/accessors/0/count", 4, "reads 4 elements past the end"],
@@ -151,6 +152,18 @@ TEST(GltfBadInput, DataThatCannotBeIsNamed) {
     const TemporaryFolder folder;
     EXPECT_THAT(refusal([&] { readGltf(file.write(folder, true)); }),
                 HasSubstr("buffers[1] declares 4 bytes but has 0"));
+}
+
+TEST(GltfBadInput, NothingLiesWhereNoRayMeetsIt) {
+    for (const auto& [size, place] : {std::pair{1e30F, R"({"scale": [1e-30, 1e-30, 1e-30]})"_j},
+                                      std::pair{1.0F, R"({"translation": [0, 1e30, 0]})"_j}}) {
+        GltfBuilder file;
+        file.accessor(std::vector<float>{0, 0, 0, size, 0, 0, 0, size, 0}, "VEC3");
+        Json node = place;
+        node["mesh"] = file.mesh({{"POSITION", 0}});
+        file.root(node);
+        expectRefused(file.refused(), "metres from the origin");
+    }
 }
 
 TEST(GltfBadInput, NothingUnpacksToAnySize) {

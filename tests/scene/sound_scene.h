@@ -17,7 +17,8 @@ inline std::string faultOf(const Mesh& mesh) {
     for (std::size_t i = 0; i < count; ++i) {
         const Imath::V3f& p = mesh.positions[i];
         const bool isUnit = std::abs(mesh.normals[i].length2() - 1) < 1e-5F;
-        if (!isUnit || !std::isfinite(p.x + p.y + p.z)) return "positions or normals";
+        // Distances are taken from them, as floats.
+        if (!isUnit || !std::isfinite(p.length2())) return "positions or normals";
     }
     for (const auto& t : mesh.triangles)
         if (std::max({t[0], t[1], t[2]}) >= count) return "triangles";

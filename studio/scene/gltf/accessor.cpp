@@ -46,6 +46,11 @@ std::size_t sizeOf(ComponentType type) {
     return 0;
 }
 
+bool isUnsigned(ComponentType type) {
+    return type == ComponentType::UnsignedByte || type == ComponentType::UnsignedShort ||
+           type == ComponentType::UnsignedInt;
+}
+
 /// Components of an element; 0 for a type that is none.
 std::size_t componentsOf(std::string_view type) {
     constexpr std::pair<std::string_view, std::size_t> kTypes[] = {
@@ -137,6 +142,12 @@ void putSparse(const GltfSource& source, const Layout& layout, const gltf::Acces
     const std::size_t count = sparse.count;
     const Layout indexLayout =
         layoutOf(source, layout.index, sparse.indices.componentType, "SCALAR");
+    if (!isUnsigned(indexLayout.componentType)) {
+        source.fail(
+            fmt::format("the sparse indices of accessor {} are not unsigned integers: "
+                        "export the file again",
+                        layout.index));
+    }
     const std::uint8_t* indices =
         elementsIn(source, indexLayout, viewBytes(source, sparse.indices.bufferView),
                    sparse.indices.byteOffset, count, indexLayout.elementSize());
@@ -243,10 +254,7 @@ std::vector<std::uint32_t> readIntegers(const GltfSource& source, int index) {
     const gltf::Accessor& accessor = gltf::at(source.document.accessors, index);
     Layout layout = layoutOf(source, index);
     layout.normalized = false;
-    const bool integer = layout.componentType == ComponentType::UnsignedByte ||
-                         layout.componentType == ComponentType::UnsignedShort ||
-                         layout.componentType == ComponentType::UnsignedInt;
-    if (!integer || layout.components != 1) {
+    if (!isUnsigned(layout.componentType) || layout.components != 1) {
         source.fail(fmt::format(
             "accessor {} does not hold single unsigned integers: export the file again", index));
     }

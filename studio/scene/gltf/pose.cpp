@@ -21,12 +21,20 @@ using Imath::M44d;
 using Imath::V3d;
 
 constexpr std::size_t kLongestLightName = 79;  // bytes; longer ones are cut by what reads them
+// From the origin. Squares are floats to there, and rays meet nothing that is much farther,
+// be it as a mesh has it or where that stands.
+constexpr double kFarthest = 1e18;
 constexpr std::size_t kCrowd = std::size_t{1} << 24;  // vertices and triangles of a large one
 
 std::string nameOr(const std::string& name, const std::string& second, const char* kind,
                    int index) {
     if (!name.empty()) return name;
     return !second.empty() ? second : fmt::format("{} {}", kind, index);
+}
+
+bool isNear(const Imath::Box3d& box) {
+    return std::max({-box.min.x, -box.min.y, -box.min.z, box.max.x, box.max.y, box.max.z}) <
+           kFarthest;
 }
 
 /// Bytes.
@@ -238,9 +246,17 @@ class Posing {
         GltfPoser::PlacedMesh& placed = poser_.placed_[{node, part}];
         if (placed.mesh == &mesh && placed.revision == mesh.revision && placed.toWorld == transform)
             return placed.bounds;
-        placed = {&mesh, mesh.revision, transform, {}};
-        for (const auto& position : mesh.positions)
-            placed.bounds.extendBy(V3d(position) * transform);
+        Imath::Box3d own, bounds;
+        for (const auto& position : mesh.positions) {
+            own.extendBy(V3d(position));
+            bounds.extendBy(V3d(position) * transform);
+        }
+        if (!isNear(own) || !isNear(bounds)) {
+            source_.fail(fmt::format(
+                "node {} or its mesh reaches {} metres from the origin: scale the model down", node,
+                kFarthest));
+        }
+        placed = {&mesh, mesh.revision, transform, bounds};
         return placed.bounds;
     }
 

@@ -16,7 +16,6 @@ namespace {
 using gltf::Json;
 
 constexpr double kMostAmbient = 1000;
-constexpr double kLargestScene = 1e18;  // whose square still is a float
 
 /// {"tavora": {"ambient": 0.2}} or [r, g, b] in the extras of the scene.
 void readAmbient(const GltfSource& source, Scene& scene) {
@@ -36,14 +35,6 @@ void readAmbient(const GltfSource& source, Scene& scene) {
                         "three of them and left out",
                         oneLine(source.path), std::max(source.document.scene, 0), kMostAmbient));
     }
-}
-
-/// Positions come as floats; transforms may take them to where floats end.
-void checkBounds(const GltfSource& source, const Scene& scene) {
-    if (scene.bounds.isEmpty()) return;
-    const Imath::V3d size = scene.bounds.size();
-    if (std::max({size.x, size.y, size.z}) < kLargestScene) return;
-    source.fail(fmt::format("is larger than {} metres: scale the model down", kLargestScene));
 }
 
 /// Bytes of a surface and of an object beside those of the document, as measured on
@@ -68,10 +59,7 @@ struct GltfScene::Parts {
         tellLacks(source, scene);
     }
 
-    void pose() {
-        poser.pose(scene);
-        checkBounds(source, scene);
-    }
+    void pose() { poser.pose(scene); }
 
     GltfSource source;
     Scene scene;

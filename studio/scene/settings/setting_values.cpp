@@ -13,8 +13,6 @@
 namespace tavora::studio {
 namespace {
 
-constexpr std::size_t kMostNameBytes = 79;  // of a light in the module's list
-
 bool equalIgnoringCase(std::string_view a, std::string_view b) {
     return std::equal(a.begin(), a.end(), b.begin(), b.end(), [](unsigned char x, unsigned char y) {
         return std::tolower(x) == std::tolower(y);
@@ -111,13 +109,14 @@ Settings checkLights(const StoredField& field, const Settings& value, const std:
     if (value == "all") return value;
     Settings names = value.is_string() ? Settings::array({value}) : value;
     const auto fits = [](const Settings& name) {
-        return name.is_string() && name.get_ref<const std::string&>().size() <= kMostNameBytes;
+        return name.is_string() && name.get_ref<const std::string&>().size() <= mostLightNameBytes;
     };
     const bool list = names.is_array() && names.size() <= maxStoredEntries;
     if (list && std::all_of(names.begin(), names.end(), fits)) return names;
-    refuseValue(where, field,
-                fmt::format("\"all\" or a list of light names of at most {} bytes", kMostNameBytes),
-                value);
+    refuseValue(
+        where, field,
+        fmt::format("\"all\" or a list of light names of at most {} bytes", mostLightNameBytes),
+        value);
 }
 
 /// In the order of FieldKind.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <optional>
 #include <string>
@@ -9,6 +10,9 @@
 
 /// One stored field's value: how settings keep it, and from what people write to that form.
 namespace tavora::studio {
+
+/// Of a light's name in the module's list; it cuts longer ones.
+inline constexpr std::size_t mostLightNameBytes = 79;
 
 /// The value of a switch, a choice or a number that is an integer in the block.
 Settings valueOfInteger(const StoredField& field, std::int32_t number);

@@ -11,6 +11,7 @@
 #include "studio/scene/settings/setting_values.h"
 #include "studio/util/error.h"
 #include "studio/util/json_numbers.h"
+#include "studio/util/text.h"
 
 namespace tavora::studio {
 namespace {
@@ -76,7 +77,11 @@ class Reader {
             value = jsonOfFloat(next<float>(field.name));
         }
     }
-    void text(const StoredField& field, Settings& value) { value = next<std::string>(field.name); }
+    /// A light's name as the module takes it in.
+    void text(const StoredField& field, Settings& value) {
+        const auto name = next<std::string>(field.name);
+        value = std::string(cutText(name.c_str(), mostLightNameBytes));
+    }
     void color(const StoredField&, Settings& value) { value = Settings::array(); }
     std::size_t count(const StoredField& field, Settings& value) {
         const auto count = next<std::int32_t>(field.name);
