@@ -90,14 +90,18 @@ with tempfile.TemporaryDirectory() as name:
                   "FirstFrame": 1, "LastFrame": 7, "FramesATask": 3, "Options": options}
     tasks = list(run_tasks(template, parameters, folder))
     assert [status for _, status in tasks] == [0, 0, 0], tasks
-    for said, _ in tasks:
+    for (said, _), count in zip(tasks, [3, 3, 1]):
         assert re.search(r"^openjd_progress: 100", said, re.MULTILINE), said
+        assert f"tavora: {count} frames rendered" in said, said
     frames = {each.name: each.read_bytes() for each in (folder / "a film").iterdir()}
     assert frames == {f"{i:02}.png": (folder / f"one-{i:02}.png").read_bytes() for i in range(1, 8)}, sorted(frames)
 
-    # A frame that fails fails its task alone, after the others of it.
+    # Started again, each leaves out what is there. A frame that fails fails its task alone, after
+    # the others of it.
     (folder / "a film" / "02.png").unlink()
     (folder / "a film" / "02.png").mkdir()
     (folder / "a film" / "03.png").unlink()
-    assert [status for _, status in run_tasks(template, parameters, folder)] == [5, 0, 0]
+    again = list(run_tasks(template, parameters, folder))
+    assert [status for _, status in again] == [5, 0, 0]
+    assert "3 there already" in again[1][0], again
     assert (folder / "a film" / "03.png").is_file()
