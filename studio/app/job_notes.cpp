@@ -5,6 +5,7 @@
 
 #include "studio/link/module_file.h"
 #include "studio/render/picture_tiles.h"
+#include "studio/services/directory_info.h"
 #include "studio/services/registry.h"
 #include "studio/util/digest.h"
 
@@ -75,6 +76,7 @@ void addOptions(const RenderRequest& request, JobDigest& digest) {
 
 /// What the module says it is. Its bytes differ from one machine that built it to the next.
 void addModule(const std::filesystem::path& file, JobDigest& digest) {
+    const HiddenSettingsFolder hidden;  // the user's defaults play no part
     const ModuleSummary module = summarize(file, findService);
     digest.add("module", module.descriptorVersion);
     for (const ModuleSummary::Class& server : module.classes)
