@@ -334,8 +334,8 @@ class Film {
 void render(const RenderRequest& request, Report& report) {
     if (request.listCameras) return listCameras(openScene(request, report)->scene());
     const PictureArea area = pictureArea(request);
-    const FrameName files(request.output);
     const bool isFilm = !request.frames.empty();
+    const FrameName files(isFilm ? request.output : std::string());
     if (request.frames.size() > 1 && !files.hasPlace()) {
         throw Error(Fault::Usage, fmt::format("-o {}: {} frames need a place for their number, "
                                               "like out/####.png",
