@@ -36,6 +36,14 @@ void listCameras(const Scene& scene) {
     writeOut(text);
 }
 
+/// Frames go into a folder of their own, which need not be there. What stands in the way is
+/// told when the file is written.
+void makeFolderOf(const std::string& file) {
+    const std::filesystem::path folder = std::filesystem::path(file).parent_path();
+    std::error_code ignored;
+    if (!folder.empty()) std::filesystem::create_directories(folder, ignored);
+}
+
 // Fails before anything is rendered for a picture that could not be written after.
 PictureFormat checkedFormat(const RenderRequest& request, const std::string& file) {
     try {
@@ -304,6 +312,7 @@ class Film {
             noteFrame(frame);
         }
         progress_.clear();
+        makeFolderOf(file);
         write(job_, *picture_, file, notes);
         return isHeld ? FrameState::Held : FrameState::Rendered;
     }
@@ -341,6 +350,7 @@ void render(const RenderRequest& request, Report& report) {
                                               "like out/####.png",
                                               request.output, request.frames.size()));
     }
+    if (isFilm) makeFolderOf(files.of(request.frames.front()));
     const PictureFormat format =
         checkedFormat(request, isFilm ? files.of(request.frames.front()) : request.output);
     refuseExisting(request, files);
