@@ -269,6 +269,7 @@ void addLooks(CLI::App& command, LooksRequest& request) {
 
 void addEdit(CLI::App& command, EditRequest& request) {
     addScene(command, request.scene);
+    addAnimation(command, request.animation);
     addShading(command, request.shading);
     addBackground(command, request.background);
     addLighting(command, request.lighting);
