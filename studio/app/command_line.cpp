@@ -286,6 +286,7 @@ void addMerge(CLI::App& command, MergeRequest& request) {
 
 void addEdit(CLI::App& command, EditRequest& request) {
     addScene(command, request.scene);
+    addAnimation(command, request.animation);
     addShading(command, request.shading);
     addBackground(command, request.background);
     addLighting(command, request.lighting);

@@ -66,7 +66,8 @@ inline constexpr const char* kLooksExamples = R"(Examples:
 
 inline constexpr const char* kEditExamples = R"(Examples:
   tavora edit model.glb
-  tavora edit model.glb --look comic)";
+  tavora edit model.glb --look comic
+  tavora edit model.glb --animation Walk --time 0.5)";
 
 inline constexpr const char* kPanelExamples = R"(Examples:
   tavora panel model.glb -o panel.png

@@ -117,6 +117,7 @@ struct EditRequest {
     std::optional<Imath::V3d> background = kUsualBackground;  ///< empty: transparent
     ShadingRequest shading;
     LightingOptions lighting;
+    AnimationRequest animation;
 };
 
 enum class Theme { Light, Dark };

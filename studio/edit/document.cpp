@@ -1,12 +1,10 @@
 #include "studio/edit/document.h"
 
-#include "studio/scene/gltf/reader.h"
-
 namespace tavora::studio {
 
 Document::Document(const std::filesystem::path& scene, const ShadingRequest& shading,
                    Report& report, const ReadOptions& reading)
-    : file(scene, reading), settings(readGltf(scene, reading), shading, report) {}
+    : file(scene, reading), film(scene, reading), settings(film.scene(), shading, report) {}
 
 std::vector<std::string> Document::save(bool overwrite) {
     std::vector<std::string> warnings = file.save(settings, overwrite);

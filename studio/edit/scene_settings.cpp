@@ -25,8 +25,8 @@ Shader recordToLoad(const ModuleCopy& module, HostSurfaceId surface) {
 
 }  // namespace
 
-SceneSettings::SceneSettings(Scene scene, const ShadingRequest& request, Report& report)
-    : scene_(std::move(scene)),
+SceneSettings::SceneSettings(const Scene& scene, const ShadingRequest& request, Report& report)
+    : scene_(scene),
       module_(findModule(request.plugin), findServiceOrWindow),
       scratch_(recordToLoad(module_, nullptr)),
       records_(scene_.surfaces.size()),

@@ -25,8 +25,8 @@ class SceneSettings {
     /// Settles what is on the surfaces as `tavora render` does: stored settings, over
     /// them the request's looks and changes, and the default look on all when nothing
     /// is stored and nothing asked. A shader that the request leaves out is turned
-    /// off. Throws what planSurfaces() throws, and Fault::Module.
-    SceneSettings(Scene scene, const ShadingRequest& request, Report& report);
+    /// off. `scene` must outlive it. Throws what planSurfaces() throws, and Fault::Module.
+    SceneSettings(const Scene& scene, const ShadingRequest& request, Report& report);
     SceneSettings(const SceneSettings&) = delete;
     SceneSettings& operator=(const SceneSettings&) = delete;
 
@@ -72,7 +72,7 @@ class SceneSettings {
     std::function<void()> stateChanged;
 
   private:
-    Scene scene_;
+    const Scene& scene_;
     ModuleCopy module_;
     Shader scratch_;
     std::vector<std::unique_ptr<Shader>> records_;  ///< by surface; null: not made

@@ -20,15 +20,26 @@ SurfaceSet LiveLane::adopt(const LiveWish& wish) {
     const std::vector<SurfaceChange> changes = changesIn(wish);
     for (const SurfaceChange& change : changes)
         changed.add(change.surface);
+    const bool isPosedAnew = wish.poseRevision != poseRevision_;
+    if (isPosedAnew) shaders_.beginFrame(wish.time);
     if (!changes.empty()) shaders_.change(changes);
     worn_ = wish.shading;
-    if (wish.lights != lights_) {
+    if (wish.lights != lights_ || isPosedAnew) {
         tracedBefore_ = tracedRays();
         evaluationsBefore_ = evaluations();
         shader_.emplace(*scene_, *wish.lights, shaders_);
         lights_ = wish.lights;
+        poseRevision_ = wish.poseRevision;
     }
     return changed;
+}
+
+void LiveLane::letGo() {
+    if (lights_ == nullptr) return;
+    const ServiceBinding binding(scene_->index(), *lights_);
+    std::optional<QuietMessages> quiet;
+    if (!speaks_) quiet.emplace();
+    shaders_.endPass();
 }
 
 std::vector<SurfaceChange> LiveLane::changesIn(const LiveWish& wish) const {

@@ -39,7 +39,7 @@ class LiveLane {
     /// Only a lane that `speaks` passes on what its module says about settings.
     LiveLane(const RayScene& scene, const std::filesystem::path& module, bool speaks);
 
-    /// Takes over lights and shading. Returns the surfaces whose shading is
+    /// Takes over lights, shading and how the scene is posed. Returns the surfaces whose shading is
     /// another than before. Throws Error, Fault::Module and std::bad_alloc; the lane is
     /// then of no use any more.
     SurfaceSet adopt(const LiveWish& wish);
@@ -48,6 +48,9 @@ class LiveLane {
     /// `overtaken` before each row, and leaves the rest when it is.
     void renderTile(LiveTile& tile, const LivePass& pass, const LiveShot& shot,
                     const std::function<bool()>& overtaken, LiveCanvas& canvas, TilePaths& paths);
+
+    /// Ends the module's pass: the scene is about to be posed anew.
+    void letGo();
 
     std::uint64_t tracedRays() const;
     std::uint64_t evaluations() const;
@@ -69,6 +72,7 @@ class LiveLane {
     LaneShaders shaders_;
     std::vector<std::shared_ptr<const StateBlock>> worn_;  ///< by surface
     std::shared_ptr<const LightRig> lights_;
+    std::uint64_t poseRevision_ = 0;
     std::optional<SampleShader> shader_;
     ColorDecoder decoder_;
     std::uint64_t tracedBefore_ = 0;  ///< by shaders with lights of before

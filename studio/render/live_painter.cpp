@@ -58,6 +58,12 @@ void LivePainter::paint(const LiveWish& wish, const LiveWatch& watch) {
     }
 }
 
+void LivePainter::letGo() {
+    team_.run([&](std::size_t lane) {
+        if (lane < lanes_.size() && lanes_[lane]) lanes_[lane]->letGo();
+    });
+}
+
 void LivePainter::follow(const LiveWish& wish, const LiveWatch& watch) {
     const Change change = adopt(wish);
     if (paintFirst(change, watch)) refine(watch);
@@ -65,8 +71,9 @@ void LivePainter::follow(const LiveWish& wish, const LiveWatch& watch) {
 
 /// What the canvas shows of former wishes and still holds, stays.
 LivePainter::Change LivePainter::adopt(const LiveWish& wish) {
-    const bool newView = !canvas_ || wish.viewRevision != wish_.viewRevision;
-    const bool newLights = wish.lights != wish_.lights;
+    const bool newPose = wish.poseRevision != wish_.poseRevision;
+    const bool newView = !canvas_ || newPose || wish.viewRevision != wish_.viewRevision;
+    const bool newLights = newPose || wish.lights != wish_.lights;
     const SurfaceSet changed = adoptOnLanes(wish);
     if (newView) adoptView(wish);
     adoptPaths(wish, newView, newLights);

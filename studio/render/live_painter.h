@@ -40,6 +40,10 @@ class LivePainter {
     /// std::bad_alloc) leaves it ready for another try.
     void paint(const LiveWish& wish, const LiveWatch& watch);
 
+    /// Between two calls of paint(), before the scene is posed anew; the next wish is one
+    /// of the scene posed anew.
+    void letGo();
+
     const LiveStats& stats() const { return stats_; }
 
   private:

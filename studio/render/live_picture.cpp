@@ -21,11 +21,22 @@ namespace {
 
 using Clock = std::chrono::steady_clock;
 
+/// The scene, ready for rays. What they are traced in stays at its place.
 struct LiveScene {
-    explicit LiveScene(const Scene& scene) : index(scene), rays(index) {}
+    explicit LiveScene(const Scene& scene) : index(scene) { rays.emplace(index); }
+
+    /// After the scene was posed anew. A scene that is shown at rest alone is traced
+    /// quickest; one that was posed is made ready to be posed again.
+    void update() {
+        index.refresh();
+        if (rays && rays->update()) return;
+        rays.reset();
+        rays.emplace(index, RayScene::kRoomForCopies, SceneUse::Film);
+    }
 
     SceneIndex index;
-    RayScene rays;
+    std::optional<RayScene> rays;
+    std::uint64_t poseRevision = 0;
 };
 
 std::shared_ptr<const StateBlock> sharedBlock(const std::optional<SurfaceShader>& shader) {
@@ -48,11 +59,17 @@ struct LivePicture::Parts {
     template <class Change>
     std::uint64_t post(bool retries, const Change& change);
 
+    void hold();
+    std::uint64_t goOn(const FrameTime& time);
+
     void work();
     bool take(LiveWish& wish);
+    bool canPaint() const { return !failed && wish.isComplete() && wish.revision != taken; }
     void paint(const LiveWish& wish);
-    void prepare();
+    void update();
+    void prepare(std::uint64_t poseRevision);
     void publish(const LiveWish& wish, LiveFrame frame);
+    void letGo() noexcept;
     void fail(const std::string& reason);
 
     const Scene& scene;
@@ -68,8 +85,13 @@ struct LivePicture::Parts {
     std::shared_ptr<const LiveFrame> latest;
     LiveStats stats;
     const RayScene* ready = nullptr;  ///< once built, for the owner's own rays
+    bool isUpdating = false;          ///< it will be ready again, or `failed`
+    bool wasReady = false;            ///< when the owner took the scene
+    bool hasLetGo = false;            ///< no thread reads the scene
+    std::condition_variable changedHands;  ///< when one of the two changed
 
     std::atomic<std::uint64_t> newest{0};  ///< revision of `wish`
+    std::atomic<bool> isHeld{false};       ///< the owner wants the scene for itself
     std::atomic<bool> ending{false};
 
     std::unique_ptr<LiveScene> built;      ///< the painter's thread's
@@ -104,6 +126,26 @@ std::uint64_t LivePicture::Parts::post(bool retries, const Change& change) {
     return revision;
 }
 
+/// Returns when no thread reads the scene, nor will before goOn().
+void LivePicture::Parts::hold() {
+    std::unique_lock lock(mutex);
+    isHeld = true;
+    posted.notify_all();
+    changedHands.wait(lock, [this] { return hasLetGo; });
+    wasReady = wasReady || isUpdating || ready != nullptr;
+    isUpdating = false;
+    ready = nullptr;
+}
+
+std::uint64_t LivePicture::Parts::goOn(const FrameTime& time) {
+    return post(true, [&](LiveWish& next) {
+        next.time = time;
+        next.poseRevision = next.revision + 1;
+        isHeld = hasLetGo = false;
+        isUpdating = std::exchange(wasReady, false);
+    });
+}
+
 void LivePicture::Parts::work() {
     LiveWish taking;
     while (take(taking)) {
@@ -121,35 +163,68 @@ void LivePicture::Parts::work() {
     }
 }
 
-/// Waits for a wish that can be painted. False when all is to end.
+/// Waits for a wish that can be painted, and lets go of the scene while its owner holds
+/// it. False when all is to end.
 bool LivePicture::Parts::take(LiveWish& wanted) {
     std::unique_lock lock(mutex);
-    posted.wait(lock, [this] {
-        return ending || (!failed && wish.isComplete() && wish.revision != taken);
-    });
-    if (ending) return false;
+    for (;;) {
+        posted.wait(lock, [this] { return ending || (isHeld ? !hasLetGo : canPaint()); });
+        if (ending) return false;
+        if (!isHeld) break;
+        lock.unlock();
+        letGo();
+        lock.lock();
+        hasLetGo = true;
+        changedHands.notify_all();
+    }
     wanted = wish;
     taken = wish.revision;
     return true;
 }
 
+void LivePicture::Parts::letGo() noexcept {
+    try {
+        if (painter) painter->letGo();
+    } catch (...) {
+        painter.reset();  // another is made for the next wish
+    }
+}
+
 void LivePicture::Parts::paint(const LiveWish& wanted) {
-    prepare();
+    prepare(wanted.poseRevision);
     LiveWatch watch;
-    watch.ending = [this] { return ending.load(std::memory_order_relaxed); };
-    watch.overtaken = [this, revision = wanted.revision] {
-        return newest.load(std::memory_order_relaxed) != revision ||
-               ending.load(std::memory_order_relaxed);
+    watch.ending = [this] {
+        return ending.load(std::memory_order_relaxed) || isHeld.load(std::memory_order_relaxed);
+    };
+    watch.overtaken = [revision = wanted.revision, ending = watch.ending, this] {
+        return newest.load(std::memory_order_relaxed) != revision || ending();
     };
     watch.published = [this, &wanted](LiveFrame frame) { publish(wanted, std::move(frame)); };
     painter->paint(wanted, watch);
 }
 
-void LivePicture::Parts::prepare() {
-    if (!built) built = std::make_unique<LiveScene>(scene);
-    if (!painter) painter = std::make_unique<LivePainter>(built->rays, module, options);
+void LivePicture::Parts::update() {
+    try {
+        built->update();
+    } catch (...) {
+        painter.reset();  // what it traced in may be gone
+        throw;
+    }
+}
+
+void LivePicture::Parts::prepare(std::uint64_t poseRevision) {
+    if (!built) {
+        built = std::make_unique<LiveScene>(scene);
+    } else if (!built->rays || built->poseRevision != poseRevision) {
+        update();
+    }
+    built->poseRevision = poseRevision;
+    if (!painter) painter = std::make_unique<LivePainter>(*built->rays, module, options);
     const std::lock_guard lock(mutex);
-    ready = &built->rays;
+    if (isHeld) return;
+    ready = &*built->rays;
+    isUpdating = false;
+    changedHands.notify_all();
 }
 
 void LivePicture::Parts::publish(const LiveWish& shown, LiveFrame frame) {
@@ -173,6 +248,8 @@ void LivePicture::Parts::fail(const std::string& reason) {
         if (wish.revision != taken) return;
         failed = true;
         failure = reason;
+        isUpdating = false;
+        changedHands.notify_all();
     }
     if (changed) changed();
 }
@@ -219,13 +296,19 @@ std::uint64_t LivePicture::setSurface(std::size_t surface,
                         [&](LiveWish& wish) { wish.shading.at(surface) = std::move(shared); });
 }
 
+std::uint64_t LivePicture::pose(const std::function<FrameTime()>& change) {
+    parts_->hold();
+    return parts_->goOn(change());
+}
+
 std::shared_ptr<const LiveFrame> LivePicture::latest() const {
     const std::lock_guard lock(parts_->mutex);
     return parts_->latest;
 }
 
 std::optional<Picked> LivePicture::pickAt(int x, int y) const {
-    const std::lock_guard lock(parts_->mutex);
+    std::unique_lock lock(parts_->mutex);
+    parts_->changedHands.wait(lock, [this] { return !parts_->isUpdating; });
     const LiveWish& wish = parts_->wish;
     if (parts_->ready == nullptr || !wish.camera) return std::nullopt;
     return pick(*parts_->ready, *wish.camera, wish.width, wish.height, x, y);

@@ -46,7 +46,7 @@ struct LiveStats {
 /// A change during refinement starts it again. What a change of settings cannot
 /// alter (hits, positions, light) is kept and not traced again.
 ///
-/// Threads of its own render, each with a module copy of its own. All members
+/// Threads of its own render, each with a module copy of its own. All members but pose()
 /// return at once; one thread, the owner's, calls them.
 class LivePicture {
   public:
@@ -70,10 +70,16 @@ class LivePicture {
     /// that is not there, and before setShading().
     std::uint64_t setSurface(std::size_t surface, const std::optional<SurfaceShader>& shader);
 
+    /// Poses the scene anew: waits, a row of pixels at most, until no thread reads it, calls
+    /// `change`, which may also set the view and the lights, and goes on with the scene as
+    /// it is then, at the time that `change` gives. All that was known of it is forgotten.
+    /// What `change` throws is thrown on; nothing is rendered then until a scene is posed.
+    std::uint64_t pose(const std::function<FrameTime()>& change);
+
     /// The newest picture; null before the first.
     std::shared_ptr<const LiveFrame> latest() const;
     /// What a pixel of the current view shows, by a ray of its own; none before
-    /// the scene is ready.
+    /// the scene is ready. Waits for a scene that is being brought up to date.
     std::optional<Picked> pickAt(int x, int y) const;
     /// Its surface alone; -1 for none.
     std::ptrdiff_t surfaceAt(int x, int y) const {

@@ -21,6 +21,8 @@ struct LiveWish {
     int width = 0;
     int height = 0;
     std::uint64_t viewRevision = 0;  ///< of the change that set camera and size last
+    FrameTime time;
+    std::uint64_t poseRevision = 0;  ///< of the change that posed the scene last
     std::shared_ptr<const LightRig> lights;
     /// By surface; set when `hasShading`. Null: plain.
     std::vector<std::shared_ptr<const StateBlock>> shading;

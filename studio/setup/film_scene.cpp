@@ -57,7 +57,7 @@ std::string namesOf(const Scene& scene, const std::vector<std::size_t>& animatio
 FilmScene::FilmScene(const std::filesystem::path& file, const ReadOptions& options)
     : file_(file, options) {}
 
-void FilmScene::play(const std::vector<std::string>& names, Report& report) {
+std::vector<std::size_t> FilmScene::play(const std::vector<std::string>& names, Report& report) {
     std::set<std::size_t> chosen;
     for (const std::string& name : names) {
         for (const std::size_t i : animationsNamed(scene(), name))
@@ -65,11 +65,19 @@ void FilmScene::play(const std::vector<std::string>& names, Report& report) {
     }
     std::vector<std::size_t> animations(chosen.begin(), chosen.end());
     if (names.empty()) animations = file_.compatibleAnimations();
-    file_.play(animations);
-    if (animations.empty()) return;
+    play(animations);
+    if (animations.empty()) return animations;
     const bool leavesOut = names.empty() && animations.size() < scene().animations.size();
     report.note(1, fmt::format("plays {}{}", namesOf(scene(), animations),
                                leavesOut ? "; --animation plays others" : ""));
+    return animations;
+}
+
+void FilmScene::play(const std::vector<std::size_t>& animations) {
+    file_.play(animations);
+    range_ = {};
+    if (!plays()) file_.pose(0);
+    if (animations.empty()) return;
     range_ = {scene().animations[animations[0]].start, scene().animations[animations[0]].end};
     for (const std::size_t i : animations) {
         range_.start = std::min(range_.start, scene().animations[i].start);
@@ -80,22 +88,31 @@ void FilmScene::play(const std::vector<std::string>& names, Report& report) {
 void FilmScene::settle(const std::string& camera, double aspect) {
     cameraChoice_ = camera;
     aspect_ = aspect;
+    meter_ = {};
+    shapes_.clear();
+    framing_.reset();
     const bool frames = camera.empty() && scene().cameras.empty();
-    std::vector<Scene> shapes;
     const int looks = plays() && range_.end > range_.start ? kLooks : 1;
     for (int look = looks - 1; look >= 0; --look) {
         if (plays()) pose(range_.start + (range_.end - range_.start) * look / (kLooks - 1));
         meter_.measure(scene());
-        if (frames && looks > 1) shapes.push_back(shapeOf(scene()));
+        if (frames && looks > 1) shapes_.push_back(shapeOf(scene()));
     }
-    if (frames) {
-        std::vector<const Scene*> all;
-        for (const Scene& shape : shapes)
-            all.push_back(&shape);
-        framing_ =
-            all.empty() ? chooseCamera(scene(), camera, aspect) : framingCameraOfFilm(all, aspect);
-    }
+    if (frames) framing_ = framingFor(aspect);
     keyView_ = this->camera();
+}
+
+void FilmScene::setAspect(double aspect) {
+    aspect_ = aspect;
+    if (framing_) keyView_ = *(framing_ = framingFor(aspect));
+}
+
+Camera FilmScene::framingFor(double aspect) const {
+    if (shapes_.empty()) return framingCamera(scene(), aspect);
+    std::vector<const Scene*> all;
+    for (const Scene& shape : shapes_)
+        all.push_back(&shape);
+    return framingCameraOfFilm(all, aspect);
 }
 
 void FilmScene::pose(double seconds) {

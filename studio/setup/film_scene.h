@@ -33,8 +33,12 @@ class FilmScene {
     /// Plays the animations that `names` name, by name, pattern or index; without any, those
     /// that can play at once, which is noted where there are others. What cannot be played
     /// is told in the scene's warnings. Throws Error, Fault::Usage for a name that names
-    /// nothing.
-    void play(const std::vector<std::string>& names, Report& report);
+    /// nothing. Returns what plays.
+    std::vector<std::size_t> play(const std::vector<std::string>& names, Report& report);
+    /// Plays these of the scene's animations from its next pose() on; none: it is at rest at
+    /// once. To be settled anew.
+    void play(const std::vector<std::size_t>& animations);
+    std::vector<std::size_t> compatibleAnimations() const { return file_.compatibleAnimations(); }
     bool plays() const { return file_.plays(); }
     /// Of what plays.
     const TimeRange& range() const { return range_; }
@@ -44,6 +48,12 @@ class FilmScene {
     /// is not there; see chooseCamera().
     void settle(const std::string& camera, double aspect);
 
+    /// Another shape of the picture, after settle(): frames the scene anew where it has no
+    /// camera. The scene itself is only read.
+    void setAspect(double aspect);
+    /// Whether the view is chosen so that the scene is seen as a whole.
+    bool isFramed() const { return framing_.has_value(); }
+
     /// The scene at a time; before the range and after it as at its ends.
     void pose(double seconds);
 
@@ -52,11 +62,14 @@ class FilmScene {
     LightRig lights(const LightingOptions& options) const;
 
   private:
+    Camera framingFor(double aspect) const;
+
     GltfScene file_;
     TimeRange range_;
     std::string cameraChoice_;
     double aspect_ = 1;
     LightMeter meter_;
+    std::vector<Scene> shapes_;      ///< that are framed, of a scene that plays
     std::optional<Camera> framing_;  ///< where the scene has no camera
     Camera keyView_;                 ///< from which a scene without lights is lit
 };

@@ -58,6 +58,14 @@ EditActions::EditActions(QMainWindow& window) {
     // Pressed and released, which an action's own key cannot tell.
     compare->setShortcutContext(Qt::WidgetShortcut);
 
+    play = make(window, "playPause", tr("&Play"), QKeySequence("P"),
+                tr("Play the chosen animations, or pause"));
+    play->setCheckable(true);
+    frameBack = make(window, "frameBack", tr("Frame &Back"), QKeySequence(","),
+                     tr("One frame back, the last one after the first"));
+    frameOn = make(window, "frameOn", tr("Frame &On"), QKeySequence("."),
+                   tr("One frame on, the first one after the last"));
+
     keys = make(window, "keys", tr("&Keys and Mouse"), QKeySequence::HelpContents,
                 tr("What the keys and the mouse do"));
     documentation = make(window, "documentation", tr("&Documentation"), {},
@@ -83,6 +91,8 @@ EditActions::EditActions(QMainWindow& window) {
 
     QMenu* view = window.menuBar()->addMenu(tr("&View"));
     view->addActions({resetView, frameAll, compare});
+    view->addSeparator();
+    view->addActions({play, frameBack, frameOn});
     view->addSeparator();
     view->addMenu(new ColorMenu(view));
 

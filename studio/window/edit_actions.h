@@ -36,6 +36,10 @@ struct EditActions {
     QAction* frameAll;
     QAction* compare;  ///< held, not toggled
 
+    QAction* play;  ///< checked while it plays
+    QAction* frameBack;
+    QAction* frameOn;
+
     QAction* keys;
     QAction* documentation;
     QAction* about;

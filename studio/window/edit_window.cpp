@@ -9,6 +9,7 @@
 #include <QToolBar>
 #include <QToolButton>
 #include <QVBoxLayout>
+#include <utility>
 
 #include "studio/edit/steps.h"
 #include "studio/scene/settings/look_writing.h"
@@ -52,6 +53,7 @@ EditWindow::EditWindow(const EditRequest& request, Report& report)
     : request_(request),
       actions_(*this),
       view_(this),
+      time_(actions_, this),
       surfaces_(this),
       lights_(this),
       files_(*this, request_, report),
@@ -59,7 +61,7 @@ EditWindow::EditWindow(const EditRequest& request, Report& report)
       panel_(*this, surfaces_, gestures_) {
     auto* splitter = new QSplitter(this);
     splitter->setObjectName("picture-side");
-    splitter->addWidget(&view_);
+    splitter->addWidget(makePicture());
     splitter->addWidget(makeSide());
     splitter->setStretchFactor(0, 1);
     splitter->setSizes({view_.sizeHint().width(), kSideWidth});
@@ -76,7 +78,18 @@ EditWindow::EditWindow(const EditRequest& request, Report& report)
 EditWindow::~EditWindow() {
     actions_.looks->show(nullptr);
     view_.show(nullptr);
+    time_.show(nullptr);
     surfaces_.show(nullptr);
+}
+
+QWidget* EditWindow::makePicture() {
+    auto* column = new QWidget;
+    auto* layout = new QVBoxLayout(column);
+    layout->setContentsMargins(0, 0, 0, 0);
+    layout->setSpacing(0);
+    layout->addWidget(&view_, 1);
+    layout->addWidget(&time_);
+    return column;
 }
 
 QWidget* EditWindow::makeSide() {
@@ -172,6 +185,13 @@ void EditWindow::connectView() {
     connect(&view_, &PictureView::surfaceDoubleClicked, this, &EditWindow::openPanel);
     connect(actions_.resetView, &QAction::triggered, this, [this] { session()->resetView(); });
     connect(actions_.frameAll, &QAction::triggered, this, [this] { session()->frameAll(); });
+    // Pictures of looks show the frame at which their menu was opened.
+    connect(actions_.looks, &QMenu::aboutToShow, this, [this] {
+        playsOn_ = time_.playback().isPlaying();
+        time_.playback().setPlaying(false);
+    });
+    connect(actions_.looks, &QMenu::aboutToHide, this,
+            [this] { time_.playback().setPlaying(std::exchange(playsOn_, false)); });
     const auto compare = [this](bool held) {
         if (session() != nullptr) session()->compareWithSaved(held);
     };
@@ -186,6 +206,7 @@ void EditWindow::connectView() {
 void EditWindow::showSession() {
     Session* shown = session();
     view_.show(shown);
+    time_.show(shown);
     surfaces_.show(shown);
     actions_.looks->show(shown);
     actions_.setSceneOpen(shown != nullptr);
@@ -194,6 +215,8 @@ void EditWindow::showSession() {
         connect(shown, &Session::stateChanged, this, &EditWindow::showState);
         connect(shown, &Session::pictureChanged, this, &EditWindow::showProgress);
         connect(shown, &Session::viewChanged, this, &EditWindow::showState);
+        connect(shown, &Session::lightsChanged, this,
+                [this, shown] { lights_.show(*shown->lights()); });
     }
     showState();
     showProgress();
@@ -236,7 +259,7 @@ void EditWindow::showProgress() {
         notice_.setText(tr("Open a glTF scene, or drop one here"));
         return;
     }
-    const std::string failure = shown->picture().failure();
+    const std::string failure = shown->failure();
     const std::string text = failure.empty() ? shown->picture().stats().notice : failure;
     notice_.setText(QString::fromStdString(text));
 }

@@ -14,6 +14,7 @@
 #include "studio/window/picture_view.h"
 #include "studio/window/scene_files.h"
 #include "studio/window/surface_list.h"
+#include "studio/window/time_bar.h"
 #include "studio/window/window_keys.h"
 
 namespace tavora::studio {
@@ -41,6 +42,7 @@ class EditWindow : public QMainWindow {
     void dropEvent(QDropEvent* event) override;
 
   private:
+    QWidget* makePicture();
     QWidget* makeSide();
     void makeStatus();
     void connectFiles();
@@ -66,6 +68,7 @@ class EditWindow : public QMainWindow {
     WindowKeys keys_;
     EditActions actions_;
     PictureView view_;
+    TimeBar time_;
     SurfaceList surfaces_;
     LightTable lights_;
     QProgressBar progress_;
@@ -73,6 +76,7 @@ class EditWindow : public QMainWindow {
     SceneFiles files_;
     MessageDialogs messages_;
     PanelSession panel_;
+    bool playsOn_ = false;  ///< once the looks' menu is closed
     std::optional<std::optional<SurfaceShader>> copied_;  ///< the inner one none: no shader
 };
 

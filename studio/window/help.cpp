@@ -31,6 +31,8 @@ constexpr Line lines[] = {
     {"Home", "The scene's camera again"},
     {"F", "Frame the whole scene"},
     {"Hold C", "Compare with what is saved"},
+    {"P", "Play the animations, or pause"},
+    {", and .", "One frame back, one on"},
 
     {"", "Surfaces"},
     {"Ctrl+Return", "Open the options"},

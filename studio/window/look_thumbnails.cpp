@@ -24,6 +24,7 @@ RenderOptions thumbnailOptions(const Session& session) {
     options.samples = kSamples;
     options.threads = 1;
     options.background = session.background();
+    options.time = {0, session.time()};
     return options;
 }
 
@@ -53,7 +54,9 @@ QImage imageOf(const Picture& picture) {
 
 }  // namespace
 
-LookThumbnails::LookThumbnails(Session& session) : session_(session) {}
+LookThumbnails::LookThumbnails(Session& session) : session_(session) {
+    connect(&session_, &Session::aboutToPose, this, &LookThumbnails::letGo);
+}
 
 LookThumbnails::~LookThumbnails() {
     finish();
@@ -68,6 +71,11 @@ void LookThumbnails::finish() {
     if (thread_.joinable()) thread_.join();
 }
 
+void LookThumbnails::letGo() {
+    finish();
+    isPosedAnew_ = true;
+}
+
 void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
     finish();
     if (surfaces != surfaces_ || session_.revision() != revision_) made_ = 0;
@@ -76,16 +84,18 @@ void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
     Order order{fitted(session_.camera(), session_.aspect()),
                 session_.lights(),
                 thumbnailOptions(session_),
-                {}};
+                {},
+                false};
     const std::vector<std::string> looks = shippedLooks();
     for (std::size_t i = made_; i < looks.size(); ++i)
         order.jobs.push_back(jobFor(looks[i]));
     if (order.jobs.empty()) return;
+    order.isPosedAnew = std::exchange(isPosedAnew_, false);
     stop_ = false;
     try {
         thread_ = std::jthread([this, order = std::move(order)] { run(order); });
     } catch (const std::system_error&) {
-        // No thread for pictures that nobody needs.
+        isPosedAnew_ = true;  // no thread for pictures that nobody needs
     }
 }
 
@@ -103,6 +113,8 @@ void LookThumbnails::run(const Order& order) {
     try {
         if (renderer_ == nullptr) {
             renderer_ = std::make_unique<Renderer>(session_.scene());
+        } else if (order.isPosedAnew) {
+            renderer_->update();
         }
         for (const Job& job : order.jobs) {
             const Picture picture = renderer_->render(order.camera, *order.lights, job.shading,
@@ -111,8 +123,10 @@ void LookThumbnails::run(const Order& order) {
             emit ready(QString::fromStdString(job.look), imageOf(picture));
             ++made_;
         }
+    } catch (const RenderStopped&) {
+        // By who needs the scene, or no picture any more.
     } catch (const std::exception&) {
-        // Stopped, or no memory for pictures that nobody needs.
+        renderer_.reset();  // no memory for pictures that nobody needs
     }
 }
 

@@ -49,8 +49,10 @@ class LookThumbnails : public QObject {
         std::shared_ptr<const LightRig> lights;
         RenderOptions options;
         std::vector<Job> jobs;
+        bool isPosedAnew = false;
     };
     void finish();
+    void letGo();
     Job jobFor(const std::string& look) const;
     void run(const Order& order);
 
@@ -58,6 +60,7 @@ class LookThumbnails : public QObject {
     std::unique_ptr<Renderer> renderer_;  ///< the thread's, kept from one to the next
     std::vector<std::size_t> surfaces_;   ///< that the pictures are for
     std::uint64_t revision_ = 0;          ///< of the session that they show
+    bool isPosedAnew_ = false;            ///< the scene, since the renderer saw it last
     std::atomic<std::size_t> made_{0};    ///< the first so many are there
     std::atomic<bool> stop_{false};
     std::jthread thread_;

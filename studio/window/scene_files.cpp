@@ -67,6 +67,7 @@ void SceneFiles::openFirst(const fs::path& scene) {
 void SceneFiles::load(const fs::path& scene) {
     const Waiting waiting;
     EditRequest request = request_;
+    if (scene != request_.scene) request.animation = {};  // which is for that scene
     request.scene = scene.string();
     auto session = std::make_unique<Session>(request, report_);
     addRecentFile(session->document().file.path());

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 
-#include "studio/setup/scene_view.h"
-
 namespace tavora::studio {
 namespace {
 
@@ -15,14 +13,28 @@ constexpr double kUsualAspect = 16.0 / 9;
 constexpr double kBackdrop = 3;
 constexpr int kProbes = 5;  // rows and columns of places to look at
 
+/// Whether a list of the lights with their levels says the same of both.
+bool looksAlike(const LightRig& a, const LightRig& b) {
+    return a.ambient == b.ambient &&
+           std::equal(a.lights.begin(), a.lights.end(), b.lights.begin(), b.lights.end(),
+                      [](const LitLight& one, const LitLight& other) {
+                          return one.color == other.color && one.light->name == other.light->name;
+                      });
+}
+
 }  // namespace
 
 Session::Session(const EditRequest& request, Report& report)
-    : lighting_(request.lighting),
+    : report_(report),
+      lighting_(request.lighting),
       background_(request.background),
       document_(request.scene, request.shading, report, request.reading) {
-    startAt(chooseCamera(scene(), {}, kUsualAspect));
+    startPlaying(request.animation);
+    startAt(document_.film.camera());
+    lightScene();
     startPicture(request);
+    // After those who show the picture that it was waited for.
+    connect(this, &Session::pictureChanged, this, &Session::poseNext, Qt::QueuedConnection);
 
     document_.settings.surfaceChanged = [this](std::size_t surface) {
         if (!comparing_) revision_ = picture_->setSurface(surface, shaderOf(surface));
@@ -42,12 +54,89 @@ void Session::startAt(const Camera& camera) {
     } else {
         orbit_->setStart(camera);
     }
-    // Only a scene without lights of its own is lit from where the camera stands.
-    if (lights_ != nullptr && !scene().lights.empty()) return;
-    LightMeter meter;
-    meter.measure(scene());
-    lights_ = std::make_shared<const LightRig>(lightsFor(scene(), camera, lighting_, meter));
+}
+
+void Session::lightScene() {
+    const auto before = std::exchange(
+        lights_, std::make_shared<const LightRig>(document_.film.lights(lighting_)));
     if (picture_ != nullptr) revision_ = picture_->setLights(lights_);
+    if (before != nullptr && !looksAlike(*before, *lights_)) emit lightsChanged();
+}
+
+void Session::startPlaying(const AnimationRequest& request) {
+    FilmScene& film = document_.film;
+    if (request.isAsked()) {
+        const std::size_t told = scene().warnings.size();
+        playing_ = film.play(request.names, report_);
+        warnFrom(told);
+    }
+    film.settle({}, kUsualAspect);
+    if (!film.plays()) return;
+    time_ = std::clamp(request.seconds.value_or(0), range().start, range().end);
+    film.pose(time_);
+}
+
+void Session::warnFrom(std::size_t first) {
+    for (std::size_t i = first; i < scene().warnings.size(); ++i)
+        report_.warning(scene().warnings[i]);
+}
+
+void Session::play(const std::vector<std::size_t>& animations) {
+    playing_ = animations;
+    nextTime_.reset();
+    pose([this] {
+        FilmScene& film = document_.film;
+        const std::size_t told = scene().warnings.size();
+        film.play(playing_);
+        warnFrom(told);
+        film.settle({}, width_ > 0 ? aspect() : kUsualAspect);
+        time_ = range().start;
+        if (film.plays()) film.pose(time_);
+    });
+    emit timeChanged();
+}
+
+void Session::setTime(double seconds) {
+    nextTime_ = std::clamp(seconds, range().start, range().end);
+    poseNext();
+    emit timeChanged();
+}
+
+bool Session::isTimePending() const {
+    if (nextTime_) return true;
+    const auto frame = picture_->latest();
+    return width_ > 0 && failure().empty() &&
+           (frame == nullptr || frame->revision < posedRevision_);
+}
+
+/// Poses the scene at the time that was asked for last, once the one before is shown.
+void Session::poseNext() {
+    if (!nextTime_) return;
+    const double next = *std::exchange(nextTime_, std::nullopt);
+    if (isTimePending()) {
+        nextTime_ = next;
+        return;
+    }
+    time_ = next;
+    pose([this] { document_.film.pose(time_); });
+}
+
+void Session::pose(const std::function<void()>& change) {
+    emit aboutToPose();
+    try {
+        posedRevision_ = picture_->pose([&] {
+            change();
+            startAt(document_.film.camera());
+            lightScene();
+            showView();
+            return FrameTime{0, time_};
+        });
+        revision_ = posedRevision_;
+        poseFailure_.clear();
+    } catch (const std::exception& error) {
+        poseFailure_ = error.what();
+        emit pictureChanged();
+    }
 }
 
 void Session::startPicture(const EditRequest& request) {
@@ -58,20 +147,32 @@ void Session::startPicture(const EditRequest& request) {
         std::make_unique<LivePicture>(scene(), document_.settings.module().file(), options, [this] {
             QMetaObject::invokeMethod(this, &Session::pictureChanged, Qt::QueuedConnection);
         });
-    revision_ = picture_->setLights(lights_);
+    posedRevision_ = picture_->pose([this] {
+        picture_->setLights(lights_);
+        return FrameTime{0, time_};
+    });
     showSettings();
 }
 
 double Session::refined() const {
     const auto frame = picture_->latest();
-    return frame != nullptr && frame->revision == revision_ ? frame->refined : 0;
+    const bool isNewest = frame != nullptr && frame->revision == revision_ && !nextTime_;
+    return isNewest ? frame->refined : 0;
+}
+
+std::string Session::failure() const {
+    return poseFailure_.empty() ? picture_->failure() : poseFailure_;
 }
 
 void Session::setSize(int width, int height) {
     if (width < 1 || height < 1 || (width == width_ && height == height_)) return;
     width_ = width;
     height_ = height;
-    if (scene().cameras.empty()) startAt(chooseCamera(scene(), {}, aspect()));
+    FilmScene& film = document_.film;
+    film.setAspect(aspect());
+    if (film.isFramed()) startAt(film.camera());
+    // Only a scene without lights of its own is lit from where the camera stands.
+    if (film.isFramed() && scene().lights.empty()) lightScene();
     showView();
 }
 

@@ -16,14 +16,14 @@ namespace tavora::studio {
 class Session : public QObject {
     Q_OBJECT
   public:
-    /// Throws what Document throws.
+    /// Throws what Document throws, and Fault::Usage. `report` must outlive it.
     Session(const EditRequest& request, Report& report);
     ~Session() override;
 
     Document& document() { return document_; }
     const Document& document() const { return document_; }
     const Scene& scene() const { return document_.settings.scene(); }
-    /// May be others after the picture changed its shape; those given out stay as
+    /// May be others after the picture changed its shape or its time; those given out stay as
     /// long as they are held.
     const std::shared_ptr<const LightRig>& lights() const { return lights_; }
     const LivePicture& picture() const { return *picture_; }
@@ -36,6 +36,21 @@ class Session : public QObject {
     /// Share of the samples of what was asked last that the picture shows; 1:
     /// it is clean.
     double refined() const;
+    /// One line that says why the picture follows no more; else empty.
+    std::string failure() const;
+
+    /// What plays, of the scene's animations; none: it is at rest. None of it is part of
+    /// the document.
+    const std::vector<std::size_t>& playing() const { return playing_; }
+    void play(const std::vector<std::size_t>& animations);
+    /// Of what plays.
+    const TimeRange& range() const { return document_.film.range(); }
+    /// In seconds, within the range. A time that was asked for while the first picture of
+    /// the one before was not yet there is shown after that, so that something is seen.
+    double time() const { return nextTime_.value_or(time_); }
+    void setTime(double seconds);
+    /// Whether the scene at time() is still to be seen.
+    bool isTimePending() const;
 
     /// Size of the picture in device pixels.
     void setSize(int width, int height);
@@ -63,6 +78,10 @@ class Session : public QObject {
     /// picture() has something newer.
     void pictureChanged();
     void viewChanged();
+    void timeChanged();
+    void lightsChanged();
+    /// All must let go of the scene at once: it is about to be posed anew.
+    void aboutToPose();
     void settingsChanged(std::size_t surface);
     /// What can be undone, or whether it is saved, may have changed.
     void stateChanged();
@@ -73,9 +92,15 @@ class Session : public QObject {
     double depthOf(const Imath::V3d& place) const;
     void showView();
     void showSettings();
+    void startPlaying(const AnimationRequest& request);
+    void lightScene();
+    void poseNext();
+    void pose(const std::function<void()>& change);
+    void warnFrom(std::size_t first);
     const std::optional<SurfaceShader>& shaderOf(std::size_t surface) const;
     void startPicture(const EditRequest& request);
 
+    Report& report_;
     LightingOptions lighting_;
     std::optional<Imath::V3d> background_;
     Document document_;
@@ -83,6 +108,11 @@ class Session : public QObject {
     std::unique_ptr<Orbit> orbit_;
     std::unique_ptr<LivePicture> picture_;
     std::uint64_t revision_ = 0;  ///< of what was asked last
+    std::uint64_t posedRevision_ = 0;  ///< that posed the scene last
+    std::vector<std::size_t> playing_;
+    double time_ = 0;  ///< at which the scene is posed
+    std::optional<double> nextTime_;
+    std::string poseFailure_;
     int width_ = 0;
     int height_ = 0;
     bool comparing_ = false;

@@ -65,6 +65,7 @@ struct GltfScene::Parts {
     Scene scene;
     GltfPoser poser{source};
     AnimationPlayer player{source, scene.warnings, scene.notes};
+    bool materialsMoved = false;  ///< by what played before
 };
 
 GltfScene::GltfScene(const std::filesystem::path& file, const ReadOptions& options)
@@ -85,6 +86,7 @@ std::vector<std::size_t> GltfScene::compatibleAnimations() const {
 }
 
 void GltfScene::play(std::span<const std::size_t> animations) {
+    parts_->materialsMoved = parts_->materialsMoved || parts_->player.movesMaterials();
     parts_->player.play(animations);
 }
 
@@ -97,7 +99,9 @@ void GltfScene::pose(double seconds) {
     // What is wrong with the file was said when it was read.
     const std::size_t warnings = scene.warnings.size();
     parts_->player.setTime(seconds);
-    if (parts_->player.movesMaterials()) refreshMaterials(parts_->source, scene);
+    if (parts_->player.movesMaterials() || parts_->materialsMoved)
+        refreshMaterials(parts_->source, scene);
+    parts_->materialsMoved = false;
     parts_->pose();
     scene.warnings.resize(warnings);
 }

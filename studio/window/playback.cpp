@@ -1,0 +1,82 @@
+#include "studio/window/playback.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace tavora::studio {
+namespace {
+
+constexpr int kTick = 5;  // milliseconds; well below the time of a frame
+
+/// Of a frame: times that are this near to it are its own, whatever rounding did to them.
+constexpr double kNear = 1e-6;
+
+}  // namespace
+
+Playback::Playback() {
+    timer_.setInterval(kTick);
+    timer_.setTimerType(Qt::PreciseTimer);
+    connect(&timer_, &QTimer::timeout, this, &Playback::tick);
+}
+
+void Playback::show(Session* session) {
+    setPlaying(false);
+    session_ = session;
+}
+
+void Playback::setPlaying(bool play) {
+    if (play == isPlaying() || (play && !canPlay())) return;
+    if (play) {
+        startedAt_ = session_->time();
+        clock_.start();
+        timer_.start();
+    } else {
+        timer_.stop();
+    }
+    emit playingChanged();
+}
+
+int Playback::firstFrame() const {
+    return static_cast<int>(std::ceil(session_->range().start * kFps - kNear));
+}
+
+int Playback::lastFrame() const {
+    return static_cast<int>(std::floor(session_->range().end * kFps + kNear));
+}
+
+int Playback::frame() const {
+    return static_cast<int>(std::floor(session_->time() * kFps + kNear));
+}
+
+void Playback::goTo(int frame) {
+    setPlaying(false);
+    show(frame);
+}
+
+void Playback::step(int frames) {
+    const int count = lastFrame() - firstFrame() + 1;
+    if (count < 1) return;
+    const int steps = (frame() - firstFrame() + frames) % count;
+    goTo(firstFrame() + (steps + count) % count);
+}
+
+/// The end of what plays is its start again.
+int Playback::frameNow() const {
+    const TimeRange& range = session_->range();
+    const double played = startedAt_ - range.start + static_cast<double>(clock_.elapsed()) / 1000;
+    const double time = range.start + std::fmod(played, range.end - range.start);
+    return static_cast<int>(std::floor(time * kFps + kNear));
+}
+
+void Playback::tick() {
+    if (!session_->failure().empty()) return setPlaying(false);
+    if (session_->isTimePending()) return;
+    const int now = frameNow();
+    if (now != frame()) show(now);
+}
+
+void Playback::show(int frame) {
+    session_->setTime(std::clamp(frame, firstFrame(), lastFrame()) / kFps);
+}
+
+}  // namespace tavora::studio
