@@ -167,7 +167,9 @@ TEST(Animations, ReachWhateverIsReadByPointers) {
     file.point(light + "color", {0, 0, 0, 1, 0.5F, 0}, "VEC3");
     file.point(light + "intensity", {1, 3}, "SCALAR");
     file.point(light + "spot/outerConeAngle", {0.5F, 1}, "SCALAR");
-    file.point("/nodes/0/extensions/KHR_node_visibility/visible", {1, 0}, "SCALAR", "STEP");
+    file.document["scenes"][0]["nodes"] = {1, 2, 3, 4};
+    file.add("nodes", {{"children", {0}}});
+    file.point("/nodes/4/extensions/KHR_node_visibility/visible", {1, 0}, "SCALAR", "STEP");
     file.point("/nodes/3/extensions/KHR_node_visibility/visible", {0, 1}, "SCALAR", "STEP");
     file.point(base + "baseColorFactor", {0, 0, 0, 0, 1, 1, 1, 1}, "VEC4");
     file.point(base + "baseColorTexture/extensions/KHR_texture_transform/offset", {0, 0, 1, 2},
@@ -182,7 +184,7 @@ TEST(Animations, ReachWhateverIsReadByPointers) {
         EXPECT_EQ(scene.lights[0]->color, V3f(f, f / 2, 0));
         EXPECT_FLOAT_EQ(scene.lights[0]->intensity, 1 + 2 * f);
         EXPECT_NEAR(scene.lights[0]->outerCosine, std::cos(0.5 + t / 2), 1e-6);
-        EXPECT_EQ(scene.objects.size(), t < 1 ? 1U : 0U);
+        EXPECT_EQ(scene.objects.size(), t < 1 ? 1U : 0U) << "hidden with its parent";
         EXPECT_EQ(scene.surfaces[0].baseColor, Imath::V4f(f));
         EXPECT_EQ(scene.surfaces[0].baseColorTexture->offset, Imath::V2f(f, 2 * f));
     });
