@@ -6,6 +6,7 @@
 #include <gtest/gtest.h>
 #include <sstream>
 
+#include "studio/app/frames.h"
 #include "studio/app/option_values.h"
 #include "studio/app/picture_area.h"
 #include "studio/util/error.h"
@@ -129,6 +130,14 @@ TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
     request = {};
     request.scale = 100;
     EXPECT_THROW(pictureArea(request), Error);
+}
+
+TEST(Frames, AreNumberedInTheirOrderEachOnce) {
+    EXPECT_EQ(frameNumbers("3-1,2,8-4x2,-3--1x2"), (std::vector<int>{3, 2, 1, 8, 6, 4, -3, -1}));
+    EXPECT_EQ(frameText({1, 2, 3, 7, 9, 10}), "1-3, 7, 9-10");
+    EXPECT_EQ(FrameName("a/#.png").of(12345), "a/12345.png");
+    EXPECT_EQ(FrameName("####").of(-7), "-0007");
+    EXPECT_EQ(FrameName("100%%_%03d").of(7), "100%_007");
 }
 
 }  // namespace
