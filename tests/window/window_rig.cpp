@@ -70,6 +70,13 @@ void WindowTest::animate() {
     const auto second = values("SCALAR", {0.25F, 1.25F});
     channel(slide, 0, "translation", second, values("VEC3", {0, 0, 0, 0.5F, 0.3F, 0}));
     channel(slide, 3, "rotation", second, values("VEC4", {0, 0, 0, 1, -0.6F, 0, 0, 0.8F}));
+    channel(slide, 3, "pointer", second, values("SCALAR", {3, 9}));
+    slide["channels"].back()["target"] = {
+        {"path", "pointer"},
+        {"extensions",
+         {{"KHR_animation_pointer",
+           {{"pointer", "/extensions/KHR_lights_punctual/lights/0/intensity"}}}}}};
+    scene["extensionsUsed"].push_back("KHR_animation_pointer");
     nlohmann::json hide{{"name", "Hide"}};
     channel(hide, 1, "scale", values("SCALAR", {0, 0.5F}),
             values("VEC3", {1, 1, 1, 0.25F, 0.5F, 1}));

@@ -20,8 +20,8 @@ class WindowTest : public ::testing::Test {
     WindowTest();
     ~WindowTest() override;
 
-    /// Gives the scene two animations: "Slide" moves Body and the light from 0.25 to 1.25
-    /// seconds, "Hide" shrinks the pane from 0 to 0.5.
+    /// Gives the scene two animations: "Slide" moves Body and the light, which gets brighter,
+    /// from 0.25 to 1.25 seconds, "Hide" shrinks the pane from 0 to 0.5.
     void animate();
     void start();
     /// As when the program is killed: nothing is asked, nothing saved.
