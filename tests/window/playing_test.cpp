@@ -51,7 +51,6 @@ TEST_F(Playing, FramesAreChosenAndRestIsAsItWas) {
     EXPECT_EQ(std::pair(slider().minimum(), slider().maximum()), std::pair(6, 30));
     EXPECT_EQ(time(), "0.250 s · frame 6");
     const QImage first = picture();
-    EXPECT_NE(first, atRest) << "the light is turned from the start";
     press(Qt::Key_Comma);
     EXPECT_EQ(time(), "1.250 s · frame 30") << "round the start";
     press(Qt::Key_Period);
