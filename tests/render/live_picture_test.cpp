@@ -347,6 +347,10 @@ class Moving {
         auto& leaf = const_cast<Mesh&>(*all_[2]->parts[0].mesh);
         leaf.positions[0].z = static_cast<float>(place);
         ++leaf.revision;
+        auto& bent = const_cast<Mesh&>(*all_[0]->parts[0].mesh);
+        for (Imath::V3f& normal : bent.normals)  // which threads read at every hit
+            normal = (normal + Imath::V3f(0, 0, static_cast<float>(place) / 9)).normalized();
+        ++bent.revision;
         wish_.room.scene.objects = all_;
         if (++times_ % 3 == 0) wish_.room.scene.objects.pop_back();
     }
