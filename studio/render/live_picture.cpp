@@ -84,10 +84,10 @@ struct LivePicture::Parts {
     std::string failure;
     std::shared_ptr<const LiveFrame> latest;
     LiveStats stats;
-    const RayScene* ready = nullptr;  ///< once built, for the owner's own rays
-    bool isUpdating = false;          ///< it will be ready again, or `failed`
-    bool wasReady = false;            ///< when the owner took the scene
-    bool hasLetGo = false;            ///< no thread reads the scene
+    const RayScene* ready = nullptr;       ///< once built, for the owner's own rays
+    bool isUpdating = false;               ///< it will be ready again, or `failed`
+    bool wasReady = false;                 ///< when the owner took the scene
+    bool hasLetGo = false;                 ///< no thread reads the scene
     std::condition_variable changedHands;  ///< when one of the two changed
 
     std::atomic<std::uint64_t> newest{0};  ///< revision of `wish`

@@ -253,7 +253,7 @@ void EditWindow::say(const QString& text) {
 void EditWindow::showProgress() {
     const Session* shown = session();
     const double refined = shown == nullptr ? 0 : shown->refined();
-    progress_.setVisible(shown != nullptr && refined < 1);
+    progress_.setVisible(shown != nullptr && refined < 1 && !time_.playback().isPlaying());
     progress_.setValue(static_cast<int>(refined * 100));
     if (shown == nullptr) {
         notice_.setText(tr("Open a glTF scene, or drop one here"));

@@ -76,7 +76,7 @@ class EditWindow : public QMainWindow {
     SceneFiles files_;
     MessageDialogs messages_;
     PanelSession panel_;
-    bool playsOn_ = false;  ///< once the looks' menu is closed
+    bool playsOn_ = false;                                ///< once the looks' menu is closed
     std::optional<std::optional<SurfaceShader>> copied_;  ///< the inner one none: no shader
 };
 

@@ -59,6 +59,7 @@ bool SceneFiles::open(const fs::path& scene) {
 }
 
 void SceneFiles::openFirst(const fs::path& scene) {
+    first_ = scene;
     load(scene);
     // Once the window stands behind the question.
     QTimer::singleShot(0, this, &SceneFiles::offerRecovery);
@@ -67,7 +68,7 @@ void SceneFiles::openFirst(const fs::path& scene) {
 void SceneFiles::load(const fs::path& scene) {
     const Waiting waiting;
     EditRequest request = request_;
-    if (scene != request_.scene) request.animation = {};  // which is for that scene
+    if (scene != first_) request.animation = {};  // which was asked for with that scene
     request.scene = scene.string();
     auto session = std::make_unique<Session>(request, report_);
     addRecentFile(session->document().file.path());

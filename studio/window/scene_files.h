@@ -74,6 +74,7 @@ class SceneFiles : public QObject {
     QWidget& window_;
     const EditRequest& request_;
     Report& report_;
+    std::filesystem::path first_;  ///< the scene that the program was started with
     std::unique_ptr<Session> session_;
     QTimer recovery_;
     bool recoveryFailed_ = false;

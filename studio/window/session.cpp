@@ -57,8 +57,8 @@ void Session::startAt(const Camera& camera) {
 }
 
 void Session::lightScene() {
-    const auto before = std::exchange(
-        lights_, std::make_shared<const LightRig>(document_.film.lights(lighting_)));
+    const auto before =
+        std::exchange(lights_, std::make_shared<const LightRig>(document_.film.lights(lighting_)));
     if (picture_ != nullptr) revision_ = picture_->setLights(lights_);
     if (before != nullptr && !looksAlike(*before, *lights_)) emit lightsChanged();
 }

@@ -107,7 +107,7 @@ class Session : public QObject {
     std::shared_ptr<const LightRig> lights_;
     std::unique_ptr<Orbit> orbit_;
     std::unique_ptr<LivePicture> picture_;
-    std::uint64_t revision_ = 0;  ///< of what was asked last
+    std::uint64_t revision_ = 0;       ///< of what was asked last
     std::uint64_t posedRevision_ = 0;  ///< that posed the scene last
     std::vector<std::size_t> playing_;
     double time_ = 0;  ///< at which the scene is posed

@@ -8,7 +8,7 @@
 namespace tavora::studio {
 namespace {
 
-constexpr int kMargin = 6;         // pixels
+constexpr int kMargin = 6;          // pixels
 constexpr int kChoiceLetters = 18;  // of a name that are shown; the rest is in the list
 constexpr int kMostRows = 24;       // of the list on the screen at once
 

@@ -327,6 +327,82 @@ TEST(LivePicture, QuickEditsEndInTheLastOnesPicture) {
     EXPECT_TRUE(shows(live.clean(revision), wish.rendered()));
 }
 
+/// Changes the Room as an animation would: the ball moves, the leaf bends, and every third
+/// time the sign is not there.
+class Moving {
+  public:
+    explicit Moving(Wish& wish) : wish_(wish), all_(wish.room.scene.objects) {}
+
+    std::uint64_t moveTo(double place, LivePicture& picture) {
+        return picture.pose([&] {
+            move(place);
+            return FrameTime{0, place};
+        });
+    }
+
+  private:
+    void move(double place) {
+        auto& ball = const_cast<Object&>(*all_[0]);
+        ball.objectToWorld = Imath::M44d().translate(V3d(-0.8 + place, place / 2, 0));
+        auto& leaf = const_cast<Mesh&>(*all_[2]->parts[0].mesh);
+        leaf.positions[0].z = static_cast<float>(place);
+        ++leaf.revision;
+        auto& bent = const_cast<Mesh&>(*all_[0]->parts[0].mesh);
+        for (Imath::V3f& normal : bent.normals)  // which threads read at every hit
+            normal = (normal + Imath::V3f(0, 0, static_cast<float>(place) / 9)).normalized();
+        ++bent.revision;
+        wish_.room.scene.objects = all_;
+        if (++times_ % 3 == 0) wish_.room.scene.objects.pop_back();
+    }
+
+    Wish& wish_;
+    const std::vector<std::shared_ptr<const Object>> all_;
+    int times_ = 0;
+};
+
+TEST(LivePicture, ShowsASceneThatIsPosedAnewAsARenderWould) {
+    Wish wish;
+    Moving scene(wish);
+    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    const Bytes atRest = wish.rendered();
+    EXPECT_TRUE(shows(live.clean(wish.show(live.picture())), atRest));
+    Bytes before = atRest;
+    for (const double place : {0.2, 0.4, 0.7, 0.5, 0.0}) {
+        const auto frame = live.clean(scene.moveTo(place, live.picture()));
+        const Bytes expected = wish.rendered();
+        EXPECT_TRUE(shows(frame, expected)) << place;
+        EXPECT_NE(expected, before) << place << " shows nothing new";
+        before = expected;
+        const auto worn = live.clean(edits()[1].make(wish, live.picture()));
+        EXPECT_TRUE(shows(worn, wish.rendered())) << place;
+        wish.shading[kBall] = Wish().shading[kBall];
+        live.picture().setSurface(kBall, wish.shading[kBall]);
+    }
+}
+
+/// What was not posed must not be seen; who asks what a pixel shows waits for it.
+TEST(LivePicture, IsPosedAtAnyMoment) {
+    Wish wish;
+    Moving scene(wish);
+    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    EXPECT_THROW(live.picture().pose([]() -> FrameTime { throw std::bad_alloc(); }),
+                 std::bad_alloc);
+    wish.show(live.picture());
+    EXPECT_FALSE(live.picture().pickAt(25, 20));
+    scene.moveTo(0.1, live.picture());
+    ASSERT_NE(live.after(nullptr), nullptr);
+    const std::vector<Edit> all = edits();
+    std::uint64_t revision = 0;
+    for (std::size_t i = 0; i < 100; ++i) {
+        all[i * 7 % all.size()].make(wish, live.picture());
+        if (i % 4 != 3)
+            std::this_thread::sleep_for(std::chrono::microseconds(i % 10 * i % 10 * 300));
+        revision = scene.moveTo(static_cast<double>(i % 8) / 10, live.picture());
+        EXPECT_TRUE(i % 5 != 0 || live.picture().pickAt(25, 20)) << i;
+    }
+    EXPECT_TRUE(shows(live.clean(revision), wish.rendered()));
+}
+
 TEST(LivePicture, SaysWhyNothingIsRenderedAndTriesAgain) {
     const auto probe = [](ProbeBehaviour behaviour) {
         return SurfaceShader{

@@ -24,6 +24,7 @@ class CleanPicture : public WindowTest {
         request.mostSamples = 0;
         request.background = request_.background;
         request.shading = request_.shading;
+        request.animation = request_.animation;
         render(request, report_);
         QImage read(QString::fromStdString(request.output));
         read.setColorSpace({});  // which the file tells and the window does not
@@ -54,6 +55,40 @@ TEST_F(CleanPicture, IsWhatTheCommandLineRendersInAnyShape) {
         request_ = EditRequest{};
         request_.shading.plugin = TAVORA_MODULE;
         request_.shading.looks = {{"", "comic"}};
+    }
+}
+
+/// The light's level and the view are those of all of what plays.
+TEST_F(CleanPicture, IsWhatTheCommandLineRendersAtAnyTime) {
+    animate();
+    for (const bool camera : {true, false}) {
+        if (!camera) {
+            auto scene = nlohmann::json::parse(std::ifstream(scene_));
+            scene["nodes"][2].erase("camera");
+            scene["nodes"][3].erase("extensions");
+            scene.erase("cameras");
+            std::ofstream(scene_) << scene;
+        }
+        request_.animation = {{"Slide"}, 0.75};
+        start();
+        const QSize size(520, 300);
+        window_->resize(window_->size() + size - view().size());
+        EXPECT_TRUE(QTest::qWaitFor([&] { return view().size() == size; }));
+        const QImage asked = picture();
+        EXPECT_EQ(asked, rendered(size)) << camera;
+        window().session()->setTime(19 / 24.0);
+        request_.animation.seconds = 19 / 24.0;
+        EXPECT_EQ(picture(), rendered(size)) << camera;
+        EXPECT_NE(picture(), asked);
+        choosePlaying(1);  // all at once
+        window().session()->setTime(0.5);
+        request_.animation = {{"Slide", "Hide"}, 0.5};
+        EXPECT_EQ(picture(), rendered(size)) << camera;
+        choosePlaying(0);  // at rest
+        request_.animation = {};
+        EXPECT_EQ(picture(), rendered(size)) << camera;
+        EXPECT_FALSE(isModified());
+        kill();
     }
 }
 

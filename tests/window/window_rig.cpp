@@ -41,6 +41,60 @@ WindowTest::~WindowTest() {
     setSettingsFolder({});
 }
 
+void WindowTest::animate() {
+    auto scene = nlohmann::json::parse(std::ifstream(scene_));
+    std::vector<float> numbers;
+    const auto values = [&](const char* type, const std::vector<float>& added) {
+        const std::size_t width = type == std::string("SCALAR") ? 1 : std::stoul(type + 3);
+        scene["bufferViews"].push_back({{"buffer", 1},
+                                        {"byteOffset", numbers.size() * sizeof(float)},
+                                        {"byteLength", added.size() * sizeof(float)}});
+        numbers.insert(numbers.end(), added.begin(), added.end());
+        scene["accessors"].push_back({{"bufferView", scene["bufferViews"].size() - 1},
+                                      {"componentType", 5126},
+                                      {"count", added.size() / width},
+                                      {"type", type}});
+        if (width == 1) {
+            scene["accessors"].back()["min"] = {added.front()};
+            scene["accessors"].back()["max"] = {added.back()};
+        }
+        return scene["accessors"].size() - 1;
+    };
+    const auto channel = [&](nlohmann::json& animation, int node, const char* path,
+                             std::size_t times, std::size_t output) {
+        animation["samplers"].push_back({{"input", times}, {"output", output}});
+        animation["channels"].push_back({{"sampler", animation["samplers"].size() - 1},
+                                         {"target", {{"node", node}, {"path", path}}}});
+    };
+    nlohmann::json slide{{"name", "Slide"}};
+    const auto second = values("SCALAR", {0.25F, 1.25F});
+    channel(slide, 0, "translation", second, values("VEC3", {0, 0, 0, 0.5F, 0.3F, 0}));
+    channel(slide, 3, "rotation", second, values("VEC4", {0, 0, 0, 1, -0.6F, 0, 0, 0.8F}));
+    channel(slide, 3, "pointer", second, values("SCALAR", {3, 9}));
+    slide["channels"].back()["target"] = {
+        {"path", "pointer"},
+        {"extensions",
+         {{"KHR_animation_pointer",
+           {{"pointer", "/extensions/KHR_lights_punctual/lights/0/intensity"}}}}}};
+    scene["extensionsUsed"].push_back("KHR_animation_pointer");
+    nlohmann::json hide{{"name", "Hide"}};
+    channel(hide, 1, "scale", values("SCALAR", {0, 0.5F}),
+            values("VEC3", {1, 1, 1, 0.25F, 0.5F, 1}));
+    scene["animations"] = {slide, hide};
+    const QByteArray bytes(reinterpret_cast<const char*>(numbers.data()),
+                           static_cast<qsizetype>(numbers.size() * sizeof(float)));
+    scene["buffers"].push_back(
+        {{"byteLength", bytes.size()},
+         {"uri", "data:application/octet-stream;base64," + bytes.toBase64().toStdString()}});
+    std::ofstream(scene_) << scene;
+}
+
+void WindowTest::choosePlaying(int row) {
+    auto& choice = *timeBar().findChild<QComboBox*>("animations");
+    choice.setCurrentIndex(row);
+    emit choice.activated(row);
+}
+
 void WindowTest::start() {
     window_ = std::make_unique<EditWindow>(request_, report_);
     window_->resize(640, 360);

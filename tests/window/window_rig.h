@@ -20,6 +20,9 @@ class WindowTest : public ::testing::Test {
     WindowTest();
     ~WindowTest() override;
 
+    /// Gives the scene two animations: "Slide" moves Body and the light, which gets brighter,
+    /// from 0.25 to 1.25 seconds, "Hide" shrinks the pane from 0 to 0.5.
+    void animate();
     void start();
     /// As when the program is killed: nothing is asked, nothing saved.
     void kill() { window_.reset(); }
@@ -30,6 +33,9 @@ class WindowTest : public ::testing::Test {
     SurfaceList& surfaces() { return *window_->findChild<SurfaceList*>("surfaces"); }
     SurfaceShaders state();
     bool isModified() { return document().settings.isModified(); }
+    TimeBar& timeBar() { return *window_->findChild<TimeBar*>("timeBar"); }
+    /// As the user does, in the list of what plays.
+    void choosePlaying(int row);
     QAction& action(const char* name) { return *window_->findChild<QAction*>(name); }
     void check(int surface, bool on);  ///< its box in the list
 
