@@ -151,7 +151,7 @@ TEST(Animations, ReachWhateverIsReadByPointers) {
     file.triangle();
     file.primitive()["material"] = 0;
     file.document["materials"] = R"([{"pbrMetallicRoughness": {
-        "baseColorTexture": {"index": 0}}}])"_j;
+        "baseColorTexture": {"index": 0}}, "emissiveTexture": {"index": 0}}])"_j;
     file.document["textures"] = R"([{"source": 0}])"_j;
     file.document["images"] = Json::array({{{"uri", kRedPng}}});
     file.document["cameras"] =
@@ -174,6 +174,7 @@ TEST(Animations, ReachWhateverIsReadByPointers) {
     file.point(base + "baseColorFactor", {0, 0, 0, 0, 1, 1, 1, 1}, "VEC4");
     file.point(base + "baseColorTexture/extensions/KHR_texture_transform/offset", {0, 0, 1, 2},
                "VEC2");
+    file.point("/materials/0/emissiveFactor", {0, 0, 0, 1, 1, 1}, "VEC3");
     file.point("/materials/0/extensions/KHR_materials_sheen/sheenRoughnessFactor", {0, 1},
                "SCALAR");
     file.point("/nodes/17/scale", {0, 0, 0, 1, 1, 1}, "VEC3");
@@ -186,6 +187,8 @@ TEST(Animations, ReachWhateverIsReadByPointers) {
         EXPECT_NEAR(scene.lights[0]->outerCosine, std::cos(0.5 + t / 2), 1e-6);
         EXPECT_EQ(scene.objects.size(), t < 1 ? 1U : 0U) << "hidden with its parent";
         EXPECT_EQ(scene.surfaces[0].baseColor, Imath::V4f(f));
+        EXPECT_EQ(scene.surfaces[0].emissive, V3f(f));
+        EXPECT_TRUE(scene.surfaces[0].emissiveTexture) << "dark at rest as it may be";
         EXPECT_EQ(scene.surfaces[0].baseColorTexture->offset, Imath::V2f(f, 2 * f));
     });
     EXPECT_THAT(file.warnings, ElementsAre(HasSubstr("moves /nodes/17/scale, which the file has "

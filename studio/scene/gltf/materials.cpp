@@ -1,8 +1,12 @@
 #include "studio/scene/gltf/materials.h"
 
 #include <algorithm>
+#include <cstdlib>
 #include <fmt/format.h>
 #include <limits>
+#include <set>
+#include <string>
+#include <vector>
 
 #include "studio/scene/gltf/mtoon.h"
 #include "studio/scene/gltf/textures.h"
@@ -61,11 +65,29 @@ void moveTexture(const std::optional<gltf::TextureInfo>& info, std::optional<Tex
     if (info && use) placeTexture(*info, *use);
 }
 
+/// The materials whose emission animations move: they may glow though they do not at rest.
+std::set<int> litByAnimations(const gltf::Document& document) {
+    std::set<int> materials;
+    for (const gltf::Animation& animation : document.animations) {
+        for (const gltf::AnimationChannel& channel : animation.channels) {
+            if (channel.target.path != gltf::TargetPath::Pointer) continue;
+            const std::vector<std::string>& tokens = channel.target.pointer->tokens;
+            if (tokens.size() < 3 || tokens.front() != "materials") continue;
+            if (tokens.back().starts_with("emissive"))
+                materials.insert(std::atoi(tokens[1].c_str()));
+        }
+    }
+    return materials;
+}
+
 /// Reads the materials of one file into a scene.
 class MaterialReader {
   public:
     MaterialReader(const GltfSource& source, Scene& scene)
-        : source_(source), scene_(scene), textures_(source, scene) {}
+        : source_(source),
+          scene_(scene),
+          textures_(source, scene),
+          lit_(litByAnimations(source.document)) {}
 
     void readAll() {
         for (const gltf::Material& material : source_.document.materials)
@@ -137,7 +159,7 @@ class MaterialReader {
 
     void readTextures(const gltf::Material& material, Surface& surface) {
         surface.baseColorTexture = textures_.read(material.baseColorTexture);
-        if (surface.emissive != Imath::V3f(0))
+        if (surface.emissive != Imath::V3f(0) || lit_.contains(surface.materialIndex))
             surface.emissiveTexture = textures_.read(material.emissiveTexture);
         if (material.specularGlossiness)
             surface.baseColorTexture = textures_.read(material.specularGlossiness->diffuseTexture);
@@ -151,6 +173,7 @@ class MaterialReader {
     const GltfSource& source_;
     Scene& scene_;
     TextureReader textures_;
+    std::set<int> lit_;  ///< materials that may glow later
     UniqueNames names_;
 };
 
