@@ -95,10 +95,10 @@ RayScene::RayScene(const SceneIndex& scene, std::uint64_t roomForCopies, SceneUs
     checkDevice();
     if (use == SceneUse::Still) return;
     for (const SceneMesh& mesh : scene.meshes())
-        stands_.push_back(standOf(mesh));
+        states_.push_back(stateOf(mesh));
 }
 
-RayScene::Stand RayScene::standOf(const SceneMesh& source) const {
+RayScene::MeshState RayScene::stateOf(const SceneMesh& source) const {
     const Mesh& mesh = *source.mesh;
     return {source.object,
             &mesh,
@@ -113,39 +113,45 @@ RayScene::Stand RayScene::standOf(const SceneMesh& source) const {
 /// Whether the meshes are those that it was built of, posed otherwise.
 bool RayScene::canUpdate() const {
     const std::vector<SceneMesh>& meshes = index_->meshes();
-    if (use_ == SceneUse::Still || meshes.size() != stands_.size()) return false;
+    if (use_ == SceneUse::Still || meshes.size() != states_.size()) return false;
     for (std::size_t i = 0; i < meshes.size(); ++i) {
-        const Stand& stand = stands_[i];
-        const Stand now = standOf(meshes[i]);
-        if (now.object != stand.object || now.triangles != stand.triangles ||
-            now.vertices != stand.vertices || now.surface != stand.surface)
+        const MeshState& before = states_[i];
+        const MeshState now = stateOf(meshes[i]);
+        if (now.object != before.object || now.triangles != before.triangles ||
+            now.vertices != before.vertices || now.surface != before.surface)
             return false;
         const bool isInstance = geometries_[i].isInstance;
-        if (isInstance && (now.mesh != stand.mesh || now.revision != stand.revision ||
+        if (isInstance && (now.mesh != before.mesh || now.revision != before.revision ||
                            !keepsPrecision(now.objectToWorld)))
             return false;
     }
-    for (const SurfaceTraits& before : traits_) {
-        const SurfaceTraits now = traitsOf(*before.surface, *index_);
-        if (now.cover != before.cover) return false;
+    return true;
+}
+
+/// False where a surface lets light through otherwise than it did. What a surface shows may
+/// take a look at all of a texture, so it is found out anew only where its numbers moved.
+bool RayScene::updateTraits() {
+    for (SurfaceTraits& traits : traits_) {
+        if (isCurrent(traits)) continue;
+        const SurfaceTraits now = traitsOf(*traits.surface, *index_);
+        if (now.cover != traits.cover) return false;
+        traits = now;
     }
     return true;
 }
 
 bool RayScene::update() {
-    if (!canUpdate()) return false;
-    for (SurfaceTraits& traits : traits_)
-        traits = traitsOf(*traits.surface, *index_);
+    if (!canUpdate() || !updateTraits()) return false;
     const std::vector<SceneMesh>& meshes = index_->meshes();
     for (std::size_t i = 0; i < meshes.size(); ++i) {
         geometries_[i].source = &meshes[i];
-        Stand now = standOf(meshes[i]);
-        Stand& stand = stands_[i];
-        const bool isAsBefore = now.mesh == stand.mesh && now.revision == stand.revision &&
-                                now.objectToWorld == stand.objectToWorld;
+        MeshState now = stateOf(meshes[i]);
+        MeshState& before = states_[i];
+        const bool isAsBefore = now.mesh == before.mesh && now.revision == before.revision &&
+                                now.objectToWorld == before.objectToWorld;
         if (isAsBefore || meshes[i].mesh->triangles.empty()) continue;
-        now.gauge = std::move(stand.gauge);
-        stand = std::move(now);
+        now.quality = std::move(before.quality);
+        before = std::move(now);
         move(i);
     }
     rtcCommitScene(scene_.get());
@@ -163,17 +169,17 @@ void RayScene::move(std::size_t number) {
         const Imath::M44f transform(source.object->objectToWorld);
         rtcSetGeometryTransform(handle, 0, RTC_FORMAT_FLOAT4X4_COLUMN_MAJOR, transform.getValue());
     } else {
-        std::optional<RefitGauge>& gauge = stands_[number].gauge;
+        std::optional<RefitQuality>& quality = states_[number].quality;
         const auto& triangles = source.mesh->triangles;
         // Without the spare one; they stay where they are.
         const std::span vertices(geometry.vertices.data(), source.mesh->positions.size());
-        if (!gauge) gauge.emplace(triangles, vertices);
+        if (!quality) quality.emplace(triangles, vertices);
         replaceMesh(source, geometry);
         rtcUpdateGeometryBuffer(handle, RTC_BUFFER_TYPE_VERTEX, 0);
-        if (gauge->isWornOut(triangles, vertices)) {
+        if (quality->isDegraded(triangles, vertices)) {
             // Other triangles, as far as Embree knows, are what makes it build.
             rtcUpdateGeometryBuffer(handle, RTC_BUFFER_TYPE_INDEX, 0);
-            gauge.emplace(triangles, vertices);
+            quality.emplace(triangles, vertices);
             ++rebuilds_;
         } else {
             ++refits_;

@@ -14,7 +14,7 @@
 
 #include "studio/render/hit_order.h"
 #include "studio/render/mesh_geometry.h"
-#include "studio/render/refit_gauge.h"
+#include "studio/render/refit_quality.h"
 #include "studio/render/scene_use.h"
 #include "studio/render/surface_traits.h"
 #include "studio/services/scene_index.h"
@@ -120,7 +120,7 @@ class RayScene {
     using ScenePtr = std::unique_ptr<RTCSceneTy, ReleaseScene>;
 
     /// How a mesh stood when its part of the tree was last brought up to date.
-    struct Stand {
+    struct MeshState {
         const Object* object = nullptr;
         const Mesh* mesh = nullptr;
         const void* triangles = nullptr;
@@ -128,7 +128,7 @@ class RayScene {
         std::uint64_t revision = 0;
         int surface = 0;
         Imath::M44d objectToWorld;
-        std::optional<RefitGauge> gauge;  ///< from the first refit on
+        std::optional<RefitQuality> quality;  ///< from the first refit on
     };
 
     /// In the space of the objects that show it.
@@ -140,7 +140,8 @@ class RayScene {
     static bool monitorMemory(void* self, ssize_t bytes, bool isDone);
     ScenePtr newScene(SceneUse use) const;
     bool canUpdate() const;
-    Stand standOf(const SceneMesh& source) const;
+    bool updateTraits();
+    MeshState stateOf(const SceneMesh& source) const;
     void move(std::size_t number);
     void place(const SceneMesh& source, bool isInstance);
     void takeVertices(const SceneMesh& source);
@@ -157,8 +158,8 @@ class RayScene {
     SceneUse use_;
     std::uint64_t refits_ = 0;
     std::uint64_t rebuilds_ = 0;
-    std::vector<Stand> stands_;  ///< of a film, by mesh
-    MemoryShare memory_;         ///< for vertices; trees are counted by monitorMemory()
+    std::vector<MeshState> states_;  ///< of a film, by mesh
+    MemoryShare memory_;             ///< for vertices; trees are counted by monitorMemory()
     std::atomic<bool> isOverBudget_{false};
     std::vector<SurfaceTraits> traits_;
     std::vector<MeshGeometry> geometries_;

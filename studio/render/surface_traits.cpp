@@ -110,6 +110,9 @@ OwnColor evenColor(const SurfaceTraits& traits, const SceneIndex& scene) {
 SurfaceTraits traitsOf(const Surface& surface, const SceneIndex& scene) {
     SurfaceTraits traits;
     traits.surface = &surface;
+    traits.baseColor = surface.baseColor;
+    traits.emissive = surface.emissive;
+    traits.roughness = surface.roughness;
     traits.cover = coverOf(surface, scene);
     const Imath::V3f factor(surface.baseColor.x, surface.baseColor.y, surface.baseColor.z);
     traits.color = mapChannels(Imath::V3d(factor), toEncoded);
@@ -121,6 +124,12 @@ SurfaceTraits traitsOf(const Surface& surface, const SceneIndex& scene) {
     traits.isEven = !surface.baseColorTexture && !surface.emissiveTexture;
     if (traits.isEven) traits.even = evenColor(traits, scene);
     return traits;
+}
+
+bool isCurrent(const SurfaceTraits& traits) {
+    const Surface& surface = *traits.surface;
+    return traits.baseColor == surface.baseColor && traits.emissive == surface.emissive &&
+           traits.roughness == surface.roughness;
 }
 
 double alphaAt(const SceneIndex& scene, const Surface& surface, const TexturePlace& place) {

@@ -31,12 +31,18 @@ struct SurfaceTraits {
     bool glows = false;         ///< has emission
     bool isEven = false;        ///< no texture: the same all over meshes without vertex colours
     OwnColor even;              ///< there, if so
-    double specular = 0;        ///< strength of the glossy reflection under a shader
-    unsigned exponent = 1;      ///< of that reflection's lobe
+    Imath::V4f baseColor{1, 1, 1, 1};  ///< of the surface, as the next two, which the rest
+    Imath::V3f emissive{0, 0, 0};      ///< here follows from
+    float roughness = 1;
+    double specular = 0;    ///< strength of the glossy reflection under a shader
+    unsigned exponent = 1;  ///< of that reflection's lobe
 };
 
 /// `image` alphas count: a surface that could be clear but nowhere is, is solid.
 SurfaceTraits traitsOf(const Surface& surface, const SceneIndex& scene);
+
+/// Whether they still are the surface's, whose numbers animation may have moved.
+bool isCurrent(const SurfaceTraits& traits);
 
 /// Opacity of a surface at a place, before its alpha mode: 0..1.
 double alphaAt(const SceneIndex& scene, const Surface& surface, const TexturePlace& place);

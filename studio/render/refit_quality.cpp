@@ -1,4 +1,4 @@
-#include "studio/render/refit_gauge.h"
+#include "studio/render/refit_quality.h"
 
 #include <ImathBox.h>
 #include <algorithm>
@@ -11,7 +11,7 @@ using Imath::Box3f;
 using Imath::V3f;
 
 constexpr std::size_t kGroup = 32;
-constexpr double kWornOut = 2;  // times the looseness at the start
+constexpr double kDegraded = 2;  // times the relative area at the start
 
 double areaOf(const Box3f& box) {
     const V3f size = box.size();
@@ -40,7 +40,7 @@ std::uint32_t curvePlace(const V3f& point, const Box3f& box) {
 
 }  // namespace
 
-RefitGauge::RefitGauge(Triangles triangles, Vertices vertices) : order_(triangles.size()) {
+RefitQuality::RefitQuality(Triangles triangles, Vertices vertices) : order_(triangles.size()) {
     Box3f box;
     for (const V3f& vertex : vertices)
         box.extendBy(vertex);
@@ -51,10 +51,10 @@ RefitGauge::RefitGauge(Triangles triangles, Vertices vertices) : order_(triangle
     std::iota(order_.begin(), order_.end(), 0U);
     std::stable_sort(order_.begin(), order_.end(),
                      [&](std::uint32_t a, std::uint32_t b) { return places[a] < places[b]; });
-    atStart_ = looseness(triangles, vertices);
+    atStart_ = relativeArea(triangles, vertices);
 }
 
-double RefitGauge::looseness(Triangles triangles, Vertices vertices) const {
+double RefitQuality::relativeArea(Triangles triangles, Vertices vertices) const {
     Box3f whole;
     double sum = 0;
     for (std::size_t first = 0; first < order_.size(); first += kGroup) {
@@ -71,8 +71,8 @@ double RefitGauge::looseness(Triangles triangles, Vertices vertices) const {
     return area > 0 ? sum / area : 0;
 }
 
-bool RefitGauge::isWornOut(Triangles triangles, Vertices vertices) const {
-    return looseness(triangles, vertices) > kWornOut * atStart_;
+bool RefitQuality::isDegraded(Triangles triangles, Vertices vertices) const {
+    return relativeArea(triangles, vertices) > kDegraded * atStart_;
 }
 
 }  // namespace tavora::studio
