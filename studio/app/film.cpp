@@ -1,6 +1,7 @@
 #include "studio/app/film.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "studio/render/exposure.h"
 
@@ -31,6 +32,7 @@ void FilmRenderer::pose(double seconds) {
         scene_.pose(seconds);
         posedAt_ = seconds;
         if (renderer_) renderer_->update();
+        isBuilt_ = false;
     }
     const bool isFilm = scene_.plays() && (request_.frames.size() > 1 || request_.shutter > 0);
     if (!renderer_) renderer_.emplace(scene_.scene(), isFilm ? SceneUse::Film : SceneUse::Still);
@@ -44,7 +46,7 @@ Picture FilmRenderer::renderNow(const RenderOptions& options, const RenderWatch&
     stats_.primaryRays += stats.primaryRays;
     stats_.shadowRays += stats.shadowRays;
     stats_.evaluations += stats.evaluations;
-    stats_.buildSeconds += stats.buildSeconds;
+    if (!std::exchange(isBuilt_, true)) stats_.buildSeconds += stats.buildSeconds;
     stats_.refits = stats.refits;
     stats_.rebuilds = stats.rebuilds;
     stats_.pixels = stats.pixels;

@@ -44,6 +44,7 @@ class FilmRenderer {
     const PictureArea& area_;
     std::optional<Renderer> renderer_;
     std::optional<double> posedAt_;  ///< seconds; none: at rest
+    bool isBuilt_ = false;           ///< and counted, for the scene as it is posed
     RenderStats stats_;
 };
 

@@ -212,6 +212,11 @@ void Progress::error(const std::string& message) {
     say(lineOf(json));
 }
 
+void Progress::fail(const std::string& message) {
+    error(message);
+    if (kind_ == ProgressKind::OpenJd) say("openjd_fail: " + message);
+}
+
 void Progress::end(const RenderSummary& summary) {
     clear();
     if (kind_ != ProgressKind::Json) return;

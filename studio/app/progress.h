@@ -59,7 +59,10 @@ class Progress {
     /// `done`: the share of the frame in hand, 0..1.
     void update(double done);
     void endFrame(FrameState state);
+    /// Of a frame; the others go on.
     void error(const std::string& message);
+    /// That ends the run.
+    void fail(const std::string& message);
     void end(const RenderSummary& summary);
 
     /// Takes the bar off the terminal until the next update, for other lines.

@@ -291,9 +291,11 @@ class Film {
                                           : summary_.add(state);
         } catch (const Error& error) {
             const std::string text = fmt::format("frame {}: {}", frame, error.what());
-            progress_.error(text);
-            if (!request_.keepGoing || error.fault() == Fault::Module)
+            if (!request_.keepGoing || error.fault() == Fault::Module) {
+                progress_.fail(text);
                 throw Error(error.fault(), text);
+            }
+            progress_.error(text);
             job_.report.error(text);
             failed_.push_back(frame);
             summary_.addFailed();

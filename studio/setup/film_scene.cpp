@@ -16,8 +16,8 @@
 namespace tavora::studio {
 namespace {
 
-/// Times at which a film is looked at, evenly over its range.
-constexpr int kLooks = 17;
+/// Times at which a film is measured, evenly over its range.
+constexpr int kMoments = 17;
 
 std::optional<std::size_t> indexIn(const std::string& text, std::size_t count) {
     std::size_t index = 0;
@@ -91,14 +91,14 @@ void FilmScene::settle(const std::string& camera, double aspect) {
     meter_ = {};
     shapes_.clear();
     framing_.reset();
-    const bool frames = camera.empty() && scene().cameras.empty();
-    const int looks = plays() && range_.end > range_.start ? kLooks : 1;
-    for (int look = looks - 1; look >= 0; --look) {
-        if (plays()) pose(range_.start + (range_.end - range_.start) * look / (kLooks - 1));
+    const bool needsFraming = camera.empty() && scene().cameras.empty();
+    const int moments = plays() && range_.end > range_.start ? kMoments : 1;
+    for (int moment = moments - 1; moment >= 0; --moment) {
+        if (plays()) pose(range_.start + (range_.end - range_.start) * moment / (kMoments - 1));
         meter_.measure(scene());
-        if (frames && looks > 1) shapes_.push_back(shapeOf(scene()));
+        if (needsFraming && moments > 1) shapes_.push_back(shapeOf(scene()));
     }
-    if (frames) framing_ = framingFor(aspect);
+    if (needsFraming) framing_ = framingFor(aspect);
     keyView_ = this->camera();
 }
 

@@ -160,6 +160,12 @@ bool isRotation(const gltf::Pointer& pointer) {
            pointer.tokens[2] == "rotation";
 }
 
+/// What an avatar's material says of its tones becomes settings once, before a film.
+bool isOfToon(const gltf::Pointer& pointer) {
+    const auto& tokens = pointer.tokens;
+    return std::find(tokens.begin(), tokens.end(), "VRMC_materials_mtoon") != tokens.end();
+}
+
 std::vector<double> valueOf(const gltf::MemberRef& member) {
     if (member.flag != nullptr) return {*member.flag ? 1.0 : 0.0};
     if (member.list != nullptr) return *member.list;
@@ -244,7 +250,7 @@ bool AnimationPlayer::canMove(const gltf::Pointer& pointer, const gltf::MemberRe
     const std::string line = oneLine(source_.path + ": " + where);
     if (pointer.tokens.empty()) {
         warnings_.push_back(line + " names nothing that it moves and is left out");
-    } else if (!target.exists()) {
+    } else if (!target.exists() || isOfToon(pointer)) {
         if (leadsNowhere(source_.json, pointer)) {
             warnings_.push_back(fmt::format("{} moves {}, which the file has not, and is left out",
                                             line, textOf(pointer)));

@@ -53,13 +53,11 @@ struct GltfScene::Parts {
         scene.memory->take(source.document.materials.size() * kMaterial, "its materials");
         scene.memory->take(source.document.nodes.size() * kNode, "its nodes");
         readMaterials(source, scene);
-        pose();
+        poser.pose(scene);
         scene.animations = readAnimations(source);
         readAmbient(source, scene);
         tellLacks(source, scene);
     }
-
-    void pose() { poser.pose(scene); }
 
     GltfSource source;
     Scene scene;
@@ -102,7 +100,7 @@ void GltfScene::pose(double seconds) {
     if (parts_->player.movesMaterials() || parts_->materialsMoved)
         refreshMaterials(parts_->source, scene);
     parts_->materialsMoved = false;
-    parts_->pose();
+    parts_->poser.pose(scene);
     scene.warnings.resize(warnings);
 }
 
