@@ -80,6 +80,7 @@ std::unique_ptr<FilmScene> openScene(const RenderRequest& request, Report& repor
     clear(&Surface::normalMap, request.withoutNormalMap, "--no-normal-map", scene);
     if (request.animation.isAsked() || !request.frames.empty())
         film->play(request.animation.names, report);
+    if (!film->plays()) film->stayAtRest();
     reportScene(scene, report);
     return film;
 }

@@ -40,6 +40,9 @@ class FilmScene {
     void play(const std::vector<std::size_t>& animations);
     std::vector<std::size_t> compatibleAnimations() const { return file_.compatibleAnimations(); }
     bool plays() const { return file_.plays(); }
+    /// Nothing will play: what a file takes beside its scene is given back. Afterwards
+    /// play() and pose() must not be called.
+    void stayAtRest() { file_.close(); }
     /// Of what plays.
     const TimeRange& range() const { return range_; }
 

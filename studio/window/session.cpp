@@ -71,6 +71,7 @@ void Session::startPlaying(const AnimationRequest& request) {
         warnFrom(told);
     }
     film.settle({}, kUsualAspect);
+    if (scene().animations.empty()) film.stayAtRest();
     if (!film.plays()) return;
     time_ = std::clamp(request.seconds.value_or(0), range().start, range().end);
     film.pose(time_);

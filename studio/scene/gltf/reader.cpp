@@ -42,28 +42,37 @@ void readAmbient(const GltfSource& source, Scene& scene) {
 constexpr std::uint64_t kMaterial = 2048;
 constexpr std::uint64_t kNode = 512;
 
+/// A file, with all that poses its scene.
+struct OpenFile {
+    OpenFile(GltfSource from, Scene& scene)
+        : source(std::move(from)), player(source, scene.warnings, scene.notes) {}
+
+    GltfSource source;
+    GltfPoser poser{source};
+    AnimationPlayer player;
+    bool materialsMoved = false;  ///< by what played before
+};
+
 }  // namespace
 
 struct GltfScene::Parts {
-    Parts(const std::filesystem::path& file, const ReadOptions& options)
-        : source(readGltfSource(file, options)) {
+    Parts(const std::filesystem::path& path, const ReadOptions& options)
+        : file(std::make_unique<OpenFile>(readGltfSource(path, options), scene)) {
+        const GltfSource& source = file->source;
         scene.path = source.path;
         scene.digest = source.digest;
         scene.memory = source.memory;
         scene.memory->take(source.document.materials.size() * kMaterial, "its materials");
         scene.memory->take(source.document.nodes.size() * kNode, "its nodes");
         readMaterials(source, scene);
-        poser.pose(scene);
+        file->poser.pose(scene);
         scene.animations = readAnimations(source);
         readAmbient(source, scene);
         tellLacks(source, scene);
     }
 
-    GltfSource source;
     Scene scene;
-    GltfPoser poser{source};
-    AnimationPlayer player{source, scene.warnings, scene.notes};
-    bool materialsMoved = false;  ///< by what played before
+    std::unique_ptr<OpenFile> file;  ///< null once it is closed
 };
 
 GltfScene::GltfScene(const std::filesystem::path& file, const ReadOptions& options)
@@ -80,28 +89,33 @@ Scene& GltfScene::scene() {
 }
 
 std::vector<std::size_t> GltfScene::compatibleAnimations() const {
-    return parts_->player.compatible();
+    return parts_->file->player.compatible();
 }
 
 void GltfScene::play(std::span<const std::size_t> animations) {
-    parts_->materialsMoved = parts_->materialsMoved || parts_->player.movesMaterials();
-    parts_->player.play(animations);
+    OpenFile& file = *parts_->file;
+    file.materialsMoved = file.materialsMoved || file.player.movesMaterials();
+    file.player.play(animations);
 }
 
 bool GltfScene::plays() const {
-    return parts_->player.playsAny();
+    return parts_->file != nullptr && parts_->file->player.playsAny();
 }
 
 void GltfScene::pose(double seconds) {
     Scene& scene = parts_->scene;
+    OpenFile& file = *parts_->file;
     // What is wrong with the file was said when it was read.
     const std::size_t warnings = scene.warnings.size();
-    parts_->player.setTime(seconds);
-    if (parts_->player.movesMaterials() || parts_->materialsMoved)
-        refreshMaterials(parts_->source, scene);
-    parts_->materialsMoved = false;
-    parts_->poser.pose(scene);
+    file.player.setTime(seconds);
+    if (file.player.movesMaterials() || file.materialsMoved) refreshMaterials(file.source, scene);
+    file.materialsMoved = false;
+    file.poser.pose(scene);
     scene.warnings.resize(warnings);
+}
+
+void GltfScene::close() {
+    parts_->file.reset();
 }
 
 Scene readGltf(const std::filesystem::path& file, const ReadOptions& options) {

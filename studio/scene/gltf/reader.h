@@ -42,6 +42,10 @@ class GltfScene {
     /// the scene is then to be posed anew before it is used.
     void pose(double seconds);
 
+    /// Gives back the memory that the file takes beside the scene, which stays as it is.
+    /// Nothing plays from then on; play() and pose() must not be called.
+    void close();
+
   private:
     struct Parts;
     std::unique_ptr<Parts> parts_;
