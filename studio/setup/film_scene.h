@@ -41,7 +41,7 @@ class FilmScene {
     std::vector<std::size_t> compatibleAnimations() const { return file_.compatibleAnimations(); }
     bool plays() const { return file_.plays(); }
     /// Nothing will play: what a file takes beside its scene is given back. Afterwards
-    /// play() and pose() must not be called.
+    /// play() and pose() do nothing.
     void stayAtRest() { file_.close(); }
     /// Of what plays.
     const TimeRange& range() const { return range_; }

@@ -225,6 +225,13 @@ TEST(Animations, PlayTogetherWhereTheyMoveDifferentThingsAndEndAtRest) {
     scene.play({});
     scene.pose(0.5);
     EXPECT_EQ(scene.scene().objects[0]->objectToWorld.translation(), V3d(5, 0, 0)) << "at rest";
+    scene.play(std::vector<std::size_t>{0});
+    scene.pose(0.5);
+    scene.close();
+    scene.play(std::vector<std::size_t>{0});
+    scene.pose(0);
+    EXPECT_FALSE(scene.plays());
+    EXPECT_EQ(scene.scene().objects[0]->objectToWorld.translation(), V3d(1, 2, 3)) << "as it was";
 }
 
 }  // namespace

@@ -89,10 +89,12 @@ Scene& GltfScene::scene() {
 }
 
 std::vector<std::size_t> GltfScene::compatibleAnimations() const {
+    if (parts_->file == nullptr) return {};
     return parts_->file->player.compatible();
 }
 
 void GltfScene::play(std::span<const std::size_t> animations) {
+    if (parts_->file == nullptr) return;
     OpenFile& file = *parts_->file;
     file.materialsMoved = file.materialsMoved || file.player.movesMaterials();
     file.player.play(animations);
@@ -103,6 +105,7 @@ bool GltfScene::plays() const {
 }
 
 void GltfScene::pose(double seconds) {
+    if (parts_->file == nullptr) return;
     Scene& scene = parts_->scene;
     OpenFile& file = *parts_->file;
     // What is wrong with the file was said when it was read.

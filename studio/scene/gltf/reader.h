@@ -43,7 +43,7 @@ class GltfScene {
     void pose(double seconds);
 
     /// Gives back the memory that the file takes beside the scene, which stays as it is.
-    /// Nothing plays from then on; play() and pose() must not be called.
+    /// Nothing plays from then on: play() and pose() do nothing.
     void close();
 
   private:
