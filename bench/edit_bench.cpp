@@ -54,7 +54,7 @@ struct Work {
           module(moduleFile),
           camera(scene.cameras.empty() ? framingCamera(scene, double{kWidth} / kHeight)
                                        : scene.cameras.front()),
-          lights(std::make_shared<const LightRig>(settleLights(scene, camera, {}))) {
+          lights(std::make_shared<const LightSet>(resolveLights(scene, camera, {}))) {
         shading.resize(scene.surfaces.size());
         bool any = false;
         for (std::size_t i = 0; i < shading.size(); ++i) {
@@ -70,7 +70,7 @@ struct Work {
     Scene scene;
     std::filesystem::path module;
     Camera camera;
-    std::shared_ptr<const LightRig> lights;
+    std::shared_ptr<const LightSet> lights;
     SurfaceShaders shading;
 };
 

@@ -65,8 +65,8 @@ Scene benchScene() {
     return scene;
 }
 
-LightRig benchLights() {
-    LightRig rig;
+LightSet benchLights() {
+    LightSet rig;
     for (const V3d& direction : {V3d(0.5, -1, -0.5), V3d(-0.8, -1, -0.3), V3d(0, -1, 0.4)}) {
         auto light = std::make_unique<Light>();
         light->name = "light " + std::to_string(rig.lights.size());
@@ -161,7 +161,7 @@ bool shadowRay(const RTCRayHit& from, const V3d& lightDirection, RTCRay& ray) {
 /// A row of a tile at a time: the rays that Embree takes as one stream.
 class BareRow {
   public:
-    BareRow(const BareScene& scene, const LightRig& rig, bool streams)
+    BareRow(const BareScene& scene, const LightSet& rig, bool streams)
         : scene_(scene.handle()), rig_(&rig), streams_(streams) {}
 
     std::uint64_t trace(const View& view, const std::vector<Imath::V2d>& pattern, int left,
@@ -173,7 +173,7 @@ class BareRow {
         }
         intersect();
         std::uint64_t rays = primary_.size();
-        for (const LitLight& lit : rig_->lights) {
+        for (const ResolvedLight& lit : rig_->lights) {
             shadow_.clear();
             RTCRay ray;
             for (const RTCRayHit& hit : primary_) {
@@ -214,13 +214,13 @@ class BareRow {
     }
 
     RTCScene scene_;
-    const LightRig* rig_;
+    const LightSet* rig_;
     bool streams_;
     std::vector<RTCRayHit> primary_;
     std::vector<RTCRay> shadow_;
 };
 
-std::uint64_t traceBare(const BareScene& scene, const LightRig& rig, std::size_t threads,
+std::uint64_t traceBare(const BareScene& scene, const LightSet& rig, std::size_t threads,
                         bool streams) {
     const View view(benchCamera(), kWidth, kHeight, kSamples);
     const auto pattern = samplePattern(kSamples);
@@ -300,7 +300,7 @@ struct Bench {
     const char* module;
     std::size_t threads;
     Scene scene = benchScene();
-    LightRig rig = benchLights();
+    LightSet rig = benchLights();
     BareScene bare;         ///< with the fastest kernels that the processor has
     BareScene bareUnfused;  ///< with those that pictures are made with
     Renderer renderer;

@@ -360,7 +360,7 @@ void render(const RenderRequest& request, Report& report) {
     const std::unique_ptr<FilmScene> scene = openScene(request, report);
     scene->settle(request.camera, static_cast<double>(area.width) / area.height);
     report.note(1, fmt::format("camera \"{}\"", scene->camera().name));
-    const LightRig lights = scene->lights(request.lighting);
+    const LightSet lights = scene->lights(request.lighting);
     const Shading shading = settleShading(scene->scene(), request, report);
     FilmRenderer renderer(*scene, shading, request, area);
     const Job job{request,  files, format, notesOf(request, area, format, *scene, shading),

@@ -11,7 +11,7 @@
 #include "studio/render/picture_file.h"
 #include "studio/render/picture_tiles.h"
 #include "studio/render/pixel_filter.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/scene/read_options.h"
 #include "studio/setup/report.h"
 #include "studio/setup/shading_request.h"

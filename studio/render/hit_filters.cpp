@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "studio/render/ray_context.h"
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -115,11 +115,11 @@ Spot spotOf(const HitAtFilter& at) {
 /// `wide` tells how wide the ray is, by spotAt().
 template <class Width>
 double alphaOfHit(const HitAtFilter& at, const Spot& spot, const Width& wide) {
-    TexturePlace place;
+    MeshPoint place;
     place.mesh = at.source().mesh;
     place.triangle = at.triangle();
     std::copy_n(spot.weights, 3, place.weights);
-    place.spotSize = wide.spotAt(spot.distance);
+    place.footprint = wide.spotAt(spot.distance);
     const std::array<Imath::V3f, 3> corners = cornersOf(at.geometry(), at.triangle());
     place.worldArea =
         triangleArea(Imath::V3d(corners[0]), Imath::V3d(corners[1]), Imath::V3d(corners[2]));
@@ -229,7 +229,7 @@ bool stopsLight(const HitAtFilter& at) {
     if (alpha >= 1) return true;
     // Each of the two triangles at an edge takes half.
     const double share = isOnEdge(spot) ? 0.5 : 1.0;
-    progress.darkening += std::llround(-portable::log2(1 - alpha) * share * kLogUnit);
+    progress.darkening += std::llround(-deterministic::log2(1 - alpha) * share * kLogUnit);
     return progress.darkening > kDarkest;
 }
 
@@ -259,7 +259,7 @@ const RTCFilterFunctionN kNoShadowFilter = filter<neverStopsLight>;
 const RTCFilterFunctionN kLimitFilter = filter<isWithinLimits>;
 
 double lightLeft(std::int64_t darkening) {
-    return darkening == 0 ? 1 : portable::exp2(-static_cast<double>(darkening) / kLogUnit);
+    return darkening == 0 ? 1 : deterministic::exp2(-static_cast<double>(darkening) / kLogUnit);
 }
 
 }  // namespace tavora::studio

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "studio/scene/lighting/soft_light.h"
+#include "studio/scene/lighting/area_light.h"
 
 namespace tavora::studio {
 namespace {
@@ -25,7 +25,7 @@ constexpr std::uint32_t kPart = 3;
 constexpr std::size_t kPointBits = 7;
 constexpr std::size_t kFractionBits = 16;
 constexpr std::size_t kWordBits = 32;
-static_assert(kSoftPoints < 1U << kPointBits && kKindBits + 2 * kPointBits <= kFractionBits);
+static_assert(kAreaPoints < 1U << kPointBits && kKindBits + 2 * kPointBits <= kFractionBits);
 
 std::size_t bitsALight(const KeptLights& lights) {
     return lights.haveSizes ? kFractionBits : kKindBits;
@@ -37,7 +37,7 @@ std::size_t wordsFor(const KeptLights& lights) {
 
 /// The fewest points whose mean is `share` to the bit; 0 of 0 when there are none.
 std::uint32_t fractionOf(double share) {
-    for (std::uint32_t points = 1; points <= kSoftPoints; ++points) {
+    for (std::uint32_t points = 1; points <= kAreaPoints; ++points) {
         const double reached = std::round(share * points);
         if (reached / points == share)
             return static_cast<std::uint32_t>(reached) | points << kPointBits;

@@ -4,10 +4,11 @@
 #include <cmath>
 
 #include "studio/render/rounding_margin.h"
+#include "studio/scene/lighting/light_sample.h"
 
 namespace tavora::studio {
 
-LightArrivals::LightArrivals(const RayScene& scene, const LightRig& lights)
+LightArrivals::LightArrivals(const RayScene& scene, const LightSet& lights)
     : scene_(&scene),
       lights_(&lights),
       slots_(lights.lights.size()),
@@ -56,14 +57,16 @@ LightsMet LightArrivals::met() const {
 
 LightArrival LightArrivals::elsewhere(std::size_t light, const Imath::V3d& position) {
     LightArrival arrival;
-    const double distance =
-        arrivingLight(*lights_, lights_->lights[light], position, arrival.direction, arrival.color);
-    if (!(distance >= 0)) return arrival;
+    const auto sample = sampleLight(*lights_, lights_->lights[light], position);
+    if (!sample) return arrival;
+    arrival.direction = sample->direction;
+    arrival.color = sample->color;
+    const double distance = sample->distance;
     Ray base;
     base.origin = position;
     base.nearest = 4 * roundingMargin(magnitudeOf(position));
     ShadowRays rays;
-    const LitLight& lit = lights_->lights[light];
+    const ResolvedLight& lit = lights_->lights[light];
     const bool blockable = canBeShadowed(lit, *point_) &&
                            rays.aim(base, lit, {position, arrival.direction, distance, nullptr});
     const double share = blockable ? passing(rays) : 1;
@@ -84,8 +87,11 @@ void LightArrivals::meetAnew(std::size_t light) {
         return;
     }
     const Imath::V3d position = point_ != nullptr ? point_->position : Imath::V3d(0);
-    slot.distance = arrivingLight(*lights_, lights_->lights[light], position, slot.whole.direction,
-                                  slot.whole.color);
+    const auto sample = sampleLight(*lights_, lights_->lights[light], position);
+    slot.distance = sample ? sample->distance : -1;
+    if (!sample) return;
+    slot.whole.direction = sample->direction;
+    slot.whole.color = sample->color;
 }
 
 /// What is kept of it, or what is traced and then kept.
@@ -104,7 +110,7 @@ KeptShare LightArrivals::kept(std::size_t light) const {
 double LightArrivals::traceShare(std::size_t light) {
     const Slot& slot = meet(light);
     if (!(slot.distance >= 0) || isBehind(*point_, slot.whole.direction)) return 0;
-    const LitLight& lit = lights_->lights[light];
+    const ResolvedLight& lit = lights_->lights[light];
     ShadowRays rays;
     const bool blockable =
         canBeShadowed(lit, *point_) &&

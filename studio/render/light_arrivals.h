@@ -12,7 +12,7 @@
 #include "studio/render/ray_scene.h"
 #include "studio/render/shadow_rays.h"
 #include "studio/render/surface_point.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {
 
@@ -47,7 +47,7 @@ struct KnownLights {
 class LightArrivals {
   public:
     /// Both must outlive it.
-    LightArrivals(const RayScene& scene, const LightRig& lights);
+    LightArrivals(const RayScene& scene, const LightSet& lights);
 
     /// Forgets the sample before. at() sets the entry in `asked` of each light it is
     /// asked for. What is given must outlive the sample.
@@ -73,7 +73,7 @@ class LightArrivals {
     /// not, or where the light is dark anyway. Traces nothing.
     double cosine(std::size_t light);
 
-    /// The light at a place of LightRig::lights.
+    /// The light at a place of LightSet::lights.
     const LightArrival& at(std::size_t light) {
         const LightArrival* arrival = atOnce(light);
         return arrival != nullptr ? *arrival : workedOut(light);
@@ -131,7 +131,7 @@ class LightArrivals {
     double passing(ShadowRays& rays);
 
     const RayScene* scene_;
-    const LightRig* lights_;
+    const LightSet* lights_;
     std::vector<Slot> slots_;
     const SurfacePoint* point_ = nullptr;
     std::uint8_t* asked_ = nullptr;   ///< by light

@@ -71,7 +71,7 @@ class LiveLane {
     bool speaks_;
     LaneShaders shaders_;
     std::vector<std::shared_ptr<const StateBlock>> worn_;  ///< by surface
-    std::shared_ptr<const LightRig> lights_;
+    std::shared_ptr<const LightSet> lights_;
     std::uint64_t poseRevision_ = 0;
     std::optional<SampleShader> shader_;
     ColorDecoder decoder_;

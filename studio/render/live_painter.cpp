@@ -32,8 +32,8 @@ std::size_t laneCount(const LiveOptions& options) {
     return std::max<std::size_t>(wanted, 1);
 }
 
-KeptLights lightsToKeep(const LightRig& rig) {
-    const auto hasSize = [](const LitLight& light) { return !light.points.empty(); };
+KeptLights lightsToKeep(const LightSet& rig) {
+    const auto hasSize = [](const ResolvedLight& light) { return !light.points.empty(); };
     return {rig.lights.size(), std::any_of(rig.lights.begin(), rig.lights.end(), hasSize)};
 }
 

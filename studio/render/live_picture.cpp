@@ -271,7 +271,7 @@ std::uint64_t LivePicture::setView(const Camera& camera, int width, int height) 
     });
 }
 
-std::uint64_t LivePicture::setLights(std::shared_ptr<const LightRig> lights) {
+std::uint64_t LivePicture::setLights(std::shared_ptr<const LightSet> lights) {
     return parts_->post(false, [&](LiveWish& wish) { wish.lights = std::move(lights); });
 }
 

@@ -9,7 +9,7 @@
 
 #include "studio/render/pick.h"
 #include "studio/render/renderer.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
@@ -63,7 +63,7 @@ class LivePicture {
     /// grows by one with each change. Nothing is rendered before all three are set.
     /// A width or height below 1 counts as 1: windows may be folded away.
     std::uint64_t setView(const Camera& camera, int width, int height);
-    std::uint64_t setLights(std::shared_ptr<const LightRig> lights);
+    std::uint64_t setLights(std::shared_ptr<const LightSet> lights);
     /// One entry a surface of the scene, else throws std::invalid_argument.
     std::uint64_t setShading(const SurfaceShaders& shading);
     /// One of them, by place in Scene::surfaces. Throws std::out_of_range for one

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "studio/render/renderer.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
@@ -23,7 +23,7 @@ struct LiveWish {
     std::uint64_t viewRevision = 0;  ///< of the change that set camera and size last
     FrameTime time;
     std::uint64_t poseRevision = 0;  ///< of the change that posed the scene last
-    std::shared_ptr<const LightRig> lights;
+    std::shared_ptr<const LightSet> lights;
     /// By surface; set when `hasShading`. Null: plain.
     std::vector<std::shared_ptr<const StateBlock>> shading;
     bool hasShading = false;

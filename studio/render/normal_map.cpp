@@ -57,7 +57,7 @@ Frame frameAt(const SurfacePoint& point) {
 
 void bendNormal(const SceneIndex& scene, SurfacePoint& point) {
     const Surface& surface = *point.source().surface;
-    const Imath::V4d texel = lookUpTexture(scene, *surface.normalTexture, point.texturePlace());
+    const Imath::V4d texel = lookUpTexture(scene, *surface.normalTexture, point.meshPoint());
     const V3d mapped = mappedVector(surface, texel);
     const Frame frame = frameAt(point);
     const V3d bitangent = frame.normal.cross(frame.tangent) * frame.handedness;

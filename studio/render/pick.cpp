@@ -14,7 +14,7 @@ std::optional<Picked> pick(const RayScene& scene, const Camera& camera, int widt
         SurfacePoint point;
         setSurfacePoint(facet, ray, point);
         const int surface = point.surfaceIndex();
-        const OwnColor own = ownColor(scene.index(), scene.traits(surface), point.texturePlace());
+        const OwnColor own = ownColor(scene.index(), scene.traits(surface), point.meshPoint());
         if (own.alpha > 0) return Picked{static_cast<std::size_t>(surface), point.position};
     }
     return std::nullopt;

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -14,9 +14,9 @@ constexpr double kBellRadius = 1.5;  // pixels
 /// integral of the Blackman-Harris window. The coefficients are its own.
 double bellUpTo(double x) {
     const double turn = 2 * std::numbers::pi;
-    const double sum = 0.35875 * x - 0.48829 / turn * portable::sin(turn * x) +
-                       0.14128 / (2 * turn) * portable::sin(2 * turn * x) -
-                       0.01168 / (3 * turn) * portable::sin(3 * turn * x);
+    const double sum = 0.35875 * x - 0.48829 / turn * deterministic::sin(turn * x) +
+                       0.14128 / (2 * turn) * deterministic::sin(2 * turn * x) -
+                       0.01168 / (3 * turn) * deterministic::sin(3 * turn * x);
     return sum / 0.35875;
 }
 

@@ -23,7 +23,7 @@ namespace tavora::studio {
 /// What all lanes of one render read.
 struct RenderJob {
     const RayScene& scene;
-    const LightRig& lights;
+    const LightSet& lights;
     const SurfaceShaders& shading;
     const std::filesystem::path& module;
     const RenderOptions& options;

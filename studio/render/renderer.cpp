@@ -266,7 +266,7 @@ void Renderer::update() {
 
 Renderer::~Renderer() = default;
 
-Picture Renderer::render(const Camera& camera, const LightRig& lights,
+Picture Renderer::render(const Camera& camera, const LightSet& lights,
                          const SurfaceShaders& shading, const std::filesystem::path& module,
                          const RenderOptions& options, const RenderWatch& watch,
                          RenderStats* stats) {

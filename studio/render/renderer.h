@@ -14,7 +14,7 @@
 #include "studio/render/picture.h"
 #include "studio/render/pixel_filter.h"
 #include "studio/render/scene_use.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
@@ -96,7 +96,7 @@ class Renderer {
     /// when none shades. One module copy is loaded per thread.
     /// Throws Error, Fault::Module when the module cannot be used, RenderStopped, and
     /// std::invalid_argument for a picture without pixels or samples.
-    Picture render(const Camera& camera, const LightRig& lights, const SurfaceShaders& shading,
+    Picture render(const Camera& camera, const LightSet& lights, const SurfaceShaders& shading,
                    const std::filesystem::path& module, const RenderOptions& options,
                    const RenderWatch& watch, RenderStats* stats);
 

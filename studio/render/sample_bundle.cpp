@@ -2,13 +2,15 @@
 
 #include <algorithm>
 
+#include "studio/scene/lighting/light_sample.h"
+
 namespace tavora::studio {
 namespace {
 
 constexpr std::size_t kRoom = 512;
 
-bool havePlaces(const LightRig& rig) {
-    return std::any_of(rig.lights.begin(), rig.lights.end(), [](const LitLight& lit) {
+bool havePlaces(const LightSet& rig) {
+    return std::any_of(rig.lights.begin(), rig.lights.end(), [](const ResolvedLight& lit) {
         return lit.light->kind != LightKind::Directional;
     });
 }
@@ -18,7 +20,7 @@ constexpr std::size_t kLookBack = 10;
 
 }  // namespace
 
-SampleBundle::SampleBundle(const RayScene& scene, const LightRig& lights)
+SampleBundle::SampleBundle(const RayScene& scene, const LightSet& lights)
     : scene_(&scene),
       rig_(&lights),
       lights_(lights.lights.size()),
@@ -44,7 +46,7 @@ void SampleBundle::trace(std::span<const Ray> rays, std::span<const KnownShadows
     std::fill_n(shares_.begin(), rays.size() * lights_, -1.0);
     if (!ways_.empty()) std::fill_n(ways_.begin(), rays.size() * lights_, LightWay{});
     for (std::size_t light = 0; light < lights_; ++light) {
-        const LitLight& lit = rig_->lights[light];
+        const ResolvedLight& lit = rig_->lights[light];
         if (!lit.points.empty()) {
             goToPoints(light);
         } else if (lit.light->kind == LightKind::Directional) {
@@ -152,8 +154,9 @@ bool SampleBundle::isToSettle(const Station& station, std::size_t light, LitPlac
 bool SampleBundle::isReached(const Station& station, std::size_t light, LitPlace& place) {
     LightWay way;
     place.position = station.point->position;
-    way.distance =
-        arrivingLight(*rig_, rig_->lights[light], place.position, way.direction, way.color);
+    const auto sample = sampleLight(*rig_, rig_->lights[light], place.position);
+    way.distance = -1;
+    if (sample) way = {sample->distance, sample->direction, sample->color};
     if (!ways_.empty()) ways_[station.viewing * lights_ + light] = way;
     place.distance = way.distance;
     place.direction = way.direction;
@@ -171,7 +174,7 @@ void SampleBundle::settle(std::size_t light, std::span<const double> passed) {
 
 void SampleBundle::goToPoints(std::size_t light) {
     softWays_.clear();
-    const LitLight& lit = rig_->lights[light];
+    const ResolvedLight& lit = rig_->lights[light];
     SoftWay way;
     LitPlace place;
     for (const Station& station : stations_) {

@@ -12,7 +12,7 @@
 #include "studio/render/shadow_rays.h"
 #include "studio/render/shadow_stream.h"
 #include "studio/render/viewing_stream.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {
 
@@ -21,7 +21,7 @@ namespace tavora::studio {
 class SampleBundle {
   public:
     /// Both must outlive it.
-    SampleBundle(const RayScene& scene, const LightRig& lights);
+    SampleBundle(const RayScene& scene, const LightSet& lights);
 
     /// How many rays fit: enough to share their way, few enough that what they
     /// meet stays in the processor's cache.
@@ -82,7 +82,7 @@ class SampleBundle {
     }
 
     const RayScene* scene_;
-    const LightRig* rig_;
+    const LightSet* rig_;
     std::size_t lights_;
     ViewingStream viewing_;
     ShadowStream shadows_;

@@ -63,7 +63,7 @@ bool isSameDirection(const Imath::V3d& a, const Imath::V3d& b) {
 
 /// One sample at work, and what is kept at hand for its callbacks.
 struct SampleShader::Level {
-    Level(const RayScene& scene, const LightRig& rig) : lights(scene, rig) {}
+    Level(const RayScene& scene, const LightSet& rig) : lights(scene, rig) {}
 
     const Ray* ray = nullptr;                  ///< that is followed
     Ray traced;                                ///< that a shader sent, if so
@@ -82,7 +82,7 @@ struct SampleShader::Level {
 namespace {
 
 OwnColor ownColorAt(const RayScene& scene, const SurfacePoint& point) {
-    return ownColor(scene.index(), scene.traits(point.surfaceIndex()), point.texturePlace());
+    return ownColor(scene.index(), scene.traits(point.surfaceIndex()), point.meshPoint());
 }
 
 }  // namespace
@@ -95,7 +95,7 @@ bool meet(const RayScene& scene, const Facet& facet, const Ray& ray, MetSurface&
     return true;
 }
 
-SampleShader::SampleShader(const RayScene& scene, const LightRig& lights,
+SampleShader::SampleShader(const RayScene& scene, const LightSet& lights,
                            const LaneShaders& shaders)
     : scene_(&scene),
       lights_(&lights),

@@ -17,7 +17,7 @@
 #include "studio/render/surface_point.h"
 #include "studio/render/surface_set.h"
 #include "studio/render/surface_traits.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {
 
@@ -48,7 +48,7 @@ inline constexpr std::size_t kDeepestTrace = 8;
 class SampleShader {
   public:
     /// All must outlive it.
-    SampleShader(const RayScene& scene, const LightRig& lights, const LaneShaders& shaders);
+    SampleShader(const RayScene& scene, const LightSet& lights, const LaneShaders& shaders);
     ~SampleShader();
     SampleShader(const SampleShader&) = delete;
     SampleShader& operator=(const SampleShader&) = delete;
@@ -118,7 +118,7 @@ class SampleShader {
     double traceAnew(const Level& outer, const Viewpoint& from, HostSample& hit);
 
     const RayScene* scene_;
-    const LightRig* lights_;
+    const LightSet* lights_;
     const LaneShaders* shaders_;
     std::vector<std::unique_ptr<Level>> levels_;  ///< the camera's sample, then nested ones
     std::size_t depth_ = 0;                       ///< of the sample being shaded

@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -11,13 +11,13 @@ namespace {
 double glossy(const LightArrival& arrival, const Imath::V3d& normal, const Imath::V3d& toViewer,
               unsigned exponent) {
     const Imath::V3d half = (toViewer - arrival.direction).normalized();
-    return portable::power(std::max(half.dot(normal), 0.0), exponent);
+    return deterministic::power(std::max(half.dot(normal), 0.0), exponent);
 }
 
 }  // namespace
 
 Imath::V3d shownInLight(const SampleValues& values, unsigned exponent, const SurfacePoint& point,
-                        const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights) {
+                        const Imath::V3d& toViewer, const LightSet& rig, LightArrivals& lights) {
     Imath::V3d scattered = rig.ambient;
     Imath::V3d reflected(0);
     for (std::size_t i = 0; i < rig.lights.size(); ++i) {

@@ -5,7 +5,7 @@
 #include "studio/render/light_arrivals.h"
 #include "studio/render/sample_record.h"
 #include "studio/render/surface_point.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {
 
@@ -14,7 +14,7 @@ namespace tavora::studio {
 /// of the lights (Blinn, "Models of light reflection", 1977, with the cosine
 /// lobe `exponent`). `toViewer` is a unit vector.
 Imath::V3d shownInLight(const SampleValues& values, unsigned exponent, const SurfacePoint& point,
-                        const Imath::V3d& toViewer, const LightRig& rig, LightArrivals& lights);
+                        const Imath::V3d& toViewer, const LightSet& rig, LightArrivals& lights);
 
 /// Whether it takes no light to tell: most shaded samples show their colour as it is.
 inline bool showsAsItIs(const SampleValues& values) {

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <limits>
 
-#include "studio/scene/lighting/soft_light.h"
+#include "studio/scene/lighting/area_light.h"
 
 namespace tavora::studio {
 namespace {
@@ -44,7 +44,7 @@ bool turnToMiddle(const LitPlace& place, Ray& ray) {
     return true;
 }
 
-bool ShadowRays::aim(const Ray& base, const LitLight& light, const LitPlace& place) {
+bool ShadowRays::aim(const Ray& base, const ResolvedLight& light, const LitPlace& place) {
     middle_ = base;
     light_ = &light;
     facing_ = place.facing;
@@ -64,7 +64,7 @@ bool ShadowRays::next(Ray& ray) {
 }
 
 bool ShadowRays::isKnown() const {
-    return count_ >= kSoftProbes && (sum_ == 0 || sum_ == static_cast<double>(count_));
+    return count_ >= kAreaProbes && (sum_ == 0 || sum_ == static_cast<double>(count_));
 }
 
 /// False for a point that the lit side does not face.

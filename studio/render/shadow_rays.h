@@ -5,7 +5,7 @@
 
 #include "studio/render/ray_scene.h"
 #include "studio/render/surface_point.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {
 
@@ -19,7 +19,7 @@ struct LitPlace {
 
 /// Whether anything can keep the light off a place on the surface, so that shadow rays
 /// have to tell.
-inline bool canBeShadowed(const LitLight& light, const SurfacePoint& point) {
+inline bool canBeShadowed(const ResolvedLight& light, const SurfacePoint& point) {
     return light.castsShadow && point.source().surface->receivesShadows;
 }
 
@@ -49,7 +49,7 @@ class ShadowRays {
     /// `base` says where rays start, how near, how wide, and what they pass.
     /// `light` and what `place` points to must outlive its use. False where the
     /// light is too near for anything to be between.
-    bool aim(const Ray& base, const LitLight& light, const LitPlace& place);
+    bool aim(const Ray& base, const ResolvedLight& light, const LitPlace& place);
 
     /// The next ray to trace; false when the share is known.
     bool next(Ray& ray);
@@ -67,7 +67,7 @@ class ShadowRays {
     bool aimAt(const Imath::V3d& point, Ray& ray) const;
 
     Ray middle_;  ///< to the light's middle
-    const LitLight* light_ = nullptr;
+    const ResolvedLight* light_ = nullptr;
     const Imath::V3d* facing_ = nullptr;
     std::size_t nextPoint_ = 0;
     std::size_t count_ = 0;

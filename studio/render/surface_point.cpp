@@ -28,12 +28,12 @@ Imath::V3d blend(const std::array<Imath::V3d, 3>& corners, const double weights[
 
 }  // namespace
 
-TexturePlace SurfacePoint::texturePlace() const {
-    TexturePlace place;
+MeshPoint SurfacePoint::meshPoint() const {
+    MeshPoint place;
     place.mesh = source().mesh;
     place.triangle = facet->key.triangle;
     std::copy_n(weights, 3, place.weights);
-    place.spotSize = spotSize;
+    place.footprint = spotSize;
     place.worldArea = facet->area;
     return place;
 }

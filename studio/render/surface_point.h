@@ -23,7 +23,7 @@ struct SurfacePoint {
 
     const SceneMesh& source() const { return facet->source(); }
     int surfaceIndex() const { return facet->surface; }
-    TexturePlace texturePlace() const;
+    MeshPoint meshPoint() const;
 };
 
 /// Sets `point` to where `ray`, which is known to hit it and starts at its eye,

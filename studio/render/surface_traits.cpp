@@ -48,7 +48,7 @@ unsigned lobeExponent(double roughness) {
     return static_cast<unsigned>(std::lround(std::max(2 / (alpha * alpha) - 2, 1.0)));
 }
 
-Imath::V4d vertexColor(const TexturePlace& place) {
+Imath::V4d vertexColor(const MeshPoint& place) {
     if (place.mesh->colors.empty()) return {1, 1, 1, 1};
     const auto& triangle = place.mesh->triangles[place.triangle];
     Imath::V4d color(0, 0, 0, 0);
@@ -59,8 +59,7 @@ Imath::V4d vertexColor(const TexturePlace& place) {
 
 /// Texture, factor and vertex colour multiply as light; a product by white
 /// stays what it is to the bit.
-Imath::V3d baseColor(const SceneIndex& scene, const SurfaceTraits& traits,
-                     const TexturePlace& place) {
+Imath::V3d baseColor(const SceneIndex& scene, const SurfaceTraits& traits, const MeshPoint& place) {
     const Surface& surface = *traits.surface;
     const bool tinted = !place.mesh->colors.empty();
     if (!surface.baseColorTexture && !tinted) return traits.color;
@@ -81,7 +80,7 @@ Imath::V3d baseColor(const SceneIndex& scene, const SurfaceTraits& traits,
 }
 
 /// Display-referred.
-Imath::V3d emission(const SceneIndex& scene, const Surface& surface, const TexturePlace& place) {
+Imath::V3d emission(const SceneIndex& scene, const Surface& surface, const MeshPoint& place) {
     Imath::V3d light(surface.emissive);
     if (surface.emissiveTexture) {
         const Imath::V4d texel = lookUpTexture(scene, *surface.emissiveTexture, place);
@@ -100,7 +99,7 @@ void addGlow(OwnColor& own, const Imath::V3d& glow) {
 
 OwnColor evenColor(const SurfaceTraits& traits, const SceneIndex& scene) {
     const Mesh withoutColors;
-    TexturePlace place;
+    MeshPoint place;
     place.mesh = &withoutColors;
     return ownColor(scene, traits, place);
 }
@@ -132,7 +131,7 @@ bool isCurrent(const SurfaceTraits& traits) {
            traits.roughness == surface.roughness;
 }
 
-double alphaAt(const SceneIndex& scene, const Surface& surface, const TexturePlace& place) {
+double alphaAt(const SceneIndex& scene, const Surface& surface, const MeshPoint& place) {
     double alpha = static_cast<double>(surface.baseColor.w) * vertexColor(place).w;
     if (surface.baseColorTexture) {
         alpha *= lookUpTexture(scene, *surface.baseColorTexture, place).w;
@@ -140,7 +139,7 @@ double alphaAt(const SceneIndex& scene, const Surface& surface, const TexturePla
     return std::clamp(alpha, 0.0, 1.0);
 }
 
-OwnColor ownColor(const SceneIndex& scene, const SurfaceTraits& traits, const TexturePlace& place) {
+OwnColor ownColor(const SceneIndex& scene, const SurfaceTraits& traits, const MeshPoint& place) {
     OwnColor own;
     own.color = baseColor(scene, traits, place);
     if (traits.glows) addGlow(own, emission(scene, *traits.surface, place));

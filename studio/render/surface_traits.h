@@ -45,10 +45,10 @@ SurfaceTraits traitsOf(const Surface& surface, const SceneIndex& scene);
 bool isCurrent(const SurfaceTraits& traits);
 
 /// Opacity of a surface at a place, before its alpha mode: 0..1.
-double alphaAt(const SceneIndex& scene, const Surface& surface, const TexturePlace& place);
+double alphaAt(const SceneIndex& scene, const Surface& surface, const MeshPoint& place);
 
 /// Emission makes the own colour luminous: by its strongest channel, and moves
 /// the colour towards its hue by that share.
-OwnColor ownColor(const SceneIndex& scene, const SurfaceTraits& traits, const TexturePlace& place);
+OwnColor ownColor(const SceneIndex& scene, const SurfaceTraits& traits, const MeshPoint& place);
 
 }  // namespace tavora::studio

@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -19,7 +19,7 @@ View::View(const Camera& camera, int width, int height, int samples)
       forward_(-axis(camera, 2)),
       orthographic_(camera.orthographic) {
     const double halfHeight =
-        camera.orthographic ? camera.halfHeight : portable::tan(camera.verticalFov / 2);
+        camera.orthographic ? camera.halfHeight : deterministic::tan(camera.verticalFov / 2);
     const double pixel = 2 * halfHeight / height;
     right_ = axis(camera, 0) * pixel;
     down_ = -axis(camera, 1) * pixel;

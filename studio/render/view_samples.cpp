@@ -4,7 +4,7 @@
 
 namespace tavora::studio {
 
-ViewSampler::ViewSampler(const RayScene& scene, const LightRig& lights, const LaneShaders& shaders,
+ViewSampler::ViewSampler(const RayScene& scene, const LightSet& lights, const LaneShaders& shaders,
                          const View& view)
     : view_(&view),
       shader_(scene, lights, shaders),

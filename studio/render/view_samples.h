@@ -12,7 +12,7 @@
 #include "studio/render/sample_shader.h"
 #include "studio/render/sight.h"
 #include "studio/render/view.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {
 
@@ -27,7 +27,7 @@ struct ViewPlace {
 class ViewSampler {
   public:
     /// All must outlive it.
-    ViewSampler(const RayScene& scene, const LightRig& lights, const LaneShaders& shaders,
+    ViewSampler(const RayScene& scene, const LightSet& lights, const LaneShaders& shaders,
                 const View& view);
 
     /// `samples[i]` becomes what shows at `places[i]`, with the lights met there if

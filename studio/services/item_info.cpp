@@ -44,7 +44,7 @@ HostItemId next(HostItemId item) {
     const ServiceBinding* binding = ServiceBinding::current();
     if (binding == nullptr) return nullptr;
     // Lights come first: shaders walk them in every sample.
-    const std::vector<LitLight>& lights = binding->lights().lights;
+    const std::vector<ResolvedLight>& lights = binding->lights().lights;
     const std::ptrdiff_t light = lightIndex(binding->lights(), item);
     if (light >= 0) {
         const auto after = static_cast<std::size_t>(light) + 1;

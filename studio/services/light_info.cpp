@@ -12,7 +12,7 @@ void fill(const Imath::V3d& from, double to[3]) {
     to[2] = from.z;
 }
 
-const LitLight* find(HostItemId light) {
+const ResolvedLight* find(HostItemId light) {
     const ServiceBinding* binding = ServiceBinding::current();
     if (binding == nullptr) return nullptr;
     const std::ptrdiff_t index = lightIndex(binding->lights(), light);
@@ -30,7 +30,7 @@ void ambient(double /*seconds*/, double color[3]) {
 }
 
 int flags(HostItemId light) {
-    const LitLight* lit = find(light);
+    const ResolvedLight* lit = find(light);
     if (lit == nullptr) return 0;
     int bits = 0;
     const bool limited = lit->light->range < std::numeric_limits<float>::infinity();
@@ -40,7 +40,7 @@ int flags(HostItemId light) {
 }
 
 void color(HostItemId light, double /*seconds*/, double result[3]) {
-    const LitLight* lit = find(light);
+    const ResolvedLight* lit = find(light);
     fill(lit == nullptr ? Imath::V3d(0) : lit->color, result);
 }
 

@@ -9,7 +9,7 @@ struct UvCorners {
     Imath::V2d uv[3];
 };
 
-UvCorners cornersOf(const TextureUse& use, const TexturePlace& place) {
+UvCorners cornersOf(const TextureUse& use, const MeshPoint& place) {
     UvCorners corners;
     const auto set = static_cast<std::size_t>(use.uvSet);
     if (set >= place.mesh->uvs.size() || place.mesh->uvs[set].empty()) return corners;
@@ -21,13 +21,13 @@ UvCorners cornersOf(const TextureUse& use, const TexturePlace& place) {
 
 /// Width in transformed UV units of a spot on the surface: by the square root
 /// of the triangle's areas in UV and in the world.
-double uvFootprint(const TextureUse& use, const TexturePlace& place, const UvCorners& corners) {
+double uvFootprint(const TextureUse& use, const MeshPoint& place, const UvCorners& corners) {
     if (!(place.worldArea > 0)) return 0;
     const Imath::V2d a = corners.uv[1] - corners.uv[0];
     const Imath::V2d b = corners.uv[2] - corners.uv[0];
     const double scale = std::abs(static_cast<double>(use.scale.x * use.scale.y));
     const double uvArea = 0.5 * std::abs(a.x * b.y - a.y * b.x) * scale;
-    return place.spotSize * std::sqrt(uvArea / place.worldArea);
+    return place.footprint * std::sqrt(uvArea / place.worldArea);
 }
 
 }  // namespace
@@ -36,8 +36,7 @@ double triangleArea(const Imath::V3d& a, const Imath::V3d& b, const Imath::V3d& 
     return 0.5 * (b - a).cross(c - a).length();
 }
 
-Imath::V4d lookUpTexture(const SceneIndex& scene, const TextureUse& use,
-                         const TexturePlace& place) {
+Imath::V4d lookUpTexture(const SceneIndex& scene, const TextureUse& use, const MeshPoint& place) {
     const TexturePyramid* pyramid = scene.pyramid(use);
     if (pyramid == nullptr) return Imath::V4d(1, 1, 1, 1);
     const UvCorners corners = cornersOf(use, place);

@@ -2,7 +2,7 @@
 
 namespace tavora::studio {
 
-ServiceBinding::ServiceBinding(const SceneIndex& scene, const LightRig& lights)
+ServiceBinding::ServiceBinding(const SceneIndex& scene, const LightSet& lights)
     : scene_(&scene), lights_(&lights), before_(bound) {
     bound = this;
 }

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/services/scene_index.h"
 
 namespace tavora::studio {
@@ -9,7 +9,7 @@ namespace tavora::studio {
 /// lights; the binding before it returns when it goes. Both must outlive it.
 class ServiceBinding {
   public:
-    ServiceBinding(const SceneIndex& scene, const LightRig& lights);
+    ServiceBinding(const SceneIndex& scene, const LightSet& lights);
     ~ServiceBinding();
     ServiceBinding(const ServiceBinding&) = delete;
     ServiceBinding& operator=(const ServiceBinding&) = delete;
@@ -18,27 +18,27 @@ class ServiceBinding {
     static const ServiceBinding* current() { return bound; }
 
     const SceneIndex& scene() const { return *scene_; }
-    const LightRig& lights() const { return *lights_; }
+    const LightSet& lights() const { return *lights_; }
 
   private:
     inline static thread_local const ServiceBinding* bound = nullptr;
 
     const SceneIndex* scene_;
-    const LightRig* lights_;
+    const LightSet* lights_;
     const ServiceBinding* before_;
 };
 
 /// Identity of a light: the address of its entry in the rig.
-inline HostItemId itemId(const LitLight& light) {
-    return reinterpret_cast<HostItemId>(const_cast<LitLight*>(&light));
+inline HostItemId itemId(const ResolvedLight& light) {
+    return reinterpret_cast<HostItemId>(const_cast<ResolvedLight*>(&light));
 }
 
 /// Where in `lights.lights` the light stands, or -1 when it is none of them.
-inline std::ptrdiff_t lightIndex(const LightRig& lights, HostItemId id) {
+inline std::ptrdiff_t lightIndex(const LightSet& lights, HostItemId id) {
     const auto first = reinterpret_cast<std::uintptr_t>(lights.lights.data());
     const auto offset = reinterpret_cast<std::uintptr_t>(id) - first;  // wraps for others
-    if (id == nullptr || offset % sizeof(LitLight) != 0) return -1;
-    const std::uintptr_t index = offset / sizeof(LitLight);
+    if (id == nullptr || offset % sizeof(ResolvedLight) != 0) return -1;
+    const std::uintptr_t index = offset / sizeof(ResolvedLight);
     return index < lights.lights.size() ? static_cast<std::ptrdiff_t>(index) : -1;
 }
 

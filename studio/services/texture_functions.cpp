@@ -40,12 +40,12 @@ Imath::V3d corner(const HostTexturePoint& point, std::size_t i) {
     return {static_cast<double>(at[0]), static_cast<double>(at[1]), static_cast<double>(at[2])};
 }
 
-TexturePlace placeOf(const SceneTriangle& triangle, const HostTexturePoint& point) {
-    TexturePlace place;
+MeshPoint placeOf(const SceneTriangle& triangle, const HostTexturePoint& point) {
+    MeshPoint place;
     place.mesh = triangle.mesh->mesh;
     place.triangle = triangle.triangle;
     std::copy_n(point.vertexWeights, 3, place.weights);
-    place.spotSize = point.spotSize;
+    place.footprint = point.spotSize;
     place.worldArea = triangleArea(corner(point, 0), corner(point, 1), corner(point, 2));
     return place;
 }

@@ -123,7 +123,7 @@ Camera FilmScene::camera() const {
     return framing_ ? *framing_ : chooseCamera(scene(), cameraChoice_, aspect_);
 }
 
-LightRig FilmScene::lights(const LightingOptions& options) const {
+LightSet FilmScene::lights(const LightingOptions& options) const {
     return lightsFor(scene(), keyView_, options, meter_);
 }
 

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "studio/scene/gltf/reader.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/scene/read_options.h"
 #include "studio/scene/scene.h"
 #include "studio/setup/report.h"
@@ -62,7 +62,7 @@ class FilmScene {
 
     /// As the scene is posed; after settle().
     Camera camera() const;
-    LightRig lights(const LightingOptions& options) const;
+    LightSet lights(const LightingOptions& options) const;
 
   private:
     Camera framingFor(double aspect) const;

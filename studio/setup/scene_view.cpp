@@ -19,14 +19,14 @@ bool isIndex(const std::string& text, std::size_t count, std::size_t& index) {
     return error == std::errc() && stop == end && index < count;
 }
 
-bool isSun(const LitLight& light) {
+bool isSun(const ResolvedLight& light) {
     return light.light->kind == LightKind::Directional;
 }
 
 [[noreturn]] void refuseSize(const char* option, const std::string& wanted, bool suns,
-                             const LightRig& rig) {
+                             const LightSet& rig) {
     std::vector<std::string> fitting;
-    for (const LitLight& light : rig.lights) {
+    for (const ResolvedLight& light : rig.lights) {
         if (isSun(light) == suns) {
             fitting.push_back(light.light->name);
         } else if (matchesName(wanted, light.light->name)) {
@@ -43,10 +43,10 @@ bool isSun(const LitLight& light) {
 
 /// A size without a name is for whatever lights there are.
 void checkSizes(const char* option, const std::vector<LightSize>& sizes, bool suns,
-                const LightRig& rig) {
+                const LightSet& rig) {
     for (const LightSize& size : sizes) {
         const bool fits =
-            std::any_of(rig.lights.begin(), rig.lights.end(), [&](const LitLight& light) {
+            std::any_of(rig.lights.begin(), rig.lights.end(), [&](const ResolvedLight& light) {
                 return isSun(light) == suns && matchesName(size.lights, light.light->name);
             });
         if (!fits && size.lights != "*") refuseSize(option, size.lights, suns, rig);
@@ -68,9 +68,9 @@ void checkNames(const char* option, const std::vector<std::string>& wanted,
 
 }  // namespace
 
-LightRig lightsFor(const Scene& scene, const Camera& keyView, const LightingOptions& options,
+LightSet lightsFor(const Scene& scene, const Camera& keyView, const LightingOptions& options,
                    const LightMeter& meter) {
-    LightRig rig = settleLights(scene, keyView, options, meter);
+    LightSet rig = resolveLights(scene, keyView, options, meter);
     checkSizes("--light-radius", options.radii, false, rig);
     checkSizes("--light-angle", options.angles, true, rig);
     checkNames("--no-shadows", options.withoutShadows, lightNames(scene));

@@ -3,7 +3,7 @@
 #include <string>
 #include <vector>
 
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
@@ -13,9 +13,9 @@ namespace tavora::studio {
 /// near names.
 Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect);
 
-/// settleLights(). Throws Error, Fault::Usage for a size whose name matches no light of
+/// resolveLights(). Throws Error, Fault::Usage for a size whose name matches no light of
 /// its kind, and lists the near names.
-LightRig lightsFor(const Scene& scene, const Camera& keyView, const LightingOptions& options,
+LightSet lightsFor(const Scene& scene, const Camera& keyView, const LightingOptions& options,
                    const LightMeter& meter);
 
 /// Names of the lights of a render of the scene, in order: its own, or that of the

@@ -2,19 +2,19 @@
 
 #include <cmath>
 
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
 
 /// x^2.4
 double toThe12Fifths(double x) {
-    return x * x * portable::fifthRoot(x * x);
+    return x * x * deterministic::fifthRoot(x * x);
 }
 
 /// x^(1/2.4): its fourth root by its sixth.
 double toThe5Twelfths(double x) {
-    return std::sqrt(std::sqrt(x)) * std::sqrt(portable::cubeRoot(x));
+    return std::sqrt(std::sqrt(x)) * std::sqrt(deterministic::cubeRoot(x));
 }
 
 double decode(double v) {

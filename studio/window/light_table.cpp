@@ -56,10 +56,10 @@ LightTable::LightTable(QWidget* parent) : QTreeWidget(parent) {
     setToolTip(tr("The lights of the picture; a level of 1 lights a surface fully"));
 }
 
-void LightTable::show(const LightRig& lights) {
+void LightTable::show(const LightSet& lights) {
     clear();
     addRow(*this, tr("Ambient"), {}, lights.ambient);
-    for (const LitLight& light : lights.lights) {
+    for (const ResolvedLight& light : lights.lights) {
         addRow(*this, QString::fromStdString(light.light->name), kindOf(*light.light), light.color);
     }
 }

@@ -2,7 +2,7 @@
 
 #include <QTreeWidget>
 
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {
 
@@ -12,7 +12,7 @@ class LightTable : public QTreeWidget {
   public:
     explicit LightTable(QWidget* parent);
 
-    void show(const LightRig& lights);
+    void show(const LightSet& lights);
 };
 
 }  // namespace tavora::studio

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "studio/render/renderer.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/window/session.h"
 
 namespace tavora::studio {
@@ -46,7 +46,7 @@ class LookThumbnails : public QObject {
     /// All that the thread needs, as it was when it started.
     struct Order {
         Camera camera;
-        std::shared_ptr<const LightRig> lights;
+        std::shared_ptr<const LightSet> lights;
         RenderOptions options;
         std::vector<Job> jobs;
         bool isPosedAnew = false;

@@ -68,8 +68,8 @@ void drawPanel(const PanelRequest& request, Report& report) {
     const std::size_t surface = chosenSurface(document, request.surface);
     const auto application = startApplication(Display::Offscreen, request.scale, report);
     QApplication::setPalette(paletteOf(request.theme));
-    const LightRig rig =
-        settleLights(document.settings.scene(), chooseCamera(document.settings.scene(), {}, 1), {});
+    const LightSet rig = resolveLights(document.settings.scene(),
+                                       chooseCamera(document.settings.scene(), {}, 1), {});
     const PanelBinding binding(rig);
     const QImage picture = drawOptions(document, document.settings.record(surface), request.tab);
     if (picture.isNull()) {

@@ -6,7 +6,7 @@
 
 namespace tavora::studio {
 
-PanelBinding::PanelBinding(const LightRig& lights) : index_(nothing_), binding_(index_, lights) {}
+PanelBinding::PanelBinding(const LightSet& lights) : index_(nothing_), binding_(index_, lights) {}
 
 void openOptions(const ModuleCopy& module, Shader& record) {
     const HostShaderInterface shown = module.activateInterface(record.instance());

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "studio/link/shader.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/services/scene_index.h"
 #include "studio/services/service_binding.h"
 
@@ -12,7 +12,7 @@ namespace tavora::studio {
 class PanelBinding {
   public:
     /// `lights` must outlive it.
-    explicit PanelBinding(const LightRig& lights);
+    explicit PanelBinding(const LightSet& lights);
 
   private:
     Scene nothing_;

@@ -117,7 +117,7 @@ void PanelSession::showOnce(const std::optional<SurfaceShader>& before) {
     if (!settings.at(surface_)) undo.push(enableStep(settings, surface_, true));
     emit opened(surface_);
     confirmed_ = false;
-    const std::shared_ptr<const LightRig> lights = session_->lights();
+    const std::shared_ptr<const LightSet> lights = session_->lights();
     const PanelBinding binding(*lights);
     Shader& record = settings.record(surface_);
     opening_.emplace();

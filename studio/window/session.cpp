@@ -14,10 +14,10 @@ constexpr double kBackdrop = 3;
 constexpr int kProbes = 5;  // rows and columns of places to look at
 
 /// Whether a list of the lights with their levels says the same of both.
-bool looksAlike(const LightRig& a, const LightRig& b) {
+bool looksAlike(const LightSet& a, const LightSet& b) {
     return a.ambient == b.ambient &&
            std::equal(a.lights.begin(), a.lights.end(), b.lights.begin(), b.lights.end(),
-                      [](const LitLight& one, const LitLight& other) {
+                      [](const ResolvedLight& one, const ResolvedLight& other) {
                           return one.color == other.color && one.light->name == other.light->name;
                       });
 }
@@ -58,7 +58,7 @@ void Session::startAt(const Camera& camera) {
 
 void Session::lightScene() {
     const auto before =
-        std::exchange(lights_, std::make_shared<const LightRig>(document_.film.lights(lighting_)));
+        std::exchange(lights_, std::make_shared<const LightSet>(document_.film.lights(lighting_)));
     if (picture_ != nullptr) revision_ = picture_->setLights(lights_);
     if (before != nullptr && !looksAlike(*before, *lights_)) emit lightsChanged();
 }

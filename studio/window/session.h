@@ -7,7 +7,7 @@
 #include "studio/edit/document.h"
 #include "studio/edit/orbit.h"
 #include "studio/render/live_picture.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {
 
@@ -25,7 +25,7 @@ class Session : public QObject {
     const Scene& scene() const { return document_.settings.scene(); }
     /// May be others after the picture changed its shape or its time; those given out stay as
     /// long as they are held.
-    const std::shared_ptr<const LightRig>& lights() const { return lights_; }
+    const std::shared_ptr<const LightSet>& lights() const { return lights_; }
     const LivePicture& picture() const { return *picture_; }
     const Camera& camera() const { return orbit_->camera(); }
     /// What the picture shows of the settings, an entry a surface of the scene.
@@ -104,7 +104,7 @@ class Session : public QObject {
     LightingOptions lighting_;
     std::optional<Imath::V3d> background_;
     Document document_;
-    std::shared_ptr<const LightRig> lights_;
+    std::shared_ptr<const LightSet> lights_;
     std::unique_ptr<Orbit> orbit_;
     std::unique_ptr<LivePicture> picture_;
     std::uint64_t revision_ = 0;       ///< of what was asked last

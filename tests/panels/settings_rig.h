@@ -34,7 +34,7 @@ class SettingsRig {
     void openOptions();
 
     Scene scene_;
-    LightRig lights_;
+    LightSet lights_;
     std::unique_ptr<SceneIndex> index_;
     std::unique_ptr<ServiceBinding> binding_;
     std::unique_ptr<ModuleCopy> module_;

@@ -97,7 +97,7 @@ SurfaceShader styled(const Json& changes) {
 
 /// A sun that strong and that far from the right, a spot, and so many points,
 /// all of that size.
-std::shared_ptr<const LightRig> lights(double sun, double right, int points, double size = 0) {
+std::shared_ptr<const LightSet> lights(double sun, double right, int points, double size = 0) {
     const auto made = std::make_shared<TestScene>();
     made->addSun({-right, -0.4, -1}, V3d(sun, 0.6, 0.5));
     made->addLight(LightKind::Spot, V3d(0.4)).position = {0, 0, 6};
@@ -115,7 +115,7 @@ struct Wish {
     Camera camera = roomCamera();
     int width = 50;
     int height = 40;
-    std::shared_ptr<const LightRig> rig = lights(0.7, -0.3, 1);
+    std::shared_ptr<const LightSet> rig = lights(0.7, -0.3, 1);
     SurfaceShaders shading = SurfaceShaders(kSign + 1);
     LiveOptions options;
 
@@ -152,7 +152,7 @@ bool shows(const std::shared_ptr<const LiveFrame>& frame, const Bytes& expected)
 struct Edit {
     Place surface = kBall;
     std::optional<SurfaceShader> shader = {};
-    std::shared_ptr<const LightRig> rig = {};
+    std::shared_ptr<const LightSet> rig = {};
     int width = 0;  ///< of another view
 
     /// Changes the wish and tells the picture.
@@ -232,7 +232,7 @@ TEST(LivePicture, MeetsRayByRayWhatARenderMeetsByRowsOfRays) {
         wish.room.addQuad(V3d(i % 9 - 4, i / 9 % 9 - 4, i / 81 - 4), 0.5, i % 3 + kLeaf);
     TestScene noon;
     noon.addSun({0, 0, -1});
-    wish.rig = {&noon.rig, [](const LightRig*) {}};
+    wish.rig = {&noon.rig, [](const LightSet*) {}};
     wish.shading.assign(kSign + 1, {});
     wish.options.samples = 1;
     wish.height = wish.width = 160;

@@ -3,7 +3,7 @@
 #include <cmath>
 #include <numbers>
 
-#include "studio/scene/lighting/soft_light.h"
+#include "studio/scene/lighting/area_light.h"
 #include "studio/util/color.h"
 
 namespace tavora::studio {
@@ -48,10 +48,10 @@ void TestScene::addSun(const Imath::V3d& direction, const Imath::V3d& color) {
 }
 
 void TestScene::soften(double radius, double angle) {
-    for (LitLight& light : rig.lights) {
+    for (ResolvedLight& light : rig.lights) {
         light.points = light.light->kind == LightKind::Directional
-                           ? softSunPoints(*light.light, angle)
-                           : softLampPoints(*light.light, radius);
+                           ? directionalLightPoints(*light.light, angle)
+                           : punctualLightPoints(*light.light, radius);
     }
 }
 

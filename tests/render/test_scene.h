@@ -10,7 +10,7 @@
 #include <nlohmann/json.hpp>
 
 #include "studio/render/renderer.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/scene/scene.h"
 
 namespace tavora::studio {
@@ -19,7 +19,7 @@ namespace tavora::studio {
 /// functions refer to them by number.
 struct TestScene {
     Scene scene;
-    LightRig rig;
+    LightSet rig;
 
     /// A white, opaque, single-sided, rough surface; change it as needed.
     Surface& addSurface();

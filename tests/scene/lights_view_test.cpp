@@ -5,7 +5,8 @@
 #include <gtest/gtest.h>
 
 #include "studio/scene/framing/default_view.h"
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_sample.h"
+#include "studio/scene/lighting/light_set.h"
 #include "studio/util/color.h"
 
 namespace tavora::studio {
@@ -67,7 +68,7 @@ Light sun(float lux) {
 /// Lights settled, in a scene of 2 metres where they reach nothing unless it is furnished.
 struct Lit {
     Scene scene;
-    LightRig rig;
+    LightSet rig;
 
     explicit Lit(const std::vector<Light>& lights, const LightingOptions& options = {},
                  void (*furnish)(Scene&) = nullptr) {
@@ -78,18 +79,12 @@ struct Lit {
             if (named.name.empty()) named.name = std::to_string(scene.lights.size());
             scene.lights.push_back(std::make_unique<const Light>(named));
         }
-        rig = settleLights(scene, {}, options);
+        rig = resolveLights(scene, {}, options);
     }
 
     double level(std::size_t light) const { return rig.lights.at(light).color.x; }
-    struct Arrival {
-        double distance;
-        V3d direction, color;
-    };
-    Arrival at(const V3d& place, std::size_t light = 0) const {
-        Arrival to{};
-        to.distance = arrivingLight(rig, rig.lights[light], place, to.direction, to.color);
-        return to;
+    std::optional<LightSample> at(const V3d& place, std::size_t light = 0) const {
+        return sampleLight(rig, rig.lights[light], place);
     }
 };
 
@@ -149,7 +144,7 @@ TEST(LightLevels, LampsCountWhereTheyMeetSurfacesAndShadeNoSun) {
     for (const double height : {1.01, 3.0, 1e4, 0.0})
         EXPECT_EQ(Lit({lamp(1e-3F, {0, height, 0})}, {}, figure).level(0), 1) << height;
     // A spot is full where its cone is brightest: here most of the cone passes by the figure.
-    EXPECT_NEAR(Lit({lamp(10, {3, 6, 0}, LightKind::Spot)}, {}, figure).at({1, -1, 0}).color.x,
+    EXPECT_NEAR(Lit({lamp(10, {3, 6, 0}, LightKind::Spot)}, {}, figure).at({1, -1, 0})->color.x,
                 1.45, 0.55);
 }
 
@@ -181,24 +176,24 @@ TEST(LightLevels, EvenLightHasConesFalloffIsPhysicalAndEndsAtTheRange) {
     Light near = lamp(1, {0, 4, 0}), bright = lamp(50, {0, 4, 0});
     near.range = 0.5F;
     const Lit even({near, lamp(1, {0, 4, 0}, LightKind::Spot)});
-    const Lit::Arrival far = even.at({0, -100, 0});
+    const LightSample far = even.at({0, -100, 0}).value();
     EXPECT_TRUE(far.distance == 104 && far.direction == V3d(0, -1, 0) && far.color.x == 1);
-    EXPECT_EQ(even.at({0, 0, 0}, 1).color.x, 1);
-    EXPECT_LT(even.at({4, 0, 0}, 1).distance, 0);  // 45 degrees off the axis
+    EXPECT_EQ(even.at({0, 0, 0}, 1)->color.x, 1);
+    EXPECT_FALSE(even.at({4, 0, 0}, 1));  // 45 degrees off the axis
     // In between: by the square of where the cosine stands between the cones.
     const double share = (std::cos(0.35) - std::cos(0.5F)) / (std::cos(0.2F) - std::cos(0.5F));
-    EXPECT_NEAR(even.at({4 * std::tan(0.35), 0, 0}, 1).color.x, share * share, 1e-6);
+    EXPECT_NEAR(even.at({4 * std::tan(0.35), 0, 0}, 1)->color.x, share * share, 1e-6);
 
     bright.range = 8;
     LightingOptions options;
     options.falloff = true;
     const Lit lit({bright}, options);
     for (const double d : {4, 2, 6})
-        EXPECT_NEAR(lit.at({0, 4 - d, 0}).color.x, (1 - std::pow(d / 8, 4)) * 16 / (d * d), 1e-12);
-    EXPECT_LT(lit.at({0, -4, 0}).distance, 0);
-    const Lit::Arrival inside = lit.at({0, 4, 0});
+        EXPECT_NEAR(lit.at({0, 4 - d, 0})->color.x, (1 - std::pow(d / 8, 4)) * 16 / (d * d), 1e-12);
+    EXPECT_FALSE(lit.at({0, -4, 0}));
+    const LightSample inside = lit.at({0, 4, 0}).value();
     EXPECT_TRUE(inside.distance == 0 && std::isfinite(inside.color.x + inside.direction.length()));
-    const Lit::Arrival there = Lit({sun(1)}, options).at({5, 900, 2});
+    const LightSample there = Lit({sun(1)}, options).at({5, 900, 2}).value();
     EXPECT_TRUE(there.distance == HUGE_VAL && there.direction == V3d(0, -1, 0) &&
                 there.color == V3d(1));
 }
@@ -215,7 +210,7 @@ TEST(LightLevels, AmbientAndAKeyLightAreAddedWhereNobodyChoseThem) {
     EXPECT_EQ(Lit({sun(1), sun(1)}).rig.ambient, V3d(kFillAmbient));
     EXPECT_EQ(Lit({lamp(1, V3d(0))}).rig.ambient, V3d(kFillAmbient));
     none.scene.ambient = V3d(0.1);
-    EXPECT_EQ(settleLights(none.scene, {}, {}).ambient, V3d(0.1));
+    EXPECT_EQ(resolveLights(none.scene, {}, {}).ambient, V3d(0.1));
     EXPECT_EQ(Lit({}, {.ambient = V3d(0.7), .exposure = {}}).rig.ambient, V3d(0.7));
 }
 

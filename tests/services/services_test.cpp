@@ -151,7 +151,7 @@ struct SmallScene {
     }
     Scene scene;
     std::array<Light, 3> lights;
-    LightRig rig;
+    LightSet rig;
 };
 
 /// An address inside of something, which is no one's identity.
@@ -182,7 +182,7 @@ TEST(ItemInfo, WalksTheBoundScene) {
 TEST(ServiceBinding, BelongsToItsThreadAndScope) {
     const SmallScene small;
     const SceneIndex index(small.scene);
-    const LightRig dark;
+    const LightSet dark;
     const ServiceBinding outer(index, small.rig);
     {
         const ServiceBinding inner(index, dark);

@@ -4,7 +4,7 @@
 #include <array>
 #include <cmath>
 
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -37,9 +37,10 @@ double dot(const float* a, const float* b) {
 std::array<double, 2> arcShares(double cosine, double share) {
     const double sign = cosine < 0 ? -1 : 1;
     if (std::abs(cosine) > kNearlySame) return {1 - share, share * sign};
-    const double angle = portable::arcCosine(std::abs(cosine));
-    const double sine = portable::sin(angle);
-    return {portable::sin((1 - share) * angle) / sine, portable::sin(share * angle) / sine * sign};
+    const double angle = deterministic::arcCosine(std::abs(cosine));
+    const double sine = deterministic::sin(angle);
+    return {deterministic::sin((1 - share) * angle) / sine,
+            deterministic::sin(share * angle) / sine * sign};
 }
 
 }  // namespace

@@ -6,7 +6,7 @@
 #include <limits>
 #include <map>
 
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -31,10 +31,10 @@ struct Axes {
 
 /// From the front, `round` radians to the right, and from above.
 Axes threeQuarterView(double round) {
-    const double level = portable::cos(kOver);
+    const double level = deterministic::cos(kOver);
     Axes axes;
-    axes.back =
-        V3d(portable::sin(round) * level, portable::sin(kOver), portable::cos(round) * level);
+    axes.back = V3d(deterministic::sin(round) * level, deterministic::sin(kOver),
+                    deterministic::cos(round) * level);
     axes.right = V3d(0, 1, 0).cross(axes.back).normalized();
     axes.up = axes.back.cross(axes.right);
     return axes;
@@ -253,7 +253,7 @@ V3d framingEye(Scenes scenes, const Axes& axes, double slopeAcross, double slope
 Camera framingCameraOfFilm(Scenes scenes, double aspect) {
     const Axes axes = viewOf(scenes);
     const double fov = kFov * std::min(1.0, kWidest / aspect);
-    const double slope = portable::tan(fov / 2);
+    const double slope = deterministic::tan(fov / 2);
     const double kept = 1 - 2 * kFramingMargin;
     const V3d eye = framingEye(scenes, axes, slope * aspect * kept, slope * kept);
     Camera camera;

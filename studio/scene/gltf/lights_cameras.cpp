@@ -6,8 +6,8 @@
 
 #include "studio/scene/gltf/nodes.h"
 #include "studio/util/angle_units.h"
+#include "studio/util/deterministic_math.h"
 #include "studio/util/json_members.h"
-#include "studio/util/portable_math.h"
 #include "studio/util/text.h"
 
 namespace tavora::studio {
@@ -94,8 +94,8 @@ Light readLight(const GltfSource& source, int node, const Imath::M44d& toWorld,
     light.intensity = static_cast<float>(std::max(from.intensity, 0.0));
     if (from.range > 0) light.range = static_cast<float>(from.range);
     const double outer = std::clamp(from.outerConeAngle, 0.0, kWidestCone);
-    light.outerCosine = portable::cos(outer);
-    light.innerCosine = portable::cos(std::clamp(from.innerConeAngle, 0.0, outer));
+    light.outerCosine = deterministic::cos(outer);
+    light.innerCosine = deterministic::cos(std::clamp(from.innerConeAngle, 0.0, outer));
     const std::string own = fmt::format("/extensions/KHR_lights_punctual/lights/{}", holder.light);
     LightExtras(source, from.extras, own, warnings).readInto(light);
     LightExtras(source, holder.extras, fmt::format("/nodes/{}", node), warnings).readInto(light);

@@ -7,7 +7,7 @@
 
 #include "studio/scene/gltf/accessor.h"
 #include "studio/scene/gltf/lights_cameras.h"
-#include "studio/scene/gltf/mesh_bending.h"
+#include "studio/scene/gltf/mesh_deformation.h"
 #include "studio/scene/gltf/nodes.h"
 #include "studio/scene/mesh/normals.h"
 #include "studio/scene/mesh/tangents.h"
@@ -153,14 +153,14 @@ class Posing {
         std::shared_ptr<const Mesh>* alike =
             isSkinned ? nullptr : &morphed_[{geometry.get(), weights}];
         if (alike != nullptr && *alike != nullptr) return *alike;
-        GltfPoser::BentMesh& bent = poser_.bent_[{index, geometry.get()}];
+        GltfPoser::DeformedMesh& bent = poser_.bent_[{index, geometry.get()}];
         bend(node, index, *geometry, weights, bent);
         if (alike != nullptr) *alike = bent.mesh;
         return bent.mesh;
     }
 
     void bend(const gltf::Node& node, int index, const PrimitiveGeometry& geometry,
-              const std::vector<double>& weights, GltfPoser::BentMesh& bent) {
+              const std::vector<double>& weights, GltfPoser::DeformedMesh& bent) {
         const JointPose* joints = node.skin >= 0 ? &jointsOf(node.skin) : nullptr;
         const std::vector<M44d> none;
         const std::vector<M44d>& matrices = joints != nullptr ? joints->toWorld : none;

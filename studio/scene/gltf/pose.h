@@ -31,7 +31,7 @@ class GltfPoser {
     friend class Posing;
 
     /// A copy of a mesh that a node bends, and by what it was bent last.
-    struct BentMesh {
+    struct DeformedMesh {
         std::shared_ptr<Mesh> mesh;
         std::vector<double> weights;
         std::vector<Imath::M44d> joints;
@@ -48,7 +48,7 @@ class GltfPoser {
     MeshStore meshes_;
     std::map<int, std::shared_ptr<Object>> objects_;  ///< by node, as the next three
     std::map<int, std::shared_ptr<Light>> lights_;
-    std::map<std::pair<int, const PrimitiveGeometry*>, BentMesh> bent_;
+    std::map<std::pair<int, const PrimitiveGeometry*>, DeformedMesh> bent_;
     std::map<std::pair<int, std::size_t>, PlacedMesh> placed_;  ///< and by part
     std::map<int, FloatTable> inverseBinds_;                    ///< by skin
     std::size_t bentValues_ = 0;  ///< vertices and triangles in bent copies

@@ -5,7 +5,7 @@
 #include <cmath>
 
 #include "studio/util/color.h"
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -197,7 +197,7 @@ V4d TexturePyramid::lookUp(const TextureUse& use, const V2d& uv, double footprin
     if (!use.mipmaps) return sample(finest, use.minify, use, at);
     const double last = static_cast<double>(levels_.size() - 1);
     const double depth =
-        texels < std::ldexp(1.0, static_cast<int>(last)) ? portable::log2(texels) : last;
+        texels < std::ldexp(1.0, static_cast<int>(last)) ? deterministic::log2(texels) : last;
     const auto lower = static_cast<std::size_t>(depth);
     const std::size_t upper = std::min(lower + 1, levels_.size() - 1);
     const double t = depth - static_cast<double>(lower);
@@ -207,8 +207,8 @@ V4d TexturePyramid::lookUp(const TextureUse& use, const V2d& uv, double footprin
 
 V2d transformUv(const TextureUse& use, const V2d& uv) {
     const auto angle = static_cast<double>(use.rotation);
-    const double c = angle != 0 ? portable::cos(angle) : 1;
-    const double s = angle != 0 ? portable::sin(angle) : 0;
+    const double c = angle != 0 ? deterministic::cos(angle) : 1;
+    const double s = angle != 0 ? deterministic::sin(angle) : 0;
     const double x = uv.x * static_cast<double>(use.scale.x);
     const double y = uv.y * static_cast<double>(use.scale.y);
     return {c * x + s * y + static_cast<double>(use.offset.x),

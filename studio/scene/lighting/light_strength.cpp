@@ -4,6 +4,8 @@
 #include <cmath>
 #include <vector>
 
+#include "studio/scene/lighting/light_sample.h"
+
 namespace tavora::studio {
 namespace {
 
@@ -31,8 +33,8 @@ LitPlace lightAt(const Light& lamp, double candela, const SurfaceSample& point) 
     if (!(facing > 0)) return {};
     LitPlace place;
     if (lamp.kind == LightKind::Spot)
-        place.cone = coneShare(lamp, way.dot(lamp.direction) / distance);
-    place.illuminance = candela * place.cone * rangeWindow(lamp, distance) / distance2;
+        place.cone = coneAttenuation(lamp, way.dot(lamp.direction) / distance);
+    place.illuminance = candela * place.cone * rangeAttenuation(lamp, distance) / distance2;
     place.area = point.area;
     place.flux = place.illuminance * facing * point.area;
     return place;
@@ -73,19 +75,6 @@ void keepReached(std::vector<LitPlace>& places) {
 double peakIntensity(const Light& light) {
     const double peak = std::max({light.color.x, light.color.y, light.color.z, 0.0F});
     return std::max(0.0, static_cast<double>(light.intensity)) * peak;
-}
-
-double coneShare(const Light& light, double cosine) {
-    const double t =
-        (cosine - light.outerCosine) / std::max(light.innerCosine - light.outerCosine, 1e-3);
-    const double clamped = std::clamp(t, 0.0, 1.0);
-    return clamped * clamped;
-}
-
-double rangeWindow(const Light& light, double distance) {
-    if (!std::isfinite(light.range)) return 1.0;
-    const double ratio = distance / static_cast<double>(light.range);
-    return std::clamp(1.0 - ratio * ratio * ratio * ratio, 0.0, 1.0);
 }
 
 LampReach lampReach(const Light& lamp, std::span<const SurfaceSample> points) {

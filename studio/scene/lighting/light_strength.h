@@ -7,14 +7,6 @@
 
 namespace tavora::studio {
 
-/// The share of a point or spot light's candela that goes in a direction whose
-/// cosine with the light's own is `cosine`: 1 inside the inner cone, falling to 0
-/// at the outer one by the square of where the cosine stands between them.
-double coneShare(const Light& light, double cosine);
-
-/// What is left of a light at that distance: it fades out towards its range.
-double rangeWindow(const Light& light, double distance);
-
 /// How much light a lamp (a point or spot light) brings to surfaces that face it.
 /// Shadows don't count. A lamp reaches those places that it lights most and that
 /// together catch nine tenths of its light: far-off ground is none of them. Its
@@ -22,7 +14,7 @@ double rangeWindow(const Light& light, double distance);
 /// surface that the lamp nearly touches nor the emptiness around decides.
 struct LampReach {
     double strength = 0;  ///< lux times the brightest colour channel; 0: it lights nothing
-    double cone = 1;      ///< coneShare() that is exceeded on a tenth of the reached area
+    double cone = 1;      ///< coneAttenuation() that is exceeded on a tenth of the reached area
 };
 
 LampReach lampReach(const Light& lamp, std::span<const SurfaceSample> points);

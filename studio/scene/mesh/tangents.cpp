@@ -6,7 +6,7 @@
 
 #include "studio/scene/image/texture_lookup.h"
 #include "studio/scene/mesh/normals.h"
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -159,7 +159,7 @@ class TangentMaker {
         const V3d here = positionOf(corner);
         const V3d one = unitOrNone(inPlane(positionOf(next(corner)) - here, normal));
         const V3d other = unitOrNone(inPlane(positionOf(next(next(corner))) - here, normal));
-        const double angle = portable::arcCosine(one.dot(other));
+        const double angle = deterministic::arcCosine(one.dot(other));
         return unitOrNone(inPlane(sides_[corner / 3].tangent, normal)) * angle;
     }
 

@@ -1,4 +1,4 @@
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 #include <algorithm>
 #include <bit>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <sleef.h>
 
-namespace tavora::studio::portable {
+namespace tavora::studio::deterministic {
 namespace {
 
 /// Ours, because the library raises to fractions only by pow(): 109 ns beside 17 ns, and
@@ -75,4 +75,4 @@ double arcCosine(double x) {
     return Sleef_cinz_acosd1_u35purec(std::clamp(x, -1.0, 1.0));
 }
 
-}  // namespace tavora::studio::portable
+}  // namespace tavora::studio::deterministic

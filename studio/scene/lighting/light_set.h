@@ -19,26 +19,26 @@ struct LightSize {
 /// How physical light units become the 0..1 that a gradient of zones wants.
 struct LightingOptions {
     std::optional<Imath::V3d> ambient;  ///< display-referred; overrides the scene's
-    std::optional<double> exposure;     ///< factor on physical units; empty: as settleLights() says
-    bool falloff = false;               ///< inverse square and range, instead of even light
+    std::optional<double> exposure;  ///< factor on physical units; empty: as resolveLights() says
+    bool falloff = false;            ///< inverse square and range, instead of even light
     std::vector<LightSize> radii = {};  ///< over those of the scene; the last that matches counts
     std::vector<LightSize> angles = {};
     std::vector<std::string> withoutShadows = {};  ///< names or globs of lights that cast none
 };
 
 /// One light with its level settled.
-struct LitLight {
+struct ResolvedLight {
     const Light* light = nullptr;
     Imath::V3d color;  ///< display-referred, level counted in, before cone and falloff
     double scale = 1;  ///< with falloff: factor on 1 / distance^2; else unused
-    /// Of a light with a size; else empty. See soft_light.h.
+    /// Of a light with a size; else empty. See area_light.h.
     std::vector<Imath::V3d> points = {};
     bool castsShadow = true;
 };
 
 /// The lights of one render. Its lights point into the scene or into `own`.
-struct LightRig {
-    std::vector<LitLight> lights;
+struct LightSet {
+    std::vector<ResolvedLight> lights;
     Imath::V3d ambient{0, 0, 0};
     bool falloff = false;
     std::vector<std::unique_ptr<const Light>> own;  ///< lights the file lacked
@@ -85,17 +85,10 @@ inline constexpr double kFillAmbient = 0.1;
 /// to the strongest light of all. A fixed exposure is a factor on all
 /// strengths instead. A scene without lights gets a key light seen from `keyView` and
 /// an ambient of kDefaultAmbient. `meter` has measured the scene's lights.
-LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingOptions& options,
-                      const LightMeter& meter);
+LightSet resolveLights(const Scene& scene, const Camera& keyView, const LightingOptions& options,
+                       const LightMeter& meter);
 
 /// Measured as the scene stands.
-LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingOptions& options);
-
-/// Light that arrives at `position` from `light`, shadows aside: fills the unit
-/// direction in which it travels and its colour, and returns the distance to
-/// the light (infinite for directional ones), or a negative number when the
-/// cone or range leaves the position dark.
-double arrivingLight(const LightRig& rig, const LitLight& light, const Imath::V3d& position,
-                     Imath::V3d& direction, Imath::V3d& color);
+LightSet resolveLights(const Scene& scene, const Camera& keyView, const LightingOptions& options);
 
 }  // namespace tavora::studio

@@ -5,7 +5,7 @@
 /// multiply-add, and a picture is to be the same on all. Most are SLEEF's that never
 /// fuse (`cinz`, in plain C), up to 3.5 units in the last place from the true value. Any
 /// thread.
-namespace tavora::studio::portable {
+namespace tavora::studio::deterministic {
 
 /// x^(1/3) and x^(1/5), within a unit in the last place; 0 unless x > 0, infinity for
 /// infinity.
@@ -26,4 +26,4 @@ double tan(double angle);
 /// In radians; beyond -1 and 1 as at them.
 double arcCosine(double x);
 
-}  // namespace tavora::studio::portable
+}  // namespace tavora::studio::deterministic

@@ -1,8 +1,8 @@
-#include "studio/scene/lighting/soft_light.h"
+#include "studio/scene/lighting/area_light.h"
 
 #include <cmath>
 
-#include "studio/util/portable_math.h"
+#include "studio/util/deterministic_math.h"
 
 namespace tavora::studio {
 namespace {
@@ -34,7 +34,7 @@ V2d inSquare(std::size_t i) {
 template <class Place>
 std::vector<Place> pairsInside(Place (*place)(std::size_t)) {
     std::vector<Place> pairs;
-    for (std::size_t i = 0; pairs.size() < kSoftPoints; ++i) {
+    for (std::size_t i = 0; pairs.size() < kAreaPoints; ++i) {
         const Place inside = place(i);
         if (inside.length2() > 1) continue;
         pairs.push_back(inside);
@@ -51,7 +51,7 @@ V3d leastAxis(const V3d& v) {
 
 }  // namespace
 
-std::vector<V3d> softLampPoints(const Light& light, double radius) {
+std::vector<V3d> punctualLightPoints(const Light& light, double radius) {
     std::vector<V3d> points;
     if (!(radius > 0)) return points;
     for (const V3d& inside : pairsInside(inCube))
@@ -59,12 +59,12 @@ std::vector<V3d> softLampPoints(const Light& light, double radius) {
     return points;
 }
 
-std::vector<V3d> softSunPoints(const Light& light, double angle) {
+std::vector<V3d> directionalLightPoints(const Light& light, double angle) {
     std::vector<V3d> ways;
     if (!(angle > 0)) return ways;
     const V3d across = light.direction.cross(leastAxis(light.direction)).normalized();
     const V3d along = light.direction.cross(across);
-    const double radius = portable::tan(angle / 2);
+    const double radius = deterministic::tan(angle / 2);
     for (const V2d& inside : pairsInside(inSquare)) {
         const V3d aside = (across * inside.x + along * inside.y) * radius;
         ways.push_back((aside - light.direction).normalized());

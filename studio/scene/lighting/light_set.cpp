@@ -1,12 +1,12 @@
-#include "studio/scene/lighting/light_levels.h"
+#include "studio/scene/lighting/light_set.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
 
 #include "studio/scene/framing/default_view.h"
+#include "studio/scene/lighting/area_light.h"
 #include "studio/scene/lighting/light_strength.h"
-#include "studio/scene/lighting/soft_light.h"
 #include "studio/util/color.h"
 #include "studio/util/glob.h"
 
@@ -61,9 +61,9 @@ Units brightest(const std::vector<LightStrength>& strengths) {
     return units;
 }
 
-LitLight resolve(const Light& light, const LightStrength& strength, const Units& units,
-                 const LightingOptions& options) {
-    LitLight lit;
+ResolvedLight resolve(const Light& light, const LightStrength& strength, const Units& units,
+                      const LightingOptions& options) {
+    ResolvedLight lit;
     lit.light = &light;
     const double one =
         options.exposure ? 1.0 / *options.exposure : (isLamp(light) ? units.lamp : units.sun);
@@ -95,8 +95,9 @@ double sizeOf(const Light& light, double own, const std::vector<LightSize>& choi
 }
 
 std::vector<V3d> pointsOf(const Light& light, const LightingOptions& options) {
-    return isLamp(light) ? softLampPoints(light, sizeOf(light, light.radius, options.radii))
-                         : softSunPoints(light, sizeOf(light, light.angle, options.angles));
+    return isLamp(light)
+               ? punctualLightPoints(light, sizeOf(light, light.radius, options.radii))
+               : directionalLightPoints(light, sizeOf(light, light.angle, options.angles));
 }
 
 bool castsShadow(const Light& light, const LightingOptions& options) {
@@ -166,15 +167,15 @@ std::vector<LightStrength> LightMeter::greatest() const {
     return strengths;
 }
 
-LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingOptions& options) {
+LightSet resolveLights(const Scene& scene, const Camera& keyView, const LightingOptions& options) {
     LightMeter meter;
     meter.measure(scene);
-    return settleLights(scene, keyView, options, meter);
+    return resolveLights(scene, keyView, options, meter);
 }
 
-LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingOptions& options,
-                      const LightMeter& meter) {
-    LightRig rig;
+LightSet resolveLights(const Scene& scene, const Camera& keyView, const LightingOptions& options,
+                       const LightMeter& meter) {
+    LightSet rig;
     rig.falloff = options.falloff;
     std::vector<const Light*> lights;
     for (const auto& light : scene.lights)
@@ -196,27 +197,6 @@ LightRig settleLights(const Scene& scene, const Camera& keyView, const LightingO
     }
     rig.ambient = options.ambient.value_or(scene.ambient.value_or(V3d(defaultAmbient)));
     return rig;
-}
-
-double arrivingLight(const LightRig& rig, const LitLight& lit, const V3d& position, V3d& direction,
-                     V3d& color) {
-    const Light& light = *lit.light;
-    color = lit.color;
-    if (light.kind == LightKind::Directional) {
-        direction = light.direction;
-        return std::numeric_limits<double>::infinity();
-    }
-    const V3d way = position - light.position;
-    const double distance = std::sqrt(way.length2());
-    direction = distance > 0 ? way / distance : light.direction;
-    double level = 1;
-    if (light.kind == LightKind::Spot) level *= coneShare(light, direction.dot(light.direction));
-    if (rig.falloff) {
-        level *= rangeWindow(light, distance) * lit.scale / std::max(distance * distance, 1e-12);
-    }
-    if (!(level > 0)) return -1;
-    color *= level;
-    return distance;
 }
 
 }  // namespace tavora::studio

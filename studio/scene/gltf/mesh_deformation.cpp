@@ -1,4 +1,4 @@
-#include "studio/scene/gltf/mesh_bending.h"
+#include "studio/scene/gltf/mesh_deformation.h"
 
 #include <cmath>
 
