@@ -152,7 +152,7 @@ void addProgress(CLI::App& command, ProgressKind& target) {
 
 void addQuality(CLI::App& command, RenderRequest& request) {
     const auto samples = [&request](const std::string& text) {
-        std::tie(request.samples, request.mostSamples) = sampleCounts(text);
+        std::tie(request.samples, request.maxSamples) = sampleCounts(text);
     };
     addOption(command, "-s,--samples", "N|LEAST..MOST",
               "Samples a pixel, or as many as it needs (4..64)", samples);

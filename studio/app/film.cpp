@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "studio/render/exposure.h"
+#include "studio/render/image/exposure.h"
 
 namespace tavora::studio {
 
@@ -18,7 +18,7 @@ RenderOptions FilmRenderer::options(std::optional<int> frame) const {
     options.height = area_.height;
     options.crop = area_.crop;
     options.samples = request_.samples;
-    options.mostSamples = request_.mostSamples;
+    options.maxSamples = request_.maxSamples;
     options.filter = request_.filter;
     options.threads = request_.threads;
     options.background = request_.background;
@@ -57,8 +57,8 @@ Picture FilmRenderer::renderNow(const RenderOptions& options, const RenderWatch&
 /// One sample of each pixel after the other, each at its time.
 Picture FilmRenderer::expose(const RenderOptions& whole, const RenderWatch& watch) {
     RenderOptions options = whole;
-    options.samples = std::max(whole.samples, whole.mostSamples);
-    options.mostSamples = 0;
+    options.samples = std::max(whole.samples, whole.maxSamples);
+    options.maxSamples = 0;
     options.background.reset();
     const std::vector<double> times = shutterTimes(options.samples);
     const double open = request_.shutter / request_.animation.fps;
@@ -68,11 +68,11 @@ Picture FilmRenderer::expose(const RenderOptions& whole, const RenderWatch& watc
             return (static_cast<double>(i) + done) / static_cast<double>(times.size());
         };
         pose(whole.time.seconds + (times[i] - 0.5) * open);
-        options.part = SampleRun{i, i + 1};
+        options.part = SampleRange{i, i + 1};
         exposure.add(
             renderNow(options, {[&](double done) { watch.progress(inAll(done)); }, watch.stop}));
     }
-    return exposure.develop(whole.background);
+    return exposure.resolve(whole.background);
 }
 
 Picture FilmRenderer::render(std::optional<int> frame, const RenderWatch& watch) {

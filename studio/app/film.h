@@ -5,7 +5,7 @@
 
 #include "studio/app/picture_area.h"
 #include "studio/app/requests.h"
-#include "studio/render/renderer.h"
+#include "studio/render/final/renderer.h"
 #include "studio/setup/film_scene.h"
 
 namespace tavora::studio {

@@ -4,7 +4,7 @@
 #include <variant>
 
 #include "studio/link/module_file.h"
-#include "studio/render/picture_tiles.h"
+#include "studio/render/image/picture_tiles.h"
 #include "studio/services/directory_info.h"
 #include "studio/services/registry.h"
 #include "studio/util/digest.h"
@@ -55,7 +55,7 @@ class JobDigest {
 };
 
 void addOptions(const RenderRequest& request, JobDigest& digest) {
-    digest.add("samples", request.samples, request.mostSamples, static_cast<int>(request.filter));
+    digest.add("samples", request.samples, request.maxSamples, static_cast<int>(request.filter));
     digest.add("camera", request.camera);
     digest.add("background", request.background);
     const AnimationRequest& animation = request.animation;
@@ -98,8 +98,8 @@ PictureNotes notesOf(const RenderRequest& request, const PictureArea& area,
     addOptions(request, digest);
     digest.add(shading.surfaces);
     if (!shading.module.empty()) addModule(shading.module, digest);
-    const std::string samples = request.mostSamples > 0
-                                    ? fmt::format("{}..{}", request.samples, request.mostSamples)
+    const std::string samples = request.maxSamples > 0
+                                    ? fmt::format("{}..{}", request.samples, request.maxSamples)
                                     : std::to_string(request.samples);
     PictureNotes notes{{"Software", "tavora " TAVORA_VERSION},
                        {"tavora:scene", scene.scene().digest},

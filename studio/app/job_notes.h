@@ -5,7 +5,7 @@
 #include "studio/app/film.h"
 #include "studio/app/picture_area.h"
 #include "studio/app/requests.h"
-#include "studio/render/picture_file.h"
+#include "studio/render/image/picture_file.h"
 
 namespace tavora::studio {
 

@@ -6,8 +6,8 @@
 #include "studio/app/commands.h"
 #include "studio/files/standard_streams.h"
 #include "studio/files/whole_file.h"
-#include "studio/render/picture_file.h"
-#include "studio/render/picture_tiles.h"
+#include "studio/render/image/picture_file.h"
+#include "studio/render/image/picture_tiles.h"
 #include "studio/util/error.h"
 
 namespace tavora::studio {

@@ -4,7 +4,7 @@
 #include <cmath>
 #include <fmt/format.h>
 
-#include "studio/render/picture_tiles.h"
+#include "studio/render/image/picture_tiles.h"
 #include "studio/util/error.h"
 
 namespace tavora::studio {

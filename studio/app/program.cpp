@@ -18,7 +18,7 @@
 #include "studio/app/stopped.h"
 #include "studio/files/atomic_file.h"
 #include "studio/files/standard_streams.h"
-#include "studio/render/renderer.h"
+#include "studio/render/final/renderer.h"
 #include "studio/services/messages.h"
 #include "studio/setup/report.h"
 #include "studio/util/error.h"

@@ -7,10 +7,10 @@
 #include <variant>
 #include <vector>
 
-#include "studio/render/picture.h"
-#include "studio/render/picture_file.h"
-#include "studio/render/picture_tiles.h"
-#include "studio/render/pixel_filter.h"
+#include "studio/render/image/picture.h"
+#include "studio/render/image/picture_file.h"
+#include "studio/render/image/picture_tiles.h"
+#include "studio/render/sampling/pixel_filter.h"
 #include "studio/scene/lighting/light_set.h"
 #include "studio/scene/read_options.h"
 #include "studio/setup/report.h"
@@ -55,7 +55,7 @@ struct RenderRequest {
     std::optional<PixelBox> cropPixels;
     std::optional<TileNumber> tile;  ///< of the picture, or of its crop
     int samples = 4;                 ///< a pixel, at least
-    int mostSamples = 64;            ///< where samples differ; 0: `samples` everywhere
+    int maxSamples = 64;            ///< where samples differ; 0: `samples` everywhere
     PixelFilter filter = PixelFilter::Box;
     int threads = 0;  ///< 0: one a core
     std::string camera;

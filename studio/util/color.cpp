@@ -1,5 +1,6 @@
 #include "studio/util/color.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "studio/util/deterministic_math.h"
@@ -30,6 +31,11 @@ double encode(double v) {
 
 double toLinear(double encoded) {
     return encoded < 0 ? -decode(-encoded) : decode(encoded);
+}
+
+void toLinear(std::span<const double> encoded, std::span<double> linear) {
+    std::transform(encoded.begin(), encoded.end(), linear.begin(),
+                   [](double value) { return toLinear(value); });
 }
 
 double toEncoded(double linear) {

@@ -7,7 +7,7 @@
 #include <unistd.h>
 
 #include "studio/edit/steps.h"
-#include "studio/render/display_levels.h"
+#include "studio/render/image/display_encoding.h"
 #include "studio/scene/settings/look.h"
 #include "studio/services/messages.h"
 
@@ -44,7 +44,7 @@ QImage imageOf(const Picture& picture) {
         std::uint8_t* to = image.scanLine(y);
         for (int x = 0; x < picture.width; ++x) {
             unsigned levels[4];
-            displayLevels(picture.pixel(x, y), true, 255, levels);
+            encodeForDisplay(picture.pixel(x, y), true, 255, levels);
             for (const unsigned level : levels)
                 *to++ = static_cast<std::uint8_t>(level);
         }

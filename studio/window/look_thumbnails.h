@@ -8,7 +8,7 @@
 #include <thread>
 #include <vector>
 
-#include "studio/render/renderer.h"
+#include "studio/render/final/renderer.h"
 #include "studio/scene/lighting/light_set.h"
 #include "studio/window/session.h"
 

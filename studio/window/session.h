@@ -6,7 +6,7 @@
 #include "studio/app/requests.h"
 #include "studio/edit/document.h"
 #include "studio/edit/orbit.h"
-#include "studio/render/live_picture.h"
+#include "studio/render/live/live_picture.h"
 #include "studio/scene/lighting/light_set.h"
 
 namespace tavora::studio {

@@ -38,7 +38,7 @@ TEST(CommandLine, TakesEachOptionToItsPlace) {
     EXPECT_TRUE(render.reading.memory == 2ULL << 30 && render.reading.outside);
     EXPECT_EQ(std::tie(render.scene, render.output, render.camera, render.shading.plugin),
               std::tuple("in.glb", "out.exr", "1", "p.so"));
-    EXPECT_EQ(std::tie(render.width, render.height, render.samples, render.mostSamples),
+    EXPECT_EQ(std::tie(render.width, render.height, render.samples, render.maxSamples),
               std::tuple(30, 20, 2, 8));
     EXPECT_EQ(std::tie(render.filter, render.depth, render.format, render.progress),
               std::tuple(PixelFilter::Tent, PictureDepth::Half, PictureFormat::Kind::Exr,

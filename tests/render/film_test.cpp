@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "studio/render/exposure.h"
+#include "studio/render/image/exposure.h"
 #include "studio/services/messages.h"
 #include "tests/render/probe.h"
 #include "tests/render/test_scene.h"
@@ -129,15 +129,15 @@ TEST(MotionBlur, SpreadsSamplesOverTheShutterAndLeavesWhatStandsStill) {
     const Picture still = render();
     Exposure exposure;
     for (std::size_t i = 0; i < 9; ++i) {
-        options.part = SampleRun{i, i + 1};
+        options.part = SampleRange{i, i + 1};
         exposure.add(render());
     }
-    const Picture blurred = exposure.develop({});
+    const Picture blurred = exposure.resolve({});
     double most = 0;
     for (std::size_t i = 0; i < still.rgba.size(); ++i)
         most = std::max(most, std::abs(static_cast<double>(still.rgba[i] - blurred.rgba[i])));
     EXPECT_LT(most, 1e-6) << "all samples at one time";
-    const Picture over = exposure.develop(V3d(1));
+    const Picture over = exposure.resolve(V3d(1));
     for (std::size_t i = 3; i < over.rgba.size(); i += 4)
         ASSERT_EQ(over.rgba[i], 1);
 }

@@ -2,11 +2,12 @@
 
 #include <cmath>
 #include <gmock/gmock.h>
+#include <numeric>
 #include <random>
 #include <vector>
 
-#include "studio/render/ray_scene.h"
-#include "studio/render/viewing_stream.h"
+#include "studio/render/trace/ray_scene.h"
+#include "studio/render/trace/first_hits.h"
 #include "tests/render/test_scene.h"
 #include "tests/support/refusal.h"
 
@@ -58,7 +59,7 @@ std::vector<Ray> raysThroughIt() {
     for (Ray& ray : rays) {
         ray.origin = V3d(22, 2, 2) + anywhere() * 3.0;
         ray.direction = anywhere().normalized();
-        ray.spread = 0.001;
+        ray.coneSpread = 0.001;
     }
     return rays;
 }
@@ -79,20 +80,28 @@ TEST(Instances, MeetAllRaysAsCopiesDo) {
     ASSERT_TRUE(copies.geometry(0).isInstance == false && instances.geometry(0).isInstance);
     EXPECT_FALSE(instances.geometry(27).isInstance);
     const std::vector<Ray> rays = raysThroughIt();
+    CameraRayBatch batch(rays.size());
+    batch.coneSpread = rays[0].coneSpread;
+    std::vector<std::uint32_t> numbers(rays.size());
+    std::iota(numbers.begin(), numbers.end(), 0U);
+    for (std::size_t i = 0; i < rays.size(); ++i) {
+        batch.origins.set(i, rays[i].origin);
+        batch.directions.set(i, rays[i].direction);
+    }
     std::vector<Hit> together(rays.size());
-    ViewingStream(instances, rays.size()).firstHits(rays, together);
+    FirstHits(instances, rays.size()).find(batch, numbers, together);
     int hits = 0;
     int dimmed = 0;
     int others = 0;
     for (std::size_t i = 0; i < rays.size(); ++i) {
         const auto expected = hitsAlong(copies, rays[i]);
-        const auto met = hitsAlong(instances, rays[i]);
+        const auto actual = hitsAlong(instances, rays[i]);
         const double light = instances.transmittance(rays[i]);
         hits += static_cast<int>(expected.size());
         if (light > 0 && light < 1) ++dimmed;
         // Rounding tells which triangle is met at an edge.
-        if (met != expected || light != copies.transmittance(rays[i])) ++others;
-        const auto first = met.empty() ? Hit{} : Hit{met[0].first, met[0].second};
+        if (actual != expected || light != copies.transmittance(rays[i])) ++others;
+        const auto first = actual.empty() ? Hit{} : Hit{actual[0].first, actual[0].second};
         EXPECT_EQ(together[i], first) << i;
     }
     EXPECT_GT(hits, 4000);

@@ -1,7 +1,7 @@
 // The live picture is, once clean, the very picture that a render gives, whatever
 // was changed on the way to it.
 
-#include "studio/render/live_picture.h"
+#include "studio/render/live/live_picture.h"
 
 #include <chrono>
 #include <condition_variable>
@@ -17,7 +17,7 @@
 #include <vector>
 
 #include "host/handler.h"
-#include "studio/render/display_levels.h"
+#include "studio/render/image/display_encoding.h"
 #include "tests/render/probe.h"
 #include "tests/render/test_scene.h"
 
@@ -75,11 +75,11 @@ class LiveView {
 };
 
 /// What a picture file of 8 bits holds, as LiveFrame::rgba does.
-Bytes levelsOf(const Picture& picture) {
+Bytes pixel8Of(const Picture& picture) {
     Bytes bytes(picture.rgba.size());
     for (std::size_t i = 0; i < bytes.size(); i += 4) {
         unsigned levels[4];
-        displayLevels(&picture.rgba[i], true, 255, levels);
+        encodeForDisplay(&picture.rgba[i], true, 255, levels);
         std::copy_n(levels, 4, &bytes[i]);
     }
     return bytes;
@@ -132,7 +132,7 @@ struct Wish {
         wanted.samples = options.samples;
         wanted.background = options.background;
         Renderer renderer(room.scene);
-        return levelsOf(renderer.render(camera, *rig, shading, TAVORA_MODULE, wanted, {}, nullptr));
+        return pixel8Of(renderer.render(camera, *rig, shading, TAVORA_MODULE, wanted, {}, nullptr));
     }
 
     std::uint64_t show(LivePicture& picture) const {
@@ -144,7 +144,7 @@ struct Wish {
 
 /// Whether it is that picture, clean; pictures are too long to print.
 bool shows(const std::shared_ptr<const LiveFrame>& frame, const Bytes& expected) {
-    return frame != nullptr && frame->coarseness == 1 && frame->rgba == expected &&
+    return frame != nullptr && frame->blockSize == 1 && frame->rgba == expected &&
            frame->width * frame->height * 4 == static_cast<int>(expected.size());
 }
 
@@ -296,7 +296,7 @@ TEST(LivePicture, BeginsCoarseWhereItMustAndGetsFiner) {
     LiveView live(wish.room.scene, {}, wish.options);
     wish.show(live.picture());
     const auto frame = live.after(nullptr);
-    const int block = frame->coarseness;
+    const int block = frame->blockSize;
     ASSERT_GT(block, 1);
     const auto pixel = [&](int x, int y) {
         return &frame->rgba[4 * static_cast<std::size_t>(y * wish.width + x)];
@@ -308,7 +308,7 @@ TEST(LivePicture, BeginsCoarseWhereItMustAndGetsFiner) {
         ASSERT_TRUE(std::equal(corner, corner + 4, pixel(x, y))) << x << ' ' << y;
     }
     const auto next = live.after(frame);
-    EXPECT_LT(next->coarseness, block);
+    EXPECT_LT(next->blockSize, block);
     EXPECT_GT(next->refined, frame->refined);
 }
 

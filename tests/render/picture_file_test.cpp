@@ -1,4 +1,4 @@
-#include "studio/render/picture_file.h"
+#include "studio/render/image/picture_file.h"
 
 #include <ImfChannelList.h>
 #include <ImfFrameBuffer.h>

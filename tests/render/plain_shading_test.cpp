@@ -47,7 +47,7 @@ TEST(PlainShading, OfMoreLightsThanAnyTableHoldsEachCountsAndIsShadowed) {
     EXPECT_NEAR(colorOf(test).x, expected, kClose);
     RenderOptions options = squareOptions(9);
     options.samples = 4;
-    options.mostSamples = 64;
+    options.maxSamples = 64;
     EXPECT_NEAR(displayed(renderPlain(test, frontCamera({0, 0, 5}, 0.01), options), 4, 4).x,
                 expected, kClose);
 }

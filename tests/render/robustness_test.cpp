@@ -44,7 +44,7 @@ TEST_P(Sampling, IsTheSameOnAnyNumberOfThreads) {
     options.height = 74;
     options.samples = 5;
     if (GetParam()) {
-        options.mostSamples = 40;
+        options.maxSamples = 40;
         options.filter = PixelFilter::Tent;
     }
     Picture first;
@@ -71,7 +71,7 @@ TEST_P(Sampling, IsTheSameInSmallCrops) {
     const SurfaceShaders plain(test.scene.surfaces.size());
     RenderOptions options = squareOptions(64);
     options.samples = 4;
-    if (GetParam()) options.mostSamples = 64;
+    if (GetParam()) options.maxSamples = 64;
     const auto render = [&] {
         return renderer.render(roomCamera(), test.rig, plain, {}, options, {}, nullptr);
     };
@@ -167,7 +167,7 @@ TEST(Robustness, StoppingAndWatching) {
         Renderer(test.scene).render(roomCamera(), test.rig, plain, {}, options, watch, nullptr);
     };
     for (const int most : {0, 16}) {
-        options.mostSamples = most;
+        options.maxSamples = most;
         double last = 0;
         watch.progress = [&](double done) {
             EXPECT_GE(done, last);
@@ -204,7 +204,7 @@ TEST(AdaptiveSampling, IsAsCleanAsManySamplesEverywhereForAFewAPixel) {
         const auto render = [&](int samples, int most) {
             RenderOptions options = squareOptions(64);
             options.samples = samples;
-            options.mostSamples = most;
+            options.maxSamples = most;
             return renderPlain(test, roomCamera(), options, &stats);
         };
         const Picture reference = render(400, 0);
@@ -232,7 +232,7 @@ TEST(AdaptiveSampling, FiltersSpreadSamplesAsTheyWeighLikeEvenOnes) {
         for (const int most : {0, 1024}) {
             RenderOptions options = squareOptions(4);
             options.samples = most > 0 ? 4 : 1024;
-            options.mostSamples = most;
+            options.maxSamples = most;
             options.filter = filter;
             const Picture picture = renderPlain(test, frontCamera({-1, 0, 5}, 1), options);
             EXPECT_NEAR(picture.pixel(1, 1)[0], share, 0.004);

@@ -1,4 +1,4 @@
-#include "studio/render/stored_picture.h"
+#include "studio/render/image/stored_picture.h"
 
 #include <array>
 #include <cstring>
@@ -6,11 +6,11 @@
 #include <sys/resource.h>
 #include <tuple>
 
-#include "studio/render/exr_header.h"
-#include "studio/render/exr_rows.h"
-#include "studio/render/picture_file.h"
-#include "studio/render/picture_tiles.h"
-#include "studio/render/png_rows.h"
+#include "studio/render/image/exr_header.h"
+#include "studio/render/image/exr_rows.h"
+#include "studio/render/image/picture_file.h"
+#include "studio/render/image/picture_tiles.h"
+#include "studio/render/image/png_rows.h"
 #include "studio/util/error.h"
 #include "tests/files/temporary_folder.h"
 

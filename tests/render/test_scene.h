@@ -9,7 +9,7 @@
 
 #include <nlohmann/json.hpp>
 
-#include "studio/render/renderer.h"
+#include "studio/render/final/renderer.h"
 #include "studio/scene/lighting/light_set.h"
 #include "studio/scene/scene.h"
 

@@ -21,7 +21,7 @@ class CleanPicture : public WindowTest {
         request.width = size.width();
         request.height = size.height();
         request.samples = 16;
-        request.mostSamples = 0;
+        request.maxSamples = 0;
         request.background = request_.background;
         request.shading = request_.shading;
         request.animation = request_.animation;

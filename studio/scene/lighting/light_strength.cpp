@@ -33,8 +33,8 @@ LitPlace lightAt(const Light& lamp, double candela, const SurfaceSample& point) 
     if (!(facing > 0)) return {};
     LitPlace place;
     if (lamp.kind == LightKind::Spot)
-        place.cone = coneAttenuation(lamp, way.dot(lamp.direction) / distance);
-    place.illuminance = candela * place.cone * rangeAttenuation(lamp, distance) / distance2;
+        place.cone = coneAttenuation(lamp.innerCosine, lamp.outerCosine, way.dot(lamp.direction) / distance);
+    place.illuminance = candela * place.cone * rangeAttenuation(lamp.range, distance) / distance2;
     place.area = point.area;
     place.flux = place.illuminance * facing * point.area;
     return place;

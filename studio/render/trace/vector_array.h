@@ -1,0 +1,35 @@
+#pragma once
+
+#include <ImathVec.h>
+#include <cstddef>
+#include <vector>
+
+/// For functions whose loops are compiled twice, with the vectors that every x86-64 processor
+/// has and with AVX2; the loader takes what the processor has. Neither fuses a multiplication
+/// with an addition, so both round alike and give the same bits.
+#if defined(__GNUC__) && !defined(__clang__) && defined(__x86_64__) && \
+    !defined(__SANITIZE_ADDRESS__) && !defined(__SANITIZE_THREAD__)
+#define TAVORA_VECTOR_LOOPS [[gnu::target_clones("avx2", "default")]]
+#else
+#define TAVORA_VECTOR_LOOPS
+#endif
+
+namespace tavora::studio {
+
+/// Vectors as structure of arrays. The arrays do not move.
+struct VectorArray {
+    explicit VectorArray(std::size_t capacity) : x(capacity), y(capacity), z(capacity) {}
+
+    void set(std::size_t i, const Imath::V3d& v) {
+        x[i] = v.x;
+        y[i] = v.y;
+        z[i] = v.z;
+    }
+    Imath::V3d operator[](std::size_t i) const { return {x[i], y[i], z[i]}; }
+
+    std::vector<double> x;
+    std::vector<double> y;
+    std::vector<double> z;
+};
+
+}  // namespace tavora::studio
