@@ -325,7 +325,7 @@ void measure(const Wanted& wanted) {
     }
     for (const std::vector<Row>& rows : metrics)
         printRows(rows);
-    // Of many lights few count: its goal is its own, as long as the others do not meet theirs.
+    // Many lights of which few count are a case by itself.
     constexpr std::size_t kCompared = 3;
     if (metrics.size() > kCompared) {
         metrics.resize(kCompared);

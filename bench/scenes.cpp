@@ -1,5 +1,6 @@
 #include "bench/scenes.h"
 
+#include <algorithm>
 #include <array>
 #include <cmath>
 #include <stdexcept>
@@ -22,7 +23,7 @@ using Imath::M44d;
 using Imath::V3d;
 
 constexpr int kLamps = 100;                        // of "many lights"
-constexpr std::array<int, 2> kListedLamps{7, 23};  // that the light list names
+constexpr std::array<int, 2> kListedLamps{9, 24};  // that the light list names
 
 void addObject(Scene& scene, std::shared_ptr<const Mesh> mesh, const M44d& place) {
     auto object = std::make_unique<Object>();
@@ -76,15 +77,22 @@ void addSpot(LightSet& lights, const V3d& position, const V3d& target, double le
     spot.outerCosine = std::cos(0.5);
 }
 
-/// The settings that a new surface gets, with `changes`, on all surfaces of the scene.
-void shadeAll(BenchScene& bench, const SceneFiles& files,
-              const nlohmann::ordered_json& changes = nlohmann::ordered_json::object()) {
+/// The shader of a new surface, with `changes` to its settings.
+SurfaceShader newShader(const BenchScene& bench, const SceneFiles& files,
+                        const nlohmann::ordered_json& changes = nlohmann::ordered_json::object()) {
     std::vector<std::string> names;
     for (const ResolvedLight& resolved : bench.lights.lights)
         names.push_back(resolved.light->name);
     const StateBlock block = newShaderSettings(ModuleCopy(files.module, findService));
-    const SurfaceShader shader = {.block = withChanges(block, changes, bench.name, names)};
-    bench.shaders.assign(bench.scene.surfaces.size(), shader);
+    return {.block = withChanges(block, changes, bench.name, names)};
+}
+
+/// A new surface's shader on all; on those with a texture it shows that, shaded.
+void shadeModels(BenchScene& bench, const SceneFiles& files) {
+    const SurfaceShader plain = newShader(bench, files);
+    const SurfaceShader textured = newShader(bench, files, {{"colorTextureUse", "Shaded"}});
+    for (const Surface& surface : bench.scene.surfaces)
+        bench.shaders.push_back(surface.baseColorTexture ? textured : plain);
 }
 
 void countAllLights(BenchScene& bench) {
@@ -106,7 +114,7 @@ BenchScene sunsScene(const SceneFiles& files) {
     for (const V3d& direction : {V3d(0.5, -1, -0.5), V3d(-0.8, -1, -0.3), V3d(0, -1, 0.4)})
         addSun(bench.lights, direction, 0.4);
     bench.lights.ambient = V3d(0.1);
-    shadeAll(bench, files);
+    bench.shaders = {newShader(bench, files)};
     countAllLights(bench);
     return bench;
 }
@@ -135,7 +143,7 @@ BenchScene lampsScene(const SceneFiles& files) {
     addSun(bench.lights, {-0.6, -1, -0.5}, 0.3);
     addLamp(bench.lights, {1, 1.4, 0}, 0.4);
     addLamp(bench.lights, {-3.5, 3.4, 2}, 0.4);
-    shadeAll(bench, files);
+    bench.shaders = {newShader(bench, files)};
     countAllLights(bench);
     return bench;
 }
@@ -155,7 +163,7 @@ BenchScene manyLightsScene(const SceneFiles& files) {
         listed.push_back(light.name);
         bench.countedLights.push_back(&light);
     }
-    shadeAll(bench, files, {{"useAllLights", false}, {"lightList", listed}});
+    bench.shaders = {newShader(bench, files, {{"useAllLights", false}, {"lightList", listed}})};
     return bench;
 }
 
@@ -218,24 +226,25 @@ BenchScene modelsScene(const SceneFiles& files) {
     const std::array<Exhibit, 6> exhibits{{{"CesiumMilkTruck.glb", 4, {-2.8, 0, -1}},
                                            {"ambulance/model.gltf", 3, {2.8, 0, -1}},
                                            {"Knight.glb", 2.4, {0, 0, 0}},
-                                           {"Suzanne.glb", 1.6, {4.2, 0, 1.5}},
+                                           {"Suzanne.glb", 1.6, {3.4, 0, 1.5}},
                                            {"AlphaBlendModeTest.glb", 9, {0, 0, -4}},
                                            {"AlphaBlendModeTest.glb", 5, {-1, 0, 2}}}};
     for (const Exhibit& exhibit : exhibits) {
         const Scene model = readGltf(files.models / exhibit.file);
         addModel(bench.scene, model, placeOf(model, exhibit));
     }
-    bench.camera = cameraAt({0, 3.5, 8.5}, 0.25);
+    bench.camera = cameraAt({0.4, 3, 7.5}, 0.25);
     addSun(bench.lights, {0.5, -1, -0.6}, 0.4);
     addSpot(bench.lights, {-5, 6, 4}, {-2, 0.5, -1}, 0.4);
     addSpot(bench.lights, {5, 5, 5}, {1.5, 0.5, 0}, 0.4);
     bench.lights.ambient = V3d(0.1);
-    shadeAll(bench, files, {{"colorTextureUse", "Shaded"}});
+    shadeModels(bench, files);
     countAllLights(bench);
     return bench;
 }
 
-/// A file as it is, but for the size of its lights.
+/// A file as it is, but for the size of its lights; where it keeps no shaders, with those of
+/// new surfaces.
 BenchScene fileScene(const std::string& file, const SceneFiles& files, double aspect) {
     BenchScene bench;
     bench.name = file;
@@ -245,7 +254,13 @@ BenchScene fileScene(const std::string& file, const SceneFiles& files, double as
     LightingOptions options;
     options.radii = options.angles = {{"*", 0}};
     bench.lights = resolveLights(bench.scene, bench.camera, options);
-    shadeAll(bench, files, {{"colorTextureUse", "Shaded"}});
+    for (const Surface& surface : bench.scene.surfaces)
+        bench.shaders.push_back(surface.shader);
+    const auto isShaded = [](const auto& shader) { return shader.has_value(); };
+    if (std::none_of(bench.shaders.begin(), bench.shaders.end(), isShaded)) {
+        bench.shaders.clear();
+        shadeModels(bench, files);
+    }
     countAllLights(bench);
     return bench;
 }
