@@ -4,6 +4,10 @@
 //
 //   frame_bench MODULE [--models FOLDER] [--scene NAME|FILE] [--only KIND]
 //               [--rounds N] [--threads N] [--picture FILE.png]
+//
+// Without --scene: suns, lamps, models, "many lights". With --only, for a profiler, it times
+// that kind alone (bare, frame, default, adaptive, one-thread, shared-copy) and prints no
+// rows. --picture shows what the first scene looks like.
 
 #include <algorithm>
 #include <chrono>
@@ -13,6 +17,7 @@
 #include <exception>
 #include <functional>
 #include <map>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
@@ -33,9 +38,14 @@ using namespace tavora::studio;
 constexpr int kWidth = 960;
 constexpr int kHeight = 540;
 constexpr int kSamples = 16;
-/// Errors are measured in a picture of a third of the size, where steps weigh three times as
-/// much, beside one that has so many samples that its own error does not count.
+/// A race that takes longer than this ends once there is a median to speak of.
+constexpr double kLongRace = 30;
+constexpr int kLeastRounds = 3;
+/// Errors are measured in a picture of a third of the size, or less where there are so many
+/// lights that it would take minutes, beside one that has so many samples that its own error
+/// does not count. Steps weigh the more the smaller it is.
 constexpr int kErrorScale = 3;
+constexpr int kErrorScaleOfManyLights = 6;
 constexpr int kEvenSamples = 64;
 constexpr int kReferenceSamples = 1024;
 
@@ -122,22 +132,27 @@ struct Contender {
 
 using Contenders = std::vector<Contender>;
 
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
 void race(Contenders& contenders, int rounds) {
+    const auto begin = std::chrono::steady_clock::now();
     for (int round = 0; round < rounds; ++round) {
+        if (round >= kLeastRounds && secondsSince(begin) > kLongRace) return;
         for (Contender& contender : contenders) {
             const auto start = std::chrono::steady_clock::now();
             contender.rays = contender.run();
-            const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-            contender.seconds.push_back(taken.count());
+            contender.seconds.push_back(secondsSince(start));
         }
     }
 }
 
 void printContenders(const std::string& scene, Contenders& contenders) {
     for (Contender& contender : contenders) {
-        std::printf("%-12s %-38s %8.3f s %7.2f million camera rays %7.2f million shadow rays\n",
+        std::printf("%-12s %-38s %8.3f s, %zu rounds; million rays: %.2f camera, %.2f shadow\n",
                     scene.c_str(), contender.name->text, contender.median(),
-                    static_cast<double>(contender.rays.camera) * 1e-6,
+                    contender.seconds.size(), static_cast<double>(contender.rays.camera) * 1e-6,
                     static_cast<double>(contender.rays.shadow) * 1e-6);
     }
     std::fflush(stdout);
@@ -193,9 +208,9 @@ double meanChannelError(const Picture& a, const Picture& b) {
     return 255 * sum / static_cast<double>(a.rgba.size());
 }
 
-std::vector<Row> errorRows(const std::string& scene, Frame& frame) {
+std::vector<Row> errorRows(const std::string& scene, Frame& frame, int scale) {
     const auto picture = [&](int samples, int most = 0) {
-        return frame.render(frame.options(samples, most, kErrorScale));
+        return frame.render(frame.options(samples, most, scale));
     };
     const Picture reference = picture(kReferenceSamples);
     const double even = meanChannelError(picture(kEvenSamples), reference);
@@ -214,7 +229,12 @@ class SceneBench {
           bench_(makeScene(scene, wanted.files, static_cast<double>(kWidth) / kHeight)),
           frame_(bench_, wanted) {}
 
+    const std::string& name() const { return bench_.name; }
     Frame& frame() { return frame_; }
+    int errorScale() const {
+        constexpr std::size_t kManyLights = 20;
+        return bench_.lights.lights.size() < kManyLights ? kErrorScale : kErrorScaleOfManyLights;
+    }
 
     /// Times these kinds in turn and prints what each took.
     Contenders timed(const std::vector<Kind>& kinds) {
@@ -295,33 +315,29 @@ void printRows(const std::vector<Row>& rows) {
         print(row);
 }
 
-/// Times what is asked for, without rows of the table where that is one kind alone.
-void measure(const Wanted& wanted) {
-    const std::vector<std::string> scenes =
-        wanted.scene.empty() ? sceneNames() : std::vector{wanted.scene};
+/// What is asked for, all of it made before anything is timed: what is missing is told at once.
+std::vector<std::unique_ptr<SceneBench>> scenesOf(const Wanted& wanted) {
+    std::vector<std::unique_ptr<SceneBench>> scenes;
+    for (const std::string& name : wanted.scene.empty() ? sceneNames() : std::vector{wanted.scene})
+        scenes.push_back(std::make_unique<SceneBench>(name, wanted));
+    return scenes;
+}
+
+/// Times the scenes and prints the table's rows.
+void measureAll(const std::vector<std::unique_ptr<SceneBench>>& scenes, int threads) {
     std::vector<std::vector<Row>> metrics;
     std::vector<Row> others;
-    for (const std::string& name : scenes) {
-        SceneBench scene(name, wanted);
-        if (!wanted.picture.empty()) {
-            const auto format = pictureFormat(wanted.picture, {}, false);
-            writePicture(scene.frame().render(scene.frame().options(4, 64)), wanted.picture,
-                         format);
-        }
-        if (wanted.only) {
-            scene.timed({*wanted.only});
-            continue;
-        }
+    const auto append = [](std::vector<Row>& rows, const std::vector<Row>& more) {
+        rows.insert(rows.end(), more.begin(), more.end());
+    };
+    for (const auto& scene : scenes) {
+        const bool isFirst = scene == scenes.front();
         std::vector<Kind> kinds{Kind::Bare, Kind::Frame, Kind::Default, Kind::Adaptive};
-        if (name == scenes.front()) kinds.insert(kinds.end(), {Kind::OneThread, Kind::SharedCopy});
-        Contenders contenders = scene.timed(kinds);
-        metrics.push_back(metricRows(name, contenders));
-        for (Row& row : errorRows(name, scene.frame()))
-            others.push_back(std::move(row));
-        if (name == scenes.front()) {
-            for (Row& row : threadRows(name, contenders, wanted.threads))
-                others.push_back(std::move(row));
-        }
+        if (isFirst) kinds.insert(kinds.end(), {Kind::OneThread, Kind::SharedCopy});
+        Contenders contenders = scene->timed(kinds);
+        metrics.push_back(metricRows(scene->name(), contenders));
+        append(others, errorRows(scene->name(), scene->frame(), scene->errorScale()));
+        if (isFirst) append(others, threadRows(scene->name(), contenders, threads));
     }
     for (const std::vector<Row>& rows : metrics)
         printRows(rows);
@@ -332,6 +348,18 @@ void measure(const Wanted& wanted) {
         printRows(worstRows(metrics));
     }
     printRows(others);
+}
+
+void measure(const Wanted& wanted) {
+    const auto scenes = scenesOf(wanted);
+    if (!wanted.picture.empty()) {
+        Frame& frame = scenes.front()->frame();
+        writePicture(frame.render(frame.options(4, 64)), wanted.picture,
+                     pictureFormat(wanted.picture, {}, false));
+    }
+    if (!wanted.only) return measureAll(scenes, wanted.threads);
+    for (const auto& scene : scenes)
+        scene->timed({*wanted.only});
 }
 
 Kind kindOf(const std::string& option) {

@@ -17,8 +17,7 @@ struct BenchScene {
     studio::Camera camera;
     studio::LightSet lights;
     studio::SurfaceShaders shaders;
-    /// Those of `lights` that the surfaces' settings let count, which is all unless their
-    /// light list says otherwise.
+    /// Those of `lights` that the surfaces' settings let count: all but in "many lights".
     std::vector<const studio::Light*> countedLights;
 };
 
