@@ -14,6 +14,7 @@
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <ctime>
 #include <exception>
 #include <functional>
 #include <map>
@@ -118,16 +119,17 @@ RenderOptions optionsOf(const Frame& frame, Kind kind) {
     return options;
 }
 
+double medianOf(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
+
 struct Contender {
     const KindName* name = nullptr;
     std::function<RayCounts()> run;
     std::vector<double> seconds{};
+    std::vector<double> processorSeconds{};  ///< of all threads; others cannot stretch them much
     RayCounts rays{};
-
-    double median() {
-        std::sort(seconds.begin(), seconds.end());
-        return seconds[seconds.size() / 2];
-    }
 };
 
 using Contenders = std::vector<Contender>;
@@ -142,18 +144,24 @@ void race(Contenders& contenders, int rounds) {
         if (round >= kLeastRounds && secondsSince(begin) > kLongRace) return;
         for (Contender& contender : contenders) {
             const auto start = std::chrono::steady_clock::now();
+            const std::clock_t processor = std::clock();
             contender.rays = contender.run();
             contender.seconds.push_back(secondsSince(start));
+            contender.processorSeconds.push_back(static_cast<double>(std::clock() - processor) /
+                                                 CLOCKS_PER_SEC);
         }
     }
 }
 
-void printContenders(const std::string& scene, Contenders& contenders) {
-    for (Contender& contender : contenders) {
-        std::printf("%-12s %-38s %8.3f s, %zu rounds; million rays: %.2f camera, %.2f shadow\n",
-                    scene.c_str(), contender.name->text, contender.median(),
-                    contender.seconds.size(), static_cast<double>(contender.rays.camera) * 1e-6,
-                    static_cast<double>(contender.rays.shadow) * 1e-6);
+void printContenders(const std::string& scene, const Contenders& contenders) {
+    for (const Contender& contender : contenders) {
+        std::printf(
+            "%-12s %-38s %8.3f s, of all processors %8.3f s, %zu rounds; million rays: %.2f "
+            "camera, %.2f shadow\n",
+            scene.c_str(), contender.name->text, medianOf(contender.seconds),
+            medianOf(contender.processorSeconds), contender.seconds.size(),
+            static_cast<double>(contender.rays.camera) * 1e-6,
+            static_cast<double>(contender.rays.shadow) * 1e-6);
     }
     std::fflush(stdout);
 }
@@ -266,14 +274,14 @@ class SceneBench {
     std::optional<BareLoop> bare_;
 };
 
-double secondsOf(Contenders& contenders, Kind kind) {
-    for (Contender& contender : contenders) {
-        if (contender.name->kind == kind) return contender.median();
+double secondsOf(const Contenders& contenders, Kind kind) {
+    for (const Contender& contender : contenders) {
+        if (contender.name->kind == kind) return medianOf(contender.seconds);
     }
     throw std::logic_error("a kind was not timed");
 }
 
-std::vector<Row> metricRows(const std::string& scene, Contenders& contenders) {
+std::vector<Row> metricRows(const std::string& scene, const Contenders& contenders) {
     std::vector<Row> rows;
     for (const Metric& metric : kMetrics) {
         rows.push_back({scene + ": " + metric.text, secondsOf(contenders, metric.kind),
@@ -283,7 +291,7 @@ std::vector<Row> metricRows(const std::string& scene, Contenders& contenders) {
 }
 
 /// One thread beside all, and what it costs that threads share a module copy.
-std::vector<Row> threadRows(const std::string& scene, Contenders& contenders, int threads) {
+std::vector<Row> threadRows(const std::string& scene, const Contenders& contenders, int threads) {
     const double frame = secondsOf(contenders, Kind::Frame);
     std::vector<Row> rows;
     const std::map<int, double> goals{{2, 1.9}, {16, 14}};
@@ -334,7 +342,7 @@ void measureAll(const std::vector<std::unique_ptr<SceneBench>>& scenes, int thre
         const bool isFirst = scene == scenes.front();
         std::vector<Kind> kinds{Kind::Bare, Kind::Frame, Kind::Default, Kind::Adaptive};
         if (isFirst) kinds.insert(kinds.end(), {Kind::OneThread, Kind::SharedCopy});
-        Contenders contenders = scene->timed(kinds);
+        const Contenders contenders = scene->timed(kinds);
         metrics.push_back(metricRows(scene->name(), contenders));
         append(others, errorRows(scene->name(), scene->frame(), scene->errorScale()));
         if (isFirst) append(others, threadRows(scene->name(), contenders, threads));
@@ -370,9 +378,11 @@ Kind kindOf(const std::string& option) {
 }
 
 int countOf(const std::string& text) {
-    const int count = std::stoi(text);
-    if (count < 1) throw std::invalid_argument("a count must be 1 or more, not " + text);
-    return count;
+    char* end = nullptr;
+    const long count = std::strtol(text.c_str(), &end, 10);
+    if (*end != 0 || count < 1 || count > 1000)
+        throw std::invalid_argument("a count must be 1 to 1000, not " + text);
+    return static_cast<int>(count);
 }
 
 Wanted wantedOf(const std::vector<std::string>& words) {
