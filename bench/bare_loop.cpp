@@ -97,9 +97,10 @@ struct Rays {
 /// long as rows and the usual tree.
 class Streams {
   public:
-    Streams(RTCScene scene, const CameraRays& camera, std::vector<V2d> places,
+    Streams(RTCScene scene, unsigned shadowed, const CameraRays& camera, std::vector<V2d> places,
             const std::vector<const Light*>& lights)
         : scene_(scene),
+          shadowed_(shadowed),
           camera_(camera),
           lights_(&lights),
           places_(std::move(places)),
@@ -173,11 +174,12 @@ class Streams {
         rtcIntersectNp(scene_, &context_, &queries, static_cast<unsigned>(count));
     }
 
-    /// Positions and normals, towards the camera and of any length, of the rays that hit.
+    /// Positions and normals, towards the camera and of any length, of hits that want shadow
+    /// rays.
     std::size_t keepHits(std::size_t rays) {
         std::size_t count = 0;
         for (std::size_t i = 0; i < rays; ++i) {
-            if (geometries_[i] == RTC_INVALID_GEOMETRY_ID) continue;
+            if (geometries_[i] >= shadowed_) continue;  // as is what stands for no hit
             const V3f direction = cameraRays_.direction.at(i);
             const V3f normal = normals_.at(i);
             hits_.set(count, camera_.eye + direction * cameraRays_.end[i]);
@@ -236,6 +238,7 @@ class Streams {
     }
 
     RTCScene scene_;
+    unsigned shadowed_;  ///< geometries, the first ones, whose hits want shadow rays
     RTCIntersectContext context_;
     CameraRays camera_;
     const std::vector<const Light*>* lights_;
@@ -260,11 +263,20 @@ BareLoop::BareLoop(const Scene& scene, const Camera& camera, std::vector<const L
     if (camera.orthographic) throw std::runtime_error("the bare loop wants a perspective camera");
     if (device_ == nullptr) throw std::runtime_error("Embree makes no device");
     scene_.reset(rtcNewScene(device_.get()));
-    for (const auto& object : scene.objects) {
-        for (const Part& part : object->parts)
-            attach(*object, *part.mesh);
-    }
+    attachWhere(scene, true);
+    attachWhere(scene, false);
     rtcCommitScene(scene_.get());
+}
+
+void BareLoop::attachWhere(const Scene& scene, bool wantsShadows) {
+    for (const auto& object : scene.objects) {
+        for (const Part& part : object->parts) {
+            const Surface& surface = scene.surfaces[static_cast<std::size_t>(part.surface)];
+            if ((!surface.unlit && surface.receivesShadows) == wantsShadows)
+                attach(*object, *part.mesh);
+        }
+    }
+    if (wantsShadows) shadowed_ = attached_;
 }
 
 void BareLoop::attach(const Object& object, const Mesh& mesh) {
@@ -281,6 +293,7 @@ void BareLoop::attach(const Object& object, const Mesh& mesh) {
     rtcCommitGeometry(geometry);
     rtcAttachGeometry(scene_.get(), geometry);
     rtcReleaseGeometry(geometry);
+    ++attached_;
 }
 
 RayCounts BareLoop::trace(const FrameSize& size) const {
@@ -290,7 +303,7 @@ RayCounts BareLoop::trace(const FrameSize& size) const {
     std::atomic<int> next{0};
     std::vector<RayCounts> counts(static_cast<std::size_t>(size.threads));
     const auto traceTiles = [&](RayCounts& traced) {
-        Streams streams(scene_.get(), camera, samplePlaces(size.samples), lights_);
+        Streams streams(scene_.get(), shadowed_, camera, samplePlaces(size.samples), lights_);
         for (int tile = next++; tile < columns * rows; tile = next++) {
             const int left = tile % columns * kTile;
             const int top = tile / columns * kTile;

@@ -23,10 +23,10 @@ struct FrameSize {
 };
 
 /// The reference: a frame's camera rays, and for each hit a shadow ray to each light that the
-/// triangle faces on the side that the camera sees. It traces them with the fastest kernels
-/// that the processor has and does nothing else: the least that a picture can cost. All
-/// surfaces are solid to it, so where others are cut out or let light through it traces less
-/// than a picture needs.
+/// triangle faces on the side that the camera sees, unless its surface takes no shadows. It traces
+/// them with the fastest kernels that the processor has and does nothing else: the least that a
+/// picture can cost. All surfaces are solid to it, so where others are cut out or let light through
+/// it traces less than a picture needs.
 class BareLoop {
   public:
     /// Copies the triangles; `lights` must outlive the loop and have no size. Throws
@@ -42,12 +42,15 @@ class BareLoop {
         void operator()(RTCScene scene) const { rtcReleaseScene(scene); }
     };
 
+    void attachWhere(const studio::Scene& scene, bool wantsShadows);
     void attach(const studio::Object& object, const studio::Mesh& mesh);
 
     studio::Camera camera_;
     std::vector<const studio::Light*> lights_;
     std::unique_ptr<RTCDeviceTy, Release> device_;
     std::unique_ptr<RTCSceneTy, Release> scene_;
+    unsigned attached_ = 0;
+    unsigned shadowed_ = 0;  ///< geometries; they come before those without light or shadows
 };
 
 }  // namespace tavora::bench

@@ -96,8 +96,9 @@ void shadeModels(BenchScene& bench, const SceneFiles& files) {
 }
 
 void countAllLights(BenchScene& bench) {
-    for (const ResolvedLight& resolved : bench.lights.lights)
-        bench.countedLights.push_back(resolved.light);
+    for (const ResolvedLight& resolved : bench.lights.lights) {
+        if (resolved.castsShadow) bench.countedLights.push_back(resolved.light);
+    }
 }
 
 /// A grid of spheres on a floor, 192,000 triangles, beneath three directional lights.
