@@ -1,361 +1,207 @@
-// A whole frame beside Embree alone: the same primary rays, and for each hit a
-// shadow ray to each light that its polygon faces, in the same process, in
-// turn; medians of the rounds. Prints one line a contender, then what
+// Whole frames beside the bare loop over the same camera rays and the same lights, in the
+// same process, in turn; medians of the rounds. Prints one line a contender, then what
 // scripts/bench reads: metric|ours|reference|ratio|goal|met.
 //
-//   frame_bench MODULE [ROUNDS] [THREADS]
+//   frame_bench MODULE [--models FOLDER] [--scene NAME|FILE] [--only KIND]
+//               [--rounds N] [--threads N] [--picture FILE.png]
+//
+// Without --scene: suns, lamps, models, "many lights". With --only, for a profiler, it times
+// that kind alone (bare, frame, default, adaptive, one-thread, shared-copy) and prints no
+// rows. --picture shows what the first scene looks like.
 
 #include <algorithm>
-#include <array>
-#include <atomic>
 #include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
-#include <embree3/rtcore.h>
+#include <ctime>
 #include <exception>
 #include <functional>
+#include <map>
 #include <memory>
+#include <optional>
+#include <stdexcept>
 #include <string>
 #include <thread>
 #include <vector>
 
-#include "studio/link/module_copy.h"
-#include "studio/link/shader.h"
-#include "studio/render/lane_team.h"
-#include "studio/render/lanes.h"
+#include "bench/bare_loop.h"
+#include "bench/scenes.h"
+#include "studio/render/picture_file.h"
 #include "studio/render/renderer.h"
-#include "studio/render/sample_pattern.h"
-#include "studio/render/tiles.h"
-#include "studio/render/view.h"
-#include "studio/services/registry.h"
 #include "studio/util/color.h"
-#include "tests/render/test_scene.h"
 
 namespace {
 
+using namespace tavora::bench;
 using namespace tavora::studio;
-using Imath::V3d;
 
 constexpr int kWidth = 960;
 constexpr int kHeight = 540;
 constexpr int kSamples = 16;
+/// A race that takes longer than this ends once there is a median to speak of.
+constexpr double kLongRace = 30;
+constexpr int kLeastRounds = 3;
+/// Errors are measured in a picture of a third of the size, or less where there are so many
+/// lights that it would take minutes, beside one that has so many samples that its own error
+/// does not count. Steps weigh the more the smaller it is.
+constexpr int kErrorScale = 3;
+constexpr int kErrorScaleOfManyLights = 6;
+constexpr int kEvenSamples = 64;
+constexpr int kReferenceSamples = 1024;
 
-void addObject(Scene& scene, std::shared_ptr<const Mesh> mesh, const Imath::M44d& place) {
-    auto object = std::make_unique<Object>();
-    object->objectToWorld = place;
-    object->parts.push_back({std::move(mesh), 0, 0});
-    scene.objects.push_back(std::move(object));
-}
+/// What is timed.
+enum class Kind { Bare, Frame, Default, Adaptive, OneThread, SharedCopy };
 
-/// A grid of spheres on a floor: 192,000 triangles.
-Scene benchScene() {
-    Scene scene;
-    scene.surfaces.resize(1);
-    const auto ball = sphereMesh(1, 64, 31);
-    for (int z = 0; z < 5; ++z) {
-        for (int x = 0; x < 10; ++x)
-            addObject(scene, ball, Imath::M44d().translate(V3d(2.2 * x - 9.9, 1, -2.2 * z)));
-    }
-    auto floor = std::make_shared<Mesh>();
-    floor->positions = {{-30, 0, 30}, {30, 0, 30}, {30, 0, -30}, {-30, 0, -30}};
-    floor->normals.assign(4, {0, 1, 0});
-    floor->triangles = {{0, 1, 2}, {0, 2, 3}};
-    addObject(scene, floor, {});
-    return scene;
-}
+struct KindName {
+    Kind kind;
+    const char* option;
+    const char* text;
+};
 
-LightSet benchLights() {
-    LightSet rig;
-    for (const V3d& direction : {V3d(0.5, -1, -0.5), V3d(-0.8, -1, -0.3), V3d(0, -1, 0.4)}) {
-        auto light = std::make_unique<Light>();
-        light->name = "light " + std::to_string(rig.lights.size());
-        light->direction = direction.normalized();
-        rig.lights.push_back({light.get(), V3d(0.4), 1});
-        rig.own.push_back(std::move(light));
-    }
-    rig.ambient = V3d(0.1);
-    return rig;
-}
+constexpr KindName kKinds[] = {
+    {Kind::Bare, "bare", "bare loop, 16 samples"},
+    {Kind::Frame, "frame", "whole frame, 16 samples"},
+    {Kind::Default, "default", "whole frame, 4..64 (default)"},
+    {Kind::Adaptive, "adaptive", "whole frame, 1..64"},
+    {Kind::OneThread, "one-thread", "whole frame, one thread"},
+    {Kind::SharedCopy, "shared-copy", "whole frame, one module copy for all"},
+};
 
-Camera benchCamera() {
-    Camera camera;
-    camera.verticalFov = 0.7;
-    camera.cameraToWorld =
-        Imath::M44d().rotate(V3d(-0.4, 0, 0)) * Imath::M44d().translate(V3d(0, 7, 12));
-    return camera;
-}
+struct Wanted {
+    SceneFiles files;
+    std::string scene;  ///< empty: all
+    std::optional<Kind> only;
+    std::string picture;
+    int rounds = 5;
+    int threads = static_cast<int>(std::max(std::thread::hardware_concurrency(), 1U));
+};
 
-/// Embree and the same triangles, nothing else.
-class BareScene {
+/// The studio's renderer on a scene.
+class Frame {
   public:
-    BareScene(const Scene& scene, const char* device)
-        : device_(rtcNewDevice(device)), scene_(rtcNewScene(device_)) {
-        rtcSetSceneFlags(scene_, RTC_SCENE_FLAG_ROBUST);
-        for (const auto& object : scene.objects)
-            attach(*object);
-        rtcCommitScene(scene_);
-    }
-    ~BareScene() {
-        rtcReleaseScene(scene_);
-        rtcReleaseDevice(device_);
-    }
-    BareScene(const BareScene&) = delete;
-    BareScene& operator=(const BareScene&) = delete;
+    Frame(const BenchScene& bench, const Wanted& wanted)
+        : bench_(&bench), wanted_(&wanted), renderer_(bench.scene) {}
 
-    RTCScene handle() const { return scene_; }
-
-  private:
-    void attach(const Object& object) {
-        const Mesh& mesh = *object.parts[0].mesh;
-        RTCGeometry geometry = rtcNewGeometry(device_, RTC_GEOMETRY_TYPE_TRIANGLE);
-        auto* vertices = static_cast<Imath::V3f*>(
-            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_VERTEX, 0, RTC_FORMAT_FLOAT3,
-                                    sizeof(Imath::V3f), mesh.positions.size()));
-        for (std::size_t i = 0; i < mesh.positions.size(); ++i)
-            vertices[i] = Imath::V3f(V3d(mesh.positions[i]) * object.objectToWorld);
-        auto* indices = static_cast<std::array<std::uint32_t, 3>*>(
-            rtcSetNewGeometryBuffer(geometry, RTC_BUFFER_TYPE_INDEX, 0, RTC_FORMAT_UINT3,
-                                    sizeof(mesh.triangles[0]), mesh.triangles.size()));
-        std::copy(mesh.triangles.begin(), mesh.triangles.end(), indices);
-        rtcCommitGeometry(geometry);
-        rtcAttachGeometry(scene_, geometry);
-        rtcReleaseGeometry(geometry);
-    }
-
-    RTCDevice device_;
-    RTCScene scene_;
-};
-
-RTCRayHit rayHit(const Ray& ray) {
-    RTCRayHit query{};
-    query.ray.org_x = static_cast<float>(ray.origin.x);
-    query.ray.org_y = static_cast<float>(ray.origin.y);
-    query.ray.org_z = static_cast<float>(ray.origin.z);
-    query.ray.dir_x = static_cast<float>(ray.direction.x);
-    query.ray.dir_y = static_cast<float>(ray.direction.y);
-    query.ray.dir_z = static_cast<float>(ray.direction.z);
-    query.ray.tfar = INFINITY;
-    query.ray.mask = ~0U;
-    query.hit.geomID = RTC_INVALID_GEOMETRY_ID;
-    return query;
-}
-
-/// The shadow ray from a hit to a light, or none where the polygon faces away.
-bool shadowRay(const RTCRayHit& from, const V3d& lightDirection, RTCRay& ray) {
-    const Imath::V3f normal = Imath::V3f(from.hit.Ng_x, from.hit.Ng_y, from.hit.Ng_z).normalized();
-    const Imath::V3f toLight(-lightDirection);
-    if (normal.dot(toLight) <= 0) return false;
-    ray = RTCRay{};
-    ray.org_x = from.ray.org_x + from.ray.dir_x * from.ray.tfar + normal.x * 1e-4F;
-    ray.org_y = from.ray.org_y + from.ray.dir_y * from.ray.tfar + normal.y * 1e-4F;
-    ray.org_z = from.ray.org_z + from.ray.dir_z * from.ray.tfar + normal.z * 1e-4F;
-    ray.dir_x = toLight.x;
-    ray.dir_y = toLight.y;
-    ray.dir_z = toLight.z;
-    ray.tfar = INFINITY;
-    ray.mask = ~0U;
-    return true;
-}
-
-/// A row of a tile at a time: the rays that Embree takes as one stream.
-class BareRow {
-  public:
-    BareRow(const BareScene& scene, const LightSet& rig, bool streams)
-        : scene_(scene.handle()), rig_(&rig), streams_(streams) {}
-
-    std::uint64_t trace(const View& view, const std::vector<Imath::V2d>& pattern, int left,
-                        int right, int y) {
-        primary_.clear();
-        for (int x = left; x < right; ++x) {
-            for (const Imath::V2d& place : pattern)
-                primary_.push_back(rayHit(view.rayThrough(x + place.x, y + place.y)));
-        }
-        intersect();
-        std::uint64_t rays = primary_.size();
-        for (const ResolvedLight& lit : rig_->lights) {
-            shadow_.clear();
-            RTCRay ray;
-            for (const RTCRayHit& hit : primary_) {
-                if (hit.hit.geomID == RTC_INVALID_GEOMETRY_ID) continue;
-                if (shadowRay(hit, lit.light->direction, ray)) shadow_.push_back(ray);
-            }
-            occlude();
-            rays += shadow_.size();
-        }
-        return rays;
-    }
-
-  private:
-    void intersect() {
-        RTCIntersectContext context;
-        rtcInitIntersectContext(&context);
-        context.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
-        if (streams_) {
-            rtcIntersect1M(scene_, &context, primary_.data(),
-                           static_cast<unsigned>(primary_.size()), sizeof(RTCRayHit));
-            return;
-        }
-        for (RTCRayHit& query : primary_)
-            rtcIntersect1(scene_, &context, &query);
-    }
-
-    void occlude() {
-        RTCIntersectContext context;
-        rtcInitIntersectContext(&context);
-        context.flags = RTC_INTERSECT_CONTEXT_FLAG_COHERENT;
-        if (streams_) {
-            rtcOccluded1M(scene_, &context, shadow_.data(), static_cast<unsigned>(shadow_.size()),
-                          sizeof(RTCRay));
-            return;
-        }
-        for (RTCRay& query : shadow_)
-            rtcOccluded1(scene_, &context, &query);
-    }
-
-    RTCScene scene_;
-    const LightSet* rig_;
-    bool streams_;
-    std::vector<RTCRayHit> primary_;
-    std::vector<RTCRay> shadow_;
-};
-
-std::uint64_t traceBare(const BareScene& scene, const LightSet& rig, std::size_t threads,
-                        bool streams) {
-    const View view(benchCamera(), kWidth, kHeight, kSamples);
-    const auto pattern = samplePattern(kSamples);
-    const auto tiles = tilesOf({0, 0, kWidth, kHeight});
-    std::vector<BareRow> rows(threads, BareRow(scene, rig, streams));
-    std::atomic<std::uint64_t> rays{0};
-    LaneTeam team(threads + 1);
-    runLanes(
-        team, tiles.size(),
-        [&](std::size_t lane, std::size_t tile) {
-            for (int y = tiles[tile].top; y < tiles[tile].bottom; ++y)
-                rays += rows[lane].trace(view, pattern, tiles[tile].left, tiles[tile].right, y);
-        },
-        [](std::size_t) { return true; });
-    return rays;
-}
-
-struct Contender {
-    const char* name;
-    std::function<std::uint64_t()> run;  ///< returns how many rays it traced
-    std::vector<double> seconds{};
-    std::uint64_t rays = 0;
-
-    double median() {
-        std::sort(seconds.begin(), seconds.end());
-        return seconds[seconds.size() / 2];
-    }
-};
-
-void race(std::vector<Contender>& contenders, int rounds) {
-    for (int round = 0; round < rounds; ++round) {
-        for (Contender& contender : contenders) {
-            const auto start = std::chrono::steady_clock::now();
-            contender.rays = contender.run();
-            const std::chrono::duration<double> taken = std::chrono::steady_clock::now() - start;
-            contender.seconds.push_back(taken.count());
-        }
-    }
-    const double reference = contenders.front().median();
-    for (Contender& contender : contenders) {
-        std::printf("%-36s %8.3f s  %5.1f million rays  ratio %.2f\n", contender.name,
-                    contender.median(), static_cast<double>(contender.rays) * 1e-6,
-                    contender.median() / reference);
-    }
-}
-
-/// What is measured on.
-struct Bench {
-    Bench(const char* moduleFile, std::size_t threadCount)
-        : module(moduleFile),
-          threads(threadCount),
-          bare(scene, nullptr),
-          bareUnfused(scene, kEmbreeDevice),
-          renderer(scene) {}
-
-    RenderOptions options() const {
+    /// A picture of a part of the size with `samples` a pixel; with up to `most` where they
+    /// differ, if that is more.
+    RenderOptions options(int samples, int most = 0, int scale = 1) const {
         RenderOptions options;
-        options.width = kWidth;
-        options.height = kHeight;
-        options.samples = kSamples;
-        options.threads = static_cast<int>(threads);
+        options.width = kWidth / scale;
+        options.height = kHeight / scale;
+        options.samples = samples;
+        options.mostSamples = most;
+        options.threads = wanted_->threads;
         return options;
     }
 
-    Picture render(const RenderOptions& wanted, const std::optional<SurfaceShader>& shader,
-                   RenderStats* stats = nullptr) {
-        return renderer.render(benchCamera(), rig, SurfaceShaders{shader}, module, wanted, {},
-                               stats);
+    Picture render(const RenderOptions& options) {
+        return renderer_.render(bench_->camera, bench_->lights, bench_->shaders,
+                                wanted_->files.module, options, {}, &stats_);
     }
 
-    std::uint64_t rays(const RenderOptions& wanted, const std::optional<SurfaceShader>& shader) {
-        RenderStats stats;
-        render(wanted, shader, &stats);
-        return stats.primaryRays + stats.shadowRays;
-    }
+    /// Of the last picture.
+    RayCounts rays() const { return {stats_.primaryRays, stats_.shadowRays}; }
 
-    const char* module;
-    std::size_t threads;
-    Scene scene = benchScene();
-    LightSet rig = benchLights();
-    BareScene bare;         ///< with the fastest kernels that the processor has
-    BareScene bareUnfused;  ///< with those that pictures are made with
-    Renderer renderer;
-    SurfaceShader look = {.block = newShaderSettings(ModuleCopy(module, findService))};
+  private:
+    const BenchScene* bench_;
+    const Wanted* wanted_;
+    Renderer renderer_;
+    RenderStats stats_;
 };
 
-RenderOptions adaptive(RenderOptions options, int least) {
-    options.samples = least;
-    options.mostSamples = 64;
+RenderOptions optionsOf(const Frame& frame, Kind kind) {
+    RenderOptions options = frame.options(kSamples);
+    if (kind == Kind::Default) options = frame.options(4, 64);
+    if (kind == Kind::Adaptive) options = frame.options(1, 64);
+    if (kind == Kind::OneThread) options.threads = 1;
+    if (kind == Kind::SharedCopy) options.moduleEachThread = false;
     return options;
 }
 
-/// What the program starts with, and the least with which this scene, which has
-/// no faint and thin features, comes out as well as with 64 samples everywhere.
-constexpr int kDefaultLeast = 4;
-constexpr int kLeast = 1;
+double medianOf(std::vector<double> values) {
+    std::sort(values.begin(), values.end());
+    return values[values.size() / 2];
+}
 
-enum Entry {
-    kStreams,
-    kUnfused,
-    kRays,
-    kPlain,
-    kLook,
-    kAdaptive,
-    kAdaptiveLeast,
-    kOneLane,
-    kSharedCopy
+struct Contender {
+    const KindName* name = nullptr;
+    std::function<RayCounts()> run;
+    std::vector<double> seconds{};
+    std::vector<double> processorSeconds{};  ///< of all threads; others cannot stretch them much
+    RayCounts rays{};
 };
 
-std::vector<Contender> contendersOf(Bench& bench) {
-    const RenderOptions even = bench.options();
-    RenderOptions oneLane = even;
-    oneLane.threads = 1;
-    RenderOptions shared = even;
-    shared.moduleEachThread = false;
-    const auto frame = [&bench](const RenderOptions& options, bool shader) {
-        return [&bench, options, shader] {
-            return bench.rays(options, shader ? std::optional(bench.look) : std::nullopt);
-        };
-    };
-    const auto alone = [&bench](const BareScene& scene, bool streams) {
-        return [&bench, &scene, streams] {
-            return traceBare(scene, bench.rig, bench.threads, streams);
-        };
-    };
-    return {{"Embree alone, streams", alone(bench.bare, true)},
-            {"Embree alone, streams, unfused", alone(bench.bareUnfused, true)},
-            {"Embree alone, ray by ray", alone(bench.bare, false)},
-            {"whole frame, plain", frame(even, false)},
-            {"whole frame, default look", frame(even, true)},
-            {"whole frame, adaptive 4..64", frame(adaptive(even, kDefaultLeast), true)},
-            {"whole frame, adaptive 1..64", frame(adaptive(even, kLeast), true)},
-            {"whole frame, one lane", frame(oneLane, true)},
-            {"whole frame, one copy for all lanes", frame(shared, true)}};
+using Contenders = std::vector<Contender>;
+
+double secondsSince(std::chrono::steady_clock::time_point start) {
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
 }
+
+void race(Contenders& contenders, int rounds) {
+    const auto begin = std::chrono::steady_clock::now();
+    for (int round = 0; round < rounds; ++round) {
+        if (round >= kLeastRounds && secondsSince(begin) > kLongRace) return;
+        for (Contender& contender : contenders) {
+            const auto start = std::chrono::steady_clock::now();
+            const std::clock_t processor = std::clock();
+            contender.rays = contender.run();
+            contender.seconds.push_back(secondsSince(start));
+            contender.processorSeconds.push_back(static_cast<double>(std::clock() - processor) /
+                                                 CLOCKS_PER_SEC);
+        }
+    }
+}
+
+void printContenders(const std::string& scene, const Contenders& contenders) {
+    for (const Contender& contender : contenders) {
+        std::printf(
+            "%-12s %-38s %8.3f s, of all processors %8.3f s, %zu rounds; million rays: %.2f "
+            "camera, %.2f shadow\n",
+            scene.c_str(), contender.name->text, medianOf(contender.seconds),
+            medianOf(contender.processorSeconds), contender.seconds.size(),
+            static_cast<double>(contender.rays.camera) * 1e-6,
+            static_cast<double>(contender.rays.shadow) * 1e-6);
+    }
+    std::fflush(stdout);
+}
+
+/// A line of the table.
+struct Row {
+    std::string metric;
+    double ours = 0;
+    double reference = 0;
+    const char* unit = "s";
+    double goal = 0;  ///< of the ratio; 0: none
+    bool atMost = true;
+
+    double ratio() const { return ours / reference; }
+};
+
+void print(const Row& row) {
+    const std::string& metric = row.metric;
+    std::printf("%s|%.3f %s|%.3f %s|%.2f|", metric.c_str(), row.ours, row.unit, row.reference,
+                row.unit, row.ratio());
+    if (row.goal == 0) {
+        std::printf("|\n");
+        return;
+    }
+    const bool met = row.atMost ? row.ratio() <= row.goal : row.ratio() >= row.goal;
+    std::printf("%s %.1f|%s\n", row.atMost ? "at most" : "at least", row.goal, met ? "yes" : "no");
+}
+
+/// What is compared with the bare loop's 16 samples.
+struct Metric {
+    Kind kind;
+    const char* text;
+    double goal;
+};
+
+constexpr Metric kMetrics[] = {
+    {Kind::Frame, "whole frame, 16 samples, beside the bare loop", 2.0},
+    {Kind::Default, "adaptive 4..64 (default), beside the bare loop at 16 samples", 1.0},
+    {Kind::Adaptive, "adaptive 1..64, beside the bare loop at 16 samples", 0.6},
+};
 
 /// Mean distance of display-referred channels, in steps of 255.
 double meanChannelError(const Picture& a, const Picture& b) {
@@ -370,68 +216,208 @@ double meanChannelError(const Picture& a, const Picture& b) {
     return 255 * sum / static_cast<double>(a.rgba.size());
 }
 
-void printRow(const char* metric, double ours, double reference, const char* unit, double goal,
-              bool atMost) {
-    const double ratio = ours / reference;
-    const bool met = atMost ? ratio <= goal : ratio >= goal;
-    std::printf("%s|%.3f %s|%.3f %s|%.2f|%s %.1f|%s\n", metric, ours, unit, reference, unit, ratio,
-                atMost ? "at most" : "at least", goal, met ? "yes" : "no");
+std::vector<Row> errorRows(const std::string& scene, Frame& frame, int scale) {
+    const auto picture = [&](int samples, int most = 0) {
+        return frame.render(frame.options(samples, most, scale));
+    };
+    const Picture reference = picture(kReferenceSamples);
+    const double even = meanChannelError(picture(kEvenSamples), reference);
+    const auto row = [&](const char* sampling, int least) {
+        return Row{scene + ": mean error, adaptive " + sampling + ", beside 64 samples everywhere",
+                   meanChannelError(picture(least, kEvenSamples), reference), even, "of 255", 1};
+    };
+    return {row("1..64", 1), row("4..64 (default)", 4)};
 }
 
-/// Errors in a picture of a third of the size, where steps weigh three times as much.
-void printErrors(Bench& bench) {
-    RenderOptions options = bench.options();
-    options.width /= 3;
-    options.height /= 3;
-    const Picture usual = bench.render(adaptive(options, kDefaultLeast), bench.look);
-    const Picture least = bench.render(adaptive(options, kLeast), bench.look);
-    options.samples = 64;
-    const Picture even = bench.render(options, bench.look);
-    options.samples = 1024;
-    const Picture reference = bench.render(options, bench.look);
-    const double evenError = meanChannelError(even, reference);
-    printRow("mean error, adaptive 1..64, beside 64 samples everywhere",
-             meanChannelError(least, reference), evenError, "of 255", 1, true);
-    printRow("mean error, adaptive 4..64 (default), beside 64 samples everywhere",
-             meanChannelError(usual, reference), evenError, "of 255", 1, true);
-}
+/// One scene, its renderer and its reference.
+class SceneBench {
+  public:
+    SceneBench(const std::string& scene, const Wanted& wanted)
+        : wanted_(&wanted),
+          bench_(makeScene(scene, wanted.files, static_cast<double>(kWidth) / kHeight)),
+          frame_(bench_, wanted) {}
 
-void run(const char* module, int rounds, std::size_t threads) {
-    Bench bench(module, threads);
-    std::vector<Contender> contenders = contendersOf(bench);
-    race(contenders, rounds);
-    const auto taken = [&](Entry entry) { return contenders[entry].median(); };
-    printRow("whole frame, 16 samples, beside Embree's streams", taken(kLook), taken(kStreams), "s",
-             2.0, true);
-    std::printf("the same, beside Embree's streams with the kernels of ours|%.3f s|%.3f s|%.2f||\n",
-                taken(kLook), taken(kUnfused), taken(kLook) / taken(kUnfused));
-    printRow("adaptive 1..64, beside Embree's streams at 16 samples", taken(kAdaptiveLeast),
-             taken(kStreams), "s", 0.8, true);
-    printRow("adaptive 4..64 (default), beside Embree's streams at 16 samples", taken(kAdaptive),
-             taken(kStreams), "s", 0.8, true);
-    printErrors(bench);
-    if (threads == 2) {
-        printRow("1 lane beside 2", taken(kOneLane), taken(kLook), "s", 1.9, false);
-    } else if (threads == 16) {
-        printRow("1 lane beside 16", taken(kOneLane), taken(kLook), "s", 14, false);
+    const std::string& name() const { return bench_.name; }
+    Frame& frame() { return frame_; }
+    int errorScale() const {
+        constexpr std::size_t kManyLights = 20;
+        return bench_.lights.lights.size() < kManyLights ? kErrorScale : kErrorScaleOfManyLights;
     }
-    std::printf("threads sharing one copy, beside lanes|%.3f s|%.3f s|%.2f||\n", taken(kSharedCopy),
-                taken(kLook), taken(kSharedCopy) / taken(kLook));
+
+    /// Times these kinds in turn and prints what each took.
+    Contenders timed(const std::vector<Kind>& kinds) {
+        Contenders contenders;
+        for (const KindName& name : kKinds) {
+            if (std::find(kinds.begin(), kinds.end(), name.kind) != kinds.end())
+                contenders.push_back({&name, runOf(name.kind)});
+        }
+        race(contenders, wanted_->rounds);
+        printContenders(bench_.name, contenders);
+        return contenders;
+    }
+
+  private:
+    std::function<RayCounts()> runOf(Kind kind) {
+        if (kind == Kind::Bare) {
+            if (!bare_) bare_.emplace(bench_.scene, bench_.camera, bench_.countedLights);
+            return [this] { return bare_->trace({kWidth, kHeight, kSamples, wanted_->threads}); };
+        }
+        return [this, options = optionsOf(frame_, kind)] {
+            frame_.render(options);
+            return frame_.rays();
+        };
+    }
+
+    const Wanted* wanted_;
+    BenchScene bench_;
+    Frame frame_;
+    std::optional<BareLoop> bare_;
+};
+
+double secondsOf(const Contenders& contenders, Kind kind) {
+    for (const Contender& contender : contenders) {
+        if (contender.name->kind == kind) return medianOf(contender.seconds);
+    }
+    throw std::logic_error("a kind was not timed");
+}
+
+std::vector<Row> metricRows(const std::string& scene, const Contenders& contenders) {
+    std::vector<Row> rows;
+    for (const Metric& metric : kMetrics) {
+        rows.push_back({scene + ": " + metric.text, secondsOf(contenders, metric.kind),
+                        secondsOf(contenders, Kind::Bare), "s", metric.goal});
+    }
+    return rows;
+}
+
+/// One thread beside all, and what it costs that threads share a module copy.
+std::vector<Row> threadRows(const std::string& scene, const Contenders& contenders, int threads) {
+    const double frame = secondsOf(contenders, Kind::Frame);
+    std::vector<Row> rows;
+    const std::map<int, double> goals{{2, 1.9}, {16, 14}};
+    if (const auto goal = goals.find(threads); goal != goals.end()) {
+        rows.push_back({scene + ": 1 thread beside " + std::to_string(threads),
+                        secondsOf(contenders, Kind::OneThread), frame, "s", goal->second, false});
+    }
+    rows.push_back({scene + ": threads sharing one module copy, beside a copy each",
+                    secondsOf(contenders, Kind::SharedCopy), frame});
+    return rows;
+}
+
+/// For each metric the row of the scene where the ratio is largest.
+std::vector<Row> worstRows(const std::vector<std::vector<Row>>& metricsOfScenes) {
+    std::vector<Row> worst;
+    for (std::size_t metric = 0; metric < std::size(kMetrics); ++metric) {
+        const Row* largest = &metricsOfScenes.front()[metric];
+        for (const std::vector<Row>& rows : metricsOfScenes) {
+            if (rows[metric].ratio() > largest->ratio()) largest = &rows[metric];
+        }
+        worst.push_back(*largest);
+        worst.back().metric = "worst of these, " + largest->metric;
+    }
+    return worst;
+}
+
+void printRows(const std::vector<Row>& rows) {
+    for (const Row& row : rows)
+        print(row);
+}
+
+/// What is asked for, all of it made before anything is timed: what is missing is told at once.
+std::vector<std::unique_ptr<SceneBench>> scenesOf(const Wanted& wanted) {
+    std::vector<std::unique_ptr<SceneBench>> scenes;
+    for (const std::string& name : wanted.scene.empty() ? sceneNames() : std::vector{wanted.scene})
+        scenes.push_back(std::make_unique<SceneBench>(name, wanted));
+    return scenes;
+}
+
+/// Times the scenes and prints the table's rows.
+void measureAll(const std::vector<std::unique_ptr<SceneBench>>& scenes, int threads) {
+    std::vector<std::vector<Row>> metrics;
+    std::vector<Row> others;
+    const auto append = [](std::vector<Row>& rows, const std::vector<Row>& more) {
+        rows.insert(rows.end(), more.begin(), more.end());
+    };
+    for (const auto& scene : scenes) {
+        const bool isFirst = scene == scenes.front();
+        std::vector<Kind> kinds{Kind::Bare, Kind::Frame, Kind::Default, Kind::Adaptive};
+        if (isFirst) kinds.insert(kinds.end(), {Kind::OneThread, Kind::SharedCopy});
+        const Contenders contenders = scene->timed(kinds);
+        metrics.push_back(metricRows(scene->name(), contenders));
+        append(others, errorRows(scene->name(), scene->frame(), scene->errorScale()));
+        if (isFirst) append(others, threadRows(scene->name(), contenders, threads));
+    }
+    for (const std::vector<Row>& rows : metrics)
+        printRows(rows);
+    // Many lights of which few count are a case by itself.
+    constexpr std::size_t kCompared = 3;
+    if (metrics.size() > kCompared) {
+        metrics.resize(kCompared);
+        printRows(worstRows(metrics));
+    }
+    printRows(others);
+}
+
+void measure(const Wanted& wanted) {
+    const auto scenes = scenesOf(wanted);
+    if (!wanted.picture.empty()) {
+        Frame& frame = scenes.front()->frame();
+        writePicture(frame.render(frame.options(4, 64)), wanted.picture,
+                     pictureFormat(wanted.picture, {}, false));
+    }
+    if (!wanted.only) return measureAll(scenes, wanted.threads);
+    for (const auto& scene : scenes)
+        scene->timed({*wanted.only});
+}
+
+Kind kindOf(const std::string& option) {
+    for (const KindName& kind : kKinds) {
+        if (kind.option == option) return kind.kind;
+    }
+    throw std::invalid_argument("no kind of render is called " + option);
+}
+
+int countOf(const std::string& text) {
+    char* end = nullptr;
+    const long count = std::strtol(text.c_str(), &end, 10);
+    if (*end != 0 || count < 1 || count > 1000)
+        throw std::invalid_argument("a count must be 1 to 1000, not " + text);
+    return static_cast<int>(count);
+}
+
+Wanted wantedOf(const std::vector<std::string>& words) {
+    if (words.empty()) throw std::invalid_argument("name the module");
+    Wanted wanted;
+    wanted.files.module = words.front();
+    if (const char* models = std::getenv("TAVORA_MODELS")) wanted.files.models = models;
+    const std::map<std::string, std::function<void(const std::string&)>> options{
+        {"--models", [&](const std::string& value) { wanted.files.models = value; }},
+        {"--scene", [&](const std::string& value) { wanted.scene = value; }},
+        {"--only", [&](const std::string& value) { wanted.only = kindOf(value); }},
+        {"--rounds", [&](const std::string& value) { wanted.rounds = countOf(value); }},
+        {"--threads", [&](const std::string& value) { wanted.threads = countOf(value); }},
+        {"--picture", [&](const std::string& value) { wanted.picture = value; }}};
+    for (std::size_t i = 1; i < words.size(); i += 2) {
+        const auto option = options.find(words[i]);
+        if (option == options.end()) throw std::invalid_argument("no option " + words[i]);
+        if (i + 1 == words.size()) throw std::invalid_argument(words[i] + " wants a value");
+        option->second(words[i + 1]);
+    }
+    return wanted;
 }
 
 }  // namespace
 
 int main(int count, char** arguments) {
-    if (count < 2) {
-        std::fprintf(stderr, "usage: frame_bench MODULE [ROUNDS] [THREADS]\n");
-        return 2;
-    }
-    const long rounds = count > 2 ? std::strtol(arguments[2], nullptr, 10) : 5;
-    const long threads = count > 3 ? std::strtol(arguments[3], nullptr, 10)
-                                   : static_cast<long>(std::thread::hardware_concurrency());
     try {
-        run(arguments[1], static_cast<int>(std::max(rounds, 1L)),
-            static_cast<std::size_t>(std::max(threads, 1L)));
+        measure(wantedOf({arguments + 1, arguments + count}));
+    } catch (const std::invalid_argument& error) {
+        std::fprintf(stderr,
+                     "frame_bench: %s\nusage: frame_bench MODULE [--models FOLDER] "
+                     "[--scene NAME|FILE] [--only KIND] [--rounds N] [--threads N] "
+                     "[--picture FILE.png]\n",
+                     error.what());
+        return 2;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "frame_bench: %s\n", error.what());
         return 1;
