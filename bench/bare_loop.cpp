@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <thread>
 
-#include "studio/render/sample_pattern.h"
-#include "studio/render/view.h"
+#include "studio/render/sampling/sample_pattern.h"
+#include "studio/render/trace/camera_rays.h"
 
 namespace tavora::bench {
 namespace {
@@ -26,28 +26,28 @@ constexpr float kInfinite = std::numeric_limits<float>::infinity();
 
 /// The studio's camera rays in single precision. Directions are not normalised, which spares
 /// the loop a root a ray.
-struct CameraRays {
+struct PictureRays {
     V3f eye;
     V3f corner;  ///< direction through the picture's upper left corner
     V3f right;   ///< one pixel
     V3f down;
 };
 
-CameraRays cameraRaysOf(const Camera& camera, const FrameSize& size) {
-    const View view(camera, size.width, size.height, size.samples);
+PictureRays pictureRaysOf(const Camera& camera, const FrameSize& size) {
+    const studio::CameraRays view(camera, size.width, size.height, size.samples);
     V3d forward;
     camera.cameraToWorld.multDirMatrix(V3d(0, 0, -1), forward);
     const auto through = [&](double x, double y) {
-        const V3d direction = view.rayThrough(x, y).direction;
+        const V3d direction = view.through(x, y).direction;
         return direction / direction.dot(forward);
     };
     const V3d corner = through(0, 0);
-    const V3d eye = view.rayThrough(0, 0).origin;
+    const V3d eye = view.through(0, 0).origin;
     return {V3f(eye), V3f(corner), V3f(through(1, 0) - corner), V3f(through(0, 1) - corner)};
 }
 
 std::vector<V2d> samplePlaces(int samples) {
-    return samplePattern(samples);
+    return hammersleyPattern(samples);
 }
 
 /// Numbers of rays or hits, an array for each of their fields.
@@ -97,7 +97,7 @@ struct Rays {
 /// long as rows and the usual tree.
 class Streams {
   public:
-    Streams(RTCScene scene, unsigned shadowed, const CameraRays& camera, std::vector<V2d> places,
+    Streams(RTCScene scene, unsigned shadowed, const PictureRays& camera, std::vector<V2d> places,
             const std::vector<const Light*>& lights)
         : scene_(scene),
           shadowed_(shadowed),
@@ -240,7 +240,7 @@ class Streams {
     RTCScene scene_;
     unsigned shadowed_;  ///< geometries, the first ones, whose hits want shadow rays
     RTCIntersectContext context_;
-    CameraRays camera_;
+    PictureRays camera_;
     const std::vector<const Light*>* lights_;
     std::vector<V2d> places_;
     std::size_t most_;
@@ -297,7 +297,7 @@ void BareLoop::attach(const Object& object, const Mesh& mesh) {
 }
 
 RayCounts BareLoop::trace(const FrameSize& size) const {
-    const CameraRays camera = cameraRaysOf(camera_, size);
+    const PictureRays camera = pictureRaysOf(camera_, size);
     const int columns = (size.width + kTile - 1) / kTile;
     const int rows = (size.height + kTile - 1) / kTile;
     std::atomic<int> next{0};

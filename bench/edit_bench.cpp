@@ -22,7 +22,8 @@
 
 #include "studio/link/module_copy.h"
 #include "studio/link/shader.h"
-#include "studio/render/live_picture.h"
+#include "studio/render/final/renderer.h"
+#include "studio/render/live/live_picture.h"
 #include "studio/scene/framing/default_view.h"
 #include "studio/scene/gltf/reader.h"
 #include "studio/scene/settings/settings.h"
@@ -93,7 +94,7 @@ class Live {
             if (!picture_.failure().empty()) throw std::runtime_error(picture_.failure());
             const auto frame = picture_.latest();
             const bool there = frame != nullptr && frame->revision == revision &&
-                               frame->coarseness == 1 && (!clean || frame->refined == 1);
+                               frame->blockSize == 1 && (!clean || frame->refined == 1);
             if (there) return;
             heard_.wait(lock, [this] { return std::exchange(news_, false); });
         }

@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "studio/render/ray_scene.h"
-#include "studio/render/renderer.h"
+#include "studio/render/trace/ray_scene.h"
+#include "studio/render/final/renderer.h"
 #include "studio/services/scene_index.h"
 #include "studio/setup/film_scene.h"
 #include "tests/scene/gltf_builder.h"
@@ -123,7 +123,7 @@ RenderOptions options() {
     options.width = 640;
     options.height = 360;
     options.samples = 4;
-    options.mostSamples = 64;
+    options.maxSamples = 64;
     options.background = Imath::V3d(0.9);
     return options;
 }

@@ -27,8 +27,8 @@
 
 #include "bench/bare_loop.h"
 #include "bench/scenes.h"
-#include "studio/render/picture_file.h"
-#include "studio/render/renderer.h"
+#include "studio/render/image/picture_file.h"
+#include "studio/render/final/renderer.h"
 #include "studio/util/color.h"
 
 namespace {
@@ -90,7 +90,7 @@ class Frame {
         options.width = kWidth / scale;
         options.height = kHeight / scale;
         options.samples = samples;
-        options.mostSamples = most;
+        options.maxSamples = most;
         options.threads = wanted_->threads;
         return options;
     }
@@ -115,7 +115,7 @@ RenderOptions optionsOf(const Frame& frame, Kind kind) {
     if (kind == Kind::Default) options = frame.options(4, 64);
     if (kind == Kind::Adaptive) options = frame.options(1, 64);
     if (kind == Kind::OneThread) options.threads = 1;
-    if (kind == Kind::SharedCopy) options.moduleEachThread = false;
+    if (kind == Kind::SharedCopy) options.modulePerWorker = false;
     return options;
 }
 
