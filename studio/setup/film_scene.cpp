@@ -89,14 +89,14 @@ void FilmScene::settle(const std::string& camera, double aspect) {
     cameraChoice_ = camera;
     aspect_ = aspect;
     meter_ = {};
-    shapes_.clear();
+    geometries_.clear();
     framing_.reset();
     const bool needsFraming = camera.empty() && scene().cameras.empty();
     const int moments = plays() && range_.end > range_.start ? kMoments : 1;
     for (int moment = moments - 1; moment >= 0; --moment) {
         if (plays()) pose(range_.start + (range_.end - range_.start) * moment / (kMoments - 1));
         meter_.measure(scene());
-        if (needsFraming && moments > 1) shapes_.push_back(shapeOf(scene()));
+        if (needsFraming && moments > 1) geometries_.push_back(geometryOf(scene()));
     }
     if (needsFraming) framing_ = framingFor(aspect);
     keyView_ = this->camera();
@@ -108,10 +108,10 @@ void FilmScene::setAspect(double aspect) {
 }
 
 Camera FilmScene::framingFor(double aspect) const {
-    if (shapes_.empty()) return framingCamera(scene(), aspect);
+    if (geometries_.empty()) return framingCamera(scene(), aspect);
     std::vector<const Scene*> all;
-    for (const Scene& shape : shapes_)
-        all.push_back(&shape);
+    for (const Scene& geometry : geometries_)
+        all.push_back(&geometry);
     return framingCameraOfFilm(all, aspect);
 }
 

@@ -72,7 +72,7 @@ class FilmScene {
     std::string cameraChoice_;
     double aspect_ = 1;
     LightMeter meter_;
-    std::vector<Scene> shapes_;      ///< that are framed, of a scene that plays
+    std::vector<Scene> geometries_;  ///< that are framed, of a scene that plays
     std::optional<Camera> framing_;  ///< where the scene has no camera
     Camera keyView_;                 ///< from which a scene without lights is lit
 };

@@ -57,16 +57,16 @@ class Planner {
 
     /// An avatar's own shading, where the file keeps no shader on it.
     void takeAvatars() {
-        std::map<std::string, std::vector<std::string>> inexact;  // surfaces by what is
+        std::map<std::string, std::vector<std::string>> inaccuracies;  // surfaces by what is
         for (std::size_t i = 0; i < planned_.size(); ++i) {
             const Surface& surface = scene_.surfaces[i];
             if (planned_[i] || !surface.toon) continue;
             const ToonZones zones = toonZones(scene_, surface);
             planned_[i] = builtInWith(zones.settings, surface.name);
-            for (const std::string& what : zones.inexact)
-                inexact[what].push_back(surface.name);
+            for (const std::string& what : zones.inaccuracies)
+                inaccuracies[what].push_back(surface.name);
         }
-        for (const auto& [what, surfaces] : inexact)
+        for (const auto& [what, surfaces] : inaccuracies)
             report_.note(1, fmt::format("avatars are met nearly: {} ({})", what, someOf(surfaces)));
     }
 

@@ -46,18 +46,18 @@ inline std::optional<LightSample> sampleLight(const LightSet& lights, const Reso
         sample.distance = std::numeric_limits<double>::infinity();
         return sample;
     }
-    const Imath::V3d way = position - light.position;
-    sample.distance = std::sqrt(way.length2());
-    sample.direction = sample.distance > 0 ? way / sample.distance : light.direction;
-    double level = 1;
+    const Imath::V3d offset = position - light.position;
+    sample.distance = std::sqrt(offset.length2());
+    sample.direction = sample.distance > 0 ? offset / sample.distance : light.direction;
+    double attenuation = 1;
     if (light.kind == LightKind::Spot)
-        level *= coneAttenuation(light, sample.direction.dot(light.direction));
+        attenuation *= coneAttenuation(light, sample.direction.dot(light.direction));
     if (lights.falloff) {
-        level *= rangeAttenuation(light, sample.distance) * resolved.scale /
-                 std::max(sample.distance * sample.distance, 1e-12);
+        attenuation *= rangeAttenuation(light, sample.distance) * resolved.scale /
+                       std::max(sample.distance * sample.distance, 1e-12);
     }
-    if (!(level > 0)) return std::nullopt;
-    sample.color *= level;
+    if (!(attenuation > 0)) return std::nullopt;
+    sample.color *= attenuation;
     return sample;
 }
 
