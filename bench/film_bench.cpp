@@ -132,7 +132,7 @@ Costs measure(const std::filesystem::path& file) {
     Report report{ReportOptions{}};
     FilmScene film(file, {});
     film.play({}, report);
-    film.settle({}, 16.0 / 9);
+    film.prepare({}, 16.0 / 9);
     Renderer renderer(film.scene(), SceneUse::Film);
     const SurfaceShaders plain(film.scene().surfaces.size());
     const RenderWatch watch{[](double) {}, nullptr};

@@ -80,7 +80,7 @@ std::unique_ptr<FilmScene> openScene(const RenderRequest& request, Report& repor
     clear(&Surface::normalMap, request.withoutNormalMap, "--no-normal-map", scene);
     if (request.animation.isAsked() || !request.frames.empty())
         film->play(request.animation.names, report);
-    if (!film->plays()) film->stayAtRest();
+    if (!film->plays()) film->closeFile();
     reportScene(scene, report);
     return film;
 }
@@ -358,7 +358,7 @@ void render(const RenderRequest& request, Report& report) {
         checkedFormat(request, isFilm ? files.of(request.frames.front()) : request.output);
     refuseExisting(request, files);
     const std::unique_ptr<FilmScene> scene = openScene(request, report);
-    scene->settle(request.camera, static_cast<double>(area.width) / area.height);
+    scene->prepare(request.camera, static_cast<double>(area.width) / area.height);
     report.note(1, fmt::format("camera \"{}\"", scene->camera().name));
     const LightSet lights = scene->lights(request.lighting);
     const Shading shading = settleShading(scene->scene(), request, report);

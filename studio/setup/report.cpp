@@ -69,9 +69,9 @@ void Report::warning(std::string_view text) {
     log("warning: " + line);
 }
 
-void Report::note(int level, std::string_view text) {
+void Report::note(int verbosity, std::string_view text) {
     const std::string line = oneLine(text);
-    if (!options_.quiet && options_.verbosity >= level) say("", "", line);
+    if (!options_.quiet && options_.verbosity >= verbosity) say("", "", line);
     log(line);
 }
 

@@ -11,7 +11,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/scene/settings/look_writing.h"
 #include "studio/window/help.h"
 #include "studio/window/look_menu.h"

@@ -6,7 +6,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/render/display_levels.h"
 #include "studio/scene/settings/look.h"
 #include "studio/services/messages.h"

@@ -5,7 +5,7 @@
 #include <QScreen>
 #include <utility>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/services/instance_update.h"
 #include "studio/window/panel_place.h"
 #include "studio/window/panel_services.h"
@@ -93,7 +93,7 @@ void PanelSession::finish(std::function<void()> after) {
 
 /// The control went back by itself, but not always to the last bit.
 void PanelSession::abandon(Gesture gesture) {
-    if (!isOpen() || !session_->document().undo.did(gesture)) return;
+    if (!isOpen() || !session_->document().undo.isLastStepOf(gesture)) return;
     interrupt([this, gesture] { session_->document().undo.abandon(gesture); });
 }
 

@@ -70,8 +70,8 @@ void Session::startPlaying(const AnimationRequest& request) {
         playing_ = film.play(request.names, report_);
         warnFrom(told);
     }
-    film.settle({}, kUsualAspect);
-    if (scene().animations.empty()) film.stayAtRest();
+    film.prepare({}, kUsualAspect);
+    if (scene().animations.empty()) film.closeFile();
     if (!film.plays()) return;
     time_ = std::clamp(request.seconds.value_or(0), range().start, range().end);
     film.pose(time_);
@@ -90,7 +90,7 @@ void Session::play(const std::vector<std::size_t>& animations) {
         const std::size_t told = scene().warnings.size();
         film.play(playing_);
         warnFrom(told);
-        film.settle({}, width_ > 0 ? aspect() : kUsualAspect);
+        film.prepare({}, width_ > 0 ? aspect() : kUsualAspect);
         time_ = range().start;
         if (film.plays()) film.pose(time_);
     });

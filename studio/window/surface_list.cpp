@@ -2,7 +2,7 @@
 
 #include <QSignalBlocker>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 
 namespace tavora::studio {
 namespace {

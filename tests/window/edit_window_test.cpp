@@ -13,7 +13,7 @@
 #include <gmock/gmock.h>
 #include <map>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/scene/settings/look.h"
 #include "studio/window/look_thumbnails.h"
 #include "studio/window/panel_place.h"
