@@ -53,17 +53,17 @@ void edit(const EditRequest& request, Report& report) {
     if (!WindowMemory().restore(window)) placeFirst(window);
     window.show();
 
-    const PoliteStop stop;
+    const GracefulStop stop;
     std::string work;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
-        if (!stop.asked() || !work.empty()) return;
+        if (!stop.isRequested() || !work.empty()) return;
         work = keepWork(window);
         QApplication::exit();
     });
     watch.start(kSignalInterval);
     QApplication::exec();
-    if (stop.asked()) throw Stopped(work);
+    if (stop.isRequested()) throw Stopped(work);
 }
 
 }  // namespace tavora::studio

@@ -65,7 +65,7 @@ void Session::lightScene() {
 
 void Session::startPlaying(const AnimationRequest& request) {
     FilmScene& film = document_.film;
-    if (request.isAsked()) {
+    if (request.isGiven()) {
         const std::size_t told = scene().warnings.size();
         playing_ = film.play(request.names, report_);
         warnFrom(told);
