@@ -125,7 +125,7 @@ void addLighting(CLI::App& command, LightingOptions& lighting) {
     constexpr double kMaxRadius = 1e9;  // metres
     const auto radius = [](const std::string& text) { return lightSize(text, kMaxRadius); };
     const auto angle = [](const std::string& text) {
-        LightSize size = lightSize(text, kWidestSunDegrees);
+        LightSize size = lightSize(text, kMaxLightDegrees);
         size.size *= kRadiansPerDegree;
         return size;
     };

@@ -3,7 +3,7 @@
 #include <set>
 
 #include "studio/app/commands.h"
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/standard_streams.h"
 #include "studio/scene/gltf/reader.h"
 #include "studio/scene/gltf/settings_writer.h"
@@ -109,7 +109,7 @@ void showOrStoreSettings(const SettingsRequest& request, Report& report) {
     if (isStream(request.output)) {
         checkStandardOutput();
     } else if (!request.output.empty()) {
-        outputPlace(request.output);
+        outputTarget(request.output);
     }
     const Scene scene = readGltf(request.scene, request.reading);
     reportScene(scene, report);

@@ -9,7 +9,7 @@
 #include <string>
 #include <system_error>
 
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/whole_file.h"
 #include "studio/services/block_encoding.h"
 #include "studio/services/messages.h"
@@ -111,7 +111,7 @@ const HostSaveState* openSave(const char* path, int ioMode) {
         save->file = platformPath(path);
         checkReplaceable(save->file);
         fs::create_directories(save->file.parent_path());
-        outputPlace(save->file);
+        outputTarget(save->file);
         save->record = *save->writer.record();
         return &save.release()->record;
     } catch (const std::exception& error) {

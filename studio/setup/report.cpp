@@ -7,7 +7,7 @@
 #include <unistd.h>
 #include <utility>
 
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/standard_streams.h"
 #include "studio/util/error.h"
 #include "studio/util/text.h"

@@ -45,7 +45,7 @@ class LightExtras {
         double degrees = light.angle / kRadiansPerDegree;
         readSize("angle", directional, "the angle of a directional light, in degrees below 180",
                  degrees);
-        light.angle = std::min(degrees, kWidestSunDegrees) * kRadiansPerDegree;
+        light.angle = std::min(degrees, kMaxLightDegrees) * kRadiansPerDegree;
     }
 
   private:

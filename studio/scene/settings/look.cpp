@@ -29,7 +29,7 @@ struct Source {
     const std::string& name;
 
     std::string positionText(std::string_view part) const {
-        return placeInText(text, static_cast<std::size_t>(part.data() - text.data()), name);
+        return positionInText(text, static_cast<std::size_t>(part.data() - text.data()), name);
     }
     [[noreturn]] void refuse(std::string_view part, const std::string& what) const {
         throw Error(Fault::Scene, fmt::format("{}: {}", positionText(part), what));
