@@ -65,7 +65,7 @@ class Planner {
             if (planned_[i] || !surface.toon) continue;
             const ToonZones zones = toonZones(scene_, surface);
             planned_[i] = builtInWith(zones.settings, surface.name);
-            for (const std::string& what : zones.inaccuracies)
+            for (const std::string& what : zones.inexact)
                 inaccuracies[what].push_back(surface.name);
         }
         for (const auto& [what, surfaces] : inaccuracies)

@@ -226,7 +226,7 @@ ToonZones toonZones(const Scene& scene, const Surface& surface) {
                       {"edgeEnable", false},
                       {"slopeEnable", false},
                       {"inkoverEnable", false}};
-    zones.inaccuracies = inaccuraciesOf(border, fitter);
+    zones.inexact = inaccuraciesOf(border, fitter);
     return zones;
 }
 

@@ -11,8 +11,8 @@ namespace tavora::studio {
 
 /// Settings of the shader that imitate an avatar's shading.
 struct ToonZones {
-    nlohmann::ordered_json settings;        ///< for applySettings()
-    std::vector<std::string> inaccuracies;  ///< where they are only near it, a phrase each
+    nlohmann::ordered_json settings;   ///< for applySettings()
+    std::vector<std::string> inexact;  ///< where they are only near it, a phrase each
 };
 
 /// Computes the zones for a surface of `scene` that has a ToonShade. Zone positions are the
