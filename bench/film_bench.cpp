@@ -16,8 +16,8 @@
 #include <string>
 #include <vector>
 
-#include "studio/render/trace/ray_scene.h"
 #include "studio/render/final/renderer.h"
+#include "studio/render/trace/ray_scene.h"
 #include "studio/services/scene_index.h"
 #include "studio/setup/film_scene.h"
 #include "tests/scene/gltf_builder.h"
@@ -132,7 +132,7 @@ Costs measure(const std::filesystem::path& file) {
     Report report{ReportOptions{}};
     FilmScene film(file, {});
     film.play({}, report);
-    film.settle({}, 16.0 / 9);
+    film.prepare({}, 16.0 / 9);
     Renderer renderer(film.scene(), SceneUse::Film);
     const SurfaceShaders plain(film.scene().surfaces.size());
     const RenderWatch watch{[](double) {}, nullptr};

@@ -27,8 +27,8 @@
 
 #include "bench/bare_loop.h"
 #include "bench/scenes.h"
-#include "studio/render/image/picture_file.h"
 #include "studio/render/final/renderer.h"
+#include "studio/render/image/picture_file.h"
 #include "studio/util/color.h"
 
 namespace {

@@ -16,7 +16,7 @@ using Texts = std::vector<std::string>;
 
 constexpr const char* kOptionalValue = "{*}";
 
-// "-o FILE" where there is a short name, else "--output FILE", or the name of what stands alone.
+// "-o FILE" for an option with a short name, else "--output FILE"; the name of a positional.
 std::string usageOf(const CLI::Option& option) {
     if (option.get_positional()) return option.get_name(true, false);
     const std::string name = option.get_snames().empty() ? "--" + option.get_lnames().front()
@@ -24,10 +24,10 @@ std::string usageOf(const CLI::Option& option) {
     return name + " " + option.get_type_name();
 }
 
-/// How help and usage are laid out.
+/// The layout of help and usage.
 class HelpFormatter : public CLI::Formatter {
   public:
-    /// Shows an option whose value may be left out as people write it.
+    /// Shows an option with an optional value in the form that people write.
     std::string make_option_name(const CLI::Option* option, bool positional) const override {
         std::string name = Formatter::make_option_name(option, positional);
         const std::size_t value = name.find(kOptionalValue);
@@ -45,16 +45,16 @@ class HelpFormatter : public CLI::Formatter {
         return text;
     }
 
-    /// With one empty line between groups of options.
+    /// Leaves one empty line between groups of options.
     std::string make_help(const CLI::App* app, std::string name,
                           CLI::AppFormatMode mode) const override {
         std::string text = Formatter::make_help(app, std::move(name), mode);
-        for (std::size_t at = 0; (at = text.find("\n\n\n", at)) != std::string::npos;)
-            text.erase(at, 1);
+        for (std::size_t gap = 0; (gap = text.find("\n\n\n", gap)) != std::string::npos;)
+            text.erase(gap, 1);
         return text;
     }
 
-    /// What must be there first: "tavora render SCENE -o FILE [OPTIONS]".
+    /// Required arguments come first: "tavora render SCENE -o FILE [OPTIONS]".
     std::string make_usage(const CLI::App* app, std::string name) const override {
         std::string usage = "Usage: " + name;
         std::string optional;
@@ -70,7 +70,7 @@ class HelpFormatter : public CLI::Formatter {
     }
 };
 
-// A surface behind a flag that takes its value only after "=" is an easy slip.
+// A hint for a surface that was written after a flag that takes its value only after "=".
 std::string valueHint(const CLI::App& app, const std::string& extra) {
     for (const CLI::Option* option : app.get_options()) {
         const Texts& given = option->results();
@@ -85,7 +85,7 @@ std::string seeHelp(const CLI::App& command) {
     return fmt::format("; see tavora {} --help", command.get_name());
 }
 
-// "-o=a.png" is no spelling of "--output=a.png".
+// Refuses an empty value and "-o=a.png", which does not mean "--output=a.png".
 void checkSpelling(const CLI::Option& option, const std::string& source, const std::string& text) {
     if (text.empty()) {
         throw Error(Fault::Usage, source + " is empty; give it a value or leave it out");
@@ -105,7 +105,7 @@ std::string missing(const CLI::App& command) {
     return {};
 }
 
-// An option without a value, or twice what can stand there once.
+// The message for an option without a value, or one that is given too often.
 std::string miscounted(const CLI::App& command, const std::string& name) {
     const CLI::Option* option = command.get_option_no_throw(name);
     if (option == nullptr || option->count() < 2) return name + " needs a value" + seeHelp(command);
@@ -170,7 +170,7 @@ void refuse(const CLI::App& command, const CLI::ParseError& error) {
     if (dynamic_cast<const CLI::RequiredError*>(&error) != nullptr) {
         throw Error(Fault::Usage, missing(command));
     }
-    // Options keep their texts; only a flag is converted, from what stands behind "=".
+    // Only flags are converted by the parser, from the text after "=".
     const bool flag = dynamic_cast<const CLI::ConversionError*>(&error) != nullptr;
     throw Error(Fault::Usage, text + (flag ? ": a flag takes no value" : "") + seeHelp(command));
 }

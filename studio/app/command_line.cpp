@@ -40,7 +40,7 @@ Store into(std::vector<Target>& target, Read read) {
     return [&target, read](const std::string& text) { target.push_back(read(text)); };
 }
 
-// What every command has.
+// Options that several commands have.
 
 void addReport(CLI::App& command, ReportOptions& report) {
     command.option_defaults()->group("Messages");
@@ -95,12 +95,12 @@ void addPictureSize(CLI::App& command, RenderRequest& request) {
               });
     addOption(command, "--scale", "PCT", "Scale the size, in percent",
               into(request.scale, percentage));
-    CLI::Option* shares =
+    CLI::Option* fractions =
         addOption(command, "--crop", "X0,Y0,X1,Y1", "Render a part, in shares of the picture",
-                  into(request.cropShares, cropShares));
+                  into(request.cropFractions, cropFractions));
     addOption(command, "--crop-pixels", "X0,Y0,X1,Y1", "Render a part, in pixels",
               into(request.cropPixels, cropPixels))
-        ->excludes(shares);
+        ->excludes(fractions);
 }
 
 void addTile(CLI::App& command, RenderRequest& request) {
@@ -122,10 +122,10 @@ void addLighting(CLI::App& command, LightingOptions& lighting) {
               into(lighting.exposure, exposure));
     addOption(command, "--falloff", "none|physical", "How light weakens with distance (none)",
               into(lighting.falloff, oneOf<bool>({{"none", false}, {"physical", true}})));
-    constexpr double kFarthest = 1e9;  // metres
-    const auto radius = [](const std::string& text) { return lightSize(text, kFarthest); };
+    constexpr double kMaxRadius = 1e9;  // metres
+    const auto radius = [](const std::string& text) { return lightSize(text, kMaxRadius); };
     const auto angle = [](const std::string& text) {
-        LightSize size = lightSize(text, kWidestSunDegrees);
+        LightSize size = lightSize(text, kMaxLightDegrees);
         size.size *= kRadiansPerDegree;
         return size;
     };
@@ -181,7 +181,7 @@ void addBackground(CLI::App& command, std::optional<Imath::V3d>& target) {
 void addView(CLI::App& command, RenderRequest& request) {
     addOption(command, "-c,--camera", "NAME|INDEX", "Camera of the scene (its first)",
               into(request.camera));
-    // Whoever lists cameras wants no picture.
+    // Listing cameras makes no picture, so it needs no output.
     const auto list = [&request, output = command.get_option("--output")] {
         request.listCameras = true;
         output->required(false);
@@ -206,8 +206,8 @@ void addFilm(CLI::App& command, RenderRequest& request) {
               "Frames of a film, like 1-48x2,60, at the time frame / fps",
               [&request](const std::string& text) { request.frames = frameNumbers(text); })
         ->excludes(command.get_option("--time"));
-    constexpr double kSlowest = 0.001;
-    const auto fps = [](const std::string& text) { return realNumber(text, kSlowest, 1e5); };
+    constexpr double kMinFps = 0.001;
+    const auto fps = [](const std::string& text) { return realNumber(text, kMinFps, 1e5); };
     addOption(command, "--fps", "N", "Frames a second (24)", into(request.animation.fps, fps));
     const auto hold = [](const std::string& text) { return wholeNumber(text, 1, 1000); };
     addOption(command, "--hold", "N",
@@ -321,7 +321,8 @@ void addHelp(CLI::App& command, HelpRequest& request) {
     addOption(command, "COMMAND", "", "Which command", into(request.command));
 }
 
-// Options that stand on both sides of the command: counts add up, the last file counts.
+// Merges message options before the command into those after it: counts add up, and the last
+// log file counts.
 void addBefore(ReportOptions& report, const ReportOptions& before) {
     report.verbosity += before.verbosity;
     report.quiet = report.quiet || before.quiet;
@@ -338,7 +339,7 @@ bool sameFile(const std::string& a, const std::string& b) {
     return fs::weakly_canonical(a, error) == fs::weakly_canonical(b, error);
 }
 
-// A log is added to its file, which would spoil a scene or be lost in a picture.
+// The log is appended to its file, which would damage a scene and be lost in a picture.
 void checkLog(const std::string& log, const std::string& file) {
     if (log.empty() || file.empty() || !sameFile(log, file)) return;
     throw Error(
@@ -346,20 +347,21 @@ void checkLog(const std::string& log, const std::string& file) {
         fmt::format("--log-file: {} is an input or the output itself; name another file", log));
 }
 
-// Whether a command that reads its scene once, and from wherever, may read standard input.
-template <class Asked>
+// Whether a command may read its scene from standard input: if it reads it only once and does
+// not need its folder.
+template <class RequestType>
 constexpr bool kReadsStreams =
-    std::is_same_v<Asked, RenderRequest> || std::is_same_v<Asked, InfoRequest> ||
-    std::is_same_v<Asked, SettingsRequest>;
+    std::is_same_v<RequestType, RenderRequest> || std::is_same_v<RequestType, InfoRequest> ||
+    std::is_same_v<RequestType, SettingsRequest>;
 
-template <class Asked>
-void checkInput(const std::string& command, const Asked& request) {
+template <class RequestType>
+void checkInput(const std::string& command, const RequestType& request) {
     if (!isStream(request.scene)) return;
-    if constexpr (!kReadsStreams<Asked>) {
+    if constexpr (!kReadsStreams<RequestType>) {
         throw Error(
             Fault::Usage,
             fmt::format("{} needs a scene in a file, not standard input; name one", command));
-    } else if constexpr (std::is_same_v<Asked, SettingsRequest>) {
+    } else if constexpr (std::is_same_v<RequestType, SettingsRequest>) {
         if (!request.output.empty()) {
             throw Error(Fault::Usage,
                         "settings -o needs a scene in a file, not standard input; name one");
@@ -372,8 +374,8 @@ void checkInput(const std::string& command, const Asked& request) {
     }
 }
 
-template <class Asked>
-void checkOutput(const std::string& command, const Asked& request) {
+template <class RequestType>
+void checkOutput(const std::string& command, const RequestType& request) {
     if (!isStream(request.output) || ::isatty(STDOUT_FILENO) != 1) return;
     throw Error(
         Fault::Usage,
@@ -393,8 +395,8 @@ void checkTiles(const MergeRequest& request) {
     }
 }
 
-/// All commands of one command line. What is wrong with a name on it is said first, since it
-/// explains more than what is missing or excluded.
+/// Parses a command line. An unknown name on it is reported first, since it explains more than
+/// an option that is missing or excluded.
 class Parser {
   public:
     Parser() {
@@ -420,11 +422,11 @@ class Parser {
         } catch (const CLI::CallForVersion& version) {
             return TextRequest{std::string(version.what()) + "\n"};
         } catch (const CLI::ParseError& error) {
-            if (isHelpAsked()) return help();
+            if (isHelpRequested()) return help();
             checkNames();
             refuse(*chosen(), error);
         } catch (const Error&) {
-            if (isHelpAsked()) return help();
+            if (isHelpRequested()) return help();
             checkNames();
             throw;
         }
@@ -433,22 +435,23 @@ class Parser {
     }
 
   private:
-    /// A command that fills `request`, which is asked for once the whole line is read.
-    template <class Asked>
-    void add(const char* name, const char* text, const char* examples, Asked& request,
-             void (*addOptions)(CLI::App&, Asked&)) {
+    /// Adds a command that fills `request`, which is checked once the whole line was parsed.
+    template <class RequestType>
+    void add(const char* name, const char* text, const char* examples, RequestType& request,
+             void (*addOptions)(CLI::App&, RequestType&)) {
         CLI::App& command = *app_.add_subcommand(name, text);
         describe(command, examples);
         command.group("Commands");
         addOptions(command, request);
-        // At the end of the command itself; else variables would be read for the others too.
+        // Set as the callback of the command itself: otherwise the parser would read environment
+        // variables for the other commands too.
         command.parse_complete_callback([this, &command, &request] {
             finish_ = [this, &command, &request] { return finish(command, request); };
         });
     }
 
-    template <class Asked>
-    Request finish(const CLI::App& command, Asked& request) {
+    template <class RequestType>
+    Request finish(const CLI::App& command, RequestType& request) {
         addBefore(request.report, before_);
         if constexpr (requires { request.scene; }) {
             checkInput(command.get_name(), request);
@@ -458,7 +461,7 @@ class Parser {
             checkOutput(command.get_name(), request);
             checkLog(request.report.logFile, request.output);
         }
-        if constexpr (std::is_same_v<Asked, MergeRequest>) checkTiles(request);
+        if constexpr (std::is_same_v<RequestType, MergeRequest>) checkTiles(request);
         return request;
     }
 
@@ -467,7 +470,7 @@ class Parser {
         const auto named = [&](const CLI::App* command) { return command->get_name() == name; };
         const std::vector<CLI::App*> commands = app_.get_subcommands(named);
         if (commands.empty() && !name.empty()) refuseCommand(name);
-        // Not help(), which would tell of the command chosen.
+        // Not help(), which would describe the command "help" itself.
         const CLI::App* about = commands.empty() ? &app_ : commands.front();
         return TextRequest{
             app_.get_formatter()->make_help(about, name.empty() ? "tavora" : "tavora " + name,
@@ -481,8 +484,8 @@ class Parser {
         return commands.empty() ? nullptr : commands.front();
     }
 
-    // However wrong the rest of the line is.
-    bool isHelpAsked() const {
+    // True even if the rest of the line is wrong.
+    bool isHelpRequested() const {
         return app_.count("--help") > 0 || (chosen() != nullptr && chosen()->count("--help") > 0);
     }
 
@@ -491,7 +494,7 @@ class Parser {
         return {app_.help() + "\n"};
     }
 
-    // Throws Error, Fault::Usage unless all that is on the line has a meaning.
+    // Throws Error, Fault::Usage, for an unknown name on the line.
     void checkNames() const {
         checkBeforeCommand();
         if (chosen() == nullptr) {

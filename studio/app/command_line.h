@@ -4,8 +4,8 @@
 
 namespace tavora::studio {
 
-/// Reads the command line and the environment that stands in for options.
-/// Throws Error, Fault::Usage.
+/// Parses the command line, and environment variables for options that it lacks. Throws Error,
+/// Fault::Usage.
 Request parseCommandLine(int argc, char** argv);
 
 }  // namespace tavora::studio

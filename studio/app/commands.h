@@ -3,8 +3,7 @@
 #include "studio/app/requests.h"
 #include "studio/setup/report.h"
 
-/// One function a command. Each throws Fault::Usage, Fault::Scene, Fault::Output,
-/// Fault::Module or RenderStopped when it cannot do what was asked.
+/// The commands, one function for each. They throw Error, with any Fault, and RenderStopped.
 namespace tavora::studio {
 
 void render(const RenderRequest& request, Report& report);

@@ -6,18 +6,18 @@
 
 #include "studio/scene/scene.h"
 
-/// What a scene holds, for `tavora info`.
+/// The output of `tavora info`.
 namespace tavora::studio {
 
-/// The module that `option` finds, with its classes; without a module its
-/// "file" is null and "problem" says why: part of the answer, not a failure.
+/// Describes the module that findModule(option) finds, with its classes. When there is none,
+/// "file" is null and "problem" says why; that is no error.
 nlohmann::ordered_json describeModule(const std::string& option);
 
-/// The scene for programs and for people; `module` as describeModule gave it.
+/// Describes a scene for programs and for people; `module` is from describeModule().
 nlohmann::ordered_json sceneJson(const Scene& scene, const nlohmann::ordered_json& module);
 std::string sceneText(const Scene& scene, const nlohmann::ordered_json& module);
 
-/// Triangles that are drawn: those of a mesh once for each object that uses it.
+/// The number of triangles that are drawn: a mesh counts once for each object that uses it.
 std::size_t triangleCount(const Scene& scene);
 
 const char* nameOf(AlphaMode mode);

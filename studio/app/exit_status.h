@@ -2,13 +2,13 @@
 
 namespace tavora::studio {
 
-/// What the program's exit status means beside the values of Fault. A signal n
-/// that stopped it gives 128 + n, but kResumable in a film.
+/// Exit statuses of the program, in addition to the values of Fault. When signal n stops it, the
+/// exit status is 128 + n, or kResumable in a film.
 enum ExitStatus : int {
     kDone = 0,
     kInternal = 1,
-    kSomeFailed = 5,  ///< frames, of a film that went on
-    kResumable = 75,  ///< stopped; the same command goes on with --existing skip
+    kSomeFailed = 5,  ///< some frames of a film failed, with --keep-going
+    kResumable = 75,  ///< stopped; the same command with --existing skip continues
     kSignal = 128
 };
 

@@ -28,7 +28,7 @@ RenderOptions FilmRenderer::options(std::optional<int> frame) const {
 
 void FilmRenderer::pose(double seconds) {
     if (scene_.plays() && posedAt_ != seconds) {
-        posedAt_.reset();  // a scene that cannot be posed is posed again the next time
+        posedAt_.reset();  // if posing fails, it must be done again the next time
         scene_.pose(seconds);
         posedAt_ = seconds;
         if (renderer_) renderer_->update();
@@ -54,20 +54,20 @@ Picture FilmRenderer::renderNow(const RenderOptions& options, const RenderWatch&
     return picture;
 }
 
-/// One sample of each pixel after the other, each at its time.
-Picture FilmRenderer::expose(const RenderOptions& whole, const RenderWatch& watch) {
+/// Renders all pixels once per sample, each time at another time in the shutter interval.
+Picture FilmRenderer::renderMotionBlur(const RenderOptions& whole, const RenderWatch& watch) {
     RenderOptions options = whole;
     options.samples = std::max(whole.samples, whole.maxSamples);
     options.maxSamples = 0;
     options.background.reset();
     const std::vector<double> times = shutterTimes(options.samples);
-    const double open = request_.shutter / request_.animation.fps;
+    const double openSeconds = request_.shutter / request_.animation.fps;
     Exposure exposure;
     for (std::size_t i = 0; i < times.size(); ++i) {
         const auto inAll = [&](double done) {
             return (static_cast<double>(i) + done) / static_cast<double>(times.size());
         };
-        pose(whole.time.seconds + (times[i] - 0.5) * open);
+        pose(whole.time.seconds + (times[i] - 0.5) * openSeconds);
         options.part = SampleRange{i, i + 1};
         exposure.add(
             renderNow(options, {[&](double done) { watch.progress(inAll(done)); }, watch.stop}));
@@ -78,7 +78,7 @@ Picture FilmRenderer::expose(const RenderOptions& whole, const RenderWatch& watc
 Picture FilmRenderer::render(std::optional<int> frame, const RenderWatch& watch) {
     stats_ = {};
     const RenderOptions options = this->options(frame);
-    if (request_.shutter > 0 && scene_.plays()) return expose(options, watch);
+    if (request_.shutter > 0 && scene_.plays()) return renderMotionBlur(options, watch);
     pose(options.time.seconds);
     return renderNow(options, watch);
 }

@@ -15,10 +15,10 @@ namespace tavora::studio {
 namespace {
 
 constexpr int kLastFrame = 9'999'999;
-constexpr std::size_t kMostFrames = 1'000'000;
-constexpr int kMostDigits = 20;
+constexpr std::size_t kMaxFrames = 1'000'000;
+constexpr int kMaxDigits = 20;
 
-// Takes a frame's number off the front of `text`; false where there is none.
+// Reads a frame number at the front of `text` and removes it; false when there is none.
 bool takeNumber(std::string_view& text, int& number) {
     const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), number);
     if (error != std::errc() || std::abs(static_cast<std::int64_t>(number)) > kLastFrame)
@@ -65,8 +65,8 @@ std::vector<int> frameNumbers(const std::string& text) {
         for (int frame = span.first; step > 0 ? frame <= span.last : frame >= span.last;
              frame += step) {
             if (seen.insert(frame).second) frames.push_back(frame);
-            if (frames.size() > kMostFrames)
-                refuse(fmt::format("at most {} frames", kMostFrames), text);
+            if (frames.size() > kMaxFrames)
+                refuse(fmt::format("at most {} frames", kMaxFrames), text);
         }
         if (end == std::string_view::npos) return frames;
         rest.remove_prefix(end + 1);
@@ -88,29 +88,29 @@ std::string frameText(const std::vector<int>& frames) {
 
 FrameName::FrameName(const std::string& pattern) {
     std::string* part = &before_;
-    const auto place = [&](std::size_t digits) {
-        if (hasPlace_) {
+    const auto startNumber = [&](std::size_t digits) {
+        if (hasNumber_) {
             throw Error(
                 Fault::Usage,
                 fmt::format("-o {}: has two places for a frame's number; leave one", pattern));
         }
-        hasPlace_ = true;
+        hasNumber_ = true;
         digits_ = static_cast<int>(digits);
         part = &after_;
     };
     for (std::size_t i = 0; i < pattern.size();) {
         if (pattern[i] == '#') {
             const std::size_t end = std::min(pattern.find_first_not_of('#', i), pattern.size());
-            place(end - i);
+            startNumber(end - i);
             i = end;
             continue;
         }
         if (pattern[i] == '%') {
             const std::size_t end = pattern.find_first_not_of("0123456789", i + 1);
-            const bool isPlace = end != std::string::npos && pattern[end] == 'd';
-            if (isPlace && (end == i + 1 || pattern[i + 1] == '0') && end - i < 4) {
+            const bool isNumber = end != std::string::npos && pattern[end] == 'd';
+            if (isNumber && (end == i + 1 || pattern[i + 1] == '0') && end - i < 4) {
                 const int digits = end > i + 1 ? std::atoi(pattern.c_str() + i + 1) : 1;
-                place(static_cast<std::size_t>(std::clamp(digits, 1, kMostDigits)));
+                startNumber(static_cast<std::size_t>(std::clamp(digits, 1, kMaxDigits)));
                 i = end + 1;
                 continue;
             }
@@ -121,7 +121,7 @@ FrameName::FrameName(const std::string& pattern) {
 }
 
 std::string FrameName::of(int frame) const {
-    if (!hasPlace_) return before_;
+    if (!hasNumber_) return before_;
     return fmt::format("{}{:0{}}{}", before_, frame, frame < 0 ? digits_ + 1 : digits_, after_);
 }
 

@@ -3,32 +3,34 @@
 #include <string>
 #include <vector>
 
-/// Which frames of a film are wanted, and what their files are called.
+/// Frame numbers of a film, and the names of its files.
 namespace tavora::studio {
 
-/// "1-48x2,60": single frames, ranges either way and their steps, in the order that they
-/// are named, each once. Throws Error, Fault::Usage that says what the text must be.
+/// Parses frame numbers like "1-48x2,60": frames and ascending or descending ranges, with steps.
+/// The result has each frame once, in the order of the text. Throws Error, Fault::Usage, that
+/// says what the text must be.
 std::vector<int> frameNumbers(const std::string& text);
 
-/// The numbers as short as they can be said: "1-4, 7".
+/// Writes frame numbers, with ranges: "1-4, 7".
 std::string frameText(const std::vector<int>& frames);
 
-/// A file's name with a place for a number: "####", with as many digits as signs at
-/// least, or "%d" or "%04d"; "%%" stands for "%".
+/// A file name with a placeholder for the frame number: "####", for at least as many digits, or
+/// "%d" or "%04d"; "%%" means "%".
 class FrameName {
   public:
-    /// Throws Error, Fault::Usage for two places.
+    /// Throws Error, Fault::Usage, for two placeholders.
     explicit FrameName(const std::string& pattern);
 
-    bool hasPlace() const { return hasPlace_; }
-    /// With the number in its place; without one the name itself.
+    /// Whether there is a placeholder.
+    bool hasNumber() const { return hasNumber_; }
+    /// The file name of a frame; the same for all frames when there is no placeholder.
     std::string of(int frame) const;
 
   private:
     std::string before_;
     std::string after_;
     int digits_ = 1;
-    bool hasPlace_ = false;
+    bool hasNumber_ = false;
 };
 
 }  // namespace tavora::studio

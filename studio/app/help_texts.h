@@ -1,6 +1,7 @@
 #pragma once
 
-/// What help says around the options: what the program is for, and examples of each command.
+/// Texts of the help in addition to the options: the program's purpose, and examples for each
+/// command.
 namespace tavora::studio::help {
 
 inline constexpr const char* kProgramText =

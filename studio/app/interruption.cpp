@@ -11,14 +11,14 @@
 namespace tavora::studio {
 namespace {
 
-std::atomic<bool> polite{false};
+std::atomic<bool> graceful{false};
 std::atomic<bool> resumable{false};
-std::atomic<bool> stopAsked{false};
-std::atomic<int> signalSeen{0};
+std::atomic<bool> stopRequested{false};
+std::atomic<int> receivedSignal{0};
 
 void stop(int signal) {
-    signalSeen.store(signal);
-    if (polite.load() && !stopAsked.exchange(true)) return;
+    receivedSignal.store(signal);
+    if (graceful.load() && !stopRequested.exchange(true)) return;
     removeUnfinishedFiles();
     for (const char* part : {"tavora: ", stoppedText(), "\n"})
         writeError(part);
@@ -33,7 +33,7 @@ void handle(int signal, void (*handler)(int)) {
     sigaction(signal, &action, nullptr);
 }
 
-// What was ignored by whoever started the program (nohup) stays ignored.
+// A signal that the parent process had ignored (nohup) stays ignored.
 void watch(int signal) {
     struct sigaction before {};
     sigaction(signal, nullptr, &before);
@@ -49,20 +49,20 @@ void watchSignals() {
         handle(signal, SIG_IGN);
 }
 
-PoliteStop::PoliteStop(bool isResumable) {
+GracefulStop::GracefulStop(bool isResumable) {
     resumable.store(isResumable);
-    polite.store(true);
+    graceful.store(true);
 }
-PoliteStop::~PoliteStop() {
+GracefulStop::~GracefulStop() {
     resumable.store(false);
-    polite.store(false);
+    graceful.store(false);
 }
-const std::atomic<bool>& PoliteStop::asked() const {
-    return stopAsked;
+const std::atomic<bool>& GracefulStop::isRequested() const {
+    return stopRequested;
 }
 
 int stopSignal() {
-    return signalSeen.load();
+    return receivedSignal.load();
 }
 
 const char* stoppedText() noexcept {

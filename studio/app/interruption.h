@@ -4,31 +4,31 @@
 
 namespace tavora::studio {
 
-/// Takes over SIGINT, SIGTERM, SIGHUP and SIGQUIT. Normally such a signal ends the
-/// program at once: unfinished files are removed and it exits with 128 + n.
-/// Also keeps a full disk or a closed pipe from ending it: those become errors
-/// of the write. Once, from the main thread, before others start.
+/// Installs handlers for SIGINT, SIGTERM, SIGHUP and SIGQUIT, which remove unfinished files and
+/// exit with 128 + n. Ignores the signals of a closed pipe and of the limit on file sizes, so
+/// that writing fails instead. To be called once, from the main thread, before other threads
+/// start.
 void watchSignals();
 
-/// While one lives, the first signal only asks to stop; the second ends the
-/// program at once. Main thread.
-class PoliteStop {
+/// As long as an object of this class exists, the first signal only requests to stop; the second
+/// ends the program at once. Main thread.
+class GracefulStop {
   public:
-    /// Work that `isResumable` ends with kResumable then.
-    explicit PoliteStop(bool isResumable = false);
-    ~PoliteStop();
-    PoliteStop(const PoliteStop&) = delete;
-    PoliteStop& operator=(const PoliteStop&) = delete;
+    /// With `isResumable`, the second signal exits with kResumable.
+    explicit GracefulStop(bool isResumable = false);
+    ~GracefulStop();
+    GracefulStop(const GracefulStop&) = delete;
+    GracefulStop& operator=(const GracefulStop&) = delete;
 
     /// Becomes true with the first signal.
-    const std::atomic<bool>& asked() const;
+    const std::atomic<bool>& isRequested() const;
 };
 
-/// The signal that asked to stop; 0 when none did.
+/// The signal that was received last; 0 when there was none.
 int stopSignal();
 
-/// What to say of a program that a signal stopped: that nothing was written, where that
-/// is true. Safe to call from a signal handler.
+/// The message for a program that a signal stopped, which also says that nothing was written
+/// if that is true. Safe to call from a signal handler.
 const char* stoppedText() noexcept;
 
 }  // namespace tavora::studio

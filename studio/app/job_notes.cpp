@@ -13,7 +13,7 @@
 namespace tavora::studio {
 namespace {
 
-/// Everything that a picture depends on, each part told apart from the next.
+/// A digest of everything that a picture depends on. Names and counts keep the parts apart.
 class JobDigest {
   public:
     template <class... Values>
@@ -60,7 +60,7 @@ void addOptions(const RenderRequest& request, JobDigest& digest) {
     digest.add("background", request.background);
     const AnimationRequest& animation = request.animation;
     digest.add("animations", animation.names);
-    digest.add("time", animation.isAsked() || !request.frames.empty(),
+    digest.add("time", animation.isGiven() || !request.frames.empty(),
                animation.seconds.value_or(0));
     digest.add("frames", animation.fps, request.hold, request.shutter);
     const LightingOptions& lighting = request.lighting;
@@ -75,9 +75,9 @@ void addOptions(const RenderRequest& request, JobDigest& digest) {
     digest.add("without normal map", request.withoutNormalMap);
 }
 
-/// What the module says it is. Its bytes differ from one machine that built it to the next.
+/// Adds the module's own description, since its bytes differ between the machines that build it.
 void addModule(const std::filesystem::path& file, JobDigest& digest) {
-    const HiddenSettingsFolder hidden;  // the user's defaults play no part
+    const HiddenSettingsFolder hidden;  // the user's defaults do not matter
     const ModuleSummary module = summarize(file, findService);
     digest.add("module", module.descriptorVersion);
     for (const ModuleSummary::Class& server : module.classes)

@@ -9,11 +9,10 @@
 
 namespace tavora::studio {
 
-/// What the files of a render say of how they were made, all but the frame: the program's
-/// version, digests of the scene's files and of all that the picture depends on beside it
-/// (looks and settings, the module, every option but those of threads, memory and messages),
-/// samples and camera. Equal notes stand for equal pictures. Throws Error where the module
-/// cannot be read.
+/// The metadata of a render's files, except the frame: the program's version, a digest of the
+/// scene's files, a digest of everything else that the picture depends on (looks and settings,
+/// the module, all options but those for threads, memory and messages), samples and camera.
+/// Files with equal metadata have equal pictures. Throws Error when the module cannot be read.
 PictureNotes notesOf(const RenderRequest& request, const PictureArea& area,
                      const PictureFormat& format, const FilmScene& scene, const Shading& shading);
 

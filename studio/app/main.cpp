@@ -11,8 +11,8 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// The program with the window stands beside this one and reads the same command
-// line: whoever only renders never waits for the window's libraries to load.
+// Replaces this program by the one with the window, in the same folder, which parses the same
+// command line. So rendering does not have to wait for the window's libraries to load.
 [[noreturn]] void becomeWindowProgram(char** argv) {
     const fs::path program = fs::read_symlink("/proc/self/exe").parent_path() / "tavora-window";
     execv(program.c_str(), argv);

@@ -13,7 +13,7 @@
 namespace tavora::studio {
 namespace {
 
-/// Tiles are as they are: the output can but agree with them.
+/// Tiles are merged without conversion, so the output must have their format.
 void checkFormat(const std::string& output, const PictureFormat& format) {
     if (isStream(output)) return;
     try {

@@ -40,7 +40,7 @@ std::vector<std::string_view> split(std::string_view text, char separator) {
     }
 }
 
-// `count` numbers between commas; none when it is anything else.
+// `count` numbers separated by commas; empty for any other text.
 template <class Number>
 std::optional<std::vector<Number>> numbersOf(std::string_view text, std::size_t count) {
     std::vector<Number> numbers;
@@ -76,8 +76,8 @@ std::optional<Imath::V3d> numberColor(std::string_view text) {
     return {};
 }
 
-// The dot between surface and setting. "zones[1].color" has one of its own, and
-// names of surfaces may look like that.
+// The index of the dot between surface and setting. The setting "zones[1].color" itself has a
+// dot, and so may surface names that look like that.
 std::size_t settingDot(const std::string& left) {
     std::size_t found = left.rfind('.');
     for (const char* list : {".zones[", ".zoneList["}) {
@@ -89,7 +89,7 @@ std::size_t settingDot(const std::string& left) {
     return found;
 }
 
-// Where "=" stands in `text`, but for those behind a backslash.
+// The indices of all "=" in `text`, except those after a backslash.
 std::vector<std::size_t> equalSigns(std::string_view text) {
     std::vector<std::size_t> signs;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -102,7 +102,7 @@ std::vector<std::size_t> equalSigns(std::string_view text) {
     return signs;
 }
 
-bool isShare(double value) {
+bool isFraction(double value) {
     return value >= 0 && value <= 1;
 }
 
@@ -125,15 +125,15 @@ double realNumber(const std::string& text, double min, double max) {
 }
 
 std::pair<int, int> sampleCounts(const std::string& text) {
-    constexpr int kMostSamples = 65535;
+    constexpr int kMaxSamples = 65535;
     const std::size_t dots = text.find("..");
-    const std::optional<int> least = numberOf<int>(text.substr(0, dots));
-    const std::optional<int> most =
-        dots == std::string::npos ? least : numberOf<int>(text.substr(dots + 2));
-    if (least && most && *least >= 1 && *least <= *most && *most <= kMostSamples) {
-        return {*least, *most > *least ? *most : 0};
+    const std::optional<int> min = numberOf<int>(text.substr(0, dots));
+    const std::optional<int> max =
+        dots == std::string::npos ? min : numberOf<int>(text.substr(dots + 2));
+    if (min && max && *min >= 1 && *min <= *max && *max <= kMaxSamples) {
+        return {*min, *max > *min ? *max : 0};
     }
-    refuse(fmt::format("a number of samples from 1 to {}, or LEAST..MOST like 4..64", kMostSamples),
+    refuse(fmt::format("a number of samples from 1 to {}, or LEAST..MOST like 4..64", kMaxSamples),
            text);
 }
 
@@ -148,22 +148,22 @@ TileNumber tileNumber(const std::string& text) {
 }
 
 std::pair<int, int> resolution(const std::string& text) {
-    constexpr int kMostSide = 65536;
+    constexpr int kMaxSide = 65536;
     const std::vector<std::string_view> sides = split(text, 'x');
     if (sides.size() == 2) {
         const std::optional<int> width = numberOf<int>(sides[0]);
         const std::optional<int> height = numberOf<int>(sides[1]);
-        const bool fits = width && height && *width >= 1 && *height >= 1 && *width <= kMostSide &&
-                          *height <= kMostSide;
+        const bool fits = width && height && *width >= 1 && *height >= 1 && *width <= kMaxSide &&
+                          *height <= kMaxSide;
         if (fits) return {*width, *height};
     }
-    refuse(fmt::format("WIDTHxHEIGHT like 1280x720, each 1 to {}", kMostSide), text);
+    refuse(fmt::format("WIDTHxHEIGHT like 1280x720, each 1 to {}", kMaxSide), text);
 }
 
 std::uint64_t memorySize(const std::string& text) {
-    constexpr std::uint64_t kLeast = 1'000'000;
+    constexpr std::uint64_t kMinBytes = 1'000'000;
     const auto bytes = numberOf<std::uint64_t>(text);
-    if (bytes && *bytes >= kLeast) return *bytes;
+    if (bytes && *bytes >= kMinBytes) return *bytes;
     refuse("at least a million bytes, like 8G or 500M", text);
 }
 
@@ -172,12 +172,12 @@ double percentage(const std::string& text) {
     return realNumber(number, 0.01, 10000) / 100;
 }
 
-CropShares cropShares(const std::string& text) {
+CropFractions cropFractions(const std::string& text) {
     if (const auto crop = numbersOf<double>(text, 4)) {
-        const CropShares shares{(*crop)[0], (*crop)[1], (*crop)[2], (*crop)[3]};
-        const bool inside =
-            isShare(shares[0]) && isShare(shares[1]) && isShare(shares[2]) && isShare(shares[3]);
-        if (inside && shares[0] < shares[2] && shares[1] < shares[3]) return shares;
+        const CropFractions fractions{(*crop)[0], (*crop)[1], (*crop)[2], (*crop)[3]};
+        const bool inside = isFraction(fractions[0]) && isFraction(fractions[1]) &&
+                            isFraction(fractions[2]) && isFraction(fractions[3]);
+        if (inside && fractions[0] < fractions[2] && fractions[1] < fractions[3]) return fractions;
     }
     refuse("LEFT,TOP,RIGHT,BOTTOM from 0 to 1 like 0.25,0,0.75,0.5", text);
 }
@@ -198,7 +198,7 @@ Imath::V3d color(const std::string& text) {
     }
     if (const auto rgb = hexColor(text)) return *rgb;
     const std::optional<Imath::V3d> rgb = numberColor(text);
-    if (rgb && isShare(rgb->x) && isShare(rgb->y) && isShare(rgb->z)) return *rgb;
+    if (rgb && isFraction(rgb->x) && isFraction(rgb->y) && isFraction(rgb->z)) return *rgb;
     refuse("a colour: #rrggbb, R,G,B from 0 to 1, black, grey or white", text);
 }
 
@@ -230,15 +230,15 @@ LookChoice lookChoice(const std::string& text) {
     refuse("LOOK or SURFACE=LOOK", text);
 }
 
-LightSize lightSize(const std::string& text, double most) {
+LightSize lightSize(const std::string& text, double max) {
     const std::size_t equals = text.rfind('=');
     const bool all = equals == std::string::npos;
     const std::string size = all ? text : text.substr(equals + 1);
-    return {all ? "*" : text.substr(0, equals), realNumber(size, 0, most)};
+    return {all ? "*" : text.substr(0, equals), realNumber(size, 0, max)};
 }
 
 SettingChange settingChange(const std::string& text) {
-    std::optional<SettingChange> first;  // stands when no setting is known, for its message
+    std::optional<SettingChange> first;  // used if no setting is known, for the later message
     for (const std::size_t sign : equalSigns(text)) {
         const std::string left = text.substr(0, sign);
         const std::size_t dot = settingDot(left);

@@ -4,16 +4,16 @@
 
 namespace tavora::studio {
 
-/// The pixels that a render makes.
+/// The size of a picture, and the part of it that is rendered.
 struct PictureArea {
-    int width = 0;  ///< of the whole picture, scale counted in
+    int width = 0;  ///< of the whole picture, after scaling
     int height = 0;
-    std::optional<PixelBox> crop;
-    PixelBox undivided;  ///< what all tiles make together; else the same as `crop`
+    std::optional<PixelBox> crop;  ///< the part that is rendered; empty: all of it
+    PixelBox undivided;            ///< the part that all tiles make together, or `crop`
 };
 
-/// Throws Error, Fault::Usage for a picture too large, for a crop outside of it and for more
-/// tiles than it has rows.
+/// Computes the area for a request. Throws Error, Fault::Usage, for a picture that is too large,
+/// a crop outside of it, and more tiles than rows.
 PictureArea pictureArea(const RenderRequest& request);
 
 }  // namespace tavora::studio

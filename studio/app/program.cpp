@@ -31,7 +31,7 @@ constexpr const char* kNoMemory =
 constexpr const char* kNoThread =
     "no thread can be started; close other programs or raise the limits (ulimit -u, ulimit -v)";
 
-// Where the machine itself refuses memory or threads: what to say. Else null.
+// The message for an error by which the system refuses memory or threads; null for others.
 const char* machineRefusal(const std::exception& error) {
     if (dynamic_cast<const std::bad_alloc*>(&error) != nullptr) return kNoMemory;
     const auto* system = dynamic_cast<const std::system_error*>(&error);
@@ -40,8 +40,8 @@ const char* machineRefusal(const std::exception& error) {
     return again ? kNoThread : nullptr;
 }
 
-// Libraries end a program that finds no memory or thread where they expect no failure. Takes
-// no memory itself.
+// The terminate handler. Libraries terminate the program when they get no memory or thread where
+// they do not handle that. Allocates no memory.
 [[noreturn]] void endTerminated() {
     removeUnfinishedFiles();
     const std::type_info* thrown = abi::__cxa_current_exception_type();
@@ -78,9 +78,9 @@ struct Runner {
 
 ReportOptions reportOptions(const Request& request) {
     return std::visit(
-        [](const auto& asked) -> ReportOptions {
-            if constexpr (requires { asked.report; }) {
-                return asked.report;
+        [](const auto& alternative) -> ReportOptions {
+            if constexpr (requires { alternative.report; }) {
+                return alternative.report;
             } else {
                 return {};
             }
@@ -88,8 +88,8 @@ ReportOptions reportOptions(const Request& request) {
         request);
 }
 
-// The one place that turns what went wrong into a line and an exit status.
-int explained(Report& report) {
+// Reports the exception that is being handled and returns its exit status.
+int reportException(Report& report) {
     try {
         throw;
     } catch (const Error& error) {
@@ -117,11 +117,12 @@ int explained(Report& report) {
     return kInternal;
 }
 
-// What several records have to say alike, the user reads once.
-void takeModuleMessages(Report& report) {
-    setMessageSink([&report, said = std::set<std::string>()](MessageKind kind,
-                                                             const std::string& text) mutable {
-        if (!said.insert(text).second) return;
+// Reports the messages of modules. Several instances may send the same one, which is reported
+// once.
+void reportModuleMessages(Report& report) {
+    setMessageSink([&report, reported = std::set<std::string>()](MessageKind kind,
+                                                                 const std::string& text) mutable {
+        if (!reported.insert(text).second) return;
         if (kind == MessageKind::Info) {
             report.note(1, text);
         } else {
@@ -131,12 +132,12 @@ void takeModuleMessages(Report& report) {
 }
 
 int run(const Request& request, const WindowCommands& window, Report& report) {
-    takeModuleMessages(report);
+    reportModuleMessages(report);
     int status = kDone;
     try {
         std::visit(Runner{window, report}, request);
     } catch (...) {
-        status = explained(report);
+        status = reportException(report);
     }
     setMessageSink({});
     return status;
@@ -153,7 +154,7 @@ int runProgram(int argc, char** argv, const WindowCommands& window) {
         Report report(reportOptions(request));
         return run(request, window, report);
     } catch (...) {
-        return explained(plain);
+        return reportException(plain);
     }
 }
 

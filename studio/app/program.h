@@ -7,15 +7,15 @@
 
 namespace tavora::studio {
 
-/// The commands that need the window's libraries, which the plain program does
-/// not load. Both throw what the commands of commands.h throw.
+/// The commands that need the window's libraries. They throw what the commands in commands.h
+/// throw.
 struct WindowCommands {
     std::function<void(const EditRequest&, Report&)> edit;
     std::function<void(const PanelRequest&, Report&)> drawPanel;
 };
 
-/// Reads the command line, does what it asks and returns the exit status.
-/// Once, from the main thread.
+/// Parses the command line, runs the command and returns the exit status. To be called once, from
+/// the main thread.
 int runProgram(int argc, char** argv, const WindowCommands& window);
 
 }  // namespace tavora::studio

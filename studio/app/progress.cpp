@@ -16,8 +16,8 @@
 namespace tavora::studio {
 namespace {
 
-constexpr double kFirstEstimate = 0.01;  // share done before the time left means anything
-constexpr std::size_t kLastFrames = 8;   // that tell how long the next ones take
+constexpr double kFirstEstimate = 0.01;  // fraction of a frame that must be done to extrapolate
+constexpr std::size_t kLastFrames = 8;   // whose mean predicts the next ones
 
 using Json = nlohmann::ordered_json;
 
@@ -26,7 +26,7 @@ double secondsBetween(std::chrono::steady_clock::time_point start,
     return std::chrono::duration<double>(end - start).count();
 }
 
-// To the millisecond, which keeps lines short.
+// Rounds to milliseconds, to keep lines short.
 double rounded(double seconds) {
     return std::round(seconds * 1000) / 1000;
 }
@@ -35,7 +35,7 @@ std::string lineOf(const Json& json) {
     return json.dump(-1, ' ', false, Json::error_handler_t::replace);
 }
 
-// Whether a line on standard error can be drawn over.
+// Whether standard error is a terminal on which a line can be overwritten.
 bool canRedraw() {
     const char* terminal = std::getenv("TERM");
     const bool able =
@@ -43,7 +43,7 @@ bool canRedraw() {
     return able && ::isatty(STDERR_FILENO) == 1;
 }
 
-ProgressKind settled(ProgressKind kind, bool quiet) {
+ProgressKind resolvedKind(ProgressKind kind, bool quiet) {
     if (kind != ProgressKind::Auto) return kind;
     return !quiet && canRedraw() ? ProgressKind::Bar : ProgressKind::None;
 }
@@ -71,15 +71,15 @@ void FrameTimes::add(double seconds) {
 }
 
 std::optional<double> FrameTimes::left(double done, double elapsed, std::size_t after) const {
-    const bool isTold = done >= kFirstEstimate;
-    if (last_.empty() && !isTold) return {};
-    const double own = isTold ? elapsed / done : 0;
-    const double usual = last_.empty() ? own
-                                       : std::accumulate(last_.begin(), last_.end(), 0.0) /
-                                             static_cast<double>(last_.size());
-    const double weight = last_.empty() ? 1 : isTold ? done : 0;
-    const double whole = std::max(weight * own + (1 - weight) * usual, elapsed);
-    return whole * (1 - done) + usual * static_cast<double>(after);
+    const bool canExtrapolate = done >= kFirstEstimate;
+    if (last_.empty() && !canExtrapolate) return {};
+    const double extrapolated = canExtrapolate ? elapsed / done : 0;
+    const double mean = last_.empty() ? extrapolated
+                                      : std::accumulate(last_.begin(), last_.end(), 0.0) /
+                                            static_cast<double>(last_.size());
+    const double weight = last_.empty() ? 1 : canExtrapolate ? done : 0;
+    const double whole = std::max(weight * extrapolated + (1 - weight) * mean, elapsed);
+    return whole * (1 - done) + mean * static_cast<double>(after);
 }
 
 std::string progressBar(double done, std::optional<double> left, int width) {
@@ -93,7 +93,7 @@ std::string progressBar(double done, std::optional<double> left, int width) {
 }
 
 Progress::Progress(ProgressKind kind, bool quiet)
-    : kind_(settled(kind, quiet)),
+    : kind_(resolvedKind(kind, quiet)),
       redraws_(canRedraw()),
       start_(Clock::now()),
       frameStart_(start_) {}

@@ -16,8 +16,8 @@
 #include "studio/app/progress.h"
 #include "studio/app/stopped.h"
 #include "studio/files/standard_streams.h"
-#include "studio/render/image/picture_file.h"
 #include "studio/render/final/renderer.h"
+#include "studio/render/image/picture_file.h"
 #include "studio/setup/scene_report.h"
 #include "studio/setup/scene_view.h"
 #include "studio/setup/shading_plan.h"
@@ -36,15 +36,16 @@ void listCameras(const Scene& scene) {
     writeOut(text);
 }
 
-/// Frames go into a folder of their own, which need not be there. What stands in the way is
-/// told when the file is written.
+/// Creates the folder of a frame's file if it does not exist. An error is reported only when the
+/// file is written.
 void makeFolderOf(const std::string& file) {
     const std::filesystem::path folder = std::filesystem::path(file).parent_path();
     std::error_code ignored;
     if (!folder.empty()) std::filesystem::create_directories(folder, ignored);
 }
 
-// Fails before anything is rendered for a picture that could not be written after.
+// Determines the format of a file. Throws Error now, before rendering, if the file could not be
+// written.
 PictureFormat checkedFormat(const RenderRequest& request, const std::string& file) {
     try {
         const PictureFormat format =
@@ -60,7 +61,7 @@ PictureFormat checkedFormat(const RenderRequest& request, const std::string& fil
     }
 }
 
-/// Clears a flag of the surfaces that an option names.
+/// Clears a flag of all surfaces that match an option's patterns.
 void clear(bool Surface::*flag, const std::vector<std::string>& patterns, const char* option,
            Scene& scene) {
     for (const std::string& pattern : patterns) {
@@ -69,7 +70,7 @@ void clear(bool Surface::*flag, const std::vector<std::string>& patterns, const 
     }
 }
 
-/// The scene with what the request changes about it, playing what it asks for.
+/// Opens the scene, changes it as the request says, and plays the requested animations.
 std::unique_ptr<FilmScene> openScene(const RenderRequest& request, Report& report) {
     auto film = std::make_unique<FilmScene>(request.scene, request.reading);
     Scene& scene = film->scene();
@@ -78,30 +79,30 @@ std::unique_ptr<FilmScene> openScene(const RenderRequest& request, Report& repor
     clear(&Surface::receivesShadows, request.withoutReceivedShadows, "--no-received-shadows",
           scene);
     clear(&Surface::normalMap, request.withoutNormalMap, "--no-normal-map", scene);
-    if (request.animation.isAsked() || !request.frames.empty())
+    if (request.animation.isGiven() || !request.frames.empty())
         film->play(request.animation.names, report);
-    if (!film->plays()) film->stayAtRest();
+    if (!film->plays()) film->closeFile();
     reportScene(scene, report);
     return film;
 }
 
-bool allPlain(const ShadingRequest& request) {
+bool noShaders(const ShadingRequest& request) {
     return std::find(request.plain.begin(), request.plain.end(), "*") != request.plain.end();
 }
 
-Shading settleShading(const Scene& scene, const RenderRequest& request, Report& report) {
+Shading planShading(const Scene& scene, const RenderRequest& request, Report& report) {
     Shading shading{SurfaceShaders(scene.surfaces.size()), {}};
-    if (allPlain(request.shading)) return shading;
+    if (noShaders(request.shading)) return shading;
     const ShaderClass shader = openShaderClass(request.shading.plugin);
     report.note(1, fmt::format("module {}", shader.module.string()));
-    const ShadingRequest asked = withDefaultLook(scene, request.shading, report);
-    shading.surfaces = planSurfaces(scene, asked, shader, lightNames(scene), report);
+    const ShadingRequest complete = withDefaultLook(scene, request.shading, report);
+    shading.surfaces = planSurfaces(scene, complete, shader, lightNames(scene), report);
     if (std::any_of(shading.surfaces.begin(), shading.surfaces.end(), activeBlock))
         shading.module = shader.module;
     return shading;
 }
 
-/// Sums up frames as they are done.
+/// Collects the statistics of frames.
 class FilmSummary {
   public:
     void add(FrameState state, const RenderStats& stats = {}) {
@@ -156,7 +157,7 @@ void noteStats(const RenderStats& stats, Report& report) {
                                                              static_cast<double>(stats.pixels)));
 }
 
-/// What is known before anything is rendered.
+/// Everything that is needed to render the frames.
 struct Job {
     const RenderRequest& request;
     const FrameName& files;
@@ -177,7 +178,7 @@ void write(const Job& job, const Picture& picture, const std::string& file,
     job.report.note(1, fmt::format("{} written", file));
 }
 
-/// Whether the file that is there may stay: a whole one, made from the same.
+/// Whether a file can be skipped: it is complete, and has the same metadata.
 bool isDone(const Job& job, const std::string& file, const PictureNotes& notes) {
     if (job.request.existing != Existing::Skip || isStream(file)) return false;
     if (notesOfCompletePicture(file) != notes) return false;
@@ -217,10 +218,10 @@ void renderStill(const Job& job) {
     }
     Picture picture;
     {
-        // Once the file is being written a signal ends the program at once.
-        const PoliteStop stop;
-        picture =
-            job.renderer.render({}, {[&](double done) { progress.update(done); }, &stop.asked()});
+        // Only while rendering: a signal while the file is written ends the program at once.
+        const GracefulStop stop;
+        picture = job.renderer.render(
+            {}, {[&](double done) { progress.update(done); }, &stop.isRequested()});
     }
     progress.clear();
     noteStats(job.renderer.stats(), job.report);
@@ -230,7 +231,7 @@ void renderStill(const Job& job) {
     progress.end(summary.result());
 }
 
-/// Renders the frames that a request asks for, one after the other.
+/// Renders the requested frames, one after the other.
 class Film {
   public:
     explicit Film(const Job& job)
@@ -242,13 +243,13 @@ class Film {
     void render() {
         progress_.start(request_.frames.size(), expectedRenders());
         for (const int frame : request_.frames) {
-            if (stop_.asked()) break;
+            if (stop_.isRequested()) break;
             renderOrReport(frame);
         }
         const RenderSummary summary = summary_.result();
         progress_.end(summary);
         job_.report.note(0, textOf(summary));
-        if (stop_.asked() && done_ < request_.frames.size()) {
+        if (stop_.isRequested() && done_ < request_.frames.size()) {
             throw Stopped(fmt::format("{} of {} frames are done, "
                                       "--existing skip goes on with the others",
                                       done_ - failed_.size(), request_.frames.size()),
@@ -260,21 +261,21 @@ class Film {
     }
 
   private:
-    /// The frame whose picture is shown, one of every `hold`: so any part of a film holds
-    /// the same ones.
+    /// The frame whose picture is shown: the last multiple of `hold`, so that it does not depend
+    /// on which part of the film is rendered.
     int shownIn(int frame) const {
         const int hold = request_.hold;
         return frame - ((frame % hold) + hold) % hold;
     }
 
-    /// Before files are looked into: those that are there may yet turn out to be of another
-    /// scene.
+    /// An estimate, without reading files: existing ones may turn out to be from another scene.
     std::size_t expectedRenders() const {
         std::size_t renders = 0;
         std::optional<int> last;
         for (const int frame : request_.frames) {
-            const bool isKept = request_.existing == Existing::Skip && exists(job_.fileOf(frame));
-            if (isKept || last == shownIn(frame)) continue;
+            const bool isSkipped =
+                request_.existing == Existing::Skip && exists(job_.fileOf(frame));
+            if (isSkipped || last == shownIn(frame)) continue;
             last = shownIn(frame);
             ++renders;
         }
@@ -306,17 +307,17 @@ class Film {
     FrameState renderFrame(int frame, const std::string& file) {
         const PictureNotes notes = notesOfFrame(job_.notes, frame);
         if (isDone(job_, file, notes)) return FrameState::Skipped;
-        const bool isHeld = picture_ && pictureOf_ == shownIn(frame);
+        const bool isHeld = heldPicture_ && heldFrame_ == shownIn(frame);
         if (!isHeld) {
-            picture_.reset();
-            picture_ = job_.renderer.render(
+            heldPicture_.reset();
+            heldPicture_ = job_.renderer.render(
                 shownIn(frame), {[this](double done) { progress_.update(done); }, nullptr});
-            pictureOf_ = shownIn(frame);
+            heldFrame_ = shownIn(frame);
             noteFrame(frame);
         }
         progress_.clear();
         makeFolderOf(file);
-        write(job_, *picture_, file, notes);
+        write(job_, *heldPicture_, file, notes);
         return isHeld ? FrameState::Held : FrameState::Rendered;
     }
 
@@ -332,11 +333,11 @@ class Film {
 
     const Job& job_;
     const RenderRequest& request_;
-    const PoliteStop stop_;
+    const GracefulStop stop_;
     Progress progress_;
     FilmSummary summary_;
-    std::optional<Picture> picture_;  ///< the last, to be held
-    int pictureOf_ = 0;
+    std::optional<Picture> heldPicture_;  ///< the last rendered picture
+    int heldFrame_ = 0;
     std::size_t done_ = 0;  ///< frames begun
     std::vector<int> failed_;
 };
@@ -348,7 +349,7 @@ void render(const RenderRequest& request, Report& report) {
     const PictureArea area = pictureArea(request);
     const bool isFilm = !request.frames.empty();
     const FrameName files(isFilm ? request.output : std::string());
-    if (request.frames.size() > 1 && !files.hasPlace()) {
+    if (request.frames.size() > 1 && !files.hasNumber()) {
         throw Error(Fault::Usage, fmt::format("-o {}: {} frames need a place for their number, "
                                               "like out/####.png",
                                               request.output, request.frames.size()));
@@ -358,10 +359,10 @@ void render(const RenderRequest& request, Report& report) {
         checkedFormat(request, isFilm ? files.of(request.frames.front()) : request.output);
     refuseExisting(request, files);
     const std::unique_ptr<FilmScene> scene = openScene(request, report);
-    scene->settle(request.camera, static_cast<double>(area.width) / area.height);
+    scene->prepare(request.camera, static_cast<double>(area.width) / area.height);
     report.note(1, fmt::format("camera \"{}\"", scene->camera().name));
     const LightSet lights = scene->lights(request.lighting);
-    const Shading shading = settleShading(scene->scene(), request, report);
+    const Shading shading = planShading(scene->scene(), request, report);
     FilmRenderer renderer(*scene, shading, request, area);
     const Job job{request,  files, format, notesOf(request, area, format, *scene, shading),
                   renderer, report};

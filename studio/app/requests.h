@@ -16,32 +16,33 @@
 #include "studio/setup/report.h"
 #include "studio/setup/shading_request.h"
 
-/// What the user asked for: the command line read and checked, as plain data.
+/// The requests of the command line, parsed and checked, as plain data.
 namespace tavora::studio {
 
 enum class ProgressKind { Auto, None, Bar, Json, Alf, OpenJd };
 
-/// What becomes of a file that is there already.
+/// What to do with files that already exist.
 enum class Existing {
     Overwrite,
-    Skip,  ///< it stays if it is complete and made from the same; else it is written anew
-    Fail   ///< nothing is rendered
+    Skip,  ///< keep a file that is complete and has the same metadata; overwrite others
+    Fail   ///< render nothing
 };
 
-/// What plays, and when it is shown.
+/// Which animations to play, and the time to show.
 struct AnimationRequest {
-    std::vector<std::string> names;  ///< names, patterns or indexes; empty: what can at once
-    std::optional<double> seconds;   ///< of a still; empty: at rest, unless something is named
-    double fps = 24;                 ///< frame f is at the time f / fps
+    /// Names, patterns or indices; empty: those that can play together.
+    std::vector<std::string> names;
+    std::optional<double> seconds;  ///< of a still; empty: rest pose, or 0 if there are names
+    double fps = 24;                ///< frame f is at the time f / fps
 
-    bool isAsked() const { return seconds || !names.empty(); }
+    bool isGiven() const { return seconds || !names.empty(); }
 };
 
-/// Left, top, right, bottom as shares of the picture, 0..1.
-using CropShares = std::array<double, 4>;
+/// Left, top, right and bottom as fractions of the picture's size, 0..1.
+using CropFractions = std::array<double, 4>;
 
-/// What lies behind a scene unless something else is asked for; display-referred.
-inline const Imath::V3d kUsualBackground{0.925, 0.933, 0.945};
+/// The background of a scene unless another is requested; display-referred.
+inline const Imath::V3d kDefaultBackground{0.925, 0.933, 0.945};
 
 struct RenderRequest {
     ReportOptions report;
@@ -51,32 +52,32 @@ struct RenderRequest {
     int width = 1280;
     int height = 720;
     double scale = 1;
-    std::optional<CropShares> cropShares;
+    std::optional<CropFractions> cropFractions;
     std::optional<PixelBox> cropPixels;
     std::optional<TileNumber> tile;  ///< of the picture, or of its crop
-    int samples = 4;                 ///< a pixel, at least
-    int maxSamples = 64;            ///< where samples differ; 0: `samples` everywhere
+    int samples = 4;                 ///< of every pixel
+    int maxSamples = 64;             ///< of pixels whose samples differ; 0: `samples` everywhere
     PixelFilter filter = PixelFilter::Box;
-    int threads = 0;  ///< 0: one a core
-    std::string camera;
+    int threads = 0;     ///< 0: one for each core
+    std::string camera;  ///< name or index; empty: see chooseCamera()
     bool listCameras = false;
     ShadingRequest shading;
-    std::optional<Imath::V3d> background = kUsualBackground;  ///< empty: transparent
+    std::optional<Imath::V3d> background = kDefaultBackground;  ///< empty: transparent
     LightingOptions lighting;
-    /// Names or globs of surfaces that throw no shadow on themselves.
+    /// Names or globs of surfaces that cast no shadow on themselves.
     std::vector<std::string> withoutSelfShadow;
-    std::vector<std::string> withoutCastShadows;      ///< that throw none at all
-    std::vector<std::string> withoutReceivedShadows;  ///< on which none falls
+    std::vector<std::string> withoutCastShadows;      ///< that cast no shadows at all
+    std::vector<std::string> withoutReceivedShadows;  ///< on which no shadows fall
     std::vector<std::string> withoutNormalMap;        ///< shaded without their normal map
-    std::optional<PictureFormat::Kind> format;        ///< empty: as the output's suffix says
+    std::optional<PictureFormat::Kind> format;        ///< empty: by the output's suffix
     PictureDepth depth = PictureDepth::Default;
     ProgressKind progress = ProgressKind::Auto;
     AnimationRequest animation;
     std::vector<int> frames;  ///< in the order to render; empty: a still
-    int hold = 1;             ///< frames that show the picture of the one before, and it
-    double shutter = 0;       ///< share of a frame's time that the shutter is open; 0: no blur
+    int hold = 1;             ///< how many successive frames show the same picture
+    double shutter = 0;       ///< fraction of a frame's time with open shutter; 0: no blur
     Existing existing = Existing::Overwrite;
-    bool keepGoing = false;  ///< past frames that fail
+    bool keepGoing = false;  ///< continue after frames that fail
 };
 
 struct InfoRequest {
@@ -101,7 +102,7 @@ struct LooksRequest {
     bool json = false;
 };
 
-/// Tiles to be put together.
+/// Merges the tiles of a picture.
 struct MergeRequest {
     ReportOptions report;
     std::vector<std::string> tiles;
@@ -112,9 +113,9 @@ struct MergeRequest {
 struct EditRequest {
     ReportOptions report;
     ReadOptions reading;
-    std::string scene;                                        ///< empty: the window asks
-    int threads = 0;                                          ///< 0: one a core
-    std::optional<Imath::V3d> background = kUsualBackground;  ///< empty: transparent
+    std::string scene;                                          ///< empty: the window asks for one
+    int threads = 0;                                            ///< 0: one for each core
+    std::optional<Imath::V3d> background = kDefaultBackground;  ///< empty: transparent
     ShadingRequest shading;
     LightingOptions lighting;
     AnimationRequest animation;
@@ -130,12 +131,12 @@ struct PanelRequest {
     std::string output;
     std::string surface;  ///< empty: the first
     int tab = 0;          ///< 0..5
-    double scale = 1;     ///< device pixels a panel pixel
+    double scale = 1;     ///< device pixels for each pixel of the panel
     Theme theme = Theme::Light;
     ShadingRequest shading;
 };
 
-/// --help and --version: nothing but text.
+/// --help and --version: only writes a text.
 struct TextRequest {
     std::string text;
 };

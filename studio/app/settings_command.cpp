@@ -3,7 +3,7 @@
 #include <set>
 
 #include "studio/app/commands.h"
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/standard_streams.h"
 #include "studio/scene/gltf/reader.h"
 #include "studio/scene/gltf/settings_writer.h"
@@ -30,8 +30,9 @@ std::set<std::size_t> chosenSurfaces(const Scene& scene, const std::vector<std::
     return {all.begin(), all.end()};
 }
 
-// A look without a surface of its own goes on the chosen ones.
-ShadingRequest narrowed(const ShadingRequest& request, const std::vector<std::string>& patterns) {
+// Restricts looks that name no surface to the chosen surfaces.
+ShadingRequest withChosenSurfaces(const ShadingRequest& request,
+                                  const std::vector<std::string>& patterns) {
     ShadingRequest narrow = request;
     narrow.looks.clear();
     for (const LookChoice& choice : request.looks) {
@@ -59,10 +60,10 @@ void print(const Scene& scene, const SurfaceShaders& shaders, const std::set<std
     writeOut(list.dump(2, ' ', false, Json::error_handler_t::replace) + "\n");
 }
 
-// Geometry without a material has nowhere to keep settings: an error where it
-// was asked for by name, else a warning.
-bool canHold(const Scene& scene, const Surface& surface, const SettingsRequest& request,
-             Report& report) {
+// Whether the file can store settings of the surface: it cannot for geometry without a material.
+// Then throws Error if surfaces were chosen by name, else reports a warning.
+bool canStore(const Scene& scene, const Surface& surface, const SettingsRequest& request,
+              Report& report) {
     if (surface.materialIndex >= 0) return true;
     const std::string problem = fmt::format(
         "{}: surface \"{}\" has no material in the file to hold settings; give it one "
@@ -73,18 +74,18 @@ bool canHold(const Scene& scene, const Surface& surface, const SettingsRequest& 
     return false;
 }
 
-/// Those that a look or a change is meant for.
-std::set<std::size_t> touchedSurfaces(const Scene& scene, const ShadingRequest& request) {
-    std::set<std::size_t> touched;
+/// The surfaces to which a look or a change applies.
+std::set<std::size_t> changedSurfaces(const Scene& scene, const ShadingRequest& request) {
+    std::set<std::size_t> changed;
     for (const LookChoice& choice : request.looks) {
         for (const std::size_t i : surfacesOf(scene, choice))
-            touched.insert(i);
+            changed.insert(i);
     }
     for (const SettingChange& change : request.changes) {
         for (const std::size_t i : matchingSurfaces(scene, change.surfaces, "--set"))
-            touched.insert(i);
+            changed.insert(i);
     }
-    return touched;
+    return changed;
 }
 
 void store(const Scene& scene, const SurfaceShaders& shaders, const std::set<std::size_t>& chosen,
@@ -92,7 +93,7 @@ void store(const Scene& scene, const SurfaceShaders& shaders, const std::set<std
     std::map<int, SurfaceShader> stored;
     for (const std::size_t i : chosen) {
         const Surface& surface = scene.surfaces[i];
-        if (shaders[i] && canHold(scene, surface, request, report))
+        if (shaders[i] && canStore(scene, surface, request, report))
             stored[surface.materialIndex] = *shaders[i];
     }
     if (stored.empty())
@@ -108,7 +109,7 @@ void showOrStoreSettings(const SettingsRequest& request, Report& report) {
     if (isStream(request.output)) {
         checkStandardOutput();
     } else if (!request.output.empty()) {
-        outputPlace(request.output);
+        outputTarget(request.output);
     }
     const Scene scene = readGltf(request.scene, request.reading);
     reportScene(scene, report);
@@ -116,15 +117,15 @@ void showOrStoreSettings(const SettingsRequest& request, Report& report) {
     const bool needsModule =
         storesShaders(scene) || hasAvatars(scene) || !request.shading.looks.empty();
     const bool changes = !request.shading.changes.empty();
-    const ShadingRequest shading = narrowed(request.shading, request.surfaces);
+    const ShadingRequest shading = withChosenSurfaces(request.shading, request.surfaces);
     SurfaceShaders shaders(scene.surfaces.size());
     if (needsModule || changes) {
         shaders = planSurfaces(scene, shading, openShaderClass(shading.plugin), lightNames(scene),
                                report);
     }
     if (request.output.empty()) return print(scene, shaders, chosen);
-    const std::set<std::size_t> touched = touchedSurfaces(scene, shading);
-    std::erase_if(chosen, [&](std::size_t i) { return !touched.contains(i); });
+    const std::set<std::size_t> changed = changedSurfaces(scene, shading);
+    std::erase_if(chosen, [&](std::size_t i) { return !changed.contains(i); });
     store(scene, shaders, chosen, request, report);
 }
 

@@ -5,10 +5,10 @@
 
 namespace tavora::studio {
 
-/// A signal ended the work in good order. The text says what became of it.
+/// Thrown when work ended early because a signal requested it. The text says what was done.
 class Stopped : public std::runtime_error {
   public:
-    /// `isResumable`: the same command can go on with it.
+    /// `isResumable`: the same command can continue the work.
     explicit Stopped(const std::string& text, bool isResumable = false)
         : std::runtime_error(text), isResumable_(isResumable) {}
 
@@ -18,7 +18,7 @@ class Stopped : public std::runtime_error {
     bool isResumable_;
 };
 
-/// Some frames of a film failed, others are there. The text says which.
+/// Thrown when some frames of a film failed. The text says which.
 class SomeFailed : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

@@ -12,21 +12,21 @@
 
 namespace tavora::studio {
 
-/// A scene that is being edited. Who edits talks to the part that it needs. GUI
-/// thread. Knows no window.
+/// A scene that is being edited. Its parts are used directly. GUI thread; does not depend on a
+/// window.
 struct Document {
     /// Throws what SceneFile, FilmScene and SceneSettings throw.
     Document(const std::filesystem::path& scene, const ShadingRequest& shading, Report& report,
              const ReadOptions& reading = {});
 
     SceneFile file;
-    FilmScene film;  ///< at rest until it plays, which is no change of the document
+    FilmScene film;  ///< playing it does not change the document
     SceneSettings settings;
     UndoStack undo{settings};
     Recovery recovery{file, settings, undo};
 
-    /// SceneFile::save(), after which the recovery file is gone and the next change is a
-    /// step of its own.
+    /// SceneFile::save(), then removes the recovery file and ends the current undo step, so
+    /// that the next change does not join it. The same for saveAs().
     std::vector<std::string> save(bool overwrite = false);
     std::vector<std::string> saveAs(const std::filesystem::path& to);
 };

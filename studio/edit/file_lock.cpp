@@ -9,8 +9,9 @@
 namespace tavora::studio {
 namespace {
 
-// Whoever held the lock before may have removed the file since it was opened.
-bool standsAt(const std::filesystem::path& file, int descriptor) {
+// Whether the open file still has that name: the previous holder of the lock may have removed
+// it after it was opened here.
+bool isAt(const std::filesystem::path& file, int descriptor) {
     struct stat named {};
     struct stat open {};
     return ::stat(file.c_str(), &named) == 0 && ::fstat(descriptor, &open) == 0 &&
@@ -25,7 +26,7 @@ FileLock::FileLock(std::filesystem::path file, int descriptor)
 std::optional<FileLock> FileLock::take(const std::filesystem::path& file) {
     const int descriptor = ::open(file.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, 0600);
     if (descriptor < 0) return std::nullopt;
-    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && standsAt(file, descriptor)) {
+    if (::flock(descriptor, LOCK_EX | LOCK_NB) == 0 && isAt(file, descriptor)) {
         return FileLock(file, descriptor);
     }
     ::close(descriptor);

@@ -5,11 +5,11 @@
 
 namespace tavora::studio {
 
-/// A lock that ends with its process, however that ends: an empty file that
-/// stands while it is held. Advisory, for programs that ask. One thread.
+/// A lock that is released when its process ends, in whatever way: an empty file, locked by
+/// flock(), which exists as long as the lock is held. Advisory. One thread.
 class FileLock {
   public:
-    /// None when somebody else holds it, or the file cannot be made.
+    /// Empty when another process holds the lock, or the file cannot be created.
     static std::optional<FileLock> take(const std::filesystem::path& file);
 
     ~FileLock();

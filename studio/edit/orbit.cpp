@@ -11,9 +11,9 @@ using Imath::M44d;
 using Imath::V3d;
 
 constexpr double kTurn = std::numbers::pi;  // radians for a drag over the picture's height
-constexpr double kSteepest = std::numbers::pi / 2 - 0.02;  // radians over the horizon
-constexpr double kNearest = 1e-3;                          // of the scene's size
-constexpr double kFarthest = 1e3;
+constexpr double kMaxElevation = std::numbers::pi / 2 - 0.02;  // radians over the horizon
+constexpr double kMinDistance = 1e-3;  // relative to the scene's size, as the next
+constexpr double kMaxDistance = 1e3;
 constexpr V3d kUp(0, 1, 0);
 
 V3d axis(const M44d& frame, int row) {
@@ -38,8 +38,9 @@ V3d rotated(const V3d& v, const V3d& about, double angle) {
            about * (about.dot(v) * (1 - std::cos(angle)));
 }
 
-/// Keeps rounding from bending the frame over thousands of drags.
-void straighten(M44d& frame) {
+/// Makes the axes orthonormal again: otherwise rounding would skew them over thousands of
+/// drags.
+void orthonormalize(M44d& frame) {
     const V3d back = axis(frame, 2).normalized();
     const V3d right = (axis(frame, 0) - back * back.dot(axis(frame, 0))).normalized();
     setAxis(frame, 0, right);
@@ -47,15 +48,15 @@ void straighten(M44d& frame) {
     setAxis(frame, 2, back);
 }
 
-/// Turns the camera about a place, `axisOf` through it.
-void rotate(M44d& frame, const V3d& place, const V3d& axisOf, double angle) {
+/// Rotates the camera about the axis `axisOf` through a point.
+void rotate(M44d& frame, const V3d& point, const V3d& axisOf, double angle) {
     for (int row = 0; row < 3; ++row)
         setAxis(frame, row, rotated(axis(frame, row), axisOf, angle));
-    setAxis(frame, 3, place + rotated(axis(frame, 3) - place, axisOf, angle));
-    straighten(frame);
+    setAxis(frame, 3, point + rotated(axis(frame, 3) - point, axisOf, angle));
+    orthonormalize(frame);
 }
 
-/// The level axis to look up and down about; the camera's own while it has no roll.
+/// The horizontal axis for looking up and down; the camera's own when it has no roll.
 V3d levelAxis(const M44d& frame) {
     const V3d level = kUp.cross(axis(frame, 2));
     return level.length() > 1e-6 ? level.normalized() : axis(frame, 0);
@@ -69,8 +70,8 @@ double lengthOf(const Imath::Box3d& box) {
 double distanceAlong(const Camera& camera, const Imath::Box3d& bounds) {
     const V3d middle = bounds.isEmpty() ? V3d(0) : bounds.center();
     const double distance = (eyeOf(camera) - middle).dot(backOf(camera));
-    // A camera that looks away from the scene turns about a place before it.
-    return distance > kNearest * lengthOf(bounds) ? distance : lengthOf(bounds);
+    // A camera that looks away from the scene turns about a point in front of it.
+    return distance > kMinDistance * lengthOf(bounds) ? distance : lengthOf(bounds);
 }
 
 }  // namespace
@@ -87,21 +88,21 @@ Orbit::Orbit(const Camera& start, const Imath::Box3d& bounds)
 }
 
 void Orbit::setStart(const Camera& start) {
-    const bool goesAlong = isAtStart();
+    const bool wasAtStart = isAtStart();
     start_ = start;
     start_.aspect = 0;
     startInterest_ = eyeOf(start) - backOf(start) * distanceAlong(start, bounds_);
-    if (goesAlong) reset();
+    if (wasAtStart) reset();
 }
 
 bool Orbit::isAtStart() const {
     return camera_.cameraToWorld == start_.cameraToWorld && camera_.halfHeight == start_.halfHeight;
 }
 
-void Orbit::setInterest(const V3d& place) {
+void Orbit::setInterest(const V3d& point) {
     const V3d before = interest_;
-    interest_ = place;
-    if (!(depth() > kNearest * size_)) interest_ = before;
+    interest_ = point;
+    if (!(depth() > kMinDistance * size_)) interest_ = before;
 }
 
 double Orbit::depth() const {
@@ -114,11 +115,11 @@ void Orbit::moveTo(const V3d& eye) {
 
 void Orbit::turn(double x, double y) {
     M44d& frame = camera_.cameraToWorld;
-    const double steepness = std::asin(std::clamp(-backOf(camera_).y, -1.0, 1.0));
-    // A camera that starts steeper than that may stay so, and come back.
-    const double most = std::max(kSteepest, std::abs(steepness));
-    const double wanted = std::clamp(steepness - y * kTurn, -most, most);
-    rotate(frame, interest_, levelAxis(frame), wanted - steepness);
+    const double elevation = std::asin(std::clamp(-backOf(camera_).y, -1.0, 1.0));
+    // A camera that starts steeper than kMaxElevation may stay so, and return to it.
+    const double max = std::max(kMaxElevation, std::abs(elevation));
+    const double wanted = std::clamp(elevation - y * kTurn, -max, max);
+    rotate(frame, interest_, levelAxis(frame), wanted - elevation);
     rotate(frame, interest_, kUp, -x * kTurn);
 }
 
@@ -134,10 +135,10 @@ void Orbit::zoom(double factor) {
     const V3d away = eyeOf(camera_) - interest_;
     double& reach = camera_.halfHeight;
     const double before = camera_.orthographic ? reach : away.length();
-    const double after = std::clamp(before / factor, std::min(before, kNearest * size_),
-                                    std::max(before, kFarthest * size_));
+    const double after = std::clamp(before / factor, std::min(before, kMinDistance * size_),
+                                    std::max(before, kMaxDistance * size_));
     if (camera_.orthographic) {
-        // The place of interest stays where it is in the picture.
+        // The point of interest must not move in the picture.
         const V3d aside = away - backOf(camera_) * depth();
         moveTo(eyeOf(camera_) + aside * (after / before - 1));
         reach = after;

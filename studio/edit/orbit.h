@@ -4,43 +4,43 @@
 
 namespace tavora::studio {
 
-/// The camera of an edit window: turns around a point of interest, slides and
-/// comes nearer, as a hand moves it. Starts as, and goes back to, a camera of
-/// the scene. Plain values; one thread.
+/// The camera of an edit window, which the user turns around a point of interest, pans and
+/// zooms. Starts as a camera of the scene, to which it can be reset. Plain values; one thread.
 class Orbit {
   public:
-    /// The point of interest is where the camera's axis passes the scene's
-    /// middle at its nearest.
+    /// `bounds` are the scene's, in the world. The point of interest is the point on the
+    /// camera's axis that is nearest to their centre.
     Orbit(const Camera& start, const Imath::Box3d& bounds);
 
-    /// Another camera to start as, the point of interest being what it is for a
-    /// new orbit. A view that is still at its start goes along.
+    /// Changes the camera at the start; its point of interest is found as for a new orbit. A
+    /// view that is still at the start changes with it.
     void setStart(const Camera& start);
 
-    /// Camera::aspect is 0: the picture's own.
+    /// Its aspect is 0, that of the picture.
     const Camera& camera() const { return camera_; }
     bool isAtStart() const;
 
-    /// A place in the world before the camera, not behind it, that stays where it
-    /// is in the picture while the view turns or zooms, and under the hand while
-    /// it slides.
-    void setInterest(const Imath::V3d& place);
+    /// Sets the point of interest, in the world. It stays where it is in the picture when the
+    /// view turns or zooms, and follows the pointer when it pans. A point behind the camera is
+    /// ignored.
+    void setInterest(const Imath::V3d& point);
 
-    /// Drags in shares of the picture's height, x to the right, y down: the scene
-    /// follows. Turning keeps the camera's roll and stops short of the poles.
+    /// Drags the scene; x to the right and y down are fractions of the picture's height.
+    /// turn() keeps the camera's roll and stops before the poles.
     void turn(double x, double y);
     void pan(double x, double y);
-    /// Above 1 comes nearer by that factor; a perspective camera never passes
-    /// its point of interest, an orthographic one changes its half height.
+    /// Moves nearer by a factor above 1, or away by one below. A perspective camera never
+    /// passes its point of interest; an orthographic one changes its half height.
     void zoom(double factor);
-    /// Aims at the middle of `box` and sees all of it in a picture of width /
-    /// height = `aspect`. An empty box changes nothing.
+    /// Aims at the centre of `box`, in the world, at a distance from which all of it is visible
+    /// in a picture of width / height = `aspect`. An empty box changes nothing.
     void frame(const Imath::Box3d& box, double aspect);
+    /// Returns to the camera at the start.
     void reset();
 
   private:
     void moveTo(const Imath::V3d& eye);
-    double depth() const;  ///< of the point of interest, metres along the view
+    double depth() const;  ///< of the point of interest, in metres along the camera's axis
 
     Camera start_;
     Camera camera_;

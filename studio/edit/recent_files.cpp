@@ -15,7 +15,7 @@ namespace {
 constexpr std::size_t kMostFiles = 10;
 constexpr std::size_t kMostBytes = 1 << 20;
 
-/// One path a line, so that any bytes a path may have stay as they are.
+/// The file has one path a line, unquoted, so that a path may have any bytes but line breaks.
 fs::path listFile(const fs::path& folder) {
     return folder / "recent-scenes";
 }
@@ -56,7 +56,7 @@ void addRecentFile(const fs::path& scene) {
         fs::create_directories(*folder);
         writeWholeFile(listFile(*folder), text);
     } catch (const std::exception&) {
-        // Nobody loses work over this.
+        // The list is not important enough to report an error.
     }
 }
 

@@ -5,12 +5,12 @@
 
 namespace tavora::studio {
 
-/// Scenes that were open lately, the last first, kept in the user's settings
-/// folder. Several programs may write it at once: the last one wins. Any failure
-/// to read or write leaves a shorter list and is no error.
+/// The scenes that were opened recently, the last one first. The list is in the folder of the
+/// user's settings. When several programs write it at once, the last one wins. Failing to read
+/// or write it is no error; the list is then shorter.
 std::vector<std::filesystem::path> recentFiles();
 
-/// Puts `scene` (made absolute) first; the list keeps ten.
+/// Puts `scene`, made absolute, at the front of the list, which has at most ten.
 void addRecentFile(const std::filesystem::path& scene);
 
 }  // namespace tavora::studio

@@ -5,7 +5,7 @@
 #include <fmt/format.h>
 #include <system_error>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/files/temporary_file.h"
 #include "studio/files/whole_file.h"
 #include "studio/util/error.h"
@@ -15,13 +15,13 @@ namespace tavora::studio {
 namespace fs = std::filesystem;
 namespace {
 
-constexpr int kMostSessions = 16;  // on one scene, the dead counted in
+constexpr int kMostSessions = 16;  // on one scene, crashed ones included
 constexpr std::size_t kMostBytes = std::size_t{1} << 30;
-constexpr std::size_t kMostNameBytes = 100;  // of the scene's name, for people
+constexpr std::size_t kMostNameBytes = 100;  // of the scene's name, which is only there for people
 constexpr const char* kLockSuffix = ".lock";
 
-/// Empty when the environment names none. By the rules for base directories,
-/// relative paths are to be ignored.
+/// Empty when the environment names none. The XDG Base Directory Specification says to ignore
+/// relative paths.
 fs::path recoveryFolder() {
     const char* state = std::getenv("XDG_STATE_HOME");
     if (state != nullptr && fs::path(state).is_absolute()) {
@@ -40,17 +40,17 @@ std::string baseName(const fs::path& scene) {
     return fmt::format("{}-{:016x}", name, hashOf(whole.string()));
 }
 
-/// Locks of dead sessions that left no work. Those beside work are left to the
-/// session that is offered it.
+/// Removes the locks of crashed sessions that left no work. A lock with work is removed by the
+/// session to which that work is offered.
 void removeStaleLocks(const fs::path& folder) {
     try {
         for (const auto& entry : fs::directory_iterator(folder)) {
             fs::path file = entry.path();
             if (file.extension() != kLockSuffix || fs::exists(file.replace_extension())) continue;
-            FileLock::take(entry.path());  // removes it when it lets go
+            FileLock::take(entry.path());  // its destructor removes the file
         }
     } catch (const fs::filesystem_error&) {
-        // A folder that is not there holds none.
+        // A folder that does not exist has no locks.
     }
 }
 
@@ -72,8 +72,9 @@ std::optional<std::size_t> surfaceNamed(const SceneSettings& settings, const std
 
 }  // namespace
 
-/// A place of this scene that no living session holds, with a dead one's work or free.
-std::optional<Recovery::Place> Recovery::findPlace(bool withWork) const {
+/// Locks one of this scene's recovery files that no running session holds: one that exists, with
+/// a crashed session's work, or one that does not.
+std::optional<Recovery::RecoveryFile> Recovery::findFile(bool withWork) const {
     const fs::path folder = recoveryFolder();
     const std::string base = baseName(file_.path());
     std::error_code ignored;
@@ -81,43 +82,44 @@ std::optional<Recovery::Place> Recovery::findPlace(bool withWork) const {
         const fs::path file = folder / fmt::format("{}-{}.json", base, i);
         if (fs::exists(file, ignored) != withWork) continue;
         auto lock = FileLock::take(file.string() + kLockSuffix);
-        if (lock && fs::exists(file, ignored) == withWork) return Place{file, std::move(*lock)};
+        if (lock && fs::exists(file, ignored) == withWork)
+            return RecoveryFile{file, std::move(*lock)};
     }
     return std::nullopt;
 }
 
-/// A file keeps no surface without shader where it had one: that is turned off there.
-bool Recovery::isSaved(const Place& place) const {
+/// A file cannot store that a surface has no shader if it had one: that is stored as disabled.
+bool Recovery::isSaved(const RecoveryFile& candidate) const {
     try {
-        const UnsavedWork work = readWork(place.file);
-        return std::all_of(work.surfaces.begin(), work.surfaces.end(), [this](const auto& one) {
-            const auto surface = surfaceNamed(settings_, one.first);
+        const UnsavedWork work = readWork(candidate.file);
+        return std::all_of(work.surfaces.begin(), work.surfaces.end(), [this](const auto& entry) {
+            const auto surface = surfaceNamed(settings_, entry.first);
             if (!surface) return false;
             const std::optional<SurfaceShader>& saved = settings_.saved(*surface);
-            return one.second ? settings_.settled(one.second) == saved : !activeBlock(saved);
+            return entry.second ? settings_.normalized(entry.second) == saved : !activeBlock(saved);
         });
     } catch (const Error&) {
-        return false;  // takeOver() says what is wrong
+        return false;  // takeOver() reports the error
     }
 }
 
 bool Recovery::isOffered() {
-    if (left_) return true;
+    if (abandoned_) return true;
     std::error_code ignored;
     removeAbandonedFiles(recoveryFolder());
     removeAbandonedFiles(fs::weakly_canonical(file_.path(), ignored).parent_path());
     removeStaleLocks(recoveryFolder());
     do {
-        left_ = findPlace(true);
-    } while (left_ && isSaved(*left_) && fs::remove(left_->file, ignored));
-    return left_.has_value();
+        abandoned_ = findFile(true);
+    } while (abandoned_ && isSaved(*abandoned_) && fs::remove(abandoned_->file, ignored));
+    return abandoned_.has_value();
 }
 
 std::vector<std::string> Recovery::takeOver() {
     if (!isOffered()) throw Error(Fault::Scene, "there is no unsaved work to recover");
     UnsavedWork work;
     try {
-        work = readWork(left_->file);
+        work = readWork(abandoned_->file);
     } catch (const Error& error) {
         setAside(error.what());
     }
@@ -134,7 +136,8 @@ std::vector<std::string> Recovery::takeOver() {
             warnings.push_back(fmt::format("{}: no longer has the surface \"{}\"", scene, name));
         }
     }
-    const std::optional<Place> before = std::exchange(own_, std::exchange(left_, std::nullopt));
+    const std::optional<RecoveryFile> before =
+        std::exchange(own_, std::exchange(abandoned_, std::nullopt));
     written_.reset();
     undo_.push(settingsStep(settings_, changes, "recovery"));
     if (before) {
@@ -146,10 +149,10 @@ std::vector<std::string> Recovery::takeOver() {
 }
 
 void Recovery::setAside(const std::string& why) {
-    const fs::path aside = left_->file.string() + ".damaged";
+    const fs::path aside = abandoned_->file.string() + ".damaged";
     std::error_code ignored;
-    fs::rename(left_->file, aside, ignored);
-    left_.reset();
+    fs::rename(abandoned_->file, aside, ignored);
+    abandoned_.reset();
     throw Error(Fault::Scene,
                 fmt::format("the unsaved work cannot be recovered: {}; it is kept as {}", why,
                             aside.string()));
@@ -158,8 +161,8 @@ void Recovery::setAside(const std::string& why) {
 void Recovery::discard() {
     clear();
     std::error_code ignored;
-    if (isOffered()) fs::remove(left_->file, ignored);
-    left_.reset();
+    if (isOffered()) fs::remove(abandoned_->file, ignored);
+    abandoned_.reset();
 }
 
 UnsavedWork Recovery::unsavedWork() const {
@@ -178,7 +181,7 @@ void Recovery::write() {
     const fs::path folder = recoveryFolder();
     std::error_code ignored;
     if (!folder.empty()) fs::create_directories(folder, ignored);
-    if (!own_) own_ = findPlace(false);
+    if (!own_) own_ = findFile(false);
     if (!own_) {
         throw Error(Fault::Output,
                     fmt::format("{}: cannot be written, so unsaved work is lost if the program "
@@ -193,7 +196,7 @@ void Recovery::clear() {
     std::error_code ignored;
     if (own_) fs::remove(own_->file, ignored);
     own_.reset();
-    left_.reset();
+    abandoned_.reset();
     written_.reset();
 }
 

@@ -12,11 +12,10 @@
 
 namespace tavora::studio {
 
-/// Keeps the unsaved work on a scene over a crash, in $XDG_STATE_HOME/tavora/recovery,
-/// else ~/.local/state/tavora/recovery. Each session that is open on the scene has a
-/// file of its own there, and a lock on it that tells it from what a dead session
-/// left. The file outlives this object: it goes when the work is saved or given up.
-/// GUI thread.
+/// Preserves the unsaved work on a scene over a crash, in $XDG_STATE_HOME/tavora/recovery, or
+/// else in ~/.local/state/tavora/recovery. Each session that edits the scene has its own file
+/// there, with a lock that distinguishes it from the file of a crashed session. The file
+/// outlives this object: it is removed when the work is saved or discarded. GUI thread.
 class Recovery {
   public:
     /// All must outlive it.
@@ -25,42 +24,42 @@ class Recovery {
     Recovery(const Recovery&) = delete;
     Recovery& operator=(const Recovery&) = delete;
 
-    /// Whether a session that did not end well left unsaved work on this scene; what
-    /// open windows of any program keep does not count. Removes what dead sessions
-    /// left and nobody needs: unfinished files here and beside the scene, locks, and
-    /// work that the scene holds already, its session having died after saving it.
+    /// Whether a crashed session left unsaved work on this scene; files of running sessions do
+    /// not count. Also removes useless files of crashed sessions: temporary files here and in
+    /// the scene's folder, locks, and work that the scene already has because the session
+    /// crashed after saving.
     bool isOffered();
-    /// Takes that work over as one step. Its file stays until write() replaces it or
-    /// clear() removes it. Returns a line for each surface that the scene no longer
-    /// has, and when the scene changed. Throws Fault::Scene when it is damaged, and
-    /// keeps the damaged file under another name.
+    /// Takes that work over as one undo step. Its file is now this session's: it stays until
+    /// write() replaces it or clear() removes it. Returns a warning for each surface that the
+    /// scene no longer has, and one if the scene changed. Throws Error, Fault::Scene, when the
+    /// file is damaged, which is then kept under another name.
     std::vector<std::string> takeOver();
-    /// Removes it, and what this session wrote: for unsaved work nobody wants.
+    /// Removes that work, and what this session wrote.
     void discard();
 
-    /// Writes the unsaved work; removes the file when all is saved. Cheap when nothing
-    /// changed since the last call. Throws Fault::Output.
+    /// Writes the unsaved work, or removes the file when all is saved. Does nothing when nothing
+    /// changed since the last call. Throws Error, Fault::Output.
     void write();
-    /// Removes what this session wrote or took over; work of an earlier session that
+    /// Removes the file that this session wrote or took over. Work of a crashed session that
     /// was not taken over is offered again.
     void clear();
 
   private:
-    struct Place {
+    struct RecoveryFile {
         std::filesystem::path file;
         FileLock lock;
     };
-    std::optional<Place> findPlace(bool withWork) const;
+    std::optional<RecoveryFile> findFile(bool withWork) const;
     UnsavedWork unsavedWork() const;
-    bool isSaved(const Place& place) const;
+    bool isSaved(const RecoveryFile& candidate) const;
     [[noreturn]] void setAside(const std::string& why);
 
     const SceneFile& file_;
     SceneSettings& settings_;
     UndoStack& undo_;
-    std::optional<Place> own_;   ///< where this session writes
-    std::optional<Place> left_;  ///< what is offered
-    std::optional<UnsavedWork> written_;
+    std::optional<RecoveryFile> own_;        ///< which this session writes
+    std::optional<RecoveryFile> abandoned_;  ///< by a crashed session: the offered work
+    std::optional<UnsavedWork> written_;     ///< the contents of own_
 };
 
 }  // namespace tavora::studio

@@ -47,29 +47,36 @@ FileStamp stampOf(const fs::path& file) {
     return stamp;
 }
 
-/// The bytes are read only when size or time differ.
+/// Reads the file's bytes only when its size is the same but its time differs.
 bool isUnchanged(const fs::path& file, const FileStamp& stamp) {
     const FileStamp now = quickStamp(file);
     if (now.size != stamp.size) return false;
     return now.written == stamp.written || contentHash(file) == stamp.hash;
 }
 
-/// What goes into a scene file, and what cannot.
+/// What to write to a scene file, and warnings about what cannot be written.
 struct SavePlan {
-    std::map<int, SurfaceShader> shaders;  ///< by material
-    std::vector<std::size_t> kept;         ///< surfaces that the file holds as they are then
+    std::map<int, SurfaceShader> shaders;    ///< by material
+    std::vector<std::size_t> savedSurfaces;  ///< that the file then has in their current state
     std::vector<std::string> warnings;
 };
 
-/// The material of a surface in the file as it stands now; -1: none.
-int materialNamed(const Scene& changed, const Surface& surface) {
-    if (surface.materialIndex < 0) return -1;
-    const auto found = std::find_if(changed.surfaces.begin(), changed.surfaces.end(),
-                                    [&](const Surface& one) { return one.name == surface.name; });
-    return found == changed.surfaces.end() ? -1 : found->materialIndex;
+/// The index of a surface's material in its file, if it has one.
+std::optional<int> materialOf(const Surface& surface) {
+    if (surface.materialIndex < 0) return std::nullopt;
+    return surface.materialIndex;
 }
 
-/// A file keeps no surface without shader where it had one: that is turned off there.
+/// The same in a file that another program changed, where the material is found by its name.
+std::optional<int> materialNamed(const Scene& changed, const Surface& surface) {
+    if (surface.materialIndex < 0) return std::nullopt;
+    const auto found =
+        std::find_if(changed.surfaces.begin(), changed.surfaces.end(),
+                     [&](const Surface& other) { return other.name == surface.name; });
+    return found == changed.surfaces.end() ? std::nullopt : materialOf(*found);
+}
+
+/// A file cannot store that a surface has no shader if it had one: that is stored as disabled.
 SurfaceShader stored(const std::optional<SurfaceShader>& now,
                      const std::optional<SurfaceShader>& saved) {
     if (now) return *now;
@@ -78,8 +85,8 @@ SurfaceShader stored(const std::optional<SurfaceShader>& now,
     return off;
 }
 
-/// What must be stored in the file so that it holds the settings: the differences
-/// where it is as it was read, all settings where another program changed it.
+/// Determines what to write so that the file has the current settings: the unsaved ones if it is
+/// as it was read, all of them if another program changed it.
 SavePlan planSave(const SceneSettings& settings, const std::optional<Scene>& changed) {
     const Scene& scene = settings.scene();
     SavePlan plan;
@@ -87,10 +94,11 @@ SavePlan planSave(const SceneSettings& settings, const std::optional<Scene>& cha
         const Surface& surface = scene.surfaces[i];
         const std::optional<SurfaceShader>& now = settings.at(i);
         if (changed ? !now : !settings.isUnsaved(i)) continue;
-        const int material = changed ? materialNamed(*changed, surface) : surface.materialIndex;
-        if (material >= 0) {
-            plan.shaders[material] = stored(now, settings.saved(i));
-            plan.kept.push_back(i);
+        const std::optional<int> material =
+            changed ? materialNamed(*changed, surface) : materialOf(surface);
+        if (material) {
+            plan.shaders[*material] = stored(now, settings.saved(i));
+            plan.savedSurfaces.push_back(i);
         } else {
             plan.warnings.push_back(fmt::format(
                 "{}: surface \"{}\" has no material in the {}file, so its settings are not "
@@ -139,7 +147,7 @@ std::vector<std::string> SceneFile::write(SceneSettings& settings, const fs::pat
     if (!plan.shaders.empty() || file != path_) writeGltfSettings(path_, file, plan.shaders);
     path_ = file;
     stamp_ = stampOf(file);
-    settings.markSaved(plan.kept);
+    settings.markSaved(plan.savedSurfaces);
     return std::move(plan.warnings);
 }
 

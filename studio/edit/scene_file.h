@@ -10,36 +10,36 @@
 
 namespace tavora::studio {
 
-/// How a file stood on the disk when it was read.
+/// The state of a file when it was read, by which changes are detected.
 struct FileStamp {
     std::uintmax_t size = 0;
     std::filesystem::file_time_type written;
     std::uint64_t hash = 0;  ///< of its bytes
 };
 
-/// The file of a scene: what is saved into it, and whether somebody else changed it.
-/// A save that throws leaves the file and the unsaved changes as they were. GUI thread.
+/// The file of a scene: saves settings, and detects changes by other programs. When saving
+/// throws, the file and the unsaved changes are as before. GUI thread.
 class SceneFile {
   public:
-    /// To be made before the scene is read, so that no change in between is missed.
-    /// Throws Fault::Scene when the file cannot be read.
+    /// To be made before the scene is read, so that a change in between is detected. Throws
+    /// Error, Fault::Scene, when the file cannot be read.
     explicit SceneFile(const std::filesystem::path& path, const ReadOptions& reading = {});
 
     const std::filesystem::path& path() const { return path_; }
-    /// Of the file when it was read or saved.
+    /// The file's state when it was read or last saved.
     const FileStamp& stamp() const { return stamp_; }
 
-    /// Whether another program changed the file since it was read or saved.
-    /// False for one that is gone: save() says so.
+    /// Whether another program changed the file since it was read or saved. False for a file
+    /// that no longer exists, which save() reports.
     bool changedOnDisk() const;
 
-    /// Writes the settings into the file and marks them as saved. Returns a line for
-    /// each surface whose settings the file cannot hold. A file that was changed on
-    /// disk is left alone unless `overwrite`; with that the settings go into the
-    /// changed file, by the names of its materials. Throws Fault::Output, Fault::Scene.
+    /// Writes the settings to the file and marks them as saved. Returns a warning for each
+    /// surface whose settings the file cannot store. Throws Error: Fault::Scene for a file that
+    /// another program changed, unless `overwrite` is set: then the settings are written into
+    /// the changed file, by the names of its materials; Fault::Output when writing fails.
     std::vector<std::string> save(SceneSettings& settings, bool overwrite = false);
-    /// Saves to another file of the same suffix and goes on with that. The file that
-    /// was open stays as it is.
+    /// Saves to another file with the same suffix, which becomes the scene's file. The file
+    /// that was open does not change.
     std::vector<std::string> saveAs(SceneSettings& settings, const std::filesystem::path& file);
 
   private:

@@ -17,8 +17,8 @@ HostSurfaceId surfaceId(const Surface& surface) {
     return reinterpret_cast<HostSurfaceId>(const_cast<Surface*>(&surface));
 }
 
-/// For settings that are loaded next: what the user stored is not read first.
-Shader recordToLoad(const ModuleCopy& module, HostSurfaceId surface) {
+/// A new instance whose settings are loaded next, so that it need not read the user's defaults.
+Shader newInstance(const ModuleCopy& module, HostSurfaceId surface) {
     const HiddenSettingsFolder hidden;
     return Shader(module, surface);
 }
@@ -28,26 +28,26 @@ Shader recordToLoad(const ModuleCopy& module, HostSurfaceId surface) {
 SceneSettings::SceneSettings(const Scene& scene, const ShadingRequest& request, Report& report)
     : scene_(scene),
       module_(findModule(request.plugin), findServiceOrWindow),
-      scratch_(recordToLoad(module_, nullptr)),
+      scratch_(newInstance(module_, nullptr)),
       records_(scene_.surfaces.size()),
       listed_(listedSurfaces(scene_)) {
     reportScene(scene_, report);
     const ShaderClass shader{module_.file(), module_.server(), builtInSettings(module_)};
     const std::vector<std::string> lights = lightNames(scene_);
-    const ShadingRequest asked = withDefaultLook(scene_, request, report);
-    Report silent({0, true, {}});  // what the file holds is reported once
+    const ShadingRequest shading = withDefaultLook(scene_, request, report);
+    Report silent({0, true, {}});  // so that warnings about the file are not repeated
     saved_ = planSurfaces(scene_, {}, shader, lights, silent);
-    now_ = planSurfaces(scene_, asked, shader, lights, report);
+    now_ = planSurfaces(scene_, shading, shader, lights, report);
     for (std::size_t i = 0; i < now_.size(); ++i) {
-        saved_[i] = settled(std::move(saved_[i]));
-        now_[i] = settled(std::move(now_[i]));
+        saved_[i] = normalized(std::move(saved_[i]));
+        now_[i] = normalized(std::move(now_[i]));
         if (now_[i] || !saved_[i]) continue;
         now_[i] = saved_[i];
         now_[i]->enabled = false;
     }
-    const bool standsIn =
+    const bool hasDefaultLook =
         request.looks.empty() && request.changes.empty() && !storesShaders(scene_);
-    clean_ = standsIn ? now_ : saved_;
+    clean_ = hasDefaultLook ? now_ : saved_;
 }
 
 bool SceneSettings::isUnsaved(std::size_t surface) const {
@@ -59,7 +59,7 @@ SurfaceShader SceneSettings::newShader() const {
     return {module_.server(), true, newShaderSettings(module_)};
 }
 
-std::optional<SurfaceShader> SceneSettings::settled(std::optional<SurfaceShader> shader) {
+std::optional<SurfaceShader> SceneSettings::normalized(std::optional<SurfaceShader> shader) {
     if (!shader) return shader;
     scratch_.load(blockOf(settingsOf(shader->block)));
     return SurfaceShader{module_.server(), shader->enabled, scratch_.save()};
@@ -69,7 +69,8 @@ void SceneSettings::set(const ShaderChanges& changes) {
     for (const auto& [surface, shader] : changes) {
         now_[surface] = shader;
         if (records_[surface] == nullptr) continue;
-        // What a panel wrote is there already: loaded again, it would lose its selected zone.
+        // An edit in a panel is already in its instance: loading it would reset the selected
+        // zone.
         const StateBlock block = shader ? shader->block : newShader().block;
         if (!sameBits(records_[surface]->save(), block)) records_[surface]->load(block);
     }
@@ -90,7 +91,7 @@ Shader& SceneSettings::record(std::size_t surface) {
     std::unique_ptr<Shader>& record = records_[surface];
     if (record == nullptr) {
         auto made =
-            std::make_unique<Shader>(recordToLoad(module_, surfaceId(scene_.surfaces[surface])));
+            std::make_unique<Shader>(newInstance(module_, surfaceId(scene_.surfaces[surface])));
         made->load(at(surface) ? at(surface)->block : newShader().block);
         record = std::move(made);
     }

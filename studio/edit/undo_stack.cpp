@@ -15,15 +15,16 @@ std::size_t bytesOf(const std::optional<SurfaceShader>& shader) {
     return bytes;
 }
 
-std::size_t bytesOf(const Step& step) {
-    std::size_t bytes = sizeof(Step) + step.what.size();
+std::size_t bytesOf(const UndoStep& step) {
+    std::size_t bytes = sizeof(UndoStep) + step.what.size();
     for (const SettingsChange& change : step.changes) {
         bytes += sizeof change + bytesOf(change.before) + bytesOf(change.after);
     }
     return bytes;
 }
 
-ShaderChanges side(const Step& step, std::optional<SurfaceShader> SettingsChange::*which) {
+/// The shaders before or after a step.
+ShaderChanges side(const UndoStep& step, std::optional<SurfaceShader> SettingsChange::*which) {
     ShaderChanges settings;
     for (const SettingsChange& change : step.changes)
         settings.emplace_back(change.surface, change.*which);
@@ -32,14 +33,14 @@ ShaderChanges side(const Step& step, std::optional<SurfaceShader> SettingsChange
 
 }  // namespace
 
-bool UndoStack::joins(const Step& step) const {
-    if (!open_ || step.gesture == 0 || step.changes.size() != 1) return false;
-    const Step& last = steps_.back();
+bool UndoStack::joins(const UndoStep& step) const {
+    if (!canJoin_ || step.gesture == 0 || step.changes.size() != 1) return false;
+    const UndoStep& last = steps_.back();
     return last.gesture == step.gesture && last.changes.size() == 1 &&
            last.changes.front().surface == step.changes.front().surface;
 }
 
-void UndoStack::join(Step step) {
+void UndoStack::join(UndoStep step) {
     Entry& last = steps_.back();
     SettingsChange& change = last.changes.front();
     change.after = std::move(step.changes.front().after);
@@ -52,10 +53,10 @@ void UndoStack::dropLast() {
     bytes_ -= steps_.back().bytes;
     steps_.pop_back();
     done_ = std::min(done_, steps_.size());
-    open_ = false;  // what lies below was ended before this one began
+    canJoin_ = false;  // the step below ended when this one began
 }
 
-void UndoStack::add(Step step) {
+void UndoStack::add(UndoStep step) {
     while (canRedo())
         dropLast();
     if (joins(step)) return join(std::move(step));
@@ -63,7 +64,7 @@ void UndoStack::add(Step step) {
     steps_.push_back({std::move(step), bytes});
     bytes_ += bytes;
     ++done_;
-    open_ = true;
+    canJoin_ = true;
     forgetOldest();
 }
 
@@ -75,7 +76,7 @@ void UndoStack::forgetOldest() {
     }
 }
 
-void UndoStack::push(Step step) {
+void UndoStack::push(UndoStep step) {
     std::erase_if(step.changes,
                   [](const SettingsChange& change) { return change.before == change.after; });
     if (step.changes.empty()) return;
@@ -94,7 +95,7 @@ std::string UndoStack::redoText() const {
 
 void UndoStack::undo() {
     if (!canUndo()) return;
-    open_ = false;
+    canJoin_ = false;
     settings_.set(side(steps_[--done_], &SettingsChange::before));
 }
 
@@ -103,12 +104,12 @@ void UndoStack::redo() {
     settings_.set(side(steps_[done_++], &SettingsChange::after));
 }
 
-bool UndoStack::did(Gesture gesture) const {
+bool UndoStack::isLastStepOf(Gesture gesture) const {
     return gesture != 0 && canUndo() && !canRedo() && steps_.back().gesture == gesture;
 }
 
 void UndoStack::abandon(Gesture gesture) {
-    if (!did(gesture)) return;
+    if (!isLastStepOf(gesture)) return;
     const ShaderChanges before = side(steps_.back(), &SettingsChange::before);
     dropLast();
     settings_.set(before);

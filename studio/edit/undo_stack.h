@@ -11,40 +11,40 @@
 
 namespace tavora::studio {
 
-/// What the user's hands do without letting go, numbered: its changes to one
-/// surface are undone together. 0 is never joined with anything.
+/// The number of a continuous user action, like a drag: its changes to one surface are joined to
+/// one step. 0: a change that is never joined.
 using Gesture = std::uint64_t;
 
+/// The change of one surface's shader.
 struct SettingsChange {
     std::size_t surface = 0;
     std::optional<SurfaceShader> before;
     std::optional<SurfaceShader> after;
 };
 
-/// What is undone and redone together.
-struct Step {
+/// Changes that are undone and redone together.
+struct UndoStep {
     std::string what;  ///< for menus: "edit of Body"
     std::vector<SettingsChange> changes;
     Gesture gesture = 0;
 };
 
-/// What was done to the settings of a scene, and what was undone. The oldest is
-/// forgotten first: at most 1,000 steps are kept, and at most 64 MiB unless a
-/// single step is larger. GUI thread.
+/// The undo and redo history of a scene's settings. Discards the oldest steps so that there are
+/// at most 1,000 steps and at most 64 MiB, unless a single step is larger. GUI thread.
 class UndoStack {
   public:
     static constexpr std::size_t kMostSteps = 1000;
     static constexpr std::size_t kMostBytes = std::size_t{64} << 20;
 
-    /// `settings` must outlive it, and is changed by nobody else.
+    /// `settings` must outlive it, and must not be changed in any other way.
     explicit UndoStack(SceneSettings& settings) : settings_(settings) {}
 
-    /// Does the step; what was undone before cannot be redone. Joins the step
-    /// before when the gesture is the same and nothing lies between. What changes
-    /// nothing is no step.
-    void push(Step step);
-    /// The next step stands alone, whatever its gesture.
-    void endStep() { open_ = false; }
+    /// Applies the step; steps that were undone can no longer be redone. Joins the step to the
+    /// last one if that has the same gesture and nothing happened in between. A step without
+    /// changes is ignored.
+    void push(UndoStep step);
+    /// Prevents the next step from joining the last one.
+    void endStep() { canJoin_ = false; }
 
     bool canUndo() const { return done_ > 0; }
     bool canRedo() const { return done_ < steps_.size(); }
@@ -53,26 +53,26 @@ class UndoStack {
     void undo();
     void redo();
 
-    /// Whether the last step is what this gesture did.
-    bool did(Gesture gesture) const;
-    /// Takes the gesture's step back for good; nothing when there is none.
+    /// Whether the last step was made by this gesture, and can be undone.
+    bool isLastStepOf(Gesture gesture) const;
+    /// Undoes the last step if this gesture made it, without the possibility to redo it.
     void abandon(Gesture gesture);
 
   private:
-    struct Entry : Step {
+    struct Entry : UndoStep {
         std::size_t bytes = 0;
     };
-    bool joins(const Step& step) const;
-    void join(Step step);
-    void add(Step step);
+    bool joins(const UndoStep& step) const;
+    void join(UndoStep step);
+    void add(UndoStep step);
     void dropLast();
     void forgetOldest();
 
     SceneSettings& settings_;
     std::deque<Entry> steps_;
-    std::size_t done_ = 0;   ///< steps before this are done, the others undone
+    std::size_t done_ = 0;   ///< the number of steps that are done; later ones are undone
     std::size_t bytes_ = 0;  ///< of all steps
-    bool open_ = false;      ///< whether the last step may be joined
+    bool canJoin_ = false;   ///< whether a step may join the last one
 };
 
 }  // namespace tavora::studio

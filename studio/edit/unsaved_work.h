@@ -12,21 +12,22 @@
 
 namespace tavora::studio {
 
-/// Unsaved work on a scene, as it lies in a recovery file.
+/// Unsaved work on a scene: the contents of a recovery file.
 struct UnsavedWork {
     std::filesystem::path scene;  ///< absolute
     std::uintmax_t sceneSize = 0;
-    std::uint64_t sceneHash = 0;  ///< of the file that it belongs to
+    std::uint64_t sceneHash = 0;  ///< of the scene file that was edited
     std::vector<std::pair<std::string, std::optional<SurfaceShader>>> surfaces;  ///< by name
 
     bool operator==(const UnsavedWork&) const = default;
 };
 
-/// A text that readUnsavedWork() reads back to the bit; it also tells the time, for people.
+/// The text of a recovery file, which readUnsavedWork() reads back exactly. It also has the
+/// current time, for people.
 std::string textOfUnsavedWork(const UnsavedWork& work);
 
-/// Throws Error for what is damaged; `where` opens the message. Blocks are
-/// complete ones.
+/// Reads a recovery file; all blocks in the result are complete. Throws Error, Fault::Scene,
+/// for a damaged file; the message starts with `where`.
 UnsavedWork readUnsavedWork(std::string_view text, const std::string& where);
 
 }  // namespace tavora::studio

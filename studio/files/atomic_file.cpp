@@ -13,8 +13,8 @@ namespace tavora::studio {
 namespace fs = std::filesystem;
 namespace {
 
-// Some file systems offer no flushing; that is not a failed write.
-bool flushed(int descriptor) {
+// Flushes a file to disk. True also on file systems that cannot flush.
+bool flush(int descriptor) {
     if (uninterrupted([&] { return ::fsync(descriptor); }) == 0) return true;
     return errno == EINVAL || errno == ENOSYS || errno == ENOTSUP;
 }
@@ -22,18 +22,20 @@ bool flushed(int descriptor) {
 }  // namespace
 
 AtomicFile::AtomicFile(const fs::path& target)
-    : asked_(target),
-      place_(outputPlace(target)),
-      temporary_(place_.target.parent_path(), place_.permissions, target) {
-    // The mask of the process counts for new files only.
-    const auto keep = [&] { return ::fchmod(temporary_.descriptor(), place_.permissions); };
-    if (place_.replaces && uninterrupted(keep) != 0) {
+    : requested_(target),
+      target_(outputTarget(target)),
+      temporary_(target_.target.parent_path(), target_.permissions, target) {
+    // A replaced file keeps its permissions, whatever the process's mask is.
+    const auto setPermissions = [&] {
+        return ::fchmod(temporary_.descriptor(), target_.permissions);
+    };
+    if (target_.replaces && uninterrupted(setPermissions) != 0) {
         fail("cannot be given the permissions of the file it replaces", errno);
     }
 }
 
 void AtomicFile::fail(const char* doing, int error) const {
-    throw Error(Fault::Output, outputMessage(asked_, doing, error));
+    throw Error(Fault::Output, outputMessage(requested_, doing, error));
 }
 
 void AtomicFile::write(const void* data, std::size_t size) {
@@ -53,22 +55,22 @@ void AtomicFile::write(const void* data, std::size_t size) {
 
 void AtomicFile::commit(const std::function<void(int)>& readBack) {
     if (error_ != 0) fail("cannot be written", error_);
-    if (!flushed(temporary_.descriptor())) fail("cannot be flushed to disk", errno);
+    if (!flush(temporary_.descriptor())) fail("cannot be flushed to disk", errno);
     if (readBack) readBack(temporary_.descriptor());
-    if (!closesWell(temporary_.descriptor())) fail("cannot be written", errno);
+    if (!checkClose(temporary_.descriptor())) fail("cannot be written", errno);
     markWritten();
-    if (!temporary_.rename(place_.target)) fail("cannot be put in place", errno);
+    if (!temporary_.rename(target_.target)) fail("cannot be put in place", errno);
     flushFolder();
 }
 
-// Until then a power cut may bring the old file back. A folder that may be written to but
-// not read cannot be flushed.
+// Without this, a power failure may bring the old file back. A folder that may be written but not
+// read cannot be flushed.
 void AtomicFile::flushFolder() const {
-    const fs::path path = place_.target.parent_path();
+    const fs::path path = target_.target.parent_path();
     const int folder =
         uninterrupted([&] { return ::open(path.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC); });
     if (folder < 0 && errno == EACCES) return;
-    const bool safe = folder >= 0 && flushed(folder);
+    const bool safe = folder >= 0 && flush(folder);
     const int error = errno;
     if (folder >= 0) ::close(folder);
     if (!safe) fail("is written, but its folder cannot be flushed to disk", error);

@@ -7,7 +7,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/system_calls.h"
 #include "studio/files/written_mark.h"
 #include "studio/util/error.h"
@@ -17,9 +17,9 @@ namespace {
 
 constexpr const char* kOutputName = "standard output";
 
-// Whether a call that failed is to be made again. Another program may have set a shared
-// stream to not wait; then this one waits here.
-bool again(int descriptor, short event) {
+// Whether to repeat a call that failed. Another program may have made a shared stream
+// non-blocking; then this function waits until it is ready.
+bool shouldRetry(int descriptor, short event) {
     if (errno == EINTR) return true;
     if (errno != EAGAIN) return false;
     pollfd ready{descriptor, event, 0};
@@ -34,8 +34,8 @@ bool again(int descriptor, short event) {
 }  // namespace
 
 void openMissingStreams() noexcept {
-    // Each open takes the lowest free number. Writing to descriptor 1 and reading from 0 must
-    // fail as they do without a file, so these are opened for the opposite.
+    // open() returns the lowest free descriptor. Reading from 0 and writing to 1 must still fail,
+    // so these are opened for the opposite.
     constexpr int kModes[] = {O_WRONLY, O_RDONLY, O_WRONLY};
     for (int descriptor = 0; descriptor <= STDERR_FILENO; ++descriptor) {
         if (::fcntl(descriptor, F_GETFD) < 0 && errno == EBADF) {
@@ -57,11 +57,11 @@ void writeOut(std::string_view bytes) {
     markWritten();
     while (!bytes.empty()) {
         const ssize_t written = ::write(STDOUT_FILENO, bytes.data(), bytes.size());
-        if (written < 0 && again(STDOUT_FILENO, POLLOUT)) continue;
+        if (written < 0 && shouldRetry(STDOUT_FILENO, POLLOUT)) continue;
         if (written <= 0) failWriting(written < 0 ? errno : EIO);
         bytes.remove_prefix(static_cast<std::size_t>(written));
     }
-    if (!closesWell(STDOUT_FILENO)) failWriting(errno);
+    if (!checkClose(STDOUT_FILENO)) failWriting(errno);
 }
 
 void checkStandardOutput() {
@@ -76,7 +76,7 @@ std::string readStandardInput(std::size_t limit) {
     for (;;) {
         if (size == bytes.size()) bytes.resize(std::max(kFirst, 2 * size));
         const ssize_t got = ::read(STDIN_FILENO, bytes.data() + size, bytes.size() - size);
-        if (got < 0 && again(STDIN_FILENO, POLLIN)) continue;
+        if (got < 0 && shouldRetry(STDIN_FILENO, POLLIN)) continue;
         if (got < 0) throw std::system_error(errno, std::generic_category());
         if (got == 0) break;
         size += static_cast<std::size_t>(got);

@@ -6,42 +6,41 @@
 #include <string>
 #include <string_view>
 
-/// The three streams that a program starts with. They are written and read without the
-/// C library's buffers, so that every failure is seen where it happens.
+/// The standard streams. They are used without the C library's buffers, so that every failure is
+/// detected where it happens.
 namespace tavora::studio {
 
-/// Whoever read standard output has closed it, as `head` does once it has enough: no fault.
+/// Thrown when the reader of standard output has closed it, as `head` does; that is no error.
 class ReaderGone : public std::exception {
   public:
     const char* what() const noexcept override { return "nobody reads standard output any more"; }
 };
 
-/// Whether a file's name on the command line is "-": standard input where something is
-/// read, standard output where it is written.
+/// Whether a file name is "-", which means standard input for reading and standard output for
+/// writing.
 inline bool isStream(const std::filesystem::path& file) {
     return file == "-";
 }
 
-/// Opens those of the descriptors 0, 1 and 2 that the program was started without, since the
-/// next file opened would take such a number and be written messages into. What is said on a
-/// missing standard error is lost; using a missing input or output still fails. Before
-/// anything else opens a file.
+/// Opens those of the descriptors 0, 1 and 2 with which the program was not started. Otherwise the
+/// next file that is opened would get such a descriptor, and messages would be written into it.
+/// Messages to a missing standard error are lost; using a missing standard input or output still
+/// fails. To be called before any file is opened.
 void openMissingStreams() noexcept;
 
-/// Says `text` on standard error. A closed or full one loses it and changes nothing else.
-/// Any thread, and signal handlers.
+/// Writes `text` to standard error. Failures are ignored. Any thread; safe in signal handlers.
 void writeError(std::string_view text) noexcept;
 
-/// Writes data to standard output. Throws ReaderGone, or Fault::Output when not all of it
-/// gets there. One thread at a time.
+/// Writes data to standard output. Throws ReaderGone, or Error, Fault::Output, when not all of it
+/// could be written. One thread at a time.
 void writeOut(std::string_view bytes);
 
-/// Fails early, before there is something to write: throws Fault::Output when standard output
-/// is closed or was opened for reading only.
+/// To be called before the work for an output: throws Error, Fault::Output, when standard output
+/// is closed or read-only.
 void checkStandardOutput();
 
-/// All of standard input, at most `limit` bytes. Throws std::system_error: closed, a folder,
-/// too large (EFBIG), read errors.
+/// Reads all of standard input. Throws std::system_error when it cannot be read, or has more than
+/// `limit` bytes (EFBIG).
 std::string readStandardInput(std::size_t limit);
 
 }  // namespace tavora::studio

@@ -6,7 +6,7 @@
 
 namespace tavora::studio {
 
-/// Makes a system call again for as long as signals interrupt it; returns what it returns.
+/// Repeats a system call as long as signals interrupt it, and returns its result.
 template <class Call>
 auto uninterrupted(const Call& call) {
     for (;;) {
@@ -15,12 +15,12 @@ auto uninterrupted(const Call& call) {
     }
 }
 
-/// Some network folders tell of a full disk only when a file is closed. Closes a copy of
-/// the descriptor, which asks them and leaves the file open and locked. False, with `errno`
-/// set, when something was lost.
-inline bool closesWell(int descriptor) {
+/// Checks whether closing a file would fail, as it does on some network file systems when the disk
+/// is full. Closes a copy of the descriptor, so that the file stays open and locked. False, with
+/// `errno` set, when data was lost.
+inline bool checkClose(int descriptor) {
     const int copy = ::fcntl(descriptor, F_DUPFD_CLOEXEC, 0);
-    return copy >= 0 && (::close(copy) == 0 || errno == EINTR);  // interrupted, it is closed
+    return copy >= 0 && (::close(copy) == 0 || errno == EINTR);  // closed even if interrupted
 }
 
 }  // namespace tavora::studio

@@ -13,7 +13,7 @@
 #include <unistd.h>
 #include <utility>
 
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/system_calls.h"
 #include "studio/files/unfinished_files.h"
 #include "studio/util/error.h"
@@ -23,15 +23,15 @@ namespace tavora::studio {
 namespace fs = std::filesystem;
 namespace {
 
-// What the names of this machine's temporary files begin with. In a folder that machines
-// share, a lock may be known to the machine alone that holds it.
+// The prefix of this machine's temporary files. In a shared folder, a lock may be visible only on
+// the machine that holds it, so files of other machines must not be removed.
 std::string machinePrefix() {
     std::array<char, 256> name{};
     ::gethostname(name.data(), name.size() - 1);
     return fmt::format(".tavora-{:08x}-", static_cast<std::uint32_t>(hashOf(name.data())));
 }
 
-// Of fixed length: a target whose name is as long as names may be still works.
+// A name of fixed length, so that it works even when the target's name has the maximum length.
 std::string newName() {
     std::uint64_t number = 0;
     if (::getrandom(&number, sizeof number, GRND_NONBLOCK) != sizeof number) {
@@ -41,12 +41,12 @@ std::string newName() {
     return fmt::format("{}{:016x}.tmp", machinePrefix(), number);
 }
 
-// Whether the lock is ours; file systems without locks count as such.
-bool locked(int descriptor) {
+// Locks a file; false when another process holds the lock. True on file systems without locks.
+bool tryLock(int descriptor) {
     return ::flock(descriptor, LOCK_EX | LOCK_NB) == 0 || errno != EWOULDBLOCK;
 }
 
-// Whoever looks for abandoned files may have removed this one before it was locked.
+// False when another process removed the file as abandoned before it was locked.
 bool hasName(int descriptor) {
     struct stat status {};
     return ::fstat(descriptor, &status) == 0 && status.st_nlink > 0;
@@ -72,7 +72,8 @@ void removeAbandonedFiles(const fs::path& folder) {
     }
 }
 
-TemporaryFile::TemporaryFile(const fs::path& folder, unsigned permissions, const fs::path& asked) {
+TemporaryFile::TemporaryFile(const fs::path& folder, unsigned permissions,
+                             const fs::path& requested) {
     removeAbandonedFiles(folder);
     constexpr int kTries = 16;
     for (int i = 0; i < kTries; ++i) {
@@ -80,20 +81,20 @@ TemporaryFile::TemporaryFile(const fs::path& folder, unsigned permissions, const
         if (create(permissions)) return;
         if (errno != EEXIST) break;
     }
-    throw Error(Fault::Output, outputMessage(asked, "cannot be created", errno));
+    throw Error(Fault::Output, outputMessage(requested, "cannot be created", errno));
 }
 
-// False with EEXIST where another name may do.
+// Creates the file at path_. Returns false and sets `errno`, to EEXIST if another name may work.
 bool TemporaryFile::create(unsigned permissions) {
     slot_ = listUnfinished(path_.c_str());
     descriptor_ = uninterrupted([&] {
         return ::open(path_.c_str(), O_RDWR | O_CREAT | O_EXCL | O_CLOEXEC,
                       static_cast<mode_t>(permissions));
     });
-    if (descriptor_ >= 0 && locked(descriptor_) && hasName(descriptor_)) return true;
+    if (descriptor_ >= 0 && tryLock(descriptor_) && hasName(descriptor_)) return true;
     const int error = descriptor_ < 0 ? errno : EEXIST;
     if (descriptor_ >= 0) ::close(std::exchange(descriptor_, -1));
-    unlistUnfinished(std::exchange(slot_, -1));
+    unlistUnfinished(std::exchange(slot_, std::nullopt));
     errno = error;
     return false;
 }

@@ -1,18 +1,20 @@
 #pragma once
 
+#include <cstddef>
 #include <filesystem>
+#include <optional>
 
 namespace tavora::studio {
 
-/// A new file under a temporary name, in the folder that its contents are meant for. It is
-/// locked while it is open, which tells it from what a killed process left: making one
-/// removes those of this machine that lie in the folder and that nobody holds. Removed
-/// with its object unless renamed, and by removeUnfinishedFiles(). One thread at a time.
+/// A new file with a temporary name, in the folder of the final file. It is locked while it is
+/// open, which distinguishes it from files that a killed process left: the constructor removes
+/// unlocked ones of this machine from the folder. The file is removed by the destructor, unless it
+/// was renamed, and by removeUnfinishedFiles(). One thread at a time.
 class TemporaryFile {
   public:
-    /// Throws Error, Fault::Output, that names `asked`: the file as the user knows it.
+    /// Throws Error, Fault::Output, that names `requested`, the final file as the user named it.
     TemporaryFile(const std::filesystem::path& folder, unsigned permissions,
-                  const std::filesystem::path& asked);
+                  const std::filesystem::path& requested);
     ~TemporaryFile();
     TemporaryFile(const TemporaryFile&) = delete;
     TemporaryFile& operator=(const TemporaryFile&) = delete;
@@ -22,7 +24,7 @@ class TemporaryFile {
     /// Open for reading and writing.
     int descriptor() const { return descriptor_; }
 
-    /// Gives it a name in the same file system, over whatever stands there. False, with
+    /// Renames the file to a name in the same file system, replacing any file there. False, with
     /// `errno` set, when that fails.
     bool rename(const std::filesystem::path& target) noexcept;
 
@@ -31,11 +33,11 @@ class TemporaryFile {
 
     std::filesystem::path path_;
     int descriptor_ = -1;
-    int slot_ = -1;  ///< in the list that a signal handler reads
+    std::optional<std::size_t> slot_;  ///< from listUnfinished()
 };
 
-/// Removes the temporary files in `folder` that processes on this machine left when they
-/// were killed. Whatever hinders that is no error.
+/// Removes the temporary files in `folder` that killed processes on this machine left. Errors are
+/// ignored.
 void removeAbandonedFiles(const std::filesystem::path& folder);
 
 }  // namespace tavora::studio

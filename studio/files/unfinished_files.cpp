@@ -18,28 +18,28 @@ struct Slot {
     std::array<char, 4096> path;
 };
 
-// Never freed: a handler may read a slot while another thread gives it up.
+// Never freed, since a signal handler may read a slot while another thread releases it.
 std::array<Slot, 64> slots;
 
 static_assert(std::atomic<int>::is_always_lock_free, "a signal handler reads these");
 
 }  // namespace
 
-int listUnfinished(const char* path) noexcept {
+std::optional<std::size_t> listUnfinished(const char* path) noexcept {
     const std::size_t length = std::strlen(path);
-    if (length >= slots[0].path.size()) return -1;
+    if (length >= slots[0].path.size()) return std::nullopt;
     for (std::size_t i = 0; i < slots.size(); ++i) {
         int expected = kFree;
         if (!slots[i].state.compare_exchange_strong(expected, kClaimed)) continue;
         std::memcpy(slots[i].path.data(), path, length + 1);
         slots[i].state.store(kListed);
-        return static_cast<int>(i);
+        return i;
     }
-    return -1;
+    return std::nullopt;
 }
 
-void unlistUnfinished(int slot) noexcept {
-    if (slot >= 0) slots[static_cast<std::size_t>(slot)].state.store(kFree);
+void unlistUnfinished(std::optional<std::size_t> slot) noexcept {
+    if (slot) slots[*slot].state.store(kFree);
 }
 
 void removeUnfinishedFiles() noexcept {

@@ -10,7 +10,7 @@
 #include <unistd.h>
 
 #include "studio/files/atomic_file.h"
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/system_calls.h"
 #include "studio/util/error.h"
 
@@ -24,7 +24,7 @@ namespace {
 
 class OpenFile {
   public:
-    // Without blocking: a pipe that nobody writes to must not hang the program.
+    // Non-blocking, so that opening a pipe without a writer does not wait forever.
     explicit OpenFile(const fs::path& file)
         : descriptor(uninterrupted(
               [&] { return ::open(file.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK); })) {
@@ -45,22 +45,23 @@ std::size_t plainSize(int descriptor, const fs::path& file) {
     return static_cast<std::size_t>(status.st_size);
 }
 
-// Up to `size` bytes from `offset` on; fewer only at the end of the file.
+// Reads up to `size` bytes from `offset`; fewer only at the end of the file.
 std::size_t readAt(int descriptor, std::size_t offset, char* to, std::size_t size,
                    const fs::path& file) {
-    std::size_t done = 0;
-    while (done < size) {
+    std::size_t count = 0;
+    while (count < size) {
         const ssize_t got = uninterrupted([&] {
-            return ::pread(descriptor, to + done, size - done, static_cast<off_t>(offset + done));
+            return ::pread(descriptor, to + count, size - count,
+                           static_cast<off_t>(offset + count));
         });
         if (got < 0) failReading(file, errno);
         if (got == 0) break;
-        done += static_cast<std::size_t>(got);
+        count += static_cast<std::size_t>(got);
     }
-    return done;
+    return count;
 }
 
-bool holdsExactly(int descriptor, std::string_view bytes, const fs::path& file) {
+bool hasContents(int descriptor, std::string_view bytes, const fs::path& file) {
     if (plainSize(descriptor, file) != bytes.size()) return false;
     std::array<char, 65536> buffer;
     for (std::size_t offset = 0; offset < bytes.size();) {
@@ -88,7 +89,7 @@ void writeWholeFile(const fs::path& file, std::string_view bytes) {
     out.write(bytes.data(), bytes.size());
     try {
         out.commit([&](int descriptor) {
-            if (holdsExactly(descriptor, bytes, file)) return;
+            if (hasContents(descriptor, bytes, file)) return;
             throw Error(Fault::Output, fmt::format("{}: reads back other than it was written; "
                                                    "check the disk or choose another place",
                                                    file.string()));

@@ -7,12 +7,12 @@
 
 namespace tavora::studio {
 
-/// The bytes of a plain file of at most `limit` bytes. Throws
-/// std::system_error: not there, a folder, too large (EFBIG), read errors.
+/// Reads a plain file. Throws std::system_error when it cannot be read, or has more than `limit`
+/// bytes (EFBIG).
 std::string readWholeFile(const std::filesystem::path& file, std::size_t limit);
 
-/// Writes `bytes` to `file` through an AtomicFile and, before the file gets its
-/// name, reads them back and compares. Throws Error, Fault::Output.
+/// Writes a file by AtomicFile; before the rename, reads the bytes back and compares them. Throws
+/// Error, Fault::Output.
 void writeWholeFile(const std::filesystem::path& file, std::string_view bytes);
 
 }  // namespace tavora::studio

@@ -2,11 +2,11 @@
 
 namespace tavora::studio {
 
-/// Notes that a file is about to be put in place, or data to leave on standard output: from
-/// here on nobody may claim that nothing was written. Any thread.
+/// To be called before a file is renamed to its final name, and before data is written to standard
+/// output: from then on messages must not say that nothing was written. Any thread.
 void markWritten() noexcept;
 
-/// Whether markWritten() was ever called. Safe to call from a signal handler.
+/// Whether markWritten() was called. Safe to call from a signal handler.
 bool anythingWritten() noexcept;
 
 }  // namespace tavora::studio

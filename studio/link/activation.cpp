@@ -10,22 +10,23 @@
 namespace tavora::studio {
 namespace {
 
-/// The lookup and its misses while the module is asked again what it needs.
-/// HostLookup has no data of its own, hence per thread.
-thread_local HostLookup* askedLookup = nullptr;
+/// The lookup of noteMissing(), and the services that it did not find. They are variables of the
+/// thread because a HostLookup gets no data pointer.
+thread_local HostLookup* currentLookup = nullptr;
 thread_local std::vector<std::string> missing;
 
 void* noteMissing(const char* service, int useMode) {
-    void* found = askedLookup(service, useMode);
+    void* found = currentLookup(service, useMode);
     if (found == nullptr && std::find(missing.begin(), missing.end(), service) == missing.end()) {
         missing.emplace_back(service);
     }
     return found;
 }
 
+/// Activates the class again to find out which services it misses.
 std::vector<std::string> missingServices(const HostServerRecord& server, int version,
                                          HostLookup* lookup, void* classRecord) {
-    askedLookup = lookup;
+    currentLookup = lookup;
     missing.clear();
     server.activate(version, noteMissing, classRecord, nullptr);
     return std::move(missing);

@@ -10,16 +10,14 @@
 
 namespace tavora::studio {
 
-/// A started module with its shader class activated: what one render thread, or
-/// the panel, works with. Each copy has globals, mutex and instances of its own.
-/// One thread at a time; any thread may own it. Instances must be destroyed
-/// before their copy.
+/// A started module with its shader class activated. Each render thread has a copy, and so have
+/// panels; each copy has its own globals, mutex and instances. One thread at a time, of any kind.
+/// Instances must be destroyed before their copy.
 class ModuleCopy {
   public:
-    /// Loads a private image of `file`, starts it and activates the
-    /// "ShaderHandler" class of `server`, or of its first server when empty,
-    /// with the host's `lookup`. Throws Error, Fault::Module with one line that says what
-    /// is wrong with which file.
+    /// Loads a private image of `file`, starts it, and activates the "ShaderHandler" class of
+    /// `server`, or of its first server when that is empty, with the host's `lookup`. Throws
+    /// Error, Fault::Module.
     ModuleCopy(const std::filesystem::path& file, HostLookup* lookup,
                const std::string& server = {});
     ~ModuleCopy();

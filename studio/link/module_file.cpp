@@ -16,40 +16,40 @@ namespace fs = std::filesystem;
 constexpr const char* kFileName = "tavora.so";
 constexpr const char* kPathVariable = "TAVORA_PLUGIN_PATH";
 
-/// A place names the module's file, or the folder that holds it.
-fs::path fileAt(const fs::path& place) {
+/// The module's file, when `path` is that file or its folder.
+fs::path fileAt(const fs::path& path) {
     std::error_code error;
-    return fs::is_directory(place, error) ? place / kFileName : place;
+    return fs::is_directory(path, error) ? path / kFileName : path;
 }
 
-void addPlacesOfPath(const std::string& path, std::vector<fs::path>& places) {
+void addFilesOfPath(const std::string& path, std::vector<fs::path>& files) {
     for (std::size_t start = 0; start <= path.size();) {
         const std::size_t end = std::min(path.find(':', start), path.size());
-        if (end > start) places.push_back(fileAt(path.substr(start, end - start)));
+        if (end > start) files.push_back(fileAt(path.substr(start, end - start)));
         start = end + 1;
     }
 }
 
-void addPlaceBesideProgram(std::vector<fs::path>& places) {
+void addFileBesideProgram(std::vector<fs::path>& files) {
     std::error_code error;
     const fs::path program = fs::read_symlink("/proc/self/exe", error);
-    if (!error) places.push_back(program.parent_path() / kFileName);
+    if (!error) files.push_back(program.parent_path() / kFileName);
 }
 
-/// In the order in which they count.
-std::vector<fs::path> placesToLook(const std::string& option) {
-    std::vector<fs::path> places;
+/// The files to try, in order.
+std::vector<fs::path> candidateFiles(const std::string& option) {
+    std::vector<fs::path> files;
     if (!option.empty()) {
-        places.push_back(fileAt(option));
-        return places;
+        files.push_back(fileAt(option));
+        return files;
     }
     const char* path = std::getenv(kPathVariable);
-    if (path != nullptr) addPlacesOfPath(path, places);
-    if (places.empty()) addPlaceBesideProgram(places);
-    return places;
+    if (path != nullptr) addFilesOfPath(path, files);
+    if (files.empty()) addFileBesideProgram(files);
+    return files;
 }
 
-/// Whoever set the variable must learn that it leads nowhere.
+/// The advice when no module was found; a variable that is set is named, since it may be wrong.
 const char* adviceFor(const std::string& option) {
     const char* path = std::getenv(kPathVariable);
     if (!option.empty()) return "give --plugin the module or its folder, or leave it out";
@@ -61,12 +61,12 @@ const char* adviceFor(const std::string& option) {
 }  // namespace
 
 fs::path findModule(const std::string& option) {
-    const std::vector<fs::path> places = placesToLook(option);
+    const std::vector<fs::path> files = candidateFiles(option);
     std::vector<std::string> names;
-    for (const fs::path& place : places) {
+    for (const fs::path& file : files) {
         std::error_code error;
-        if (fs::exists(place, error) && !fs::is_directory(place, error)) return place;
-        names.push_back(place.string());
+        if (fs::exists(file, error) && !fs::is_directory(file, error)) return file;
+        names.push_back(file.string());
     }
     throw Error(Fault::Module, fmt::format("no plug-in module {} found; looked for {}; {}",
                                            kFileName, fmt::join(names, ", "), adviceFor(option)));

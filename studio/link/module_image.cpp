@@ -41,20 +41,20 @@ void* loadImage(const std::string& path) {
     return dlopen(path.c_str(), RTLD_LOCAL | RTLD_NOW);
 }
 
-/// A name for descriptor `number` that the loader does not know yet: an image
-/// that never left memory may still hold the plain one.
-std::string freshName(int number) {
+/// A path of descriptor `number` that the loader has not seen: the plain path may still belong to
+/// an image that was never unloaded.
+std::string unusedName(int number) {
     std::string folder = "/proc/self/fd/";
     for (;;) {
         std::string name = folder + std::to_string(number);
-        void* known = dlopen(name.c_str(), RTLD_LOCAL | RTLD_NOW | RTLD_NOLOAD);
-        if (known == nullptr) return name;
-        dlclose(known);
+        void* loaded = dlopen(name.c_str(), RTLD_LOCAL | RTLD_NOW | RTLD_NOLOAD);
+        if (loaded == nullptr) return name;
+        dlclose(loaded);
         folder += "./";
     }
 }
 
-/// The loader's last message, without the name under which it saw the file.
+/// The loader's last message, without the path under which it loaded the file.
 std::string loaderMessage() {
     const char* text = dlerror();
     std::string message = text == nullptr ? "unknown reason" : text;
@@ -65,10 +65,10 @@ std::string loaderMessage() {
     return message;
 }
 
-bool holdsItsSegments(int copy) {
+bool hasAllSegments(int copy) {
     struct stat info {};
     return fstat(copy, &info) == 0 &&
-           static_cast<std::uint64_t>(info.st_size) >= leastModuleSize(copy);
+           static_cast<std::uint64_t>(info.st_size) >= minModuleSize(copy);
 }
 
 void checkFile(const fs::path& file) {
@@ -114,7 +114,7 @@ ModuleImage::~ModuleImage() {
 
 void ModuleImage::load() {
     image_ = loadFromMemory();
-    // Some systems forbid running code from memory files.
+    // Some systems forbid executing code in memory files.
     if (image_ == nullptr) image_ = loadFromTemporaryFile();
     if (image_ == nullptr) {
         throw Error(Fault::Module, fmt::format("{}: not a loadable plug-in module ({}); {}",
@@ -125,12 +125,12 @@ void ModuleImage::load() {
 void* ModuleImage::loadFromMemory() {
     memory_ = memfd_create("plugin", MFD_CLOEXEC);
     if (memory_ < 0 || !copyBytes(file_, memory_)) return nullptr;
-    if (!holdsItsSegments(memory_)) {
+    if (!hasAllSegments(memory_)) {
         throw Error(Fault::Module,
                     fmt::format("{}: a damaged plug-in module: it ends before its last segment; {}",
                                 file_.string(), kReinstall));
     }
-    return loadImage(freshName(memory_));
+    return loadImage(unusedName(memory_));
 }
 
 void* ModuleImage::loadFromTemporaryFile() {
@@ -143,7 +143,7 @@ void* ModuleImage::loadFromTemporaryFile() {
                                 "temporary file; set TMPDIR to a folder with space",
                                 file_.string()));
     }
-    const bool whole = copyBytes(file_, file) && holdsItsSegments(file);
+    const bool whole = copyBytes(file_, file) && hasAllSegments(file);
     close(file);
     void* image = whole ? loadImage(name) : nullptr;
     unlink(name.c_str());

@@ -6,14 +6,13 @@
 
 namespace tavora::studio {
 
-/// One loaded image of a module file. Every ModuleImage of the same file has
-/// globals of its own, because the loader gets a private copy of the file; a
-/// module must therefore not look for files beside itself ($ORIGIN).
-/// Any thread; not moved while loaded.
+/// A loaded image of a module file. Every ModuleImage of the same file has its own globals, because
+/// the loader gets a private copy of the file; so a module must not search for files relative to
+/// itself ($ORIGIN). Any thread.
 class ModuleImage {
   public:
-    /// Loads `file` and checks its descriptor. Throws Error, Fault::Module: no such file,
-    /// not a loadable module, no or a foreign descriptor.
+    /// Loads `file` and checks its descriptor. Throws Error, Fault::Module, when there is no such
+    /// file, it cannot be loaded, or its descriptor is missing or made for another host.
     explicit ModuleImage(const std::filesystem::path& file);
     ~ModuleImage();
     ModuleImage(const ModuleImage&) = delete;
@@ -29,7 +28,8 @@ class ModuleImage {
     void findDescriptor();
 
     std::filesystem::path file_;
-    int memory_ = -1;  ///< kept open: its number is part of the name that the loader knows
+    int memory_ =
+        -1;  ///< descriptor; stays open, since its number is part of the path that was loaded
     void* image_ = nullptr;
     const HostModuleDescriptor* descriptor_ = nullptr;
 };

@@ -23,20 +23,20 @@ std::uint64_t sum(std::uint64_t offset, std::uint64_t size) {
 
 }  // namespace
 
-std::uint64_t leastModuleSize(int descriptor) {
+std::uint64_t minModuleSize(int descriptor) {
     constexpr unsigned char kOwnClass = sizeof(void*) == 8 ? ELFCLASS64 : ELFCLASS32;
     ElfW(Ehdr) header{};
     if (!readAt(descriptor, 0, header)) return 0;
     if (std::memcmp(header.e_ident, ELFMAG, SELFMAG) != 0) return 0;
     if (header.e_ident[EI_CLASS] != kOwnClass) return 0;
-    std::uint64_t least = 0;
+    std::uint64_t minSize = 0;
     for (std::uint64_t i = 0; i < header.e_phnum; ++i) {
-        const std::uint64_t place = header.e_phoff + i * sizeof(ElfW(Phdr));
+        const std::uint64_t headerOffset = header.e_phoff + i * sizeof(ElfW(Phdr));
         ElfW(Phdr) segment{};
-        if (!readAt(descriptor, place, segment)) return sum(place, sizeof segment);
-        least = std::max(least, sum(segment.p_offset, segment.p_filesz));
+        if (!readAt(descriptor, headerOffset, segment)) return sum(headerOffset, sizeof segment);
+        minSize = std::max(minSize, sum(segment.p_offset, segment.p_filesz));
     }
-    return least;
+    return minSize;
 }
 
 }  // namespace tavora::studio

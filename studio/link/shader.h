@@ -9,11 +9,12 @@
 
 namespace tavora::studio {
 
-/// One shader instance on one surface, owned. Its ModuleCopy must outlive it.
-/// One thread at a time, the one that owns the copy.
+/// Owns a shader instance on a surface. Its ModuleCopy must outlive it. One thread at a time, the
+/// one that uses the copy.
 class Shader {
   public:
-    /// Throws Error, Fault::Module with the module's own text when it cannot create one.
+    /// `surface` may be null. Throws Error, Fault::Module, with the module's message when it
+    /// cannot create an instance.
     Shader(const ModuleCopy& module, HostSurfaceId surface);
     ~Shader();
     Shader(Shader&& other) noexcept;
@@ -21,19 +22,19 @@ class Shader {
     Shader(const Shader&) = delete;
     Shader& operator=(const Shader&) = delete;
 
-    /// Throws Error, Fault::Module with the module's own text. The module decides what a
-    /// damaged block leaves behind.
+    /// Loads or saves the settings. Throws Error, Fault::Module, with the module's message. After a
+    /// damaged block, the settings are whatever the module left.
     void load(const StateBlock& block);
     StateBlock save() const;
 
-    /// HOST_SHADER_... bits. Between passes, or after beginPass().
+    /// HOST_SHADER_... bits. Outside of passes, or after beginPass().
     unsigned flags() const;
-    /// One line for lists; empty when the module gives none.
+    /// A description in one line; empty when the module has none.
     std::string descriptionLine() const;
 
-    /// A render pass: init and new time before the first sample, endPass()
-    /// after the last. No evaluation of the same copy may run meanwhile.
-    /// Throws Error, Fault::Module with the module's own text.
+    /// Begins a render pass, with the module's init and new time, and ends it after the last
+    /// sample. No evaluation by the same copy may run during these calls. Throws Error,
+    /// Fault::Module, with the module's message.
     void beginPass(int renderMode, int frame, double seconds);
     void endPass();
 
@@ -47,8 +48,7 @@ class Shader {
     HostInstance instance_;
 };
 
-/// The settings of a newly created shader: the module's own defaults, or those
-/// that the user stored.
+/// The settings of a new shader: the user's stored defaults, or else the module's own.
 StateBlock newShaderSettings(const ModuleCopy& module);
 
 }  // namespace tavora::studio

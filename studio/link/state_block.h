@@ -13,12 +13,11 @@ namespace tavora::studio {
 /// One item of a plug-in's saved settings.
 using StateItem = std::variant<std::int32_t, float, std::string>;
 
-/// A plug-in's settings as the flat sequence of items that it saved; groups
-/// are stored value by value. Plain data: copy it, compare it, keep it.
+/// A plug-in's settings, as the sequence of items that it saved; items that are saved in a group
+/// are separate here. Plain data.
 using StateBlock = std::vector<StateItem>;
 
-/// A save-state record that appends to a block.
-/// The block must outlive the record; one thread at a time.
+/// A save-state record that appends to a block, which must outlive it. One thread at a time.
 class BlockWriter {
   public:
     explicit BlockWriter(StateBlock& block);
@@ -31,9 +30,9 @@ class BlockWriter {
     HostSaveState record_;
 };
 
-/// A load-state record that reads a block from its start. An item of another
-/// kind than asked for ends the stream; an integer does not pass as a float.
-/// The block must outlive the record; one thread at a time.
+/// A load-state record that reads a block, which must outlive it, from its start. Reading an item
+/// as another kind than it has ends the stream; this also holds for an integer read as a float.
+/// One thread at a time.
 class BlockReader {
   public:
     explicit BlockReader(const StateBlock& block);

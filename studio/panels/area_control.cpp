@@ -7,8 +7,8 @@
 namespace tavora::studio {
 namespace {
 
-constexpr int kSmall = 48;  // areas up to this width are buttons, not strips
-constexpr int kPage = 20;   // pixels
+constexpr int kMaxButtonWidth = 48;  // pixels; wider areas are strips with a caret
+constexpr int kPage = 20;            // pixels
 
 }  // namespace
 
@@ -25,27 +25,26 @@ void AreaWidget::press(QPoint mouse) {
 
 void AreaWidget::mousePressEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
-    keys_ = false;
+    usesKeys_ = false;
     const QPoint mouse = event->position().toPoint();
-    if (reach_ > 0) caret_ = std::clamp(mouse.x(), 0, reach_);
+    if (caretRange_ > 0) caretX_ = std::clamp(mouse.x(), 0, caretRange_);
     press(mouse);
 }
 
 void AreaWidget::moveCaret(int distance) {
-    if (caret_ < 0) caret_ = reach_ / 2;
-    caret_ = std::clamp(caret_ + distance, 0, reach_);
+    caretX_ = std::clamp(caretX() + distance, 0, caretRange_);
     update();
 }
 
 void AreaWidget::keyPressEvent(QKeyEvent* event) {
-    keys_ = true;
+    usesKeys_ = true;
     const int pace = event->modifiers().testFlag(Qt::ControlModifier) ? kPage : 1;
     switch (event->key()) {
         case Qt::Key_Space:
         case Qt::Key_Return:
         case Qt::Key_Enter:
             moveCaret(0);
-            return press({reach_ > 0 ? caret_ : width() / 2, height() / 2});
+            return press({caretRange_ > 0 ? caretX() : width() / 2, height() / 2});
         case Qt::Key_Left:
             return moveCaret(-pace);
         case Qt::Key_Right:
@@ -55,9 +54,9 @@ void AreaWidget::keyPressEvent(QKeyEvent* event) {
         case Qt::Key_PageUp:
             return moveCaret(kPage);
         case Qt::Key_Home:
-            return moveCaret(-reach_);
+            return moveCaret(-caretRange_);
         case Qt::Key_End:
-            return moveCaret(reach_);
+            return moveCaret(caretRange_);
         default:
             event->ignore();
     }
@@ -66,7 +65,7 @@ void AreaWidget::keyPressEvent(QKeyEvent* event) {
 void AreaWidget::focusInEvent(QFocusEvent* event) {
     QWidget::focusInEvent(event);
     const auto reason = event->reason();
-    keys_ = keys_ || reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
+    usesKeys_ = usesKeys_ || reason == Qt::TabFocusReason || reason == Qt::BacktabFocusReason;
 }
 
 void AreaWidget::paintEvent(QPaintEvent* /*event*/) {
@@ -75,8 +74,8 @@ void AreaWidget::paintEvent(QPaintEvent* /*event*/) {
     painter.setPen(QPen(palette().color(QPalette::Highlight), 1));
     painter.setRenderHint(QPainter::Antialiasing);
     painter.drawRoundedRect(QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5), 2, 2);
-    if (reach_ <= 0 || !keys_) return;
-    const int caret = caret_ < 0 ? reach_ / 2 : caret_;
+    if (caretRange_ <= 0 || !usesKeys_) return;
+    const int caret = caretX();
     const QRectF line(caret - 0.5, 1, 2, height() - 2);
     painter.fillRect(line.adjusted(-1, 0, 1, 0), palette().color(QPalette::Base));
     painter.fillRect(line, palette().color(QPalette::Highlight));
@@ -84,17 +83,17 @@ void AreaWidget::paintEvent(QPaintEvent* /*event*/) {
 
 void AreaControl::place(const LayoutItem& item) {
     PanelControl::place(item);
-    area_->raise();  // over the control that it covers
+    area_->raise();  // it may cover another control
 }
 
 AreaControl::AreaControl(const ControlSeed& seed)
     : PanelControl(seed), area_(new AreaWidget(seed.canvas)) {
     QSize size(0, 0);
     if (seed.description.type == HOST_VALUE_AREA) {
-        const auto& asked = seed.description.of.area;
-        size = QSize(asked.width, asked.height).expandedTo(QSize(0, 0));
+        const auto& requested = seed.description.of.area;
+        size = QSize(requested.width, requested.height).expandedTo(QSize(0, 0));
     }
-    if (size.width() > kSmall) area_->setReach(size.width());
+    if (size.width() > kMaxButtonWidth) area_->setCaretRange(size.width());
     setField(area_, LayoutKind::Area, size);
     connect(area_, &AreaWidget::pressed, this, [this] { fire(); });
 }

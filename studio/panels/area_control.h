@@ -1,21 +1,22 @@
 #pragma once
 
+#include <optional>
+
 #include "studio/panels/control.h"
 
 namespace tavora::studio {
 
-/// A transparent place to press, by mouse, or by a caret that the arrow keys
-/// move.
+/// A transparent area that can be pressed by mouse, or by keys at a caret that the arrow keys move.
 class AreaWidget : public QWidget {
     Q_OBJECT
   public:
     explicit AreaWidget(QWidget* parent);
 
-    /// Of the last press, from the upper left corner.
+    /// The position of the last press, relative to the upper left corner.
     QPoint mouse() const { return mouse_; }
-    /// How far the caret goes; 0: there is none.
-    void setReach(int reach) { reach_ = reach; }
-    /// Counts as the user's.
+    /// The caret moves from 0 to `range` pixels; 0: there is no caret.
+    void setCaretRange(int range) { caretRange_ = range; }
+    /// Presses the area at a position, like the user.
     void press(QPoint mouse);
 
   signals:
@@ -30,14 +31,15 @@ class AreaWidget : public QWidget {
 
   private:
     void moveCaret(int distance);
+    int caretX() const { return caretX_.value_or(caretRange_ / 2); }
 
     QPoint mouse_;
-    int caret_ = -1;  ///< -1: not yet moved
-    int reach_ = 0;
-    bool keys_ = false;  ///< the keyboard is in use, so the caret shows
+    std::optional<int> caretX_;  ///< empty: in the middle, since it was not moved yet
+    int caretRange_ = 0;
+    bool usesKeys_ = false;  ///< the user works with the keyboard, so the caret is visible
 };
 
-/// "AreaControl": fires once a press and reports where.
+/// "AreaControl": fires once for each press and reports its position.
 class AreaControl : public PanelControl {
   public:
     explicit AreaControl(const ControlSeed& seed);

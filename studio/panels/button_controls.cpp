@@ -10,15 +10,15 @@ namespace {
 constexpr int kHeight = 19;  // rows of buttons stand 20 pixels apart
 constexpr int kMargins = 12;
 constexpr int kArrow = 7;
-// Two pixels of dragging make one step of the modules that we know; they drop an
-// odd one, so that a drag and its way back would not meet.
+// Modules take two pixels of dragging as one step and ignore an odd pixel, so that a drag and its
+// reverse would not end at the same value. Only even distances are reported.
 constexpr int kStep = 2;
 constexpr int kPage = 20;
 
 QSize sizeFor(const QPushButton& button, const HostControlDescription& description, int extra) {
-    const int asked = description.type == HOST_VALUE_AREA ? description.of.area.width : 0;
+    const int requested = description.type == HOST_VALUE_AREA ? description.of.area.width : 0;
     const int text = button.fontMetrics().horizontalAdvance(button.text());
-    return {std::max(asked, text + kMargins + extra), kHeight};
+    return {std::max(requested, text + kMargins + extra), kHeight};
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ class ButtonControl : public PanelControl {
     explicit ButtonControl(const ControlSeed& seed);
 };
 
-/// A button to drag sideways.
+/// A button that is dragged horizontally.
 class DragButton : public QPushButton {
     Q_OBJECT
   public:
@@ -20,7 +20,7 @@ class DragButton : public QPushButton {
 
   signals:
     void began();
-    /// `distance`: since it began, in whole pairs of pixels; to the right is positive.
+    /// `distance`: since began(), in pixels, an even number; positive to the right.
     void moved(int distance);
 
   protected:
@@ -35,9 +35,9 @@ class DragButton : public QPushButton {
     int distance_ = 0;
 };
 
-/// "DragButtonControl": fires at the press and at every move. Its value is the
-/// distance dragged, an unused number, and the count of moves: 0 at the press,
-/// so that no module takes a press for the end of an earlier drag.
+/// "DragButtonControl": fires when it is pressed and at every move. Its value is the distance, an
+/// unused number, and the number of moves, which is 0 for the press, so that modules do not take a
+/// press for the end of an earlier drag.
 class DragButtonControl : public PanelControl {
   public:
     explicit DragButtonControl(const ControlSeed& seed);

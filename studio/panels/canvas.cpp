@@ -27,9 +27,9 @@ void PanelCanvas::addBorder(int indent, int x, int y, int width, int height) {
 
 void PanelCanvas::addText(const QString& text, int colorIndex, int x, int y) {
     const QFontMetrics metrics = fontMetrics();
-    const QRect place(x, y, metrics.horizontalAdvance(text), metrics.height());
-    drawing_.add(PanelDrawing::Text{text, colorIndex, place});
-    changed(place.adjusted(-2, -2, 2, 2));
+    const QRect textRect(x, y, metrics.horizontalAdvance(text), metrics.height());
+    drawing_.add(PanelDrawing::Text{text, colorIndex, textRect});
+    changed(textRect.adjusted(-2, -2, 2, 2));
 }
 
 void PanelCanvas::clear(const QRect& area) {
@@ -43,9 +43,9 @@ void PanelCanvas::clearAll() {
 }
 
 void PanelCanvas::changed(const QRect& area) {
-    const bool waiting = !dirty_.isNull();
+    const bool isQueued = !dirty_.isNull();
     dirty_ |= area;
-    if (waiting) return;
+    if (isQueued) return;
     QMetaObject::invokeMethod(
         this, [this] { update(std::exchange(dirty_, QRect())); }, Qt::QueuedConnection);
 }

@@ -6,15 +6,15 @@
 
 namespace tavora::studio {
 
-/// The ground of a panel: paints what the module drew, holds the controls'
-/// widgets. Any number of drawing calls makes one repaint.
+/// The background of a panel, which paints what the module drew and is the parent of the controls'
+/// widgets. Any number of successive drawing calls causes one repaint. Pixels are panel pixels.
 class PanelCanvas : public QWidget {
     Q_OBJECT
   public:
     explicit PanelCanvas(QWidget* parent);
 
     void setPixel(int red, int green, int blue, int x, int y);
-    /// A frame; with `height` 0 a groove.
+    /// Adds a frame; with `height` 0 a groove.
     void addBorder(int indent, int x, int y, int width, int height);
     /// `x`, `y`: the upper left corner of the text.
     void addText(const QString& text, int colorIndex, int x, int y);
@@ -22,7 +22,7 @@ class PanelCanvas : public QWidget {
     void clearAll();
 
     const PanelDrawing& drawing() const { return drawing_; }
-    /// The tab bar that stands on the frame; empty: none. Pixels of the panel.
+    /// The rectangle of the tab bar above the frame; empty: there is none.
     void setTabBar(const QRect& tabs) { tabs_ = tabs; }
 
   protected:

@@ -26,7 +26,7 @@ QStringList itemsOf(const HostControlDescription& description) {
     return items;
 }
 
-/// One button of a row that looks like one piece.
+/// One button of a row of joined buttons.
 class Segment : public QPushButton {
   public:
     enum Ends { First = 1, Last = 2 };
@@ -59,8 +59,8 @@ class Segment : public QPushButton {
                            : palette().color(QPalette::Button).darker(109);
     }
 
-    /// Reaches over the sides that join the next button, so that only the ends
-    /// of the row are rounded.
+    /// Extends beyond the sides with an adjacent button, so that only the ends of the row are
+    /// rounded.
     QRectF outline() const {
         QRectF whole = QRectF(rect()).adjusted(0.5, 0.5, -0.5, -0.5);
         if ((ends_ & First) == 0) whole.adjust(-kRound, 0, 0, 0);
@@ -147,7 +147,7 @@ TabChoiceControl::TabChoiceControl(const ControlSeed& seed)
         tabs_->addTab(item);
     setField(tabs_, LayoutKind::Plain, QSize(tabs_->sizeHint().width(), kTabHeight));
     connect(tabs_, &QTabBar::currentChanged, this, [this](int item) { choose(item); });
-    // The tab that is in front though the module's value is another.
+    // Clicking the current tab counts too when the module's value is another.
     connect(tabs_, &QTabBar::tabBarClicked, this, [this](int item) {
         if (item >= 0 && item == tabs_->currentIndex()) choose(item);
     });

@@ -8,8 +8,8 @@ class QTabBar;
 
 namespace tavora::studio {
 
-/// One of several texts. The value is what the module gave until the user
-/// chooses, also where no item has that number.
+/// A choice of one of several items. Its value is the one that the module set, even if there is no
+/// such item, until the user chooses one.
 class OneOfControl : public PanelControl {
   public:
     using PanelControl::PanelControl;
@@ -18,7 +18,7 @@ class OneOfControl : public PanelControl {
     ControlValue value() const override { return chosen_; }
     void show(const ControlValue& value) override;
     virtual void showItem(int item) = 0;
-    /// The user chose an item: fires when it is another.
+    /// To be called when the user chooses an item; fires when it is another one.
     void choose(int item);
 
   private:
@@ -37,7 +37,7 @@ class PopupControl : public OneOfControl {
     QComboBox* list_;
 };
 
-/// "ChoiceControl": buttons in a row, of which one is down.
+/// "ChoiceControl": buttons in a row, one of which is checked.
 class ChoiceControl : public OneOfControl {
   public:
     explicit ChoiceControl(const ControlSeed& seed);
@@ -51,7 +51,7 @@ class ChoiceControl : public OneOfControl {
     QButtonGroup* group_;
 };
 
-/// "TabChoiceControl": tabs that stand on a frame which the module draws.
+/// "TabChoiceControl": tabs above a frame that the module draws.
 class TabChoiceControl : public OneOfControl {
   public:
     explicit TabChoiceControl(const ControlSeed& seed);

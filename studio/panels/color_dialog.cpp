@@ -6,7 +6,7 @@
 namespace tavora::studio {
 namespace {
 
-/// What a screen can show of a channel.
+/// A channel clamped to the range of a display.
 float shown(float channel) {
     return channel > 0 ? std::min(channel, 1.0f) : 0.0f;  // NaN: 0
 }
@@ -31,7 +31,7 @@ int pickColor(HostColorPick& request, QWidget* parent, QDialog*& open) {
     open = nullptr;
     request.result = confirmed ? 1 : 0;
     const QColor color = dialog.currentColor();
-    // The dialog knows 256 levels: a colour that was not changed stays exact.
+    // The dialog rounds channels to 256 values; a colour that was not changed must stay exact.
     if (!confirmed || color == before) return 0;
     request.red = color.redF();
     request.green = color.greenF();

@@ -7,8 +7,8 @@ class QWidget;
 
 namespace tavora::studio {
 
-/// Lets the user pick a colour, over `parent` (may be null). Fills the request
-/// and returns 0. `open` is told the dialog while it is up, then null. GUI thread.
+/// Lets the user pick a colour in a dialog over `parent` (may be null). Fills the request and
+/// returns 0. `open` points at the dialog while it is open, and is null afterwards. GUI thread.
 int pickColor(HostColorPick& request, QWidget* parent, QDialog*& open);
 
 }  // namespace tavora::studio

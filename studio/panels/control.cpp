@@ -56,18 +56,18 @@ void PanelControl::set(HostControlAttribute attribute, const HostValue* record) 
     const auto value = readValue(record);
     if (!value) return;
     if (attribute == HOST_CONTROL_VALUE) return show(*value);
-    if (attribute == HOST_CONTROL_X) at_.setX(asInteger(*value));
-    if (attribute == HOST_CONTROL_Y) at_.setY(asInteger(*value));
-    emit changedPlace();
+    if (attribute == HOST_CONTROL_X) requested_.setX(asInteger(*value));
+    if (attribute == HOST_CONTROL_Y) requested_.setY(asInteger(*value));
+    emit moved();
 }
 
 void PanelControl::get(HostControlAttribute attribute, HostValue* record) const {
     if (record == nullptr) return;
     switch (attribute) {
         case HOST_CONTROL_X:
-            return writeValue(at_.x(), *record);
+            return writeValue(requested_.x(), *record);
         case HOST_CONTROL_Y:
-            return writeValue(at_.y(), *record);
+            return writeValue(requested_.y(), *record);
         case HOST_CONTROL_VALUE:
             return writeValue(value(), *record);
         case HOST_CONTROL_USER_DATA:
@@ -99,7 +99,7 @@ void PanelControl::draw(int mode) {
 LayoutItem PanelControl::layoutItem() const {
     LayoutItem item;
     item.kind = kind_;
-    item.at = at_;
+    item.position = requested_;
     item.field = size_;
     item.visible = !erased_;
     if (labelWidget_ != nullptr) item.label = labelWidget_->sizeHint().width();

@@ -10,8 +10,8 @@
 
 namespace tavora::studio {
 
-/// What a control is made from. The description is read while it is made; its
-/// functions are kept.
+/// The arguments for making a control. The description is only read by the constructor; its
+/// callback functions are stored.
 struct ControlSeed {
     HostControlId id;
     QString label;  ///< trimmed
@@ -19,8 +19,8 @@ struct ControlSeed {
     QWidget* canvas;
 };
 
-/// One control of a panel: its module's attributes, and the widgets that show
-/// it, which the canvas owns. GUI thread.
+/// A control of a panel: the attributes that the module sets, and its widgets, which the canvas
+/// owns. GUI thread.
 class PanelControl : public QObject {
     Q_OBJECT
   public:
@@ -29,40 +29,42 @@ class PanelControl : public QObject {
     HostControlId id() const { return id_; }
     const QString& label() const { return label_; }
 
-    /// Null records, and records that make no sense for the attribute, change
-    /// nothing. Never fires the control's event.
+    /// Sets or reads an attribute. Null records, and records of a wrong type for the attribute, are
+    /// ignored. set() never fires the control's event.
     void set(HostControlAttribute attribute, const HostValue* record);
     void get(HostControlAttribute attribute, HostValue* record) const;
-    /// HOST_DRAW_...; others change nothing.
+    /// `mode`: HOST_DRAW_...; other values are ignored.
     void draw(int mode);
     bool isErased() const { return erased_; }
 
     LayoutItem layoutItem() const;
+    /// Moves the widgets to the rectangles that the layout determined.
     virtual void place(const LayoutItem& item);
-    /// Where it is, label included, in panel pixels.
+    /// Its rectangle with the label, in panel pixels.
     virtual QRect area() const;
-    /// What the keyboard goes through, in order.
+    /// The widgets that get the keyboard focus, in order.
     virtual std::vector<QWidget*> focusWidgets() const { return {field_}; }
     QWidget& field() const { return *field_; }
-    /// What a control without a label is known by: the text that it shows.
+    /// The text of a control without a label, by which it is named.
     virtual QString ownText() const { return {}; }
     void setTip(const QString& accessibleName, const QString& tip);
 
     /// Calls the module's event, if it has one.
     void fire();
-    /// Its panel was destroyed: it fires no more.
+    /// To be called when its panel was destroyed: it must not fire any more.
     void retire() { event_ = nullptr; }
 
   signals:
-    void changedPlace();
+    /// The module set another position.
+    void moved();
     void drawn(int mode);
     /// After the module handled an event.
     void handled();
 
   protected:
-    /// The control's one widget, and how it takes part in the layout.
+    /// Sets the control's main widget, and its kind and size for the layout.
     void setField(QWidget* field, LayoutKind kind, QSize size);
-    /// A text in front of the field.
+    /// Adds the label in front of the field.
     void addLabel();
     void* userData() const { return userData_; }
     QFontMetrics metrics() const { return field_->fontMetrics(); }
@@ -80,13 +82,13 @@ class PanelControl : public QObject {
     QLabel* labelWidget_ = nullptr;
     LayoutKind kind_ = LayoutKind::Plain;
     QSize size_;
-    QPoint at_;
+    QPoint requested_;  ///< the position that the module set
     bool erased_ = false;
     void* userData_ = nullptr;
     HostControlEvent* event_ = nullptr;
 };
 
-/// Keeps the wheel from changing a widget that the user only scrolls past.
+/// Prevents that the wheel changes a widget without focus, which the user only scrolls past.
 void ignoreWheelWithoutFocus(QWidget& widget);
 
 }  // namespace tavora::studio

@@ -5,8 +5,8 @@ class QWidget;
 
 namespace tavora::studio {
 
-/// The display that panels of a window, or without one, are placed on. Modules
-/// count from the upper left corner of the part of it that is free for windows.
+/// The screen on which panels of a window, or without a window, are placed. The positions that
+/// modules use are relative to the upper left corner of its available geometry.
 QScreen& panelScreen(const QWidget& widget);
 QScreen& panelScreen();
 

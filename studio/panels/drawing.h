@@ -8,9 +8,8 @@
 
 namespace tavora::studio {
 
-/// What a module drew on a panel: pixels in one image, borders and texts as
-/// they were asked for, so that they can be painted crisp at any scale. In
-/// panel pixels. GUI thread.
+/// What a module drew on a panel: pixels in an image, and a list of borders and texts, which can be
+/// painted sharply at any scale. Coordinates are panel pixels. GUI thread.
 class PanelDrawing {
   public:
     struct Border {
@@ -30,7 +29,7 @@ class PanelDrawing {
     void add(const Border& border);
     void add(const Text& text);
 
-    /// Forgets texts that reach into an area, and pixels in it.
+    /// Removes the texts that intersect an area, and the pixels in it.
     void clear(const QRect& area);
     void clearAll();
 
@@ -39,7 +38,7 @@ class PanelDrawing {
     const std::vector<Border>& borders() const { return borders_; }
     const std::vector<Text>& texts() const { return texts_; }
 
-    /// The largest frame drawn.
+    /// The highest frame.
     std::optional<QRect> frame() const;
     QRect bounds() const;
 

@@ -7,24 +7,25 @@
 namespace tavora::studio {
 namespace {
 
-constexpr int kRow = 10;  // controls of one row may differ by a few pixels
+constexpr int kRowHeight = 10;  // pixels; vertical centres of a row may differ by a few
 
-int partOf(const QRect& place, const std::optional<QRect>& box) {
-    if (!box || place.center().y() < box->top()) return 0;
-    if (box->contains(place.center())) return 1;
-    return place.right() < box->left() ? 2 : 3;
+/// The group in which a control is visited: above the box, in it, left of it, others.
+int groupOf(const QRect& area, const std::optional<QRect>& box) {
+    if (!box || area.center().y() < box->top()) return 0;
+    if (box->contains(area.center())) return 1;
+    return area.right() < box->left() ? 2 : 3;
 }
 
 }  // namespace
 
-std::vector<std::size_t> focusOrder(const std::vector<QRect>& places,
+std::vector<std::size_t> focusOrder(const std::vector<QRect>& areas,
                                     const std::optional<QRect>& box) {
-    std::vector<std::size_t> order(places.size());
+    std::vector<std::size_t> order(areas.size());
     std::iota(order.begin(), order.end(), 0u);
     std::ranges::stable_sort(order, {}, [&](std::size_t index) {
-        const QRect& place = places[index];
-        return std::tuple(partOf(place, box), place.center().y() / kRow, place.left(),
-                          place.width());
+        const QRect& area = areas[index];
+        return std::tuple(groupOf(area, box), area.center().y() / kRowHeight, area.left(),
+                          area.width());
     });
     return order;
 }

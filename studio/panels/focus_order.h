@@ -6,10 +6,10 @@
 
 namespace tavora::studio {
 
-/// The order in which the Tab key goes through places on a panel, as indices:
-/// by rows, except that the inside of `box` (a frame of controls) is gone
-/// through as one after what stands above it, then what stands to its left.
-std::vector<std::size_t> focusOrder(const std::vector<QRect>& places,
+/// The order in which the Tab key visits controls with these rectangles, as indices: first those
+/// above `box` (a frame around controls), then those in it, those to its left, and the others; each
+/// of these groups by rows.
+std::vector<std::size_t> focusOrder(const std::vector<QRect>& areas,
                                     const std::optional<QRect>& box);
 
 }  // namespace tavora::studio

@@ -5,18 +5,17 @@
 
 namespace tavora::studio {
 
-/// Live objects by the identity that modules know them by. Identities point at
-/// nothing and are never given twice, so one that outlived its object is told
-/// from those of others. One for each kind of object.
+/// Maps the identities that modules use to existing objects, of one kind. Identities are no
+/// addresses and are never reused, so that the identity of a deleted object is recognized.
 template <class Object, class Id>
 class Handles {
   public:
-    /// An identity for an object to be made.
+    /// A new identity, for add().
     Id next() { return reinterpret_cast<Id>(++last_); }  // NOLINT(performance-no-int-to-ptr)
     void add(Id id, Object& object) { live_[id] = &object; }
     void remove(Id id) { live_.erase(id); }
 
-    /// Null for what is not, or no longer, there.
+    /// Null for an unknown identity, or one of a removed object.
     Object* find(Id id) const {
         const auto found = live_.find(id);
         return found == live_.end() ? nullptr : found->second;

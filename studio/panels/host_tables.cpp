@@ -30,7 +30,7 @@ HostPanelId createPanel(const char* title, void* data) {
 void destroyPanel(HostPanelId id) {
     PanelDialog* panel = panelOf(id);
     if (panel == nullptr) return;
-    // Those that were made over it go with it.
+    // Panels that were made over it are destroyed too.
     const auto all = world->panels.all();
     for (const auto& [other, over] : all)
         if (over->owner() == panel) destroyPanel(other);
@@ -40,14 +40,15 @@ void destroyPanel(HostPanelId id) {
     panel->retire();
 }
 
-/// In the window that was kept for the outermost panel, or in a new one.
+/// Shows a panel in the window that is reused for outermost panels, or in a new one.
 bool showPanel(PanelDialog& panel, int mode) {
     const bool outermost = world->open.size() == 1;
-    const QPointer<PanelFrame> frame =
-        outermost && !world->kept.isNull() ? world->kept.data() : new PanelFrame(world->under());
+    const QPointer<PanelFrame> frame = outermost && !world->reusableFrame.isNull()
+                                           ? world->reusableFrame.data()
+                                           : new PanelFrame(world->under());
     const bool confirmed = panel.run(mode, world->hooks, *frame);
     if (outermost && world != nullptr && world->keepWindow) {
-        world->kept = frame;
+        world->reusableFrame = frame;
     } else if (!frame.isNull()) {
         frame->hide();
         frame->deleteLater();
@@ -61,7 +62,7 @@ int openPanel(HostPanelId id, int mode) {
     world->open.emplace_back(panel);
     bool confirmed = false;
     if (world->hooks.insteadOfShowing) {
-        panel->runUnseen(mode, world->hooks);
+        panel->runHidden(mode, world->hooks);
     } else {
         confirmed = showPanel(*panel, mode);
     }
@@ -128,7 +129,7 @@ void displaySize(int* width, int* height) {
 
 int runColorPicker(int version, HostColorPick* request) {
     if (world == nullptr || request == nullptr || version != HOST_COLOR_PICKER_VERSION) return 1;
-    // Nothing may be shown, or a colour is being picked already.
+    // No dialog may be shown, or one is already open.
     if (world->hooks.insteadOfShowing || world->picker != nullptr) return 1;
     return pickColor(*request, world->top(), world->picker);
 }

@@ -10,25 +10,25 @@
 
 namespace tavora::studio {
 
-/// What the services' functions work on. GUI thread.
+/// The state of the services' functions. GUI thread.
 struct PanelWorld {
     PanelHooks hooks;
     QPointer<QWidget> window;
     Handles<PanelDialog, HostPanelId> panels;
     Handles<PanelControl, HostControlId> controls;
-    std::vector<QPointer<PanelDialog>> open;  ///< the innermost last
-    QDialog* picker = nullptr;                ///< while a colour is picked
-    QPointer<PanelFrame> kept;                ///< for the next panel; see Panels::keepWindow
+    std::vector<QPointer<PanelDialog>> open;  ///< the innermost is the last
+    QDialog* picker = nullptr;                ///< the open colour dialog
+    QPointer<PanelFrame> reusableFrame;       ///< see Panels::keepWindow()
     bool keepWindow = false;
 
-    /// What a new dialog stands over; may be null.
+    /// The parent of a new dialog; may be null.
     QWidget* top() const;
-    /// What the innermost panel stands over; may be null.
+    /// The parent of the innermost panel; may be null.
     QWidget* under() const;
 };
 
-/// The tables to offer. They answer for the world that is set, and do nothing
-/// while there is none.
+/// The services' tables. Their functions use the world that is set, and do nothing when there is
+/// none.
 WindowServices panelServices();
 void setPanelWorld(PanelWorld* world);
 

@@ -6,19 +6,19 @@
 namespace tavora::studio {
 namespace {
 
-constexpr int kInset = 5;         // of what stands without a label
-constexpr int kColumnReach = 24;  // fields this near belong to one column
-constexpr int kJoinReach = 16;    // of columns and colour patches
-constexpr int kRowReach = 5;
-constexpr int kBetween = 6;   // kept free between two controls of a row
-constexpr int kOffFrame = 8;  // a text begins this far from the frame's border
-constexpr int kAreaDrop = 4;  // modules draw that much below an area's place
+constexpr int kInset = 5;            // of a control without a label
+constexpr int kColumnDistance = 24;  // at most, between fields of a column
+constexpr int kSnapDistance = 16;    // at most, between aligned columns and colour patches
+constexpr int kRowDistance = 5;
+constexpr int kBetween = 6;   // at least, between two controls of a row
+constexpr int kOffFrame = 8;  // between the frame's border and a text
+constexpr int kAreaDrop = 4;  // modules draw that far below an area's position
 
 using Items = std::vector<LayoutItem>;
 using Group = std::vector<LayoutItem*>;
 
-void placeAlone(LayoutItem& item) {
-    const QPoint at = item.at;
+void placeSingle(LayoutItem& item) {
+    const QPoint at = item.position;
     const bool centred = item.kind != LayoutKind::Area && item.field.height() < kRowHeight;
     const int top = at.y() + (centred ? (kRowHeight - item.field.height()) / 2 : 0);
     int left = at.x();
@@ -37,17 +37,18 @@ void moveField(LayoutItem& item, int left) {
     item.labelRect.moveRight(left - kLabelGap - 1);
 }
 
-/// The items of a kind in groups whose neighbours, by `key`, are `reach` apart
-/// at most.
+/// Groups the items of a kind so that neighbours in a group, sorted by `key`, differ by at most
+/// `maxDistance`.
 template <class Key>
-std::vector<Group> groupsOf(Items& items, LayoutKind kind, int reach, Key key) {
+std::vector<Group> groupsOf(Items& items, LayoutKind kind, int maxDistance, Key key) {
     Group sorted;
     for (LayoutItem& item : items)
         if (item.kind == kind) sorted.push_back(&item);
     std::ranges::stable_sort(sorted, {}, key);
     std::vector<Group> groups;
     for (LayoutItem* item : sorted) {
-        if (groups.empty() || key(item) - key(groups.back().back()) > reach) groups.emplace_back();
+        if (groups.empty() || key(item) - key(groups.back().back()) > maxDistance)
+            groups.emplace_back();
         groups.back().push_back(item);
     }
     return groups;
@@ -57,30 +58,30 @@ int fieldLeft(const LayoutItem* item) {
     return item->fieldRect.left();
 }
 
-/// The widest label decides, from where the leftmost begins.
+/// The left edge of a column's fields: after the widest label, from the leftmost position.
 int columnLeft(const Group& column, const std::optional<QRect>& frame) {
-    int left = column.front()->at.x();
+    int left = column.front()->position.x();
     int label = 0;
     for (const LayoutItem* item : column) {
-        left = std::min(left, item->at.x());
+        left = std::min(left, item->position.x());
         label = std::max(label, item->label);
     }
     if (frame && left > frame->left()) left = std::max(left, frame->left() + kOffFrame);
     return left + label + kLabelGap;
 }
 
-/// The furthest place to the right that is near enough to join; else `left`.
-int joined(int left, const std::vector<int>& places) {
+/// The rightmost position that is near enough on the right to align with; else `left`.
+int snapped(int left, const std::vector<int>& positions) {
     int best = left;
-    for (const int place : places)
-        if (place > best && place - left <= kJoinReach) best = place;
+    for (const int position : positions)
+        if (position > best && position - left <= kSnapDistance) best = position;
     return best;
 }
 
-/// Fields in columns; colour patches join a column a little to their right,
-/// then columns such patches.
+/// Aligns fields to columns; then colour patches to a column a little to their right, and columns
+/// to such patches.
 void alignColumns(Items& items, const std::optional<QRect>& frame) {
-    const auto columns = groupsOf(items, LayoutKind::Labelled, kColumnReach, fieldLeft);
+    const auto columns = groupsOf(items, LayoutKind::Labelled, kColumnDistance, fieldLeft);
     std::vector<int> lefts;
     for (const Group& column : columns) {
         const bool alone = column.size() < 2;
@@ -89,17 +90,17 @@ void alignColumns(Items& items, const std::optional<QRect>& frame) {
     std::vector<int> patches;
     for (LayoutItem& item : items) {
         if (item.kind != LayoutKind::ColorPatch) continue;
-        moveField(item, joined(fieldLeft(&item), lefts));
+        moveField(item, snapped(fieldLeft(&item), lefts));
         patches.push_back(fieldLeft(&item));
     }
     for (std::size_t i = 0; i < columns.size(); ++i) {
         for (LayoutItem* item : columns[i])
-            if (item->label > 0) moveField(*item, joined(lefts[i], patches));
+            if (item->label > 0) moveField(*item, snapped(lefts[i], patches));
     }
 }
 
 void equalizeButtons(Items& items) {
-    const auto left = [](const LayoutItem* item) { return item->at.x(); };
+    const auto left = [](const LayoutItem* item) { return item->position.x(); };
     for (const Group& column : groupsOf(items, LayoutKind::Button, 0, left)) {
         int width = 0;
         for (const LayoutItem* item : column)
@@ -109,20 +110,21 @@ void equalizeButtons(Items& items) {
     }
 }
 
-/// By rows, from the top; in each from the left.
+/// The visible items by rows, from top to bottom, each from left to right.
 std::map<int, Group> visibleRows(Items& items) {
     Group sorted;
     for (LayoutItem& item : items)
         if (item.visible && item.kind != LayoutKind::Area) sorted.push_back(&item);
-    std::ranges::stable_sort(sorted, {}, [](const LayoutItem* item) { return item->at.y(); });
+    std::ranges::stable_sort(sorted, {}, [](const LayoutItem* item) { return item->position.y(); });
     std::map<int, Group> rows;
     for (LayoutItem* item : sorted) {
-        const int top = item->at.y();
-        const bool near = !rows.empty() && top - rows.rbegin()->first <= kRowReach;
+        const int top = item->position.y();
+        const bool near = !rows.empty() && top - rows.rbegin()->first <= kRowDistance;
         rows[near ? rows.rbegin()->first : top].push_back(item);
     }
     for (auto& [top, row] : rows)
-        std::ranges::stable_sort(row, {}, [](const LayoutItem* item) { return item->at.x(); });
+        std::ranges::stable_sort(row, {},
+                                 [](const LayoutItem* item) { return item->position.x(); });
     return rows;
 }
 
@@ -130,7 +132,7 @@ int leftOf(const LayoutItem& item) {
     return item.label > 0 ? item.labelRect.left() : item.fieldRect.left();
 }
 
-/// Pushes controls to the left where the next one of the row needs the room.
+/// Moves controls to the left when the next one in the row would overlap them.
 void resolveOverlaps(const Group& row) {
     for (std::size_t i = row.size(); i-- > 1;) {
         LayoutItem& item = *row[i - 1];
@@ -144,7 +146,7 @@ void resolveOverlaps(const Group& row) {
 void alignRows(Items& items) {
     for (auto& [top, row] : visibleRows(items)) {
         for (LayoutItem* item : row) {
-            const int lift = item->at.y() - top;
+            const int lift = item->position.y() - top;
             item->fieldRect.translate(0, -lift);
             item->labelRect.translate(0, -lift);
         }
@@ -166,7 +168,7 @@ void coverPatches(Items& items) {
     }
 }
 
-void keepOffFrame(Items& items, const QRect& frame) {
+void avoidFrame(Items& items, const QRect& frame) {
     const int left = frame.left() + kOffFrame;
     for (LayoutItem& item : items) {
         const int from = item.fieldRect.left();
@@ -180,10 +182,10 @@ void keepOffFrame(Items& items, const QRect& frame) {
 
 void layOut(std::vector<LayoutItem>& items, const std::optional<QRect>& frame) {
     for (LayoutItem& item : items)
-        placeAlone(item);
+        placeSingle(item);
     alignColumns(items, frame);
     equalizeButtons(items);
-    if (frame) keepOffFrame(items, *frame);
+    if (frame) avoidFrame(items, *frame);
     alignRows(items);
     coverPatches(items);
 }

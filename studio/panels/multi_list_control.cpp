@@ -14,10 +14,10 @@ constexpr int kRow = 15;
 constexpr int kHeader = 18;
 constexpr int kTitle = 16;
 constexpr int kScrollBar = 12;
-constexpr int kMostColumns = 32;
+constexpr int kMaxColumns = 32;
 const QString kCheckMark = QStringLiteral("\x03(i:MIMG_CHECKMARK)");
 
-/// Draws the mark that a module writes as kCheckMark.
+/// Draws a check mark in cells whose text is kCheckMark.
 class CellPainter : public QStyledItemDelegate {
   public:
     using QStyledItemDelegate::QStyledItemDelegate;
@@ -59,7 +59,7 @@ void MultiListModel::reset(void* userData) {
     userData_ = userData;
     rows_ = rows;
     columns_ = 0;
-    while (columns_ < kMostColumns && columnWidth(columns_) > 0)
+    while (columns_ < kMaxColumns && columnWidth(columns_) > 0)
         ++columns_;
     endResetModel();
 }
@@ -125,7 +125,7 @@ MultiListView::MultiListView(QWidget* parent) : QTableView(parent) {
             [this](const QModelIndex& index) { emit rowPressed(index.row()); });
 }
 
-/// The second of two quick clicks is a click as well.
+/// The second click of a double click counts as a click too.
 void MultiListView::mouseDoubleClickEvent(QMouseEvent* event) {
     if (event->button() != Qt::LeftButton) return;
     const QModelIndex index = indexAt(event->position().toPoint());

@@ -7,15 +7,15 @@
 
 namespace tavora::studio {
 
-/// The rows of a multi-list, asked of its module when they are shown. The
-/// number of rows is asked for at reset() only.
+/// The rows of a multi-list, which it gets from the module when they are shown. The number of rows
+/// is read only by reset().
 class MultiListModel : public QAbstractTableModel {
     Q_OBJECT
   public:
     using Callbacks = decltype(HostControlDescription::of.multiList);
     MultiListModel(const Callbacks& callbacks, QObject* parent);
 
-    /// Asks again, for `userData`.
+    /// Reads the rows and columns again, for `userData`.
     void reset(void* userData);
 
     int rowCount(const QModelIndex& parent = {}) const override;
@@ -34,7 +34,7 @@ class MultiListModel : public QAbstractTableModel {
     int columns_ = 0;
 };
 
-/// The table, with keys that press rows.
+/// The table; rows can also be pressed by keys.
 class MultiListView : public QTableView {
     Q_OBJECT
   public:

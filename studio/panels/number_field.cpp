@@ -14,7 +14,7 @@ constexpr int kPage = 10;      // steps
 constexpr int kNotch = 120;    // of the wheel
 constexpr double kFine = 0.1;  // of dragging with Shift
 
-/// With the decimals that it has, up to `decimals`.
+/// The number with as many decimals as it has, up to `decimals`.
 QString textOf(double number, int decimals) {
     if (!std::isfinite(number)) return QStringLiteral("–");
     if (std::abs(number) >= 1e7) return QString::number(number, 'g', 4);
@@ -48,9 +48,9 @@ void NumberField::showNumber() {
 
 void NumberField::enter(double number) {
     const double scale = std::pow(10.0, range_.decimals);
-    const double kept = std::round(std::clamp(number, range_.minimum, range_.maximum) * scale);
-    const bool same = number_ == kept / scale;
-    setNumber(kept / scale);
+    const double rounded = std::round(std::clamp(number, range_.minimum, range_.maximum) * scale);
+    const bool same = number_ == rounded / scale;
+    setNumber(rounded / scale);
     if (!same) emit entered();
 }
 
@@ -68,9 +68,8 @@ bool NumberField::commit() {
     return true;
 }
 
-/// Ends a drag where it began, or forgets what was typed. False when there was
-/// neither.
-bool NumberField::takeBack() {
+/// Reverts the current drag, or discards what was typed. False when there was neither.
+bool NumberField::revert() {
     if (std::exchange(dragging_, false)) {
         pressed_ = false;
         if (number_ == pressNumber_) return true;
@@ -100,11 +99,11 @@ void NumberField::keyPressEvent(QKeyEvent* event) {
             return stepBy(-kPage);
         case Qt::Key_Return:
         case Qt::Key_Enter:
-            // Only what is not taken confirms the panel.
+            // The key confirms the panel only when nothing was typed.
             if (commit()) return selectAll();
             return event->ignore();
         case Qt::Key_Escape:
-            return takeBack() ? event->accept() : event->ignore();
+            return revert() ? event->accept() : event->ignore();
         default:
             QLineEdit::keyPressEvent(event);
     }
@@ -131,7 +130,7 @@ void NumberField::mousePressEvent(QMouseEvent* event) {
 }
 
 void NumberField::mouseMoveEvent(QMouseEvent* event) {
-    // The release is lost when an event of the drag disables or hides the field.
+    // The release event is lost when an event of the drag disables or hides the field.
     if (!event->buttons().testFlag(Qt::LeftButton)) pressed_ = dragging_ = false;
     if (!pressed_) return QLineEdit::mouseMoveEvent(event);
     const int distance = event->position().toPoint().x() - pressX_;

@@ -4,29 +4,29 @@
 
 namespace tavora::studio {
 
-/// A number to type, to step through with the arrow and page keys or the wheel,
-/// and to change by dragging sideways. Shows any number it is given; only what
-/// the user enters is kept within its range.
+/// A number that can be typed, changed by the arrow and page keys or the wheel, and dragged
+/// horizontally. Shows any number that is set; only numbers that the user enters are limited to the
+/// range.
 class NumberField : public QLineEdit {
     Q_OBJECT
   public:
     struct Range {
         double minimum = 0;
         double maximum = 100;
-        int decimals = 0;     ///< shown, where there are any
-        double perPixel = 1;  ///< of dragging
-        bool bar = false;     ///< shows where in the range the number is
+        int decimals = 0;     ///< shown at most
+        double perPixel = 1;  ///< change of the number for a pixel of dragging
+        bool bar = false;     ///< whether a bar shows the number's position in the range
     };
     NumberField(const Range& range, QWidget* parent);
 
     /// The number as it was given, or as the user entered it.
     double number() const { return number_; }
-    /// Does not count as the user's.
+    /// Does not emit entered().
     void setNumber(double number);
 
-    /// Takes over what was typed. False when nothing was.
+    /// Enters what was typed. False when nothing was typed.
     bool commit();
-    /// As the user does it: within the range, with the decimals that it shows.
+    /// Enters a number like the user: limited to the range and rounded to the decimals.
     void enter(double number);
 
   signals:
@@ -44,7 +44,7 @@ class NumberField : public QLineEdit {
     void paintEvent(QPaintEvent* event) override;
 
   private:
-    bool takeBack();
+    bool revert();
     void dragTo(int distance, bool fine);
     void setTyping(bool typing);
     void showNumber();

@@ -60,16 +60,16 @@ PanelControl& PanelDialog::add(HostControlId id, const ControlClass& type,
     control->field().setObjectName(name);
     const ControlTip tip = tipFor(windowTitle(), name);
     control->setTip(tip.name.isEmpty() ? control->label() : tip.name, tip.text);
-    connect(control, &PanelControl::changedPlace, this, &PanelDialog::settleLater);
-    connect(control, &PanelControl::handled, this, &PanelDialog::settle);
+    connect(control, &PanelControl::moved, this, &PanelDialog::queueLayout);
+    connect(control, &PanelControl::handled, this, &PanelDialog::updateLayout);
     connect(control, &PanelControl::drawn, this,
             [this, control](int mode) { controlDrawn(*control, mode); });
-    settleLater();
+    queueLayout();
     return *control;
 }
 
-/// "Label.class", and from the second of that name on ".2", ".3"; by the class
-/// alone where there is neither label nor text.
+/// "Label.class", or only the class when there is neither label nor text. From the second control
+/// of that name on, ".2", ".3" and so on is appended.
 QString PanelDialog::nameFor(const ControlClass& type, const PanelControl& control) const {
     QString base = control.label().isEmpty() ? control.ownText() : control.label();
     while (base.endsWith(QLatin1Char('.')) || base.endsWith(QLatin1Char(':')))
@@ -85,9 +85,9 @@ QString PanelDialog::nameFor(const ControlClass& type, const PanelControl& contr
 void PanelDialog::set(HostPanelAttribute attribute, int value) {
     switch (attribute) {
         case HOST_PANEL_WIDTH:
-            return asked_.setWidth(value);
+            return requested_.setWidth(value);
         case HOST_PANEL_HEIGHT:
-            return asked_.setHeight(value);
+            return requested_.setHeight(value);
         case HOST_PANEL_X:
             x_ = value;
             return;
@@ -103,7 +103,7 @@ void PanelDialog::prepare(int mode) {
     addButtons(mode);
     drawAll();
     fit();
-    settle();
+    updateLayout();
 }
 
 void PanelDialog::findMarkers() {
@@ -119,7 +119,7 @@ void PanelDialog::findMarkers() {
     markers_ = new ZoneMarkers({*strip, *choice, *position, *canvas_});
 }
 
-void PanelDialog::runUnseen(int mode, const PanelHooks& hooks) {
+void PanelDialog::runHidden(int mode, const PanelHooks& hooks) {
     if (isOpen() || retired_) return;
     prepare(mode);
     hooks.insteadOfShowing(*this);
@@ -140,11 +140,11 @@ bool PanelDialog::run(int mode, const PanelHooks& hooks, PanelFrame& frame) {
     }
     focusFirst();
     if (hooks.opened) hooks.opened(*this);
-    // The hook may have closed it, or destroyed it.
+    // The hook may have closed or destroyed the panel.
     if (!self.isNull() && isOpen() && isVisible()) loop.exec();
     if (self.isNull()) return false;
     loop_ = nullptr;
-    // The program ends, with the panel open.
+    // The loop also ends when the program ends with the panel open.
     if (isVisible()) done(Rejected);
     if (hooks.closed) hooks.closed(*this);
     return !self.isNull() && result() == Accepted;
@@ -158,13 +158,14 @@ void PanelDialog::addButtons(int mode) {
         QPushButton* button = buttons_->button(standard);
         if (button == nullptr) continue;
         button->setDefault(true);
-        // Else it is no default any more once the focus has left it, since only a dialog that
-        // is a window gives that back.
+        // Otherwise the button stops being the default when it loses the focus: Qt restores that
+        // only for dialogs that are windows.
         button->setAutoDefault(false);
     }
 }
 
-/// As large as asked for, and as every control needs, the erased ones as well.
+/// Makes the canvas at least as large as requested, and large enough for all controls, also those
+/// that are erased now.
 void PanelDialog::fit() {
     std::vector<LayoutItem> items;
     for (const PanelControl* control : controls_) {
@@ -175,38 +176,38 @@ void PanelDialog::fit() {
     QRect all = canvas_->drawing().bounds();
     for (const LayoutItem& item : items)
         all |= item.fieldRect | item.labelRect;
-    canvas_->setFixedSize(std::max(asked_.width(), all.right() + 1 + kMargin),
-                          std::max(asked_.height(), all.bottom() + 1 + kMargin));
+    canvas_->setFixedSize(std::max(requested_.width(), all.right() + 1 + kMargin),
+                          std::max(requested_.height(), all.bottom() + 1 + kMargin));
     scroll_->setFixedSize(canvas_->size());
     layout()->activate();
     adjustSize();
 }
 
-/// On a small screen a part of the canvas is seen, and the rest scrolled to; the
-/// buttons under it are always seen.
+/// On a small screen, only the canvas is scrolled, so that the buttons below it stay visible.
 void PanelDialog::limitTo(const QRect& screen) {
     const QSize size = canvas_->size();
-    const QSize most(screen.width() - kWindowBorder,
-                     screen.height() - kWindowBorder - buttons_->sizeHint().height());
+    const QSize available(screen.width() - kWindowBorder,
+                          screen.height() - kWindowBorder - buttons_->sizeHint().height());
     const int bar = style()->pixelMetric(QStyle::PM_ScrollBarExtent);
-    const bool high = size.height() > most.height();
-    const bool wide = size.width() + (high ? bar : 0) > most.width();
-    scroll_->setFixedSize((size + QSize(high ? bar : 0, wide ? bar : 0)).boundedTo(most));
+    const bool high = size.height() > available.height();
+    const bool wide = size.width() + (high ? bar : 0) > available.width();
+    scroll_->setFixedSize((size + QSize(high ? bar : 0, wide ? bar : 0)).boundedTo(available));
     layout()->activate();
     adjustSize();
 }
 
-/// Where the module asked for, about the same centre when the panel grew.
+/// Moves the frame to the position that the module requested, with the same centre if the panel is
+/// larger than requested.
 void PanelDialog::place(PanelFrame& frame) const {
-    // The outermost leaves its window usable, to look at what is edited.
+    // The window stays usable under the outermost panel, to look at what is edited.
     const bool blocks = owner_ != nullptr || frame.parentWidget() == nullptr;
     frame.setWindowModality(blocks ? Qt::WindowModal : Qt::NonModal);
     if (!x_ || !y_) return;
     const QRect screen = panelScreen(frame).availableGeometry();
     const QSize own = frame.frameSize();
-    const QSize asked = asked_.isEmpty() ? own : asked_;
-    const QPoint wanted = screen.topLeft() + QPoint(*x_ + (asked.width() - own.width()) / 2,
-                                                    *y_ + (asked.height() - own.height()) / 2);
+    const QSize requested = requested_.isEmpty() ? own : requested_;
+    const QPoint wanted = screen.topLeft() + QPoint(*x_ + (requested.width() - own.width()) / 2,
+                                                    *y_ + (requested.height() - own.height()) / 2);
     const QPoint last = screen.bottomRight() - QPoint(own.width(), own.height());
     frame.move(std::max(std::min(wanted.x(), last.x()), screen.left()),
                std::max(std::min(wanted.y(), last.y()), screen.top()));
@@ -218,12 +219,12 @@ void PanelDialog::drawAll() {
     draw_(id_, userData_);
 }
 
-void PanelDialog::drawLater() {
-    if (std::exchange(drawWaits_, true)) return;
+void PanelDialog::queueDraw() {
+    if (std::exchange(drawQueued_, true)) return;
     QMetaObject::invokeMethod(
         this,
         [this] {
-            drawWaits_ = false;
+            drawQueued_ = false;
             drawAll();
         },
         Qt::QueuedConnection);
@@ -232,29 +233,29 @@ void PanelDialog::drawLater() {
 void PanelDialog::changeEvent(QEvent* event) {
     QDialog::changeEvent(event);
     const auto type = event->type();
-    if (type == QEvent::PaletteChange || type == QEvent::StyleChange) drawLater();
+    if (type == QEvent::PaletteChange || type == QEvent::StyleChange) queueDraw();
 }
 
 void PanelDialog::controlDrawn(const PanelControl& control, int mode) {
-    settleLater();
+    queueLayout();
     if (mode == HOST_DRAW_GHOST || control.layoutItem().kind != LayoutKind::Area) return;
-    canvas_->clear(QRect(control.layoutItem().at, control.layoutItem().field));
+    canvas_->clear(QRect(control.layoutItem().position, control.layoutItem().field));
 }
 
-void PanelDialog::settleLater() {
-    unsettled_ = true;
-    if (std::exchange(settleWaits_, true)) return;
+void PanelDialog::queueLayout() {
+    layoutChanged_ = true;
+    if (std::exchange(layoutQueued_, true)) return;
     QMetaObject::invokeMethod(
         this,
         [this] {
-            settleWaits_ = false;
-            settle();
+            layoutQueued_ = false;
+            updateLayout();
         },
         Qt::QueuedConnection);
 }
 
-void PanelDialog::settle() {
-    if (!std::exchange(unsettled_, false)) return;
+void PanelDialog::updateLayout() {
+    if (!std::exchange(layoutChanged_, false)) return;
     std::vector<LayoutItem> items;
     for (const PanelControl* control : controls_)
         items.push_back(control->layoutItem());
@@ -269,14 +270,14 @@ void PanelDialog::settle() {
 
 void PanelDialog::orderFocus() {
     std::vector<PanelControl*> shown;
-    std::vector<QRect> places;
+    std::vector<QRect> areas;
     for (PanelControl* control : controls_) {
         if (control->isErased()) continue;
         shown.push_back(control);
-        places.push_back(control->area());
+        areas.push_back(control->area());
     }
     order_.clear();
-    for (const std::size_t index : focusOrder(places, canvas_->drawing().frame())) {
+    for (const std::size_t index : focusOrder(areas, canvas_->drawing().frame())) {
         for (QWidget* widget : shown[index]->focusWidgets())
             order_.push_back(widget);
     }
@@ -287,10 +288,10 @@ void PanelDialog::orderFocus() {
 bool PanelDialog::focusNextPrevChild(bool next) {
     const auto count = static_cast<std::ptrdiff_t>(order_.size());
     const auto now = std::find(order_.begin(), order_.end(), focusWidget());
-    std::ptrdiff_t place = now != order_.end() ? now - order_.begin() : (next ? -1 : count);
+    std::ptrdiff_t index = now != order_.end() ? now - order_.begin() : (next ? -1 : count);
     for (std::ptrdiff_t tried = 0; tried < count; ++tried) {
-        place = (place + (next ? 1 : count - 1)) % count;
-        QWidget* widget = order_[static_cast<std::size_t>(place)];
+        index = (index + (next ? 1 : count - 1)) % count;
+        QWidget* widget = order_[static_cast<std::size_t>(index)];
         if (widget == nullptr || !widget->isVisible() || !widget->isEnabled()) continue;
         if ((widget->focusPolicy() & Qt::TabFocus) == 0) continue;
         widget->setFocus(next ? Qt::TabFocusReason : Qt::BacktabFocusReason);
@@ -300,7 +301,7 @@ bool PanelDialog::focusNextPrevChild(bool next) {
     return false;
 }
 
-/// The tabs, where there are any: from there the arrow keys lead on.
+/// Focuses the tabs if there are any, so that the arrow keys change the page.
 void PanelDialog::focusFirst() {
     if (auto* tabs = canvas_->findChild<QTabBar*>()) {
         tabs->setFocus(Qt::OtherFocusReason);
@@ -316,7 +317,7 @@ void PanelDialog::accept() {
 }
 
 void PanelDialog::done(int result) {
-    if (isOpen() && !isVisible()) return;  // closed already; its loop is about to end
+    if (isOpen() && !isVisible()) return;  // already closed; its loop is about to end
     QDialog::done(result);
     if (loop_ != nullptr) loop_->quit();
 }

@@ -20,11 +20,11 @@ namespace tavora::studio {
 class PanelFrame;
 class ZoneMarkers;
 
-/// One panel of a module: what is inside the window that shows it. GUI thread.
+/// A panel of a module, without the window around it. GUI thread.
 class PanelDialog : public QDialog {
     Q_OBJECT
   public:
-    /// `owner`: the panel that it was made over; null for the outermost.
+    /// `owner` is the open panel over which it was made; null for the outermost panel.
     PanelDialog(HostPanelId id, const QString& title, void* userData, PanelDialog* owner);
 
     HostPanelId id() const { return id_; }
@@ -40,24 +40,23 @@ class PanelDialog : public QDialog {
     void setUserData(void* userData) { userData_ = userData; }
 
     bool isOpen() const { return loop_ != nullptr; }
-    /// Shows the panel in `frame` until the user closes it; whether with OK.
-    /// With HOST_PANEL_CANCEL in `mode` there are OK and Cancel, else only Close.
-    /// The panel may be destroyed meanwhile, and the frame with it. Leaves the
-    /// frame as it stands.
+    /// Shows the panel in `frame` until the user closes it, and returns whether that was by OK.
+    /// With HOST_PANEL_CANCEL in `mode` there are OK and Cancel, else only Close. The panel, and
+    /// the frame with it, may be destroyed during the call. Does not hide the frame.
     bool run(int mode, const PanelHooks& hooks, PanelFrame& frame);
-    /// The same without a window: see PanelHooks::insteadOfShowing.
-    void runUnseen(int mode, const PanelHooks& hooks);
+    /// The same without showing it: see PanelHooks::insteadOfShowing.
+    void runHidden(int mode, const PanelHooks& hooks);
 
     /// The markers of its gradient; null when it has none.
     ZoneMarkers* markers() const { return markers_; }
 
-    /// Puts every control in its place when one was moved, drawn or erased.
-    void settle();
-    /// Its module destroyed it: closes it; it and its controls call the module
-    /// no more. Deletes itself later.
+    /// Lays out all controls if one was moved, drawn or erased since the last time.
+    void updateLayout();
+    /// To be called when its module destroyed it: closes it, and prevents it and its controls from
+    /// calling the module. It deletes itself later.
     void retire();
 
-    /// Takes over what is typed but not yet entered.
+    /// Also accepts text that was typed but not entered.
     void accept() override;
     void done(int result) override;
 
@@ -74,9 +73,9 @@ class PanelDialog : public QDialog {
     void limitTo(const QRect& screen);
     void place(PanelFrame& frame) const;
     void drawAll();
-    void drawLater();
+    void queueDraw();
     void controlDrawn(const PanelControl& control, int mode);
-    void settleLater();
+    void queueLayout();
     void orderFocus();
     void focusFirst();
 
@@ -87,18 +86,18 @@ class PanelDialog : public QDialog {
     QDialogButtonBox* buttons_;
     std::vector<PanelControl*> controls_;
     ZoneMarkers* markers_ = nullptr;
-    /// In which the Tab key goes through them; null where one is gone, as buttons are that a
-    /// later opening replaces.
+    /// The widgets in the order of the Tab key; null for those that were deleted, like buttons that
+    /// are replaced when the panel is opened again.
     std::vector<QPointer<QWidget>> order_;
     HostPanelDraw* draw_ = nullptr;
     void* userData_;
-    QSize asked_{0, 0};
+    QSize requested_{0, 0};
     std::optional<int> x_;
     std::optional<int> y_;
     QEventLoop* loop_ = nullptr;
-    bool unsettled_ = true;
-    bool settleWaits_ = false;
-    bool drawWaits_ = false;
+    bool layoutChanged_ = true;
+    bool layoutQueued_ = false;
+    bool drawQueued_ = false;
     bool retired_ = false;
 };
 

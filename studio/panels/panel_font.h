@@ -4,8 +4,8 @@
 
 namespace tavora::studio {
 
-/// The font of panels: the desktop's, small and narrow enough that labels end
-/// where modules expect them to, about 5.4 pixels a character. GUI thread.
+/// The font of panels: the desktop's, in a size and width of about 5.4 pixels a character, which
+/// modules expect. GUI thread.
 QFont panelFont();
 
 }  // namespace tavora::studio

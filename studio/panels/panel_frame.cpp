@@ -14,11 +14,11 @@ PanelFrame::PanelFrame(QWidget* parent) : QWidget(parent, Qt::Dialog) {
 }
 
 PanelFrame::~PanelFrame() {
-    letGo();
+    release();
 }
 
 void PanelFrame::take(PanelDialog& panel) {
-    letGo();
+    release();
     panel_ = &panel;
     layout()->addWidget(&panel);
     setWindowTitle(panel.windowTitle());
@@ -28,7 +28,7 @@ void PanelFrame::take(PanelDialog& panel) {
     adjustSize();
 }
 
-void PanelFrame::letGo() {
+void PanelFrame::release() {
     if (panel_.isNull()) return;
     panel_->disconnect(this);
     layout()->removeWidget(panel_);
@@ -36,14 +36,14 @@ void PanelFrame::letGo() {
     panel_ = nullptr;
 }
 
-/// The panel decides, as for its Cancel button.
+/// Closing the window is like pressing the panel's Cancel button.
 void PanelFrame::closeEvent(QCloseEvent* event) {
     event->ignore();
     if (!panel_.isNull()) panel_->reject();
 }
 
-/// Keys reach the window itself while nothing on the panel has the focus; what
-/// the panel leaves comes back here and goes no further.
+/// The window gets keys when no widget of the panel has the focus, and passes them on to the panel.
+/// Keys that the panel ignores come back here and are then ignored.
 void PanelFrame::keyPressEvent(QKeyEvent* event) {
     if (panel_.isNull() || std::exchange(forwards_, true)) return event->ignore();
     const QPointer<PanelFrame> self(this);

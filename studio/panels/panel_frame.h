@@ -7,17 +7,17 @@
 
 namespace tavora::studio {
 
-/// The window around a panel. A program that closes a panel only to open it
-/// anew hands the same window on, which then neither moves nor flashes. GUI thread.
+/// The window around a panel. When a panel is closed only to open another, the same window is used
+/// again, so that it neither moves nor flickers. GUI thread.
 class PanelFrame : public QWidget {
   public:
-    /// `parent`: the widget that the panel stands over; may be null.
+    /// `parent` may be null.
     explicit PanelFrame(QWidget* parent);
-    /// Leaves the panel without a window; it stays its module's.
+    /// Does not delete the panel, which belongs to its module.
     ~PanelFrame() override;
 
-    /// Shows this panel instead of the one before. The panel may be destroyed
-    /// while it is shown. Does not show the window.
+    /// Replaces the panel in the window. The panel may be destroyed while it is shown. Does not
+    /// show the window.
     void take(PanelDialog& panel);
 
   protected:
@@ -25,10 +25,10 @@ class PanelFrame : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    void letGo();
+    void release();
 
     QPointer<PanelDialog> panel_;
-    bool forwards_ = false;  ///< a key is on its way to the panel
+    bool forwards_ = false;  ///< a key is being passed on to the panel
 };
 
 }  // namespace tavora::studio

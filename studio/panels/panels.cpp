@@ -24,7 +24,7 @@ Panels::~Panels() {
     setPanelWorld(nullptr);
     for (const auto& [id, panel] : parts_->world.panels.all())
         panel->retire();
-    delete parts_->world.kept;
+    delete parts_->world.reusableFrame;
 }
 
 QWidget* Panels::openPanel() const {
@@ -45,10 +45,10 @@ void Panels::close(bool confirm) {
 void Panels::keepWindow(bool keep) {
     PanelWorld& world = parts_->world;
     world.keepWindow = keep;
-    if (keep || world.kept.isNull() || !world.open.empty()) return;
-    world.kept->hide();
-    world.kept->deleteLater();
-    world.kept = nullptr;
+    if (keep || world.reusableFrame.isNull() || !world.open.empty()) return;
+    world.reusableFrame->hide();
+    world.reusableFrame->deleteLater();
+    world.reusableFrame = nullptr;
 }
 
 bool selectTab(QWidget& panel, int tab) {
@@ -67,9 +67,9 @@ ZoneMarkers* markersOf(const QWidget& panel) {
 
 }  // namespace
 
-int selectedZone(const QWidget& panel) {
+std::optional<int> selectedZone(const QWidget& panel) {
     const ZoneMarkers* markers = markersOf(panel);
-    return markers == nullptr ? -1 : markers->selected();
+    return markers == nullptr ? std::nullopt : markers->selected();
 }
 
 void selectZone(QWidget& panel, int zone) {

@@ -2,34 +2,34 @@
 
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QWidget;
 
 namespace tavora::studio {
 
-/// How the program around the panels takes part. GUI thread.
+/// Functions of the program that are called for panels. GUI thread.
 struct PanelHooks {
-    /// A window is about to be shown around a panel (its window()), placed where
-    /// the module asked; may move it. Windows that are moved once they are
-    /// shown end up off by their frame.
+    /// Called before the window of a panel, its window(), is shown at the position that the module
+    /// requested; may move it. Moving a window after it was shown would be off by its frame.
     std::function<void(QWidget& panel)> opening;
-    /// A modal panel is shown.
+    /// Called when a panel is shown.
     std::function<void(QWidget& panel)> opened;
-    /// It is closed; its controls live until the module destroys the panel.
+    /// Called when it was closed; its controls exist until the module destroys the panel.
     std::function<void(QWidget& panel)> closed;
-    /// When set, opening a panel shows no window: it is laid out and painted at
-    /// its full size, handed over, and then closed as by Cancel.
+    /// When set, opening a panel shows no window: the panel is laid out at its full size, passed to
+    /// this function, and then closed as by Cancel.
     std::function<void(QWidget& panel)> insteadOfShowing;
 };
 
 /// Offers modules "LWPanelServices", "RasterServices" and "Color Picker" on
-/// Qt Widgets as long as it lives. One at a time, after the QApplication; GUI
-/// thread. Modal panels run an event loop of their own inside the module's call.
-/// While the outermost panel is open, the window can be used; a panel or colour
-/// dialog over it blocks both.
+/// Qt Widgets as long as it exists. One at a time, after the QApplication; GUI
+/// thread. A panel runs its own event loop inside the module's call. While the outermost panel is
+/// open, the window can be used; a panel or colour dialog over it blocks both.
 class Panels {
   public:
-    /// `window` is the parent of panels and dialogs; may be null; must outlive it.
+    /// `window` is the parent of panels and dialogs. It may be null, else it must outlive this
+    /// object.
     explicit Panels(QWidget* window, PanelHooks hooks = {});
     ~Panels();
     Panels(const Panels&) = delete;
@@ -40,8 +40,8 @@ class Panels {
     /// Closes every open panel, from the innermost, as if its OK (or Cancel)
     /// were pressed. The event loops end after the call returns.
     void close(bool confirm);
-    /// While set, the window of the outermost panel stays when that closes and
-    /// shows the next one instead. Unset, a window that still waits goes away.
+    /// While set, the window of the outermost panel stays open when the panel closes, and shows the
+    /// next panel. Unsetting it closes a window that has no panel.
     void keepWindow(bool keep);
 
   private:
@@ -53,9 +53,9 @@ class Panels {
 /// does. False when the panel has no such tab.
 bool selectTab(QWidget& panel, int tab);
 
-/// The selected zone of a panel's gradient, counted from the dark end; -1: none.
-int selectedZone(const QWidget& panel);
-/// Selects a zone as a click on its marker does, or where there are fewer the last.
+/// The index of the selected zone of a panel's gradient, from the dark end, if there is one.
+std::optional<int> selectedZone(const QWidget& panel);
+/// Selects a zone like a click on its marker; the last one when there are fewer.
 void selectZone(QWidget& panel, int zone);
 
 }  // namespace tavora::studio

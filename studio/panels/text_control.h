@@ -4,7 +4,7 @@
 
 namespace tavora::studio {
 
-/// "TextControl": lines of text, blanks in front kept.
+/// "TextControl": lines of text, with their leading blanks.
 class TextControl : public PanelControl {
   public:
     explicit TextControl(const ControlSeed& seed);

@@ -12,7 +12,7 @@ struct Entry {
     const char* tip;
 };
 
-/// Panels of this title, of any version.
+/// How the titles of the settings panel begin, whatever its version.
 constexpr const char* settingsTitle = "Tavora ";
 
 constexpr Entry settings[] = {

@@ -4,14 +4,13 @@
 
 namespace tavora::studio {
 
-/// What a control is called and does, in words for those who use it. Modules
-/// give no such texts.
+/// The name and description of a control for users. Modules do not have such texts.
 struct ControlTip {
     QString name;  ///< for assistive technology
     QString text;  ///< one line
 };
 
-/// The controls that edit a gradient of zones, by name; empty: the panel has none.
+/// The names of the controls that edit a gradient of zones; empty when a panel has none.
 struct MarkerControls {
     const char* strip = "";
     const char* mode = "";
@@ -20,8 +19,8 @@ struct MarkerControls {
 
 MarkerControls markerControlsOf(const QString& panelTitle);
 
-/// By the title of its panel and the control's name on it (its widget's object
-/// name). Empty texts for a control that nothing is known about.
+/// The tip for a control, by its panel's title and the object name of its widget. Its texts are
+/// empty for an unknown control.
 ControlTip tipFor(const QString& panelTitle, const QString& control);
 
 }  // namespace tavora::studio

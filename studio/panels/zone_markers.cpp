@@ -11,9 +11,9 @@ namespace {
 
 enum Mode { Add, Blend, Select, Delete };
 
-constexpr int kReach = 390;        // pixels of the strip from position 0 to 1
-constexpr int kGrab = 5;           // a marker is touched from this far, in pixels
-constexpr int kSelectedShift = 2;  // from the mark of the selection to the zone's own mark
+constexpr int kStripWidth = 390;   // pixels between the zone positions 0 and 1
+constexpr int kGrabDistance = 5;   // pixels; a press within this distance grabs a marker
+constexpr int kSelectedShift = 2;  // pixels from the selection's mark to the zone's mark
 constexpr double kStep = 1;        // percent a key press
 constexpr double kWideStep = 10;
 
@@ -22,18 +22,19 @@ bool marksZone(const QString& mark) {
 }
 
 double percentOf(int x) {
-    return (x - 1) * 100.0 / kReach;
+    return (x - 1) * 100.0 / kStripWidth;
 }
 
 }  // namespace
 
 ZoneMarkers::ZoneMarkers(const Parts& parts) : QObject(&parts.strip), parts_(parts) {
-    area().setReach(0);
+    area().setCaretRange(0);
     area().installEventFilter(this);
 }
 
-/// From the left edge of the strip, where a press meets the zone.
-std::vector<int> ZoneMarkers::places() const {
+/// The positions at which a press hits a zone's marker, in pixels from the strip's left edge,
+/// ascending.
+std::vector<int> ZoneMarkers::markerPositions() const {
     std::vector<int> found;
     for (const PanelDrawing::Text& text : parts_.canvas.drawing().texts()) {
         if (marksZone(text.text)) found.push_back(text.rect.left() - area().x());
@@ -42,29 +43,30 @@ std::vector<int> ZoneMarkers::places() const {
     return found;
 }
 
-int ZoneMarkers::selected() const {
-    const std::vector<int> all = places();
+std::optional<int> ZoneMarkers::selected() const {
+    const std::vector<int> all = markerPositions();
     for (const PanelDrawing::Text& text : parts_.canvas.drawing().texts()) {
         if (text.text != QLatin1String("^")) continue;
-        const int place = text.rect.left() - area().x() + kSelectedShift;
-        const auto above = std::ranges::upper_bound(all, place);
+        const int position = text.rect.left() - area().x() + kSelectedShift;
+        const auto above = std::ranges::upper_bound(all, position);
+        if (above == all.begin()) return std::nullopt;
         return static_cast<int>(above - all.begin()) - 1;
     }
-    return -1;
+    return std::nullopt;
 }
 
 void ZoneMarkers::select(int zone) {
-    const std::vector<int> all = places();
+    const std::vector<int> all = markerPositions();
     if (all.empty()) return;
     const int last = static_cast<int>(all.size()) - 1;
     pressAt(all[static_cast<std::size_t>(std::clamp(zone, 0, last))], Select);
 }
 
-std::optional<int> ZoneMarkers::touched(int x) const {
-    const std::vector<int> all = places();
-    const auto distance = [x](int place) { return std::abs(place - x); };
+std::optional<int> ZoneMarkers::markerNear(int x) const {
+    const std::vector<int> all = markerPositions();
+    const auto distance = [x](int position) { return std::abs(position - x); };
     const auto nearest = std::ranges::min_element(all, {}, distance);
-    if (nearest == all.end() || distance(*nearest) > kGrab) return std::nullopt;
+    if (nearest == all.end() || distance(*nearest) > kGrabDistance) return std::nullopt;
     return *nearest;
 }
 
@@ -88,7 +90,7 @@ void ZoneMarkers::pressAt(int x, int mode) {
 }
 
 bool ZoneMarkers::eventFilter(QObject* watched, QEvent* event) {
-    // The module's strip acts only on the page that shows its choice.
+    // The module reacts to its strip only on the page that shows the choice of modes.
     if (!parts_.mode.field().isEnabled()) return QObject::eventFilter(watched, event);
     switch (event->type()) {
         case QEvent::MouseButtonPress:
@@ -113,17 +115,17 @@ bool ZoneMarkers::eventFilter(QObject* watched, QEvent* event) {
     }
 }
 
-/// A press beside all markers is the module's, wherever it is.
+/// A press that hits no marker is left to the module.
 bool ZoneMarkers::mousePress(const QMouseEvent& event) {
     grip_.reset();
     dragging_ = false;
     const int chosen = mode();
     if (event.button() != Qt::LeftButton || (chosen != Select && chosen != Delete)) return false;
     pressX_ = event.position().toPoint().x();
-    const auto place = touched(pressX_);
-    if (!place) return false;
-    pressAt(*place, chosen);
-    if (chosen == Select) grip_ = pressX_ - *place;
+    const auto position = markerNear(pressX_);
+    if (!position) return false;
+    pressAt(*position, chosen);
+    if (chosen == Select) grip_ = pressX_ - *position;
     pressNumber_ = number().number();
     return true;
 }
@@ -138,13 +140,14 @@ bool ZoneMarkers::mouseMove(const QMouseEvent& event) {
 
 bool ZoneMarkers::keyPress(int key, bool wide) {
     const double step = wide ? kWideStep : kStep;
-    const std::vector<int> all = places();
-    const int zone = selected();
-    if (zone < 0) return false;
-    // The field may show more than the neighbours allowed.
+    const std::vector<int> all = markerPositions();
+    const std::optional<int> selectedZone = selected();
+    if (!selectedZone) return false;
+    const int zone = *selectedZone;
+    // The field may show a position beyond the neighbouring zones, which the module did not accept.
     const double drawn = percentOf(all[static_cast<std::size_t>(zone)]);
     const double shown = number().number();
-    const double now = std::abs(shown - drawn) < 100.0 / kReach ? shown : drawn;
+    const double now = std::abs(shown - drawn) < 100.0 / kStripWidth ? shown : drawn;
     switch (key) {
         case Qt::Key_Left:
             return move(now - step), true;
@@ -174,11 +177,11 @@ void ZoneMarkers::move(double percent) {
     number().enter(percent);
 }
 
-/// In the middle between the selected zone and the next one.
+/// Presses halfway between the selected zone and the next one.
 void ZoneMarkers::pressBetween() {
-    const std::vector<int> all = places();
-    const auto zone = static_cast<std::size_t>(selected());
-    const int end = zone + 1 < all.size() ? all[zone + 1] : kReach;
+    const std::vector<int> all = markerPositions();
+    const auto zone = static_cast<std::size_t>(selected().value());
+    const int end = zone + 1 < all.size() ? all[zone + 1] : kStripWidth;
     pressAt((all[zone] + end) / 2, mode());
 }
 

@@ -10,24 +10,24 @@
 
 namespace tavora::studio {
 
-/// The markers under a gradient of zones, taken by hand: a press takes the marker
-/// that it touches, a drag moves it, keys select, move and delete. The module
-/// knows only presses in a strip, a choice of what they do, and a position to
-/// enter; all goes through these, so the module's own rules hold. GUI thread.
+/// Makes the markers under a gradient of zones editable: a press selects the nearest marker, a drag
+/// moves it, and keys select, move and delete. The module itself only has presses in a strip, a
+/// choice of what they do, and a position to enter. All edits use these, so the module's own rules
+/// apply. GUI thread.
 class ZoneMarkers : public QObject {
   public:
-    /// What of a panel takes part. All outlive it.
+    /// The parts of a panel that are used. All must outlive it.
     struct Parts {
-        PanelControl& strip;     ///< where presses act; an AreaControl
+        PanelControl& strip;     ///< the strip to press; an AreaControl
         PanelControl& mode;      ///< what they do: add, blend, select or delete
         PanelControl& position;  ///< of the selected zone, in percent; has a NumberField
         const PanelCanvas& canvas;
     };
     explicit ZoneMarkers(const Parts& parts);
 
-    /// The selected zone, counted from the dark end; -1: none is drawn.
-    int selected() const;
-    /// Selects a zone, or where there are fewer the last.
+    /// The index of the selected zone, from the dark end; empty when no selection is drawn.
+    std::optional<int> selected() const;
+    /// Selects a zone; the last one when there are fewer.
     void select(int zone);
 
   protected:
@@ -40,8 +40,8 @@ class ZoneMarkers : public QObject {
     void move(double percent);
     void pressBetween();
     void pressAt(int x, int mode);
-    std::vector<int> places() const;
-    std::optional<int> touched(int x) const;
+    std::vector<int> markerPositions() const;
+    std::optional<int> markerNear(int x) const;
     int mode() const;
     void setMode(int mode);
     AreaWidget& area() const { return static_cast<AreaWidget&>(parts_.strip.field()); }

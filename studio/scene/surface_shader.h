@@ -8,24 +8,25 @@
 
 namespace tavora::studio {
 
-/// The shader on a surface: as a scene file keeps it, an edit changes it, and a
-/// render uses it. Plain data.
+/// The shader on a surface, with its settings: the form in which a scene file stores it, the
+/// editor changes it and the renderer reads it. Plain data.
 struct SurfaceShader {
     std::string server = {};  ///< name of the plug-in class, e.g. "TAVO"
-    bool enabled = true;      ///< false: kept, but the surface renders plain
+    bool enabled = true;      ///< false: the settings stay, but the surface renders plain
     StateBlock block = {};    ///< its settings
 
-    /// To the bit: a number that is none equals itself, 0 is not -0.
+    /// Compares floats by their bits: NaN equals the same NaN, and 0 differs from -0.
     friend bool operator==(const SurfaceShader& a, const SurfaceShader& b);
 };
 
-/// One entry a surface of a scene; none where there never was a shader.
+/// One entry for each surface of a scene; empty for a surface that never had a shader.
 using SurfaceShaders = std::vector<std::optional<SurfaceShader>>;
 
-/// The settings that shade the surface; null where it renders plain.
+/// The settings of a shader that is there and enabled; null for a surface that renders
+/// plain. Points into `shader`.
 const StateBlock* activeBlock(const std::optional<SurfaceShader>& shader);
 
-/// Equal to the bit.
+/// Whether two blocks are equal, floats compared by their bits.
 bool sameBits(const StateBlock& a, const StateBlock& b);
 
 }  // namespace tavora::studio

@@ -8,7 +8,7 @@
 namespace tavora::studio {
 namespace {
 
-constexpr std::string_view kMark = "TAVORA1\n";
+constexpr std::string_view kSignature = "TAVORA1\n";
 
 void putItem(void* bytes, char kind, std::uint32_t word) {
     std::string& to = *static_cast<std::string*>(bytes);
@@ -36,13 +36,13 @@ void writeString(void* bytes, const char* text) {
 }  // namespace
 
 EncodingWriter::EncodingWriter()
-    : record_{HOST_IO_OBJECT, &bytes_, writeInt, writeFloat, writeString}, bytes_(kMark) {}
+    : record_{HOST_IO_OBJECT, &bytes_, writeInt, writeFloat, writeString}, bytes_(kSignature) {}
 
 EncodingReader::EncodingReader(std::string bytes)
     : record_{HOST_IO_OBJECT, this, readInt, readFloat, readString},
       bytes_(std::move(bytes)),
       rest_(bytes_) {
-    rest_ = rest_.starts_with(kMark) ? rest_.substr(kMark.size()) : std::string_view();
+    rest_ = rest_.starts_with(kSignature) ? rest_.substr(kSignature.size()) : std::string_view();
 }
 
 std::optional<std::string_view> EncodingReader::takeBytes(std::size_t size) {

@@ -9,12 +9,11 @@
 
 namespace tavora::studio {
 
-// A block as bytes of a settings file: an eight-byte mark, then for each item
-// its kind ('i', 'f', 's') and its value, little-endian, 4 bytes; strings by
-// length and bytes.
+// The format of a settings file: an eight-byte signature, then for each item of the block its
+// kind ('i', 'f', 's') and its value, 4 bytes, little-endian. The value of a string is its
+// length, and its bytes follow.
 
-/// A save-state record that appends to the bytes of a file.
-/// One thread at a time.
+/// A save-state record that writes the bytes of a file to memory. One thread at a time.
 class EncodingWriter {
   public:
     EncodingWriter();
@@ -22,7 +21,7 @@ class EncodingWriter {
     EncodingWriter& operator=(const EncodingWriter&) = delete;
 
     const HostSaveState* record() const { return &record_; }
-    /// The file as far as it was written.
+    /// What was written so far.
     const std::string& bytes() const { return bytes_; }
 
   private:
@@ -30,10 +29,9 @@ class EncodingWriter {
     std::string bytes_;
 };
 
-/// A load-state record that reads the bytes of a file item by item; it holds
-/// nothing beside them. The stream ends at the first item that is cut off or of
-/// another kind than asked for, and at once without the mark.
-/// One thread at a time.
+/// A load-state record that reads the bytes of a file item by item, without decoding them
+/// beforehand. The stream ends at the first item that is truncated or of another kind than
+/// the caller reads, and at once when the signature is wrong. One thread at a time.
 class EncodingReader {
   public:
     explicit EncodingReader(std::string bytes);
@@ -54,7 +52,7 @@ class EncodingReader {
 
     HostLoadState record_;
     std::string bytes_;
-    std::string_view rest_;  ///< what of bytes_ is still to be read
+    std::string_view rest_;  ///< the part of bytes_ that was not read yet
 };
 
 }  // namespace tavora::studio

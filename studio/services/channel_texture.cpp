@@ -14,7 +14,7 @@ const std::optional<TextureUse>& ChannelTexture::use() const {
 }
 
 HostTextureId textureId(std::size_t surface, Channel channel) {
-    // One more than the number: no texture's identity is null.
+    // One more than the texture's number, so that no identity is null.
     return std::bit_cast<HostTextureId>(surface * kChannels + static_cast<std::uintptr_t>(channel) +
                                         1);
 }

@@ -15,13 +15,16 @@ struct ChannelTexture {
     const Surface* surface = nullptr;  ///< null for an unknown identity
     Channel channel = Channel::BaseColor;
 
-    /// The texture's place in an image; none when the channel has no texture.
+    /// How the channel reads its image; empty when it has no texture. Not for an unknown
+    /// identity.
     const std::optional<TextureUse>& use() const;
 };
 
-/// Identity of the texture on a channel of the surface at `surface` in the scene.
+/// The identity of the texture on a channel of surface `surface`, an index into
+/// Scene::surfaces. Never null.
 HostTextureId textureId(std::size_t surface, Channel channel);
 
+/// The texture that has an identity of textureId(); with a null `surface` for any other.
 ChannelTexture findTexture(const Scene& scene, HostTextureId id);
 
 }  // namespace tavora::studio

@@ -9,7 +9,7 @@
 #include <string>
 #include <system_error>
 
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/whole_file.h"
 #include "studio/services/block_encoding.h"
 #include "studio/services/messages.h"
@@ -21,32 +21,33 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// More than the largest settings that a module loads: a million zones and a
-/// million names take 150 MB.
+/// Larger than the largest settings that a module loads: a million zones and a million names
+/// take 150 MB.
 constexpr std::size_t kLargestFile = 256U << 20U;
 
-/// What a module writes, until the file is closed. `record` comes first: its
-/// address stands for the whole.
+/// A file that a module is writing. `record` must be the first member: the module gets its
+/// address, and gives it back to close the file.
 struct OpenSave {
     HostSaveState record{};
     fs::path file;
     EncodingWriter writer;
 };
 
+/// A file that a module is reading. `record` must be the first member, as in OpenSave.
 struct OpenLoad {
     explicit OpenLoad(std::string bytes) : reader(std::move(bytes)) { record = *reader.record(); }
     HostLoadState record{};
     EncodingReader reader;
 };
 
-/// A file that was looked at.
+/// The result of reading a file that need not exist.
 struct FoundFile {
     std::string bytes;
     bool missing = false;
-    std::string fault;  ///< why a file that is there cannot be read; empty: it can
+    std::string fault;  ///< why the file cannot be read; empty when it can
 };
 
-/// Modules write the separator before the last name as ':'.
+/// Converts a path from the module's form, in which the last separator is ':'.
 fs::path platformPath(const char* path) {
     std::string text = path;
     const std::size_t colon = text.rfind(':');
@@ -57,9 +58,9 @@ fs::path platformPath(const char* path) {
     return text;
 }
 
-/// Only a file that is not there counts as missing: what merely cannot be read
-/// is the user's still.
-FoundFile lookAt(const fs::path& file) {
+/// A file counts as missing only if it does not exist: a file that cannot be read still
+/// belongs to the user and must not be replaced.
+FoundFile readIfPresent(const fs::path& file) {
     FoundFile found;
     try {
         found.bytes = readWholeFile(file, kLargestFile);
@@ -72,15 +73,15 @@ FoundFile lookAt(const fs::path& file) {
     return found;
 }
 
-/// Every new shader meets the file; the user hears of it once, and again when it
-/// could be read in between.
-void tellOnce(const fs::path& file, const FoundFile& found) {
+/// Reports a file that cannot be read: once, although every new shader reads it, and again
+/// only after it could be read in between.
+void reportFault(const fs::path& file, const FoundFile& found) {
     static std::mutex mutex;
-    static std::set<fs::path> told;
+    static std::set<fs::path> reported;
     const std::lock_guard lock(mutex);
     if (found.fault.empty()) {
-        told.erase(file);
-    } else if (told.insert(file).second) {
+        reported.erase(file);
+    } else if (reported.insert(file).second) {
         sendMessage(MessageKind::Error,
                     fmt::format("{}: the stored settings cannot be read: {}; they are left as they "
                                 "are and the built-in ones stand in; make the file readable or "
@@ -89,13 +90,14 @@ void tellOnce(const fs::path& file, const FoundFile& found) {
     }
 }
 
-/// Settings files are binary; scenes keep the settings in themselves.
+/// Modules open only binary settings files; settings in scenes do not go through files of
+/// their own.
 bool canOpen(const char* path, int ioMode) {
     return path != nullptr && *path != '\0' && ioMode == HOST_IO_OBJECT;
 }
 
 void checkReplaceable(const fs::path& file) {
-    const FoundFile found = lookAt(file);
+    const FoundFile found = readIfPresent(file);
     if (found.missing || found.fault.empty()) return;
     throw std::runtime_error(fmt::format(
         "{}: is there but cannot be read: {}; it is not replaced; make it readable or remove it",
@@ -109,7 +111,7 @@ const HostSaveState* openSave(const char* path, int ioMode) {
         save->file = platformPath(path);
         checkReplaceable(save->file);
         fs::create_directories(save->file.parent_path());
-        outputPlace(save->file);
+        outputTarget(save->file);
         save->record = *save->writer.record();
         return &save.release()->record;
     } catch (const std::exception& error) {
@@ -132,9 +134,9 @@ void closeSave(const HostSaveState* state) {
 const HostLoadState* openLoad(const char* path, int ioMode) {
     if (!canOpen(path, ioMode)) return nullptr;
     const fs::path file = platformPath(path);
-    FoundFile found = lookAt(file);
+    FoundFile found = readIfPresent(file);
     if (found.missing) return nullptr;
-    tellOnce(file, found);
+    reportFault(file, found);
     if (!found.fault.empty() && !PanelOpening::any()) return nullptr;
     return &std::make_unique<OpenLoad>(std::move(found.bytes)).release()->record;
 }

@@ -7,8 +7,8 @@
 namespace tavora::studio {
 namespace {
 
-// Render threads make records of their own, which a module reports just the same
-// when it has laid the default settings over them: nobody waits for those.
+// Per thread, because modules also report instances on render threads, when they apply
+// default settings to new ones, and those reports have no listener.
 thread_local InstanceListener currentListener;
 
 }  // namespace

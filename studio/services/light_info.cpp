@@ -19,7 +19,7 @@ const ResolvedLight* find(HostItemId light) {
     return index < 0 ? nullptr : &binding->lights().lights[static_cast<std::size_t>(index)];
 }
 
-/// Lights are those of the frame: a rig is settled for one time.
+/// Ignores the time, like color(): lights are resolved for the time of the frame.
 void ambient(double /*seconds*/, double color[3]) {
     const ServiceBinding* binding = ServiceBinding::current();
     if (binding != nullptr) {
@@ -30,18 +30,18 @@ void ambient(double /*seconds*/, double color[3]) {
 }
 
 int flags(HostItemId light) {
-    const ResolvedLight* lit = find(light);
-    if (lit == nullptr) return 0;
+    const ResolvedLight* resolved = find(light);
+    if (resolved == nullptr) return 0;
     int bits = 0;
-    const bool limited = lit->light->range < std::numeric_limits<float>::infinity();
+    const bool limited = resolved->light->range < std::numeric_limits<float>::infinity();
     if (limited && ServiceBinding::current()->lights().falloff) bits |= HOST_LIGHT_LIMITED_RANGE;
-    if (!lit->light->makesHighlights) bits |= HOST_LIGHT_NO_SPECULAR;
+    if (!resolved->light->makesHighlights) bits |= HOST_LIGHT_NO_SPECULAR;
     return bits;
 }
 
 void color(HostItemId light, double /*seconds*/, double result[3]) {
-    const ResolvedLight* lit = find(light);
-    fill(lit == nullptr ? Imath::V3d(0) : lit->color, result);
+    const ResolvedLight* resolved = find(light);
+    fill(resolved == nullptr ? Imath::V3d(0) : resolved->color, result);
 }
 
 }  // namespace

@@ -25,7 +25,7 @@ const char* label(MessageKind kind) {
     return "";
 }
 
-/// The lines of a module's message as one.
+/// Joins the lines of a module's message into one.
 template <MessageKind kind>
 void receive(const char* line1, const char* line2) {
     std::string text = line1 == nullptr ? "" : line1;

@@ -7,18 +7,18 @@ namespace tavora::studio {
 
 enum class MessageKind { Info, Warning, Error };
 
-/// Where messages of modules go: text is one line. Called by one thread at a time.
+/// Receives messages, each a line of text. Called by one thread at a time.
 using MessageSink = std::function<void(MessageKind kind, const std::string& text)>;
 
-/// Replaces the sink; an empty one restores the default, one line on stderr.
-/// Any thread.
+/// Replaces the sink; an empty one restores the default, which writes a line to stderr. Any
+/// thread.
 void setMessageSink(MessageSink sink);
 
 /// Hands a message to the sink. Any thread.
 void sendMessage(MessageKind kind, const std::string& text);
 
-/// While it lives, messages from this thread go nowhere: for work that repeats
-/// what was reported once.
+/// As long as an object of this class exists, messages of its thread are discarded: for work
+/// that would repeat messages.
 class QuietMessages {
   public:
     QuietMessages();

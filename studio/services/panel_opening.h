@@ -2,10 +2,9 @@
 
 namespace tavora::studio {
 
-/// While it lives, a panel is being opened on this thread. Modules look then
-/// whether their settings file opens, and write a new one where it does not: a
-/// file that is there but cannot be read opens for them, without content, and so
-/// stays as it is.
+/// Exists while a panel is opened on its thread. A module then tries to open its settings file
+/// and writes a new one if that fails. So that a file that exists but cannot be read is not
+/// replaced, it opens successfully during this time, without content.
 class PanelOpening {
   public:
     PanelOpening() { ++opening; }
@@ -13,7 +12,7 @@ class PanelOpening {
     PanelOpening(const PanelOpening&) = delete;
     PanelOpening& operator=(const PanelOpening&) = delete;
 
-    /// Whether one lives on this thread.
+    /// Whether such an object exists on this thread.
     static bool any() { return opening > 0; }
 
   private:

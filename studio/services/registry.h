@@ -4,14 +4,13 @@
 
 namespace tavora::studio {
 
-/// The host's lookup of services by name, for module activations: the service's
-/// table or function, or null when this host does not offer it. Offers nothing
-/// that needs a window, which is what render threads want. A HostLookup. Any
-/// thread.
+/// Finds a service by name, for the activation of modules (a HostLookup): returns its table or
+/// function, or null when this host does not offer it. Has no services that need a window, so
+/// that it can be used on render threads. Any thread.
 void* findService(const char* name, int useMode);
 
-/// The same for modules whose panels are shown: what a window can offer as well
-/// (see offerWindowServices). A HostLookup. Interface thread.
+/// The same, with the services of offerWindowServices(), for modules whose panels are shown.
+/// Interface thread.
 void* findServiceOrWindow(const char* name, int useMode);
 
 }  // namespace tavora::studio

@@ -8,7 +8,7 @@
 namespace tavora::studio {
 namespace {
 
-/// Polygon identities: mesh number + 1 in the upper half, triangle in the lower.
+/// A polygon identity has the mesh's index + 1 in its upper half, the triangle in the lower.
 constexpr unsigned kMeshShift = 32;
 
 static_assert(sizeof(std::uintptr_t) == 8, "polygon identities need 64 bits");
@@ -30,7 +30,7 @@ void SceneIndex::refresh() {
     objects_.clear();
     meshes_.clear();
     for (const auto& object : scene_->objects) {
-        objects_.emplace(object.get(), static_cast<std::ptrdiff_t>(objects_.size()));
+        objects_.emplace(object.get(), objects_.size());
         for (const Part& part : object->parts) {
             const auto& surface = scene_->surfaces[static_cast<std::size_t>(part.surface)];
             meshes_.push_back({object.get(), &part, part.mesh.get(), &surface, part.surface});
@@ -38,40 +38,42 @@ void SceneIndex::refresh() {
     }
 }
 
-std::size_t SceneIndex::pyramidIndex(const TextureUse& use) const {
+std::optional<std::size_t> SceneIndex::pyramidIndex(const TextureUse& use) const {
     const std::size_t images = scene_->images.size();
     const auto image = static_cast<std::size_t>(use.image);
-    if (use.image < 0 || image >= images) return pyramids_.size();
+    if (use.image < 0 || image >= images) return std::nullopt;
     return use.isData ? images + image : image;
 }
 
 void SceneIndex::addPyramid(const std::optional<TextureUse>& use) {
     if (!use) return;
-    const std::size_t index = pyramidIndex(*use);
-    if (index >= pyramids_.size() || pyramids_[index] != nullptr) return;
+    const std::optional<std::size_t> index = pyramidIndex(*use);
+    if (!index || pyramids_[*index] != nullptr) return;
     const Image& image = scene_->images[static_cast<std::size_t>(use->image)];
     if (image.rgba.empty()) return;
     memory_.take(TexturePyramid::sizeFor(image),
                  fmt::format("the texture \"{}\" made ready for look-ups", shortened(image.name)));
-    pyramids_[index] = std::make_unique<TexturePyramid>(image, use->isData);
+    pyramids_[*index] = std::make_unique<TexturePyramid>(image, use->isData);
 }
 
 const TexturePyramid* SceneIndex::pyramid(const TextureUse& use) const {
-    const std::size_t index = pyramidIndex(use);
-    return index < pyramids_.size() ? pyramids_[index].get() : nullptr;
+    const std::optional<std::size_t> index = pyramidIndex(use);
+    return index ? pyramids_[*index].get() : nullptr;
 }
 
-std::ptrdiff_t SceneIndex::objectIndex(HostItemId id) const {
+std::optional<std::size_t> SceneIndex::objectIndex(HostItemId id) const {
     const auto found = objects_.find(id);
-    return found == objects_.end() ? -1 : found->second;
+    if (found == objects_.end()) return std::nullopt;
+    return found->second;
 }
 
-std::ptrdiff_t SceneIndex::surfaceIndex(HostSurfaceId id) const {
+std::optional<std::size_t> SceneIndex::surfaceIndex(HostSurfaceId id) const {
     const auto first = reinterpret_cast<std::uintptr_t>(scene_->surfaces.data());
     const auto offset = reinterpret_cast<std::uintptr_t>(id) - first;  // wraps for others
-    if (id == nullptr || offset % sizeof(Surface) != 0) return -1;
-    const std::uintptr_t index = offset / sizeof(Surface);
-    return index < scene_->surfaces.size() ? static_cast<std::ptrdiff_t>(index) : -1;
+    if (id == nullptr || offset % sizeof(Surface) != 0) return std::nullopt;
+    const std::size_t index = offset / sizeof(Surface);
+    if (index >= scene_->surfaces.size()) return std::nullopt;
+    return index;
 }
 
 HostSurfaceId SceneIndex::surfaceId(std::size_t surface) const {

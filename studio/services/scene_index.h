@@ -3,6 +3,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <unordered_map>
 #include <vector>
 
@@ -12,7 +13,7 @@
 
 namespace tavora::studio {
 
-/// One part of one object: what a ray can hit.
+/// One part of one object: the unit of geometry that a ray can hit.
 struct SceneMesh {
     const Object* object = nullptr;
     const Part* part = nullptr;
@@ -21,25 +22,25 @@ struct SceneMesh {
     int surfaceIndex = 0;
 };
 
-/// A triangle that a module's identity stands for.
+/// The triangle that a polygon identity denotes.
 struct SceneTriangle {
     const SceneMesh* mesh = nullptr;  ///< null for an unknown identity
     std::uint32_t triangle = 0;
 };
 
-/// What modules and renderer look up in a scene, each in constant time:
-/// items by identity, triangles by identity, images ready for look-up.
+/// Finds a scene's items and triangles by identity, in constant time, and has its images'
+/// mipmaps.
 ///
-/// Identities are the addresses of the scene's own records, except polygons and
-/// textures, whose identities pack numbers into a word and point at nothing.
-/// The scene must outlive the index. Any thread may read, but not during refresh().
+/// The identity of an item is the address of its record in the scene; that of a polygon or
+/// texture is a packed number and no valid address. The scene must outlive the index. Any
+/// thread may read, but not during refresh().
 class SceneIndex {
   public:
-    /// Throws Error where the scene's budget does not hold the images' pyramids.
+    /// Builds the index. Throws Error when the scene's memory budget is too small for the
+    /// mipmaps.
     explicit SceneIndex(const Scene& scene);
 
-    /// After the scene was posed anew: its objects are looked up as they are now. Images
-    /// stay.
+    /// To be called after the scene was posed again: updates the objects. Images do not change.
     void refresh();
 
     const Scene& scene() const { return *scene_; }
@@ -47,33 +48,35 @@ class SceneIndex {
     /// All parts of all objects, in the scene's order.
     const std::vector<SceneMesh>& meshes() const { return meshes_; }
 
-    /// The image of a texture, or null when the scene has no such image or it
-    /// holds no pixel.
+    /// The mipmaps of a texture's image; null when the scene has no such image or it has no
+    /// pixels.
     const TexturePyramid* pyramid(const TextureUse& use) const;
 
-    /// Where in Scene::objects an object stands, or -1.
-    std::ptrdiff_t objectIndex(HostItemId id) const;
-    /// Where in Scene::surfaces a surface stands, or -1.
-    std::ptrdiff_t surfaceIndex(HostSurfaceId id) const;
+    /// The index of an object in Scene::objects; empty for an unknown identity.
+    std::optional<std::size_t> objectIndex(HostItemId id) const;
+    /// The index of a surface in Scene::surfaces; empty for an unknown identity.
+    std::optional<std::size_t> surfaceIndex(HostSurfaceId id) const;
 
+    /// The identity of surface `surface`, an index into Scene::surfaces.
     HostSurfaceId surfaceId(std::size_t surface) const;
+    /// The identity of a triangle of mesh `mesh`, an index into meshes().
     HostPolygonId polygonId(std::size_t mesh, std::uint32_t triangle) const;
     SceneTriangle triangle(HostPolygonId id) const;
 
   private:
-    /// Where in `pyramids_` a texture's stands; past the end for an image that is not there.
-    std::size_t pyramidIndex(const TextureUse& use) const;
+    /// The index of a texture's mipmaps in `pyramids_`; empty for an image that does not exist.
+    std::optional<std::size_t> pyramidIndex(const TextureUse& use) const;
     void addPyramid(const std::optional<TextureUse>& use);
 
     const Scene* scene_;
     MemoryShare memory_;
     std::vector<SceneMesh> meshes_;
-    /// By image; the images first as colours, then as data.
+    /// By image: first those of images read as colours, then those of images read as data.
     std::vector<std::unique_ptr<const TexturePyramid>> pyramids_;
-    std::unordered_map<const void*, std::ptrdiff_t> objects_;
+    std::unordered_map<const void*, std::size_t> objects_;
 };
 
-/// Identities as modules see them.
+/// The identity of an object for modules: its address.
 inline HostItemId itemId(const Object* object) {
     return reinterpret_cast<HostItemId>(const_cast<Object*>(object));
 }

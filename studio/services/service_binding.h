@@ -5,8 +5,8 @@
 
 namespace tavora::studio {
 
-/// While it lives, services called on this thread answer about its scene and
-/// lights; the binding before it returns when it goes. Both must outlive it.
+/// As long as an object of this class exists, services called on its thread refer to its scene
+/// and lights, which must outlive it. Bindings nest: its end restores the one before it.
 class ServiceBinding {
   public:
     ServiceBinding(const SceneIndex& scene, const LightSet& lights);
@@ -14,7 +14,7 @@ class ServiceBinding {
     ServiceBinding(const ServiceBinding&) = delete;
     ServiceBinding& operator=(const ServiceBinding&) = delete;
 
-    /// This thread's binding, or null.
+    /// The binding of this thread, or null.
     static const ServiceBinding* current() { return bound; }
 
     const SceneIndex& scene() const { return *scene_; }
@@ -28,12 +28,12 @@ class ServiceBinding {
     const ServiceBinding* before_;
 };
 
-/// Identity of a light: the address of its entry in the rig.
+/// The identity of a light for modules: the address of its entry in the light set.
 inline HostItemId itemId(const ResolvedLight& light) {
     return reinterpret_cast<HostItemId>(const_cast<ResolvedLight*>(&light));
 }
 
-/// Where in `lights.lights` the light stands, or -1 when it is none of them.
+/// The index of a light in `lights.lights`, or -1 when it is none of them.
 inline std::ptrdiff_t lightIndex(const LightSet& lights, HostItemId id) {
     const auto first = reinterpret_cast<std::uintptr_t>(lights.lights.data());
     const auto offset = reinterpret_cast<std::uintptr_t>(id) - first;  // wraps for others

@@ -10,9 +10,9 @@
 #include "host/services/surface.h"
 #include "host/services/texture.h"
 
-/// The services as modules get them, one source file each. Immutable.
-/// Those that answer about a scene answer about the calling thread's
-/// ServiceBinding, and as for an empty scene where there is none.
+/// The services in the form that modules get, one source file for each. Immutable. Services
+/// about a scene refer to the ServiceBinding of the calling thread, and to an empty scene when
+/// there is none.
 namespace tavora::studio {
 
 extern const HostMultithreading kMultithreading;

@@ -18,12 +18,11 @@ HostTextureId channelTexture(HostSurfaceId surface, const char* name) {
     const ServiceBinding* binding = ServiceBinding::current();
     const std::optional<Channel> channel = channelOf(name);
     if (binding == nullptr || !channel) return nullptr;
-    const std::ptrdiff_t index = binding->scene().surfaceIndex(surface);
-    if (index < 0) return nullptr;
-    const auto number = static_cast<std::size_t>(index);
-    const ChannelTexture texture{&binding->scene().scene().surfaces[number], *channel};
+    const std::optional<std::size_t> index = binding->scene().surfaceIndex(surface);
+    if (!index) return nullptr;
+    const ChannelTexture texture{&binding->scene().scene().surfaces[*index], *channel};
     if (!texture.use() || binding->scene().pyramid(*texture.use()) == nullptr) return nullptr;
-    return textureId(number, *channel);
+    return textureId(*index, *channel);
 }
 
 }  // namespace

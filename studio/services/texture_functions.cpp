@@ -13,12 +13,12 @@ ChannelTexture find(HostTextureId id) {
     return binding == nullptr ? ChannelTexture{} : findTexture(binding->scene().scene(), id);
 }
 
-/// Every texture has one layer; it bears the texture's identity.
+/// Every texture has one layer, with the same identity as the texture.
 HostTextureLayerId firstLayer(HostTextureId texture) {
     return reinterpret_cast<HostTextureLayerId>(texture);
 }
 
-/// UV-mapped layers stand at the object's origin, unscaled and unturned.
+/// A UV-mapped layer is at the object's origin, without scale and rotation.
 int layerParameter(HostTextureLayerId layer, int parameter, void* value) {
     if (find(reinterpret_cast<HostTextureId>(layer)).surface == nullptr) return 0;
     auto* vector = static_cast<double*>(value);
@@ -36,23 +36,23 @@ int layerParameter(HostTextureLayerId layer, int parameter, void* value) {
 }
 
 Imath::V3d corner(const HostTexturePoint& point, std::size_t i) {
-    const float* at = point.vertexPositions[i];
-    return {static_cast<double>(at[0]), static_cast<double>(at[1]), static_cast<double>(at[2])};
+    const float* p = point.vertexPositions[i];
+    return {static_cast<double>(p[0]), static_cast<double>(p[1]), static_cast<double>(p[2])};
 }
 
-MeshPoint placeOf(const SceneTriangle& triangle, const HostTexturePoint& point) {
-    MeshPoint place;
-    place.mesh = triangle.mesh->mesh;
-    place.triangle = triangle.triangle;
-    std::copy_n(point.vertexWeights, 3, place.weights);
-    place.footprint = point.spotSize;
-    place.worldArea = triangleArea(corner(point, 0), corner(point, 1), corner(point, 2));
-    return place;
+MeshPoint meshPointOf(const SceneTriangle& triangle, const HostTexturePoint& point) {
+    MeshPoint meshPoint;
+    meshPoint.mesh = triangle.mesh->mesh;
+    meshPoint.triangle = triangle.triangle;
+    std::copy_n(point.vertexWeights, 3, meshPoint.weights);
+    meshPoint.footprint = point.spotSize;
+    meshPoint.worldArea = triangleArea(corner(point, 0), corner(point, 1), corner(point, 2));
+    return meshPoint;
 }
 
-/// Base colour: how much the texture covers. Translucency: how much light its
-/// texture lets through, times the surface's factor.
-double coverage(const ChannelTexture& texture, const Imath::V4d& texel) {
+/// The strength of a channel at a texel, 0..1. Base colour: the texture's alpha. Translucency:
+/// the fraction of light that passes through, times the surface's factor.
+double strengthOf(const ChannelTexture& texture, const Imath::V4d& texel) {
     if (texture.channel == Channel::BaseColor) return texel.w;
     const double strength =
         texture.surface->translucencyComponent == Component::Alpha ? texel.w : texel.x;
@@ -66,11 +66,11 @@ double evaluate(HostTextureId id, const HostTexturePoint* point, double color[3]
     const SceneIndex& scene = ServiceBinding::current()->scene();
     const SceneTriangle triangle = scene.triangle(point->polygonId);
     if (triangle.mesh == nullptr) return 0;
-    const Imath::V4d texel = lookUpTexture(scene, *texture.use(), placeOf(triangle, *point));
+    const Imath::V4d texel = lookUpTexture(scene, *texture.use(), meshPointOf(triangle, *point));
     color[0] = texel.x;
     color[1] = texel.y;
     color[2] = texel.z;
-    return coverage(texture, texel);
+    return strengthOf(texture, texel);
 }
 
 }  // namespace

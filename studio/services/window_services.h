@@ -6,15 +6,15 @@
 
 namespace tavora::studio {
 
-/// The services that only a program with a window can offer.
+/// The services that only a program with a window can offer; null for one that it lacks.
 struct WindowServices {
     const HostPanelServices* panels = nullptr;
     const HostRasterServices* raster = nullptr;
     HostColorPicker* colorPicker = nullptr;
 };
 
-/// Offers them to modules; a null entry is a service the host has not. The
-/// tables must stay valid until others are offered. Interface thread.
+/// Offers these services to modules, in place of those offered before. The tables must stay
+/// valid until others are offered. Interface thread.
 void offerWindowServices(const WindowServices& services);
 
 }  // namespace tavora::studio

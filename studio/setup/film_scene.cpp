@@ -16,9 +16,10 @@
 namespace tavora::studio {
 namespace {
 
-/// Times at which a film is measured, evenly over its range.
-constexpr int kMoments = 17;
+/// The number of times at which a film is measured, evenly distributed over its range.
+constexpr int kMeasurements = 17;
 
+/// The index below `count` that `text` is, if it is one.
 std::optional<std::size_t> indexIn(const std::string& text, std::size_t count) {
     std::size_t index = 0;
     const char* end = text.data() + text.size();
@@ -27,8 +28,8 @@ std::optional<std::size_t> indexIn(const std::string& text, std::size_t count) {
     return index;
 }
 
-/// The animations that `name` names: those of that name or pattern, else that of that index.
-std::vector<std::size_t> animationsNamed(const Scene& scene, const std::string& name) {
+/// The animations that match `name` as a name or pattern; if none does, the one of that index.
+std::vector<std::size_t> matchingAnimations(const Scene& scene, const std::string& name) {
     std::vector<std::size_t> found;
     std::vector<std::string> names;
     for (std::size_t i = 0; i < scene.animations.size(); ++i) {
@@ -60,7 +61,7 @@ FilmScene::FilmScene(const std::filesystem::path& file, const ReadOptions& optio
 std::vector<std::size_t> FilmScene::play(const std::vector<std::string>& names, Report& report) {
     std::set<std::size_t> chosen;
     for (const std::string& name : names) {
-        for (const std::size_t i : animationsNamed(scene(), name))
+        for (const std::size_t i : matchingAnimations(scene(), name))
             chosen.insert(i);
     }
     std::vector<std::size_t> animations(chosen.begin(), chosen.end());
@@ -85,33 +86,33 @@ void FilmScene::play(const std::vector<std::size_t>& animations) {
     }
 }
 
-void FilmScene::settle(const std::string& camera, double aspect) {
+void FilmScene::prepare(const std::string& camera, double aspect) {
     cameraChoice_ = camera;
     aspect_ = aspect;
     meter_ = {};
-    shapes_.clear();
+    geometries_.clear();
     framing_.reset();
     const bool needsFraming = camera.empty() && scene().cameras.empty();
-    const int moments = plays() && range_.end > range_.start ? kMoments : 1;
-    for (int moment = moments - 1; moment >= 0; --moment) {
-        if (plays()) pose(range_.start + (range_.end - range_.start) * moment / (kMoments - 1));
+    const int measurements = plays() && range_.end > range_.start ? kMeasurements : 1;
+    for (int i = measurements - 1; i >= 0; --i) {
+        if (plays()) pose(range_.start + (range_.end - range_.start) * i / (kMeasurements - 1));
         meter_.measure(scene());
-        if (needsFraming && moments > 1) shapes_.push_back(shapeOf(scene()));
+        if (needsFraming && measurements > 1) geometries_.push_back(geometryOf(scene()));
     }
-    if (needsFraming) framing_ = framingFor(aspect);
+    if (needsFraming) framing_ = framingCameraFor(aspect);
     keyView_ = this->camera();
 }
 
 void FilmScene::setAspect(double aspect) {
     aspect_ = aspect;
-    if (framing_) keyView_ = *(framing_ = framingFor(aspect));
+    if (framing_) keyView_ = *(framing_ = framingCameraFor(aspect));
 }
 
-Camera FilmScene::framingFor(double aspect) const {
-    if (shapes_.empty()) return framingCamera(scene(), aspect);
+Camera FilmScene::framingCameraFor(double aspect) const {
+    if (geometries_.empty()) return framingCamera(scene(), aspect);
     std::vector<const Scene*> all;
-    for (const Scene& shape : shapes_)
-        all.push_back(&shape);
+    for (const Scene& geometry : geometries_)
+        all.push_back(&geometry);
     return framingCameraOfFilm(all, aspect);
 }
 

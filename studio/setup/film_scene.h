@@ -19,62 +19,64 @@ struct TimeRange {
     double end = 0;
 };
 
-/// A scene that plays, with what stays the same over all of its animations' time whatever
-/// part of it is rendered: levels of light, and the view where the scene has no camera. So
-/// a film can be rendered in any pieces. One thread.
+/// A scene that can play, with an exposure, and a camera when the scene has none, that are the
+/// same throughout its animations. So a film can be rendered in any number of parts. One
+/// thread.
 class FilmScene {
   public:
-    /// The scene at rest. Throws what GltfScene throws.
+    /// Reads the scene; it is in its rest pose. Throws what GltfScene throws.
     FilmScene(const std::filesystem::path& file, const ReadOptions& options);
 
     Scene& scene() { return file_.scene(); }
     const Scene& scene() const { return file_.scene(); }
 
-    /// Plays the animations that `names` name, by name, pattern or index; without any, those
-    /// that can play at once, which is noted where there are others. What cannot be played
-    /// is told in the scene's warnings. Throws Error, Fault::Usage for a name that names
-    /// nothing. Returns what plays.
+    /// Plays the animations that match `names`, by name, pattern or index; without names,
+    /// those that can play together, which the report notes when there are others. Channels
+    /// that cannot be played are reported in the scene's warnings. Returns the indices of the
+    /// animations that play. Throws Error: Fault::Usage for a name that matches nothing.
     std::vector<std::size_t> play(const std::vector<std::string>& names, Report& report);
-    /// Plays these of the scene's animations from its next pose() on; none: it is at rest at
-    /// once. To be settled anew.
+    /// Plays these of the scene's animations, by index, from the next pose() on; without any,
+    /// the scene is in its rest pose at once. prepare() must be called after it.
     void play(const std::vector<std::size_t>& animations);
     std::vector<std::size_t> compatibleAnimations() const { return file_.compatibleAnimations(); }
     bool plays() const { return file_.plays(); }
-    /// Nothing will play: what a file takes beside its scene is given back. Afterwards
-    /// play() and pose() do nothing.
-    void stayAtRest() { file_.close(); }
-    /// Of what plays.
+    /// For a scene that will not play: frees the memory of everything but the scene. From then
+    /// on play() and pose() do nothing.
+    void closeFile() { file_.close(); }
+    /// From the start of the animations that play to their end; 0 to 0 when none plays.
     const TimeRange& range() const { return range_; }
 
-    /// Chooses the view and measures the light, over the range where anything plays; leaves
-    /// the scene at its start, else at rest. Throws Error, Fault::Usage for a camera that
-    /// is not there; see chooseCamera().
-    void settle(const std::string& camera, double aspect);
+    /// Chooses the camera and measures the lights, throughout the range when anything plays;
+    /// leaves the scene posed for the start of the range, or in its rest pose. `aspect` is the
+    /// picture's width / height. Throws Error, Fault::Usage, when there is no such camera; see
+    /// chooseCamera().
+    void prepare(const std::string& camera, double aspect);
 
-    /// Another shape of the picture, after settle(): frames the scene anew where it has no
-    /// camera. The scene itself is only read.
+    /// Changes the picture's width / height after prepare(); this frames the scene again if it
+    /// has no camera. Only reads the scene.
     void setAspect(double aspect);
-    /// Whether the view is chosen so that the scene is seen as a whole.
+    /// Whether the camera was made to show the whole scene.
     bool isFramed() const { return framing_.has_value(); }
 
-    /// The scene at a time; before the range and after it as at its ends.
+    /// Poses the scene for a time in seconds, clamped to the range.
     void pose(double seconds);
 
-    /// As the scene is posed; after settle().
+    /// The camera and lights in the current pose, after prepare().
     Camera camera() const;
     LightSet lights(const LightingOptions& options) const;
 
   private:
-    Camera framingFor(double aspect) const;
+    Camera framingCameraFor(double aspect) const;
 
     GltfScene file_;
     TimeRange range_;
     std::string cameraChoice_;
     double aspect_ = 1;
     LightMeter meter_;
-    std::vector<Scene> shapes_;      ///< that are framed, of a scene that plays
-    std::optional<Camera> framing_;  ///< where the scene has no camera
-    Camera keyView_;                 ///< from which a scene without lights is lit
+    /// Of a scene that plays and has no camera, at several times.
+    std::vector<Scene> geometries_;
+    std::optional<Camera> framing_;  ///< for a scene without a camera
+    Camera keyView_;                 ///< the key light of a scene without lights is relative to it
 };
 
 }  // namespace tavora::studio

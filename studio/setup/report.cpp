@@ -7,7 +7,7 @@
 #include <unistd.h>
 #include <utility>
 
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 #include "studio/files/standard_streams.h"
 #include "studio/util/error.h"
 #include "studio/util/text.h"
@@ -69,9 +69,9 @@ void Report::warning(std::string_view text) {
     log("warning: " + line);
 }
 
-void Report::note(int level, std::string_view text) {
+void Report::note(int verbosity, std::string_view text) {
     const std::string line = oneLine(text);
-    if (!options_.quiet && options_.verbosity >= level) say("", "", line);
+    if (!options_.quiet && options_.verbosity >= verbosity) say("", "", line);
     log(line);
 }
 

@@ -11,8 +11,8 @@ struct ReportOptions {
     std::string logFile;
 };
 
-/// What the program says about its work, on stderr and in the log file. Neither
-/// can fail the work: a log file that takes no more is told of once. Main thread.
+/// Writes messages to stderr and to the log file. Failing to write them never fails the
+/// program's work: a log file that cannot be written is reported once. Main thread.
 class Report {
   public:
     /// Throws Error, Fault::Output when the log file cannot be opened.
@@ -21,11 +21,11 @@ class Report {
     Report(const Report&) = delete;
     Report& operator=(const Report&) = delete;
 
-    /// The one line that a failed run ends with; --quiet keeps it.
+    /// The line with which a failed run ends; also written with --quiet.
     void error(std::string_view text);
     void warning(std::string_view text);
-    /// For -v (level 1) and -v -v (level 2); the log file gets both.
-    void note(int level, std::string_view text);
+    /// Written to stderr with -v (verbosity 1) or -v -v (verbosity 2); always to the log file.
+    void note(int verbosity, std::string_view text);
 
     bool quiet() const { return options_.quiet; }
 

@@ -5,7 +5,7 @@
 
 namespace tavora::studio {
 
-/// Says what reading a scene left to say: its warnings, and its notes for -v.
+/// Reports a scene's warnings, and its notes for -v.
 void reportScene(const Scene& scene, Report& report);
 
 }  // namespace tavora::studio

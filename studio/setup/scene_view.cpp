@@ -12,56 +12,61 @@
 namespace tavora::studio {
 namespace {
 
-// Whether `text` is a whole number below `count`.
+// Whether `text` is a whole number below `count`, which is then stored in `index`.
 bool isIndex(const std::string& text, std::size_t count, std::size_t& index) {
     const char* end = text.data() + text.size();
     const auto [stop, error] = std::from_chars(text.data(), end, index);
     return error == std::errc() && stop == end && index < count;
 }
 
-bool isSun(const ResolvedLight& light) {
+bool isDirectional(const ResolvedLight& light) {
     return light.light->kind == LightKind::Directional;
 }
 
-[[noreturn]] void refuseSize(const char* option, const std::string& wanted, bool suns,
-                             const LightSet& rig) {
+/// Throws the Error for a size, of directional lights or of others, whose name `wanted` matches
+/// no such light.
+[[noreturn]] void refuseSize(const char* option, const std::string& wanted, bool directional,
+                             const LightSet& lights) {
     std::vector<std::string> fitting;
-    for (const ResolvedLight& light : rig.lights) {
-        if (isSun(light) == suns) {
+    for (const ResolvedLight& light : lights.lights) {
+        if (isDirectional(light) == directional) {
             fitting.push_back(light.light->name);
         } else if (matchesName(wanted, light.light->name)) {
-            throw Error(Fault::Usage,
-                        fmt::format("{}: the light \"{}\" is {}: give it {}", option,
-                                    light.light->name, suns ? "not directional" : "directional",
-                                    suns ? "--light-radius" : "--light-angle"));
+            throw Error(
+                Fault::Usage,
+                fmt::format("{}: the light \"{}\" is {}: give it {}", option, light.light->name,
+                            directional ? "not directional" : "directional",
+                            directional ? "--light-radius" : "--light-angle"));
         }
     }
     throw Error(Fault::Usage, fmt::format("{}: no {} light \"{}\"{}", option,
-                                          suns ? "directional" : "point or spot", wanted,
+                                          directional ? "directional" : "point or spot", wanted,
                                           nearestNames(wanted, fitting)));
 }
 
-/// A size without a name is for whatever lights there are.
-void checkSizes(const char* option, const std::vector<LightSize>& sizes, bool suns,
-                const LightSet& rig) {
+/// Throws Error for a size whose name matches no light of its kind. A size without a name ("*")
+/// is valid without such lights.
+void checkSizes(const char* option, const std::vector<LightSize>& sizes, bool directional,
+                const LightSet& lights) {
     for (const LightSize& size : sizes) {
-        const bool fits =
-            std::any_of(rig.lights.begin(), rig.lights.end(), [&](const ResolvedLight& light) {
-                return isSun(light) == suns && matchesName(size.lights, light.light->name);
-            });
-        if (!fits && size.lights != "*") refuseSize(option, size.lights, suns, rig);
+        const bool fits = std::any_of(lights.lights.begin(), lights.lights.end(),
+                                      [&](const ResolvedLight& light) {
+                                          return isDirectional(light) == directional &&
+                                                 matchesName(size.lights, light.light->name);
+                                      });
+        if (!fits && size.lights != "*") refuseSize(option, size.lights, directional, lights);
     }
 }
 
 void checkNames(const char* option, const std::vector<std::string>& wanted,
                 const std::vector<std::string>& names) {
-    for (const std::string& lights : wanted) {
+    for (const std::string& pattern : wanted) {
         const bool fits = std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-            return matchesName(lights, name);
+            return matchesName(pattern, name);
         });
         if (!fits) {
-            throw Error(Fault::Usage, fmt::format("{}: no light \"{}\"{}", option, lights,
-                                                  nearestNames(lights, names)));
+            throw Error(Fault::Usage, fmt::format("{}: no light \"{}\"{}", option, pattern,
+                                                  nearestNames(pattern, names)));
         }
     }
 }
@@ -70,11 +75,11 @@ void checkNames(const char* option, const std::vector<std::string>& wanted,
 
 LightSet lightsFor(const Scene& scene, const Camera& keyView, const LightingOptions& options,
                    const LightMeter& meter) {
-    LightSet rig = resolveLights(scene, keyView, options, meter);
-    checkSizes("--light-radius", options.radii, false, rig);
-    checkSizes("--light-angle", options.angles, true, rig);
+    LightSet lights = resolveLights(scene, keyView, options, meter);
+    checkSizes("--light-radius", options.radii, false, lights);
+    checkSizes("--light-angle", options.angles, true, lights);
     checkNames("--no-shadows", options.withoutShadows, lightNames(scene));
-    return rig;
+    return lights;
 }
 
 Camera chooseCamera(const Scene& scene, const std::string& choice, double aspect) {

@@ -8,18 +8,18 @@
 
 namespace tavora::studio {
 
-/// The module as far as settings need it.
+/// The properties of the module that settings need.
 struct ShaderClass {
     std::filesystem::path module;
     std::string server;  ///< its name in scene files
-    StateBlock builtIn;  ///< the module's own settings of a new shader
+    StateBlock builtIn;  ///< builtInSettings()
 };
 
-/// The settings that a new shader has where the user stored none as default:
-/// what looks are laid over, so that they give everybody the same picture.
+/// The settings that the module gives a new shader, without the defaults that the user stored.
+/// Looks are applied to these, so that they give the same picture for everybody.
 StateBlock builtInSettings(const ModuleCopy& module);
 
-/// Finds the module, `option` first, and asks it. Throws Error, Fault::Module.
+/// Finds the module (see findModule()) and reads its properties. Throws Error, Fault::Module.
 ShaderClass openShaderClass(const std::string& option);
 
 }  // namespace tavora::studio

@@ -18,9 +18,10 @@ namespace {
 using Json = nlohmann::ordered_json;
 
 constexpr const char* kDefaultLook = "two-tone";
-constexpr std::size_t kMostLightsNamed = 20;  // in warnings
+constexpr std::size_t kMaxLightsNamed = 20;  // in warnings
 
-/// JSON as it stands; else a list of such between commas, or a text.
+/// Parses a value as typed on the command line: JSON, or a list of JSON values or texts
+/// separated by commas, or a text.
 Json valueOf(const std::string& text) {
     Json value = Json::parse(text, nullptr, false);
     if (!value.is_discarded()) return value;
@@ -36,6 +37,7 @@ Json valueOf(const std::string& text) {
     return list;
 }
 
+/// Determines the shaders of all surfaces, by steps that are called in order.
 class Planner {
   public:
     Planner(const Scene& scene, const ShaderClass& shader, std::span<const std::string> lights,
@@ -46,32 +48,32 @@ class Planner {
           report_(report),
           planned_(scene.surfaces.size()) {}
 
-    void takeStored() {
+    void applyStored() {
         for (std::size_t i = 0; i < planned_.size(); ++i) {
             const Surface& surface = scene_.surfaces[i];
-            if (!surface.shader || !isOurs(surface)) continue;
+            if (!surface.shader || !hasThisModule(surface)) continue;
             planned_[i] = surface.shader;
             planned_[i]->block = completeBlock(surface);
         }
     }
 
-    /// An avatar's own shading, where the file keeps no shader on it.
-    void takeAvatars() {
-        std::map<std::string, std::vector<std::string>> inexact;  // surfaces by what is
+    /// Avatars without a stored shader get settings that imitate their own shading.
+    void applyAvatars() {
+        std::map<std::string, std::vector<std::string>> inaccuracies;  // and their surfaces
         for (std::size_t i = 0; i < planned_.size(); ++i) {
             const Surface& surface = scene_.surfaces[i];
             if (planned_[i] || !surface.toon) continue;
             const ToonZones zones = toonZones(scene_, surface);
             planned_[i] = builtInWith(zones.settings, surface.name);
             for (const std::string& what : zones.inexact)
-                inexact[what].push_back(surface.name);
+                inaccuracies[what].push_back(surface.name);
         }
-        for (const auto& [what, surfaces] : inexact)
+        for (const auto& [what, surfaces] : inaccuracies)
             report_.note(1, fmt::format("avatars are met nearly: {} ({})", what, someOf(surfaces)));
     }
 
-    /// A look for what has no shading yet.
-    void takeDefault(const std::string& name) {
+    /// Surfaces without a shader get this look.
+    void applyDefaultLook(const std::string& name) {
         if (name.empty()) return;
         const SurfaceShader applied = builtInWith(readLook(name));
         for (const std::size_t i : listedSurfaces(scene_)) {
@@ -79,7 +81,7 @@ class Planner {
         }
     }
 
-    void takeLooks(const std::vector<LookChoice>& choices) {
+    void applyLooks(const std::vector<LookChoice>& choices) {
         for (const LookChoice& choice : choices) {
             const SurfaceShader applied = builtInWith(readLook(choice.look));
             for (const std::size_t i : surfacesOf(scene_, choice))
@@ -87,16 +89,16 @@ class Planner {
         }
     }
 
-    void takeChanges(const std::vector<SettingChange>& changes) {
+    void applyChanges(const std::vector<SettingChange>& changes) {
         std::vector<Json> collected(planned_.size(), Json::object());
         for (const SettingChange& change : changes) {
-            bool taken = false;
+            bool applied = false;
             for (const std::size_t i : matchingSurfaces(scene_, change.surfaces, "--set")) {
                 if (!planned_[i]) continue;
                 collected[i][change.setting] = valueOf(change.value);
-                taken = true;
+                applied = true;
             }
-            if (!taken) {
+            if (!applied) {
                 throw Error(Fault::Usage,
                             fmt::format("--set: \"{}\" has no shader; give it one with --look",
                                         change.surfaces));
@@ -113,7 +115,7 @@ class Planner {
         }
     }
 
-    void takePlain(const std::vector<std::string>& patterns) {
+    void removeShaders(const std::vector<std::string>& patterns) {
         for (const std::string& pattern : patterns) {
             for (const std::size_t i : matchingSurfaces(scene_, pattern, "--no-shader"))
                 planned_[i].reset();
@@ -121,17 +123,17 @@ class Planner {
     }
 
     void reportUnknownLights() {
-        std::map<std::string, std::string> unknown;  // with a surface that names it
+        std::map<std::string, std::string> unknown;  // and a surface that names it
         for (std::size_t i = 0; i < planned_.size(); ++i) {
             if (!planned_[i]) continue;
             for (const std::string& name : unknownLights(planned_[i]->block, lights_))
                 unknown.try_emplace(name, scene_.surfaces[i].name);
         }
-        std::size_t told = 0;
+        std::size_t reported = 0;
         for (const auto& [light, surface] : unknown) {
-            if (told++ == kMostLightsNamed) {
+            if (reported++ == kMaxLightsNamed) {
                 return report_.warning(fmt::format("{} more lights are not in the scene",
-                                                   unknown.size() - kMostLightsNamed));
+                                                   unknown.size() - kMaxLightsNamed));
             }
             report_.warning(fmt::format("surface \"{}\": its light \"{}\" is not in the scene{}",
                                         surface, light, nearestNames(light, lights_)));
@@ -141,7 +143,7 @@ class Planner {
     SurfaceShaders take() { return std::move(planned_); }
 
   private:
-    bool isOurs(const Surface& surface) {
+    bool hasThisModule(const Surface& surface) {
         if (surface.shader->server == shader_.server) return true;
         report_.warning(
             fmt::format("surface \"{}\": no module has its shader \"{}\"; it stays plain",
@@ -203,12 +205,12 @@ SurfaceShaders planSurfaces(const Scene& scene, const ShadingRequest& request,
                             const ShaderClass& shader, std::span<const std::string> lightNames,
                             Report& report) {
     Planner planner(scene, shader, lightNames, report);
-    planner.takeStored();
-    planner.takeAvatars();
-    planner.takeDefault(request.defaultLook);
-    planner.takeLooks(request.looks);
-    planner.takeChanges(request.changes);
-    planner.takePlain(request.plain);
+    planner.applyStored();
+    planner.applyAvatars();
+    planner.applyDefaultLook(request.defaultLook);
+    planner.applyLooks(request.looks);
+    planner.applyChanges(request.changes);
+    planner.removeShaders(request.plain);
     planner.reportUnknownLights();
     return planner.take();
 }

@@ -12,27 +12,30 @@
 
 namespace tavora::studio {
 
-/// Whether the scene file keeps a shader on any surface.
+/// Whether the scene's file stores a shader for any surface.
 bool storesShaders(const Scene& scene);
 
-/// Whether a surface of it is shaded as an avatar's material says.
+/// Whether the scene has a surface with the material of an avatar.
 bool hasAvatars(const Scene& scene);
 
-/// A scene that says nothing of shading still makes a picture worth keeping: the
-/// request with a default look when it asks for none and none is stored, which is
-/// noted in the report; else the request as it is.
+/// Adds a default look to a request without looks if the scene stores no shaders, so that the
+/// picture does not look plain, and notes this in the report. Else returns the request as it
+/// is.
 ShadingRequest withDefaultLook(const Scene& scene, ShadingRequest request, Report& report);
 
-/// The surfaces that a look is meant for, by index. Throws Error, Fault::Usage.
+/// The surfaces to which a look applies, by index. Throws Error, Fault::Usage, for a name that
+/// matches none.
 std::vector<std::size_t> surfacesOf(const Scene& scene, const LookChoice& choice);
 
-/// Settles the shader of every surface: the last look that names it, laid over
-/// the shader's built-in settings, else what the scene stores, as a block of the version that is
-/// written, else the zones of an avatar's material, else the request's default look; over that
-/// the single changes; plain where asked. A look turns a shader on that the file keeps off. What
-/// the user stored as default plays no part, so that everybody gets the same picture. Damaged
-/// settings and lights that the scene has not are reported as warnings. Throws Error, Fault::Usage
-/// for names that match nothing, Fault::Scene for looks.
+/// Determines the shader of every surface. The settings are the first of these that the
+/// surface has: the last look in the request that matches it, applied to the built-in
+/// settings; what the scene stores, converted to the current version of blocks; the zones for
+/// an avatar's material; the request's default look. Then the request's single changes are
+/// applied, and the shaders of its plain surfaces removed. A look enables a shader that is
+/// stored as disabled. Defaults that the user stored are ignored, so that everybody gets the
+/// same picture. Damaged settings, and lights that the scene does not have, are reported as
+/// warnings. Throws Error: Fault::Usage for a name that matches nothing and for an invalid
+/// change, Fault::Scene for an invalid look.
 SurfaceShaders planSurfaces(const Scene& scene, const ShadingRequest& request,
                             const ShaderClass& shader, std::span<const std::string> lightNames,
                             Report& report);

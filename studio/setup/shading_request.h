@@ -18,13 +18,13 @@ struct SettingChange {
     std::string value;     ///< as typed
 };
 
-/// What goes on which surface.
+/// Which looks and settings the user wants on which surfaces.
 struct ShadingRequest {
     std::vector<LookChoice> looks;
-    std::string defaultLook = {};  ///< for surfaces that nothing is said of; empty: they stay plain
+    std::string defaultLook = {};  ///< for surfaces without any shading; empty: they stay plain
     std::vector<SettingChange> changes;
-    std::vector<std::string> plain;  ///< names or globs of surfaces without shader
-    std::string plugin;              ///< where to look for the module; empty: the usual places
+    std::vector<std::string> plain;  ///< names or globs of surfaces to render without a shader
+    std::string plugin;              ///< the module or its folder; empty: see findModule()
 };
 
 }  // namespace tavora::studio

@@ -10,7 +10,7 @@
 namespace tavora::studio {
 namespace {
 
-bool isWorn(const Scene& scene, std::size_t surface) {
+bool isUsed(const Scene& scene, std::size_t surface) {
     return std::any_of(scene.objects.begin(), scene.objects.end(), [&](const auto& object) {
         return std::any_of(object->parts.begin(), object->parts.end(), [&](const Part& part) {
             return static_cast<std::size_t>(part.surface) == surface;
@@ -23,7 +23,7 @@ bool isWorn(const Scene& scene, std::size_t surface) {
 std::vector<std::size_t> listedSurfaces(const Scene& scene) {
     std::vector<std::size_t> listed;
     for (std::size_t i = 0; i < scene.surfaces.size(); ++i) {
-        if (scene.surfaces[i].materialIndex >= 0 || isWorn(scene, i)) listed.push_back(i);
+        if (scene.surfaces[i].materialIndex >= 0 || isUsed(scene, i)) listed.push_back(i);
     }
     return listed;
 }
@@ -34,7 +34,7 @@ std::vector<std::size_t> matchingSurfaces(const Scene& scene, const std::string&
     std::vector<std::string> names;
     for (const std::size_t i : listedSurfaces(scene)) {
         const std::string& name = scene.surfaces[i].name;
-        // A name may hold brackets and stars of its own, but "*" means all.
+        // A surface's name may itself contain brackets and stars, but "*" always means all.
         if (name == pattern && pattern != "*") return {i};
         if (matchesName(pattern, name)) matches.push_back(i);
         names.push_back(name);

@@ -8,13 +8,13 @@
 
 namespace tavora::studio {
 
-/// The surfaces that count, by index: those of the file, and one for geometry
-/// without a material when there is such geometry.
+/// The surfaces that users see, by index: the file's materials, and the default material if
+/// there is geometry without a material.
 std::vector<std::size_t> listedSurfaces(const Scene& scene);
 
-/// The listed surfaces of that name, or else those that the glob ("Glass*") matches,
-/// by index; "*" is always all of them. Throws Error, Fault::Usage that opens with `option` and
-/// lists near names when there is none.
+/// The listed surface with the name `pattern`, or else those that it matches as a glob
+/// ("Glass*"), by index; "*" always matches all. When there is none, throws Error,
+/// Fault::Usage, whose message starts with `option` and lists similar names.
 std::vector<std::size_t> matchingSurfaces(const Scene& scene, const std::string& pattern,
                                           const std::string& option);
 

@@ -13,7 +13,7 @@ double toThe12Fifths(double x) {
     return x * x * deterministic::fifthRoot(x * x);
 }
 
-/// x^(1/2.4): its fourth root by its sixth.
+/// x^(1/2.4), as the product of the fourth and the sixth root.
 double toThe5Twelfths(double x) {
     return std::sqrt(std::sqrt(x)) * std::sqrt(deterministic::cubeRoot(x));
 }
@@ -23,7 +23,7 @@ double decode(double v) {
 }
 
 double encode(double v) {
-    if (v == 1) return 1;  // where 1.055 - 0.055 is a little less
+    if (v == 1) return 1;  // 1.055 - 0.055 would be a little less
     return v <= 0.0031308 ? v * 12.92 : 1.055 * toThe5Twelfths(v) - 0.055;
 }
 

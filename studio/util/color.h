@@ -2,9 +2,9 @@
 
 #include <span>
 
-/// Between display-referred (sRGB-encoded) and scene-linear values.
-/// Formula: IEC 61966-2-1, continued beyond 1 by the same power law; values
-/// below 0 are mirrored.
+/// Conversions between display-referred (sRGB-encoded) and scene-linear values. Formula:
+/// IEC 61966-2-1, extended above 1 by the same power law and below 0 by symmetry. The same
+/// results on every processor. Any thread.
 namespace tavora::studio {
 
 double toLinear(double encoded);

@@ -1,29 +1,28 @@
 #pragma once
 
-/// Elementary functions that give the same bits on every processor. Those of the C
-/// library differ in their last place between processors with and without fused
-/// multiply-add, and a picture is to be the same on all. Most are SLEEF's that never
-/// fuse (`cinz`, in plain C), up to 3.5 units in the last place from the true value. Any
-/// thread.
+/// Elementary functions with the same results, bit by bit, on every processor, so that pictures
+/// are the same too. Those of the C library differ in the last place between processors with
+/// and without fused multiply-add. Most of these are SLEEF's functions without fused
+/// multiply-add (`cinz`, in plain C), within 3.5 units in the last place. Any thread.
 namespace tavora::studio::deterministic {
 
-/// x^(1/3) and x^(1/5), within a unit in the last place; 0 unless x > 0, infinity for
+/// x^(1/3) and x^(1/5), within one unit in the last place; 0 for x <= 0 and NaN, infinity for
 /// infinity.
 double cubeRoot(double x);
 double fifthRoot(double x);
 
-/// x^n, off by up to a unit in the last place for each multiplication and those before it.
+/// x^n by repeated multiplication; the rounding errors of all multiplications accumulate.
 double power(double x, unsigned n);
 
 double log2(double x);
 double exp2(double x);
 
-/// Angles in radians; NaN for infinity.
+/// Of an angle in radians; NaN for infinity.
 double sin(double angle);
 double cos(double angle);
 double tan(double angle);
 
-/// In radians; beyond -1 and 1 as at them.
+/// The arc cosine of x, which is clamped to -1..1, in radians.
 double arcCosine(double x);
 
 }  // namespace tavora::studio::deterministic

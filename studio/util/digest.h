@@ -6,8 +6,7 @@
 
 namespace tavora::studio {
 
-/// Tells contents apart, however many there are: XXH3 with 128 bits. Nobody who means
-/// harm is kept out. One thread.
+/// A hash that identifies contents: XXH3 with 128 bits. Not a cryptographic hash. One thread.
 class Digest {
   public:
     /// Throws std::bad_alloc.
@@ -16,9 +15,9 @@ class Digest {
     Digest(const Digest&) = delete;
     Digest& operator=(const Digest&) = delete;
 
-    /// Counts bytes and where they end: "ab", "c" is not "a", "bc".
+    /// Adds bytes and their length, so that adding "ab" and "c" differs from "a" and "bc".
     void add(std::string_view bytes);
-    /// Of what was added so far: 32 hexadecimal digits.
+    /// The hash of everything that was added so far: 32 hexadecimal digits.
     std::string text() const;
 
   private:

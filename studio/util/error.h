@@ -7,21 +7,21 @@
 
 namespace tavora::studio {
 
-/// What could not be used or made. The value is the program's exit status for it.
+/// The kind of an Error. The value is the program's exit status.
 enum class Fault : int {
-    Usage = 2,   ///< the command line, or a name on it that the scene has not
+    Usage = 2,   ///< the command line, or a name on it that the scene does not have
     Scene = 3,   ///< a scene, look or settings file
-    Output = 4,  ///< a file could not be written whole
+    Output = 4,  ///< a file could not be written completely
     Module = 6,  ///< a plug-in module
 };
 
-/// Why something could not be done, in one line: what is wrong, where, what to do about it. After
-/// Fault::Output the file to be written is as it was before, there or not; or new, where the text
-/// says so and that only its folder could not be flushed.
+/// Thrown when something cannot be done. The text is one line that says what is wrong, where, and
+/// what to do about it. After Fault::Output the file to be written is as before, or does not exist
+/// if it did not before. There is one exception, which the text then says: the file is written,
+/// but its folder could not be flushed to disk.
 class Error : public std::runtime_error {
   public:
-    /// Line breaks and control characters in `text`, which a file may have put there, are
-    /// replaced.
+    /// Replaces line breaks and control characters in `text`, which may come from a file.
     Error(Fault fault, std::string_view text) : std::runtime_error(oneLine(text)), fault_(fault) {}
 
     Fault fault() const { return fault_; }

@@ -5,8 +5,8 @@
 
 namespace tavora::studio {
 
-/// Whether `pattern` is that name, which may hold brackets and stars of its own,
-/// or a glob ("Lamp*") that it matches.
+/// Whether `pattern` is exactly `name`, which may itself contain brackets and stars, or a glob
+/// ("Lamp*") that matches it.
 inline bool matchesName(const std::string& pattern, const std::string& name) {
     return name == pattern || ::fnmatch(pattern.c_str(), name.c_str(), 0) == 0;
 }

@@ -5,7 +5,7 @@
 
 namespace tavora::studio {
 
-/// FNV-1a, 64 bits: to tell contents and names apart where nobody means harm.
+/// FNV-1a with 64 bits, to identify contents and names. Not a cryptographic hash.
 constexpr std::uint64_t hashOf(std::string_view bytes) {
     std::uint64_t hash = 0xcbf29ce484222325;
     for (const char byte : bytes)

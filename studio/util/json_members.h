@@ -7,11 +7,10 @@
 
 #include <nlohmann/json.hpp>
 
-/// Members of JSON documents that may be absent or of another type than they
-/// should be: then something else stands in.
+/// Access to members of JSON documents that may be absent or of a wrong type.
 namespace tavora::studio {
 
-/// `object[key]`, or null.
+/// `object[key]`; a JSON null when `object` is not an object or lacks the member.
 inline const nlohmann::ordered_json& member(const nlohmann::ordered_json& object, const char* key) {
     static const nlohmann::ordered_json none;
     if (!object.is_object()) return none;

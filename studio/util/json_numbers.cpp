@@ -15,7 +15,7 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::uint32_t kPlainNan = 0x7fc00000;
+constexpr std::uint32_t kUsualNan = 0x7fc00000;
 constexpr double kRoundsToInfinity = 0x1.ffffffp127;  // half a step above the largest float
 
 std::string bitsOf(float value) {
@@ -24,10 +24,10 @@ std::string bitsOf(float value) {
 
 std::string nameOf(float value) {
     if (std::isinf(value)) return value > 0 ? "Infinity" : "-Infinity";
-    return std::bit_cast<std::uint32_t>(value) == kPlainNan ? "NaN" : bitsOf(value);
+    return std::bit_cast<std::uint32_t>(value) == kUsualNan ? "NaN" : bitsOf(value);
 }
 
-Json named(const std::string& name) {
+Json namedFloat(const std::string& name) {
     return Json::object({{"float", name}});
 }
 
@@ -38,7 +38,7 @@ std::string shortest(float value) {
 
 std::optional<float> floatOfName(const std::string& name) {
     constexpr float kInfinity = std::numeric_limits<float>::infinity();
-    if (name == "NaN") return std::bit_cast<float>(kPlainNan);
+    if (name == "NaN") return std::bit_cast<float>(kUsualNan);
     if (name == "Infinity") return kInfinity;
     if (name == "-Infinity") return -kInfinity;
     std::uint32_t bits = 0;
@@ -49,7 +49,8 @@ std::optional<float> floatOfName(const std::string& name) {
     return std::bit_cast<float>(bits);
 }
 
-// A reader rounds a decimal twice, to double and to float. None when that misses.
+// The double that a decimal is parsed to. Empty when rounding that to float does not give
+// `value`: a reader rounds twice.
 std::optional<double> doubleOf(const std::string& decimal, float value) {
     double number = 0;
     std::from_chars(decimal.data(), decimal.data() + decimal.size(), number);
@@ -60,12 +61,12 @@ std::optional<double> doubleOf(const std::string& decimal, float value) {
 }  // namespace
 
 Json jsonOfFloat(float value) {
-    if (!std::isfinite(value)) return named(nameOf(value));
+    if (!std::isfinite(value)) return namedFloat(nameOf(value));
     return doubleOf(shortest(value), value).value_or(static_cast<double>(value));
 }
 
 std::string jsonTextOfFloat(float value) {
-    if (value == 0 && std::signbit(value)) return named(bitsOf(value)).dump();
+    if (value == 0 && std::signbit(value)) return namedFloat(bitsOf(value)).dump();
     const std::string text = shortest(value);
     if (!std::isfinite(value) || !doubleOf(text, value)) return jsonOfFloat(value).dump();
     return text.find_first_of(".e") == std::string::npos ? text + ".0" : text;
@@ -86,7 +87,7 @@ std::optional<std::int32_t> integerOfJson(const Json& value) {
     if (!value.is_number()) return {};
     double number = value.get<double>();
     if (!(number >= INT32_MIN && number <= INT32_MAX)) return {};
-    // What is whole once it is kept in single precision is whole: it would be written so.
+    // A number that single precision makes whole is whole, since it would be written so.
     if (number != std::trunc(number)) number = static_cast<double>(static_cast<float>(number));
     if (number != std::trunc(number) || number > INT32_MAX) return {};
     return static_cast<std::int32_t>(number);

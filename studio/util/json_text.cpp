@@ -12,65 +12,67 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr std::size_t kDeepest = 128;
+constexpr std::size_t kMaxDepth = 128;
 constexpr std::string_view kSpaces = " \t\r\n";
 
-// Walks text that is known to be valid, so nothing is checked on the way.
-class Walk {
+// Scans the members or elements in JSON text that is known to be valid, without checks.
+class Scanner {
   public:
-    explicit Walk(std::string_view text) : text_(text) {
+    explicit Scanner(std::string_view text) : text_(text) {
         skipSpaces();
-        ++at_;  // the opening bracket
+        ++offset_;  // the opening bracket
         skipSpaces();
     }
 
-    bool atEnd() const { return text_[at_] == '}' || text_[at_] == ']'; }
+    bool atEnd() const { return text_[offset_] == '}' || text_[offset_] == ']'; }
 
     std::string_view value() {
-        const std::size_t start = at_;
+        const std::size_t start = offset_;
         skipValue();
-        return text_.substr(start, at_ - start);
+        return text_.substr(start, offset_ - start);
     }
 
     void skip(char separator) {
         skipSpaces();
-        if (text_[at_] == separator) ++at_;
+        if (text_[offset_] == separator) ++offset_;
         skipSpaces();
     }
 
   private:
-    void skipSpaces() { at_ = std::min(text_.find_first_not_of(kSpaces, at_), text_.size()); }
-
-    void skipString() {
-        for (++at_; text_[at_] != '"'; ++at_) {
-            if (text_[at_] == '\\') ++at_;
-        }
-        ++at_;
+    void skipSpaces() {
+        offset_ = std::min(text_.find_first_not_of(kSpaces, offset_), text_.size());
     }
 
-    // Containers by counting, not by recursion: they may be nested deep.
+    void skipString() {
+        for (++offset_; text_[offset_] != '"'; ++offset_) {
+            if (text_[offset_] == '\\') ++offset_;
+        }
+        ++offset_;
+    }
+
+    // Counts brackets in place of recursion, since containers may be nested deeply.
     void skipValue() {
         std::size_t depth = 0;
         do {
-            const char c = text_[at_];
+            const char c = text_[offset_];
             if (c == '"') {
                 skipString();
             } else if (c == '{' || c == '[') {
                 ++depth;
-                ++at_;
+                ++offset_;
             } else if (c == '}' || c == ']') {
                 --depth;
-                ++at_;
+                ++offset_;
             } else if (depth > 0) {
-                ++at_;
+                ++offset_;
             } else {
-                at_ = std::min(text_.find_first_of(" \t\r\n,}]", at_), text_.size());
+                offset_ = std::min(text_.find_first_of(" \t\r\n,}]", offset_), text_.size());
             }
         } while (depth > 0);
     }
 
     std::string_view text_;
-    std::size_t at_ = 0;
+    std::size_t offset_ = 0;
 };
 
 std::string keyOf(std::string_view quoted) {
@@ -80,15 +82,15 @@ std::string keyOf(std::string_view quoted) {
     return nlohmann::json::parse(quoted).get<std::string>();
 }
 
-// The parser's own text without its prefix and without the bytes it choked on.
+// The parser's message without its prefix and without the bytes that it quotes.
 std::string reasonIn(std::string text) {
     text.resize(std::min(text.find("; last read"), text.size()));
     const std::size_t start = text.rfind(" - ");
     return start == std::string::npos ? "it breaks off" : text.substr(start + 3);
 }
 
-/// Makes the tree of a document from what the parser meets. The parser's own way
-/// looks at all earlier members for each new one and copies the tree as it grows.
+/// Builds the tree of a document from the parser's events. The parser's own builder searches all
+/// earlier members of an object for each new one, and copies the tree as it grows.
 class TreeBuilder {
   public:
     bool null() { return add(nullptr); }
@@ -108,11 +110,11 @@ class TreeBuilder {
 
     bool end_object() {
         const auto first = firstInside();
-        std::vector<bool> kept = lastOfEachKey();
+        std::vector<bool> isLast = lastOfEachKey();
         auto& members = (first - 1)->value.get_ref<Json::object_t&>();
         members.reserve(static_cast<std::size_t>(entries_.end() - first));
         for (auto entry = first; entry != entries_.end(); ++entry) {
-            if (!kept.empty() && !kept[static_cast<std::size_t>(entry - first)]) continue;
+            if (!isLast.empty() && !isLast[static_cast<std::size_t>(entry - first)]) continue;
             members.emplace_back(std::move(entry->key), std::move(entry->value));
         }
         return close(first);
@@ -127,21 +129,22 @@ class TreeBuilder {
         return close(first);
     }
 
-    bool parse_error(std::size_t at, const std::string&, const nlohmann::detail::exception& error) {
+    bool parse_error(std::size_t position, const std::string&,
+                     const nlohmann::detail::exception& error) {
         constexpr int kNumberOutOfRange = 406;
         if (error.id != kNumberOutOfRange) reason_ = reasonIn(error.what());
-        faultAt_ = at > 0 ? at - 1 : 0;
+        errorOffset_ = position > 0 ? position - 1 : 0;
         return false;
     }
 
     Json& tree() { return entries_.front().value; }
-    bool isTooDeep() const { return open_.size() > kDeepest; }
+    bool isTooDeep() const { return open_.size() > kMaxDepth; }
     const std::string& reason() const { return reason_; }
-    std::size_t faultAt() const { return faultAt_; }
+    std::size_t errorOffset() const { return errorOffset_; }
 
   private:
-    /// A value whose list or object is still open; of these in turn come first
-    /// they, empty as yet, then what is in them.
+    /// A value in a container that is still open. The entries are a stack: each open container,
+    /// still empty, is followed by the values in it.
     struct Entry {
         std::string key;
         Json value;
@@ -167,8 +170,7 @@ class TreeBuilder {
         return true;
     }
 
-    /// Which members of the innermost object count: where keys are repeated, the
-    /// last of each. Empty when all do.
+    /// Which members of the innermost object are the last of their key. Empty when all are.
     std::vector<bool> lastOfEachKey() {
         const auto first = firstInside();
         std::vector<std::pair<std::string_view, std::size_t>> keys;
@@ -186,10 +188,10 @@ class TreeBuilder {
     }
 
     std::vector<Entry> entries_;
-    std::vector<std::size_t> open_;  // where in the entries the open ones are
+    std::vector<std::size_t> open_;  // the indices of the open containers' entries
     std::string key_;
     std::string reason_;
-    std::size_t faultAt_ = 0;
+    std::size_t errorOffset_ = 0;
 };
 
 }  // namespace
@@ -200,7 +202,7 @@ Json parseJson(std::string_view text, const std::string& where) {
     if (builder.isTooDeep()) {
         throw Error(Fault::Scene,
                     fmt::format("{}: its JSON is nested deeper than {}; correct the file", where,
-                                kDeepest));
+                                kMaxDepth));
     }
     if (builder.reason().empty()) {
         throw Error(Fault::Scene,
@@ -208,10 +210,10 @@ Json parseJson(std::string_view text, const std::string& where) {
     }
     throw Error(Fault::Scene,
                 fmt::format("{}: not valid JSON ({}); correct the file there",
-                            placeInText(text, builder.faultAt(), where), builder.reason()));
+                            positionInText(text, builder.errorOffset(), where), builder.reason()));
 }
 
-std::string placeInText(std::string_view text, std::size_t offset, const std::string& where) {
+std::string positionInText(std::string_view text, std::size_t offset, const std::string& where) {
     const std::string_view before = text.substr(0, offset);
     const auto line = 1 + std::count(before.begin(), before.end(), '\n');
     const std::size_t lineEnd = before.rfind('\n');
@@ -221,22 +223,22 @@ std::string placeInText(std::string_view text, std::size_t offset, const std::st
 
 std::vector<JsonMember> jsonMembers(std::string_view object) {
     std::vector<JsonMember> members;
-    Walk walk(object);
-    while (!walk.atEnd()) {
-        const std::string_view key = walk.value();
-        walk.skip(':');
-        members.push_back({keyOf(key), key, walk.value()});
-        walk.skip(',');
+    Scanner scanner(object);
+    while (!scanner.atEnd()) {
+        const std::string_view key = scanner.value();
+        scanner.skip(':');
+        members.push_back({keyOf(key), key, scanner.value()});
+        scanner.skip(',');
     }
     return members;
 }
 
 std::vector<std::string_view> jsonElements(std::string_view array) {
     std::vector<std::string_view> elements;
-    Walk walk(array);
-    while (!walk.atEnd()) {
-        elements.push_back(walk.value());
-        walk.skip(',');
+    Scanner scanner(array);
+    while (!scanner.atEnd()) {
+        elements.push_back(scanner.value());
+        scanner.skip(',');
     }
     return elements;
 }

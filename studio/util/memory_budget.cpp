@@ -14,7 +14,7 @@ namespace {
 
 constexpr std::uint64_t kUnlimited = std::numeric_limits<std::uint64_t>::max();
 
-/// What a file of the kernel limits the control group to; "max" is no number.
+/// The limit of the control group in a file of the kernel, which is a number or "max".
 std::uint64_t groupLimit(const char* file) {
     std::uint64_t bytes = 0;
     return std::ifstream(file) >> bytes ? bytes : kUnlimited;
@@ -32,18 +32,18 @@ std::string sizeText(std::uint64_t bytes) {
 std::uint64_t machineMemory() {
     const auto pages = static_cast<std::uint64_t>(::sysconf(_SC_PHYS_PAGES));
     const auto page = static_cast<std::uint64_t>(::sysconf(_SC_PAGE_SIZE));
-    // Version 2 of control groups, and version 1, as a container sees its own.
+    // The limits of control groups, versions 2 and 1, in the paths that a container has.
     return std::min({pages * page, groupLimit("/sys/fs/cgroup/memory.max"),
                      groupLimit("/sys/fs/cgroup/memory/memory.limit_in_bytes")});
 }
 
-MemoryBudget::MemoryBudget(std::string owner, std::uint64_t most)
-    : owner_(std::move(owner)), most_(most > 0 ? most : machineMemory() / 2) {}
+MemoryBudget::MemoryBudget(std::string owner, std::uint64_t limit)
+    : owner_(std::move(owner)), limit_(limit > 0 ? limit : machineMemory() / 2) {}
 
 bool MemoryBudget::tryTake(std::uint64_t bytes) noexcept {
     std::uint64_t taken = taken_;
     do {
-        if (bytes > most_ - taken) return false;
+        if (bytes > limit_ - taken) return false;
     } while (!taken_.compare_exchange_weak(taken, taken + bytes));
     return true;
 }
@@ -60,7 +60,7 @@ void MemoryBudget::refuse(std::string_view what) const {
     throw Error(Fault::Scene,
                 fmt::format("{}: with {} takes more than the {} of memory that a scene may: make "
                             "it smaller, or allow more with --max-memory",
-                            owner_, what, sizeText(most_)));
+                            owner_, what, sizeText(limit_)));
 }
 
 MemoryShare::MemoryShare(MemoryShare&& other) noexcept

@@ -8,36 +8,38 @@
 
 namespace tavora::studio {
 
-/// How much memory one scene may take, counted before it is taken, so that a small
-/// file which stands for a huge scene is refused instead of bringing the machine to
-/// its knees. Bytes. Any thread.
+/// Limits the memory of one scene, in bytes. Memory is counted before it is allocated, so that a
+/// small file that describes a huge scene is refused before it exhausts the machine's memory.
+/// Any thread.
 class MemoryBudget {
   public:
-    /// `owner` is what messages open with; `most` of 0 is half of the machine's memory.
-    explicit MemoryBudget(std::string owner, std::uint64_t most = 0);
+    /// Messages start with `owner`. A `limit` of 0 means half of the machine's memory.
+    explicit MemoryBudget(std::string owner, std::uint64_t limit = 0);
     MemoryBudget(const MemoryBudget&) = delete;
     MemoryBudget& operator=(const MemoryBudget&) = delete;
 
-    /// False, and nothing is counted, where so much is not left.
+    /// Counts bytes as taken; returns false, and counts nothing, when the limit is exceeded.
     bool tryTake(std::uint64_t bytes) noexcept;
-    /// Throws Fault::Scene that names `what`, which needs the bytes ("the texture \"a\"").
+    /// The same, but throws Error, Fault::Scene, that names `what` needs the bytes
+    /// ("the texture \"a\"").
     void take(std::uint64_t bytes, std::string_view what);
     void giveBack(std::uint64_t bytes) noexcept;
     std::uint64_t taken() const { return taken_; }
 
-    /// What take() throws.
+    /// Throws the Error of take().
     [[noreturn]] void refuse(std::string_view what) const;
 
   private:
     const std::string owner_;
-    const std::uint64_t most_;
+    const std::uint64_t limit_;
     std::atomic<std::uint64_t> taken_{0};
 };
 
-/// What one part of a program holds of a budget, given back when it ends. One thread.
+/// Memory that one object has taken from a budget, and that is given back when this object ends.
+/// One thread.
 class MemoryShare {
   public:
-    /// Of no budget: whatever is taken, nothing is counted.
+    /// Without a budget nothing is counted.
     MemoryShare() = default;
     explicit MemoryShare(std::shared_ptr<MemoryBudget> budget) : budget_(std::move(budget)) {}
     MemoryShare(MemoryShare&& other) noexcept;
@@ -46,7 +48,7 @@ class MemoryShare {
 
     MemoryBudget* budget() const { return budget_.get(); }  ///< null: none
 
-    /// As MemoryBudget's.
+    /// Like MemoryBudget::take().
     void take(std::uint64_t bytes, std::string_view what);
 
   private:
@@ -54,8 +56,8 @@ class MemoryShare {
     std::uint64_t bytes_ = 0;
 };
 
-/// Bytes that this process may have: the machine's memory, or less where its control
-/// group has less.
+/// The bytes of memory that this process may use: the machine's memory, or the limit of its
+/// control group if that is less.
 std::uint64_t machineMemory();
 
 }  // namespace tavora::studio

@@ -18,7 +18,8 @@ std::string lowered(std::string_view text) {
     return lower;
 }
 
-// How many letters must be changed, added, dropped or swapped with the next.
+// The number of letters to change, add, remove or swap with the next (the optimal string
+// alignment distance).
 std::size_t editDistance(std::string_view a, std::string_view b) {
     std::vector<std::size_t> before;
     std::vector<std::size_t> above(b.size() + 1);
@@ -37,11 +38,12 @@ std::size_t editDistance(std::string_view a, std::string_view b) {
     return above[b.size()];
 }
 
-// Smaller is nearer; a name that holds all of the other is nearer than any slip.
-std::size_t distance(const std::string& name, const std::string& known) {
-    if (name == known) return 0;
-    if (name.size() >= 3 && known.find(name) != std::string::npos) return 1;
-    return 1 + editDistance(name, known);
+// The distance of a candidate from a name; one that contains the whole name is nearer than one
+// with a different letter.
+std::size_t distance(const std::string& name, const std::string& candidate) {
+    if (name == candidate) return 0;
+    if (name.size() >= 3 && candidate.find(name) != std::string::npos) return 1;
+    return 1 + editDistance(name, candidate);
 }
 
 std::string joined(const std::vector<std::string>& names, const char* last) {
@@ -55,14 +57,14 @@ std::string joined(const std::vector<std::string>& names, const char* last) {
 
 }  // namespace
 
-std::string nearestNames(std::string_view name, std::span<const std::string> known) {
-    constexpr std::size_t kMostCompared = 256;
-    const std::string wanted = lowered(name.substr(0, kMostCompared));
+std::string nearestNames(std::string_view name, std::span<const std::string> candidates) {
+    constexpr std::size_t kMaxCompared = 256;
+    const std::string wanted = lowered(name.substr(0, kMaxCompared));
     std::vector<std::pair<std::size_t, std::string>> near;
-    for (const std::string& candidate : known) {
-        const std::string lower = lowered(candidate.substr(0, kMostCompared));
+    for (const std::string& candidate : candidates) {
+        const std::string lower = lowered(candidate.substr(0, kMaxCompared));
         const std::size_t away = distance(wanted, lower);
-        // One slip, and one more for every four letters beyond the first four.
+        // One error, and one more for every four letters beyond the first four.
         const std::size_t tolerated = 1 + std::max<std::size_t>(1, wanted.size() / 4);
         if (away <= tolerated) near.emplace_back(away, candidate);
     }
@@ -74,8 +76,8 @@ std::string nearestNames(std::string_view name, std::span<const std::string> kno
     }
     if (!names.empty()) return fmt::format("; did you mean {}?", joined(names, " or "));
     constexpr std::size_t kFew = 12;
-    if (known.empty() || known.size() > kFew) return {};
-    for (const std::string& one : known)
+    if (candidates.empty() || candidates.size() > kFew) return {};
+    for (const std::string& one : candidates)
         names.push_back(shortened(one));
     return fmt::format("; there {}: {}", names.size() == 1 ? "is only" : "are",
                        joined(names, ", "));

@@ -6,11 +6,11 @@
 namespace tavora::studio {
 
 std::string someOf(const std::vector<std::string>& names) {
-    constexpr std::size_t kMost = 4;
+    constexpr std::size_t kMaxNames = 4;
     std::string text;
-    for (std::size_t i = 0; i < std::min(names.size(), kMost); ++i)
+    for (std::size_t i = 0; i < std::min(names.size(), kMaxNames); ++i)
         text += (i == 0 ? "" : ", ") + names[i];
-    if (names.size() > kMost) text += fmt::format(" and {} more", names.size() - kMost);
+    if (names.size() > kMaxNames) text += fmt::format(" and {} more", names.size() - kMaxNames);
     return text;
 }
 

@@ -15,21 +15,21 @@ std::string oneLine(std::string_view text) {
     return line;
 }
 
-std::string_view cutText(std::string_view text, std::size_t most) {
-    if (text.size() <= most) return text;
+std::string_view cutText(std::string_view text, std::size_t maxBytes) {
+    if (text.size() <= maxBytes) return text;
     const auto continues = [&](std::size_t i) {
         return (static_cast<unsigned char>(text[i]) & 0xC0U) == 0x80U;
     };
-    // A character has at most three bytes after its first; more are not UTF-8.
-    for (std::size_t back = 0; back < 4 && back <= most; ++back)
-        if (!continues(most - back)) return text.substr(0, most - back);
-    return text.substr(0, most);
+    // A character has at most three continuation bytes in UTF-8.
+    for (std::size_t back = 0; back < 4 && back <= maxBytes; ++back)
+        if (!continues(maxBytes - back)) return text.substr(0, maxBytes - back);
+    return text.substr(0, maxBytes);
 }
 
 std::string shortened(std::string_view text) {
-    constexpr std::size_t kMostQuoted = 60;
-    if (text.size() <= kMostQuoted) return std::string(text);
-    return std::string(cutText(text, kMostQuoted)) + "..";
+    constexpr std::size_t kMaxQuoted = 60;
+    if (text.size() <= kMaxQuoted) return std::string(text);
+    return std::string(cutText(text, kMaxQuoted)) + "..";
 }
 
 }  // namespace tavora::studio

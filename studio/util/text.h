@@ -6,16 +6,15 @@
 
 namespace tavora::studio {
 
-/// `text` with a space for every line break and tab, and a question mark for
-/// every other control character: what a file says must neither break a line of
-/// a report nor reach the terminal as a command.
+/// `text` with every line break and tab replaced by a space, and every other control character by
+/// a question mark, so that text from a file can neither break a line of a message nor control the
+/// terminal.
 std::string oneLine(std::string_view text);
 
-/// The first `most` bytes of `text` at the most, never part of a UTF-8 character.
-std::string_view cutText(std::string_view text, std::size_t most);
+/// At most the first `maxBytes` bytes of `text`, without cutting a UTF-8 character.
+std::string_view cutText(std::string_view text, std::size_t maxBytes);
 
-/// What a file says, as a message quotes it: whole where it is short, else its
-/// beginning and "..", so that no file makes a message long.
+/// Text from a file as messages quote it: all of it when it is short, else its beginning and "..".
 std::string shortened(std::string_view text);
 
 }  // namespace tavora::studio

@@ -4,12 +4,12 @@
 
 namespace tavora::studio {
 std::string UniqueNames::unique(const std::string& wanted) {
-    std::string name(cutText(wanted, mostBytes_));
+    std::string name(cutText(wanted, maxBytes_));
     for (int number = 2; !given_.insert(name).second; ++number) {
         const std::string suffix = " " + std::to_string(number);
-        const std::size_t most =
-            mostBytes_ == std::string::npos ? mostBytes_ : mostBytes_ - suffix.size();
-        name = std::string(cutText(wanted, most)) + suffix;
+        const std::size_t maxLength =
+            maxBytes_ == std::string::npos ? maxBytes_ : maxBytes_ - suffix.size();
+        name = std::string(cutText(wanted, maxLength)) + suffix;
     }
     return name;
 }

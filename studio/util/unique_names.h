@@ -6,16 +6,17 @@
 
 namespace tavora::studio {
 
-/// Gives out names that are unique: a name that was given before gets a number.
+/// Makes names unique: a name that was used before gets a number.
 class UniqueNames {
   public:
-    /// `mostBytes`: names are cut to this length, never inside a UTF-8 character.
-    explicit UniqueNames(std::size_t mostBytes = std::string::npos) : mostBytes_(mostBytes) {}
+    /// Names are cut to `maxBytes`, without cutting a UTF-8 character.
+    explicit UniqueNames(std::size_t maxBytes = std::string::npos) : maxBytes_(maxBytes) {}
 
+    /// `wanted`, or a variant of it that was not returned before.
     std::string unique(const std::string& wanted);
 
   private:
-    std::size_t mostBytes_;
+    std::size_t maxBytes_;
     std::set<std::string> given_;
 };
 

@@ -8,7 +8,7 @@
 namespace tavora::studio {
 namespace {
 
-// The library knows no way to fail but to abort; its last word is ours to change.
+// The library aborts when it finds no display; its last message is replaced by this report's.
 Report* fatalReport = nullptr;
 
 void receiveLibraryMessage(QtMsgType type, const QMessageLogContext& /*where*/,

@@ -27,16 +27,16 @@ ColorMenu::ColorMenu(QWidget* parent) : QMenu(tr("C&olours"), parent) {
     add(tr("As the &Desktop"), {});
     add(tr("&Light"), "light");
     add(tr("&Dark"), "dark");
-    const QString kept = memory_.colors();
+    const QString stored = memory_.colors();
     for (QAction* action : actions()) {
         group->addAction(action);
-        action->setChecked(action->data() == kept);
+        action->setChecked(action->data() == stored);
     }
     connect(group, &QActionGroup::triggered, this, [this](const QAction* action) {
         apply(action->data().toString());
-        memory_.keepColors(action->data().toString());
+        memory_.storeColors(action->data().toString());
     });
-    apply(kept);
+    apply(stored);
 }
 
 void ColorMenu::add(const QString& text, const QString& colors) {

@@ -6,8 +6,8 @@
 
 namespace tavora::studio {
 
-/// Chooses the colours of the program's windows: the desktop's, light or dark.
-/// Applies what was last chosen when made, and keeps what is chosen. GUI thread.
+/// Chooses the colours of the program's windows: the desktop's, light or dark. The constructor
+/// applies the last choice; a new choice is stored. GUI thread.
 class ColorMenu : public QMenu {
     Q_OBJECT
   public:

@@ -22,10 +22,11 @@ QMessageBox::Icon iconOf(MessageKind kind) {
     return QMessageBox::NoIcon;
 }
 
-/// Does not wait for the user: a module that speaks goes on working.
+/// Does not wait for the user, so that the module that sent the message continues. A text that is
+/// already shown is not shown again.
 void showMessage(QWidget& window, MessageKind kind, const QString& text) {
-    for (const auto* standing : window.findChildren<QMessageBox*>()) {
-        if (standing->text() == text) return;
+    for (const auto* shown : window.findChildren<QMessageBox*>()) {
+        if (shown->text() == text) return;
     }
     auto* box =
         new QMessageBox(iconOf(kind), QObject::tr("Tavora"), text, QMessageBox::Ok, &window);
@@ -55,12 +56,12 @@ void showError(QWidget* window, const QString& text) {
 }
 
 MessageDialogs::MessageDialogs(QWidget& window) {
-    setMessageSink([kept = QPointer(&window)](MessageKind kind, const std::string& line) {
+    setMessageSink([parent = QPointer(&window)](MessageKind kind, const std::string& line) {
         const QString text = QString::fromStdString(line);
         QMetaObject::invokeMethod(
-            kept,
-            [kept, kind, text] {
-                if (kept != nullptr) showMessage(*kept, kind, text);
+            parent,
+            [parent, kind, text] {
+                if (parent != nullptr) showMessage(*parent, kind, text);
             },
             Qt::QueuedConnection);
     });

@@ -7,16 +7,15 @@ class QWidget;
 
 namespace tavora::studio {
 
-/// Runs `work` and shows what it throws in a dialog; false when it threw.
-/// Whatever a slot or an event handler may throw must stop here. GUI thread.
+/// Runs `work`, and shows an exception in a dialog; false when it threw. Slots and event handlers
+/// must not let exceptions through. GUI thread.
 bool guarded(QWidget* window, const std::function<void()>& work);
 
-/// An error dialog: the first sentence says what, `details` why.
+/// Shows an error dialog and waits until it is closed.
 void showError(QWidget* window, const QString& text);
 
-/// While it lives, messages of modules are dialogs over `window`, those of
-/// other threads once the event loop gets there. A text already shown is not
-/// shown again while a dialog stands.
+/// As long as an object of this class exists, messages of modules are shown as dialogs over
+/// `window`, from its event loop. A text is not shown again while a dialog shows it.
 class MessageDialogs {
   public:
     explicit MessageDialogs(QWidget& window);

@@ -19,7 +19,7 @@ QAction* make(QMainWindow& window, const char* name, const QString& text, const 
     const QString shown = keys.toString(QKeySequence::NativeText);
     action->setToolTip(shown.isEmpty() ? tip : QString("%1 (%2)").arg(tip, shown));
     action->setStatusTip(tip);
-    action->setIconText(QString(text).remove('&'));  // stays when menus say more
+    action->setIconText(QString(text).remove('&'));  // does not change with the text
     window.addAction(action);
     return action;
 }
@@ -55,7 +55,7 @@ EditActions::EditActions(QMainWindow& window) {
                     tr("Turn to the whole scene"));
     compare = make(window, "compare", tr("Compare with &Saved"), QKeySequence("C"),
                    tr("Hold to see the picture as it was saved"));
-    // Pressed and released, which an action's own key cannot tell.
+    // WindowKeys handles this key: an action cannot tell press and release.
     compare->setShortcutContext(Qt::WidgetShortcut);
 
     play = make(window, "playPause", tr("&Play"), QKeySequence("P"),

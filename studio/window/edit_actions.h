@@ -9,10 +9,10 @@ namespace tavora::studio {
 
 class LookMenu;
 
-/// What can be done in the edit window, with its keys, menus and tool bar. The
-/// actions belong to the window; who connects them does them. GUI thread.
+/// The actions of the edit window, with their keys, menus and tool bar. The window owns them; their
+/// signals are connected elsewhere. GUI thread.
 struct EditActions {
-    /// Makes them and the menus of `window`.
+    /// Adds the actions, menus and tool bar to `window`.
     explicit EditActions(QMainWindow& window);
 
     QAction* open;
@@ -34,9 +34,9 @@ struct EditActions {
 
     QAction* resetView;
     QAction* frameAll;
-    QAction* compare;  ///< held, not toggled
+    QAction* compare;  ///< active while it is held
 
-    QAction* play;  ///< checked while it plays
+    QAction* play;  ///< checked while animations play
     QAction* frameBack;
     QAction* frameOn;
 
@@ -44,7 +44,7 @@ struct EditActions {
     QAction* documentation;
     QAction* about;
 
-    /// Those that need a scene.
+    /// Enables the actions that need a scene.
     void setSceneOpen(bool open);
 };
 

@@ -12,16 +12,16 @@
 namespace tavora::studio {
 namespace {
 
-/// Leaves 960 x 540 for the picture.
+/// The initial size, with 960 x 540 pixels for the picture.
 constexpr QSize kWindowSize(1240, 640);
-/// What the shader's panel takes beside the window.
+/// The space of the shader's panel beside the window.
 constexpr QSize kPanelSize(556, 430);
-/// What a desktop adds to a window: the title bar and the edges.
+/// The size that the desktop adds to a window: the title bar and the borders.
 constexpr QSize kFrameSize(8, 40);
 
-/// The usual size where the screen has room for it, and there the panel beside
-/// the window where it has room for both.
-void placeFirst(QWidget& window) {
+/// Gives the window its initial size, limited to the screen, and a position with space for the
+/// panel beside it if the screen is large enough.
+void placeInitially(QWidget& window) {
     const QRect screen = window.screen()->availableGeometry();
     const QSize size = kWindowSize.boundedTo(screen.size() - kFrameSize);
     window.resize(size);
@@ -30,18 +30,18 @@ void placeFirst(QWidget& window) {
     window.move(screen.topLeft() + QPoint((free.width() - panel) / 2, free.height() / 2));
 }
 
-/// Says what became of the work. Now: a panel that closes with the program
-/// takes its changes back.
-std::string keepWork(EditWindow& window) {
+/// Writes the unsaved work and returns a message about it. To be called before the program ends,
+/// since a panel that closes then cancels its changes.
+std::string saveUnsavedWork(EditWindow& window) {
     try {
-        window.keepSafe();
+        window.writeRecoveryNow();
         return "unsaved changes are kept and offered at the next start";
     } catch (const std::exception& error) {
         return std::string("unsaved changes are lost: ") + error.what();
     }
 }
 
-/// How often, in milliseconds, to look whether a signal asks to stop.
+/// How often to check whether a signal requested to stop, in milliseconds.
 constexpr int kSignalInterval = 100;
 
 }  // namespace
@@ -50,20 +50,20 @@ void edit(const EditRequest& request, Report& report) {
     const auto application = startApplication(Display::Screen, 1, report);
     EditWindow window(request, report);
     if (!request.scene.empty()) window.openFirst(request.scene);
-    if (!WindowMemory().restore(window)) placeFirst(window);
+    if (!WindowMemory().restore(window)) placeInitially(window);
     window.show();
 
-    const PoliteStop stop;
+    const GracefulStop stop;
     std::string work;
     QTimer watch;
     QObject::connect(&watch, &QTimer::timeout, [&] {
-        if (!stop.asked() || !work.empty()) return;
-        work = keepWork(window);
+        if (!stop.isRequested() || !work.empty()) return;
+        work = saveUnsavedWork(window);
         QApplication::exit();
     });
     watch.start(kSignalInterval);
     QApplication::exec();
-    if (stop.asked()) throw Stopped(work);
+    if (stop.isRequested()) throw Stopped(work);
 }
 
 }  // namespace tavora::studio

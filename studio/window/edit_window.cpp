@@ -11,7 +11,7 @@
 #include <QVBoxLayout>
 #include <utility>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/scene/settings/look_writing.h"
 #include "studio/window/help.h"
 #include "studio/window/look_menu.h"
@@ -20,9 +20,9 @@
 namespace tavora::studio {
 namespace {
 
-constexpr int kSideWidth = 240;  // pixels; leaves the panel room on a screen of 800
+constexpr int kSideWidth = 240;  // pixels; leaves space for the panel on a screen 800 pixels wide
 constexpr int kMargin = 6;
-constexpr int kSaidFor = 8000;  // milliseconds
+constexpr int kMessageTime = 8000;  // milliseconds
 
 std::string droppedFile(const QMimeData& data) {
     if (!data.hasUrls() || !data.urls().front().isLocalFile()) return {};
@@ -131,15 +131,15 @@ void EditWindow::makeStatus() {
 void EditWindow::connectFiles() {
     connect(&files_, &SceneFiles::sessionChanged, this, &EditWindow::showSession);
     connect(&files_, &SceneFiles::recentChosen, this,
-            [this](const auto& scene) { whileNoPanel([=, this] { open(scene); }); });
+            [this](const auto& scene) { withoutPanel([=, this] { open(scene); }); });
     connect(&files_, &SceneFiles::reloadChosen, this,
-            [this] { whileNoPanel([this] { files_.reload(); }); });
+            [this] { withoutPanel([this] { files_.reload(); }); });
     connect(&files_, &SceneFiles::saved, this,
             [this](const auto& scene) { say(tr("Saved %1").arg(scene.c_str())); });
     connect(actions_.recent, &QMenu::aboutToShow, this,
             [this] { files_.listRecent(*actions_.recent); });
     connect(actions_.open, &QAction::triggered, this,
-            [this] { whileNoPanel([this] { files_.askAndOpen(); }); });
+            [this] { withoutPanel([this] { files_.askAndOpen(); }); });
     connect(actions_.save, &QAction::triggered, this, [this] { files_.save(); });
     connect(actions_.saveAs, &QAction::triggered, this, [this] { files_.askAndSaveAs(); });
     connect(actions_.quit, &QAction::triggered, this, &QWidget::close);
@@ -165,11 +165,12 @@ void EditWindow::connectEditing() {
     connect(actions_.applyLook, &QAction::triggered, this, &EditWindow::askAndApplyLook);
     connect(actions_.saveLook, &QAction::triggered, this, &EditWindow::askAndSaveLook);
     connect(actions_.options, &QAction::triggered, this, [this] {
-        if (surfaces_.current() >= 0) openPanel(static_cast<std::size_t>(surfaces_.current()));
+        if (const auto surface = surfaces_.current()) openPanel(*surface);
     });
     connect(&surfaces_, &SurfaceList::surfaceActivated, this, &EditWindow::openPanel);
-    connect(&surfaces_, &SurfaceList::selectionChangedTo, this, [this](std::ptrdiff_t surface) {
-        if (panel_.isOpen() && surface >= 0) openPanel(static_cast<std::size_t>(surface));
+    connect(&surfaces_, &SurfaceList::currentSurfaceChanged, this, [this] {
+        const std::optional<std::size_t> surface = surfaces_.current();
+        if (panel_.isOpen() && surface) openPanel(*surface);
     });
     connect(&panel_, &PanelSession::opened, this, [this](std::size_t surface) {
         surfaces_.select(surface);
@@ -185,13 +186,13 @@ void EditWindow::connectView() {
     connect(&view_, &PictureView::surfaceDoubleClicked, this, &EditWindow::openPanel);
     connect(actions_.resetView, &QAction::triggered, this, [this] { session()->resetView(); });
     connect(actions_.frameAll, &QAction::triggered, this, [this] { session()->frameAll(); });
-    // Pictures of looks show the frame at which their menu was opened.
+    // Playback pauses while the menu is open, since its pictures show the current frame.
     connect(actions_.looks, &QMenu::aboutToShow, this, [this] {
-        playsOn_ = time_.playback().isPlaying();
+        resumesPlaying_ = time_.playback().isPlaying();
         time_.playback().setPlaying(false);
     });
     connect(actions_.looks, &QMenu::aboutToHide, this,
-            [this] { time_.playback().setPlaying(std::exchange(playsOn_, false)); });
+            [this] { time_.playback().setPlaying(std::exchange(resumesPlaying_, false)); });
     const auto compare = [this](bool held) {
         if (session() != nullptr) session()->compareWithSaved(held);
     };
@@ -247,7 +248,7 @@ void EditWindow::showState() {
 }
 
 void EditWindow::say(const QString& text) {
-    statusBar()->showMessage(text, kSaidFor);
+    statusBar()->showMessage(text, kMessageTime);
 }
 
 void EditWindow::showProgress() {
@@ -264,8 +265,9 @@ void EditWindow::showProgress() {
     notice_.setText(QString::fromStdString(text));
 }
 
-/// What replaces the scene waits until the panel has let go of its record.
-void EditWindow::whileNoPanel(const std::function<void()>& work) {
+/// Does `work`, which may replace the scene, after closing the panel, since that uses a record of
+/// the scene.
+void EditWindow::withoutPanel(const std::function<void()>& work) {
     panel_.finish([this, work] { guarded(this, work); });
 }
 
@@ -284,8 +286,9 @@ void EditWindow::redo() {
 }
 
 void EditWindow::copy() {
-    if (surfaces_.current() < 0) return;
-    copied_ = session()->document().settings.at(static_cast<std::size_t>(surfaces_.current()));
+    const std::optional<std::size_t> surface = surfaces_.current();
+    if (!surface) return;
+    copied_ = session()->document().settings.at(*surface);
     showState();
 }
 
@@ -316,14 +319,15 @@ void EditWindow::askAndApplyLook() {
 }
 
 void EditWindow::askAndSaveLook() {
-    if (surfaces_.current() < 0) return;
+    const std::optional<std::size_t> surface = surfaces_.current();
+    if (!surface) return;
     QString file =
         QFileDialog::getSaveFileName(this, tr("Save Look"), "look.json", tr("Looks (*.json)"));
     if (file.isEmpty()) return;
     if (!file.endsWith(".json")) file += ".json";
     guarded(this, [&] {
         const SceneSettings& settings = session()->document().settings;
-        const auto& shader = settings.at(static_cast<std::size_t>(surfaces_.current()));
+        const auto& shader = settings.at(*surface);
         writeLook(shader.value_or(settings.newShader()).block, file.toStdString());
         say(tr("Saved %1").arg(file));
     });
@@ -334,7 +338,7 @@ void EditWindow::closeEvent(QCloseEvent* event) {
         event->ignore();
         panel_.finish([this] { close(); });
     } else if (files_.mayClose()) {
-        WindowMemory().keep(*this);
+        WindowMemory().store(*this);
         event->accept();
     } else {
         event->ignore();
@@ -352,7 +356,7 @@ void EditWindow::dropEvent(QDropEvent* event) {
     if (isLook(file)) {
         applyLook(file);
     } else {
-        whileNoPanel([this, file] { open(file); });
+        withoutPanel([this, file] { open(file); });
     }
 }
 

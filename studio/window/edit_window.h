@@ -19,8 +19,8 @@
 
 namespace tavora::studio {
 
-/// The edit window: the live picture, the surfaces, the lights, and what can be
-/// done with them. GUI thread; one a process.
+/// The edit window: the live picture, the lists of surfaces and lights, and the actions on them.
+/// GUI thread; at most one in a process.
 class EditWindow : public QMainWindow {
     Q_OBJECT
   public:
@@ -31,7 +31,7 @@ class EditWindow : public QMainWindow {
     /// See SceneFiles.
     bool open(const std::filesystem::path& scene) { return files_.open(scene); }
     void openFirst(const std::filesystem::path& scene) { files_.openFirst(scene); }
-    void keepSafe() { files_.keepSafe(); }
+    void writeRecoveryNow() { files_.writeRecoveryNow(); }
 
     PanelSession& panel() { return panel_; }
     Session* session() const { return files_.session(); }
@@ -53,7 +53,7 @@ class EditWindow : public QMainWindow {
     void showState();
     void showProgress();
     void say(const QString& text);
-    void whileNoPanel(const std::function<void()>& work);
+    void withoutPanel(const std::function<void()>& work);
     void openPanel(std::size_t surface);
     void undo();
     void redo();
@@ -76,8 +76,8 @@ class EditWindow : public QMainWindow {
     SceneFiles files_;
     MessageDialogs messages_;
     PanelSession panel_;
-    bool playsOn_ = false;                                ///< once the looks' menu is closed
-    std::optional<std::optional<SurfaceShader>> copied_;  ///< the inner one none: no shader
+    bool resumesPlaying_ = false;                         ///< when the looks' menu closes
+    std::optional<std::optional<SurfaceShader>> copied_;  ///< inner one empty: no shader
 };
 
 }  // namespace tavora::studio

@@ -6,7 +6,7 @@
 namespace tavora::studio {
 namespace {
 
-/// A pause longer than this, in milliseconds, ends a spell of the wheel.
+/// The pause, in milliseconds, after which turning the wheel is a new gesture.
 constexpr qint64 kWheelPause = 600;
 
 }  // namespace
@@ -22,7 +22,7 @@ void Gestures::begin() {
 
 void Gestures::keyPressed(const QKeyEvent& key) {
     if (key.isAutoRepeat()) return;
-    if (!held_) {
+    if (!buttonHeld_) {
         begin();
     } else if (key.key() == Qt::Key_Escape) {
         QMetaObject::invokeMethod(
@@ -35,13 +35,13 @@ bool Gestures::eventFilter(QObject* watched, QEvent* event) {
         case QEvent::MouseButtonPress:
         case QEvent::MouseButtonDblClick:
             begin();
-            held_ = true;
+            buttonHeld_ = true;
             break;
         case QEvent::MouseButtonRelease:
-            held_ = static_cast<QMouseEvent*>(event)->buttons() != Qt::NoButton;
+            buttonHeld_ = static_cast<QMouseEvent*>(event)->buttons() != Qt::NoButton;
             break;
         case QEvent::KeyPress:
-            // Each event passes on its way from a window to a widget, and up again.
+            // The same key event is also sent to the QWindow, which must not count.
             if (watched->isWidgetType()) keyPressed(*static_cast<QKeyEvent*>(event));
             break;
         case QEvent::Wheel:

@@ -9,20 +9,20 @@ class QKeyEvent;
 
 namespace tavora::studio {
 
-/// Counts what the user's hands do, over all windows of the program: a press of
-/// the mouse until the next one with the keys struck meanwhile, a key with its
-/// repeats, a spell of turning the wheel are one gesture each. GUI thread; one a
-/// process, after the application.
+/// Numbers the user's gestures, in all windows of the program. A gesture is a mouse press, with all
+/// that follows until the next gesture and with keys pressed while a button is held; a key press
+/// with its repetitions; or turning the wheel without a long pause. GUI thread; one in a process,
+/// made after the application.
 class Gestures : public QObject {
     Q_OBJECT
   public:
     Gestures();
 
-    /// The gesture at work, or the last one; never 0.
+    /// The current or last gesture; never 0.
     Gesture current() const { return current_; }
 
   signals:
-    /// Esc was struck while a button of the mouse was held, and has been dealt with.
+    /// Escape was pressed while a mouse button was held, and the widget has handled it.
     void abandoned(Gesture gesture);
 
   protected:
@@ -33,8 +33,8 @@ class Gestures : public QObject {
     void keyPressed(const QKeyEvent& key);
 
     Gesture current_ = 1;
-    bool held_ = false;         ///< a button of the mouse is
-    QElapsedTimer sinceWheel_;  ///< invalid where something else came after
+    bool buttonHeld_ = false;   ///< a mouse button is held
+    QElapsedTimer sinceWheel_;  ///< invalid when another gesture came after the wheel
 };
 
 }  // namespace tavora::studio

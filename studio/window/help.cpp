@@ -74,7 +74,7 @@ QString keysAsHtml() {
     return html + "</table>";
 }
 
-/// Stands beside the program, as the looks do.
+/// The documentation is installed in the share folder, like the looks.
 QString documentation() {
     return QDir::cleanPath(QApplication::applicationDirPath() + "/../share/tavora/docs/editing.md");
 }

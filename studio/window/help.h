@@ -4,15 +4,15 @@ class QWidget;
 
 namespace tavora::studio {
 
-/// A window with what the keys and the mouse do. Stays open beside the work;
-/// brought to the front when it is open already. GUI thread, as all of these.
+/// Shows a window with the keys and mouse actions, which stays open; raises it when it is already
+/// open. GUI thread, like all of these.
 void showKeys(QWidget& window);
 
-/// Opens the documentation in the desktop's viewer; where that cannot be, says
-/// where the documentation is.
+/// Opens the documentation in the desktop's viewer; if that fails, shows where the documentation
+/// is.
 void openDocumentation(QWidget& window);
 
-/// Name and version.
+/// Shows the program's name and version.
 void showAbout(QWidget& window);
 
 }  // namespace tavora::studio

@@ -34,9 +34,9 @@ QString kindOf(const Light& light) {
 }
 
 void addRow(QTreeWidget& table, const QString& name, const QString& kind, const Imath::V3d& color) {
-    const double level = std::max({color.x, color.y, color.z});
-    auto* row = new QTreeWidgetItem(&table, {name, kind, QString::number(level, 'f', 2)});
-    row->setIcon(0, swatch(level > 0 ? color / std::max(1.0, level) : color));
+    const double brightness = std::max({color.x, color.y, color.z});
+    auto* row = new QTreeWidgetItem(&table, {name, kind, QString::number(brightness, 'f', 2)});
+    row->setIcon(0, swatch(brightness > 0 ? color / std::max(1.0, brightness) : color));
     row->setTextAlignment(2, Qt::AlignRight | Qt::AlignVCenter);
 }
 

@@ -6,8 +6,8 @@
 
 namespace tavora::studio {
 
-/// The ambient light and the lights of the picture, with their colours and
-/// levels as the shader meets them. To read, not to change. GUI thread.
+/// A table of the ambient light and the lights of the picture, with the colours and brightness that
+/// the shader gets. Read-only. GUI thread.
 class LightTable : public QTreeWidget {
   public:
     explicit LightTable(QWidget* parent);

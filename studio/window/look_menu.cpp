@@ -44,7 +44,7 @@ LookMenu::LookMenu(QWidget* parent)
     fill();
     connect(this, &QMenu::aboutToShow, this, &LookMenu::prepare);
     connect(this, &QMenu::aboutToHide, this, [this] {
-        if (thumbnails_ != nullptr) thumbnails_->stop();  // nobody sees them
+        if (thumbnails_ != nullptr) thumbnails_->stop();  // they are not visible
     });
 }
 

@@ -11,21 +11,20 @@ class QListWidget;
 
 namespace tavora::studio {
 
-/// The looks that ship, in a menu, as pictures of what choosing them gives. GUI
-/// thread.
+/// A menu of the shipped looks, with pictures of the scene with each look. GUI thread.
 class LookMenu : public QMenu {
     Q_OBJECT
   public:
     explicit LookMenu(QWidget* parent);
     ~LookMenu() override;
 
-    /// Null: no scene.
+    /// Null: no scene is open.
     void show(Session* session);
-    /// What a look is put on: read when the menu comes up, which shows it.
+    /// Returns the surfaces to which a look is applied; called when the menu opens.
     std::function<std::vector<std::size_t>()> selection;
 
   signals:
-    /// The name of a look that ships.
+    /// The user chose a shipped look, by its name.
     void chosen(const QString& look);
 
   private:

@@ -6,7 +6,7 @@
 #include <system_error>
 #include <unistd.h>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/render/image/display_encoding.h"
 #include "studio/scene/settings/look.h"
 #include "studio/services/messages.h"
@@ -15,7 +15,7 @@ namespace tavora::studio {
 namespace {
 
 constexpr int kSamples = 9;  // a pixel
-constexpr int kNice = 15;    // the picture comes first
+constexpr int kNice = 15;    // lower priority than the live picture
 
 RenderOptions thumbnailOptions(const Session& session) {
     RenderOptions options;
@@ -28,8 +28,8 @@ RenderOptions thumbnailOptions(const Session& session) {
     return options;
 }
 
-/// Sees in the thumbnail's shape all that the camera sees in a picture of
-/// width / height = `aspect`.
+/// A camera that shows in the thumbnail everything that `camera` shows in a picture of width /
+/// height = `aspect`.
 Camera fitted(Camera camera, double aspect) {
     const double wider = aspect * LookThumbnails::kHeight / LookThumbnails::kWidth;
     if (wider <= 1) return camera;
@@ -55,7 +55,7 @@ QImage imageOf(const Picture& picture) {
 }  // namespace
 
 LookThumbnails::LookThumbnails(Session& session) : session_(session) {
-    connect(&session_, &Session::aboutToPose, this, &LookThumbnails::letGo);
+    connect(&session_, &Session::aboutToPose, this, &LookThumbnails::releaseScene);
 }
 
 LookThumbnails::~LookThumbnails() {
@@ -71,35 +71,35 @@ void LookThumbnails::finish() {
     if (thread_.joinable()) thread_.join();
 }
 
-void LookThumbnails::letGo() {
+void LookThumbnails::releaseScene() {
     finish();
-    isPosedAnew_ = true;
+    sceneChanged_ = true;
 }
 
 void LookThumbnails::renderFor(const std::vector<std::size_t>& surfaces) {
     finish();
-    if (surfaces != surfaces_ || session_.revision() != revision_) made_ = 0;
+    if (surfaces != surfaces_ || session_.revision() != revision_) rendered_ = 0;
     surfaces_ = surfaces;
     revision_ = session_.revision();
-    Order order{fitted(session_.camera(), session_.aspect()),
-                session_.lights(),
-                thumbnailOptions(session_),
-                {},
-                false};
+    Task task{fitted(session_.camera(), session_.aspect()),
+              session_.lights(),
+              thumbnailOptions(session_),
+              {},
+              false};
     const std::vector<std::string> looks = shippedLooks();
-    for (std::size_t i = made_; i < looks.size(); ++i)
-        order.jobs.push_back(jobFor(looks[i]));
-    if (order.jobs.empty()) return;
-    order.isPosedAnew = std::exchange(isPosedAnew_, false);
+    for (std::size_t i = rendered_; i < looks.size(); ++i)
+        task.jobs.push_back(makeJob(looks[i]));
+    if (task.jobs.empty()) return;
+    task.sceneChanged = std::exchange(sceneChanged_, false);
     stop_ = false;
     try {
-        thread_ = std::jthread([this, order = std::move(order)] { run(order); });
+        thread_ = std::jthread([this, task = std::move(task)] { run(task); });
     } catch (const std::system_error&) {
-        isPosedAnew_ = true;  // no thread for pictures that nobody needs
+        sceneChanged_ = true;  // without a thread there are no thumbnails, which is no error
     }
 }
 
-LookThumbnails::Job LookThumbnails::jobFor(const std::string& look) const {
+LookThumbnails::Job LookThumbnails::makeJob(const std::string& look) const {
     Job job{look, session_.shading()};
     const SceneSettings& now = session_.document().settings;
     for (const auto& [surface, shader] : withLook(now, readLook(look), surfaces_))
@@ -107,26 +107,26 @@ LookThumbnails::Job LookThumbnails::jobFor(const std::string& look) const {
     return job;
 }
 
-void LookThumbnails::run(const Order& order) {
+void LookThumbnails::run(const Task& task) {
     setpriority(PRIO_PROCESS, static_cast<id_t>(syscall(SYS_gettid)), kNice);
     const QuietMessages quiet;
     try {
         if (renderer_ == nullptr) {
             renderer_ = std::make_unique<Renderer>(session_.scene());
-        } else if (order.isPosedAnew) {
+        } else if (task.sceneChanged) {
             renderer_->update();
         }
-        for (const Job& job : order.jobs) {
-            const Picture picture = renderer_->render(order.camera, *order.lights, job.shading,
+        for (const Job& job : task.jobs) {
+            const Picture picture = renderer_->render(task.camera, *task.lights, job.shading,
                                                       session_.document().settings.module().file(),
-                                                      order.options, {{}, &stop_}, nullptr);
+                                                      task.options, {{}, &stop_}, nullptr);
             emit ready(QString::fromStdString(job.look), imageOf(picture));
-            ++made_;
+            ++rendered_;
         }
     } catch (const RenderStopped&) {
-        // By who needs the scene, or no picture any more.
+        // Stopped because the scene changes, or the pictures are no longer needed.
     } catch (const std::exception&) {
-        renderer_.reset();  // no memory for pictures that nobody needs
+        renderer_.reset();  // failing thumbnails are no error
     }
 }
 

@@ -14,9 +14,8 @@
 
 namespace tavora::studio {
 
-/// Small pictures of the open scene as it is seen, each with one of the looks
-/// that ship on some surfaces: what choosing that look would give. Rendered in
-/// the background, behind everything else. GUI thread.
+/// Small pictures of the open scene in the current view, each with one of the shipped looks applied
+/// to some surfaces. Rendered in the background, with low priority. GUI thread.
 class LookThumbnails : public QObject {
     Q_OBJECT
   public:
@@ -27,12 +26,11 @@ class LookThumbnails : public QObject {
     explicit LookThumbnails(Session& session);
     ~LookThumbnails() override;
 
-    /// Renders the pictures for these surfaces that are not there yet: none when
-    /// nothing changed since they were made, all after a change of the surfaces,
-    /// the settings or the view. Throws Error.
+    /// Starts to render the pictures for these surfaces that are not up to date: all of them after
+    /// a change of the surfaces, the settings or the view. Throws Error.
     void renderFor(const std::vector<std::size_t>& surfaces);
-    /// Asks the rendering to stop, which it does at the next row of pixels; does not
-    /// wait for that. What is ready stays.
+    /// Requests the rendering to stop, which it does at the next row of pixels; does not wait for
+    /// that. Finished pictures stay valid.
     void stop();
 
   signals:
@@ -43,25 +41,25 @@ class LookThumbnails : public QObject {
         std::string look;
         SurfaceShaders shading;
     };
-    /// All that the thread needs, as it was when it started.
-    struct Order {
+    /// The thread's input, copied when it starts.
+    struct Task {
         Camera camera;
         std::shared_ptr<const LightSet> lights;
         RenderOptions options;
         std::vector<Job> jobs;
-        bool isPosedAnew = false;
+        bool sceneChanged = false;
     };
     void finish();
-    void letGo();
-    Job jobFor(const std::string& look) const;
-    void run(const Order& order);
+    void releaseScene();
+    Job makeJob(const std::string& look) const;
+    void run(const Task& task);
 
     Session& session_;
-    std::unique_ptr<Renderer> renderer_;  ///< the thread's, kept from one to the next
-    std::vector<std::size_t> surfaces_;   ///< that the pictures are for
-    std::uint64_t revision_ = 0;          ///< of the session that they show
-    bool isPosedAnew_ = false;            ///< the scene, since the renderer saw it last
-    std::atomic<std::size_t> made_{0};    ///< the first so many are there
+    std::unique_ptr<Renderer> renderer_;    ///< used by the thread only; reused
+    std::vector<std::size_t> surfaces_;     ///< to which the looks are applied
+    std::uint64_t revision_ = 0;            ///< of the session that they show
+    bool sceneChanged_ = false;             ///< it was posed since the renderer's last update
+    std::atomic<std::size_t> rendered_{0};  ///< number of pictures that are up to date
     std::atomic<bool> stop_{false};
     std::jthread thread_;
 };

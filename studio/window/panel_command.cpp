@@ -46,8 +46,8 @@ QImage drawOptions(const Document& document, Shader& record, int tab) {
         picture = panel.grab().toImage();
     };
     const Panels panels(nullptr, hooks);
-    // A panel that opens stores default settings where there are none; drawing one
-    // must leave the user's folder as it is.
+    // A module stores default settings when it opens a panel and there are none. Drawing a panel
+    // must not change the user's folder.
     const HiddenSettingsFolder hidden;
     openOptions(document.settings.module(), record);
     return picture;
@@ -68,9 +68,9 @@ void drawPanel(const PanelRequest& request, Report& report) {
     const std::size_t surface = chosenSurface(document, request.surface);
     const auto application = startApplication(Display::Offscreen, request.scale, report);
     QApplication::setPalette(paletteOf(request.theme));
-    const LightSet rig = resolveLights(document.settings.scene(),
-                                       chooseCamera(document.settings.scene(), {}, 1), {});
-    const PanelBinding binding(rig);
+    const LightSet lights = resolveLights(document.settings.scene(),
+                                          chooseCamera(document.settings.scene(), {}, 1), {});
+    const PanelBinding binding(lights);
     const QImage picture = drawOptions(document, document.settings.record(surface), request.tab);
     if (picture.isNull()) {
         throw Error(Fault::Module, fmt::format("{}: the module has no settings panel to draw",

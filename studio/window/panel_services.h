@@ -7,22 +7,22 @@
 
 namespace tavora::studio {
 
-/// While it lives, modules on this thread hear of the rig's lights. Panels ask
-/// for lights alone: no textures are made ready for them.
+/// As long as an object of this class exists, services on its thread refer to these lights and an
+/// empty scene: panels need the lights only, so no mipmaps are made.
 class PanelBinding {
   public:
     /// `lights` must outlive it.
     explicit PanelBinding(const LightSet& lights);
 
   private:
-    Scene nothing_;
+    Scene emptyScene_;
     SceneIndex index_;
     ServiceBinding binding_;
 };
 
-/// Opens the options panel of a record and returns when it is closed. Throws
-/// Fault::Module with the module's text, or when it has no panel. GUI thread, with
-/// Panels and a PanelBinding in place.
+/// Opens the options panel of an instance and returns when it is closed. Throws Error,
+/// Fault::Module, with the module's message, or when it has no panel. GUI thread; Panels and a
+/// PanelBinding must exist.
 void openOptions(const ModuleCopy& module, Shader& record);
 
 }  // namespace tavora::studio

@@ -5,15 +5,16 @@
 #include <QScreen>
 #include <utility>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/services/instance_update.h"
-#include "studio/window/panel_place.h"
+#include "studio/window/panel_position.h"
 #include "studio/window/panel_services.h"
 
 namespace tavora::studio {
 namespace {
 
-/// Of a window, as the desktop frames it; taken for those of one not yet shown.
+/// The desktop's frame of a shown window, which also serves as an estimate for a window that is not
+/// shown yet.
 QMargins borders(const QWidget& window) {
     const QRect inner = window.geometry();
     const QRect outer = window.frameGeometry();
@@ -21,7 +22,7 @@ QMargins borders(const QWidget& window) {
             outer.bottom() - inner.bottom()};
 }
 
-/// The panel's widgets in an order that is the same whenever it is opened.
+/// The panel's widgets, in an order that is the same each time it is opened.
 QList<QWidget*> widgetsOf(const QWidget& panel) {
     return panel.findChildren<QWidget*>();
 }
@@ -36,7 +37,7 @@ PanelSession::PanelSession(QWidget& window, const QWidget& side, const Gestures&
                         [this](QWidget& panel) { panelOpened(panel); },
                         [this](QWidget& panel) { panelClosed(panel); },
                         {}}) {
-    setInstanceListener([this](const char*, HostInstance instance) { hear(instance); });
+    setInstanceListener([this](const char*, HostInstance instance) { instanceChanged(instance); });
     connect(&gestures_, &Gestures::abandoned, this, &PanelSession::abandon);
 }
 
@@ -46,7 +47,7 @@ PanelSession::~PanelSession() {
 
 void PanelSession::open(Session& session, std::size_t surface) {
     if (isOpen()) {
-        if (surface != surface_) closeFor(surface);
+        if (surface != surface_) closeAndShow(surface);
         return;
     }
     session_ = &session;
@@ -68,17 +69,17 @@ void PanelSession::open(Session& session, std::size_t surface) {
 
 void PanelSession::interrupt(std::function<void()> change) {
     if (!isOpen()) return change();
-    between_ = std::move(change);
-    closeFor(surface_);
+    pendingChange_ = std::move(change);
+    closeAndShow(surface_);
 }
 
-/// Keeps the window for the panel that follows, and with the same surface what
-/// the user was at.
-void PanelSession::closeFor(std::size_t next) {
+/// Closes the panel to show that of surface `next`, in the same window. For the same surface, the
+/// focus and the selected zone are restored.
+void PanelSession::closeAndShow(std::size_t next) {
     next_ = next;
     if (panel_ != nullptr) {
         focus_ = widgetsOf(*panel_).indexOf(panel_->focusWidget());
-        zone_ = next == surface_ ? selectedZone(*panel_) : -1;
+        zone_ = next == surface_ ? selectedZone(*panel_) : std::nullopt;
     }
     panels_.keepWindow(true);
     panels_.close(true);
@@ -91,9 +92,9 @@ void PanelSession::finish(std::function<void()> after) {
     panels_.close(true);
 }
 
-/// The control went back by itself, but not always to the last bit.
+/// The control has reverted its change, but not always exactly; so the step is undone.
 void PanelSession::abandon(Gesture gesture) {
-    if (!isOpen() || !session_->document().undo.did(gesture)) return;
+    if (!isOpen() || !session_->document().undo.isLastStepOf(gesture)) return;
     interrupt([this, gesture] { session_->document().undo.abandon(gesture); });
 }
 
@@ -104,7 +105,7 @@ void PanelSession::showUntilClosed() {
         const std::size_t surface = *std::exchange(next_, std::nullopt);
         if (!resumed || surface != surface_) before = settings.at(surface);
         surface_ = surface;
-        if (between_) std::exchange(between_, {})();
+        if (pendingChange_) std::exchange(pendingChange_, {})();
         if (resumed && !settings.at(surface)) return;
         showOnce(before);
     }
@@ -126,14 +127,14 @@ void PanelSession::showOnce(const std::optional<SurfaceShader>& before) {
     if (confirmed_) {
         undo.push(recordStep(settings, surface_, 0));
     } else if (settings.at(surface_) != before) {
-        // Back to how the user met the panel, also when it was shown anew in
-        // between. A step like any other: it can be undone.
+        // Reverts to the state before the user opened the panel, even if it was shown again in
+        // between. This is a step that can be undone.
         undo.push(settingsStep(settings, {{surface_, before}}, "Cancel"));
     }
     undo.endStep();
 }
 
-/// Panels over the settings panel look after themselves.
+/// Panels over the settings panel need no handling.
 void PanelSession::panelOpened(QWidget& panel) {
     if (panel_ != nullptr) return;
     opening_.reset();
@@ -141,7 +142,7 @@ void PanelSession::panelOpened(QWidget& panel) {
     panels_.keepWindow(false);
     const std::string& name = session_->scene().surfaces[surface_].name;
     panel.setWindowTitle(tr("%1 – %2").arg(QString::fromStdString(name), panel.windowTitle()));
-    if (zone_ >= 0) selectZone(panel, std::exchange(zone_, -1));
+    if (const auto zone = std::exchange(zone_, std::nullopt)) selectZone(panel, *zone);
     if (QWidget* widget = widgetsOf(panel).value(std::exchange(focus_, -1))) widget->setFocus();
 }
 
@@ -151,7 +152,7 @@ void PanelSession::placePanel(QWidget& frame) {
     const QSize size = frame.size().grownBy(borders(window_));
     const QRect side(side_.mapToGlobal(QPoint()), side_.size());
     frame.move(position_ ? within(screen, *position_, size)
-                         : panelPlace(screen, window_.frameGeometry(), side, size));
+                         : panelPosition(screen, window_.frameGeometry(), side, size));
 }
 
 void PanelSession::panelClosed(QWidget& panel) {
@@ -162,7 +163,7 @@ void PanelSession::panelClosed(QWidget& panel) {
     confirmed_ = dialog != nullptr && dialog->result() == QDialog::Accepted;
 }
 
-void PanelSession::hear(HostInstance instance) {
+void PanelSession::instanceChanged(HostInstance instance) {
     if (!isOpen()) return;
     Document& document = session_->document();
     if (const auto surface = document.settings.surfaceOf(instance)) {

@@ -8,10 +8,10 @@
 namespace tavora::studio {
 namespace {
 
-/// One click of a usual wheel turns by 120 units and comes nearer by this.
+/// The zoom factor for one step of the wheel, which is 120 units.
 constexpr double kZoomStep = 1.15;
 constexpr double kWheelUnits = 120;
-/// Shares of the picture's height by which a key press moves the view.
+/// How far a key press moves the view, as a fraction of the picture's height.
 constexpr double kKeyStep = 0.05;
 
 constexpr int kChecker = 10;             // pixels
@@ -41,20 +41,20 @@ void PictureView::show(Session* session) {
     session_ = session;
     image_ = {};
     if (session_ != nullptr) {
-        connect(session_, &Session::pictureChanged, this, &PictureView::takePicture);
+        connect(session_, &Session::pictureChanged, this, &PictureView::updateImage);
         fitPicture();
     }
     update();
 }
 
-void PictureView::takePicture() {
+void PictureView::updateImage() {
     const std::shared_ptr<const LiveFrame> frame = session_->picture().latest();
     if (frame == nullptr || frame->width == 0) return;
-    // The image keeps the frame for as long as it shows its pixels.
+    // The image shares ownership of the frame, whose pixels it uses.
     image_ = QImage(
         frame->rgba.data(), frame->width, frame->height, qsizetype{4} * frame->width,
         QImage::Format_RGBA8888,
-        [](void* kept) { delete static_cast<std::shared_ptr<const LiveFrame>*>(kept); },
+        [](void* owner) { delete static_cast<std::shared_ptr<const LiveFrame>*>(owner); },
         new std::shared_ptr<const LiveFrame>(frame));
     update();
 }
@@ -73,7 +73,7 @@ void PictureView::paintEvent(QPaintEvent* /*event*/) {
     if (image_.isNull()) return painter.fillRect(rect(), palette().color(QPalette::Mid));
     paintCheckers(painter);
     if (image_.size() == pixels()) {
-        // A pixel of the picture is one of the screen.
+        // Each pixel of the picture is a pixel of the screen.
         painter.scale(1 / devicePixelRatioF(), 1 / devicePixelRatioF());
         return painter.drawImage(QPoint(), image_);
     }
@@ -81,7 +81,7 @@ void PictureView::paintEvent(QPaintEvent* /*event*/) {
     painter.drawImage(rect(), image_);
 }
 
-/// Shows through where the picture is transparent.
+/// Paints the pattern that shows through a transparent picture.
 void PictureView::paintCheckers(QPainter& painter) const {
     if (session_->background()) return;
     painter.fillRect(rect(), QColor(kCheckers[0], kCheckers[0], kCheckers[0]));
@@ -101,7 +101,7 @@ void PictureView::resizeEvent(QResizeEvent* event) {
 void PictureView::mousePressEvent(QMouseEvent* event) {
     pressed_ = last_ = event->position();
     dragging_ = false;
-    takeInterest(pressed_);
+    setInterest(pressed_);
 }
 
 void PictureView::mouseMoveEvent(QMouseEvent* event) {
@@ -125,14 +125,14 @@ void PictureView::mouseReleaseEvent(QMouseEvent* event) {
 
 void PictureView::mouseDoubleClickEvent(QMouseEvent* event) {
     if (session_ == nullptr || event->button() != Qt::LeftButton) return;
-    dragging_ = true;  // the release that follows chooses nothing
+    dragging_ = true;  // so that the release that follows selects nothing
     const std::ptrdiff_t surface = surfaceAt(event->position());
     if (surface >= 0) emit surfaceDoubleClicked(static_cast<std::size_t>(surface));
 }
 
 void PictureView::wheelEvent(QWheelEvent* event) {
     if (session_ == nullptr) return;
-    takeInterest(event->position());
+    setInterest(event->position());
     session_->zoom(std::pow(kZoomStep, event->angleDelta().y() / kWheelUnits));
 }
 
@@ -159,7 +159,7 @@ void PictureView::keyPressEvent(QKeyEvent* event) {
     }
 }
 
-void PictureView::takeInterest(const QPointF& position) {
+void PictureView::setInterest(const QPointF& position) {
     if (session_ == nullptr) return;
     const QPoint pixel = pixelAt(position);
     session_->setInterest(pixel.x(), pixel.y());

@@ -8,22 +8,21 @@
 
 namespace tavora::studio {
 
-/// The live picture: shows it, chooses surfaces by a click, moves the view by
-/// dragging. GUI thread.
+/// Shows the live picture; clicking selects surfaces, and dragging moves the view. GUI thread.
 class PictureView : public QWidget {
     Q_OBJECT
   public:
     explicit PictureView(QWidget* parent);
 
-    /// `session` must outlive the view or its next call of show(); null: none.
+    /// `session` must outlive the view, or exist until the next call of show(); null: none.
     void show(Session* session);
 
     QSize sizeHint() const override { return {960, 540}; }
-    /// The picture as it is on the screen, for tests and thumbnails.
+    /// The picture on the screen, for tests.
     const QImage& image() const { return image_; }
 
   signals:
-    /// A surface was clicked; -1: where there is none.
+    /// The picture was clicked; -1: there is no surface at that pixel.
     void surfaceClicked(std::ptrdiff_t surface);
     void surfaceDoubleClicked(std::size_t surface);
 
@@ -38,11 +37,11 @@ class PictureView : public QWidget {
     void keyPressEvent(QKeyEvent* event) override;
 
   private:
-    void takePicture();
+    void updateImage();
     void fitPicture();
     void paintCheckers(QPainter& painter) const;
-    QSize pixels() const;  ///< the size in those of the screen
-    void takeInterest(const QPointF& position);
+    QSize pixels() const;  ///< the size in device pixels
+    void setInterest(const QPointF& position);
     QPoint pixelAt(const QPointF& position) const;
     std::ptrdiff_t surfaceAt(const QPointF& position) const;
 

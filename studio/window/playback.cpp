@@ -6,10 +6,10 @@
 namespace tavora::studio {
 namespace {
 
-constexpr int kTick = 5;  // milliseconds; well below the time of a frame
+constexpr int kTick = 5;  // milliseconds, well below the time of a frame
 
-/// Of a frame: times that are this near to it are its own, whatever rounding did to them.
-constexpr double kNear = 1e-6;
+/// A fraction of a frame: times this near to a frame count as it, so that rounding does not matter.
+constexpr double kFrameTolerance = 1e-6;
 
 }  // namespace
 
@@ -37,15 +37,15 @@ void Playback::setPlaying(bool play) {
 }
 
 int Playback::firstFrame() const {
-    return static_cast<int>(std::ceil(session_->range().start * kFps - kNear));
+    return static_cast<int>(std::ceil(session_->range().start * kFps - kFrameTolerance));
 }
 
 int Playback::lastFrame() const {
-    return static_cast<int>(std::floor(session_->range().end * kFps + kNear));
+    return static_cast<int>(std::floor(session_->range().end * kFps + kFrameTolerance));
 }
 
 int Playback::frame() const {
-    return static_cast<int>(std::floor(session_->time() * kFps + kNear));
+    return static_cast<int>(std::floor(session_->time() * kFps + kFrameTolerance));
 }
 
 void Playback::goTo(int frame) {
@@ -60,12 +60,12 @@ void Playback::step(int frames) {
     goTo(firstFrame() + (steps + count) % count);
 }
 
-/// The end of what plays is its start again.
+/// The frame to show now; playback repeats, so the end of the range is the same as its start.
 int Playback::frameNow() const {
     const TimeRange& range = session_->range();
     const double played = startedAt_ - range.start + static_cast<double>(clock_.elapsed()) / 1000;
     const double time = range.start + std::fmod(played, range.end - range.start);
-    return static_cast<int>(std::floor(time * kFps + kNear));
+    return static_cast<int>(std::floor(time * kFps + kFrameTolerance));
 }
 
 void Playback::tick() {

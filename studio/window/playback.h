@@ -8,8 +8,8 @@
 
 namespace tavora::studio {
 
-/// Plays a session's scene over and over in real time: frames that cannot be rendered in
-/// time are left out, and none that was begun is dropped before it is seen. GUI thread.
+/// Plays a session's scene repeatedly in real time. Frames that cannot be rendered in time are
+/// skipped, but a frame that was begun is always shown. GUI thread.
 class Playback : public QObject {
     Q_OBJECT
   public:
@@ -17,22 +17,22 @@ class Playback : public QObject {
 
     Playback();
 
-    /// `session` must outlive it or the next call; null: none.
+    /// `session` must outlive this object, or exist until the next call; null: none.
     void show(Session* session);
 
-    /// Whether there is more than one frame to be seen.
+    /// Whether there is more than one frame.
     bool canPlay() const { return session_ != nullptr && firstFrame() < lastFrame(); }
     bool isPlaying() const { return timer_.isActive(); }
     void setPlaying(bool play);
 
-    /// Frame f is at the time f / kFps; those that lie within what plays.
+    /// The first and the last frame in the session's range; frame f is at the time f / kFps.
     int firstFrame() const;
     int lastFrame() const;
-    /// The frame that is shown or comes next.
+    /// The frame that is shown, or will be shown next.
     int frame() const;
-    /// Goes to a frame and stays there.
+    /// Stops playing and shows a frame.
     void goTo(int frame);
-    /// To one of those beside it, round the ends.
+    /// Stops playing and moves by some frames, from the last to the first and back.
     void step(int frames);
 
   signals:

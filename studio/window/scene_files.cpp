@@ -15,7 +15,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Unsaved work is on the disk this long, in milliseconds, after it was done.
+/// The time after a change, in milliseconds, until the unsaved work is written.
 constexpr int kRecoveryDelay = 1000;
 
 QString text(const fs::path& path) {
@@ -31,13 +31,13 @@ void show(const std::vector<std::string>& warnings) {
         sendMessage(MessageKind::Warning, warning);
 }
 
-/// Reading a large scene takes a while.
-class Waiting {
+/// Shows the wait cursor, since reading and writing large scenes takes time.
+class WaitCursor {
   public:
-    Waiting() { QApplication::setOverrideCursor(Qt::WaitCursor); }
-    ~Waiting() { QApplication::restoreOverrideCursor(); }
-    Waiting(const Waiting&) = delete;
-    Waiting& operator=(const Waiting&) = delete;
+    WaitCursor() { QApplication::setOverrideCursor(Qt::WaitCursor); }
+    ~WaitCursor() { QApplication::restoreOverrideCursor(); }
+    WaitCursor(const WaitCursor&) = delete;
+    WaitCursor& operator=(const WaitCursor&) = delete;
 };
 
 }  // namespace
@@ -61,14 +61,14 @@ bool SceneFiles::open(const fs::path& scene) {
 void SceneFiles::openFirst(const fs::path& scene) {
     first_ = scene;
     load(scene);
-    // Once the window stands behind the question.
+    // Later, so that the window is shown behind the question.
     QTimer::singleShot(0, this, &SceneFiles::offerRecovery);
 }
 
 void SceneFiles::load(const fs::path& scene) {
-    const Waiting waiting;
+    const WaitCursor cursor;
     EditRequest request = request_;
-    if (scene != first_) request.animation = {};  // which was asked for with that scene
+    if (scene != first_) request.animation = {};  // the request's animations are for that scene
     request.scene = scene.string();
     auto session = std::make_unique<Session>(request, report_);
     addRecentFile(session->document().file.path());
@@ -122,7 +122,7 @@ bool SceneFiles::mayClose() {
     return guarded(&window_, [&] { document.recovery.clear(); });
 }
 
-void SceneFiles::keepSafe() {
+void SceneFiles::writeRecoveryNow() {
     if (session_ != nullptr) session_->document().recovery.write();
 }
 
@@ -157,7 +157,7 @@ void SceneFiles::offerRecovery() {
     });
 }
 
-/// Closing the question is no answer: the work is offered again.
+/// Closing the question counts as "Later": the work is offered again.
 int SceneFiles::askAboutRecovery(const QString& scene) {
     QMessageBox question(QMessageBox::Question, tr("Tavora"),
                          tr("Tavora ended with unsaved changes to %1. Bring them back?").arg(scene),
@@ -169,7 +169,7 @@ int SceneFiles::askAboutRecovery(const QString& scene) {
     return question.exec();
 }
 
-/// A full disk is said once, not every second.
+/// An error, for example of a full disk, is reported once and not after every change.
 void SceneFiles::writeRecovery() {
     try {
         session_->document().recovery.write();
@@ -186,7 +186,7 @@ void SceneFiles::writeRecovery() {
 bool SceneFiles::saveWith(const std::function<std::vector<std::string>()>& write) {
     std::vector<std::string> warnings;
     try {
-        const Waiting waiting;
+        const WaitCursor cursor;
         warnings = write();
     } catch (const std::exception& error) {
         return offerSaveAs(QString::fromUtf8(error.what()));
@@ -196,8 +196,8 @@ bool SceneFiles::saveWith(const std::function<std::vector<std::string>()>& write
     return true;
 }
 
-/// An error leaves everything as it was; another file may take the work, as long
-/// as the scene is there to be copied.
+/// Shows the error of a save and offers to save to another file, if the scene's file still exists,
+/// since it is needed for that.
 bool SceneFiles::offerSaveAs(const QString& error) {
     std::error_code ignored;
     if (!fs::exists(session_->document().file.path(), ignored))
@@ -211,7 +211,7 @@ bool SceneFiles::offerSaveAs(const QString& error) {
     return question.exec() == QMessageBox::Save && askAndSaveAs();
 }
 
-/// For a file that another program changed since it was opened.
+/// Asks how to save to a file that another program changed.
 bool SceneFiles::saveChanged() {
     Document& document = session_->document();
     QMessageBox question(

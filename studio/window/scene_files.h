@@ -17,47 +17,46 @@ class QWidget;
 
 namespace tavora::studio {
 
-/// Opens, saves and closes scenes with the questions and dialogs that go with
-/// it; keeps unsaved work in a recovery file. GUI thread.
+/// Opens, saves and closes scenes, with the dialogs for that, and writes unsaved work to a recovery
+/// file. GUI thread.
 class SceneFiles : public QObject {
     Q_OBJECT
   public:
-    /// `window` is the parent of dialogs. `request` says with what looks, lights
-    /// and threads scenes open. All must outlive it.
+    /// `window` is the parent of dialogs. `request` has the looks, lights and threads for all
+    /// scenes. All must outlive this object.
     SceneFiles(QWidget& window, const EditRequest& request, Report& report);
     ~SceneFiles() override;
 
     /// Null when no scene is open.
     Session* session() const { return session_.get(); }
 
-    /// Asks what becomes of unsaved work first. False when the user, or an error
-    /// shown in a dialog, kept the scene that was open.
+    /// Asks first what to do with unsaved work. False when the scene was not opened, because of the
+    /// user's answer or an error, which is shown in a dialog.
     bool open(const std::filesystem::path& scene);
-    /// The same for a program that has just started: throws what Document throws.
+    /// The same when the program starts: throws what Document throws.
     void openFirst(const std::filesystem::path& scene);
     bool askAndOpen();
-    /// Reads the scene that is open again; what was not saved is gone. No panel
-    /// may be open.
+    /// Reads the open scene again and discards unsaved changes. No panel may be open.
     void reload();
-    /// Asks what to do where the file was changed by another program or cannot be
-    /// written. False when nothing was saved.
+    /// Asks what to do if another program changed the file, or it cannot be written. False when
+    /// nothing was saved.
     bool save();
     bool askAndSaveAs();
-    /// Asks; false when the user wants to stay.
+    /// Asks what to do with unsaved work; false when the user cancels closing.
     bool mayClose();
 
-    /// Brings unsaved work to the disk at once, for a program that must end.
-    void keepSafe();
+    /// Writes the unsaved work at once, before the program ends.
+    void writeRecoveryNow();
 
-    /// Fills a menu with the scenes that were open lately.
+    /// Fills a menu with the recently opened scenes.
     void listRecent(QMenu& menu);
 
   signals:
-    /// session() is another one now; the one before lives until this returns.
+    /// session() has changed; the previous one exists until the slots have returned.
     void sessionChanged();
-    /// Somebody chose a scene of the menu.
+    /// The user chose a scene from the menu.
     void recentChosen(const std::filesystem::path& scene);
-    /// Somebody asked for what the file holds now.
+    /// The user wants to reload the file.
     void reloadChosen();
     void saved(const std::filesystem::path& scene);
 

@@ -5,16 +5,16 @@
 namespace tavora::studio {
 namespace {
 
-// The window's shape is not known yet; a camera that frames the scene wants one.
-constexpr double kUsualAspect = 16.0 / 9;
+// The picture's width / height for a camera that frames the scene, until the window has a size.
+constexpr double kInitialAspect = 16.0 / 9;
 
-/// What is so many times as deep as the foreground is a backdrop: a hand that
-/// grabs the sky means to turn what stands before it.
+/// What is this many times as far away as the foreground counts as backdrop: a user who drags the
+/// sky wants to turn the objects in front of it.
 constexpr double kBackdrop = 3;
-constexpr int kProbes = 5;  // rows and columns of places to look at
+constexpr int kProbes = 5;  // rows and columns of pixels that are probed
 
-/// Whether a list of the lights with their levels says the same of both.
-bool looksAlike(const LightSet& a, const LightSet& b) {
+/// Whether a table of the lights would show the same for both.
+bool showTheSame(const LightSet& a, const LightSet& b) {
     return a.ambient == b.ambient &&
            std::equal(a.lights.begin(), a.lights.end(), b.lights.begin(), b.lights.end(),
                       [](const ResolvedLight& one, const ResolvedLight& other) {
@@ -33,7 +33,7 @@ Session::Session(const EditRequest& request, Report& report)
     startAt(document_.film.camera());
     lightScene();
     startPicture(request);
-    // After those who show the picture that it was waited for.
+    // Queued, so that the views show the picture before the scene is posed again.
     connect(this, &Session::pictureChanged, this, &Session::poseNext, Qt::QueuedConnection);
 
     document_.settings.surfaceChanged = [this](std::size_t surface) {
@@ -44,10 +44,10 @@ Session::Session(const EditRequest& request, Report& report)
 }
 
 Session::~Session() {
-    picture_.reset();  // its threads call back
+    picture_.reset();  // first, since its threads call this object
 }
 
-/// The view begins, or where it is at its start begins again, as this camera.
+/// Sets the camera at the start; a view that is still at the start changes to it.
 void Session::startAt(const Camera& camera) {
     if (orbit_ == nullptr) {
         orbit_ = std::make_unique<Orbit>(camera, scene().bounds);
@@ -60,18 +60,18 @@ void Session::lightScene() {
     const auto before =
         std::exchange(lights_, std::make_shared<const LightSet>(document_.film.lights(lighting_)));
     if (picture_ != nullptr) revision_ = picture_->setLights(lights_);
-    if (before != nullptr && !looksAlike(*before, *lights_)) emit lightsChanged();
+    if (before != nullptr && !showTheSame(*before, *lights_)) emit lightsChanged();
 }
 
 void Session::startPlaying(const AnimationRequest& request) {
     FilmScene& film = document_.film;
-    if (request.isAsked()) {
-        const std::size_t told = scene().warnings.size();
+    if (request.isGiven()) {
+        const std::size_t warningCount = scene().warnings.size();
         playing_ = film.play(request.names, report_);
-        warnFrom(told);
+        warnFrom(warningCount);
     }
-    film.settle({}, kUsualAspect);
-    if (scene().animations.empty()) film.stayAtRest();
+    film.prepare({}, kInitialAspect);
+    if (scene().animations.empty()) film.closeFile();
     if (!film.plays()) return;
     time_ = std::clamp(request.seconds.value_or(0), range().start, range().end);
     film.pose(time_);
@@ -87,10 +87,10 @@ void Session::play(const std::vector<std::size_t>& animations) {
     nextTime_.reset();
     pose([this] {
         FilmScene& film = document_.film;
-        const std::size_t told = scene().warnings.size();
+        const std::size_t warningCount = scene().warnings.size();
         film.play(playing_);
-        warnFrom(told);
-        film.settle({}, width_ > 0 ? aspect() : kUsualAspect);
+        warnFrom(warningCount);
+        film.prepare({}, width_ > 0 ? aspect() : kInitialAspect);
         time_ = range().start;
         if (film.plays()) film.pose(time_);
     });
@@ -110,7 +110,8 @@ bool Session::isTimePending() const {
            (frame == nullptr || frame->revision < posedRevision_);
 }
 
-/// Poses the scene at the time that was asked for last, once the one before is shown.
+/// Poses the scene for the time that was requested last, if the picture of the time before is
+/// shown.
 void Session::poseNext() {
     if (!nextTime_) return;
     const double next = *std::exchange(nextTime_, std::nullopt);
@@ -172,7 +173,7 @@ void Session::setSize(int width, int height) {
     FilmScene& film = document_.film;
     film.setAspect(aspect());
     if (film.isFramed()) startAt(film.camera());
-    // Only a scene without lights of its own is lit from where the camera stands.
+    // The key light of a scene without lights depends on the camera.
     if (film.isFramed() && scene().lights.empty()) lightScene();
     showView();
 }
@@ -182,33 +183,33 @@ double Session::aspect() const {
 }
 
 void Session::setInterest(int x, int y) {
-    const std::vector<Imath::V3d> shown = placesShown();
-    if (shown.empty()) return;
-    const Imath::V3d& foreground = shown[shown.size() / 4];
+    const std::vector<Imath::V3d> points = visiblePoints();
+    if (points.empty()) return;
+    const Imath::V3d& foreground = points[points.size() / 4];
     const auto picked = picture_->pickAt(x, y);
     const bool near = picked && depthOf(picked->position) <= kBackdrop * depthOf(foreground);
     orbit_->setInterest(near ? picked->position : foreground);
 }
 
-/// Some of the places in the picture, the nearest first.
-std::vector<Imath::V3d> Session::placesShown() const {
-    std::vector<Imath::V3d> places;
+/// World positions that some pixels of the picture show, the nearest first.
+std::vector<Imath::V3d> Session::visiblePoints() const {
+    std::vector<Imath::V3d> points;
     for (int row = 0; row < kProbes; ++row) {
         for (int column = 0; column < kProbes; ++column) {
             const auto picked = picture_->pickAt((2 * column + 1) * width_ / (2 * kProbes),
                                                  (2 * row + 1) * height_ / (2 * kProbes));
-            if (picked) places.push_back(picked->position);
+            if (picked) points.push_back(picked->position);
         }
     }
-    std::sort(places.begin(), places.end(),
+    std::sort(points.begin(), points.end(),
               [this](const Imath::V3d& a, const Imath::V3d& b) { return depthOf(a) < depthOf(b); });
-    return places;
+    return points;
 }
 
-double Session::depthOf(const Imath::V3d& place) const {
+double Session::depthOf(const Imath::V3d& point) const {
     const Imath::M44d& frame = orbit_->camera().cameraToWorld;
     const Imath::V3d back(frame[2][0], frame[2][1], frame[2][2]);
-    return (frame.translation() - place).dot(back);
+    return (frame.translation() - point).dot(back);
 }
 
 void Session::turn(double x, double y) {

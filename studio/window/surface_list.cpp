@@ -2,7 +2,7 @@
 
 #include <QSignalBlocker>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 
 namespace tavora::studio {
 namespace {
@@ -20,11 +20,10 @@ SurfaceList::SurfaceList(QWidget* parent) : QListWidget(parent) {
     setAlternatingRowColors(true);
     setUniformItemSizes(true);
     setToolTip(tr("Double-click a surface for its options; the box turns its shader on and off"));
-    connect(this, &QListWidget::itemChanged, this, &SurfaceList::takeCheck);
+    connect(this, &QListWidget::itemChanged, this, &SurfaceList::applyCheck);
     connect(this, &QListWidget::itemActivated, this,
             [this](QListWidgetItem* item) { emit surfaceActivated(surfaceOf(*item)); });
-    connect(this, &QListWidget::currentItemChanged, this,
-            [this] { emit selectionChangedTo(current()); });
+    connect(this, &QListWidget::currentItemChanged, this, [this] { emit currentSurfaceChanged(); });
 }
 
 void SurfaceList::show(Session* session) {
@@ -56,9 +55,10 @@ std::vector<std::size_t> SurfaceList::selection() const {
     return surfaces;
 }
 
-std::ptrdiff_t SurfaceList::current() const {
+std::optional<std::size_t> SurfaceList::current() const {
     const QListWidgetItem* item = currentItem();
-    return item == nullptr ? -1 : static_cast<std::ptrdiff_t>(surfaceOf(*item));
+    if (item == nullptr) return std::nullopt;
+    return surfaceOf(*item);
 }
 
 void SurfaceList::select(std::size_t surface) {
@@ -81,7 +81,7 @@ void SurfaceList::update(std::size_t surface) {
     }
 }
 
-void SurfaceList::takeCheck(QListWidgetItem* item) {
+void SurfaceList::applyCheck(QListWidgetItem* item) {
     Document& document = session_->document();
     document.undo.push(
         enableStep(document.settings, surfaceOf(*item), item->checkState() == Qt::Checked));

@@ -1,35 +1,36 @@
 #pragma once
 
 #include <QListWidget>
+#include <optional>
 #include <vector>
 
 #include "studio/window/session.h"
 
 namespace tavora::studio {
 
-/// The surfaces of the scene: which have the shader, which differ from the
-/// file, which are selected. GUI thread.
+/// The list of the scene's surfaces. Shows which have an enabled shader, and which have unsaved
+/// changes. GUI thread.
 class SurfaceList : public QListWidget {
     Q_OBJECT
   public:
     explicit SurfaceList(QWidget* parent);
 
-    /// `session` must outlive the list or its next call of show(); null: none.
+    /// `session` must outlive the list, or exist until the next call of show(); null: none.
     void show(Session* session);
 
-    /// Of Scene::surfaces, in the order of the list.
+    /// The selected surfaces, as indices into Scene::surfaces, in the order of the list.
     std::vector<std::size_t> selection() const;
-    /// The one that single actions are about; -1: none.
-    std::ptrdiff_t current() const;
+    /// The surface for actions on a single one, if there is one.
+    std::optional<std::size_t> current() const;
     void select(std::size_t surface);
 
   signals:
     void surfaceActivated(std::size_t surface);
-    void selectionChangedTo(std::ptrdiff_t surface);
+    void currentSurfaceChanged();
 
   private:
     void update(std::size_t surface);
-    void takeCheck(QListWidgetItem* item);
+    void applyCheck(QListWidgetItem* item);
 
     Session* session_ = nullptr;
 };

@@ -6,7 +6,7 @@
 
 namespace tavora::studio {
 
-/// Colours of the window and the panels. GUI thread.
+/// The colours of the window and the panels. GUI thread.
 QPalette paletteOf(Theme theme);
 
 }  // namespace tavora::studio

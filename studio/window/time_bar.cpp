@@ -9,8 +9,8 @@ namespace tavora::studio {
 namespace {
 
 constexpr int kMargin = 6;          // pixels
-constexpr int kChoiceLetters = 18;  // of a name that are shown; the rest is in the list
-constexpr int kMostRows = 24;       // of the list on the screen at once
+constexpr int kChoiceLetters = 18;  // of a name; longer names are complete in the list
+constexpr int kMaxRows = 24;        // of the list on the screen at once
 
 QString timeText(double seconds, int frame) {
     return QObject::tr("%1 s · frame %2").arg(seconds, 0, 'f', 3).arg(frame);
@@ -40,7 +40,7 @@ TimeBar::TimeBar(const EditActions& actions, QWidget* parent)
     choice_->setToolTip(tr("Which of the scene's animations play; at rest, none does"));
     choice_->setSizeAdjustPolicy(QComboBox::AdjustToMinimumContentsLengthWithIcon);
     choice_->setMinimumContentsLength(kChoiceLetters);
-    choice_->setMaxVisibleItems(kMostRows);
+    choice_->setMaxVisibleItems(kMaxRows);
     auto* layout = new QHBoxLayout(this);
     layout->setContentsMargins(kMargin, kMargin, 0, 0);
     layout->addWidget(choice_);
@@ -67,9 +67,9 @@ void TimeBar::show(Session* session) {
     if (session_ != nullptr) session_->disconnect(this);
     session_ = session;
     playback_.show(session);
-    const bool moves = session != nullptr && !session->scene().animations.empty();
-    setVisible(moves);
-    if (moves) {
+    const bool hasAnimations = session != nullptr && !session->scene().animations.empty();
+    setVisible(hasAnimations);
+    if (hasAnimations) {
         fillChoices();
         connect(session, &Session::timeChanged, this, &TimeBar::showTime);
     }
@@ -115,7 +115,7 @@ void TimeBar::showRange() {
     if (session_ != nullptr) slider_->setRange(playback_.firstFrame(), playback_.lastFrame());
     showTime();
     showPlaying();
-    // As wide as the longest, so that the slider stays as it is while it plays.
+    // As wide as the longest text, so that the slider does not change its size while playing.
     const QString longest = timeText(slider_->maximum() / Playback::kFps, slider_->maximum());
     time_->setMinimumWidth(time_->fontMetrics().horizontalAdvance(longest) + kMargin);
 }

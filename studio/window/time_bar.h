@@ -10,15 +10,15 @@
 
 namespace tavora::studio {
 
-/// What plays and when, under the picture: there only for scenes with animations. GUI
-/// thread.
+/// The bar under the picture with the choice of animations, playback and time. Visible only for
+/// scenes with animations. GUI thread.
 class TimeBar : public QWidget {
     Q_OBJECT
   public:
     /// `actions` must outlive it.
     TimeBar(const EditActions& actions, QWidget* parent);
 
-    /// `session` must outlive it or the next call; null: none.
+    /// `session` must outlive this object, or exist until the next call; null: none.
     void show(Session* session);
 
     Playback& playback() { return playback_; }
@@ -38,7 +38,7 @@ class TimeBar : public QWidget {
     QSlider* slider_;
     QLabel* time_;
     QComboBox* choice_;
-    std::vector<std::vector<std::size_t>> choices_;  ///< what plays, by row
+    std::vector<std::vector<std::size_t>> choices_;  ///< the animations of each row
 };
 
 }  // namespace tavora::studio

@@ -22,8 +22,8 @@ bool isCompare(const QKeyEvent& key) {
     return key.key() == Qt::Key_C && key.modifiers() == Qt::NoModifier;
 }
 
-/// A field takes back what was typed in it before steps of the scene are.
-bool keepsUndo() {
+/// Whether a text field has the focus in which typing can be undone, before steps of the scene are.
+bool fieldHandlesUndo() {
     const auto* field = qobject_cast<const QLineEdit*>(QApplication::focusWidget());
     return field != nullptr && field->isUndoAvailable() && field->isModified();
 }
@@ -37,7 +37,7 @@ WindowKeys::WindowKeys() {
 bool WindowKeys::eventFilter(QObject* watched, QEvent* event) {
     switch (event->type()) {
         case QEvent::ShortcutOverride:
-            // What is taken here comes again as a key press.
+            // An accepted override is followed by a key press event.
             if (watched->isWidgetType() && actionOf(*static_cast<QKeyEvent*>(event)) != nullptr) {
                 event->accept();
                 return true;
@@ -55,13 +55,12 @@ bool WindowKeys::eventFilter(QObject* watched, QEvent* event) {
     }
 }
 
-/// What the key asks for; null when it is not ours. Dialogs that the window
-/// waits for keep all of their keys.
+/// The action of a key; null for other keys, and for all keys while a modal dialog is open.
 WindowKeys::Action WindowKeys::actionOf(const QKeyEvent& key) {
     if (QApplication::activeModalWidget() != nullptr) return nullptr;
     if (key.matches(QKeySequence::Save)) return &WindowKeys::save;
     if (key.matches(QKeySequence::HelpContents)) return &WindowKeys::help;
-    if (keepsUndo()) return nullptr;
+    if (fieldHandlesUndo()) return nullptr;
     if (key.matches(QKeySequence::Undo)) return &WindowKeys::undo;
     return isRedo(key) ? &WindowKeys::redo : nullptr;
 }

@@ -6,9 +6,9 @@ class QKeyEvent;
 
 namespace tavora::studio {
 
-/// Keys that work in the window and in its panels alike: undo, redo, save and help, and
-/// the one that is held to compare. Fields that are being typed in keep theirs.
-/// GUI thread; one a process, after the application.
+/// Keys that work both in the window and in its panels: undo, redo, save, help, and the key that is
+/// held to compare. Text fields handle undo themselves while there is typing to undo. GUI thread;
+/// one in a process, made after the application.
 class WindowKeys : public QObject {
     Q_OBJECT
   public:
@@ -19,7 +19,7 @@ class WindowKeys : public QObject {
     void redo();
     void save();
     void help();
-    /// Held, or let go.
+    /// The key was pressed or released.
     void compare(bool held);
 
   protected:

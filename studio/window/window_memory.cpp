@@ -31,7 +31,7 @@ bool WindowMemory::restore(QMainWindow& window) const {
     return window.restoreGeometry(memory.value(kGeometry).toByteArray());
 }
 
-void WindowMemory::keep(const QMainWindow& window) const {
+void WindowMemory::store(const QMainWindow& window) const {
     if (file_.isEmpty()) return;
     QSettings memory(file_, QSettings::IniFormat);
     memory.setValue(kGeometry, window.saveGeometry());
@@ -44,7 +44,7 @@ QString WindowMemory::colors() const {
     return QSettings(file_, QSettings::IniFormat).value(kColors).toString();
 }
 
-void WindowMemory::keepColors(const QString& colors) const {
+void WindowMemory::storeColors(const QString& colors) const {
     if (file_.isEmpty()) return;
     QSettings(file_, QSettings::IniFormat).setValue(kColors, colors);
 }

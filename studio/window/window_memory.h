@@ -5,20 +5,19 @@
 
 namespace tavora::studio {
 
-/// What the edit window keeps from one start to the next, in the file
-/// "window.ini" of the settings folder; without a folder it keeps nothing, and a
-/// damaged file counts as empty. GUI thread.
+/// Stores the geometry and colours of the edit window in the file "window.ini" of the settings
+/// folder. Without such a folder nothing is stored; a damaged file counts as empty. GUI thread.
 class WindowMemory {
   public:
     WindowMemory();
 
-    /// Puts the window where it last was; false when that is not known.
+    /// Restores the window's geometry; false when none is stored.
     bool restore(QMainWindow& window) const;
-    void keep(const QMainWindow& window) const;
+    void store(const QMainWindow& window) const;
 
-    /// "light", "dark", or empty: as the desktop has it.
+    /// "light", "dark", or empty for the desktop's colours.
     QString colors() const;
-    void keepColors(const QString& colors) const;
+    void storeColors(const QString& colors) const;
 
   private:
     QString file_;  ///< empty: there is no folder

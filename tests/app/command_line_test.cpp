@@ -43,9 +43,9 @@ TEST(CommandLine, TakesEachOptionToItsPlace) {
     EXPECT_EQ(std::tie(render.filter, render.depth, render.format, render.progress),
               std::tuple(PixelFilter::Tent, PictureDepth::Half, PictureFormat::Kind::Exr,
                          ProgressKind::Bar));
-    EXPECT_EQ(std::tie(render.scale, render.cropShares, render.lighting.ambient,
+    EXPECT_EQ(std::tie(render.scale, render.cropFractions, render.lighting.ambient,
                        render.lighting.exposure, render.lighting.falloff),
-              std::tuple(0.5, CropShares{0, 0, 1, 0.5}, Imath::V3d(0.25), 3, true));
+              std::tuple(0.5, CropFractions{0, 0, 1, 0.5}, Imath::V3d(0.25), 3, true));
     EXPECT_FALSE(render.cropPixels || render.background);
     EXPECT_EQ(render.lighting.radii.at(0).lights, "A");
     EXPECT_EQ(render.lighting.radii.at(1).size, 2);
@@ -98,8 +98,8 @@ TEST(OptionValues, AreReadWholeAndInTheirRange) {
                   {"", "0", "4..", "..4", "64..4", "4...64", "1..70000", "4..x", "65536"});
     EXPECT_EQ(cropPixels("1,2,3,4"), (PixelBox{1, 2, 3, 4}));
     expectRefused(cropPixels, {"1,2,3", "1,2,1,4", "3,2,4,2", "-1,0,1,1", "1,2,3,4,5", "0,0,.5,1"});
-    EXPECT_EQ(cropShares("0,0.25,1,0.5"), (CropShares{0, 0.25, 1, 0.5}));
-    expectRefused(cropShares, {"0,0,1,1.5", "0,0.5,1,0.5", "nan,0,1,1", "0,0,1"});
+    EXPECT_EQ(cropFractions("0,0.25,1,0.5"), (CropFractions{0, 0.25, 1, 0.5}));
+    expectRefused(cropFractions, {"0,0,1,1.5", "0,0.5,1,0.5", "nan,0,1,1", "0,0,1"});
     EXPECT_EQ(color("#ff0080"), Imath::V3d(1, 0, 128 / 255.0));
     EXPECT_EQ(color("0.1,0.2,1"), Imath::V3d(0.1, 0.2, 1));
     EXPECT_EQ(background("0.25"), Imath::V3d(0.25));
@@ -116,7 +116,7 @@ TEST(PictureArea, CropsOfSharedEdgesMeetAndPicturesStayWithinReason) {
     request.height = 33;
     int covered = 0;
     for (int i = 0; i < 7; ++i) {
-        request.cropShares = CropShares{i / 7.0, 0, (i + 1) / 7.0, 1};
+        request.cropFractions = CropFractions{i / 7.0, 0, (i + 1) / 7.0, 1};
         const PixelBox box = *pictureArea(request).crop;
         EXPECT_EQ(box.left, covered);
         EXPECT_EQ(box.height(), 33);

@@ -33,7 +33,7 @@ struct Film : GltfBuilder {
         Report report{ReportOptions{}};
         auto film = std::make_unique<FilmScene>(write(folder), ReadOptions{});
         film->play({}, report);
-        film->settle({}, 1.5);
+        film->prepare({}, 1.5);
         film->pose(seconds);
         return film;
     }

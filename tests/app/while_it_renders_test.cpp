@@ -21,13 +21,14 @@ TEST(Interruption, TheFirstSignalAsksAndTheSecondRemovesWhatIsUnfinished) {
     const pid_t child = ::fork();
     if (child == 0) {
         watchSignals();
-        const PoliteStop stop;
+        const GracefulStop stop;
         const AtomicFile first(folder / "a.txt");
         const AtomicFile second(folder / "b.txt");
         writeWholeFile(folder / "c.txt", "kept");
         ::raise(SIGPIPE);
         ::raise(SIGTERM);
-        if (!stop.asked() || stopSignal() != SIGTERM || folder.names().size() != 3) ::_exit(1);
+        if (!stop.isRequested() || stopSignal() != SIGTERM || folder.names().size() != 3)
+            ::_exit(1);
         ::raise(SIGTERM);
         ::_exit(2);
     }

@@ -59,7 +59,7 @@ TEST_F(DocumentEdits, ThatComeBackToTheirStartOrAreAbandonedAreNoStep) {
 
     undo.redo();
     const auto before = stateOf(*document);
-    EXPECT_FALSE(undo.did(3)) << "something was undone since";
+    EXPECT_FALSE(undo.isLastStepOf(3)) << "something was undone since";
     edit(*document, 0, 0.8, 4);
     undo.abandon(3);
     EXPECT_NE(stateOf(*document), before);

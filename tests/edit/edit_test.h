@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "studio/edit/document.h"
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/scene/settings/settings.h"
 #include "studio/services/directory_info.h"
 #include "tests/scene/gltf_builder.h"

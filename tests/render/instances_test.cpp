@@ -6,8 +6,8 @@
 #include <random>
 #include <vector>
 
-#include "studio/render/trace/ray_scene.h"
 #include "studio/render/trace/first_hits.h"
+#include "studio/render/trace/ray_scene.h"
 #include "tests/render/test_scene.h"
 #include "tests/support/refusal.h"
 

@@ -64,11 +64,11 @@ TEST(Curves, RotationsTurnEvenlyTheShorterWayAndKeepTheirLength) {
             EXPECT_NEAR(q[3] * sign, std::cos(t * shorter / 2), 1e-5) << angle << " " << t;
         }
     }
-    const Curve bent{
+    const Curve curve{
         Interpolation::CubicSpline, true, 4, {0, 1}, {0, 0, 0, 0, 0, 0, 0, 1, 1, 0, 0, 0,  //
                                                       1, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0}};
     for (double t = 0; t <= 1; t += 0.1) {
-        const auto q = at(bent, t);
+        const auto q = at(curve, t);
         EXPECT_NEAR(q[0] * q[0] + q[1] * q[1] + q[2] * q[2] + q[3] * q[3], 1, 1e-12);
     }
 }
@@ -126,7 +126,7 @@ TEST(Animations, MoveNodesMorphsAndSkinsAndLeaveTheRestAsItIs) {
     file.move({{"node", 0}, {"path", "translation"}}, {0, 0, 0, 4, 0, 0}, "VEC3");
     file.move({{"node", 1}, {"path", "weights"}}, {0, 2}, "SCALAR");
     file.move({{"node", 3}, {"path", "translation"}}, {0, 0, 0, 0, 8, 0}, "VEC3");
-    const Mesh* bent = nullptr;
+    const Mesh* deformed = nullptr;
     std::vector<std::uint64_t> revisions;
     file.play({0.5, 0.25, 0.25, 0.5}, [&](const Scene& scene, double t) {
         ASSERT_EQ(scene.objects.size(), 4U);
@@ -137,9 +137,9 @@ TEST(Animations, MoveNodesMorphsAndSkinsAndLeaveTheRestAsItIs) {
         EXPECT_EQ(meshOf(2)->positions[1], V3f(1, static_cast<float>(8 * t), 0));
         EXPECT_DOUBLE_EQ(scene.bounds.max.y, 8 * t + 1);
         EXPECT_EQ(meshOf(3)->revision, 0U) << "shared as stored";
-        EXPECT_TRUE(bent == nullptr || bent == meshOf(2).get()) << "in place";
-        bent = meshOf(2).get();
-        revisions.push_back(bent->revision);
+        EXPECT_TRUE(deformed == nullptr || deformed == meshOf(2).get()) << "in place";
+        deformed = meshOf(2).get();
+        revisions.push_back(deformed->revision);
     });
     EXPECT_TRUE(revisions[0] < revisions[1] && revisions[1] == revisions[2] &&
                 revisions[2] < revisions[3])

@@ -114,7 +114,7 @@ TEST(GltfPose, MorphWeightsOfTheNodeReplaceThoseOfTheMesh) {
     EXPECT_EQ(meshAt(1)->positions[0], V3f(1, 0, 0));
     expectNear(V3d(meshAt(1)->normals[0]), V3d(kHalf, 0, kHalf));
     EXPECT_EQ(meshAt(2)->positions[0], V3f(0));
-    EXPECT_EQ(meshAt(0), meshAt(3)) << "bent alike, shared";
+    EXPECT_EQ(meshAt(0), meshAt(3)) << "deformed alike, shared";
     file.document["nodes"] = R"([{"mesh": 0, "weights": [0, 0.5]}])"_j;
     file.document["scenes"][0]["nodes"] = {0};
     file.primitive()["attributes"].erase("NORMAL");

@@ -145,13 +145,13 @@ struct SmallScene {
         scene.cameras[1].name = "ear";
         for (std::size_t i = 0; i < lights.size(); ++i) {
             lights[i].name = std::array{"Key", "Fill", "Key.001"}[i];
-            rig.lights.push_back({&lights[i], Imath::V3d(0.25, 0.5, 1), 1});
+            lightSet.lights.push_back({&lights[i], Imath::V3d(0.25, 0.5, 1), 1});
         }
-        rig.ambient = {0.1, 0.2, 0.3};
+        lightSet.ambient = {0.1, 0.2, 0.3};
     }
     Scene scene;
     std::array<Light, 3> lights;
-    LightSet rig;
+    LightSet lightSet;
 };
 
 /// An address inside of something, which is no one's identity.
@@ -164,7 +164,7 @@ TEST(ItemInfo, WalksTheBoundScene) {
     const SmallScene small;
     const SceneIndex index(small.scene);
     EXPECT_THAT(namesOf(HOST_ITEM_LIGHT), ElementsAre());
-    const ServiceBinding binding(index, small.rig);
+    const ServiceBinding binding(index, small.lightSet);
     EXPECT_THAT(namesOf(HOST_ITEM_LIGHT), ElementsAre("Key", "Fill", "Key.001"));
     EXPECT_THAT(namesOf(HOST_ITEM_OBJECT), ElementsAre("left", "right"));
     EXPECT_THAT(namesOf(HOST_ITEM_CAMERA), ElementsAre("eye", "ear"));
@@ -172,7 +172,7 @@ TEST(ItemInfo, WalksTheBoundScene) {
     EXPECT_EQ(kItemInfo.first(HOST_ITEM_OBJECT, kItemInfo.first(HOST_ITEM_OBJECT, nullptr)),
               nullptr);
     for (HostItemId unknown :
-         {HostItemId{}, inside<HostItemId>(small), inside<HostItemId>(small.rig.lights[1]),
+         {HostItemId{}, inside<HostItemId>(small), inside<HostItemId>(small.lightSet.lights[1]),
           inside<HostItemId>(small.scene.cameras[0])}) {
         EXPECT_EQ(kItemInfo.name(unknown), nullptr);
         EXPECT_EQ(kItemInfo.next(unknown), nullptr);
@@ -183,7 +183,7 @@ TEST(ServiceBinding, BelongsToItsThreadAndScope) {
     const SmallScene small;
     const SceneIndex index(small.scene);
     const LightSet dark;
-    const ServiceBinding outer(index, small.rig);
+    const ServiceBinding outer(index, small.lightSet);
     {
         const ServiceBinding inner(index, dark);
         EXPECT_THAT(namesOf(HOST_ITEM_LIGHT), ElementsAre());
@@ -197,7 +197,7 @@ TEST(LightInfo, TellsColorsAndFlags) {
     small.lights[1].makesHighlights = false;
     small.lights[1].range = 10;
     const SceneIndex index(small.scene);
-    const ServiceBinding binding(index, small.rig);
+    const ServiceBinding binding(index, small.lightSet);
     const auto& service = kLightInfo;
     double color[3] = {-1, -1, -1};
     service.ambient(0, color);
@@ -208,7 +208,7 @@ TEST(LightInfo, TellsColorsAndFlags) {
     EXPECT_EQ(service.flags(first), 0);
     // A range counts only where light falls off.
     EXPECT_EQ(service.flags(kItemInfo.next(first)), HOST_LIGHT_NO_SPECULAR);
-    small.rig.falloff = true;
+    small.lightSet.falloff = true;
     EXPECT_EQ(service.flags(kItemInfo.next(first)),
               HOST_LIGHT_NO_SPECULAR | HOST_LIGHT_LIMITED_RANGE);
     service.color(nullptr, 0, color);
@@ -218,7 +218,7 @@ TEST(LightInfo, TellsColorsAndFlags) {
 TEST(Textures, AreFoundByChannelAndReadAtThePolygon) {
     SmallScene small;
     const SceneIndex index(small.scene);
-    const ServiceBinding binding(index, small.rig);
+    const ServiceBinding binding(index, small.lightSet);
     const auto& textures = kTextureFunctions;
     const auto find = kSurfaceFunctions.channelTexture;
     EXPECT_EQ(find(index.surfaceId(0), HOST_CHANNEL_BASE_COLOR), nullptr);
@@ -271,7 +271,7 @@ TEST(Textures, AreTheirMeanWhereASpotCoversThemWhole) {
     use.mipmaps = true;
     use.scale = {8, 4};  // of which a spot a fifth as wide as the triangle covers one
     const SceneIndex index(small.scene);
-    const ServiceBinding binding(index, small.rig);
+    const ServiceBinding binding(index, small.lightSet);
     HostTexturePoint point{};
     point.polygonId = index.polygonId(1, 0);
     point.vertexWeights[0] = 1;

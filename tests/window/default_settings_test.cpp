@@ -3,7 +3,7 @@
 #include <gmock/gmock.h>
 #include <set>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/services/directory_info.h"
 #include "studio/services/messages.h"
 #include "studio/services/registry.h"

@@ -13,10 +13,10 @@
 #include <gmock/gmock.h>
 #include <map>
 
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 #include "studio/scene/settings/look.h"
 #include "studio/window/look_thumbnails.h"
-#include "studio/window/panel_place.h"
+#include "studio/window/panel_position.h"
 #include "studio/window/window_memory.h"
 #include "tests/files/small_disk.h"
 #include "tests/window/window_rig.h"
@@ -242,7 +242,7 @@ TEST(PanelPlace, KeepsClearOfTheSurfacesAndThenOfTheWindow) {
     const auto coversWindow = [](QRect screen, QRect window) {
         const QRect side(window.right() - 250, window.top() + 60, 240, window.height() / 2);
         const QSize panel(547, 421);
-        const QRect shown(panelPlace(screen, window, side, panel), panel);
+        const QRect shown(panelPosition(screen, window, side, panel), panel);
         EXPECT_TRUE(screen.contains(shown));
         EXPECT_FALSE(shown.intersects(side));
         return shown.intersects(window);
@@ -351,7 +351,7 @@ TEST_F(EditWindowTest, AFileThatOthersChangedIsOverwrittenOnlyWhenAsked) {
     const auto saveChanged = [&](int button, int surface, bool on) {
         putBytes(scene_, text + "\n");
         check(surface, on);
-        window().keepSafe();
+        window().writeRecoveryNow();
         answer({button});
         action("save").trigger();
     };
@@ -398,7 +398,7 @@ TEST_F(EditWindowTest, AKilledSessionsWorkIsOfferedAtTheNextStart) {
     EXPECT_TRUE(QTest::qWaitFor(kept)) << "unsaved work is written by itself";
     check(0, false);
     const auto work = state();
-    window().keepSafe();
+    window().writeRecoveryNow();
     kill();
 
     answer({QMessageBox::Cancel});

@@ -9,8 +9,8 @@
 namespace tavora::studio {
 namespace {
 
-/// Quaternions nearer than this are blended in a straight line: the angle
-/// between them says nothing any more.
+/// Above this cosine, quaternions are interpolated linearly: the angle between them is too
+/// small to divide by its sine.
 constexpr double kNearlySame = 0.9995;
 
 void normalize(std::span<double> quaternion) {
@@ -33,14 +33,14 @@ double dot(const float* a, const float* b) {
     return sum;
 }
 
-/// Shares of two quaternions on the arc between them.
-std::array<double, 2> arcShares(double cosine, double share) {
+/// The weights of two quaternions, `fraction` of the way along the arc between them.
+std::array<double, 2> slerpWeights(double cosine, double fraction) {
     const double sign = cosine < 0 ? -1 : 1;
-    if (std::abs(cosine) > kNearlySame) return {1 - share, share * sign};
+    if (std::abs(cosine) > kNearlySame) return {1 - fraction, fraction * sign};
     const double angle = deterministic::arcCosine(std::abs(cosine));
     const double sine = deterministic::sin(angle);
-    return {deterministic::sin((1 - share) * angle) / sine,
-            deterministic::sin(share * angle) / sine * sign};
+    return {deterministic::sin((1 - fraction) * angle) / sine,
+            deterministic::sin(fraction * angle) / sine * sign};
 }
 
 }  // namespace
@@ -59,24 +59,24 @@ void Curve::sample(double seconds, std::span<double> out) const {
     } else {
         const double start = static_cast<double>(times[from]);
         const double gap = static_cast<double>(times[from + 1]) - start;
-        const double share = std::clamp((seconds - start) / gap, 0.0, 1.0);
-        std::array<double, 2> of{1 - share, share};
-        std::array<double, 2> ofTangents{0, 0};
+        const double fraction = std::clamp((seconds - start) / gap, 0.0, 1.0);
+        std::array<double, 2> weights{1 - fraction, fraction};
+        std::array<double, 2> tangentWeights{0, 0};
         if (isCubic) {
-            const double square = share * share;
-            const double cube = square * share;
-            of = {2 * cube - 3 * square + 1, 3 * square - 2 * cube};
-            ofTangents = {gap * (cube - 2 * square + share), gap * (cube - square)};
+            const double square = fraction * fraction;
+            const double cube = square * fraction;
+            weights = {2 * cube - 3 * square + 1, 3 * square - 2 * cube};
+            tangentWeights = {gap * (cube - 2 * square + fraction), gap * (cube - square)};
         } else if (isRotation) {
-            of = arcShares(dot(at(from), at(from + 1)), share);
+            weights = slerpWeights(dot(at(from), at(from + 1)), fraction);
         }
         for (std::size_t i = 0; i < width; ++i) {
-            out[i] = of[0] * static_cast<double>(at(from)[i]) +
-                     of[1] * static_cast<double>(at(from + 1)[i]);
+            out[i] = weights[0] * static_cast<double>(at(from)[i]) +
+                     weights[1] * static_cast<double>(at(from + 1)[i]);
             if (!isCubic) continue;
             const double leaving = static_cast<double>(values[from * stride + 2 * width + i]);
             const double arriving = static_cast<double>(values[(from + 1) * stride + i]);
-            out[i] += ofTangents[0] * leaving + ofTangents[1] * arriving;
+            out[i] += tangentWeights[0] * leaving + tangentWeights[1] * arriving;
         }
     }
     if (isRotation) normalize(out.first(width));

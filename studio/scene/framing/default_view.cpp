@@ -14,13 +14,13 @@ namespace {
 using Imath::V3d;
 using Scenes = std::span<const Scene* const>;
 
-constexpr double kFov = 0.6;            // radians, the longer lens of a portrait
-constexpr double kWidest = 16.0 / 9;    // width / height from which on the lens grows no wider
-constexpr double kRound = 0.523598776;  // radians to the side of the front: 30 degrees
-constexpr double kOver = 0.34906585;    // radians over the horizon: 20 degrees
-constexpr double kEdgeOn = 0.15;        // share of the surfaces' area that a picture shows
-constexpr std::size_t kTrianglesToJudgeBy = 4096;  // of a mesh, for that
-constexpr double kNearest = 0.01;                  // of the scene's size: the eye no nearer to it
+constexpr double kFov = 0.6;               // radians, vertical; like the longer lens of a portrait
+constexpr double kMaxAspect = 16.0 / 9;    // width / height above which the lens gets longer
+constexpr double kAzimuth = 0.523598776;   // radians to the side of the front: 30 degrees
+constexpr double kElevation = 0.34906585;  // radians over the horizon: 20 degrees
+constexpr double kEdgeOn = 0.15;           // fraction of the surfaces' area that is visible
+constexpr std::size_t kMaxTriangles = 4096;  // that are visited of a mesh to compute it
+constexpr double kMinDistance = 0.01;        // of the eye to the scene, as a fraction of its size
 
 /// A camera frame from its axes; `back` points from the target to the camera.
 struct Axes {
@@ -29,12 +29,12 @@ struct Axes {
     V3d back;
 };
 
-/// From the front, `round` radians to the right, and from above.
-Axes threeQuarterView(double round) {
-    const double level = deterministic::cos(kOver);
+/// A camera in front of the scene, `azimuth` radians to the right and kElevation up.
+Axes threeQuarterView(double azimuth) {
+    const double level = deterministic::cos(kElevation);
     Axes axes;
-    axes.back = V3d(deterministic::sin(round) * level, deterministic::sin(kOver),
-                    deterministic::cos(round) * level);
+    axes.back = V3d(deterministic::sin(azimuth) * level, deterministic::sin(kElevation),
+                    deterministic::cos(azimuth) * level);
     axes.right = V3d(0, 1, 0).cross(axes.back).normalized();
     axes.up = axes.back.cross(axes.right);
     return axes;
@@ -45,19 +45,20 @@ Imath::M44d frame(const Axes& a, const V3d& origin) {
                        a.back.y, a.back.z, 0, origin.x, origin.y, origin.z, 1);
 }
 
-constexpr double kNone = -std::numeric_limits<double>::infinity();
+constexpr double kUnset = -std::numeric_limits<double>::infinity();
 
-/// A point as one side of the frustum sees it: how far out and how near.
-struct Outmost {
-    double reach = kNone;  ///< out + slope * near
+/// The point that lies farthest out of one side of the frustum: its distance from the axis
+/// on that side, and its coordinate along the axis, growing towards the camera.
+struct Extreme {
+    double reach = kUnset;  ///< out + slope * near
     double out = 0;
     double near = 0;
 };
 
 /// Two opposite sides of a view frustum. Each is a plane that moves away from the
-/// axis by `slope` for each unit of distance from the eye. Those of the
-/// scene's points that reach farthest past the planes decide where the eye is:
-/// from a distance of (reach + reach) / (2 * slope) both planes touch the scene.
+/// axis by `slope` for each unit of distance from the eye. The scene's points that lie
+/// farthest out decide where the eye is: from a distance of
+/// (positive reach + negative reach) / (2 * slope) both planes touch the scene.
 class Sides {
   public:
     explicit Sides(double slope) : slope_(slope) {}
@@ -67,15 +68,15 @@ class Sides {
         include(negative_, -out, near);
     }
 
-    /// Whether including the point would change anything.
-    bool isReachedBy(double out, double near) const {
+    /// Whether the point lies farther out than all that were included.
+    bool isExceededBy(double out, double near) const {
         return out + slope_ * near > positive_.reach || -out + slope_ * near > negative_.reach;
     }
 
-    /// Of the nearest eye from which all is between the planes.
+    /// How far away the nearest eye is that has all points between the planes.
     double distance() const { return (positive_.reach + negative_.reach) / (2 * slope_); }
 
-    /// Where the eye is across: in the middle of what it sees.
+    /// The position of that eye across the axis.
     double middle() const { return (positive_.reach - negative_.reach) / 2; }
 
     double slope() const { return slope_; }
@@ -87,21 +88,21 @@ class Sides {
     }
 
   private:
-    void include(Outmost& side, double out, double near) const {
+    void include(Extreme& extreme, double out, double near) const {
         const double reach = out + slope_ * near;
-        if (reach > side.reach) side = {reach, out, near};
+        if (reach > extreme.reach) extreme = {reach, out, near};
     }
 
     double slope_;
-    Outmost positive_;
-    Outmost negative_;
+    Extreme positive_;
+    Extreme negative_;
 };
 
-/// By a transform without perspective.
-V3d placed(const Imath::V3f& point, const Imath::M44d& to) {
-    V3d place;
-    to.multDirMatrix(V3d(point), place);
-    return place + V3d(to[3][0], to[3][1], to[3][2]);
+/// Transforms a point by a matrix without perspective.
+V3d transformed(const Imath::V3f& point, const Imath::M44d& to) {
+    V3d direction;
+    to.multDirMatrix(V3d(point), direction);
+    return direction + V3d(to[3][0], to[3][1], to[3][2]);
 }
 
 /// Calls visit(mesh, transform) for each mesh; the transform takes its positions
@@ -116,46 +117,48 @@ void eachMesh(Scenes scenes, const Imath::M44d& next, const Visit& visit) {
     }
 }
 
-/// Of all surfaces' area, the share that is left in a picture from far off.
-class SeenArea {
+/// The projected area of all triangles, as a fraction of their area.
+class ProjectedArea {
   public:
-    explicit SeenArea(const Axes& axes) : back_(axes.back) {}
+    explicit ProjectedArea(const Axes& axes) : back_(axes.back) {}
 
     void include(const V3d& areaVector) {
-        seen_ += std::abs(areaVector.dot(back_));
-        whole_ += areaVector.length();
+        projected_ += std::abs(areaVector.dot(back_));
+        total_ += areaVector.length();
     }
 
-    double share() const { return whole_ > 0 ? seen_ / whole_ : 1; }
+    double fraction() const { return total_ > 0 ? projected_ / total_ : 1; }
 
   private:
     V3d back_;
-    double seen_ = 0;
-    double whole_ = 0;
+    double projected_ = 0;
+    double total_ = 0;
 };
 
-/// From the right; from the left if that is where a flat scene is not edge-on.
+/// The view from the right, or from the left for a flat scene that is edge-on from the
+/// right only.
 Axes viewOf(Scenes scenes) {
-    const Axes right = threeQuarterView(kRound);
-    const Axes left = threeQuarterView(-kRound);
-    SeenArea fromRight(right);
-    SeenArea fromLeft(left);
+    const Axes right = threeQuarterView(kAzimuth);
+    const Axes left = threeQuarterView(-kAzimuth);
+    ProjectedArea fromRight(right);
+    ProjectedArea fromLeft(left);
     eachMesh(scenes, {}, [&](const Mesh& mesh, const Imath::M44d& toWorld) {
-        const std::size_t step = mesh.triangles.size() / kTrianglesToJudgeBy + 1;
+        const std::size_t step = mesh.triangles.size() / kMaxTriangles + 1;
         for (std::size_t i = 0; i < mesh.triangles.size(); i += step) {
             const auto& [a, b, c] = mesh.triangles[i];
-            const V3d corner = placed(mesh.positions[a], toWorld);
-            const V3d area = (placed(mesh.positions[b], toWorld) - corner)
-                                 .cross(placed(mesh.positions[c], toWorld) - corner);
+            const V3d corner = transformed(mesh.positions[a], toWorld);
+            const V3d area = (transformed(mesh.positions[b], toWorld) - corner)
+                                 .cross(transformed(mesh.positions[c], toWorld) - corner);
             fromRight.include(area);
             fromLeft.include(area);
         }
     });
-    const bool edgeOn = fromRight.share() < kEdgeOn && fromLeft.share() > 2 * fromRight.share();
+    const bool edgeOn =
+        fromRight.fraction() < kEdgeOn && fromLeft.fraction() > 2 * fromRight.fraction();
     return edgeOn ? left : right;
 }
 
-/// The boxes of meshes in their own space, by mesh.
+/// The bounding box of each mesh in object space.
 using Boxes = std::map<const Mesh*, Imath::Box3f>;
 
 Boxes boxesOf(Scenes scenes) {
@@ -170,15 +173,16 @@ Boxes boxesOf(Scenes scenes) {
 }
 
 V3d cornerOf(const Imath::Box3f& box, unsigned i, const Imath::M44d& to) {
-    return placed({(i & 1U) != 0 ? box.max.x : box.min.x, (i & 2U) != 0 ? box.max.y : box.min.y,
-                   (i & 4U) != 0 ? box.max.z : box.min.z},
-                  to);
+    return transformed(
+        {(i & 1U) != 0 ? box.max.x : box.min.x, (i & 2U) != 0 ? box.max.y : box.min.y,
+         (i & 4U) != 0 ? box.max.z : box.min.z},
+        to);
 }
 
-/// Calls visit(corner) for all triangles' corners in camera axes with the eye in the
-/// world's origin; for those of a unit cube where there are no triangles. Leaves out the
-/// meshes in whose boxes no corner mayCount(), so that of many only those at the rim of
-/// the scene cost time.
+/// Calls visit(corner) for the corners of all triangles, or of a unit cube when there are no
+/// triangles. Corners are in camera axes, with the eye at the world's origin. Skips a mesh
+/// when mayCount() is false for all corners of its bounding box, so that of many meshes
+/// only those at the border of the scene cost time.
 template <typename MayCount, typename Visit>
 void eachCorner(Scenes scenes, const Axes& axes, const Boxes& boxes, const MayCount& mayCount,
                 const Visit& visit) {
@@ -193,7 +197,7 @@ void eachCorner(Scenes scenes, const Axes& axes, const Boxes& boxes, const MayCo
         if (!counts) return;
         for (const auto& triangle : mesh.triangles) {
             for (const std::uint32_t i : triangle)
-                visit(placed(mesh.positions[i], to));
+                visit(transformed(mesh.positions[i], to));
         }
     });
     for (unsigned i = 0; none && i < 8; ++i) {
@@ -201,46 +205,48 @@ void eachCorner(Scenes scenes, const Axes& axes, const Boxes& boxes, const MayCo
     }
 }
 
-/// Widens a scene that is seen as a point or a line.
-double roomFor(const Imath::Box3d& seen) {
-    const double size = seen.size().length();
-    return size > 0 ? kNearest * size : 1.0;
+/// The least distance between the eye and the scene, for a scene that looks like a point or
+/// a line and would allow any distance.
+double minDistanceTo(const Imath::Box3d& box) {
+    const double size = box.size().length();
+    return size > 0 ? kMinDistance * size : 1.0;
 }
 
 bool isNear(double next, double last) {
     return std::abs(next - last) <= 1e-9 * last;
 }
 
-/// The eye from which the scene's picture is in the middle both ways and reaches
-/// to the margin one way, in camera axes. The sides that need more distance
-/// decide how far off it is; the others are drawn in until both touch the scene.
-/// From planes that are too far out, Newton's method goes past the place once, then
-/// up to it: what it solves is convex, made of straight pieces, and ends exactly.
+/// The eye position, in camera axes, from which the scene's picture is centred in both
+/// directions and extends to the margin in the tighter one. The pair of sides that needs
+/// more distance decides the distance; the slope of the other pair is reduced until both of
+/// its planes touch the scene. That slope is found by Newton's method: the function is
+/// convex and piecewise linear, so after at most one step past the solution the method
+/// approaches it from one side and ends exactly on it.
 V3d framingEye(Scenes scenes, const Axes& axes, double slopeAcross, double slopeUp) {
-    constexpr int kMostRounds = 16;
+    constexpr int kMaxIterations = 16;
     Sides across(slopeAcross);
     Sides up(slopeUp);
-    Imath::Box3d seen;
+    Imath::Box3d box;
     const Boxes boxes = boxesOf(scenes);
-    const auto isReachedBy = [&](const V3d& p) {
-        return across.isReachedBy(p.x, p.z) || up.isReachedBy(p.y, p.z);
+    const auto isOutside = [&](const V3d& p) {
+        return across.isExceededBy(p.x, p.z) || up.isExceededBy(p.y, p.z);
     };
     eachCorner(
-        scenes, axes, boxes, [&](const V3d& p) { return !seen.intersects(p) || isReachedBy(p); },
+        scenes, axes, boxes, [&](const V3d& p) { return !box.intersects(p) || isOutside(p); },
         [&](const V3d& p) {
             across.include(p.x, p.z);
             up.include(p.y, p.z);
-            seen.extendBy(p);
+            box.extendBy(p);
         });
     const double distance =
-        std::max({across.distance(), up.distance(), seen.max.z + roomFor(seen)});
-    for (int round = 0; round < kMostRounds; ++round) {
+        std::max({across.distance(), up.distance(), box.max.z + minDistanceTo(box)});
+    for (int iteration = 0; iteration < kMaxIterations; ++iteration) {
         const double nextAcross = across.slopeFrom(distance);
         const double nextUp = up.slopeFrom(distance);
         if (isNear(nextAcross, across.slope()) && isNear(nextUp, up.slope())) break;
         across = Sides(nextAcross);
         up = Sides(nextUp);
-        eachCorner(scenes, axes, boxes, isReachedBy, [&](const V3d& p) {
+        eachCorner(scenes, axes, boxes, isOutside, [&](const V3d& p) {
             across.include(p.x, p.z);
             up.include(p.y, p.z);
         });
@@ -252,10 +258,10 @@ V3d framingEye(Scenes scenes, const Axes& axes, double slopeAcross, double slope
 
 Camera framingCameraOfFilm(Scenes scenes, double aspect) {
     const Axes axes = viewOf(scenes);
-    const double fov = kFov * std::min(1.0, kWidest / aspect);
+    const double fov = kFov * std::min(1.0, kMaxAspect / aspect);
     const double slope = deterministic::tan(fov / 2);
-    const double kept = 1 - 2 * kFramingMargin;
-    const V3d eye = framingEye(scenes, axes, slope * aspect * kept, slope * kept);
+    const double inner = 1 - 2 * kFramingMargin;
+    const V3d eye = framingEye(scenes, axes, slope * aspect * inner, slope * inner);
     Camera camera;
     camera.name = "Framing";
     camera.verticalFov = fov;
@@ -268,8 +274,8 @@ Camera framingCamera(const Scene& scene, double aspect) {
     return framingCameraOfFilm(scenes, aspect);
 }
 
-Scene shapeOf(const Scene& scene) {
-    Scene shape;
+Scene geometryOf(const Scene& scene) {
+    Scene geometry;
     for (const auto& object : scene.objects) {
         auto copy = std::make_shared<Object>(*object);
         for (Part& part : copy->parts) {
@@ -279,9 +285,9 @@ Scene shapeOf(const Scene& scene) {
             mesh->triangles = part.mesh->triangles;
             part.mesh = std::move(mesh);
         }
-        shape.objects.push_back(std::move(copy));
+        geometry.objects.push_back(std::move(copy));
     }
-    return shape;
+    return geometry;
 }
 
 Light keyLight(const Camera& camera) {

@@ -16,10 +16,10 @@ namespace {
 
 using gltf::ComponentType;
 
-// Elements without data that any file may have, besides one for each of its bytes.
+// How many elements without data (zeros) a file may have, in addition to one per byte.
 constexpr std::size_t kZerosOfSmallFiles = 65536;
 
-/// How one accessor's elements lie in memory.
+/// How the elements of an accessor are stored.
 struct Layout {
     int index = 0;
     ComponentType componentType{};
@@ -30,7 +30,7 @@ struct Layout {
     std::size_t elementSize() const { return componentSize * components; }
 };
 
-/// Bytes of a component; 0 for a type that is none.
+/// The bytes of a component; 0 for an unknown type.
 std::size_t sizeOf(ComponentType type) {
     switch (type) {
         case ComponentType::Byte:
@@ -51,13 +51,13 @@ bool isUnsigned(ComponentType type) {
            type == ComponentType::UnsignedInt;
 }
 
-/// Components of an element; 0 for a type that is none.
+/// The number of components of an element; 0 for an unknown type.
 std::size_t componentsOf(std::string_view type) {
     constexpr std::pair<std::string_view, std::size_t> kTypes[] = {
         {"SCALAR", 1}, {"VEC2", 2}, {"VEC3", 3}, {"VEC4", 4},
         {"MAT2", 4},   {"MAT3", 9}, {"MAT4", 16}};
     const auto* found = std::find_if(std::begin(kTypes), std::end(kTypes),
-                                     [type](const auto& known) { return known.first == type; });
+                                     [type](const auto& entry) { return entry.first == type; });
     return found == std::end(kTypes) ? 0 : found->second;
 }
 
@@ -74,7 +74,8 @@ Layout layoutOf(const GltfSource& source, int index) {
     return layoutOf(source, index, accessor.componentType, accessor.type, accessor.normalized);
 }
 
-/// Start of `count` elements from `offset` in a view; throws when they do not fit.
+/// The first of `count` elements at `offset` in a buffer view. Throws Error when they do not
+/// fit into the view.
 const std::uint8_t* elementsIn(const GltfSource& source, const Layout& layout,
                                const ByteRange& view, std::size_t offset, std::size_t count,
                                std::size_t stride) {
@@ -136,8 +137,8 @@ void copyElement(const Layout& layout, const std::uint8_t* from, T* to) {
 }
 
 template <typename T>
-void putSparse(const GltfSource& source, const Layout& layout, const gltf::Accessor& accessor,
-               std::vector<T>& values) {
+void applySparse(const GltfSource& source, const Layout& layout, const gltf::Accessor& accessor,
+                 std::vector<T>& values) {
     const gltf::Sparse& sparse = *accessor.sparse;
     const std::size_t count = sparse.count;
     const Layout indexLayout =
@@ -166,8 +167,8 @@ void putSparse(const GltfSource& source, const Layout& layout, const gltf::Acces
     }
 }
 
-/// Where the elements of an accessor start; null when it has no buffer view,
-/// which stands for zeros. Throws unless all of them are there.
+/// The first element of an accessor, and its `stride`; null for an accessor without a buffer
+/// view, whose elements are zeros. Throws Error when the file does not have all elements.
 const std::uint8_t* elementsOf(const GltfSource& source, const Layout& layout,
                                const gltf::Accessor& accessor, std::size_t& stride) {
     if (accessor.bufferView != gltf::kNone) {
@@ -175,7 +176,7 @@ const std::uint8_t* elementsOf(const GltfSource& source, const Layout& layout,
         stride = view.stride != 0 ? view.stride : layout.elementSize();
         return elementsIn(source, layout, view, accessor.byteOffset, accessor.count, stride);
     }
-    if (accessor.count > kZerosOfSmallFiles + source.bytesHeld) {
+    if (accessor.count > kZerosOfSmallFiles + source.totalBytes) {
         source.fail(
             fmt::format("accessor {} claims {} elements without data: export the file again",
                         layout.index, accessor.count));
@@ -195,24 +196,24 @@ std::vector<T> readElements(const GltfSource& source, const Layout& layout,
     return values;
 }
 
-/// All elements, sparse ones put in.
+/// Reads all elements, with sparse ones applied.
 template <typename T>
 std::vector<T> readAll(const GltfSource& source, const Layout& layout,
                        const gltf::Accessor& accessor) {
     auto values = readElements<T>(source, layout, accessor, VertexPicks(accessor.count));
-    if (accessor.sparse) putSparse(source, layout, accessor, values);
+    if (accessor.sparse) applySparse(source, layout, accessor, values);
     return values;
 }
 
 void checkFinite(const GltfSource& source, const FloatTable& table, int index) {
-    const auto odd = std::find_if_not(table.values.begin(), table.values.end(),
-                                      [](float v) { return std::isfinite(v); });
-    if (odd == table.values.end()) return;
-    const auto at = static_cast<std::size_t>(odd - table.values.begin());
+    const auto found = std::find_if_not(table.values.begin(), table.values.end(),
+                                        [](float v) { return std::isfinite(v); });
+    if (found == table.values.end()) return;
+    const auto position = static_cast<std::size_t>(found - table.values.begin());
     source.fail(
         fmt::format("a value of accessor {} is not a finite number (element {} of those "
                     "used): repair the model",
-                    index, at / static_cast<std::size_t>(table.components)));
+                    index, position / static_cast<std::size_t>(table.components)));
 }
 
 }  // namespace
@@ -228,15 +229,15 @@ ByteRange viewBytes(const GltfSource& source, int index) {
     return {buffer.data() + view.byteOffset, view.byteLength, view.byteStride};
 }
 
-FloatTable readFloats(const GltfSource& source, int index, int least, int most,
+FloatTable readFloats(const GltfSource& source, int index, int minComponents, int maxComponents,
                       const VertexPicks* picks) {
     const gltf::Accessor& accessor = gltf::at(source.document.accessors, index);
     const Layout layout = layoutOf(source, index);
     const int components = static_cast<int>(layout.components);
-    if (components < least || components > most) {
+    if (components < minComponents || components > maxComponents) {
         source.fail(
             fmt::format("accessor {} has {} components where {} are needed: export the file again",
-                        index, components, least));
+                        index, components, minComponents));
     }
     FloatTable table{accessor.count, components, {}};
     if (picks == nullptr || accessor.sparse) {
@@ -265,7 +266,7 @@ std::size_t elementCount(const GltfSource& source, int index) {
     return gltf::at(source.document.accessors, index).count;
 }
 
-void checkBacked(const GltfSource& source, int index) {
+void checkCount(const GltfSource& source, int index) {
     const gltf::Accessor& accessor = gltf::at(source.document.accessors, index);
     std::size_t stride = 0;
     elementsOf(source, layoutOf(source, index), accessor, stride);

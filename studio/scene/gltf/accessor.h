@@ -8,8 +8,8 @@
 
 namespace tavora::studio {
 
-/// An accessor's elements as floats, `components` each, sparse values put in,
-/// normalized integers brought to 0..1 or -1..1. Every value is finite.
+/// An accessor's elements as floats, `components` for each element. Sparse values are
+/// applied, and normalized integers are converted to 0..1 or -1..1. Every value is finite.
 struct FloatTable {
     std::size_t count = 0;
     int components = 0;
@@ -20,31 +20,32 @@ struct FloatTable {
     }
 };
 
-/// Reads accessor `index`, which must hold `least` to `most` components: the
-/// elements that `picks` names, or all. Throws Error for anything out of
-/// range or not a number.
-FloatTable readFloats(const GltfSource& source, int index, int least, int most,
+/// Reads accessor `index`, whose elements must have `minComponents` to `maxComponents`
+/// components: the elements in `picks`, or all of them. Throws Error for data outside its
+/// buffer view and for a value that is not finite.
+FloatTable readFloats(const GltfSource& source, int index, int minComponents, int maxComponents,
                       const VertexPicks* picks = nullptr);
 
 /// Reads accessor `index` as single unsigned integers. Throws Error.
 std::vector<std::uint32_t> readIntegers(const GltfSource& source, int index);
 
-/// How many elements accessor `index` claims to have.
+/// The number of elements of accessor `index` according to the document.
 std::size_t elementCount(const GltfSource& source, int index);
 
-/// Throws Error when accessor `index` claims more elements than the file's
-/// bytes account for, before memory is set aside for them.
-void checkBacked(const GltfSource& source, int index);
+/// Throws Error when accessor `index` has more elements than the file has data for. To be
+/// called before memory is allocated for them.
+void checkCount(const GltfSource& source, int index);
 
-/// The picked elements of a table.
+/// The elements of `table` that are in `picks`, in the order of `picks`.
 FloatTable picked(const FloatTable& table, const VertexPicks& picks);
 
-/// The bytes of a buffer view, checked. Throws Error.
+/// The bytes of a buffer view.
 struct ByteRange {
     const std::uint8_t* data = nullptr;
     std::size_t size = 0;
     std::size_t stride = 0;  ///< 0: tightly packed
 };
+/// The bytes of buffer view `index`. Throws Error when they are outside the buffer.
 ByteRange viewBytes(const GltfSource& source, int index);
 
 }  // namespace tavora::studio

@@ -11,7 +11,7 @@
 namespace tavora::studio {
 namespace {
 
-/// The keys of an accessor of times, in seconds.
+/// The key times of an accessor, in seconds.
 struct Keys {
     std::size_t count = 0;
     double first = 0;
@@ -27,13 +27,13 @@ class AnimationReader {
         AnimationInfo info;
         info.name = animation.name;
         info.channels = animation.channels.size();
-        bool known = false;
+        bool hasKeys = false;
         for (const gltf::AnimationSampler& sampler : animation.samplers) {
             const Keys& keys = keysOf(sampler.input);
             if (keys.count == 0) continue;
-            info.start = known ? std::min(info.start, keys.first) : keys.first;
+            info.start = hasKeys ? std::min(info.start, keys.first) : keys.first;
             info.end = std::max(info.end, keys.last);
-            known = true;
+            hasKeys = true;
         }
         for (std::size_t i = 0; i < animation.channels.size(); ++i)
             checkChannel(animation, i, fmt::format("animations[{}].channels[{}]", index, i));
@@ -62,7 +62,7 @@ class AnimationReader {
         const bool cubic = sampler.interpolation == Interpolation::CubicSpline;
         const std::size_t keys = keysOf(sampler.input).count * (cubic ? 3 : 1);
         const gltf::Accessor& values = gltf::at(source_.document.accessors, sampler.output);
-        checkBacked(source_, sampler.output);
+        checkCount(source_, sampler.output);
         const char* type = typeOf(channel.target.path);
         if (type != nullptr && values.type != type) {
             source_.fail(
@@ -81,7 +81,7 @@ class AnimationReader {
                         cubic ? ", three a key" : ""));
     }
 
-    /// Of an accessor's elements; null where it may be any.
+    /// The type that an accessor's elements must have; null when it may be any.
     static const char* typeOf(gltf::TargetPath path) {
         switch (path) {
             case gltf::TargetPath::Translation:
@@ -98,7 +98,7 @@ class AnimationReader {
         return nullptr;
     }
 
-    /// Elements that one key sets; 0 where that is not known.
+    /// How many elements one key sets; 0 when any number may be right.
     std::size_t valuesPerKey(const gltf::AnimationTarget& target) const {
         if (target.path == gltf::TargetPath::Weights) return morphTargetsOf(target.node);
         return typeOf(target.path) != nullptr ? 1 : 0;
@@ -116,7 +116,8 @@ class AnimationReader {
     std::map<int, Keys> keys_;  // by accessor
 };
 
-/// What a channel moves, as a pointer into the document; empty for nothing.
+/// The pointer to the member of the document that a channel animates; empty when it has no
+/// target.
 gltf::Pointer pointerOf(const gltf::AnimationTarget& target) {
     if (target.path == gltf::TargetPath::Pointer) return *target.pointer;
     const char* member = nullptr;
@@ -135,33 +136,34 @@ std::string textOf(const gltf::Pointer& pointer) {
     return shortened(text);
 }
 
-/// Whether a pointer leads into a list past its end. Others may point at what is there
-/// but is not read.
-bool leadsNowhere(const gltf::Json& json, const gltf::Pointer& pointer) {
-    const gltf::Json* at = &json;
+/// Whether a pointer points at an element that a list of the file does not have, or at an
+/// unknown top-level member. Other pointers may point at members that are not read.
+bool pointsOutOfRange(const gltf::Json& json, const gltf::Pointer& pointer) {
+    const gltf::Json* value = &json;
     for (const std::string& token : pointer.tokens) {
-        if (at->is_array()) {
+        if (value->is_array()) {
             const bool isIndex = !token.empty() && token.size() < 10 &&
                                  token.find_first_not_of("0123456789") == std::string::npos;
-            if (!isIndex || std::stoul(token) >= at->size()) return true;
-            at = &(*at)[std::stoul(token)];
+            if (!isIndex || std::stoul(token) >= value->size()) return true;
+            value = &(*value)[std::stoul(token)];
         } else {
-            const auto next = at->is_object() ? at->find(token) : at->end();
-            if (next == at->end()) return at == &json;
-            at = &*next;
+            const auto next = value->is_object() ? value->find(token) : value->end();
+            if (next == value->end()) return value == &json;
+            value = &*next;
         }
     }
     return false;
 }
 
-/// The quaternion among a document's members.
+/// Whether a pointer points at the one kind of member that is a quaternion.
 bool isRotation(const gltf::Pointer& pointer) {
     return pointer.tokens.size() == 3 && pointer.tokens[0] == "nodes" &&
            pointer.tokens[2] == "rotation";
 }
 
-/// What an avatar's material says of its tones becomes settings once, before a film.
-bool isOfToon(const gltf::Pointer& pointer) {
+/// Whether a pointer points into an avatar's shading, which is converted to shader settings
+/// once, before a film, and so cannot be animated.
+bool isToonMember(const gltf::Pointer& pointer) {
     const auto& tokens = pointer.tokens;
     return std::find(tokens.begin(), tokens.end(), "VRMC_materials_mtoon") != tokens.end();
 }
@@ -194,17 +196,18 @@ std::vector<AnimationInfo> readAnimations(const GltfSource& source) {
 
 std::vector<std::size_t> AnimationPlayer::compatible() const {
     std::vector<std::size_t> result;
-    std::set<std::vector<std::string>> moved;
+    std::set<std::vector<std::string>> animated;
     const std::vector<gltf::Animation>& animations = source_.document.animations;
     for (std::size_t i = 0; i < animations.size(); ++i) {
-        std::set<std::vector<std::string>> own;
+        std::set<std::vector<std::string>> targets;
         for (const gltf::AnimationChannel& channel : animations[i].channels)
-            own.insert(pointerOf(channel.target).tokens);
-        own.erase(std::vector<std::string>());
-        const bool isFree = std::none_of(
-            own.begin(), own.end(), [&](const auto& target) { return moved.contains(target); });
+            targets.insert(pointerOf(channel.target).tokens);
+        targets.erase(std::vector<std::string>());
+        const bool isFree = std::none_of(targets.begin(), targets.end(), [&](const auto& target) {
+            return animated.contains(target);
+        });
         if (!isFree) continue;
-        moved.merge(own);
+        animated.merge(targets);
         result.push_back(i);
     }
     return result;
@@ -214,7 +217,7 @@ void AnimationPlayer::play(std::span<const std::size_t> animations) {
     for (const Track& track : tracks_)
         setValue(track.target, track.rest);
     tracks_.clear();
-    movesMaterials_ = false;
+    animatesMaterials_ = false;
     for (const std::size_t index : animations) {
         const gltf::Animation& animation = source_.document.animations[index];
         for (std::size_t i = 0; i < animation.channels.size(); ++i)
@@ -229,7 +232,7 @@ void AnimationPlayer::addTrack(const gltf::Animation& animation, std::size_t ind
     const gltf::Pointer pointer = pointerOf(channel.target);
     Track track;
     track.target = memberAt(source_.document, pointer);
-    if (!canMove(pointer, track.target, where)) return;
+    if (!canAnimate(pointer, track.target, where)) return;
     const std::size_t keys = elementCount(source_, sampler.input);
     if (keys == 0) return;
     track.rest = valueOf(track.target);
@@ -241,17 +244,17 @@ void AnimationPlayer::addTrack(const gltf::Animation& animation, std::size_t ind
     }
     track.curve = readCurve(sampler, width, where);
     track.curve.isRotation = isRotation(pointer);
-    movesMaterials_ = movesMaterials_ || pointer.tokens[0] == "materials";
+    animatesMaterials_ = animatesMaterials_ || pointer.tokens[0] == "materials";
     tracks_.push_back(std::move(track));
 }
 
-bool AnimationPlayer::canMove(const gltf::Pointer& pointer, const gltf::MemberRef& target,
-                              const std::string& where) {
+bool AnimationPlayer::canAnimate(const gltf::Pointer& pointer, const gltf::MemberRef& target,
+                                 const std::string& where) {
     const std::string line = oneLine(source_.path + ": " + where);
     if (pointer.tokens.empty()) {
         warnings_.push_back(line + " names nothing that it moves and is left out");
-    } else if (!target.exists() || isOfToon(pointer)) {
-        if (leadsNowhere(source_.json, pointer)) {
+    } else if (!target.exists() || isToonMember(pointer)) {
+        if (pointsOutOfRange(source_.json, pointer)) {
             warnings_.push_back(fmt::format("{} moves {}, which the file has not, and is left out",
                                             line, textOf(pointer)));
         } else {

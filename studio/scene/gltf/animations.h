@@ -12,38 +12,39 @@
 
 namespace tavora::studio {
 
-/// What the animations of a file are, in its order. Throws Error for one that
-/// cannot be played: key times that go backwards or are no numbers, and values
-/// that are of another type, or more or fewer, than the keys and what they move
-/// ask for.
+/// Describes the animations of a file, in the file's order. Throws Error for one that cannot
+/// be played: when key times go backwards or are not finite, or when the type or number of
+/// its values does not fit its keys and the property that it animates.
 std::vector<AnimationInfo> readAnimations(const GltfSource& source);
 
-/// Plays animations of a file: writes their values at a time into its document,
-/// from which the scene is then made. One thread at a time.
+/// Plays animations of a file: writes their values at a time into the file's document, from
+/// which the scene is then made. One thread at a time.
 class AnimationPlayer {
   public:
-    /// `source` must outlive it; its lists must keep their sizes. What cannot be moved is
-    /// told in `warnings`, or in `notes` where it is nothing that is read.
+    /// All must outlive it, and the lists in the source's document must keep their sizes. A
+    /// channel that cannot be played is reported in `warnings`, or in `notes` when it
+    /// animates a property that is not read.
     AnimationPlayer(GltfSource& source, std::vector<std::string>& warnings,
                     std::vector<std::string>& notes)
         : source_(source), warnings_(warnings), notes_(notes) {}
 
-    /// Animations that can play at once: the first, and each later one that moves
-    /// nothing that one before it moves.
+    /// The animations that can be played together: the first, and each later one that
+    /// animates no property that one of these before it animates.
     std::vector<std::size_t> compatible() const;
 
-    /// Plays these from now on and no others. Where two move the same, the later one
-    /// counts. The document is at rest until setTime(). Throws Error.
+    /// Chooses the animations to play, by index, in place of those before. When two animate
+    /// the same property, the later one counts. Resets the document to its rest values, which
+    /// it has until setTime(). Throws Error.
     void play(std::span<const std::size_t> animations);
 
-    /// Writes the values at a time, in seconds of the animations' own time.
+    /// Writes the values at a time, in seconds of the animations' keys, into the document.
     void setTime(double seconds);
 
     bool playsAny() const { return !tracks_.empty(); }
-    bool movesMaterials() const { return movesMaterials_; }
+    bool animatesMaterials() const { return animatesMaterials_; }
 
   private:
-    /// A curve and what it moves, with what that was before.
+    /// A curve, the member of the document that it animates, and that member's rest value.
     struct Track {
         Curve curve;
         gltf::MemberRef target;
@@ -51,8 +52,8 @@ class AnimationPlayer {
     };
 
     void addTrack(const gltf::Animation& animation, std::size_t index, const std::string& where);
-    bool canMove(const gltf::Pointer& pointer, const gltf::MemberRef& target,
-                 const std::string& where);
+    bool canAnimate(const gltf::Pointer& pointer, const gltf::MemberRef& target,
+                    const std::string& where);
     Curve readCurve(const gltf::AnimationSampler& sampler, std::size_t width,
                     const std::string& where) const;
 
@@ -60,7 +61,7 @@ class AnimationPlayer {
     std::vector<std::string>& warnings_;
     std::vector<std::string>& notes_;
     std::vector<Track> tracks_;
-    bool movesMaterials_ = false;
+    bool animatesMaterials_ = false;
 };
 
 }  // namespace tavora::studio

@@ -19,10 +19,11 @@ constexpr std::size_t kHeaderSize = 12;
 constexpr std::size_t kChunkHeaderSize = 8;
 constexpr std::size_t kMostBytes = std::numeric_limits<std::uint32_t>::max();
 
-std::uint32_t wordAt(std::string_view bytes, std::size_t at) {
+std::uint32_t wordAt(std::string_view bytes, std::size_t offset) {
     std::uint32_t word = 0;
     for (std::size_t i = 0; i < 4; ++i) {
-        word |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[at + i])) << (8 * i);
+        word |= static_cast<std::uint32_t>(static_cast<unsigned char>(bytes[offset + i]))
+                << (8 * i);
     }
     return word;
 }
@@ -39,7 +40,7 @@ std::string wordBytes(std::size_t word) {
 }
 
 // The JSON chunk must come first; what follows must be whole chunks.
-GltfContainer takeApart(const std::filesystem::path& file, std::string_view bytes) {
+GltfContainer split(const std::filesystem::path& file, std::string_view bytes) {
     if (bytes.size() < kHeaderSize + kChunkHeaderSize) damaged(file, "is a truncated .glb");
     if (wordAt(bytes, 4) != 2) damaged(file, "is a .glb of another version than 2");
     const std::size_t length = wordAt(bytes, 8);
@@ -75,7 +76,7 @@ GltfContainer readContainer(const std::filesystem::path& file) {
     if (stream && bytes.empty()) {
         throw Error(Fault::Scene, "standard input: is empty; pipe a .glb or .gltf into it");
     }
-    if (bytes.starts_with(kMagic)) return takeApart(file, bytes);
+    if (bytes.starts_with(kMagic)) return split(file, bytes);
     return {false, std::move(bytes), {}};
 }
 

@@ -5,21 +5,21 @@
 
 namespace tavora::studio {
 
-/// A glTF file taken apart no further than needed to change its JSON.
+/// A glTF file split into its JSON and the rest.
 struct GltfContainer {
     bool binary = false;  ///< .glb
-    std::string json;     ///< the document as it stands, padding cut
-    std::string chunks;   ///< .glb: all that follows the JSON chunk, byte for byte
+    std::string json;     ///< text of the document, without padding
+    std::string chunks;   ///< .glb: the bytes after the JSON chunk, unchanged
 };
 
-/// What messages call the file.
+/// The file's name in messages.
 std::string shownName(const std::filesystem::path& file);
 
-/// Reads a file, or standard input for "-". Throws Error: missing file,
-/// neither JSON nor a whole .glb of version 2.
+/// Reads a file, or standard input for "-". Throws Error, Fault::Scene, when the file cannot
+/// be read or is a .glb that is damaged or not of version 2. The JSON is not parsed.
 GltfContainer readContainer(const std::filesystem::path& file);
 
-/// The bytes of the file; throws Fault::Scene when a .glb would pass 4 GiB.
+/// The bytes of the file; throws Error, Fault::Scene, when a .glb would exceed 4 GiB.
 std::string containerBytes(const GltfContainer& container);
 
 }  // namespace tavora::studio

@@ -14,17 +14,16 @@
 #include "studio/scene/animation/curve.h"
 #include "studio/util/json_members.h"
 
-/// What a glTF file says, member by member, as far as it is read. Names and
-/// meanings are those of glTF 2.0 and its extensions; what a member starts with
-/// here is what the format names for an absent one.
+/// The members of a glTF document, as far as they are read. Names and meanings are those of
+/// glTF 2.0 and its extensions; initial values are the format's defaults for absent members.
 namespace tavora::studio::gltf {
 
 using Json = nlohmann::ordered_json;
 
-/// In place of an index: none is given.
+/// The value of an absent index.
 inline constexpr int kNone = -1;
 
-/// Whether a member is there at all, as an object.
+/// Whether a member is present, as an object, whose contents are not read.
 struct Given {
     bool given = false;
     explicit operator bool() const { return given; }
@@ -47,7 +46,7 @@ struct BufferView {
     std::size_t byteStride = 0;  ///< 0: tightly packed
 };
 
-/// Of an accessor's components; may be another number in a file.
+/// The type of an accessor's components; a file may have other numbers.
 enum class ComponentType : std::uint16_t {
     Byte = 5120,
     UnsignedByte = 5121,
@@ -75,7 +74,7 @@ struct Sparse {
 };
 
 struct Accessor {
-    int bufferView = kNone;  ///< none: zeros
+    int bufferView = kNone;  ///< kNone: all elements are zeros
     std::size_t byteOffset = 0;
     ComponentType componentType{};
     std::size_t count = 0;
@@ -84,10 +83,10 @@ struct Accessor {
     std::optional<Sparse> sparse;
 };
 
-/// Accessors of vertex data by what they hold: "POSITION", "TEXCOORD_0", ..
+/// Accessors of vertex data by their meaning: "POSITION", "TEXCOORD_0", ..
 using Attributes = std::map<std::string, int>;
 
-/// KHR_draco_mesh_compression: its attributes are numbers inside the compressed mesh.
+/// KHR_draco_mesh_compression. Its attributes are identifiers in the compressed mesh.
 struct CompressedMesh {
     int bufferView = kNone;
     Attributes attributes;
@@ -99,7 +98,7 @@ struct Primitive {
     Attributes attributes;
     int indices = kNone;
     int material = kNone;
-    Mode mode = Mode::Triangles;  ///< may be another number in a file
+    Mode mode = Mode::Triangles;  ///< a file may have other numbers
     std::vector<Attributes> targets;
     std::optional<CompressedMesh> compressed;
 };
@@ -141,7 +140,7 @@ enum class CameraType { Perspective, Orthographic };
 struct Perspective {
     double yfov = 0;  ///< radians
     double znear = 0;
-    double aspectRatio = 0;  ///< 0: that of the picture
+    double aspectRatio = 0;  ///< 0: the picture's
 };
 
 struct Orthographic {
@@ -149,7 +148,7 @@ struct Orthographic {
     double ymag = 0;
 };
 
-/// That of the two is there which its type names.
+/// The projection that `type` names is always present.
 struct Camera {
     std::string name;
     CameraType type = CameraType::Perspective;
@@ -165,8 +164,8 @@ struct Light {
     LightType type = LightType::Directional;
     std::array<double, 3> color{1, 1, 1};
     double intensity = 1;       ///< lux for directional lights, candela for others
-    double range = 0;           ///< metres; 0: without end
-    double innerConeAngle = 0;  ///< radians, as the next
+    double range = 0;           ///< metres; 0: infinite
+    double innerConeAngle = 0;  ///< radians, from the axis, like the next
     double outerConeAngle = 0.78539816339744828;
     const Json* extras = nullptr;
 };
@@ -193,7 +192,7 @@ enum class SamplerWrap : std::uint16_t {
 };
 
 struct Sampler {
-    SamplerFilter magFilter{};  ///< 0: none is named, for both
+    SamplerFilter magFilter{};  ///< 0: not given; the same for minFilter
     SamplerFilter minFilter{};
     SamplerWrap wrapS = SamplerWrap::Repeat;
     SamplerWrap wrapT = SamplerWrap::Repeat;
@@ -218,9 +217,9 @@ struct TextureInfo {
     std::array<double, 2> scale{1, 1};
 };
 
-/// A use without which the material still is itself: what is wrong with it in
-/// the file is told here, and is no fault of the file.
-struct SpareTexture {
+/// A texture without which the material can still be drawn. An error in it does not make the
+/// file unreadable; it is described in `problem`.
+struct OptionalTexture {
     std::optional<TextureInfo> info;
     std::string problem;
 };
@@ -244,7 +243,7 @@ struct Transmission {
 /// VRMC_materials_mtoon
 struct Toon {
     std::array<double, 3> shadeColorFactor{0, 0, 0};
-    SpareTexture shadeMultiplyTexture;
+    OptionalTexture shadeMultiplyTexture;
     double shadingShiftFactor = 0;
     double shadingToonyFactor = 0.9;
     Given shadingShiftTexture;
@@ -256,7 +255,8 @@ struct Toon {
     double rotationSpeed = 0;
 };
 
-/// Of avatars of version 0, VRM: colours as a display shows them.
+/// The material of an avatar of version 0, in the file's extension VRM. Colours are
+/// sRGB-encoded.
 struct ToonOfVersion0 {
     std::string_view shader;
     double shadeShift = 0;
@@ -272,11 +272,11 @@ struct Material {
     bool doubleSided = false;
     std::array<double, 4> baseColorFactor{1, 1, 1, 1};
     std::optional<TextureInfo> baseColorTexture;
-    std::optional<double> metallicFactor;  ///< none counts as 1
+    std::optional<double> metallicFactor;  ///< empty: 1
     double roughnessFactor = 1;
     Given metallicRoughnessTexture;
     Given occlusionTexture;
-    SpareTexture normalTexture;
+    OptionalTexture normalTexture;
     double normalScale = 1;
     std::array<double, 3> emissiveFactor{0, 0, 0};
     double emissiveStrength = 1;  ///< KHR_materials_emissive_strength
@@ -296,10 +296,10 @@ struct AnimationSampler {
     Interpolation interpolation = Interpolation::Linear;
 };
 
-/// What a channel moves; Other is something that is not known.
+/// The property that a channel animates; Other is one with an unknown name.
 enum class TargetPath { Other, Translation, Rotation, Scale, Weights, Pointer };
 
-/// A JSON pointer, taken apart at its slashes and unescaped.
+/// A JSON pointer, split at its slashes and unescaped.
 struct Pointer {
     std::vector<std::string> tokens;
 };
@@ -307,7 +307,7 @@ struct Pointer {
 struct AnimationTarget {
     int node = kNone;
     TargetPath path = TargetPath::Other;
-    std::optional<Pointer> pointer;  ///< KHR_animation_pointer; with TargetPath::Pointer always
+    std::optional<Pointer> pointer;  ///< KHR_animation_pointer; present for TargetPath::Pointer
 };
 
 struct AnimationChannel {
@@ -321,7 +321,8 @@ struct Animation {
     std::vector<AnimationSampler> samplers;
 };
 
-/// Every index in it is kNone or that of something in the list it points into.
+/// The document of a file. Every index in it is kNone or valid in the list that it points
+/// into.
 struct Document {
     std::vector<std::string_view> extensionsUsed;
     std::vector<Buffer> buffers;
@@ -338,30 +339,30 @@ struct Document {
     std::vector<Sampler> samplers;
     std::vector<Texture> textures;
     std::vector<Material> materials;
-    std::vector<ToonOfVersion0> avatarMaterials;  ///< empty, or one a material
+    std::vector<ToonOfVersion0> avatarMaterials;  ///< empty, or one for each material
     std::vector<Animation> animations;
 };
 
-/// What must be known of a file before the rest of it means anything.
+/// The members that decide whether the rest of the document can be read.
 struct Preamble {
     std::string_view version;
     std::vector<std::string_view> extensionsRequired;
 };
 
-/// The scene that is shown; null where the file has none and all nodes are.
+/// The scene that is shown; null when the file has none, and all its nodes are shown.
 inline const Scene* shownScene(const Document& document) {
     const std::size_t index =
         document.scene == kNone ? 0 : static_cast<std::size_t>(document.scene);
     return index < document.scenes.size() ? &document.scenes[index] : nullptr;
 }
 
-/// What is ours in `extras`, which may be null: their member "tavora", or null.
+/// The member "tavora" of `extras`, which may be null; a JSON null when there is none.
 inline const Json& ownExtras(const Json* extras) {
     static const Json none;
     return extras == nullptr ? none : member(*extras, "tavora");
 }
 
-/// `list[index]`, for an index that a document holds.
+/// `list[index]`, for an index in a document, which is valid and not kNone.
 template <class T>
 const T& at(const std::vector<T>& list, int index) {
     return list[static_cast<std::size_t>(index)];

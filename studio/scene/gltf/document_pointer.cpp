@@ -10,16 +10,17 @@ namespace {
 
 using Tokens = std::span<const std::string>;
 
-/// An index below `size`; `size` for a token that is none.
-std::size_t indexOf(const std::string& token, std::size_t size) {
+/// The index below `size` that a token names, if it does.
+std::optional<std::size_t> indexOf(const std::string& token, std::size_t size) {
     std::size_t index = 0;
     const char* end = token.data() + token.size();
     const auto [stop, error] = std::from_chars(token.data(), end, index);
-    return error == std::errc() && stop == end ? std::min(index, size) : size;
+    if (error != std::errc() || stop != end || index >= size) return std::nullopt;
+    return index;
 }
 
-/// Whether `tokens` begin with the parts of a rule's path; then takes them off.
-bool takesPath(std::string_view path, Tokens& tokens) {
+/// Whether `tokens` begin with the parts of a rule's path; if so, removes these.
+bool removePath(std::string_view path, Tokens& tokens) {
     Tokens rest = tokens;
     while (!path.empty()) {
         const std::string_view part = path.substr(0, path.find('.'));
@@ -31,9 +32,9 @@ bool takesPath(std::string_view path, Tokens& tokens) {
     return true;
 }
 
-/// Goes from a value in the document to that which the tokens name in it.
+/// Finds the member that tokens name inside a value of the document.
 struct Finder {
-    /// What can be neither moved nor gone through.
+    /// For values that can neither be animated nor contain such members.
     template <class T>
     static MemberRef find(T&, Tokens) {
         return {};
@@ -61,7 +62,7 @@ struct Finder {
         MemberRef found;
         const auto tryRule = [&](const auto& rule) {
             Tokens rest = tokens;
-            if (!found.exists() && takesPath(rule.path, rest))
+            if (!found.exists() && removePath(rule.path, rest))
                 found = find(object.*rule.member, rest);
         };
         std::apply([&](const auto&... rule) { (tryRule(rule), ...); }, kRules<T>);
@@ -73,15 +74,15 @@ struct Finder {
         return value ? find(*value, tokens) : MemberRef{};
     }
 
-    static MemberRef find(SpareTexture& texture, Tokens tokens) {
+    static MemberRef find(OptionalTexture& texture, Tokens tokens) {
         return find(texture.info, tokens);
     }
 
     template <Structure T>
     static MemberRef find(std::vector<T>& list, Tokens tokens) {
-        const std::size_t index =
-            tokens.empty() ? list.size() : indexOf(tokens.front(), list.size());
-        return index < list.size() ? find(list[index], tokens.subspan(1)) : MemberRef{};
+        if (tokens.empty()) return {};
+        const std::optional<std::size_t> index = indexOf(tokens.front(), list.size());
+        return index ? find(list[*index], tokens.subspan(1)) : MemberRef{};
     }
 };
 

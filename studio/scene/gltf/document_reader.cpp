@@ -15,9 +15,10 @@
 namespace tavora::studio::gltf {
 namespace {
 
-/// Where a value stands: a member of what stands at `outer`, or an element.
-struct Place {
-    const Place* outer = nullptr;
+/// Where a value is in the document: a member of the object at `outer`, or an element of the
+/// list there. Null `outer`: the document itself.
+struct Location {
+    const Location* outer = nullptr;
     std::string_view member;
     std::size_t element = 0;
 
@@ -29,11 +30,11 @@ struct Place {
     }
 };
 
-/// The member at "a.b" or "a.b.c" of an object, found part by part.
+/// The result of looking for a member by a path like "a.b".
 struct Found {
-    const Json* value = nullptr;   ///< null where there is none
-    const Json* holder = nullptr;  ///< the object that has or lacks it; null where none is
-    std::size_t read = 0;          ///< how much of the path leads to the holder
+    const Json* value = nullptr;   ///< null when it is absent
+    const Json* holder = nullptr;  ///< what should be the object that has it; null when absent
+    std::size_t read = 0;          ///< length of the part of the path that leads to the holder
 };
 
 Found find(const Json& object, std::string_view path) {
@@ -44,7 +45,7 @@ Found find(const Json& object, std::string_view path) {
         if (!found.holder->is_object()) return found;
         const auto member = found.holder->find(name);
         const bool last = dot == std::string_view::npos;
-        // A null is what some exporters write for a member that they do not have.
+        // Some exporters write null for an absent member.
         const bool there = member != found.holder->end() && !member->is_null();
         if (last && there) found.value = &*member;
         if (last) return found;
@@ -58,14 +59,14 @@ Found find(const Json& object, std::string_view path) {
 template <class T>
 concept NamedValue = std::is_array_v<std::remove_const_t<decltype(kNames<T>)>>;
 
-/// A number that some codes name, others may follow.
+/// An enumeration that is a number in the file.
 template <class T>
 concept CodeValue = std::is_enum_v<T> && !NamedValue<T>;
 
 template <class T>
 concept Whole = std::integral<T> && !std::same_as<T, bool>;
 
-/// Reads a document by the rules.
+/// Reads a document by the rules in document_rules.h.
 class Reader {
   public:
     Reader(const Json& json, const std::string& path) : path_(path) {
@@ -76,86 +77,90 @@ class Reader {
     }
 
     template <Structure T>
-    void read(const Json& json, const Place& place, const Range&, T& to) const {
-        need(json.is_object(), json, place, "an object");
-        std::apply([&](const auto&... rule) { (readMember(json, place, rule, to), ...); },
+    void read(const Json& json, const Location& location, const Range&, T& to) const {
+        require(json.is_object(), json, location, "an object");
+        std::apply([&](const auto&... rule) { (readMember(json, location, rule, to), ...); },
                    kRules<T>);
-        checkWhole(json, place, to);
+        checkStructure(json, location, to);
     }
 
   private:
     template <class T, class M>
-    void readMember(const Json& json, const Place& place, const Rule<T, M>& rule, T& to) const {
-        if (rule.need != Need::Tolerated)
-            return readMember(json, place, rule.path, rule.range, rule.need, to.*rule.member);
-        M attempt = to.*rule.member;
+    void readMember(const Json& json, const Location& location, const Rule<T, M>& rule,
+                    T& to) const {
+        if (rule.presence != Presence::Tolerated)
+            return readMember(json, location, rule.path, rule.range, rule.presence,
+                              to.*rule.member);
+        M value = to.*rule.member;
         try {
-            readMember(json, place, rule.path, rule.range, Need::Optional, attempt);
-            to.*rule.member = std::move(attempt);
+            readMember(json, location, rule.path, rule.range, Presence::Optional, value);
+            to.*rule.member = std::move(value);
         } catch (const Error&) {
         }
     }
 
     template <class M>
-    void readMember(const Json& json, const Place& place, std::string_view path, const Range& range,
-                    Need need_, M& to) const {
+    void readMember(const Json& json, const Location& location, std::string_view path,
+                    const Range& range, Presence presence, M& to) const {
         const Found found = find(json, path);
-        const Place inside{&place, path};
+        const Location inside{&location, path};
         if (found.value != nullptr) return read(*found.value, inside, range, to);
         if (found.holder == nullptr) return;
-        need(found.holder->is_object(), *found.holder, Place{&place, path.substr(0, found.read)},
-             "an object");
-        if (need_ == Need::Needed) failMissing(inside);
+        require(found.holder->is_object(), *found.holder,
+                Location{&location, path.substr(0, found.read)}, "an object");
+        if (presence == Presence::Required) failMissing(inside);
     }
 
     // --- values ---
 
-    void read(const Json& json, const Place& place, const Range&, bool& to) const {
-        need(json.is_boolean(), json, place, "true or false");
+    void read(const Json& json, const Location& location, const Range&, bool& to) const {
+        require(json.is_boolean(), json, location, "true or false");
         to = json.get<bool>();
     }
 
-    void read(const Json& json, const Place& place, const Range&, double& to) const {
+    void read(const Json& json, const Location& location, const Range&, double& to) const {
         constexpr double kMost = std::numeric_limits<float>::max();
-        need(json.is_number() && std::abs(json.get<double>()) <= kMost, json, place,
-             "a number of single precision");
+        require(json.is_number() && std::abs(json.get<double>()) <= kMost, json, location,
+                "a number of single precision");
         to = json.get<double>();
     }
 
-    void read(const Json& json, const Place& place, const Range&, std::string_view& to) const {
-        need(json.is_string(), json, place, "text");
+    void read(const Json& json, const Location& location, const Range&,
+              std::string_view& to) const {
+        require(json.is_string(), json, location, "text");
         to = json.get_ref<const std::string&>();
     }
 
-    void read(const Json& json, const Place& place, const Range& range, std::string& to) const {
+    void read(const Json& json, const Location& location, const Range& range,
+              std::string& to) const {
         std::string_view text;
-        read(json, place, range, text);
+        read(json, location, range, text);
         to = text;
     }
 
     template <Whole T>
-    void read(const Json& json, const Place& place, const Range& range, T& to) const {
+    void read(const Json& json, const Location& location, const Range& range, T& to) const {
         const auto length = range.of ? lengths_[static_cast<std::size_t>(*range.of)] : 0;
-        const double end = static_cast<double>(range.of ? length : range.most + 1);
+        const double end = static_cast<double>(range.of ? length : range.max + 1);
         // 2.0 and 2e0 are as whole as 2.
         const double number = json.is_number() ? json.get<double>() : -1;
         const bool whole = number >= 0 && number < end && std::floor(number) == number;
         if (!whole || static_cast<std::uint64_t>(number) % range.step != 0)
-            refuse(json, place, range.of ? wantedIndex(*range.of) : range.wanted);
+            refuse(json, location, range.of ? wantedIndex(*range.of) : range.wanted);
         to = static_cast<T>(number);
     }
 
     template <CodeValue T>
-    void read(const Json& json, const Place& place, const Range& range, T& to) const {
+    void read(const Json& json, const Location& location, const Range& range, T& to) const {
         std::underlying_type_t<T> code = 0;
-        read(json, place, range, code);
+        read(json, location, range, code);
         to = static_cast<T>(code);
     }
 
     template <NamedValue T>
-    void read(const Json& json, const Place& place, const Range& range, T& to) const {
+    void read(const Json& json, const Location& location, const Range& range, T& to) const {
         std::string_view text;
-        read(json, place, range, text);
+        read(json, location, range, text);
         for (const Named<T>& named : kNames<T>) {
             if (text != named.name) continue;
             to = named.value;
@@ -165,117 +170,125 @@ class Reader {
         std::string names;
         for (const Named<T>& named : kNames<T>)
             names += (names.empty() ? "" : " or ") + std::string(named.name);
-        refuse(json, place, names);
+        refuse(json, location, names);
     }
 
     template <std::size_t N>
-    void read(const Json& json, const Place& place, const Range& range,
+    void read(const Json& json, const Location& location, const Range& range,
               std::array<double, N>& to) const {
-        need(json.is_array(), json, place, "a list");
-        need(json.size() == N, json, place, fmt::format("a list of {} numbers", N));
+        require(json.is_array(), json, location, "a list");
+        require(json.size() == N, json, location, fmt::format("a list of {} numbers", N));
         for (std::size_t i = 0; i < N; ++i)
-            read(json[i], Place{&place, {}, i}, range, to[i]);
+            read(json[i], Location{&location, {}, i}, range, to[i]);
     }
 
     template <class T>
-    void read(const Json& json, const Place& place, const Range& range, std::vector<T>& to) const {
-        need(json.is_array(), json, place, "a list");
+    void read(const Json& json, const Location& location, const Range& range,
+              std::vector<T>& to) const {
+        require(json.is_array(), json, location, "a list");
         for (std::size_t i = 0; i < json.size(); ++i)
-            read(json[i], Place{&place, {}, i}, range, to.emplace_back());
+            read(json[i], Location{&location, {}, i}, range, to.emplace_back());
     }
 
-    void read(const Json& json, const Place& place, const Range& range, Attributes& to) const {
-        need(json.is_object(), json, place, "an object");
+    void read(const Json& json, const Location& location, const Range& range,
+              Attributes& to) const {
+        require(json.is_object(), json, location, "an object");
         for (const auto& [name, value] : json.get_ref<const Json::object_t&>()) {
             const std::string shown = shortened(name);
-            read(value, Place{&place, shown}, range, to[name]);
+            read(value, Location{&location, shown}, range, to[name]);
         }
     }
 
     template <class T>
-    void read(const Json& json, const Place& place, const Range& range,
+    void read(const Json& json, const Location& location, const Range& range,
               std::optional<T>& to) const {
-        read(json, place, range, to.emplace());
+        read(json, location, range, to.emplace());
     }
 
-    void read(const Json& json, const Place&, const Range&, Given& to) const {
+    void read(const Json& json, const Location&, const Range&, Given& to) const {
         to.given = json.is_object();
     }
 
-    void read(const Json& json, const Place& place, const Range&, MemberNames& to) const {
-        need(json.is_object(), json, place, "an object");
+    void read(const Json& json, const Location& location, const Range&, MemberNames& to) const {
+        require(json.is_object(), json, location, "an object");
         for (const auto& member : json.get_ref<const Json::object_t&>())
             to.names.emplace_back(member.first);
     }
 
-    void read(const Json& json, const Place&, const Range&, const Json*& to) const { to = &json; }
+    void read(const Json& json, const Location&, const Range&, const Json*& to) const {
+        to = &json;
+    }
 
-    void read(const Json& json, const Place& place, const Range& range, SpareTexture& to) const {
+    void read(const Json& json, const Location& location, const Range& range,
+              OptionalTexture& to) const {
         if (!json.is_object()) return;
         try {
-            read(json, place, range, to.info);
+            read(json, location, range, to.info);
         } catch (const Error& error) {
             to = {std::nullopt, error.what()};
         }
     }
 
-    void read(const Json& json, const Place& place, const Range& range, Pointer& to) const {
+    void read(const Json& json, const Location& location, const Range& range, Pointer& to) const {
         std::string_view text;
-        read(json, place, range, text);
+        read(json, location, range, text);
         try {
             for (Json::json_pointer rest{std::string(text)}; !rest.empty(); rest.pop_back())
                 to.tokens.push_back(rest.back());
             std::reverse(to.tokens.begin(), to.tokens.end());
         } catch (const Json::exception&) {
-            refuse(json, place, "a JSON pointer");
+            refuse(json, location, "a JSON pointer");
         }
     }
 
-    // --- what the members of one structure must be to each other ---
+    // --- checks across the members of a structure ---
 
     template <class T>
-    void checkWhole(const Json&, const Place&, const T&) const {}
+    void checkStructure(const Json&, const Location&, const T&) const {}
 
-    void checkWhole(const Json&, const Place& place, const Camera& camera) const {
+    void checkStructure(const Json&, const Location& location, const Camera& camera) const {
         const bool perspective = camera.type == CameraType::Perspective;
         if (perspective ? camera.perspective.has_value() : camera.orthographic.has_value()) return;
-        failMissing({&place, perspective ? "perspective" : "orthographic"});
+        failMissing({&location, perspective ? "perspective" : "orthographic"});
     }
 
-    void checkWhole(const Json&, const Place& place, const AnimationTarget& target) const {
+    void checkStructure(const Json&, const Location& location,
+                        const AnimationTarget& target) const {
         if (target.path == TargetPath::Pointer && !target.pointer)
-            failMissing({&place, "extensions.KHR_animation_pointer"});
+            failMissing({&location, "extensions.KHR_animation_pointer"});
     }
 
-    void checkWhole(const Json& json, const Place& place, const Animation& animation) const {
-        const Place channels{&place, "channels"};
+    void checkStructure(const Json& json, const Location& location,
+                        const Animation& animation) const {
+        const Location channels{&location, "channels"};
         const int count = static_cast<int>(animation.samplers.size());
         for (std::size_t i = 0; i < animation.channels.size(); ++i) {
             if (animation.channels[i].sampler < count) continue;
-            const Place channel{&channels, {}, i};
+            const Location channel{&channels, {}, i};
             refuse(json["channels"][i]["sampler"], {&channel, "sampler"},
                    wantedIndex(animation.samplers.size(), "samplers"));
         }
     }
 
-    // --- refusals ---
+    // --- errors ---
 
-    [[noreturn]] void fail(const Place& place, const std::string& what) const {
-        const std::string where = place.text();
+    [[noreturn]] void fail(const Location& location, const std::string& what) const {
+        const std::string where = location.text();
         throw Error(Fault::Scene, fmt::format("{}: {} {}: export the file again", path_,
                                               where.empty() ? "the document" : where, what));
     }
 
-    [[noreturn]] void failMissing(const Place& place) const { fail(place, "is missing"); }
+    [[noreturn]] void failMissing(const Location& location) const { fail(location, "is missing"); }
 
-    [[noreturn]] void refuse(const Json& json, const Place& place,
+    [[noreturn]] void refuse(const Json& json, const Location& location,
                              const std::string& wanted) const {
         const std::string value = json.dump(-1, ' ', true, Json::error_handler_t::replace);
-        fail(place, fmt::format("is {} but must be {}", shortened(value), wanted));
+        fail(location, fmt::format("is {} but must be {}", shortened(value), wanted));
     }
 
-    void need(bool holds, const Json& json, const Place& place, const std::string& wanted) const {
-        if (!holds) refuse(json, place, wanted);
+    void require(bool holds, const Json& json, const Location& location,
+                 const std::string& wanted) const {
+        if (!holds) refuse(json, location, wanted);
     }
 
     static std::string wantedIndex(std::size_t count, std::string_view name) {

@@ -6,14 +6,14 @@
 
 namespace tavora::studio::gltf {
 
-/// Reads what the document `json` says, once and in time proportional to its
-/// length. Throws Error "PATH: PLACE is VALUE but must be ..", where PLACE is like
-/// nodes[3].mesh, for a member of a wrong type or range, an index that points at
-/// nothing, or a member that is missing. Members that are null count as absent.
-/// The result points into `json`.
+/// Reads the document `json` in time proportional to its length. Throws Error
+/// "PATH: LOCATION is VALUE but must be ..", with a location like nodes[3].mesh, for a
+/// member of a wrong type or range, an index out of range, and a missing member. A member
+/// that is null counts as absent. The result points into `json`. `path` is the file's name
+/// in messages.
 Document readDocument(const Json& json, const std::string& path);
 
-/// The same for what comes before all else.
+/// The same for the members of Preamble alone.
 Preamble readPreamble(const Json& json, const std::string& path);
 
 }  // namespace tavora::studio::gltf

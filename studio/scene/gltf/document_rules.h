@@ -5,10 +5,10 @@
 
 #include "studio/scene/gltf/document.h"
 
-/// The rules by which a document is read: for every structure its members, each
-/// with its place in the file's object (names with dots between for objects in
-/// objects), where it goes, and which values it may have. Of which type it is in the
-/// file follows from the type that it goes to.
+/// The rules by which a document is read. They list the members of every structure: the path
+/// of the member in the file's object (with dots for objects in objects), the structure's
+/// member that stores it, and the values that are allowed. The type in the file follows from
+/// the type of the structure's member.
 namespace tavora::studio::gltf {
 
 /// The lists that indices point into.
@@ -28,7 +28,7 @@ enum class List {
     Materials
 };
 
-/// Where they are in the document, in that order.
+/// The paths of these lists in the document, in the order of List.
 inline constexpr std::string_view kLists[] = {
     "buffers",   "bufferViews", "accessors",
     "meshes",    "nodes",       "scenes",
@@ -37,12 +37,13 @@ inline constexpr std::string_view kLists[] = {
     "materials",
 };
 
-/// Which whole numbers a member may be.
+/// The whole numbers that a member may be: multiples of `step` from 0 to `max`, or indices
+/// into a list.
 struct Range {
-    std::uint64_t most = 0;
+    std::uint64_t max = 0;
     std::uint64_t step = 1;
     const char* wanted = nullptr;  ///< for messages
-    std::optional<List> of;        ///< below the length of this list instead
+    std::optional<List> of;        ///< below the length of this list, in place of `max`
 };
 
 inline constexpr Range kCount{(std::uint64_t{1} << 53U) - 1, 1, "a whole number from 0", {}};
@@ -54,10 +55,10 @@ constexpr Range in(List list) {
     return {0, 1, nullptr, list};
 }
 
-enum class Need {
+enum class Presence {
     Optional,
-    Needed,    ///< where its object is there
-    Tolerated  ///< a wrong value counts as an absent one
+    Required,  ///< when its object is present
+    Tolerated  ///< a wrong value counts as absent
 };
 
 template <class T, class M>
@@ -65,21 +66,21 @@ struct Rule {
     const char* path;
     M T::*member;
     Range range;
-    Need need;
+    Presence presence;
 };
 
 template <class T, class M>
 constexpr Rule<T, M> rule(const char* path, M T::*member, Range range = {},
-                          Need need = Need::Optional) {
-    return {path, member, range, need};
+                          Presence presence = Presence::Optional) {
+    return {path, member, range, presence};
 }
 
 template <class T, class M>
-constexpr Rule<T, M> rule(const char* path, M T::*member, Need need) {
-    return {path, member, {}, need};
+constexpr Rule<T, M> rule(const char* path, M T::*member, Presence presence) {
+    return {path, member, {}, presence};
 }
 
-/// The rules of a structure, a tuple of them.
+/// The rules of a structure, as a tuple.
 template <class T>
 inline constexpr std::tuple<> kRules{};
 
@@ -97,7 +98,7 @@ struct Named {
 template <class T>
 inline constexpr bool kNames = false;
 
-/// Whether other names are let pass, as an absent one.
+/// Whether an unknown name is allowed and counts as absent.
 template <class T>
 inline constexpr bool kOtherNames = false;
 
@@ -143,58 +144,58 @@ inline constexpr bool kOtherNames<TargetPath> = true;
 
 template <>
 inline constexpr auto kRules<Buffer> = std::tuple{
-    rule("byteLength", &Buffer::byteLength, kCount, Need::Needed),
+    rule("byteLength", &Buffer::byteLength, kCount, Presence::Required),
     rule("uri", &Buffer::uri),
 };
 
 template <>
 inline constexpr auto kRules<BufferView> = std::tuple{
-    rule("buffer", &BufferView::buffer, in(List::Buffers), Need::Needed),
+    rule("buffer", &BufferView::buffer, in(List::Buffers), Presence::Required),
     rule("byteOffset", &BufferView::byteOffset, kCount),
-    rule("byteLength", &BufferView::byteLength, kCount, Need::Needed),
+    rule("byteLength", &BufferView::byteLength, kCount, Presence::Required),
     rule("byteStride", &BufferView::byteStride, kStride),
 };
 
 template <>
 inline constexpr auto kRules<SparseIndices> = std::tuple{
-    rule("bufferView", &SparseIndices::bufferView, in(List::BufferViews), Need::Needed),
+    rule("bufferView", &SparseIndices::bufferView, in(List::BufferViews), Presence::Required),
     rule("byteOffset", &SparseIndices::byteOffset, kCount),
-    rule("componentType", &SparseIndices::componentType, kCode, Need::Needed),
+    rule("componentType", &SparseIndices::componentType, kCode, Presence::Required),
 };
 
 template <>
 inline constexpr auto kRules<SparseValues> = std::tuple{
-    rule("bufferView", &SparseValues::bufferView, in(List::BufferViews), Need::Needed),
+    rule("bufferView", &SparseValues::bufferView, in(List::BufferViews), Presence::Required),
     rule("byteOffset", &SparseValues::byteOffset, kCount),
 };
 
 template <>
 inline constexpr auto kRules<Sparse> = std::tuple{
-    rule("count", &Sparse::count, kCount, Need::Needed),
-    rule("indices", &Sparse::indices, Need::Needed),
-    rule("values", &Sparse::values, Need::Needed),
+    rule("count", &Sparse::count, kCount, Presence::Required),
+    rule("indices", &Sparse::indices, Presence::Required),
+    rule("values", &Sparse::values, Presence::Required),
 };
 
 template <>
 inline constexpr auto kRules<Accessor> = std::tuple{
     rule("bufferView", &Accessor::bufferView, in(List::BufferViews)),
     rule("byteOffset", &Accessor::byteOffset, kCount),
-    rule("componentType", &Accessor::componentType, kCode, Need::Needed),
-    rule("count", &Accessor::count, kCount, Need::Needed),
-    rule("type", &Accessor::type, Need::Needed),
+    rule("componentType", &Accessor::componentType, kCode, Presence::Required),
+    rule("count", &Accessor::count, kCount, Presence::Required),
+    rule("type", &Accessor::type, Presence::Required),
     rule("normalized", &Accessor::normalized),
     rule("sparse", &Accessor::sparse),
 };
 
 template <>
 inline constexpr auto kRules<CompressedMesh> = std::tuple{
-    rule("bufferView", &CompressedMesh::bufferView, in(List::BufferViews), Need::Needed),
-    rule("attributes", &CompressedMesh::attributes, kCode, Need::Needed),
+    rule("bufferView", &CompressedMesh::bufferView, in(List::BufferViews), Presence::Required),
+    rule("attributes", &CompressedMesh::attributes, kCode, Presence::Required),
 };
 
 template <>
 inline constexpr auto kRules<Primitive> = std::tuple{
-    rule("attributes", &Primitive::attributes, in(List::Accessors), Need::Needed),
+    rule("attributes", &Primitive::attributes, in(List::Accessors), Presence::Required),
     rule("indices", &Primitive::indices, in(List::Accessors)),
     rule("material", &Primitive::material, in(List::Materials)),
     rule("mode", &Primitive::mode, kCode),
@@ -205,7 +206,7 @@ inline constexpr auto kRules<Primitive> = std::tuple{
 template <>
 inline constexpr auto kRules<Mesh> = std::tuple{
     rule("name", &Mesh::name),
-    rule("primitives", &Mesh::primitives, Need::Needed),
+    rule("primitives", &Mesh::primitives, Presence::Required),
     rule("weights", &Mesh::weights),
 };
 
@@ -215,7 +216,8 @@ inline constexpr auto kRules<Node> = std::tuple{
     rule("mesh", &Node::mesh, in(List::Meshes)),
     rule("skin", &Node::skin, in(List::Skins)),
     rule("camera", &Node::camera, in(List::Cameras)),
-    rule("extensions.KHR_lights_punctual.light", &Node::light, in(List::Lights), Need::Needed),
+    rule("extensions.KHR_lights_punctual.light", &Node::light, in(List::Lights),
+         Presence::Required),
     rule("children", &Node::children, in(List::Nodes)),
     rule("matrix", &Node::matrix),
     rule("translation", &Node::translation),
@@ -234,27 +236,27 @@ inline constexpr auto kRules<Scene> = std::tuple{
 
 template <>
 inline constexpr auto kRules<Skin> = std::tuple{
-    rule("joints", &Skin::joints, in(List::Nodes), Need::Needed),
+    rule("joints", &Skin::joints, in(List::Nodes), Presence::Required),
     rule("inverseBindMatrices", &Skin::inverseBindMatrices, in(List::Accessors)),
 };
 
 template <>
 inline constexpr auto kRules<Perspective> = std::tuple{
-    rule("yfov", &Perspective::yfov, Need::Needed),
-    rule("znear", &Perspective::znear, Need::Needed),
+    rule("yfov", &Perspective::yfov, Presence::Required),
+    rule("znear", &Perspective::znear, Presence::Required),
     rule("aspectRatio", &Perspective::aspectRatio),
 };
 
 template <>
 inline constexpr auto kRules<Orthographic> = std::tuple{
-    rule("xmag", &Orthographic::xmag, Need::Needed),
-    rule("ymag", &Orthographic::ymag, Need::Needed),
+    rule("xmag", &Orthographic::xmag, Presence::Required),
+    rule("ymag", &Orthographic::ymag, Presence::Required),
 };
 
 template <>
 inline constexpr auto kRules<Camera> = std::tuple{
     rule("name", &Camera::name),
-    rule("type", &Camera::type, Need::Needed),
+    rule("type", &Camera::type, Presence::Required),
     rule("perspective", &Camera::perspective),
     rule("orthographic", &Camera::orthographic),
 };
@@ -262,7 +264,7 @@ inline constexpr auto kRules<Camera> = std::tuple{
 template <>
 inline constexpr auto kRules<Light> = std::tuple{
     rule("name", &Light::name),
-    rule("type", &Light::type, Need::Needed),
+    rule("type", &Light::type, Presence::Required),
     rule("color", &Light::color),
     rule("intensity", &Light::intensity),
     rule("range", &Light::range),
@@ -294,10 +296,10 @@ inline constexpr auto kRules<Texture> = std::tuple{
     rule("extensions", &Texture::extensions),
 };
 
-// The UV set of a transform takes the place of that beside it.
+// The UV set of a texture transform overrides the one beside it.
 template <>
 inline constexpr auto kRules<TextureInfo> = std::tuple{
-    rule("index", &TextureInfo::index, in(List::Textures), Need::Needed),
+    rule("index", &TextureInfo::index, in(List::Textures), Presence::Required),
     rule("texCoord", &TextureInfo::texCoord, kSmall),
     rule("extensions.KHR_texture_transform.texCoord", &TextureInfo::texCoord, kSmall),
     rule("extensions.KHR_texture_transform.offset", &TextureInfo::offset),
@@ -313,7 +315,7 @@ inline constexpr auto kRules<SpecularGlossiness> = std::tuple{
     rule("specularGlossinessTexture", &SpecularGlossiness::specularGlossinessTexture),
 };
 
-// Two extensions, each with names of its own for the same.
+// Two extensions with different names for the same members.
 template <>
 inline constexpr auto kRules<Transmission> = std::tuple{
     rule("transmissionFactor", &Transmission::factor),
@@ -324,27 +326,27 @@ inline constexpr auto kRules<Transmission> = std::tuple{
 
 template <>
 inline constexpr auto kRules<Toon> = std::tuple{
-    rule("shadeColorFactor", &Toon::shadeColorFactor, Need::Tolerated),
+    rule("shadeColorFactor", &Toon::shadeColorFactor, Presence::Tolerated),
     rule("shadeMultiplyTexture", &Toon::shadeMultiplyTexture),
-    rule("shadingShiftFactor", &Toon::shadingShiftFactor, Need::Tolerated),
-    rule("shadingToonyFactor", &Toon::shadingToonyFactor, Need::Tolerated),
+    rule("shadingShiftFactor", &Toon::shadingShiftFactor, Presence::Tolerated),
+    rule("shadingToonyFactor", &Toon::shadingToonyFactor, Presence::Tolerated),
     rule("shadingShiftTexture", &Toon::shadingShiftTexture),
     rule("matcapTexture", &Toon::matcapTexture),
-    rule("parametricRimColorFactor", &Toon::parametricRimColorFactor, Need::Tolerated),
-    rule("outlineWidthMode", &Toon::outlineWidthMode, Need::Tolerated),
-    rule("uvAnimationScrollXSpeedFactor", &Toon::scrollXSpeed, Need::Tolerated),
-    rule("uvAnimationScrollYSpeedFactor", &Toon::scrollYSpeed, Need::Tolerated),
-    rule("uvAnimationRotationSpeedFactor", &Toon::rotationSpeed, Need::Tolerated),
+    rule("parametricRimColorFactor", &Toon::parametricRimColorFactor, Presence::Tolerated),
+    rule("outlineWidthMode", &Toon::outlineWidthMode, Presence::Tolerated),
+    rule("uvAnimationScrollXSpeedFactor", &Toon::scrollXSpeed, Presence::Tolerated),
+    rule("uvAnimationScrollYSpeedFactor", &Toon::scrollYSpeed, Presence::Tolerated),
+    rule("uvAnimationRotationSpeedFactor", &Toon::rotationSpeed, Presence::Tolerated),
 };
 
 template <>
 inline constexpr auto kRules<ToonOfVersion0> = std::tuple{
-    rule("shader", &ToonOfVersion0::shader, Need::Tolerated),
-    rule("floatProperties._ShadeShift", &ToonOfVersion0::shadeShift, Need::Tolerated),
-    rule("floatProperties._ShadeToony", &ToonOfVersion0::shadeToony, Need::Tolerated),
-    rule("vectorProperties._ShadeColor", &ToonOfVersion0::shadeColor, Need::Tolerated),
+    rule("shader", &ToonOfVersion0::shader, Presence::Tolerated),
+    rule("floatProperties._ShadeShift", &ToonOfVersion0::shadeShift, Presence::Tolerated),
+    rule("floatProperties._ShadeToony", &ToonOfVersion0::shadeToony, Presence::Tolerated),
+    rule("vectorProperties._ShadeColor", &ToonOfVersion0::shadeColor, Presence::Tolerated),
     rule("textureProperties._ShadeTexture", &ToonOfVersion0::shadeTexture, in(List::Textures),
-         Need::Tolerated),
+         Presence::Tolerated),
 };
 
 template <>
@@ -360,7 +362,7 @@ inline constexpr auto kRules<Material> = std::tuple{
     rule("pbrMetallicRoughness.metallicRoughnessTexture", &Material::metallicRoughnessTexture),
     rule("occlusionTexture", &Material::occlusionTexture),
     rule("normalTexture", &Material::normalTexture),
-    rule("normalTexture.scale", &Material::normalScale, Need::Tolerated),
+    rule("normalTexture.scale", &Material::normalScale, Presence::Tolerated),
     rule("emissiveFactor", &Material::emissiveFactor),
     rule("emissiveTexture", &Material::emissiveTexture),
     rule("extensions.KHR_materials_emissive_strength.emissiveStrength",
@@ -376,29 +378,29 @@ inline constexpr auto kRules<Material> = std::tuple{
 
 template <>
 inline constexpr auto kRules<AnimationSampler> = std::tuple{
-    rule("input", &AnimationSampler::input, in(List::Accessors), Need::Needed),
-    rule("output", &AnimationSampler::output, in(List::Accessors), Need::Needed),
+    rule("input", &AnimationSampler::input, in(List::Accessors), Presence::Required),
+    rule("output", &AnimationSampler::output, in(List::Accessors), Presence::Required),
     rule("interpolation", &AnimationSampler::interpolation),
 };
 
 template <>
 inline constexpr auto kRules<AnimationTarget> = std::tuple{
     rule("node", &AnimationTarget::node, in(List::Nodes)),
-    rule("path", &AnimationTarget::path, Need::Needed),
-    rule("extensions.KHR_animation_pointer.pointer", &AnimationTarget::pointer, Need::Needed),
+    rule("path", &AnimationTarget::path, Presence::Required),
+    rule("extensions.KHR_animation_pointer.pointer", &AnimationTarget::pointer, Presence::Required),
 };
 
 template <>
 inline constexpr auto kRules<AnimationChannel> = std::tuple{
-    rule("sampler", &AnimationChannel::sampler, kSmall, Need::Needed),
-    rule("target", &AnimationChannel::target, Need::Needed),
+    rule("sampler", &AnimationChannel::sampler, kSmall, Presence::Required),
+    rule("target", &AnimationChannel::target, Presence::Required),
 };
 
 template <>
 inline constexpr auto kRules<Animation> = std::tuple{
     rule("name", &Animation::name),
-    rule("channels", &Animation::channels, Need::Needed),
-    rule("samplers", &Animation::samplers, Need::Needed),
+    rule("channels", &Animation::channels, Presence::Required),
+    rule("samplers", &Animation::samplers, Presence::Required),
 };
 
 template <>
@@ -418,13 +420,13 @@ inline constexpr auto kRules<Document> = std::tuple{
     rule("samplers", &Document::samplers),
     rule("textures", &Document::textures),
     rule("materials", &Document::materials),
-    rule("extensions.VRM.materialProperties", &Document::avatarMaterials, Need::Tolerated),
+    rule("extensions.VRM.materialProperties", &Document::avatarMaterials, Presence::Tolerated),
     rule("animations", &Document::animations),
 };
 
 template <>
 inline constexpr auto kRules<Preamble> = std::tuple{
-    rule("asset.version", &Preamble::version, Need::Tolerated),
+    rule("asset.version", &Preamble::version, Presence::Tolerated),
     rule("extensionsRequired", &Preamble::extensionsRequired),
 };
 

@@ -12,13 +12,13 @@
 namespace tavora::studio {
 namespace {
 
-// Triangles that a byte of compressed data may stand for; flat and repetitive
-// meshes come to a few dozen.
-constexpr std::uint64_t kMostPerByte = 256;
+// The triangles that a byte of compressed data may encode; flat and repetitive meshes reach
+// a few dozen.
+constexpr std::uint64_t kMaxPerByte = 256;
 constexpr std::uint64_t kFreeTriangles = 4096;
 
-/// Reads the counts at the start of compressed data, because the decoder
-/// fills memory as they say before it looks at the rest.
+/// Reads the counts at the start of compressed data, because the decoder allocates memory
+/// for them before it looks at the rest.
 class CountReader {
   public:
     explicit CountReader(const ByteRange& bytes) : bytes_(bytes) {}
@@ -28,17 +28,17 @@ class CountReader {
         std::uint64_t vertices;
     };
 
-    /// None when the data does not start as it should.
+    /// Empty when the data does not begin with a valid header.
     std::optional<Counts> read() {
         constexpr std::size_t kMagic = 5;
-        at_ = kMagic;
+        offset_ = kMagic;
         const unsigned major = byte();
         const unsigned version = major * 0x100U + byte();
         byte();  // kind of geometry
         const bool byEdges = byte() == 1;
         const unsigned flags = byte() + 0x100U * byte();
         if ((flags & 0x8000U) != 0) skipMetadata();
-        if (byEdges) byte();  // how it walks
+        if (byEdges) byte();  // kind of traversal
         const bool plain = version < 0x202U;
         const std::uint64_t first = plain ? word() : varint();
         const std::uint64_t second = plain ? word() : varint();
@@ -48,8 +48,8 @@ class CountReader {
 
   private:
     unsigned byte() {
-        if (at_ >= bytes_.size) good_ = false;
-        return good_ ? bytes_.data[at_++] : 0U;
+        if (offset_ >= bytes_.size) good_ = false;
+        return good_ ? bytes_.data[offset_++] : 0U;
     }
 
     std::uint64_t word() {
@@ -71,8 +71,8 @@ class CountReader {
     }
 
     void skip(std::uint64_t count) {
-        if (count > bytes_.size - std::min(at_, bytes_.size)) good_ = false;
-        if (good_) at_ += static_cast<std::size_t>(count);
+        if (count > bytes_.size - std::min(offset_, bytes_.size)) good_ = false;
+        if (good_) offset_ += static_cast<std::size_t>(count);
     }
 
     void skipEntries() {
@@ -82,7 +82,7 @@ class CountReader {
         }
     }
 
-    /// Names and values with more of them inside, laid out one after another.
+    /// A tree of names and values, stored in depth-first order.
     void skipTree() {
         skipEntries();
         for (std::uint64_t left = varint(); left > 0 && good_; --left) {
@@ -101,7 +101,7 @@ class CountReader {
     }
 
     ByteRange bytes_;
-    std::size_t at_ = 0;
+    std::size_t offset_ = 0;
     bool good_ = true;
 };
 
@@ -139,12 +139,12 @@ class Decoding {
     void checkCounts(const ByteRange& bytes) {
         const auto counts = CountReader(bytes).read();
         if (!counts) fail("the compressed mesh is damaged (no header)");
-        const std::uint64_t most = kFreeTriangles + kMostPerByte * bytes.size;
+        const std::uint64_t most = kFreeTriangles + kMaxPerByte * bytes.size;
         if (counts->triangles > most || counts->vertices > most) {
             fail(fmt::format("the compressed mesh claims {} triangles and {} vertices in {} bytes",
                              counts->triangles, counts->vertices, bytes.size));
         }
-        // What the decoder notes of corners and vertices, and then the tables made of them.
+        // The decoder's own tables of corners and vertices, and the tables in the result.
         constexpr std::uint64_t kTriangle = 128;
         constexpr std::uint64_t kVertex = 64;
         const std::uint64_t tables = primitive_.compressed->attributes.size() * sizeof(float[4]);
@@ -171,7 +171,7 @@ class Decoding {
         if (attribute->data_type() == draco::DT_BOOL) {
             fail(fmt::format("the compressed attribute {} is of another type", shortened(name)));
         }
-        // What says whether integers are fractions is the file, not the data in it.
+        // The accessor, not the compressed data, says whether integers are normalized.
         const auto accessor = primitive_.attributes.find(name);
         if (accessor != primitive_.attributes.end()) {
             attribute->set_normalized(

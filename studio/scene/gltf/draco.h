@@ -10,15 +10,15 @@
 
 namespace tavora::studio {
 
-/// A primitive that was stored compressed: its triangles and, by attribute
-/// name, one value a vertex.
+/// A decoded primitive: three indices for each triangle and, by attribute name, one element
+/// for each vertex.
 struct DracoPrimitive {
     std::vector<std::uint32_t> indices;
     std::map<std::string, FloatTable> attributes;
 };
 
-/// Decodes a primitive that is stored compressed. What that takes while the result
-/// lives, `memory` is charged with. Throws Error that starts with `where`.
+/// Decodes a compressed primitive. The memory of the result and of decoding is charged to
+/// `memory`. Throws Error, with `where` as the location in its message.
 DracoPrimitive readDraco(const GltfSource& source, const gltf::Primitive& primitive,
                          const std::string& where, MemoryShare& memory);
 

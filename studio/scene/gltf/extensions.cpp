@@ -12,8 +12,8 @@ struct Entry {
 };
 
 constexpr Entry kExtensions[] = {
-    {"EXT_lights_image_based", Support::Missed},
-    {"EXT_mesh_gpu_instancing", Support::Missed},
+    {"EXT_lights_image_based", Support::Incomplete},
+    {"EXT_mesh_gpu_instancing", Support::Incomplete},
     {"EXT_texture_webp", Support::Read},
     {"KHR_animation_pointer", Support::Read},
     {"KHR_draco_mesh_compression", Support::Read},
@@ -36,7 +36,7 @@ constexpr Entry kExtensions[] = {
     {"KHR_node_visibility", Support::Read},
     {"KHR_texture_transform", Support::Read},
     {"KHR_xmp_json_ld", Support::Read},
-    // Avatars: how they shade, and what is about moving and owning them.
+    // Avatars: their shading, and data about movement and licences, which affect no picture.
     {"VRM", Support::Read},
     {"VRMC_materials_hdr_emissiveMultiplier", Support::NotDrawn},
     {"VRMC_materials_mtoon", Support::Read},

@@ -4,18 +4,19 @@
 
 namespace tavora::studio {
 
-/// What becomes of a glTF extension.
+/// How far a glTF extension is supported.
 enum class Support {
-    Read,      ///< all that concerns pictures is drawn
-    NotDrawn,  ///< the scene looks right without it, but not as it was meant
-    Missed,    ///< something of the scene is missing without it
-    Unknown    ///< nothing is known of it
+    Read,        ///< all of it that affects pictures is drawn
+    NotDrawn,    ///< not drawn; the scene is complete, but looks different
+    Incomplete,  ///< not drawn; parts of the scene are missing
+    Unknown      ///< not known to this program
 };
 
+/// How far the extension of that name is supported.
 Support supportOf(std::string_view extension);
 
-/// Whether a file that requires it can be read.
-inline bool canDoWithout(Support support) {
+/// Whether a file that requires an extension of this support can be read.
+inline bool canRead(Support support) {
     return support == Support::Read || support == Support::NotDrawn;
 }
 

@@ -24,26 +24,28 @@ LightKind kindOf(gltf::LightType type) {
     return type == gltf::LightType::Point ? LightKind::Point : LightKind::Spot;
 }
 
-/// What the extras of a light, or of its node, say of it beyond the file format:
+/// Properties in the extras of a light, or of its node, that the file format lacks:
 /// {"tavora": {"makesHighlights": false, "castsShadow": false, "radius": 0.2, "angle": 0.5}}
 class LightExtras {
   public:
-    /// `extras`, which may be null, are those of what stands at `place`.
-    LightExtras(const GltfSource& source, const Json* extras, std::string place,
+    /// `extras`, which may be null, are those of the object at the JSON pointer `pointer`.
+    LightExtras(const GltfSource& source, const Json* extras, std::string pointer,
                 std::vector<std::string>& warnings)
         : source_(source),
           own_(gltf::ownExtras(extras)),
-          place_(std::move(place)),
+          pointer_(std::move(pointer)),
           warnings_(warnings) {}
 
     void readInto(Light& light) {
         readFlag("makesHighlights", light.makesHighlights);
         readFlag("castsShadow", light.castsShadow);
-        const bool sun = light.kind == LightKind::Directional;
-        readSize("radius", !sun, "a length of a point or spot light, in metres", light.radius);
+        const bool directional = light.kind == LightKind::Directional;
+        readSize("radius", !directional, "a length of a point or spot light, in metres",
+                 light.radius);
         double degrees = light.angle / kRadiansPerDegree;
-        readSize("angle", sun, "the angle of a directional light, in degrees below 180", degrees);
-        light.angle = std::min(degrees, kWidestSunDegrees) * kRadiansPerDegree;
+        readSize("angle", directional, "the angle of a directional light, in degrees below 180",
+                 degrees);
+        light.angle = std::min(degrees, kMaxLightDegrees) * kRadiansPerDegree;
     }
 
   private:
@@ -52,7 +54,7 @@ class LightExtras {
         if (value.is_boolean()) {
             target = value.get<bool>();
         } else if (!value.is_null()) {
-            leaveOut(name, "neither true nor false");
+            ignore(name, "neither true nor false");
         }
     }
 
@@ -62,18 +64,18 @@ class LightExtras {
         if (fits && size >= 0 && std::isfinite(size)) {
             target = size;
         } else if (!value.is_null()) {
-            leaveOut(name, fmt::format("not {}", wanted));
+            ignore(name, fmt::format("not {}", wanted));
         }
     }
 
-    void leaveOut(const char* name, const std::string& why) {
+    void ignore(const char* name, const std::string& why) {
         warnings_.push_back(oneLine(fmt::format("{}: {}/extras/tavora/{} is {} and left out",
-                                                source_.path, place_, name, why)));
+                                                source_.path, pointer_, name, why)));
     }
 
     const GltfSource& source_;
     const Json& own_;
-    std::string place_;
+    std::string pointer_;
     std::vector<std::string>& warnings_;
 };
 

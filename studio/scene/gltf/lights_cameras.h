@@ -9,13 +9,13 @@
 
 namespace tavora::studio {
 
-/// The light on node `node`, placed by `toWorld`. Its name is as stored and may be
-/// empty. What its extras say wrongly is left out with a warning.
+/// The light of node `node`, whose transform is `toWorld`. Its name is as stored and may be
+/// empty. Invalid values in extras are ignored, with a line in `warnings`.
 Light readLight(const GltfSource& source, int node, const Imath::M44d& toWorld,
                 std::vector<std::string>& warnings);
 
-/// Camera `index` of the file, placed by `toWorld`. Its name is as stored and
-/// may be empty. Throws Error.
+/// Camera `index` of the file, on a node whose transform is `toWorld`. Its name is as stored
+/// and may be empty. Throws Error when it has no usable field of view.
 Camera readCamera(const GltfSource& source, int index, const Imath::M44d& toWorld);
 
 }  // namespace tavora::studio

@@ -31,9 +31,9 @@ Imath::V4f colorOf(const std::array<double, 4>& values) {
 
 void readEmission(const gltf::Material& material, Surface& surface) {
     for (std::size_t i = 0; i < 3; ++i) {
-        const double level = material.emissiveFactor[i] * material.emissiveStrength;
+        const double emission = material.emissiveFactor[i] * material.emissiveStrength;
         surface.emissive[static_cast<int>(i)] =
-            static_cast<float>(std::clamp(level, 0.0, kLargestFloat));
+            static_cast<float>(std::clamp(emission, 0.0, kLargestFloat));
     }
 }
 
@@ -43,12 +43,12 @@ void readGlossy(const gltf::SpecularGlossiness& glossy, Surface& surface) {
     surface.roughness = static_cast<float>(1.0 - glossy.glossinessFactor);
 }
 
-/// Where light shines through: one of two extensions.
+/// How much light passes through the material: from one of two extensions.
 const std::optional<gltf::Transmission>& transmissionOf(const gltf::Material& material) {
     return material.diffuseTransmission ? material.diffuseTransmission : material.transmission;
 }
 
-/// All that is a number.
+/// Reads the members that are numbers.
 void readNumbers(const gltf::Material& material, Surface& surface) {
     surface.baseColor = colorOf(material.baseColorFactor);
     surface.metallic = static_cast<float>(material.metallicFactor.value_or(1));
@@ -61,12 +61,13 @@ void readNumbers(const gltf::Material& material, Surface& surface) {
     if (surface.normalMap) surface.normalScale = static_cast<float>(material.normalScale);
 }
 
-void moveTexture(const std::optional<gltf::TextureInfo>& info, std::optional<TextureUse>& use) {
-    if (info && use) placeTexture(*info, *use);
+void updateTransform(const std::optional<gltf::TextureInfo>& info, std::optional<TextureUse>& use) {
+    if (info && use) setTransform(*info, *use);
 }
 
-/// The materials whose emission animations move: they may glow though they do not at rest.
-std::set<int> litByAnimations(const gltf::Document& document) {
+/// The materials with animated emission. Their emissive textures are needed even if the
+/// stored emission is 0.
+std::set<int> animatedEmission(const gltf::Document& document) {
     std::set<int> materials;
     for (const gltf::Animation& animation : document.animations) {
         for (const gltf::AnimationChannel& channel : animation.channels) {
@@ -87,7 +88,7 @@ class MaterialReader {
         : source_(source),
           scene_(scene),
           textures_(source, scene),
-          lit_(litByAnimations(source.document)) {}
+          animatedEmission_(animatedEmission(source.document)) {}
 
     void readAll() {
         for (const gltf::Material& material : source_.document.materials)
@@ -140,26 +141,26 @@ class MaterialReader {
         }
     }
 
-    /// An avatar's shading takes the place of none at all, which stands beside it
-    /// for programs that do not know it.
+    /// Avatars are often marked as unlit too, for programs that do not know their shading; an
+    /// avatar's shading overrides that.
     void readToonShade(const gltf::Material& material, Surface& surface) {
         surface.toon = toonShadeOf(source_.document, surface, textures_);
         surface.unlit = material.unlit && !surface.toon;
     }
 
-    /// {"tavora": {"normalMap": false}} leaves it out.
+    /// {"tavora": {"normalMap": false}} turns it off.
     void readNormalMap(const gltf::Material& material, Surface& surface) {
         readFlag(gltf::ownExtras(material.extras), "normalMap", surface, surface.normalMap);
         if (!surface.normalMap) return;
         surface.normalTexture =
-            textures_.readSpare(material.normalTexture, "normal map", surface.name);
+            textures_.readOptional(material.normalTexture, "normal map", surface.name);
         if (surface.normalTexture) surface.normalTexture->isData = true;
         surface.normalScale = static_cast<float>(material.normalScale);
     }
 
     void readTextures(const gltf::Material& material, Surface& surface) {
         surface.baseColorTexture = textures_.read(material.baseColorTexture);
-        if (surface.emissive != Imath::V3f(0) || lit_.contains(surface.materialIndex))
+        if (surface.emissive != Imath::V3f(0) || animatedEmission_.contains(surface.materialIndex))
             surface.emissiveTexture = textures_.read(material.emissiveTexture);
         if (material.specularGlossiness)
             surface.baseColorTexture = textures_.read(material.specularGlossiness->diffuseTexture);
@@ -173,7 +174,7 @@ class MaterialReader {
     const GltfSource& source_;
     Scene& scene_;
     TextureReader textures_;
-    std::set<int> lit_;  ///< materials that may glow later
+    std::set<int> animatedEmission_;  ///< indices of materials
     UniqueNames names_;
 };
 
@@ -188,13 +189,13 @@ void refreshMaterials(const GltfSource& source, Scene& scene) {
         if (surface.materialIndex < 0) continue;
         const gltf::Material& material = gltf::at(source.document.materials, surface.materialIndex);
         readNumbers(material, surface);
-        moveTexture(material.specularGlossiness ? material.specularGlossiness->diffuseTexture
-                                                : material.baseColorTexture,
-                    surface.baseColorTexture);
-        moveTexture(material.emissiveTexture, surface.emissiveTexture);
-        moveTexture(material.normalTexture.info, surface.normalTexture);
+        updateTransform(material.specularGlossiness ? material.specularGlossiness->diffuseTexture
+                                                    : material.baseColorTexture,
+                        surface.baseColorTexture);
+        updateTransform(material.emissiveTexture, surface.emissiveTexture);
+        updateTransform(material.normalTexture.info, surface.normalTexture);
         if (const auto& transmission = transmissionOf(material))
-            moveTexture(transmission->texture, surface.translucencyTexture);
+            updateTransform(transmission->texture, surface.translucencyTexture);
     }
 }
 

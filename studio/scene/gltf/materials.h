@@ -5,12 +5,12 @@
 
 namespace tavora::studio {
 
-/// Fills `scene.surfaces` (the file's materials in order, then the default one)
-/// and `scene.images` with what the surfaces use. Throws Error.
+/// Fills `scene.surfaces` with the file's materials, in order, and the default material after
+/// them, and `scene.images` with the images that they use. Throws Error.
 void readMaterials(const GltfSource& source, Scene& scene);
 
-/// Brings the numbers of `scene.surfaces`, which readMaterials() filled, to what the
-/// document says now: factors, strengths, the places of textures.
+/// Updates the numbers of `scene.surfaces`, which readMaterials() filled, from the document:
+/// factors, strengths and texture transforms.
 void refreshMaterials(const GltfSource& source, Scene& scene);
 
 }  // namespace tavora::studio

@@ -12,9 +12,9 @@ using Imath::V3d;
 using Imath::V3f;
 using Imath::V4f;
 
-/// A normal turned as the surface turns: by the matrix of cofactors, which has
-/// the direction of the inverse transpose and exists where that does not.
-V3f turned(const V3f& normal, const M44d& m) {
+/// Transforms a normal by the matrix of cofactors, which has the direction of the inverse
+/// transpose and exists even for a singular matrix.
+V3f transformedNormal(const V3f& normal, const M44d& m) {
     const V3d a(m[0][0], m[0][1], m[0][2]);
     const V3d b(m[1][0], m[1][1], m[1][2]);
     const V3d c(m[2][0], m[2][1], m[2][2]);
@@ -23,9 +23,9 @@ V3f turned(const V3f& normal, const M44d& m) {
     return unit(a.dot(b.cross(c)) < 0 ? -cofactors : cofactors, normal);
 }
 
-/// A tangent, which lies in the surface and so moves as it does. A mirrored one
-/// has its bitangent on the other side of the normal.
-V4f movedTangent(const V4f& tangent, const M44d& m, bool mirrors) {
+/// Transforms a tangent like any direction in the surface. A transform that mirrors puts the
+/// bitangent on the other side.
+V4f transformedTangent(const V4f& tangent, const M44d& m, bool mirrors) {
     const V3d along = V3d(m[0][0], m[0][1], m[0][2]) * static_cast<double>(tangent.x) +
                       V3d(m[1][0], m[1][1], m[1][2]) * static_cast<double>(tangent.y) +
                       V3d(m[2][0], m[2][1], m[2][2]) * static_cast<double>(tangent.z);
@@ -33,7 +33,7 @@ V4f movedTangent(const V4f& tangent, const M44d& m, bool mirrors) {
     return {direction.x, direction.y, direction.z, mirrors ? -tangent.w : tangent.w};
 }
 
-/// The joints that vertex `v` hangs on, blended; weight 0 when it has none.
+/// The weighted sum of a vertex's joint matrices; `weight` is 0 for a vertex without joints.
 struct Blend {
     M44d sum = M44d() * 0.0;
     double weight = 0;
@@ -41,11 +41,11 @@ struct Blend {
     bool add(const Influences& from, std::size_t v, const std::vector<M44d>& joints) {
         if (v >= from.joints.size()) return true;
         for (std::size_t k = 0; k < 4; ++k) {
-            const auto share = static_cast<double>(from.weights[v][static_cast<int>(k)]);
-            if (!(share > 0)) continue;
+            const auto w = static_cast<double>(from.weights[v][static_cast<int>(k)]);
+            if (!(w > 0)) continue;
             if (from.joints[v][k] >= joints.size()) return false;
-            sum += joints[from.joints[v][k]] * share;
-            weight += share;
+            sum += joints[from.joints[v][k]] * w;
+            weight += w;
         }
         return true;
     }
@@ -61,12 +61,12 @@ void morphTangents(const MorphTarget& target, float weight, Mesh& mesh) {
     }
 }
 
-void moveTangents(const std::vector<M44d>& matrices, Mesh& mesh) {
+void transformTangents(const std::vector<M44d>& matrices, Mesh& mesh) {
     for (std::size_t t = 0; t < mesh.tangents.size(); ++t) {
         for (std::size_t i = 0; i < 3; ++i) {
             const M44d& m = matrices[mesh.triangles[t][i]];
             V4f& tangent = mesh.tangents[t][i];
-            tangent = movedTangent(tangent, m, m.determinant() < 0);
+            tangent = transformedTangent(tangent, m, m.determinant() < 0);
         }
     }
 }
@@ -96,10 +96,10 @@ bool skin(const PrimitiveGeometry& geometry, const JointPose& pose, Mesh& mesh) 
         if (!(blend.weight > 0)) continue;
         const M44d m = blend.sum * (1.0 / blend.weight);
         mesh.positions[v] = V3f(V3d(mesh.positions[v]) * m);
-        mesh.normals[v] = turned(mesh.normals[v], m);
+        mesh.normals[v] = transformedNormal(mesh.normals[v], m);
         if (!matrices.empty()) matrices[v] = m;
     }
-    moveTangents(matrices, mesh);
+    transformTangents(matrices, mesh);
     return true;
 }
 

@@ -9,17 +9,17 @@ namespace tavora::studio {
 
 /// The joints of a skin at a time.
 struct JointPose {
-    std::vector<Imath::M44d> toWorld;  ///< from the mesh as bound
-    bool mirrored = false;             ///< most of them turn triangles inside out
+    std::vector<Imath::M44d> toWorld;  ///< by joint: from the mesh in its bind pose to the world
+    bool mirrored = false;             ///< most of these turn triangles inside out
 };
 
-/// Adds the morph targets of `geometry` to `mesh`, a copy of its mesh, as far as
-/// there are `weights`. Normals and tangents may lose their length; tangents that
-/// were made, not read, are left as they are.
+/// Adds the morph targets of `geometry` to `mesh`, a copy of its mesh; targets after the last
+/// of `weights` have weight 0. Normals and tangents may get another length; tangents that
+/// were computed, not read, do not change.
 void morph(const PrimitiveGeometry& geometry, const std::vector<double>& weights, Mesh& mesh);
 
-/// Moves `mesh` with its joints; the shares of a vertex count relative to their
-/// sum. Returns false when a vertex hangs on a joint that `pose` does not have.
+/// Deforms `mesh` by its joints (linear blend skinning); a vertex's weights are divided by
+/// their sum. Returns false when a vertex refers to a joint that `pose` does not have.
 bool skin(const PrimitiveGeometry& geometry, const JointPose& pose, Mesh& mesh);
 
 }  // namespace tavora::studio

@@ -7,9 +7,9 @@
 namespace tavora::studio {
 namespace {
 
-// A file whose accessors overlap could unpack to any size. Honest ones stay far
-// below: an index takes at least a byte, compressed ones a tenth of that.
-constexpr std::size_t kMostValuesPerByte = 32;
+// A small file whose accessors overlap could have any number of vertices. Real files stay far
+// below this limit: an index takes at least a byte, a compressed one a tenth of that.
+constexpr std::size_t kMaxValuesPerByte = 32;
 constexpr std::size_t kValuesOfSmallFiles = std::size_t{1} << 22;
 
 bool isTriangles(gltf::Mode mode) {
@@ -29,8 +29,8 @@ MaterialNeeds needsOf(const std::vector<Surface>& surfaces, int material) {
 }  // namespace
 
 const std::vector<SourcePrimitive>& MeshStore::primitives(int index, Scene& scene) {
-    const auto known = meshes_.find(index);
-    if (known != meshes_.end()) return known->second;
+    const auto found = meshes_.find(index);
+    if (found != meshes_.end()) return found->second;
     return meshes_.emplace(index, read(index, scene)).first->second;
 }
 
@@ -64,20 +64,20 @@ std::shared_ptr<const PrimitiveGeometry> MeshStore::geometryOf(const gltf::Primi
         auto fresh =
             std::make_shared<PrimitiveGeometry>(readPrimitive(source_, primitive, needs, where));
         fresh->mesh.name = name;
-        spend(*fresh, where);
+        countValues(*fresh, where);
         geometry = std::move(fresh);
     }
     return geometry;
 }
 
-std::size_t MeshStore::mostValues() const {
-    return kMostValuesPerByte * source_.bytesHeld + kValuesOfSmallFiles;
+std::size_t MeshStore::maxValues() const {
+    return kMaxValuesPerByte * source_.totalBytes + kValuesOfSmallFiles;
 }
 
-void MeshStore::spend(const PrimitiveGeometry& geometry, const std::string& where) {
+void MeshStore::countValues(const PrimitiveGeometry& geometry, const std::string& where) {
     values_ += geometry.mesh.positions.size() * (1 + geometry.targets.size()) +
                geometry.mesh.triangles.size();
-    if (values_ <= mostValues()) return;
+    if (values_ <= maxValues()) return;
     source_.fail(where + ": unpacks to far more than the file holds: export the file again");
 }
 

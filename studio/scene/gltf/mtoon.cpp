@@ -9,36 +9,37 @@ namespace {
 
 constexpr const char* kShadeTexture = "shade texture";
 
-float within(double value, double least, double most) {
-    return static_cast<float>(std::clamp(value, least, most));
+float clamped(double value, double min, double max) {
+    return static_cast<float>(std::clamp(value, min, max));
 }
 
 ToonShade read(const gltf::Toon& toon, const Surface& surface, TextureReader& textures) {
     ToonShade shade;
     for (std::size_t i = 0; i < 3; ++i)
-        shade.shadeColor[static_cast<int>(i)] = within(toon.shadeColorFactor[i], 0, 1);
-    shade.shadeTexture = textures.readSpare(toon.shadeMultiplyTexture, kShadeTexture, surface.name);
-    shade.shift = within(toon.shadingShiftFactor, -1, 1);
-    shade.toony = within(toon.shadingToonyFactor, 0, 1);
+        shade.shadeColor[static_cast<int>(i)] = clamped(toon.shadeColorFactor[i], 0, 1);
+    shade.shadeTexture =
+        textures.readOptional(toon.shadeMultiplyTexture, kShadeTexture, surface.name);
+    shade.shift = clamped(toon.shadingShiftFactor, -1, 1);
+    shade.toony = clamped(toon.shadingToonyFactor, 0, 1);
     return shade;
 }
 
-/// Version 0 names the cosines where the blend starts and, as a share of the rest,
-/// where it ends.
+/// In version 0, the blend starts at the cosine `shadeShift` and ends at
+/// shadeToony * shadeShift + 1 - shadeToony.
 ToonShade read(const gltf::ToonOfVersion0& toon, const Surface& surface, TextureReader& textures) {
     const double start = std::clamp(toon.shadeShift, -1.0, 1.0);
-    const double share = std::clamp(toon.shadeToony, 0.0, 1.0);
-    const double end = share * start + (1 - share);
+    const double toony = std::clamp(toon.shadeToony, 0.0, 1.0);
+    const double end = toony * start + (1 - toony);
     ToonShade shade;
     for (std::size_t i = 0; i < 3; ++i) {
         shade.shadeColor[static_cast<int>(i)] =
             static_cast<float>(toLinear(std::clamp(toon.shadeColor[i], 0.0, 1.0)));
     }
-    gltf::SpareTexture texture;
+    gltf::OptionalTexture texture;
     if (toon.shadeTexture != gltf::kNone) texture.info.emplace().index = toon.shadeTexture;
-    shade.shadeTexture = textures.readSpare(texture, kShadeTexture, surface.name);
-    shade.shift = within(-(start + end) / 2, -1, 1);
-    shade.toony = within(1 - (end - start) / 2, 0, 1);
+    shade.shadeTexture = textures.readOptional(texture, kShadeTexture, surface.name);
+    shade.shift = clamped(-(start + end) / 2, -1, 1);
+    shade.toony = clamped(1 - (end - start) / 2, 0, 1);
     return shade;
 }
 

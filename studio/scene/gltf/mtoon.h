@@ -6,8 +6,9 @@
 
 namespace tavora::studio {
 
-/// How the material of `surface` shades, where it is an avatar's: as its extension
-/// VRMC_materials_mtoon says, or in avatars of version 0 the file's extension VRM.
+/// The shading of the material of `surface` if it is an avatar's: from the material's
+/// extension VRMC_materials_mtoon, or for avatars of version 0 from the file's extension VRM.
+/// Empty for other materials. `textures` reads the shade texture.
 std::optional<ToonShade> toonShadeOf(const gltf::Document& document, const Surface& surface,
                                      TextureReader& textures);
 

@@ -14,10 +14,10 @@ namespace {
 using Imath::M44d;
 using Imath::V3d;
 
-constexpr double kFlat = 1e-12;      // determinant over the product of its axes
-constexpr double kThickness = 1e-6;  // what a squeezed axis keeps, of the longest
+constexpr double kFlat = 1e-12;      // of a flat transform: determinant / (longest axis)^3
+constexpr double kThickness = 1e-6;  // of its lost axis, relative to the longest
 
-bool finite(const M44d& m) {
+bool isFinite(const M44d& m) {
     for (int r = 0; r < 4; ++r) {
         for (int c = 0; c < 4; ++c) {
             if (!std::isfinite(m[r][c])) return false;
@@ -30,11 +30,11 @@ V3d vectorOf(const std::array<double, 3>& values) {
     return {values[0], values[1], values[2]};
 }
 
-/// Finite, or Error that names node `index`.
+/// The transform of node `index` relative to its parent. Throws Error when it is not finite.
 M44d toParent(const GltfSource& source, int index) {
     const gltf::Node& node = gltf::at(source.document.nodes, index);
     M44d m;
-    if (node.matrix) {  // whose last column is 0, 0, 0, 1, whatever the file holds there
+    if (node.matrix) {  // its last column is taken to be 0, 0, 0, 1, whatever the file has
         for (int i = 0; i < 16; ++i) {
             if (i % 4 != 3) m[i / 4][i % 4] = (*node.matrix)[static_cast<std::size_t>(i)];
         }
@@ -46,15 +46,15 @@ M44d toParent(const GltfSource& source, int index) {
         for (int i = 0; i < 3; ++i)
             m[3][i] = node.translation[static_cast<std::size_t>(i)];
     }
-    if (!finite(m)) {
+    if (!isFinite(m)) {
         source.fail(fmt::format(
             "node {} is placed by values that are not numbers: repair the model", index));
     }
     return m;
 }
 
-/// Walks trees of nodes, parents first; without recursion, so that a chain of
-/// any length will do.
+/// Traverses the trees of nodes, parents first. Without recursion, so that a chain of nodes
+/// may have any length.
 class Walker {
   public:
     explicit Walker(const GltfSource& source)
@@ -66,8 +66,8 @@ class Walker {
     PlacedNodes place() {
         walkScene();
         placed_.shown = order_;
-        // Joints may hang outside the scene that is drawn.
-        for (int root : parentless()) {
+        // Joints may be outside the scene.
+        for (int root : roots()) {
             if (!seen_[static_cast<std::size_t>(root)]) walk(root, false);
         }
         return std::move(placed_);
@@ -76,56 +76,57 @@ class Walker {
   private:
     void walkScene() {
         const gltf::Scene* scene = shownScene(source_.document);
-        for (int root : scene == nullptr ? parentless() : scene->nodes)
+        for (int root : scene == nullptr ? roots() : scene->nodes)
             walk(root, true);
     }
 
-    std::vector<int> parentless() const {
+    /// All nodes without a parent.
+    std::vector<int> roots() const {
         std::vector<bool> child(seen_.size(), false);
         for (const gltf::Node& node : source_.document.nodes) {
             for (int c : node.children)
                 child[static_cast<std::size_t>(c)] = true;
         }
-        std::vector<int> roots;
+        std::vector<int> result;
         for (std::size_t i = 0; i < child.size(); ++i) {
-            if (!child[i]) roots.push_back(static_cast<int>(i));
+            if (!child[i]) result.push_back(static_cast<int>(i));
         }
-        return roots;
+        return result;
     }
 
-    void walk(int root, bool strict) {
+    void walk(int root, bool mustBeNew) {
         std::vector<Step> todo = {{root, M44d(), true}};
         while (!todo.empty()) {
             const Step step = todo.back();
             todo.pop_back();
             const gltf::Node& node = gltf::at(source_.document.nodes, step.node);
-            const auto at = static_cast<std::size_t>(step.node);
-            if (seen_[at] && !strict) continue;
+            const auto index = static_cast<std::size_t>(step.node);
+            if (seen_[index] && !mustBeNew) continue;
             visit(step);
             for (auto c = node.children.rbegin(); c != node.children.rend(); ++c)
-                todo.push_back({*c, placed_.toWorld[at], placed_.visible[at]});
+                todo.push_back({*c, placed_.toWorld[index], placed_.visible[index]});
         }
     }
 
     struct Step {
         int node;
-        M44d parent;
-        bool isVisible;  ///< the parent
+        M44d parent;     ///< the parent's transform to the world
+        bool isVisible;  ///< whether the parent is
     };
 
     void visit(const Step& step) {
-        const auto at = static_cast<std::size_t>(step.node);
-        if (seen_[at]) {
+        const auto index = static_cast<std::size_t>(step.node);
+        if (seen_[index]) {
             source_.fail(
                 fmt::format("node {} \"{}\" has two parents or is its own: repair the node tree",
-                            step.node, shortened(source_.document.nodes[at].name)));
+                            step.node, shortened(source_.document.nodes[index].name)));
         }
-        seen_[at] = true;
-        placed_.toWorld[at] = toParent(source_, step.node) * step.parent;
-        placed_.visible[at] = step.isVisible && source_.document.nodes[at].visible;
-        if (!finite(placed_.toWorld[at])) {
+        seen_[index] = true;
+        placed_.toWorld[index] = toParent(source_, step.node) * step.parent;
+        placed_.visible[index] = step.isVisible && source_.document.nodes[index].visible;
+        if (!isFinite(placed_.toWorld[index])) {
             source_.fail(fmt::format("node {} \"{}\" lies beyond all numbers: repair the model",
-                                     step.node, shortened(source_.document.nodes[at].name)));
+                                     step.node, shortened(source_.document.nodes[index].name)));
         }
         order_.push_back(step.node);
     }
@@ -141,15 +142,15 @@ std::array<V3d, 3> axesOf(const M44d& m) {
             V3d(m[2][0], m[2][1], m[2][2])};
 }
 
-/// At right angles to all three, unit; none when they lie on one line, seen
-/// beside the square of the longest.
+/// The unit vector perpendicular to three vectors in a plane; empty when they are on a line,
+/// up to rounding. `longest` is the length of the longest.
 std::optional<V3d> normalOf(const std::array<V3d, 3>& v, double longest) {
     std::array<V3d, 3> crosses = {v[0].cross(v[1]), v[1].cross(v[2]), v[2].cross(v[0])};
-    const V3d& most =
+    const V3d& largest =
         *std::max_element(crosses.begin(), crosses.end(),
                           [](const V3d& a, const V3d& b) { return a.length2() < b.length2(); });
-    if (!(most.length() > kFlat * longest * longest)) return std::nullopt;
-    return most.normalized();
+    if (!(largest.length() > kFlat * longest * longest)) return std::nullopt;
+    return largest.normalized();
 }
 
 V3d perpendicularTo(const V3d& z) {

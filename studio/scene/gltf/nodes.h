@@ -8,23 +8,23 @@
 
 namespace tavora::studio {
 
-/// Where the nodes are in the world.
+/// The world transforms of a file's nodes.
 struct PlacedNodes {
-    std::vector<Imath::M44d> toWorld;  ///< of every node, in the scene or not
+    std::vector<Imath::M44d> toWorld;  ///< by node, also of nodes outside the scene
     std::vector<int> shown;            ///< nodes of the scene, parents before children
-    std::vector<bool> visible;         ///< of every node: neither it nor a parent is hidden
+    std::vector<bool> visible;         ///< by node: neither it nor an ancestor is hidden
 };
 
-/// As the document places them. Throws Error for nodes with two parents, cycles, places
-/// beyond all numbers.
+/// Computes the transforms that the document gives its nodes now. Throws Error for nodes with
+/// two parents, cycles, and transforms that are not finite.
 PlacedNodes placeNodes(const GltfSource& source);
 
-/// Rotation and translation of `m` without its scale; right-handed always.
+/// Rotation and translation of `m` without its scale; always right-handed.
 Imath::M44d rigid(const Imath::M44d& m);
 
-/// `m` made invertible where it squeezes the world flat: what it squeezed gets a
-/// millionth of the size instead, so that normals keep a direction. None when
-/// nothing is left to see, a line or a point.
+/// Makes a transform that flattens geometry to a plane invertible: the lost axis gets a
+/// millionth of the size of the longest, so that normals have a direction. Returns other
+/// transforms as they are, and nothing for one that leaves only a line or a point.
 std::optional<Imath::M44d> unflattened(const Imath::M44d& m);
 
 }  // namespace tavora::studio

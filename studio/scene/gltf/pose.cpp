@@ -20,11 +20,12 @@ namespace {
 using Imath::M44d;
 using Imath::V3d;
 
-constexpr std::size_t kLongestLightName = 79;  // bytes; longer ones are cut by what reads them
-// From the origin. Squares are floats to there, and rays meet nothing that is much farther,
-// be it as a mesh has it or where that stands.
-constexpr double kFarthest = 1e18;
-constexpr std::size_t kCrowd = std::size_t{1} << 24;  // vertices and triangles of a large one
+constexpr std::size_t kMaxLightName = 79;  // bytes; modules cut longer names
+// Metres from the origin, in object space and in the world. Up to there squares of distances
+// are finite floats; rays do not hit geometry that is much farther away.
+constexpr double kMaxDistance = 1e18;
+// How many vertices and triangles deformed copies may have in addition to the stored meshes.
+constexpr std::size_t kExtraValues = std::size_t{1} << 24;
 
 std::string nameOr(const std::string& name, const std::string& second, const char* kind,
                    int index) {
@@ -32,12 +33,12 @@ std::string nameOr(const std::string& name, const std::string& second, const cha
     return !second.empty() ? second : fmt::format("{} {}", kind, index);
 }
 
-bool isNear(const Imath::Box3d& box) {
+bool isWithinRange(const Imath::Box3d& box) {
     return std::max({-box.min.x, -box.min.y, -box.min.z, box.max.x, box.max.y, box.max.z}) <
-           kFarthest;
+           kMaxDistance;
 }
 
-/// Bytes.
+/// The bytes of the mesh's arrays.
 std::uint64_t memoryOf(const Mesh& mesh) {
     std::uint64_t bytes = (mesh.positions.size() + mesh.normals.size()) * sizeof(Imath::V3f) +
                           mesh.colors.size() * sizeof(Imath::V4f) +
@@ -50,7 +51,7 @@ std::uint64_t memoryOf(const Mesh& mesh) {
 
 }  // namespace
 
-/// One pose of one file.
+/// Makes one pose of a file's scene.
 class Posing {
   public:
     Posing(GltfPoser& poser, Scene& scene)
@@ -58,7 +59,7 @@ class Posing {
           source_(poser.source_),
           scene_(scene),
           placed_(placeNodes(poser.source_)),
-          lightNames_(kLongestLightName) {}
+          lightNames_(kMaxLightName) {}
 
     void run() {
         scene_.objects.clear();
@@ -128,19 +129,19 @@ class Posing {
                                      : gltf::at(source_.document.meshes, node.mesh).weights;
     }
 
-    /// Accounts for a bent copy: a small file could ask for any number of them.
-    void spend(const Mesh& mesh, int node) {
+    /// Charges a deformed copy to the limits: a small file could need any number of them.
+    void charge(const Mesh& mesh, int node) {
         source_.memory->take(memoryOf(mesh), fmt::format("the bent mesh of node {}", node));
-        poser_.bentValues_ += mesh.positions.size() + mesh.triangles.size();
-        if (poser_.bentValues_ <= poser_.meshes_.mostValues() + kCrowd) return;
+        poser_.deformedValues_ += mesh.positions.size() + mesh.triangles.size();
+        if (poser_.deformedValues_ <= poser_.meshes_.maxValues() + kExtraValues) return;
         source_.fail(
             fmt::format("node {} is one too many with a mesh of its own shape: use fewer "
                         "skinned or morphed nodes",
                         node));
     }
 
-    /// The mesh as stored where nothing bends it, else a copy that is bent. Nodes that
-    /// morph alike share one.
+    /// The stored mesh when nothing deforms it, else a deformed copy. Nodes with the same
+    /// morph weights share a copy.
     std::shared_ptr<const Mesh> posedMesh(
         const gltf::Node& node, int index,
         const std::shared_ptr<const PrimitiveGeometry>& geometry) {
@@ -150,45 +151,47 @@ class Posing {
             std::any_of(weights.begin(), weights.end(), [](double w) { return w != 0; });
         const bool isSkinned = node.skin >= 0;
         if (!morphs && !isSkinned) return {geometry, &geometry->mesh};
-        std::shared_ptr<const Mesh>* alike =
+        std::shared_ptr<const Mesh>* shared =
             isSkinned ? nullptr : &morphed_[{geometry.get(), weights}];
-        if (alike != nullptr && *alike != nullptr) return *alike;
-        GltfPoser::DeformedMesh& bent = poser_.bent_[{index, geometry.get()}];
-        bend(node, index, *geometry, weights, bent);
-        if (alike != nullptr) *alike = bent.mesh;
-        return bent.mesh;
+        if (shared != nullptr && *shared != nullptr) return *shared;
+        GltfPoser::DeformedMesh& deformed = poser_.deformed_[{index, geometry.get()}];
+        deform(node, index, *geometry, weights, deformed);
+        if (shared != nullptr) *shared = deformed.mesh;
+        return deformed.mesh;
     }
 
-    void bend(const gltf::Node& node, int index, const PrimitiveGeometry& geometry,
-              const std::vector<double>& weights, GltfPoser::DeformedMesh& bent) {
+    void deform(const gltf::Node& node, int index, const PrimitiveGeometry& geometry,
+                const std::vector<double>& weights, GltfPoser::DeformedMesh& deformed) {
         const JointPose* joints = node.skin >= 0 ? &jointsOf(node.skin) : nullptr;
         const std::vector<M44d> none;
         const std::vector<M44d>& matrices = joints != nullptr ? joints->toWorld : none;
-        if (bent.mesh != nullptr && bent.weights == weights && bent.joints == matrices) return;
-        if (bent.mesh == nullptr) {
-            spend(geometry.mesh, index);
-            bent.mesh = std::make_shared<Mesh>(geometry.mesh);
+        if (deformed.mesh != nullptr && deformed.weights == weights && deformed.joints == matrices)
+            return;
+        if (deformed.mesh == nullptr) {
+            charge(geometry.mesh, index);
+            deformed.mesh = std::make_shared<Mesh>(geometry.mesh);
         } else {
-            bent.mesh->positions = geometry.mesh.positions;
-            bent.mesh->normals = geometry.mesh.normals;
-            bent.mesh->tangents = geometry.mesh.tangents;
+            deformed.mesh->positions = geometry.mesh.positions;
+            deformed.mesh->normals = geometry.mesh.normals;
+            deformed.mesh->tangents = geometry.mesh.tangents;
         }
-        Mesh& mesh = *bent.mesh;
+        Mesh& mesh = *deformed.mesh;
         mesh.revision = ++poser_.revision_;
-        bent.weights.clear();  // a mesh that cannot be bent is not taken for one that was
-        bent.joints = {M44d() * 0.0};
+        // An exception below must not leave a mesh that looks up to date.
+        deformed.weights.clear();
+        deformed.joints = {M44d() * 0.0};
         morph(geometry, weights, mesh);
         if (!geometry.flat) repairNormals(mesh);
         if (!geometry.targets.empty() && geometry.tangentsMadeFor)
             remakeTangents(geometry, weights, mesh);
-        if (joints != nullptr) hang(node, geometry, mesh);
+        if (joints != nullptr) applySkin(node, geometry, mesh);
         if (geometry.flat) {
             makeFlatNormals(mesh);
-            if (joints != nullptr && joints->mirrored) turnNormals(mesh);
+            if (joints != nullptr && joints->mirrored) flipNormals(mesh);
         }
         checkFinite(mesh, index);
-        bent.weights = weights;
-        bent.joints = matrices;
+        deformed.weights = weights;
+        deformed.joints = matrices;
     }
 
     void checkFinite(const Mesh& mesh, int node) const {
@@ -207,21 +210,21 @@ class Posing {
         mesh.tangents = makeTangents(mesh, *geometry.tangentsMadeFor);
     }
 
-    void hang(const gltf::Node& node, const PrimitiveGeometry& geometry, Mesh& mesh) {
+    void applySkin(const gltf::Node& node, const PrimitiveGeometry& geometry, Mesh& mesh) {
         if (skin(geometry, jointsOf(node.skin), mesh)) return;
         source_.fail(fmt::format(
             "mesh {} \"{}\" hangs on a joint that skin {} does not have: export the file again",
             node.mesh, shortened(mesh.name), node.skin));
     }
 
-    static void turnNormals(Mesh& mesh) {
+    static void flipNormals(Mesh& mesh) {
         for (Imath::V3f& n : mesh.normals)
             n = -n;
     }
 
     const JointPose& jointsOf(int index) {
-        const auto known = joints_.find(index);
-        if (known != joints_.end()) return known->second;
+        const auto found = joints_.find(index);
+        if (found != joints_.end()) return found->second;
         const gltf::Skin& from = gltf::at(source_.document.skins, index);
         const auto [inverseBinds, isNew] = poser_.inverseBinds_.try_emplace(index);
         FloatTable& inverse = inverseBinds->second;
@@ -230,7 +233,7 @@ class Posing {
         JointPose pose;
         std::size_t mirrored = 0;
         for (std::size_t j = 0; j < from.joints.size(); ++j) {
-            M44d bind;  // whose last column is 0, 0, 0, 1, whatever the file holds there
+            M44d bind;  // its last column is taken to be 0, 0, 0, 1, whatever the file has
             for (int i = 0; i < 16 && j < inverse.count; ++i) {
                 if (i % 4 != 3) bind[i / 4][i % 4] = static_cast<double>(inverse.at(j)[i]);
             }
@@ -246,15 +249,15 @@ class Posing {
         GltfPoser::PlacedMesh& placed = poser_.placed_[{node, part}];
         if (placed.mesh == &mesh && placed.revision == mesh.revision && placed.toWorld == transform)
             return placed.bounds;
-        Imath::Box3d own, bounds;
+        Imath::Box3d stored, bounds;
         for (const auto& position : mesh.positions) {
-            own.extendBy(V3d(position));
+            stored.extendBy(V3d(position));
             bounds.extendBy(V3d(position) * transform);
         }
-        if (!isNear(own) || !isNear(bounds)) {
+        if (!isWithinRange(stored) || !isWithinRange(bounds)) {
             source_.fail(fmt::format(
                 "node {} or its mesh reaches {} metres from the origin: scale the model down", node,
-                kFarthest));
+                kMaxDistance));
         }
         placed = {&mesh, mesh.revision, transform, bounds};
         return placed.bounds;
@@ -268,15 +271,15 @@ class Posing {
         scene_.cameras.push_back(std::move(camera));
     }
 
-    /// A hidden light keeps its name from others.
+    /// A hidden light reserves its name too, so that names do not change when it is shown.
     void placeLight(const gltf::Node& node, int index, bool isVisible) {
         Light light = readLight(source_, index, toWorld(index), scene_.warnings);
         light.name = lightNames_.unique(nameOr(light.name, node.name, "Light", node.light));
         if (!isVisible) return;
-        std::shared_ptr<Light>& kept = poser_.lights_[index];
-        if (kept == nullptr) kept = std::make_shared<Light>();
-        *kept = std::move(light);
-        scene_.lights.push_back(kept);
+        std::shared_ptr<Light>& shown = poser_.lights_[index];
+        if (shown == nullptr) shown = std::make_shared<Light>();
+        *shown = std::move(light);
+        scene_.lights.push_back(shown);
     }
 
     GltfPoser& poser_;

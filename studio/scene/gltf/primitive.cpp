@@ -16,23 +16,24 @@ using Imath::V2f;
 using Imath::V3f;
 using Imath::V4f;
 
-constexpr std::size_t kMostCorners = std::size_t{1} << 30;  // of one primitive
+constexpr std::size_t kMaxCorners = std::size_t{1} << 30;  // of one primitive
 
-std::vector<Triangle> listOf(const std::vector<std::uint32_t>& order) {
+std::vector<Triangle> trianglesOfList(const std::vector<std::uint32_t>& corners) {
     std::vector<Triangle> triangles;
-    triangles.reserve(order.size() / 3);
-    for (std::size_t i = 0; i + 2 < order.size(); i += 3)
-        triangles.push_back({order[i], order[i + 1], order[i + 2]});
+    triangles.reserve(corners.size() / 3);
+    for (std::size_t i = 0; i + 2 < corners.size(); i += 3)
+        triangles.push_back({corners[i], corners[i + 1], corners[i + 2]});
     return triangles;
 }
 
-/// Triangles of a strip or fan; those that repeat a vertex only stitch it.
-std::vector<Triangle> runOf(const std::vector<std::uint32_t>& order, bool fan) {
+/// The triangles of a strip or fan, without those that repeat a vertex: these only connect
+/// parts of a strip.
+std::vector<Triangle> trianglesOfStrip(const std::vector<std::uint32_t>& corners, bool fan) {
     std::vector<Triangle> triangles;
-    for (std::size_t i = 0; i + 2 < order.size(); ++i) {
-        const Triangle strip = i % 2 == 0 ? Triangle{order[i], order[i + 1], order[i + 2]}
-                                          : Triangle{order[i], order[i + 2], order[i + 1]};
-        const Triangle t = fan ? Triangle{order[i + 1], order[i + 2], order[0]} : strip;
+    for (std::size_t i = 0; i + 2 < corners.size(); ++i) {
+        const Triangle strip = i % 2 == 0 ? Triangle{corners[i], corners[i + 1], corners[i + 2]}
+                                          : Triangle{corners[i], corners[i + 2], corners[i + 1]};
+        const Triangle t = fan ? Triangle{corners[i + 1], corners[i + 2], corners[0]} : strip;
         if (t[0] != t[1] && t[1] != t[2] && t[2] != t[0]) triangles.push_back(t);
     }
     return triangles;
@@ -56,7 +57,7 @@ std::vector<V4f> fourVectors(const FloatTable& values) {
     return result;
 }
 
-/// Where a primitive's vertex data comes from: accessors, or a compressed mesh.
+/// Reads a primitive's vertex data from accessors, or from a compressed mesh.
 class PrimitiveReader {
   public:
     PrimitiveReader(const GltfSource& source, const gltf::Primitive& primitive,
@@ -93,7 +94,7 @@ class PrimitiveReader {
         return draco_.attributes.count(name) != 0 || primitive_.attributes.count(name) != 0;
     }
 
-    /// Bytes of what a mesh keeps, and of the table that one attribute is read through.
+    /// The bytes of the mesh, and of the largest table that is needed to read an attribute.
     std::uint64_t sizeOfMesh(std::size_t triangles) const {
         std::uint64_t vertex = 2 * sizeof(V3f) + sizeof(V4f);
         for (const auto& [name, index] : primitive_.attributes) {
@@ -117,48 +118,51 @@ class PrimitiveReader {
     }
 
     /// The picked elements of an attribute.
-    FloatTable table(const std::string& name, int least, int most) const {
+    FloatTable table(const std::string& name, int minComponents, int maxComponents) const {
         if (count(name) != vertices_) fail(name + " has another length than its positions");
         const auto compressed = draco_.attributes.find(name);
         if (compressed == draco_.attributes.end()) {
-            return readFloats(source_, primitive_.attributes.at(name), least, most, &picks_);
+            return readFloats(source_, primitive_.attributes.at(name), minComponents, maxComponents,
+                              &picks_);
         }
         const int components = compressed->second.components;
-        if (components < least || components > most) fail(name + " is of another type");
+        if (components < minComponents || components > maxComponents)
+            fail(name + " is of another type");
         return picked(compressed->second, picks_);
     }
 
     std::vector<Triangle> readTriangles() {
-        const std::vector<std::uint32_t> order = readOrder();
-        const auto beyond = std::find_if(order.begin(), order.end(),
+        const std::vector<std::uint32_t> corners = readCorners();
+        const auto beyond = std::find_if(corners.begin(), corners.end(),
                                          [this](std::uint32_t i) { return i >= vertices_; });
-        if (beyond != order.end()) {
+        if (beyond != corners.end()) {
             fail(fmt::format("uses vertex {} of {}", *beyond, vertices_));
         }
-        // A compressed mesh is a list, whatever the primitive was before.
+        // A decoded mesh is a list of triangles, whatever the primitive's mode is.
         const bool list = primitive_.compressed || primitive_.mode == gltf::Mode::Triangles;
-        return list ? listOf(order) : runOf(order, primitive_.mode == gltf::Mode::TriangleFan);
+        return list ? trianglesOfList(corners)
+                    : trianglesOfStrip(corners, primitive_.mode == gltf::Mode::TriangleFan);
     }
 
-    std::vector<std::uint32_t> readOrder() {
-        // The order, the triangles, and the search for the vertices that they use.
-        constexpr std::uint64_t kCorner = 3 * sizeof(std::uint32_t) + sizeof(Triangle);
+    std::vector<std::uint32_t> readCorners() {
+        // The corners, the triangles, and the search for the vertices that they use.
+        constexpr std::uint64_t kCornerBytes = 3 * sizeof(std::uint32_t) + sizeof(Triangle);
         if (primitive_.compressed) {
-            scratch_.take(draco_.indices.size() * kCorner, where_);
+            scratch_.take(draco_.indices.size() * kCornerBytes, where_);
             return draco_.indices;
         }
         if (primitive_.indices != gltf::kNone) {
-            checkBacked(source_, primitive_.indices);
-            scratch_.take(elementCount(source_, primitive_.indices) * kCorner, where_);
+            checkCount(source_, primitive_.indices);
+            scratch_.take(elementCount(source_, primitive_.indices) * kCornerBytes, where_);
             return readIntegers(source_, primitive_.indices);
         }
-        checkBacked(source_, primitive_.attributes.at("POSITION"));
-        if (vertices_ > kMostCorners) fail("has more vertices than can be drawn");
-        scratch_.take(vertices_ * kCorner, where_);
-        std::vector<std::uint32_t> order(vertices_);
+        checkCount(source_, primitive_.attributes.at("POSITION"));
+        if (vertices_ > kMaxCorners) fail("has more vertices than can be drawn");
+        scratch_.take(vertices_ * kCornerBytes, where_);
+        std::vector<std::uint32_t> corners(vertices_);
         for (std::size_t i = 0; i < vertices_; ++i)
-            order[i] = static_cast<std::uint32_t>(i);
-        return order;
+            corners[i] = static_cast<std::uint32_t>(i);
+        return corners;
     }
 
     void readVertices(Mesh& mesh) const {
@@ -175,7 +179,7 @@ class PrimitiveReader {
         mesh.smooth = isSmooth(mesh);
     }
 
-    /// Tangents in a file belong to its normals, and count with these alone.
+    /// Tangents in a file are used only together with its normals, to which they belong.
     void readTangents(const TextureUse& normalTexture, PrimitiveGeometry& result) const {
         Mesh& mesh = result.mesh;
         if (mesh.uvs[static_cast<std::size_t>(normalTexture.uvSet)].empty()) return;
@@ -210,15 +214,15 @@ class PrimitiveReader {
     Influences readInfluences(const char* jointName, const char* weightName) const {
         Influences result;
         if (!has(jointName) || !has(weightName)) return result;
-        const FloatTable numbers = table(jointName, 4, 4);
-        const FloatTable shares = table(weightName, 4, 4);
-        result.joints.resize(numbers.count);
-        result.weights.resize(numbers.count);
-        for (std::size_t i = 0; i < numbers.count; ++i) {
+        const FloatTable joints = table(jointName, 4, 4);
+        const FloatTable weights = table(weightName, 4, 4);
+        result.joints.resize(joints.count);
+        result.weights.resize(joints.count);
+        for (std::size_t i = 0; i < joints.count; ++i) {
             for (std::size_t k = 0; k < 4; ++k) {
                 result.joints[i][k] =
-                    static_cast<std::uint32_t>(std::clamp(numbers.at(i)[k], 0.0F, 65535.0F));
-                result.weights[i][static_cast<int>(k)] = std::max(shares.at(i)[k], 0.0F);
+                    static_cast<std::uint32_t>(std::clamp(joints.at(i)[k], 0.0F, 65535.0F));
+                result.weights[i][static_cast<int>(k)] = std::max(weights.at(i)[k], 0.0F);
             }
         }
         return result;
@@ -242,7 +246,7 @@ class PrimitiveReader {
     const gltf::Primitive& primitive_;
     const MaterialNeeds& needs_;
     const std::string& where_;
-    MemoryShare scratch_{source_.memory};  // needed until the primitive is read
+    MemoryShare scratch_{source_.memory};  // for memory that is freed after reading
     DracoPrimitive draco_;
     std::size_t vertices_ = 0;
     VertexPicks picks_{0};

@@ -12,26 +12,26 @@
 
 namespace tavora::studio {
 
-/// Displacements of a morph target: empty, or one a vertex.
+/// The displacements of a morph target: each array is empty or has one for each vertex.
 struct MorphTarget {
     std::vector<Imath::V3f> positions;
     std::vector<Imath::V3f> normals;
     std::vector<Imath::V3f> tangents;
 };
 
-/// Four joints a vertex, as indices into the skin, and their shares, 0 or more.
-/// Empty, or one a vertex.
+/// Four joints for each vertex, as indices into the skin's joints, and their weights, which
+/// are at least 0. Both arrays are empty or have one entry for each vertex.
 struct Influences {
     std::vector<std::array<std::uint32_t, 4>> joints;
     std::vector<Imath::V4f> weights;
 };
 
-/// What of a primitive's vertices its material needs beyond the usual.
+/// Vertex data that only some materials need.
 struct MaterialNeeds {
-    std::optional<TextureUse> normalTexture;  ///< tangents for it
+    std::optional<TextureUse> normalTexture;  ///< tangents, for this texture
     bool colors = true;
 
-    /// Whether geometry for the one is as that for the other.
+    /// Equal for materials that can share geometry.
     auto key() const {
         const TextureUse use = normalTexture.value_or(TextureUse{});
         return std::make_tuple(colors, normalTexture.has_value(), use.uvSet, use.rotation,
@@ -39,18 +39,18 @@ struct MaterialNeeds {
     }
 };
 
-/// One primitive as read: complete, before morphing and skinning.
+/// A primitive as read from the file, before morphing and skinning.
 struct PrimitiveGeometry {
     Mesh mesh;
-    bool flat = false;  ///< normals were made: no two triangles share a vertex
+    bool flat = false;  ///< flat normals were computed, and no two triangles share a vertex
     std::vector<MorphTarget> targets;
     std::array<Influences, 2> influences;
-    /// What the mesh's tangents were made for; none when they are the file's.
+    /// The texture for which the tangents were computed; empty when they are the file's.
     std::optional<TextureUse> tangentsMadeFor;
 };
 
-/// Reads a primitive whose mode is one of triangles. Vertices that no triangle
-/// uses are left out. Throws Error that names `where` in the file.
+/// Reads a primitive of triangles, of any of the three modes. Vertices that no triangle uses
+/// are left out. `where` is the primitive's name in messages. Throws Error.
 PrimitiveGeometry readPrimitive(const GltfSource& source, const gltf::Primitive& primitive,
                                 const MaterialNeeds& needs, const std::string& where);
 

@@ -4,10 +4,10 @@
 #include <fmt/format.h>
 
 #include "studio/scene/gltf/animations.h"
-#include "studio/scene/gltf/lacks.h"
 #include "studio/scene/gltf/materials.h"
 #include "studio/scene/gltf/pose.h"
 #include "studio/scene/gltf/source.h"
+#include "studio/scene/gltf/unsupported.h"
 #include "studio/util/text.h"
 
 namespace tavora::studio {
@@ -15,7 +15,7 @@ namespace {
 
 using gltf::Json;
 
-constexpr double kMostAmbient = 1000;
+constexpr double kMaxAmbient = 1000;
 
 /// {"tavora": {"ambient": 0.2}} or [r, g, b] in the extras of the scene.
 void readAmbient(const GltfSource& source, Scene& scene) {
@@ -23,26 +23,26 @@ void readAmbient(const GltfSource& source, Scene& scene) {
     if (shown == nullptr) return;
     const Json& ambient = member(gltf::ownExtras(shown->extras), "ambient");
     if (ambient.is_null()) return;
-    const auto level = [](const Json& v) { return v.is_number() && v >= 0 && v <= kMostAmbient; };
-    if (level(ambient)) {
+    const auto isLevel = [](const Json& v) { return v.is_number() && v >= 0 && v <= kMaxAmbient; };
+    if (isLevel(ambient)) {
         scene.ambient = Imath::V3d(ambient.get<double>());
     } else if (ambient.is_array() && ambient.size() == 3 &&
-               std::all_of(ambient.begin(), ambient.end(), level)) {
+               std::all_of(ambient.begin(), ambient.end(), isLevel)) {
         scene.ambient = Imath::V3d(ambient[0], ambient[1], ambient[2]);
     } else {
         scene.warnings.push_back(
             fmt::format("{}: /scenes/{}/extras/tavora/ambient is neither a level from 0 to {} nor "
                         "three of them and left out",
-                        oneLine(source.path), std::max(source.document.scene, 0), kMostAmbient));
+                        oneLine(source.path), std::max(source.document.scene, 0), kMaxAmbient));
     }
 }
 
-/// Bytes of a surface and of an object beside those of the document, as measured on
-/// files that hold little else.
-constexpr std::uint64_t kMaterial = 2048;
-constexpr std::uint64_t kNode = 512;
+/// The bytes that a surface and an object take in addition to the document, measured on files
+/// with little else.
+constexpr std::uint64_t kMaterialBytes = 2048;
+constexpr std::uint64_t kNodeBytes = 512;
 
-/// A file, with all that poses its scene.
+/// A file and the objects that pose its scene.
 struct OpenFile {
     OpenFile(GltfSource from, Scene& scene)
         : source(std::move(from)), player(source, scene.warnings, scene.notes) {}
@@ -50,7 +50,7 @@ struct OpenFile {
     GltfSource source;
     GltfPoser poser{source};
     AnimationPlayer player;
-    bool materialsMoved = false;  ///< by what played before
+    bool materialsAnimated = false;  ///< by the animations that were played before
 };
 
 }  // namespace
@@ -62,13 +62,13 @@ struct GltfScene::Parts {
         scene.path = source.path;
         scene.digest = source.digest;
         scene.memory = source.memory;
-        scene.memory->take(source.document.materials.size() * kMaterial, "its materials");
-        scene.memory->take(source.document.nodes.size() * kNode, "its nodes");
+        scene.memory->take(source.document.materials.size() * kMaterialBytes, "its materials");
+        scene.memory->take(source.document.nodes.size() * kNodeBytes, "its nodes");
         readMaterials(source, scene);
         file->poser.pose(scene);
         scene.animations = readAnimations(source);
         readAmbient(source, scene);
-        tellLacks(source, scene);
+        reportUnsupported(source, scene);
     }
 
     Scene scene;
@@ -96,7 +96,7 @@ std::vector<std::size_t> GltfScene::compatibleAnimations() const {
 void GltfScene::play(std::span<const std::size_t> animations) {
     if (parts_->file == nullptr) return;
     OpenFile& file = *parts_->file;
-    file.materialsMoved = file.materialsMoved || file.player.movesMaterials();
+    file.materialsAnimated = file.materialsAnimated || file.player.animatesMaterials();
     file.player.play(animations);
 }
 
@@ -108,11 +108,12 @@ void GltfScene::pose(double seconds) {
     if (parts_->file == nullptr) return;
     Scene& scene = parts_->scene;
     OpenFile& file = *parts_->file;
-    // What is wrong with the file was said when it was read.
+    // Warnings about the file are already there from reading it.
     const std::size_t warnings = scene.warnings.size();
     file.player.setTime(seconds);
-    if (file.player.movesMaterials() || file.materialsMoved) refreshMaterials(file.source, scene);
-    file.materialsMoved = false;
+    if (file.player.animatesMaterials() || file.materialsAnimated)
+        refreshMaterials(file.source, scene);
+    file.materialsAnimated = false;
     file.poser.pose(scene);
     scene.warnings.resize(warnings);
 }

@@ -9,41 +9,41 @@
 
 namespace tavora::studio {
 
-/// A glTF 2.0 file (.gltf or .glb; "-" for standard input, which must hold everything)
-/// with all it refers to, read once, whose scene can be posed at any time. One thread at
-/// a time.
+/// A glTF 2.0 file (.gltf or .glb; "-" for standard input, which must contain everything)
+/// with the files that it refers to. It is read once; its scene can then be posed for any
+/// time. One thread at a time.
 class GltfScene {
   public:
-    /// The scene at rest. Cameras and lights are those of the file; see default_view.h for
-    /// what a file may lack. Throws Error for anything that cannot be rendered as the file
-    /// says.
+    /// Reads the file; the scene is in its rest pose. Cameras and lights are those of the
+    /// file; for a file without any, see default_view.h. Throws Error, Fault::Scene, for
+    /// anything that cannot be rendered as the file says.
     explicit GltfScene(const std::filesystem::path& file, const ReadOptions& options = {});
     ~GltfScene();
     GltfScene(const GltfScene&) = delete;
     GltfScene& operator=(const GltfScene&) = delete;
 
-    /// Stays at its address. Whoever renders it must not while it is posed.
+    /// The scene, whose address does not change. Must not be rendered while pose() runs.
     const Scene& scene() const;
     Scene& scene();
 
-    /// Animations that can play at once: the first, and each later one that moves nothing
-    /// that one before it moves.
+    /// The animations that can be played together, by index: the first, and each later one
+    /// that animates no property that one of these before it animates.
     std::vector<std::size_t> compatibleAnimations() const;
 
-    /// Plays these of scene().animations from the next pose() on; where two move the same,
-    /// the later one counts. What a file asks for and cannot be done is told in the scene's
-    /// warnings and notes. Throws Error, and std::out_of_range.
+    /// Plays these of scene().animations from the next pose() on. When two animate the same
+    /// property, the later one counts. Channels that cannot be played are reported in the
+    /// scene's warnings and notes. Throws Error.
     void play(std::span<const std::size_t> animations);
 
-    /// Whether anything plays, so that scenes at different times may differ.
+    /// Whether any animation plays, so that scenes at different times may differ.
     bool plays() const;
 
-    /// Makes the scene as it is at a time of the animations, in seconds. Throws Error;
-    /// the scene is then to be posed anew before it is used.
+    /// Poses the scene for a time of the animations, in seconds. Throws Error; the scene must
+    /// then be posed again before it is used.
     void pose(double seconds);
 
-    /// Gives back the memory that the file takes beside the scene, which stays as it is.
-    /// Nothing plays from then on: play() and pose() do nothing.
+    /// Frees the memory of everything but the scene, which keeps its pose. From then on
+    /// nothing plays, and play() and pose() do nothing.
     void close();
 
   private:
@@ -51,7 +51,7 @@ class GltfScene {
     std::unique_ptr<Parts> parts_;
 };
 
-/// The scene of a file at rest, as GltfScene reads it. Any thread.
+/// Reads the scene of a file in its rest pose, like GltfScene. Any thread.
 Scene readGltf(const std::filesystem::path& file, const ReadOptions& options = {});
 
 }  // namespace tavora::studio

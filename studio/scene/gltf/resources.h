@@ -7,16 +7,16 @@
 
 namespace tavora::studio {
 
-/// Where the files that a scene names are looked for.
+/// The folder of the files that a scene refers to.
 struct ResourceFolder {
     std::filesystem::path path;
     bool outside = false;  ///< as in ReadOptions
 };
 
-/// Fills the source's buffers, then its images, from files beside the scene, each read
-/// once, from data URIs, or from `binary`, the binary chunk of a .glb, which the source
-/// holds. Throws Error that names the buffer, or a URI that leads out of the folder; a
-/// missing image only leaves a `problem`.
+/// Fills the source's buffers and images from files, each of which is read once, from data
+/// URIs, or from `binary`, the binary chunk of a .glb, which the source owns. Throws Error for
+/// a buffer that cannot be read and for a URI that leads out of the folder; an image that
+/// cannot be read only gets a `problem`.
 void readResources(GltfSource& source, const ResourceFolder& folder, std::string_view binary);
 
 }  // namespace tavora::studio

@@ -39,7 +39,7 @@ bool namesAnotherFile(const Json& item) {
     return !item["uri"].get_ref<const std::string&>().starts_with("data:");
 }
 
-// The first file that the document refers to, or empty.
+// The first file that the document refers to; empty when there is none.
 std::string referredFile(const Json& document) {
     for (const char* list : {"buffers", "images"}) {
         if (!document.contains(list) || !document[list].is_array()) continue;
@@ -75,7 +75,7 @@ std::string materialWith(std::string_view material, const SurfaceShader& shader,
     }
 }
 
-/// `document` with the shaders in its materials; all between these as it was.
+/// `document` with the shaders in its materials; all other text is unchanged.
 std::string documentWith(std::string_view document, const std::map<int, SurfaceShader>& shaders,
                          const std::string& where) {
     const std::string_view materials = jsonMember(document, "materials");
@@ -106,13 +106,13 @@ void writeGltfSettings(const fs::path& input, const fs::path& output,
     GltfContainer container = readContainer(input);
     const std::string where = input.string();
     std::string_view document = container.json;
-    const bool marked = document.starts_with(kByteOrderMark);
-    if (marked) document.remove_prefix(kByteOrderMark.size());
+    const bool hasByteOrderMark = document.starts_with(kByteOrderMark);
+    if (hasByteOrderMark) document.remove_prefix(kByteOrderMark.size());
     const Json parsed = parseJson(document, where);
     if (!parsed.is_object())
         throw Error(Fault::Scene, where + ": is no glTF document; name a glTF file");
     checkReferences(parsed, input, output);
-    container.json = (marked ? std::string(kByteOrderMark) : std::string()) +
+    container.json = (hasByteOrderMark ? std::string(kByteOrderMark) : std::string()) +
                      documentWith(document, shaders, where);
     const std::string bytes = containerBytes(container);
     isStream(output) ? writeOut(bytes) : writeWholeFile(output, bytes);

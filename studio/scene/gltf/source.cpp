@@ -19,15 +19,15 @@ namespace {
 
 namespace fs = std::filesystem;
 
-/// Bytes that the document takes once it is read, as values and as structures, rather too
-/// many: each value has a bracket, a comma or a colon beside it, each structure is an object.
+/// An upper estimate of the bytes that the JSON and the document take once they are read:
+/// each value follows a bracket, a comma or a colon, and each structure is an object.
 std::uint64_t documentSize(std::string_view text) {
-    constexpr std::uint64_t kValue = 64;
-    constexpr std::uint64_t kStructure = 512;
+    constexpr std::uint64_t kValueBytes = 64;
+    constexpr std::uint64_t kStructureBytes = 512;
     std::uint64_t bytes = text.size();
     for (const char c : text) {
-        if (c == ',' || c == ':' || c == '[') bytes += kValue;
-        if (c == '{') bytes += kStructure;
+        if (c == ',' || c == ':' || c == '[') bytes += kValueBytes;
+        if (c == '{') bytes += kStructureBytes;
     }
     return bytes;
 }
@@ -53,7 +53,7 @@ void checkPreamble(const GltfSource& source) {
                                 shortened(preamble.version)));
     }
     for (const std::string_view name : preamble.extensionsRequired) {
-        if (canDoWithout(supportOf(name))) continue;
+        if (canRead(supportOf(name))) continue;
         source.fail(
             fmt::format("needs the extension {}, which is not supported: export the "
                         "scene without it",
@@ -61,7 +61,7 @@ void checkPreamble(const GltfSource& source) {
     }
 }
 
-/// The first chunk after the JSON, when it is the binary one.
+/// The binary chunk, which may only be the first one after the JSON; empty if it is not.
 std::string_view binaryChunk(const GltfSource& source, std::string_view chunks) {
     constexpr std::size_t kHeader = 8;
     if (chunks.size() < kHeader || chunks.substr(4, 4) != std::string_view("BIN\0", 4)) return {};
@@ -81,9 +81,9 @@ void GltfSource::fail(const std::string& what) const {
 }
 
 std::span<const std::uint8_t> GltfSource::hold(std::string bytes) {
-    const std::string& kept = held.emplace_back(std::move(bytes));
-    bytesHeld += kept.size();
-    return {reinterpret_cast<const std::uint8_t*>(kept.data()), kept.size()};
+    const std::string& stored = held.emplace_back(std::move(bytes));
+    totalBytes += stored.size();
+    return {reinterpret_cast<const std::uint8_t*>(stored.data()), stored.size()};
 }
 
 GltfSource readGltfSource(const fs::path& file, const ReadOptions& options) {
@@ -91,13 +91,14 @@ GltfSource readGltfSource(const fs::path& file, const ReadOptions& options) {
     source.path = shownName(file);
     source.stream = isStream(file);
     source.memory = std::make_shared<MemoryBudget>(source.path, options.memory);
-    source.share = MemoryShare(source.memory);
-    std::error_code unknown;
-    const std::uintmax_t size = fs::file_size(file, unknown);
-    if (!unknown) source.share.take(2 * size, "the file itself");
+    source.memoryShare = MemoryShare(source.memory);
+    std::error_code sizeError;
+    const std::uintmax_t size = fs::file_size(file, sizeError);
+    if (!sizeError) source.memoryShare.take(2 * size, "the file itself");
     GltfContainer container = readContainer(file);
-    if (unknown) source.share.take(container.json.size() + container.chunks.size(), "its bytes");
-    source.share.take(documentSize(container.json), "its JSON");
+    if (sizeError)
+        source.memoryShare.take(container.json.size() + container.chunks.size(), "its bytes");
+    source.memoryShare.take(documentSize(container.json), "its JSON");
     source.json = parseDocument(source, container.json);
     checkPreamble(source);
     source.document = gltf::readDocument(source.json, source.path);

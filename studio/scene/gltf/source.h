@@ -16,31 +16,31 @@ namespace tavora::studio {
 
 /// A picture file of a scene, not decoded.
 struct SourceImage {
-    std::string name;                     ///< for messages: its file, its name or its number
-    std::span<const std::uint8_t> bytes;  ///< the same as others' of that file; empty when
-                                          ///< `problem` is not
-    std::string problem;                  ///< why it cannot be had, and what to do
+    std::string name;  ///< for messages: its file, its name or its index
+    /// Images of the same file share these bytes. Empty when there is a `problem`.
+    std::span<const std::uint8_t> bytes;
+    std::string problem;  ///< why it cannot be read, and what to do; else empty
 };
 
-/// A glTF file as read: the document, its buffers, and the bytes of its image
-/// files, nothing posed or decoded yet. Moved, not copied: the document points
-/// into the JSON.
+/// A glTF file that was read: the document, its buffers, and the bytes of its image files,
+/// before anything is posed or decoded. Can be moved but not copied, since the document
+/// points into the JSON.
 struct GltfSource {
     std::string path;     ///< for messages
-    bool stream = false;  ///< from standard input: no folder, so no files beside it
+    bool stream = false;  ///< read from standard input, so it cannot refer to other files
     gltf::Json json;
     gltf::Document document;
     std::deque<std::string> held;  ///< bytes of files, each read once, and of data URIs
-    std::vector<std::span<const std::uint8_t>> buffers;  ///< each as long as it declares
+    std::vector<std::span<const std::uint8_t>> buffers;  ///< each of its declared length
     std::vector<SourceImage> images;
     std::shared_ptr<MemoryBudget> memory;  ///< of the scene
-    MemoryShare share;                     ///< of it, for what is in here
+    MemoryShare memoryShare;               ///< what this source has taken of it
 
-    std::size_t bytesHeld = 0;  ///< sum over `held`
-    std::string digest;         ///< of the document's text and all that is held: XXH3, 128
-                                ///< bits, hexadecimal
+    std::size_t totalBytes = 0;  ///< of all in `held`
+    /// XXH3 hash of the document's text and of all in `held`: 128 bits, hexadecimal.
+    std::string digest;
 
-    /// Keeps bytes with the source; valid as long as it.
+    /// Stores bytes in `held`. The result is valid as long as the source.
     std::span<const std::uint8_t> hold(std::string bytes);
 
     GltfSource() = default;
@@ -50,9 +50,10 @@ struct GltfSource {
     [[noreturn]] void fail(const std::string& what) const;
 };
 
-/// Throws Error when the file, or a buffer of it, cannot be read, when a
-/// URI leads out of the file's folder, or a required extension is not supported.
-/// An image that cannot be had is no error before something uses it. Any thread.
+/// Reads a file and the files that it refers to. Throws Error when the file or one of its
+/// buffers cannot be read, when a URI leads out of the file's folder, or when a required
+/// extension is not supported. An image that cannot be read is an error only when it is
+/// used. Any thread.
 GltfSource readGltfSource(const std::filesystem::path& file, const ReadOptions& options = {});
 
 }  // namespace tavora::studio

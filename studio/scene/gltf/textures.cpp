@@ -36,7 +36,7 @@ Imath::V2f vectorOf(const std::array<double, 2>& values) {
 
 }  // namespace
 
-void placeTexture(const gltf::TextureInfo& info, TextureUse& use) {
+void setTransform(const gltf::TextureInfo& info, TextureUse& use) {
     use.offset = vectorOf(info.offset);
     use.scale = vectorOf(info.scale);
     use.rotation = static_cast<float>(info.rotation);
@@ -47,13 +47,13 @@ std::optional<TextureUse> TextureReader::read(const std::optional<gltf::TextureI
     const gltf::Texture& texture = gltf::at(source_.document.textures, info->index);
     if (!texture.hasImage()) {
         if (texture.extensions.names.empty()) return std::nullopt;
-        failUnread(texture, info->index);
+        failUnsupported(texture, info->index);
     }
     checkUvSet(*info);
     TextureUse use;
     use.image = imageOf(texture.image());
     use.uvSet = info->texCoord;
-    placeTexture(*info, use);
+    setTransform(*info, use);
     if (texture.sampler != gltf::kNone)
         readSampler(gltf::at(source_.document.samplers, texture.sampler), use);
     return use;
@@ -65,19 +65,19 @@ void TextureReader::checkUvSet(const gltf::TextureInfo& info) const {
                              info.texCoord, kLastUvSet));
 }
 
-/// The scene's image for one of the file's, decoded at its first use.
+/// The index in the scene of an image of the file, which is decoded at its first use.
 int TextureReader::imageOf(int index) {
     const SourceImage& image = gltf::at(source_.images, index);
     if (!image.problem.empty()) {
         source_.fail(fmt::format("the texture \"{}\" {}", shortened(image.name), image.problem));
     }
     const auto key = std::make_pair(image.bytes.data(), image.bytes.size());
-    const auto known = images_.find(key);
-    if (known != images_.end()) return known->second;
-    const int at = static_cast<int>(scene_.images.size());
+    const auto found = images_.find(key);
+    if (found != images_.end()) return found->second;
+    const int sceneIndex = static_cast<int>(scene_.images.size());
     scene_.images.push_back(decode(image));
-    images_[key] = at;
-    return at;
+    images_[key] = sceneIndex;
+    return sceneIndex;
 }
 
 Image TextureReader::decode(const SourceImage& image) const {
@@ -89,15 +89,16 @@ Image TextureReader::decode(const SourceImage& image) const {
     }
 }
 
-void TextureReader::failUnread(const gltf::Texture& texture, int index) const {
+void TextureReader::failUnsupported(const gltf::Texture& texture, int index) const {
     source_.fail(
         fmt::format("texture {} is stored for {} alone, which cannot be read: export it as PNG, "
                     "JPEG or WebP",
                     index, shortened(texture.extensions.names.front())));
 }
 
-std::optional<TextureUse> TextureReader::readSpare(const gltf::SpareTexture& spare,
-                                                   const char* what, const std::string& surface) {
+std::optional<TextureUse> TextureReader::readOptional(const gltf::OptionalTexture& spare,
+                                                      const char* what,
+                                                      const std::string& surface) {
     std::string problem = spare.problem;
     try {
         if (problem.empty()) return read(spare.info);

@@ -3,11 +3,11 @@
 namespace tavora::studio {
 namespace {
 
-int hexDigit(char c) {
+std::optional<int> hexDigit(char c) {
     if (c >= '0' && c <= '9') return c - '0';
     if (c >= 'a' && c <= 'f') return c - 'a' + 10;
     if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    return -1;
+    return std::nullopt;
 }
 
 std::optional<std::string> percentDecoded(std::string_view uri) {
@@ -18,21 +18,22 @@ std::optional<std::string> percentDecoded(std::string_view uri) {
             continue;
         }
         if (i + 2 >= uri.size()) return std::nullopt;
-        const int high = hexDigit(uri[i + 1]);
-        const int low = hexDigit(uri[i + 2]);
-        if (high < 0 || low < 0) return std::nullopt;
-        plain += static_cast<char>(high * 16 + low);
+        const std::optional<int> high = hexDigit(uri[i + 1]);
+        const std::optional<int> low = hexDigit(uri[i + 2]);
+        if (!high || !low) return std::nullopt;
+        plain += static_cast<char>(*high * 16 + *low);
         i += 2;
     }
     return plain;
 }
 
-int base64Digit(char c) {
-    if (c >= 'A' && c <= 'Z') return c - 'A';
-    if (c >= 'a' && c <= 'z') return c - 'a' + 26;
-    if (c >= '0' && c <= '9') return c - '0' + 52;
+std::optional<unsigned> base64Digit(char c) {
+    if (c >= 'A' && c <= 'Z') return static_cast<unsigned>(c - 'A');
+    if (c >= 'a' && c <= 'z') return static_cast<unsigned>(c - 'a' + 26);
+    if (c >= '0' && c <= '9') return static_cast<unsigned>(c - '0' + 52);
     if (c == '+') return 62;
-    return c == '/' ? 63 : -1;
+    if (c == '/') return 63;
+    return std::nullopt;
 }
 
 }  // namespace
@@ -48,16 +49,16 @@ std::optional<std::vector<std::uint8_t>> dataOfUri(std::string_view uri) {
 
     std::vector<std::uint8_t> bytes;
     bytes.reserve(text.size() / 4 * 3 + 2);
-    unsigned held = 0;
+    unsigned buffered = 0;
     int bits = 0;
     for (char c : text) {
-        const int digit = base64Digit(c);
-        if (digit < 0) return std::nullopt;
-        held = ((held << 6U) | static_cast<unsigned>(digit)) & 0xffffU;
+        const std::optional<unsigned> digit = base64Digit(c);
+        if (!digit) return std::nullopt;
+        buffered = ((buffered << 6U) | *digit) & 0xffffU;
         bits += 6;
         if (bits < 8) continue;
         bits -= 8;
-        bytes.push_back(static_cast<std::uint8_t>(held >> static_cast<unsigned>(bits)));
+        bytes.push_back(static_cast<std::uint8_t>(buffered >> static_cast<unsigned>(bits)));
     }
     return bytes;
 }

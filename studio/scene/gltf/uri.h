@@ -8,11 +8,12 @@
 
 namespace tavora::studio {
 
-/// The bytes of a "data:..;base64,.." URI, or none when it is not whole.
+/// The bytes of a "data:..;base64,.." URI; empty when it is not valid.
 std::optional<std::vector<std::uint8_t>> dataOfUri(std::string_view uri);
 
-/// The file that a relative URI names, percent-decoded, which may lead through "..";
-/// none when it is anything else: absolute, a scheme, a backslash, a NUL, broken escapes.
+/// The path that a relative URI names, percent-decoded; it may contain "..". Empty when the
+/// URI is anything else: absolute, with a scheme, with a backslash or NUL, or with broken
+/// escapes.
 std::optional<std::string> fileOfUri(std::string_view uri);
 
 inline bool isDataUri(std::string_view uri) {

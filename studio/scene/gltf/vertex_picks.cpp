@@ -5,46 +5,46 @@
 namespace tavora::studio {
 namespace {
 
-/// The numbers that occur in `triangles`, ascending. Work and memory go with
-/// the triangles, not with the vertices: many primitives may share one big pool.
+/// The vertex indices that occur in `triangles`, ascending. Time and memory are proportional
+/// to the triangles, not to the vertices: many primitives may share one large array.
 std::vector<std::uint32_t> distinct(const std::vector<Triangle>& triangles) {
-    std::vector<std::uint32_t> numbers;
-    numbers.reserve(triangles.size() * 3);
+    std::vector<std::uint32_t> indices;
+    indices.reserve(triangles.size() * 3);
     for (const Triangle& t : triangles)
-        numbers.insert(numbers.end(), t.begin(), t.end());
-    if (numbers.empty()) return numbers;
-    const auto [least, most] = std::minmax_element(numbers.begin(), numbers.end());
-    const std::uint32_t first = *least;
-    const std::size_t range = std::size_t{*most} - first + 1;
-    if (range > 8 * numbers.size()) {
-        std::sort(numbers.begin(), numbers.end());
-        numbers.erase(std::unique(numbers.begin(), numbers.end()), numbers.end());
-        return numbers;
+        indices.insert(indices.end(), t.begin(), t.end());
+    if (indices.empty()) return indices;
+    const auto [min, max] = std::minmax_element(indices.begin(), indices.end());
+    const std::uint32_t first = *min;
+    const std::size_t range = std::size_t{*max} - first + 1;
+    if (range > 8 * indices.size()) {
+        std::sort(indices.begin(), indices.end());
+        indices.erase(std::unique(indices.begin(), indices.end()), indices.end());
+        return indices;
     }
     std::vector<bool> occurs(range, false);
-    for (std::uint32_t number : numbers)
-        occurs[number - first] = true;
-    numbers.clear();
+    for (std::uint32_t index : indices)
+        occurs[index - first] = true;
+    indices.clear();
     for (std::size_t i = 0; i < range; ++i) {
-        if (occurs[i]) numbers.push_back(first + static_cast<std::uint32_t>(i));
+        if (occurs[i]) indices.push_back(first + static_cast<std::uint32_t>(i));
     }
-    return numbers;
+    return indices;
 }
 
 }  // namespace
 
 VertexPicks VertexPicks::used(std::size_t count, std::vector<Triangle>& triangles) {
     VertexPicks picks(count);
-    std::vector<std::uint32_t> numbers = distinct(triangles);
-    if (numbers.size() == count) return picks;
-    const auto renumbered = [&numbers](std::uint32_t i) {
-        const auto found = std::lower_bound(numbers.begin(), numbers.end(), i);
-        return static_cast<std::uint32_t>(found - numbers.begin());
+    std::vector<std::uint32_t> indices = distinct(triangles);
+    if (indices.size() == count) return picks;
+    const auto renumbered = [&indices](std::uint32_t i) {
+        const auto found = std::lower_bound(indices.begin(), indices.end(), i);
+        return static_cast<std::uint32_t>(found - indices.begin());
     };
     for (Triangle& t : triangles)
         t = {renumbered(t[0]), renumbered(t[1]), renumbered(t[2])};
     picks.all_ = false;
-    picks.picks_ = std::move(numbers);
+    picks.picks_ = std::move(indices);
     return picks;
 }
 

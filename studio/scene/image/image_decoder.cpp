@@ -21,16 +21,16 @@ namespace {
 
 using Bytes = std::span<const std::uint8_t>;
 
-// A picture may not unpack to more than this many pixels, nor to more than the
-// strongest packing of its format can stand for.
-constexpr std::uint64_t kMostSide = 65536;
-constexpr std::uint64_t kMostPixels = 1U << 28;
-constexpr std::uint64_t kMostPixelsPerByte = 20000;
+// Limits on the decoded size of an image. kMaxPixelsPerByte is more than the strongest
+// compression of these formats reaches.
+constexpr std::uint64_t kMaxSide = 65536;
+constexpr std::uint64_t kMaxPixels = 1U << 28;
+constexpr std::uint64_t kMaxPixelsPerByte = 20000;
 
-using Text = std::array<char, 256>;
+using ErrorText = std::array<char, 256>;
 
-/// A file on its way to pixels. What it took of the budget and did not leave to the
-/// image is given back at the end.
+/// An image while it is decoded. Memory that was taken from the budget and that the image
+/// does not hold is given back at the end.
 struct Decoding {
     Decoding(Bytes encoded, Image& decoded, MemoryBudget& budget)
         : file(encoded), image(decoded), memory(budget) {}
@@ -43,22 +43,22 @@ struct Decoding {
     MemoryBudget& memory;
     std::uint64_t taken = 0;  ///< bytes
     bool overBudget = false;
-    Text why{};
+    ErrorText error{};
 };
 
-/// Makes room for the pixels and returns them, and charges for `scratch` more bytes a
-/// pixel that decoding needs. C libraries jump over their callers, so nothing may be
-/// thrown here: null and a text instead.
-std::uint8_t* makeRoom(Decoding& decoding, std::uint64_t width, std::uint64_t height,
-                       std::uint64_t scratch = 0) noexcept {
+/// Allocates the pixels and returns them. Also takes `scratch` bytes a pixel from the
+/// budget, for memory that the decoder allocates. The C libraries leave their functions by
+/// longjmp, so nothing may be thrown here: failure returns null and sets `error`.
+std::uint8_t* allocatePixels(Decoding& decoding, std::uint64_t width, std::uint64_t height,
+                             std::uint64_t scratch = 0) noexcept {
     const Bytes file = decoding.file;
     Image& image = decoding.image;
-    Text& why = decoding.why;
-    const bool sane = width > 0 && height > 0 && width <= kMostSide && height <= kMostSide &&
-                      width * height <= kMostPixels &&
-                      width * height <= kMostPixelsPerByte * file.size();
+    ErrorText& error = decoding.error;
+    const bool sane = width > 0 && height > 0 && width <= kMaxSide && height <= kMaxSide &&
+                      width * height <= kMaxPixels &&
+                      width * height <= kMaxPixelsPerByte * file.size();
     if (!sane) {
-        std::snprintf(why.data(), why.size(), "it claims %llu x %llu pixels in %zu bytes",
+        std::snprintf(error.data(), error.size(), "it claims %llu x %llu pixels in %zu bytes",
                       static_cast<unsigned long long>(width),
                       static_cast<unsigned long long>(height), file.size());
         return nullptr;
@@ -73,7 +73,7 @@ std::uint8_t* makeRoom(Decoding& decoding, std::uint64_t width, std::uint64_t he
         image.rgba.resize(static_cast<std::size_t>(width * height * 4));
         return image.rgba.data();
     } catch (const std::exception&) {
-        std::snprintf(why.data(), why.size(), "too little memory for it");
+        std::snprintf(error.data(), error.size(), "too little memory for it");
         return nullptr;
     }
 }
@@ -83,21 +83,21 @@ std::uint8_t* makeRoom(Decoding& decoding, std::uint64_t width, std::uint64_t he
         throw Error(Fault::Scene, "takes more memory than the scene may (see --max-memory)");
     }
     throw Error(Fault::Scene,
-                std::string("is a damaged ") + format + " (" + decoding.why.data() + ")");
+                std::string("is a damaged ") + format + " (" + decoding.error.data() + ")");
 }
 
 // --- PNG ---
 
 struct PngState {
     Decoding& decoding;
-    std::size_t at = 0;
+    std::size_t offset = 0;  ///< into the file
     png_structp png = nullptr;
     png_infop info = nullptr;
 };
 
 void pngFailed(png_structp png, png_const_charp text) {
     auto* state = static_cast<PngState*>(png_get_error_ptr(png));
-    std::snprintf(state->decoding.why.data(), state->decoding.why.size(), "%s", text);
+    std::snprintf(state->decoding.error.data(), state->decoding.error.size(), "%s", text);
     png_longjmp(png, 1);
 }
 
@@ -106,14 +106,14 @@ void pngWarned(png_structp /*png*/, png_const_charp /*text*/) {}
 void pngRead(png_structp png, png_bytep to, std::size_t size) {
     auto* state = static_cast<PngState*>(png_get_io_ptr(png));
     const Bytes file = state->decoding.file;
-    if (size > file.size() - state->at) png_error(png, "it breaks off");
-    std::memcpy(to, file.data() + state->at, size);
-    state->at += size;
+    if (size > file.size() - state->offset) png_error(png, "it breaks off");
+    std::memcpy(to, file.data() + state->offset, size);
+    state->offset += size;
 }
 
-/// All kinds of PNG to 8-bit RGBA, values as they stand: what the file says of
-/// gamma and colour profiles does not count for textures.
-void askForRgba(PngState& state) {
+/// Converts all kinds of PNG to 8-bit RGBA. Values are not colour-managed: textures ignore
+/// the file's gamma and colour profile.
+void convertToRgba(PngState& state) {
     png_set_expand(state.png);
     png_set_scale_16(state.png);
     png_set_gray_to_rgb(state.png);
@@ -122,19 +122,20 @@ void askForRgba(PngState& state) {
     png_read_update_info(state.png, state.info);
 }
 
-/// Only plain data lives here, since libpng's errors jump back into it.
+/// Local variables may only be plain data, since libpng's errors jump back into it.
 bool runPng(PngState& state) {
     if (setjmp(png_jmpbuf(state.png)) != 0) return false;
     png_set_read_fn(state.png, &state, pngRead);
-    png_set_user_limits(state.png, kMostSide, kMostSide);
+    png_set_user_limits(state.png, kMaxSide, kMaxSide);
     png_set_keep_unknown_chunks(state.png, PNG_HANDLE_CHUNK_NEVER, nullptr, -1);
     png_read_info(state.png, state.info);
     const Image& image = state.decoding.image;
-    std::uint8_t* pixels = makeRoom(state.decoding, png_get_image_width(state.png, state.info),
-                                    png_get_image_height(state.png, state.info));
+    std::uint8_t* pixels =
+        allocatePixels(state.decoding, png_get_image_width(state.png, state.info),
+                       png_get_image_height(state.png, state.info));
     if (pixels == nullptr) return false;
     const bool interlaced = png_get_interlace_type(state.png, state.info) != PNG_INTERLACE_NONE;
-    askForRgba(state);
+    convertToRgba(state);
     const std::size_t row = png_get_rowbytes(state.png, state.info);
     if (row != static_cast<std::size_t>(image.width) * 4) png_error(state.png, "odd pixels");
     for (int pass = 0; pass < (interlaced ? 7 : 1); ++pass) {
@@ -156,11 +157,11 @@ void decodePng(Decoding& decoding) {
 
 // --- JPEG ---
 
-// A picture in more scans was not made to be looked at; nor, if it is not small, in
-// more than a usual one has, each of which takes a few bytes and goes over all pixels.
-constexpr int kMostScans = 500;
+// A scan can take a few bytes in the file and still cost a pass over all pixels. So images
+// with more than kMaxScans are refused, and large ones with more scans than is usual.
+constexpr int kMaxScans = 500;
 constexpr int kUsualScans = 16;
-constexpr std::uint64_t kMostScannedPixels = 1U << 28;
+constexpr std::uint64_t kMaxScannedPixels = 1U << 28;
 
 struct JpegState {
     jpeg_error_mgr errors;
@@ -169,25 +170,25 @@ struct JpegState {
     Decoding* decoding;
 };
 
-[[noreturn]] void jpegGiveUp(j_common_ptr info, const char* text) {
+[[noreturn]] void jpegFail(j_common_ptr info, const char* text) {
     auto* state = static_cast<JpegState*>(info->client_data);
-    std::snprintf(state->decoding->why.data(), state->decoding->why.size(), "%s", text);
+    std::snprintf(state->decoding->error.data(), state->decoding->error.size(), "%s", text);
     std::longjmp(state->back, 1);
 }
 
 void jpegFailed(j_common_ptr info) {
     char text[JMSG_LENGTH_MAX];
     info->err->format_message(info, text);
-    jpegGiveUp(info, text);
+    jpegFail(info, text);
 }
 
-/// Warnings that mean wrong pixels count as damage; others are forgiven, since
-/// cameras and old programs write files that earn them.
+/// Warnings that mean wrong pixels are errors; others are ignored, since cameras and old
+/// programs write files that cause them.
 void jpegMessage(j_common_ptr info, int level) {
     if (level >= 0) return;
     switch (info->err->msg_code) {
         case JWRN_JPEG_EOF:
-            jpegGiveUp(info, "it breaks off");
+            jpegFail(info, "it breaks off");
         case JWRN_HIT_MARKER:
         case JWRN_HUFF_BAD_CODE:
         case JWRN_ARITH_BAD_CODE:
@@ -204,13 +205,13 @@ void jpegScanned(j_common_ptr info) {
     const int scans = jpeg->input_scan_number;
     const std::uint64_t scanned =
         static_cast<std::uint64_t>(scans) * jpeg->image_width * jpeg->image_height;
-    if (scans > kMostScans || (scans > kUsualScans && scanned > kMostScannedPixels)) {
-        jpegGiveUp(info, "it never ends");
+    if (scans > kMaxScans || (scans > kUsualScans && scanned > kMaxScannedPixels)) {
+        jpegFail(info, "it never ends");
     }
 }
 
-/// Turns a row of CMYK, 4 bytes a pixel, into RGBA. Files that bear Adobe's mark are
-/// inverted: 0 is all of an ink.
+/// Converts a row of CMYK, 4 bytes a pixel, to RGBA. Values are inverted in files with an
+/// Adobe marker: there 0 is the full amount of an ink.
 void cmykToRgba(std::uint8_t* row, std::size_t pixels, bool inverted) {
     const auto light = [inverted](unsigned ink) { return inverted ? ink : 255U - ink; };
     for (std::uint8_t* pixel = row; pixel != row + 4 * pixels; pixel += 4) {
@@ -221,7 +222,7 @@ void cmykToRgba(std::uint8_t* row, std::size_t pixels, bool inverted) {
     }
 }
 
-/// Only plain data lives here, since libjpeg's errors jump back into it.
+/// Local variables may only be plain data, since libjpeg's errors jump back into it.
 bool runJpeg(jpeg_decompress_struct& jpeg, JpegState& state) {
     if (setjmp(state.back) != 0) return false;
     jpeg_create_decompress(&jpeg);
@@ -231,12 +232,12 @@ bool runJpeg(jpeg_decompress_struct& jpeg, JpegState& state) {
     jpeg_read_header(&jpeg, TRUE);
     const bool isCmyk = jpeg.jpeg_color_space == JCS_CMYK || jpeg.jpeg_color_space == JCS_YCCK;
     jpeg.out_color_space = isCmyk ? JCS_CMYK : JCS_EXT_RGBA;
-    // All coefficients are kept where they come in several scans.
+    // The decoder keeps the coefficients of the whole image when there are several scans.
     const bool isProgressive = jpeg_has_multiple_scans(&jpeg) != 0;
     const std::uint64_t coefficients =
         isProgressive ? sizeof(JCOEF) * static_cast<std::uint64_t>(jpeg.num_components) : 0;
     std::uint8_t* pixels =
-        makeRoom(*state.decoding, jpeg.image_width, jpeg.image_height, coefficients);
+        allocatePixels(*state.decoding, jpeg.image_width, jpeg.image_height, coefficients);
     if (pixels == nullptr) return false;
     jpeg_start_decompress(&jpeg);
     while (jpeg.output_scanline < jpeg.output_height) {
@@ -264,7 +265,7 @@ void decodeJpeg(Decoding& decoding) {
 
 // --- WebP ---
 
-/// The canvas as the first picture of an animation leaves it.
+/// Decodes the first frame of an animation onto its canvas.
 bool decodeFirstFrame(Decoding& decoding, std::uint8_t* pixels) {
     const WebPData data{decoding.file.data(), decoding.file.size()};
     const std::unique_ptr<WebPAnimDecoder, decltype(&WebPAnimDecoderDelete)> decoder(
@@ -280,16 +281,16 @@ bool decodeFirstFrame(Decoding& decoding, std::uint8_t* pixels) {
 void decodeWebp(Decoding& decoding) {
     const Bytes file = decoding.file;
     WebPBitstreamFeatures features{};
-    decoding.why = {"it has no whole header"};
+    decoding.error = {"it has no whole header"};
     if (WebPGetFeatures(file.data(), file.size(), &features) != VP8_STATUS_OK) {
         fail("WebP", decoding);
     }
-    // An animation is put together on two canvases.
-    std::uint8_t* pixels =
-        makeRoom(decoding, static_cast<std::uint64_t>(features.width),
-                 static_cast<std::uint64_t>(features.height), features.has_animation != 0 ? 8 : 0);
+    // The decoder of animations allocates two canvases.
+    std::uint8_t* pixels = allocatePixels(decoding, static_cast<std::uint64_t>(features.width),
+                                          static_cast<std::uint64_t>(features.height),
+                                          features.has_animation != 0 ? 8 : 0);
     if (pixels == nullptr) fail("WebP", decoding);
-    decoding.why = {"its pixels are not whole"};
+    decoding.error = {"its pixels are not whole"};
     const bool good =
         features.has_animation != 0
             ? decodeFirstFrame(decoding, pixels)

@@ -23,8 +23,8 @@ const std::array<double, 256>& linearOfByte() {
     return table;
 }
 
-/// What bytes of an image stand for: 0..1.
-const std::array<double, 256>& shareOfByte() {
+/// The values 0..1 of an image's bytes.
+const std::array<double, 256>& fractionOfByte() {
     static const std::array<double, 256> table = [] {
         std::array<double, 256> t{};
         for (std::size_t i = 0; i < t.size(); ++i)
@@ -34,13 +34,13 @@ const std::array<double, 256>& shareOfByte() {
     return table;
 }
 
-V4d shareOf(const std::uint8_t rgba[4]) {
-    const std::array<double, 256>& shares = shareOfByte();
-    return {shares[rgba[0]], shares[rgba[1]], shares[rgba[2]], shares[rgba[3]]};
+V4d texelOf(const std::uint8_t rgba[4]) {
+    const std::array<double, 256>& fraction = fractionOfByte();
+    return {fraction[rgba[0]], fraction[rgba[1]], fraction[rgba[2]], fraction[rgba[3]]};
 }
 
-/// Byte of a linear value 0..1: exact for all that linearOfByte() holds, since
-/// the darkest of those lie 20 steps of the table apart.
+/// The sRGB-encoded byte of a linear value 0..1. Exact for all values of linearOfByte(),
+/// since even the darkest of those are 20 steps of the table apart.
 std::uint8_t encodedByte(double linear) {
     constexpr std::size_t kSteps = 65536;
     static const std::vector<std::uint8_t> table = [] {
@@ -53,28 +53,28 @@ std::uint8_t encodedByte(double linear) {
     return table[static_cast<std::size_t>(std::lround(linear * (kSteps - 1)))];
 }
 
-/// The texels of a row or column that one texel of half the size covers: two,
+/// The texels of a row or column that one texel of the next smaller level covers: two,
 /// or parts of up to four where the size is odd.
-struct Cover {
+struct Coverage {
     int first = 0;
     int count = 0;
     double weights[4] = {};  ///< sum 1
 };
 
-std::vector<Cover> covers(int from, int to) {
-    std::vector<Cover> all(static_cast<std::size_t>(to));
+std::vector<Coverage> coverageOf(int from, int to) {
+    std::vector<Coverage> all(static_cast<std::size_t>(to));
     const double width = static_cast<double>(from) / to;
     for (int i = 0; i < to; ++i) {
-        Cover& cover = all[static_cast<std::size_t>(i)];
+        Coverage& cover = all[static_cast<std::size_t>(i)];
         const double start = i * width;
         const double end = (i + 1) * width;
         cover.first = static_cast<int>(start);
         for (int k = cover.first; k < from && k < end && cover.count < 4; ++k) {
-            const double share = std::min<double>(end, k + 1) - std::max<double>(start, k);
-            if (share > 1e-9) {
-                cover.weights[cover.count++] = share / width;
+            const double overlap = std::min<double>(end, k + 1) - std::max<double>(start, k);
+            if (overlap > 1e-9) {
+                cover.weights[cover.count++] = overlap / width;
             } else if (cover.count == 0) {
-                ++cover.first;  // a rounding error of the one before
+                ++cover.first;  // only rounding makes the texel before it overlap
             }
         }
     }
@@ -98,14 +98,14 @@ inline int wrapped(Wrap wrap, long i, int size) {
     return i >= 0 && i < size ? static_cast<int>(i) : wrappedOutside(wrap, i, size);
 }
 
-/// The whole number below `v`, which a long holds.
-inline long wholeBelow(double v) {
+/// The greatest integer that is not above `v`, which must be in the range of a long.
+inline long floorOf(double v) {
     const long towardsZero = static_cast<long>(v);
     return static_cast<double>(towardsZero) > v ? towardsZero - 1 : towardsZero;
 }
 
-/// Keeps texel coordinates where a long holds them; textures repeat anyway.
-double tamed(double v) {
+/// Keeps texture coordinates so small that texel indices are in the range of a long.
+double clampedCoordinate(double v) {
     return std::isfinite(v) ? std::clamp(v, -1e9, 1e9) : 0.0;
 }
 
@@ -133,16 +133,16 @@ void TexturePyramid::addHalved(bool isData) {
     const Level& from = levels_.back();
     const int width = std::max(1, from.width / 2);
     const int height = std::max(1, from.height / 2);
-    const std::vector<Cover> columns = covers(from.width, width);
-    const std::vector<Cover> rows = covers(from.height, height);
-    const std::array<double, 256>& value = isData ? shareOfByte() : linearOfByte();
+    const std::vector<Coverage> columns = coverageOf(from.width, width);
+    const std::vector<Coverage> rows = coverageOf(from.height, height);
+    const std::array<double, 256>& value = isData ? fractionOfByte() : linearOfByte();
     const auto byteOf = [isData](double v) {
         return isData ? static_cast<std::uint8_t>(std::lround(255.0 * v)) : encodedByte(v);
     };
     std::vector<std::uint8_t> rgba;
     rgba.reserve(static_cast<std::size_t>(width) * static_cast<std::size_t>(height) * 4);
-    for (const Cover& row : rows) {
-        for (const Cover& column : columns) {
+    for (const Coverage& row : rows) {
+        for (const Coverage& column : columns) {
             double sum[4] = {};
             for (int y = 0; y < row.count; ++y) {
                 for (int x = 0; x < column.count; ++x) {
@@ -168,41 +168,41 @@ V4d TexturePyramid::sample(const Level& level, Filter filter, const TextureUse& 
 }
 
 V4d TexturePyramid::nearest(const Level& level, const TextureUse& use, const V2d& uv) {
-    const int x = wrapped(use.wrapS, wholeBelow(uv.x * level.width), level.width);
-    const int y = wrapped(use.wrapT, wholeBelow(uv.y * level.height), level.height);
-    return shareOf(level.texel(x, y));
+    const int x = wrapped(use.wrapS, floorOf(uv.x * level.width), level.width);
+    const int y = wrapped(use.wrapT, floorOf(uv.y * level.height), level.height);
+    return texelOf(level.texel(x, y));
 }
 
 V4d TexturePyramid::bilinear(const Level& level, const TextureUse& use, const V2d& uv) {
     const double fx = uv.x * level.width - 0.5;
     const double fy = uv.y * level.height - 0.5;
-    const long left = wholeBelow(fx);
-    const long above = wholeBelow(fy);
+    const long left = floorOf(fx);
+    const long above = floorOf(fy);
     const int x0 = wrapped(use.wrapS, left, level.width);
     const int x1 = wrapped(use.wrapS, left + 1, level.width);
     const int y0 = wrapped(use.wrapT, above, level.height);
     const int y1 = wrapped(use.wrapT, above + 1, level.height);
     const double u = fx - static_cast<double>(left);
     const double v = fy - static_cast<double>(above);
-    const auto texel = [&level](int x, int y) { return shareOf(level.texel(x, y)); };
+    const auto texel = [&level](int x, int y) { return texelOf(level.texel(x, y)); };
     return (texel(x0, y0) * (1 - u) + texel(x1, y0) * u) * (1 - v) +
            (texel(x0, y1) * (1 - u) + texel(x1, y1) * u) * v;
 }
 
 V4d TexturePyramid::lookUp(const TextureUse& use, const V2d& uv, double footprint) const {
-    const V2d at(tamed(uv.x), tamed(uv.y));
+    const V2d position(clampedCoordinate(uv.x), clampedCoordinate(uv.y));
     const Level& finest = levels_.front();
     const double texels = footprint * std::max(finest.width, finest.height);
-    if (!(texels > 1)) return sample(finest, use.magnify, use, at);
-    if (!use.mipmaps) return sample(finest, use.minify, use, at);
+    if (!(texels > 1)) return sample(finest, use.magnify, use, position);
+    if (!use.mipmaps) return sample(finest, use.minify, use, position);
     const double last = static_cast<double>(levels_.size() - 1);
     const double depth =
         texels < std::ldexp(1.0, static_cast<int>(last)) ? deterministic::log2(texels) : last;
     const auto lower = static_cast<std::size_t>(depth);
     const std::size_t upper = std::min(lower + 1, levels_.size() - 1);
     const double t = depth - static_cast<double>(lower);
-    return sample(levels_[lower], use.minify, use, at) * (1 - t) +
-           sample(levels_[upper], use.minify, use, at) * t;
+    return sample(levels_[lower], use.minify, use, position) * (1 - t) +
+           sample(levels_[upper], use.minify, use, position) * t;
 }
 
 V2d transformUv(const TextureUse& use, const V2d& uv) {

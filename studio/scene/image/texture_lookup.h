@@ -9,23 +9,22 @@
 
 namespace tavora::studio {
 
-/// An image ready to be looked up at any size: its pyramid of halved levels.
-/// Colours are averaged in linear light and stored sRGB-encoded, data as it is.
+/// The mipmaps of an image: levels that halve in size, down to one texel. Colours are
+/// averaged in linear light and stored sRGB-encoded; data is averaged as stored.
 class TexturePyramid {
   public:
-    /// `image` must hold a pixel and outlive the pyramid, which reads its finest
-    /// level there.
+    /// `image` must have at least one pixel and must outlive the pyramid, which uses its
+    /// pixels as the finest level. `isData` as in TextureUse.
     explicit TexturePyramid(const Image& image, bool isData = false);
     TexturePyramid(const TexturePyramid&) = delete;
     TexturePyramid& operator=(const TexturePyramid&) = delete;
 
-    /// Bytes that a pyramid of `image` takes beside the image.
+    /// The bytes that a pyramid of `image` takes in addition to the image.
     static std::uint64_t sizeFor(const Image& image);
 
-    /// RGBA at `uv` (after the texture transform; v grows downwards), each 0..1,
-    /// as stored (colour sRGB-encoded). `footprint` is the width in UV units that
-    /// the result should average over; 0 asks for the finest level.
-    /// Any number of threads.
+    /// RGBA at `uv` (after the texture transform; v grows downwards), each 0..1, as stored
+    /// (colour sRGB-encoded). Wrapping and filters are those of `use`. `footprint` is the
+    /// width, in UV units, to average over; 0 gives the finest level. Any thread.
     Imath::V4d lookUp(const TextureUse& use, const Imath::V2d& uv, double footprint) const;
 
   private:
@@ -46,10 +45,11 @@ class TexturePyramid {
     static Imath::V4d bilinear(const Level& level, const TextureUse& use, const Imath::V2d& uv);
 
     std::vector<Level> levels_;
-    std::vector<std::vector<std::uint8_t>> halves_;  ///< what the levels after the first hold
+    std::vector<std::vector<std::uint8_t>> halves_;  ///< the pixels of the levels after the first
 };
 
-/// The UV at which `use` reads its image for a vertex coordinate.
+/// Applies the texture transform of `use` to a mesh's UV coordinates. Formula: the glTF
+/// extension KHR_texture_transform.
 Imath::V2d transformUv(const TextureUse& use, const Imath::V2d& uv);
 
 }  // namespace tavora::studio

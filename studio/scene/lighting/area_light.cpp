@@ -14,28 +14,29 @@ double centred(double x) {
     return 2 * (x - std::floor(x)) - 1;
 }
 
-/// Place `i` of a sequence that fills the cube -1..1 ever more evenly: multiples
-/// of the powers of 1 / g, g^4 = g + 1. Roberts, "The Unreasonable Effectiveness
+/// Point `i` of the R3 sequence, which fills the cube -1..1 ever more evenly: multiples
+/// of the powers of 1 / g, where g^4 = g + 1. Roberts, "The Unreasonable Effectiveness
 /// of Quasirandom Sequences" (2018).
-V3d inCube(std::size_t i) {
+V3d cubePoint(std::size_t i) {
     const auto n = static_cast<double>(i + 1);
     return {centred(n * 0.8191725133961645), centred(n * 0.6710436067037893),
             centred(n * 0.5497004779019703)};
 }
 
-/// The same for the square: g^3 = g + 1.
-V2d inSquare(std::size_t i) {
+/// Point `i` of the R2 sequence, which fills the square -1..1 in the same way, with
+/// g^3 = g + 1.
+V2d squarePoint(std::size_t i) {
     const auto n = static_cast<double>(i + 1);
     return {centred(n * 0.7548776662466927), centred(n * 0.5698402909980532)};
 }
 
-/// The first places within 1 of the middle, each with its opposite, so that the
-/// middle of all is the light's own.
-template <class Place>
-std::vector<Place> pairsInside(Place (*place)(std::size_t)) {
-    std::vector<Place> pairs;
+/// The first kAreaPoints points of a sequence inside the unit ball or disc, each followed
+/// by its mirror image through the centre, so that the mean of all points is the centre.
+template <class Point>
+std::vector<Point> symmetricPoints(Point (*sequence)(std::size_t)) {
+    std::vector<Point> pairs;
     for (std::size_t i = 0; pairs.size() < kAreaPoints; ++i) {
-        const Place inside = place(i);
+        const Point inside = sequence(i);
         if (inside.length2() > 1) continue;
         pairs.push_back(inside);
         pairs.push_back(-inside);
@@ -43,6 +44,7 @@ std::vector<Place> pairsInside(Place (*place)(std::size_t)) {
     return pairs;
 }
 
+/// The coordinate axis along which `v` is shortest, which is never parallel to it.
 V3d leastAxis(const V3d& v) {
     const V3d size(std::abs(v.x), std::abs(v.y), std::abs(v.z));
     if (size.x <= size.y && size.x <= size.z) return {1, 0, 0};
@@ -54,22 +56,22 @@ V3d leastAxis(const V3d& v) {
 std::vector<V3d> punctualLightPoints(const Light& light, double radius) {
     std::vector<V3d> points;
     if (!(radius > 0)) return points;
-    for (const V3d& inside : pairsInside(inCube))
+    for (const V3d& inside : symmetricPoints(cubePoint))
         points.push_back(light.position + inside * radius);
     return points;
 }
 
 std::vector<V3d> directionalLightPoints(const Light& light, double angle) {
-    std::vector<V3d> ways;
-    if (!(angle > 0)) return ways;
+    std::vector<V3d> directions;
+    if (!(angle > 0)) return directions;
     const V3d across = light.direction.cross(leastAxis(light.direction)).normalized();
     const V3d along = light.direction.cross(across);
     const double radius = deterministic::tan(angle / 2);
-    for (const V2d& inside : pairsInside(inSquare)) {
-        const V3d aside = (across * inside.x + along * inside.y) * radius;
-        ways.push_back((aside - light.direction).normalized());
+    for (const V2d& inside : symmetricPoints(squarePoint)) {
+        const V3d offset = (across * inside.x + along * inside.y) * radius;
+        directions.push_back((offset - light.direction).normalized());
     }
-    return ways;
+    return directions;
 }
 
 }  // namespace tavora::studio

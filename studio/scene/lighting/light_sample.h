@@ -75,10 +75,10 @@ inline PunctualSample samplePunctual(const PunctualLight& light, double px, doub
     sample.z = isApart ? wz / sample.distance : light.direction.z;
     sample.level = 1;
     if constexpr (isSpot) {
-        sample.level *= coneAttenuation(light.innerCosine, light.outerCosine,
-                                        sample.x * light.direction.x +
-                                            sample.y * light.direction.y +
-                                            sample.z * light.direction.z);
+        sample.level *=
+            coneAttenuation(light.innerCosine, light.outerCosine,
+                            sample.x * light.direction.x + sample.y * light.direction.y +
+                                sample.z * light.direction.z);
     }
     if constexpr (hasFalloff) {
         sample.level *= rangeAttenuation(light.range, sample.distance) * light.scale /

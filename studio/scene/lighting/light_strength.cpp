@@ -11,63 +11,65 @@ namespace {
 
 using Imath::V3d;
 
-constexpr double kCaught = 0.9;    // of the light: lands on what counts as reached
-constexpr double kExceeded = 0.1;  // of the reached area: is lit more than the strength says
+constexpr double kLitFlux = 0.9;       // fraction of a light's flux that lands on what it lights
+constexpr double kExceededArea = 0.1;  // fraction of the lit area that is brighter than the result
 
-/// A place that a lamp lights.
-struct LitPlace {
-    double illuminance = 0;  ///< square to the light
-    double cone = 1;
-    double area = 0;
-    double flux = 0;  ///< what the area catches
+/// The light on one surface sample.
+struct LitSample {
+    double illuminance = 0;  ///< lux, on a surface that faces the light
+    double cone = 1;         ///< coneAttenuation()
+    double area = 0;         ///< square metres, as in SurfaceSample
+    double flux = 0;         ///< that the area receives, lumen
 };
 
-/// Dark where the place turns away or cone or range end before it.
-LitPlace lightAt(const Light& lamp, double candela, const SurfaceSample& point) {
-    const V3d way = point.position - lamp.position;
-    const double distance2 = way.length2();
+/// All 0 where the surface faces away from the light, or its cone or range leaves it dark.
+LitSample lightOn(const Light& light, double candela, const SurfaceSample& point) {
+    const V3d offset = point.position - light.position;
+    const double distance2 = offset.length2();
     if (!(distance2 > 0) || !std::isfinite(distance2)) return {};
     const double distance = std::sqrt(distance2);
-    double facing = -way.dot(point.normal) / distance;
-    if (point.doubleSided) facing = std::abs(facing);
-    if (!(facing > 0)) return {};
-    LitPlace place;
-    if (lamp.kind == LightKind::Spot)
-        place.cone = coneAttenuation(lamp.innerCosine, lamp.outerCosine, way.dot(lamp.direction) / distance);
-    place.illuminance = candela * place.cone * rangeAttenuation(lamp.range, distance) / distance2;
-    place.area = point.area;
-    place.flux = place.illuminance * facing * point.area;
-    return place;
+    double cosine = -offset.dot(point.normal) / distance;
+    if (point.doubleSided) cosine = std::abs(cosine);
+    if (!(cosine > 0)) return {};
+    LitSample sample;
+    if (light.kind == LightKind::Spot)
+        sample.cone = coneAttenuation(light.innerCosine, light.outerCosine,
+                                      offset.dot(light.direction) / distance);
+    sample.illuminance =
+        candela * sample.cone * rangeAttenuation(light.range, distance) / distance2;
+    sample.area = point.area;
+    sample.flux = sample.illuminance * cosine * point.area;
+    return sample;
 }
 
-/// The value that is exceeded on kExceeded of the area.
+/// The value that is exceeded on a fraction kExceededArea of the samples' area.
 template <typename Value>
-double exceeded(std::vector<LitPlace>& places, Value LitPlace::*value) {
-    std::sort(places.begin(), places.end(),
-              [value](const LitPlace& a, const LitPlace& b) { return a.*value > b.*value; });
+double exceeded(std::vector<LitSample>& samples, Value LitSample::*value) {
+    std::sort(samples.begin(), samples.end(),
+              [value](const LitSample& a, const LitSample& b) { return a.*value > b.*value; });
+    double totalArea = 0;
+    for (const LitSample& sample : samples)
+        totalArea += sample.area;
     double area = 0;
-    for (const LitPlace& place : places)
-        area += place.area;
-    double passed = 0;
-    for (const LitPlace& place : places) {
-        passed += place.area;
-        if (passed >= kExceeded * area) return place.*value;
+    for (const LitSample& sample : samples) {
+        area += sample.area;
+        if (area >= kExceededArea * totalArea) return sample.*value;
     }
     return 0;
 }
 
-/// Leaves the places that are lit most and together catch kCaught of the light.
-void keepReached(std::vector<LitPlace>& places) {
-    std::sort(places.begin(), places.end(),
-              [](const LitPlace& a, const LitPlace& b) { return a.illuminance > b.illuminance; });
-    double caught = 0;
-    for (const LitPlace& place : places)
-        caught += place.flux;
-    double passed = 0;
+/// Keeps the brightest samples, which together receive a fraction kLitFlux of the flux.
+void keepBrightest(std::vector<LitSample>& samples) {
+    std::sort(samples.begin(), samples.end(),
+              [](const LitSample& a, const LitSample& b) { return a.illuminance > b.illuminance; });
+    double totalFlux = 0;
+    for (const LitSample& sample : samples)
+        totalFlux += sample.flux;
+    double flux = 0;
     std::size_t count = 0;
-    while (count < places.size() && passed < kCaught * caught)
-        passed += places[count++].flux;
-    places.resize(count);
+    while (count < samples.size() && flux < kLitFlux * totalFlux)
+        flux += samples[count++].flux;
+    samples.resize(count);
 }
 
 }  // namespace
@@ -77,16 +79,16 @@ double peakIntensity(const Light& light) {
     return std::max(0.0, static_cast<double>(light.intensity)) * peak;
 }
 
-LampReach lampReach(const Light& lamp, std::span<const SurfaceSample> points) {
-    const double candela = peakIntensity(lamp);
-    std::vector<LitPlace> places;
+PunctualStrength punctualStrength(const Light& light, std::span<const SurfaceSample> points) {
+    const double candela = peakIntensity(light);
+    std::vector<LitSample> samples;
     for (const SurfaceSample& point : points) {
-        const LitPlace place = lightAt(lamp, candela, point);
-        if (place.flux > 0) places.push_back(place);
+        const LitSample sample = lightOn(light, candela, point);
+        if (sample.flux > 0) samples.push_back(sample);
     }
-    keepReached(places);
-    if (places.empty()) return {};
-    return {exceeded(places, &LitPlace::illuminance), exceeded(places, &LitPlace::cone)};
+    keepBrightest(samples);
+    if (samples.empty()) return {};
+    return {exceeded(samples, &LitSample::illuminance), exceeded(samples, &LitSample::cone)};
 }
 
 }  // namespace tavora::studio

@@ -7,20 +7,23 @@
 
 namespace tavora::studio {
 
-/// How much light a lamp (a point or spot light) brings to surfaces that face it.
-/// Shadows don't count. A lamp reaches those places that it lights most and that
-/// together catch nine tenths of its light: far-off ground is none of them. Its
-/// strength there is exceeded on a tenth of their area only, so neither a
-/// surface that the lamp nearly touches nor the emptiness around decides.
-struct LampReach {
-    double strength = 0;  ///< lux times the brightest colour channel; 0: it lights nothing
-    double cone = 1;      ///< coneAttenuation() that is exceeded on a tenth of the reached area
+/// How strongly a point or spot light lights a scene's surfaces, without shadows. The area
+/// that it lights is made of its brightest surface samples, which together receive nine
+/// tenths of its light; so distant ground does not count. Both values are exceeded on a
+/// tenth of that area only: neither a surface that the light nearly touches nor dimly lit
+/// surroundings decide.
+struct PunctualStrength {
+    /// Lux times the brightest colour channel, on a surface that faces the light; 0 when it
+    /// lights nothing.
+    double illuminance = 0;
+    double cone = 1;  ///< coneAttenuation()
 };
 
-LampReach lampReach(const Light& lamp, std::span<const SurfaceSample> points);
+/// Measures a point or spot light on samples from surfaceSamples(). Any thread.
+PunctualStrength punctualStrength(const Light& light, std::span<const SurfaceSample> points);
 
-/// Physical strength for the brightest channel: lux of a directional light,
-/// candela of others; 0 for what is negative or not a number.
+/// The light's intensity in its brightest channel: lux for a directional light, candela for
+/// others; 0 for a value that is negative or not a number.
 double peakIntensity(const Light& light);
 
 }  // namespace tavora::studio

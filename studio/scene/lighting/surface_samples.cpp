@@ -8,11 +8,11 @@ namespace {
 
 using Imath::V3d;
 
-constexpr double kByArea = 4096;        // points shared out by area
-constexpr std::size_t kByMesh = 16384;  // points shared out alike, one a triangle at most
-constexpr std::size_t kMostByMesh = 64;
+constexpr double kByArea = 4096;        // samples that meshes get in proportion to their areas
+constexpr std::size_t kByMesh = 16384;  // samples in equal numbers, at most one a triangle
+constexpr std::size_t kMaxByMesh = 64;  // of these, for one mesh
 
-/// A mesh as it stands in the world.
+/// A mesh of an object, whose transform places it in the world.
 struct Patch {
     const Object* object = nullptr;
     const Mesh* mesh = nullptr;
@@ -30,7 +30,7 @@ Corners cornersOf(const Patch& patch, const std::array<std::uint32_t, 3>& triang
     return corners;
 }
 
-/// Twice as long as the triangle has area.
+/// A normal of the triangle whose length is twice the triangle's area.
 V3d doubleAreaVector(const Corners& corners) {
     return (corners[1] - corners[0]).cross(corners[2] - corners[0]);
 }
@@ -47,6 +47,7 @@ double areaOf(const Patch& patch) {
     return area;
 }
 
+/// The meshes that light can change: those with an area and a surface that is not unlit.
 std::vector<Patch> litPatches(const Scene& scene) {
     std::vector<Patch> patches;
     for (const auto& object : scene.objects) {
@@ -63,8 +64,8 @@ std::vector<Patch> litPatches(const Scene& scene) {
     return patches;
 }
 
-/// The n-th point of a sequence that fills a triangle evenly: multiples of the
-/// plastic number's powers, folded over the unit square's diagonal.
+/// The n-th point of a sequence that fills a triangle evenly: the R2 sequence (see
+/// area_light.cpp), folded over the unit square's diagonal.
 V3d pointInside(const Corners& corners, std::size_t n) {
     const auto fraction = [n](double step) {
         const double x = 0.5 + step * static_cast<double>(n);
@@ -79,17 +80,18 @@ V3d pointInside(const Corners& corners, std::size_t n) {
     return corners[0] + (corners[1] - corners[0]) * u + (corners[2] - corners[0]) * v;
 }
 
-/// Puts `count` points on the patch, each for the same area of successive triangles.
+/// Adds `count` samples of the patch. Each represents the same area: the triangles' areas
+/// are laid end to end, and the samples are evenly spaced along them.
 void addPoints(const Patch& patch, std::size_t count, std::vector<SurfaceSample>& points) {
     const double step = patch.area / static_cast<double>(count);
-    double passed = 0;
-    std::size_t placed = 0;
+    double area = 0;
+    std::size_t added = 0;
     for (const auto& triangle : patch.mesh->triangles) {
         const Corners corners = cornersOf(patch, triangle);
-        passed += areaOf(corners);
-        for (; placed < count && (static_cast<double>(placed) + 0.5) * step < passed; ++placed) {
+        area += areaOf(corners);
+        for (; added < count && (static_cast<double>(added) + 0.5) * step < area; ++added) {
             SurfaceSample point;
-            point.position = pointInside(corners, placed);
+            point.position = pointInside(corners, added);
             point.normal =
                 doubleAreaVector(corners).normalized() * (patch.object->mirrored ? -1.0 : 1.0);
             point.area = step * patch.opacity;
@@ -106,12 +108,12 @@ std::vector<SurfaceSample> surfaceSamples(const Scene& scene) {
     double area = 0;
     for (const Patch& patch : patches)
         area += patch.area;
-    const std::size_t share =
-        std::clamp<std::size_t>(kByMesh / std::max<std::size_t>(patches.size(), 1), 1, kMostByMesh);
+    const std::size_t perMesh =
+        std::clamp<std::size_t>(kByMesh / std::max<std::size_t>(patches.size(), 1), 1, kMaxByMesh);
     std::vector<SurfaceSample> points;
     for (const Patch& patch : patches) {
         const auto byArea = static_cast<std::size_t>(kByArea * (patch.area / area));
-        addPoints(patch, byArea + std::min(share, patch.mesh->triangles.size()), points);
+        addPoints(patch, byArea + std::min(perMesh, patch.mesh->triangles.size()), points);
     }
     return points;
 }

@@ -9,10 +9,10 @@ namespace {
 using Imath::V3d;
 using Imath::V3f;
 
-// Of the cosine between a stored normal and the flat one, both rounded to float.
-constexpr double kRounding = 1e-6;
+// Rounding of the cosine between a stored normal and the flat one, both rounded to float.
+constexpr double kCosineTolerance = 1e-6;
 
-/// At right angles to triangle `t`, twice its area long.
+/// A normal of triangle `t` whose length is twice the triangle's area.
 V3d areaVector(const Mesh& mesh, std::size_t t) {
     const auto& corners = mesh.triangles[t];
     const V3d a(mesh.positions[corners[0]]);
@@ -22,9 +22,9 @@ V3d areaVector(const Mesh& mesh, std::size_t t) {
 }  // namespace
 
 V3f unit(const V3d& v, const V3f& otherwise) {
-    const double most = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
-    if (!(most > 0) || !std::isfinite(most)) return otherwise;
-    const V3d scaled = v / most;
+    const double largest = std::max({std::abs(v.x), std::abs(v.y), std::abs(v.z)});
+    if (!(largest > 0) || !std::isfinite(largest)) return otherwise;
+    const V3d scaled = v / largest;
     return V3f(scaled / scaled.length());
 }
 
@@ -61,7 +61,7 @@ bool isSmooth(const Mesh& mesh) {
         if (!(areaVector(mesh, t).length2() > 0)) continue;
         const V3d flat(flatNormal(mesh, t));
         for (std::uint32_t i : mesh.triangles[t]) {
-            if (V3d(mesh.normals[i]).dot(flat) < 1 - kRounding) return true;
+            if (V3d(mesh.normals[i]).dot(flat) < 1 - kCosineTolerance) return true;
         }
     }
     return false;

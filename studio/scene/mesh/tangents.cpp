@@ -18,14 +18,14 @@ using Imath::V4f;
 
 using Index = std::uint32_t;
 
-/// What its UVs tell of a triangle.
-struct Side {
-    V3d tangent{0, 0, 0};  ///< where u grows; 0 when its UVs have no area
+/// The orientation of a triangle's UV coordinates.
+struct UvDirection {
+    V3d tangent{0, 0, 0};  ///< direction in which u grows; 0 when the UVs have no area
     bool mirrored = false;
 };
 
-/// An edge from a corner to the next of its triangle, by the lower and the higher
-/// number of its ends.
+/// An edge from `corner` to the next corner of its triangle. `low` and `high` are the lower
+/// and the higher vertex of its ends.
 struct Edge {
     Index low;
     Index high;
@@ -42,26 +42,27 @@ V3d unitOrNone(const V3d& v) {
     return V3d(unit(v, V3f(0)));
 }
 
-/// Makes the tangents of one mesh. Corners are counted through the triangles:
-/// three times the triangle, and its place there.
+/// Makes the tangents of one mesh. A corner's index is three times its triangle's index plus
+/// its index in the triangle. Corners that share a tangent form a group, a disjoint-set
+/// forest.
 class TangentMaker {
   public:
     TangentMaker(const Mesh& mesh, const TextureUse& use)
         : mesh_(mesh),
           use_(use),
           uvs_(mesh.uvs[static_cast<std::size_t>(use.uvSet)]),
-          sides_(mesh.triangles.size()),
+          directions_(mesh.triangles.size()),
           group_(mesh.triangles.size() * 3),
           sums_(mesh.triangles.size() * 3, V3d(0)) {}
 
     std::vector<CornerTangents> make() {
         weld();
-        for (Index t = 0; t < sides_.size(); ++t)
-            sides_[t] = sideOf(t);
+        for (Index t = 0; t < directions_.size(); ++t)
+            directions_[t] = directionOf(t);
         std::iota(group_.begin(), group_.end(), Index{0});
         joinAtEdges();
         for (Index corner = 0; corner < group_.size(); ++corner)
-            sums_[groupOf(corner)] += shareOf(corner);
+            sums_[groupOf(corner)] += contributionOf(corner);
         return result();
     }
 
@@ -71,32 +72,32 @@ class TangentMaker {
     Index weldedOf(Index corner) const { return welded_[vertexOf(corner)]; }
     V3d positionOf(Index corner) const { return V3d(mesh_.positions[vertexOf(corner)]); }
 
-    /// The lowest of the vertices that are the same, for each.
+    /// Finds, for each vertex, the first of those that have the same position, normal and UV.
     void weld() {
-        const auto all = [this](Index v) {
+        const auto key = [this](Index v) {
             const V3f& p = mesh_.positions[v];
             const V3f& n = mesh_.normals[v];
             return std::make_tuple(p.x, p.y, p.z, n.x, n.y, n.z, uvs_[v].x, uvs_[v].y);
         };
         std::vector<Index> sorted(mesh_.positions.size());
         std::iota(sorted.begin(), sorted.end(), Index{0});
-        std::sort(sorted.begin(), sorted.end(), [&all](Index a, Index b) {
-            return std::make_tuple(all(a), a) < std::make_tuple(all(b), b);
+        std::sort(sorted.begin(), sorted.end(), [&key](Index a, Index b) {
+            return std::make_tuple(key(a), a) < std::make_tuple(key(b), b);
         });
         welded_.resize(sorted.size());
         for (std::size_t i = 0; i < sorted.size(); ++i) {
-            const bool isSame = i > 0 && all(sorted[i]) == all(sorted[i - 1]);
+            const bool isSame = i > 0 && key(sorted[i]) == key(sorted[i - 1]);
             welded_[sorted[i]] = isSame ? welded_[sorted[i - 1]] : sorted[i];
         }
     }
 
-    /// Files count v downwards, normal maps their y upwards.
+    /// In files v grows downwards; the y axis of a normal map points upwards.
     V2d uvOf(Index corner) const {
         const V2d uv = transformUv(use_, V2d(uvs_[vertexOf(corner)]));
         return {uv.x, -uv.y};
     }
 
-    Side sideOf(Index triangle) const {
+    UvDirection directionOf(Index triangle) const {
         const Index corner = triangle * 3;
         const V3d along1 = positionOf(corner + 1) - positionOf(corner);
         const V3d along2 = positionOf(corner + 2) - positionOf(corner);
@@ -108,27 +109,27 @@ class TangentMaker {
         return {area > 0 ? tangent : -tangent, area < 0};
     }
 
-    bool tells(Index corner) const { return sides_[corner / 3].tangent != V3d(0); }
+    bool hasDirection(Index corner) const { return directions_[corner / 3].tangent != V3d(0); }
 
     std::vector<Edge> edges() const {
         std::vector<Edge> all;
         all.reserve(group_.size());
         for (Index corner = 0; corner < group_.size(); ++corner) {
             const auto [low, high] = std::minmax({weldedOf(corner), weldedOf(next(corner))});
-            if (tells(corner)) all.push_back({low, high, corner});
+            if (hasDirection(corner)) all.push_back({low, high, corner});
         }
         std::sort(all.begin(), all.end(),
                   [](const Edge& a, const Edge& b) { return a.order() < b.order(); });
         return all;
     }
 
-    /// Joins the corners at both ends of each edge where triangles meet that
-    /// mirror the texture alike.
+    /// Joins the corners at both ends of each edge that two triangles share, when both or
+    /// neither of them mirror the texture.
     void joinAtEdges() {
-        const std::vector<Edge> all = edges();
-        const Edge* last[2] = {};  // on the present edge: as it is, and mirrored
-        for (const Edge& edge : all) {
-            const Edge*& before = last[sides_[edge.corner / 3].mirrored ? 1 : 0];
+        const std::vector<Edge> sorted = edges();
+        const Edge* last[2] = {};  // the previous edge that is not mirrored, and that is
+        for (const Edge& edge : sorted) {
+            const Edge*& before = last[directions_[edge.corner / 3].mirrored ? 1 : 0];
             if (before != nullptr && before->low == edge.low && before->high == edge.high) {
                 join(endOf(*before, edge.low), endOf(edge, edge.low));
                 join(endOf(*before, edge.high), endOf(edge, edge.high));
@@ -152,33 +153,36 @@ class TangentMaker {
         group_[high] = low;
     }
 
-    /// What a corner's triangle adds to the tangent there.
-    V3d shareOf(Index corner) const {
-        if (!tells(corner)) return V3d(0);
+    /// What a corner's triangle adds to the tangent of the corner's group.
+    V3d contributionOf(Index corner) const {
+        if (!hasDirection(corner)) return V3d(0);
         const V3d normal(mesh_.normals[vertexOf(corner)]);
         const V3d here = positionOf(corner);
         const V3d one = unitOrNone(inPlane(positionOf(next(corner)) - here, normal));
         const V3d other = unitOrNone(inPlane(positionOf(next(next(corner))) - here, normal));
         const double angle = deterministic::arcCosine(one.dot(other));
-        return unitOrNone(inPlane(sides_[corner / 3].tangent, normal)) * angle;
+        return unitOrNone(inPlane(directions_[corner / 3].tangent, normal)) * angle;
     }
 
     V4f tangentOf(Index corner) {
         const V3f direction = unit(sums_[groupOf(corner)], V3f(0));
-        return {direction.x, direction.y, direction.z, sides_[corner / 3].mirrored ? -1.0F : 1.0F};
+        return {direction.x, direction.y, direction.z,
+                directions_[corner / 3].mirrored ? -1.0F : 1.0F};
     }
 
-    /// Corners of triangles without an area in UV take after another at their vertex.
+    /// Corners of triangles without an area in UV get the tangent of another corner at the
+    /// same vertex.
     std::vector<CornerTangents> result() {
-        std::vector<CornerTangents> tangents(sides_.size());
+        std::vector<CornerTangents> tangents(directions_.size());
         std::vector<V4f> atVertex(mesh_.positions.size(), V4f(0, 0, 0, 1));
         for (Index corner = static_cast<Index>(group_.size()); corner-- > 0;) {
-            if (!tells(corner)) continue;
+            if (!hasDirection(corner)) continue;
             const V4f tangent = tangentOf(corner);
             tangents[corner / 3][corner % 3] = atVertex[weldedOf(corner)] = tangent;
         }
         for (Index corner = 0; corner < group_.size(); ++corner) {
-            if (!tells(corner)) tangents[corner / 3][corner % 3] = atVertex[weldedOf(corner)];
+            if (!hasDirection(corner))
+                tangents[corner / 3][corner % 3] = atVertex[weldedOf(corner)];
         }
         return tangents;
     }
@@ -187,9 +191,9 @@ class TangentMaker {
     const TextureUse& use_;
     const std::vector<Imath::V2f>& uvs_;
     std::vector<Index> welded_;
-    std::vector<Side> sides_;
+    std::vector<UvDirection> directions_;
     std::vector<Index> group_;  // another corner of the same group, or itself; by corner
-    std::vector<V3d> sums_;     // by the corner that stands for its group
+    std::vector<V3d> sums_;     // of contributions, by the root corner of the group
 };
 
 }  // namespace

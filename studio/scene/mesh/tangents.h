@@ -6,18 +6,18 @@
 
 namespace tavora::studio {
 
-/// The tangents of `mesh` for the normal map `use`, made in the MikkTSpace way,
-/// so that maps fit that were baked in a program which makes them so: corners
-/// with the same position, normal and UV, in triangles that meet at an edge and
-/// mirror the texture alike, share the mean of their triangles' directions of u,
-/// each laid into the plane of the normal and weighted by the angle there.
+/// Computes the tangents of `mesh` for the normal map `use` by the MikkTSpace method, which
+/// baking programs use too. Corners share a tangent when they have the same position, normal
+/// and UV and their triangles are connected by edges and mirror the texture alike. The
+/// tangent is the mean of the triangles' directions of growing u, each projected into the
+/// plane of the normal and weighted by the triangle's angle at the corner.
 /// Mikkelsen, "Simulation of Wrinkled Surfaces Revisited" (2008), section 3.
-/// Empty when the mesh has no such UVs, and 0 at corners where they tell nothing.
-/// The normals must be unit vectors. Any thread.
+/// Returns nothing when the mesh lacks the UV set, and 0 at corners whose UVs have no
+/// direction. The normals must be unit vectors. Any thread.
 std::vector<CornerTangents> makeTangents(const Mesh& mesh, const TextureUse& use);
 
-/// The tangents at vertices, as a file stores them, by corner: brought to unit
-/// length, or 0 where there is none.
+/// Converts tangents by vertex, as a file stores them, to tangents by corner: normalized, or
+/// 0 when a vertex has none.
 std::vector<CornerTangents> tangentsOfVertices(const Mesh& mesh,
                                                const std::vector<Imath::V4f>& vertices);
 

@@ -19,24 +19,24 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-// More than the largest gradient that a surface can hold takes as text.
-constexpr std::size_t kMostBytes = std::size_t{512} << 20;
+// More than a look with the largest gradient that a surface can hold.
+constexpr std::size_t kMaxBytes = std::size_t{512} << 20;
 constexpr const char* kSuffix = ".json";
 
-/// A look's text, for messages that say where in it something stands.
+/// A look's text and file name, for messages with line and column.
 struct Source {
     std::string_view text;
     const std::string& name;
 
-    std::string placeOf(std::string_view part) const {
-        return placeInText(text, static_cast<std::size_t>(part.data() - text.data()), name);
+    std::string positionText(std::string_view part) const {
+        return positionInText(text, static_cast<std::size_t>(part.data() - text.data()), name);
     }
     [[noreturn]] void refuse(std::string_view part, const std::string& what) const {
-        throw Error(Fault::Scene, fmt::format("{}: {}", placeOf(part), what));
+        throw Error(Fault::Scene, fmt::format("{}: {}", positionText(part), what));
     }
 };
 
-// JSON readers quietly keep the last of two members of one name.
+// A JSON parser silently keeps the last of two members with the same name.
 std::vector<JsonMember> uniqueMembers(const Source& source, std::string_view object) {
     std::vector<JsonMember> members = jsonMembers(object);
     std::set<std::string> seen;
@@ -48,12 +48,12 @@ std::vector<JsonMember> uniqueMembers(const Source& source, std::string_view obj
     return members;
 }
 
-void takeMark(const Source& source, const JsonMember& member, Look&) {
+void readMark(const Source& source, const JsonMember& member, Look&) {
     if (Json::parse(member.value) == "look") return;
     source.refuse(member.value, "this is not a look; its \"tavora\" must be \"look\"");
 }
 
-void takeVersion(const Source& source, const JsonMember& member, Look&) {
+void readVersion(const Source& source, const JsonMember& member, Look&) {
     if (Json::parse(member.value) == 1) return;
     source.refuse(member.value, fmt::format("looks of version {} cannot be read; this Tavora reads "
                                             "version 1",
@@ -66,37 +66,37 @@ std::string textOf(const Source& source, const JsonMember& member) {
     source.refuse(member.value, fmt::format("\"{}\" must be a text", member.key));
 }
 
-void takeName(const Source& source, const JsonMember& member, Look& look) {
+void readName(const Source& source, const JsonMember& member, Look& look) {
     look.name = textOf(source, member);
 }
 
-void takeDescription(const Source& source, const JsonMember& member, Look& look) {
+void readDescription(const Source& source, const JsonMember& member, Look& look) {
     look.description = textOf(source, member);
 }
 
-// One by one, so that a message can say in which line the setting stands.
-void takeSettings(const Source& source, const JsonMember& member, Look& look) {
+// Applies settings one by one, so that a message can name the setting's line.
+void readSettings(const Source& source, const JsonMember& member, Look& look) {
     if (member.value.front() != '{') {
         source.refuse(member.value, "\"settings\" must be an object of names and values");
     }
     for (const JsonMember& setting : uniqueMembers(source, member.value)) {
         const Json change = Json::object({{setting.key, parseJson(setting.value, source.name)}});
-        applySettings(look.settings, change, source.placeOf(setting.keyText));
+        applySettings(look.settings, change, source.positionText(setting.keyText));
     }
 }
 
 struct MemberHandler {
     const char* key;
     bool required;
-    void (*take)(const Source&, const JsonMember&, Look&);
+    void (*read)(const Source&, const JsonMember&, Look&);
 };
 
 constexpr std::array<MemberHandler, 5> kMembers{{
-    {"tavora", true, takeMark},
-    {"version", true, takeVersion},
-    {"name", false, takeName},
-    {"description", false, takeDescription},
-    {"settings", true, takeSettings},
+    {"tavora", true, readMark},
+    {"version", true, readVersion},
+    {"name", false, readName},
+    {"description", false, readDescription},
+    {"settings", true, readSettings},
 }};
 
 const JsonMember* memberOf(const std::vector<JsonMember>& members, const char* key) {
@@ -117,14 +117,14 @@ void checkKeys(const Source& source, const std::vector<JsonMember>& members) {
     }
 }
 
-std::string withoutMark(const std::string& bytes) {
+std::string withoutByteOrderMark(const std::string& bytes) {
     constexpr std::string_view kByteOrderMark = "\xef\xbb\xbf";
     return bytes.starts_with(kByteOrderMark) ? bytes.substr(kByteOrderMark.size()) : bytes;
 }
 
 std::string readText(const fs::path& file) {
     try {
-        return withoutMark(readWholeFile(file, kMostBytes));
+        return withoutByteOrderMark(readWholeFile(file, kMaxBytes));
     } catch (const std::system_error& error) {
         throw Error(Fault::Scene, fmt::format("{}: look cannot be read: {}; check the path",
                                               file.string(), error.code().message()));
@@ -136,7 +136,7 @@ bool isBareName(const std::string& nameOrFile) {
            !nameOrFile.empty();
 }
 
-// The file that is meant: a bare name means a look that ships, if there is one.
+// A bare name means the shipped look of that name if there is one, else a file.
 fs::path fileOfLook(const std::string& nameOrFile) {
     fs::path shipped = shippedLooksFolder() / (nameOrFile + kSuffix);
     std::error_code ignored;
@@ -165,7 +165,7 @@ Look parseLook(std::string_view text, const std::string& where) {
     for (const MemberHandler& handler : kMembers) {
         const JsonMember* member = memberOf(members, handler.key);
         if (member != nullptr) {
-            handler.take(source, *member, look);
+            handler.read(source, *member, look);
         } else if (handler.required) {
             throw Error(Fault::Scene,
                         fmt::format("{}: is no look; it has no \"{}\"", where, handler.key));

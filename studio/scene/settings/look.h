@@ -15,25 +15,25 @@ namespace tavora::studio {
 struct Look {
     std::string name;
     std::string description;
-    nlohmann::ordered_json settings;  ///< for applySettings; every name and value checked
+    nlohmann::ordered_json settings;  ///< for applySettings(); all names and values are valid
 };
 
-/// Reads a look, checking every field name and value. `nameOrFile` is a file,
-/// or the bare name of a look that ships ("noir").
-/// Throws Error with file, line and column.
+/// Reads a look and checks all its names and values. `nameOrFile` is a file, or the bare
+/// name of a look that ships with the program ("noir"). Throws Error, Fault::Scene, with
+/// file, line and column.
 Look readLook(const std::string& nameOrFile);
 
-/// The same from the text of a file; `where` is its name in messages.
+/// The same for the text of a file; `where` is its name in messages.
 Look parseLook(std::string_view text, const std::string& where);
 
-/// Whether readLook() would find something of that name to read.
+/// Whether there is a file for readLook() to read, valid or not.
 bool isLook(const std::string& nameOrFile);
 
-/// Names of the looks that ship, sorted; none when their folder is missing.
+/// The names of the shipped looks, sorted; empty when their folder is missing.
 std::vector<std::string> shippedLooks();
 
-/// The folder of the looks that ship: share/tavora/looks beside the bin folder
-/// of the running program.
+/// The folder of the shipped looks: share/tavora/looks beside the bin folder of the
+/// running program.
 std::filesystem::path shippedLooksFolder();
 
 }  // namespace tavora::studio

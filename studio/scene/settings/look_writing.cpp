@@ -14,7 +14,7 @@ std::string textOf(const Settings& value) {
     return value.dump(-1, ' ', false, Settings::error_handler_t::replace);
 }
 
-// A line for each zone, as somebody would write it by hand.
+// Writes one zone a line, as a person would.
 std::string listText(const Settings& zones) {
     std::string text;
     for (const Settings& zone : zones)
@@ -25,7 +25,7 @@ std::string listText(const Settings& zones) {
 std::string settingsText(const Settings& settings) {
     std::string text;
     for (const auto& [name, value] : settings.items()) {
-        if (name.starts_with("reserved")) continue;  // means nothing to anybody
+        if (name.starts_with("reserved")) continue;  // has no meaning
         const bool zones = value.is_array() && !value.empty() && value.front().is_object();
         text += fmt::format("{}    {}: {}", text.empty() ? "" : ",\n", textOf(name),
                             zones ? listText(value) : textOf(value));
@@ -40,7 +40,7 @@ void writeLook(const StateBlock& block, const std::filesystem::path& file) {
         "{{\n  \"tavora\": \"look\",\n  \"version\": 1,\n  \"name\": {},\n  \"description\": "
         "\"\",\n  \"settings\": {{\n{}\n  }}\n}}\n",
         textOf(file.stem().string()), settingsText(settingsOf(block)));
-    parseLook(text, file.string());  // what nobody could read is not written
+    parseLook(text, file.string());  // so that no file is written that cannot be read
     writeWholeFile(file, text);
 }
 

@@ -30,13 +30,13 @@ std::string_view fullName(std::string_view name) {
 
 const StoredField& findField(std::span<const StoredField> table, std::string_view name,
                              const std::string& where) {
-    std::vector<std::string> known;
+    std::vector<std::string> names;
     for (const StoredField& field : table) {
         if (field.name == fullName(name)) return field;
-        known.emplace_back(field.name);
+        names.emplace_back(field.name);
     }
     throw Error(Fault::Scene, fmt::format("{}: unknown setting \"{}\"{}", where, shortened(name),
-                                          nearestNames(name, known)));
+                                          nearestNames(name, names)));
 }
 
 bool isSettingName(std::string_view name) {

@@ -8,12 +8,13 @@
 
 namespace tavora::studio {
 
-/// The entry of `table` of that name ("zones" and "lights" are short for the
-/// lists). Throws Error that opens with `where` and lists the nearest names.
+/// Finds a field in `table` by name; "zones" is short for "zoneList", "lights" for
+/// "lightList". For an unknown name throws Error, whose message starts with `where` and
+/// lists similar names.
 const StoredField& findField(std::span<const StoredField> table, std::string_view name,
                              const std::string& where);
 
-/// Whether a shader has a setting of that name; lists may go by their short name.
+/// Whether a shader has a setting of that name, short names included.
 bool isSettingName(std::string_view name);
 
 }  // namespace tavora::studio

@@ -95,12 +95,12 @@ Settings checkZones(const StoredField& field, const Settings& value, const std::
     }
     Settings zones = Settings::array();
     for (const Settings& zone : value) {
-        const std::string place = fmt::format("{}: zones[{}]", where, zones.size());
+        const std::string zoneWhere = fmt::format("{}: zones[{}]", where, zones.size());
         if (zone.is_object() && !zone.contains("position")) {
             throw Error(Fault::Scene,
-                        fmt::format("{} has no \"position\"; give one from 0 to 1", place));
+                        fmt::format("{} has no \"position\"; give one from 0 to 1", zoneWhere));
         }
-        zones.push_back(checkedZone(zone, newZone(), place));
+        zones.push_back(checkedZone(zone, newZone(), zoneWhere));
     }
     return zones;
 }
@@ -109,17 +109,17 @@ Settings checkLights(const StoredField& field, const Settings& value, const std:
     if (value == "all") return value;
     Settings names = value.is_string() ? Settings::array({value}) : value;
     const auto fits = [](const Settings& name) {
-        return name.is_string() && name.get_ref<const std::string&>().size() <= mostLightNameBytes;
+        return name.is_string() && name.get_ref<const std::string&>().size() <= maxLightNameBytes;
     };
     const bool list = names.is_array() && names.size() <= maxStoredEntries;
     if (list && std::all_of(names.begin(), names.end(), fits)) return names;
     refuseValue(
         where, field,
-        fmt::format("\"all\" or a list of light names of at most {} bytes", mostLightNameBytes),
+        fmt::format("\"all\" or a list of light names of at most {} bytes", maxLightNameBytes),
         value);
 }
 
-/// In the order of FieldKind.
+/// The check for each FieldKind, in its order.
 constexpr std::array kChecks{checkBoolean, checkChoice, checkInteger, checkFraction,
                              checkColor,   checkZones,  checkLights,  checkInteger};
 

@@ -8,29 +8,31 @@
 #include "persist/stored_fields.h"
 #include "studio/scene/settings/stored_block.h"
 
-/// One stored field's value: how settings keep it, and from what people write to that form.
+/// The value of one stored field: its form in Settings, and the conversion of what people
+/// write to that form.
 namespace tavora::studio {
 
-/// Of a light's name in the module's list; it cuts longer ones.
-inline constexpr std::size_t mostLightNameBytes = 79;
+/// The longest light name in the module's list; the module cuts longer ones.
+inline constexpr std::size_t maxLightNameBytes = 79;
 
-/// The value of a switch, a choice or a number that is an integer in the block.
+/// Converts the integer that a block stores to the value of a switch, a choice or a whole
+/// number.
 Settings valueOfInteger(const StoredField& field, std::int32_t number);
 
-/// The integer of such a value; none for one of another kind.
+/// The integer that a block stores for such a value; empty when the value is of another kind.
 std::optional<std::int32_t> integerOfValue(const StoredField& field, const Settings& value);
 
-/// What a new shader has, or a new zone for a zone's field. A list is empty.
+/// The field's value in a new shader, or in a new zone for a zone's field. A list is empty.
 Settings initialValue(const StoredField& field);
 
-/// What a person wrote, in the form that settings keep. `where` opens the
-/// message of the Fault::Scene for a value that the field cannot take.
+/// Checks a value that a person wrote and converts it to its form in Settings. Throws Error,
+/// Fault::Scene, for a value that the field cannot have; the message starts with `where`.
 Settings checkedValue(const StoredField& field, const Settings& value, const std::string& where);
 
-/// One zone that a person wrote: with the values of `base` for what it lacks.
+/// The same for a zone; fields that it lacks get their values from `base`.
 Settings checkedZone(const Settings& zone, const Settings& base, const std::string& where);
 
-/// What a new zone has.
+/// A zone with the initial values of all fields.
 Settings newZone();
 
 /// Throws Fault::Scene "WHERE: NAME must be WANTED, not VALUE", the value cut short.

@@ -16,9 +16,9 @@ namespace {
 
 constexpr const char* kZoneList = "zoneList";
 constexpr const char* kLightList = "lightList";
-constexpr const char* kAmbientLight = "Ambient";  // the shader's name for it
+constexpr const char* kAmbientLight = "Ambient";  // stands for ambient light in a light list
 
-/// "zones[1].color" taken apart.
+/// The parts of a name like "zones[1].color".
 struct ZonePath {
     std::size_t index = 0;
     std::string field;  ///< empty: the whole zone
@@ -52,7 +52,7 @@ void changeZone(Settings& settings, const ZonePath& path, const Settings& value,
     zone = checkedZone(changes, zone, fmt::format("{}: zones[{}]", where, path.index));
 }
 
-// True when the zones were touched.
+// Applies one change. Returns whether it changed the zones.
 bool change(Settings& settings, const std::string& name, const Settings& value,
             const std::string& where) {
     if (const std::optional<ZonePath> path = zonePathOf(name)) {
@@ -72,11 +72,11 @@ void applySettings(Settings& settings, const nlohmann::ordered_json& changes,
         throw Error(Fault::Scene,
                     fmt::format("{}: settings must be an object of names and values", where));
     }
-    bool zonesTouched = false;
+    bool zonesChanged = false;
     for (const auto& [name, value] : changes.items()) {
-        if (change(settings, name, value, where)) zonesTouched = true;
+        if (change(settings, name, value, where)) zonesChanged = true;
     }
-    if (zonesTouched) orderZones(settings[kZoneList], where);
+    if (zonesChanged) orderZones(settings[kZoneList], where);
 }
 
 StateBlock withChanges(const StateBlock& block, const Settings& changes, const std::string& where,
@@ -93,9 +93,9 @@ std::vector<std::string> unknownLights(const StateBlock& block,
     std::vector<std::string> unknown;
     const Settings settings = settingsOf(block);
     for (const Settings& name : settings[kLightList]) {
-        const bool known =
+        const bool isInScene =
             std::find(sceneLights.begin(), sceneLights.end(), name) != sceneLights.end();
-        if (!known && name != kAmbientLight) unknown.push_back(name);
+        if (!isInScene && name != kAmbientLight) unknown.push_back(name);
     }
     return unknown;
 }

@@ -16,8 +16,9 @@
 namespace tavora::studio {
 namespace {
 
-/// Goes through the values of `table` in the order that a block holds them, at each
-/// item calling `items`, which reads it into the settings or writes it from there.
+/// Visits the values of `table` in the order in which a block stores them. For each item it
+/// calls `items`, a Reader or Writer, which reads it into the settings or writes it from
+/// them.
 template <class Items, class Value>
 void visitFields(std::span<const StoredField> table, Items& items, Value& settings);
 
@@ -54,8 +55,8 @@ void visitFields(std::span<const StoredField> table, Items& items, Value& settin
     }
 }
 
-/// Reads items, each of the kind that the table says, from a `Source`: its take<T>()
-/// gives the next one, none when that is of another kind or there is no more.
+/// Reads items from a `Source`, each of the kind that the table says. Source::take<T>()
+/// returns the next item, or nothing when that is of another kind or there is none.
 template <class Source>
 class Reader {
   public:
@@ -77,10 +78,10 @@ class Reader {
             value = jsonOfFloat(next<float>(field.name));
         }
     }
-    /// A light's name as the module takes it in.
+    /// Reads a light's name, cut as the module cuts it.
     void text(const StoredField& field, Settings& value) {
         const auto name = next<std::string>(field.name);
-        value = std::string(cutText(name.c_str(), mostLightNameBytes));
+        value = std::string(cutText(name.c_str(), maxLightNameBytes));
     }
     void color(const StoredField&, Settings& value) { value = Settings::array(); }
     std::size_t count(const StoredField& field, Settings& value) {
@@ -132,14 +133,14 @@ std::optional<Item> itemOfJson(const Settings& value) {
         return value.is_string() ? std::optional(value.get<std::string>()) : std::nullopt;
 }
 
-/// By how it is written.
-std::optional<StateItem> spelledItem(const Settings& value) {
+/// The item whose kind follows from how its JSON is written.
+std::optional<StateItem> itemBySpelling(const Settings& value) {
     if (value.is_string()) return value.get<std::string>();
     if (value.is_number_integer()) return itemOfJson<std::int32_t>(value);
     return itemOfJson<float>(value);
 }
 
-/// Keeps what it gives.
+/// Items in a JSON array. Keeps the items that were taken.
 class JsonSource {
   public:
     explicit JsonSource(const Settings& items) : items_(items) {}
@@ -154,7 +155,7 @@ class JsonSource {
     }
     std::optional<StateBlock> takeRest() {
         while (!atEnd()) {
-            std::optional<StateItem> item = spelledItem(items_[taken_.size()]);
+            std::optional<StateItem> item = itemBySpelling(items_[taken_.size()]);
             if (!item) return {};
             taken_.push_back(*std::move(item));
         }
@@ -230,7 +231,7 @@ std::optional<StateBlock> blockOfItems(const nlohmann::ordered_json& items) {
     try {
         read<JsonSource&>(source);
     } catch (const Error&) {
-        // Who uses the block meets the same and can say on which surface.
+        // settingsOf() will throw for the block too, where the surface's name is known.
     }
     return source.takeRest();
 }

@@ -9,15 +9,15 @@
 
 namespace tavora::studio {
 
-/// An avatar's shading as settings of the shader.
+/// Settings of the shader that imitate an avatar's shading.
 struct ToonZones {
     nlohmann::ordered_json settings;   ///< for applySettings()
-    std::vector<std::string> inexact;  ///< where they are but near it, a phrase each
+    std::vector<std::string> inexact;  ///< where they are only near it, a phrase each
 };
 
-/// Of a surface of `scene` that has a ToonShade. The zones run over the sum of the
-/// lights' cosines without ambient light, which is what the border between the two
-/// tones is told by; all that faces away from the light has one colour. Any thread.
+/// Computes the zones for a surface of `scene` that has a ToonShade. Zone positions are the
+/// sum of the lights' cosines, without ambient light, as in the formula of ToonShade. Zones
+/// start at 0, so everything that faces away from the light has one colour. Any thread.
 ToonZones toonZones(const Scene& scene, const Surface& surface);
 
 }  // namespace tavora::studio

@@ -13,7 +13,7 @@ bool isBlend(const Settings& zone) {
 }
 
 double positionOf(const Settings& zone) {
-    // What is not a number stays where it stands: in front.
+    // A zone whose position is not a number is sorted to the front.
     return zone["position"].is_number() ? zone["position"].get<double>() : -1;
 }
 

@@ -6,9 +6,9 @@
 
 namespace tavora::studio {
 
-/// Puts zones in ascending order of position (equal ones keep theirs) and
-/// checks that they make a gradient: two or more, ordinary ones at both ends,
-/// no two blend zones side by side. Throws Error that opens with `where`.
+/// Sorts zones by ascending position, stably, and checks that they form a gradient: at least
+/// two, ordinary zones at both ends, no two adjacent blend zones. Otherwise throws Error,
+/// whose message starts with `where`.
 void orderZones(Settings& zones, const std::string& where);
 
 }  // namespace tavora::studio

@@ -1,4 +1,4 @@
-#include "studio/window/panel_place.h"
+#include "studio/window/panel_position.h"
 
 #include <algorithm>
 #include <limits>
@@ -7,7 +7,7 @@ namespace tavora::studio {
 namespace {
 
 constexpr int kGap = 8;             // pixels
-constexpr qint64 kSideWeight = 16;  // a list under the panel is worse than some of the picture
+constexpr qint64 kSideWeight = 16;  // covering the lists is so much worse than the picture
 
 qint64 areaOf(const QRect& rect) {
     return rect.isEmpty() ? 0 : qint64{rect.width()} * rect.height();
@@ -22,7 +22,7 @@ QPoint within(const QRect& screen, QPoint wanted, QSize panel) {
             std::max(screen.top(), std::min(wanted.y(), lastY))};
 }
 
-QPoint panelPlace(const QRect& screen, const QRect& window, const QRect& side, QSize panel) {
+QPoint panelPosition(const QRect& screen, const QRect& window, const QRect& side, QSize panel) {
     const int middle = window.top() + (window.height() - panel.height()) / 2;
     const int low = window.bottom() - panel.height() - kGap;
     const QPoint wanted[] = {
@@ -33,12 +33,12 @@ QPoint panelPlace(const QRect& screen, const QRect& window, const QRect& side, Q
         {window.left() + kGap, low},
     };
     QPoint best;
-    qint64 least = std::numeric_limits<qint64>::max();
-    for (const QPoint& place : wanted) {
-        const QRect shown(within(screen, place, panel), panel);
+    qint64 leastCovered = std::numeric_limits<qint64>::max();
+    for (const QPoint& position : wanted) {
+        const QRect shown(within(screen, position, panel), panel);
         const qint64 covered = kSideWeight * areaOf(shown & side) + areaOf(shown & window);
-        if (covered >= least) continue;
-        least = covered;
+        if (covered >= leastCovered) continue;
+        leastCovered = covered;
         best = shown.topLeft();
     }
     return best;

@@ -1,4 +1,4 @@
-#include "studio/files/output_place.h"
+#include "studio/files/output_target.h"
 
 #include <array>
 #include <cerrno>
@@ -45,51 +45,51 @@ const char* adviceFor(int error) {
     throw Error(Fault::Output, outputMessage(file, doing, error));
 }
 
-// Follows links one by one, because the last one may point at a file yet to be made.
-fs::path followLinks(const fs::path& asked) {
-    constexpr int kMostLinks = 40;
-    fs::path path = asked;
-    for (int i = 0; i < kMostLinks; ++i) {
+// Follows symbolic links one by one, because the last one may point at a file that does not exist.
+fs::path followLinks(const fs::path& requested) {
+    constexpr int kMaxLinks = 40;
+    fs::path path = requested;
+    for (int i = 0; i < kMaxLinks; ++i) {
         std::error_code error;
         if (!fs::is_symlink(fs::symlink_status(path, error))) return path;
         const fs::path next = fs::read_symlink(path, error);
         if (error) return path;
         path = path.parent_path() / next;
     }
-    refuse(asked, "cannot be written", ELOOP);
+    refuse(requested, "cannot be written", ELOOP);
 }
 
-void checkPlainFile(const fs::path& asked, const fs::path& target, const struct stat& status) {
-    if (S_ISDIR(status.st_mode)) refuse(asked, "cannot be written", EISDIR);
+void checkPlainFile(const fs::path& requested, const fs::path& target, const struct stat& status) {
+    if (S_ISDIR(status.st_mode)) refuse(requested, "cannot be written", EISDIR);
     if (!S_ISREG(status.st_mode)) {
         throw Error(
             Fault::Output,
             fmt::format("{}: is a device or pipe, which cannot be written whole; name a plain file",
-                        asked.string()));
+                        requested.string()));
     }
     if (::faccessat(AT_FDCWD, target.c_str(), W_OK, AT_EACCESS) != 0) {
-        refuse(asked, "cannot be replaced", errno);
+        refuse(requested, "cannot be replaced", errno);
     }
 }
 
 }  // namespace
 
-OutputPlace outputPlace(const fs::path& asked) {
-    if (asked.filename().empty()) refuse(asked, "cannot be written", EISDIR);
-    OutputPlace place;
+OutputTarget outputTarget(const fs::path& requested) {
+    if (requested.filename().empty()) refuse(requested, "cannot be written", EISDIR);
+    OutputTarget result;
     std::error_code error;
-    place.target = fs::absolute(followLinks(asked), error);
-    if (error) refuse(asked, "cannot be written", error.value());
+    result.target = fs::absolute(followLinks(requested), error);
+    if (error) refuse(requested, "cannot be written", error.value());
     struct stat status {};
-    if (::stat(place.target.c_str(), &status) != 0) {
+    if (::stat(result.target.c_str(), &status) != 0) {
         const int missing = errno;
-        if (missing == ENOENT && fs::exists(place.target.parent_path(), error)) return place;
-        refuse(asked, "cannot be written", missing);
+        if (missing == ENOENT && fs::exists(result.target.parent_path(), error)) return result;
+        refuse(requested, "cannot be written", missing);
     }
-    checkPlainFile(asked, place.target, status);
-    place.replaces = true;
-    place.permissions = status.st_mode & 0777U;
-    return place;
+    checkPlainFile(requested, result.target, status);
+    result.replaces = true;
+    result.permissions = status.st_mode & 0777U;
+    return result;
 }
 
 std::string outputMessage(const fs::path& file, const char* doing, int error) {

@@ -1,4 +1,4 @@
-#include "studio/edit/steps.h"
+#include "studio/edit/undo_steps.h"
 
 #include <fmt/format.h>
 
@@ -16,14 +16,14 @@ const std::string& nameOf(const SceneSettings& settings, std::size_t surface) {
 
 }  // namespace
 
-Step recordStep(SceneSettings& settings, std::size_t surface, Gesture gesture) {
+UndoStep recordStep(SceneSettings& settings, std::size_t surface, Gesture gesture) {
     const std::optional<SurfaceShader>& before = settings.at(surface);
     SurfaceShader after{settings.module().server(), !before || before->enabled,
                         settings.record(surface).save()};
     return {"edit of " + nameOf(settings, surface), {{surface, before, std::move(after)}}, gesture};
 }
 
-Step enableStep(const SceneSettings& settings, std::size_t surface, bool enabled) {
+UndoStep enableStep(const SceneSettings& settings, std::size_t surface, bool enabled) {
     const std::optional<SurfaceShader>& before = settings.at(surface);
     std::optional<SurfaceShader> after = before;
     if (!after && enabled) after = settings.newShader();
@@ -32,15 +32,15 @@ Step enableStep(const SceneSettings& settings, std::size_t surface, bool enabled
             {{surface, before, std::move(after)}}};
 }
 
-Step settingsStep(SceneSettings& settings, const ShaderChanges& changes, std::string what) {
-    Step step{std::move(what), {}, 0};
+UndoStep settingsStep(SceneSettings& settings, const ShaderChanges& changes, std::string what) {
+    UndoStep step{std::move(what), {}, 0};
     for (const auto& [surface, after] : changes)
-        step.changes.push_back({surface, settings.at(surface), settings.settled(after)});
+        step.changes.push_back({surface, settings.at(surface), settings.normalized(after)});
     return step;
 }
 
-Step lookStep(SceneSettings& settings, const std::string& look,
-              const std::vector<std::size_t>& surfaces) {
+UndoStep lookStep(SceneSettings& settings, const std::string& look,
+                  const std::vector<std::size_t>& surfaces) {
     const Look read = readLook(look);
     const std::string where = surfaces.size() == 1 ? nameOf(settings, surfaces.front())
                                                    : fmt::format("{} surfaces", surfaces.size());

@@ -1,4 +1,4 @@
-#include "studio/scene/gltf/lacks.h"
+#include "studio/scene/gltf/unsupported.h"
 
 #include <algorithm>
 #include <fmt/format.h>
@@ -16,19 +16,19 @@ namespace {
 
 using gltf::Material;
 
-/// Whether `holds` of the avatar's part of a material that has one.
+/// Whether the material is an avatar's and `holds` is true for its shading.
 template <class Holds>
 bool isToon(const Material& material, const Holds& holds) {
     return material.toon && holds(*material.toon);
 }
 
-/// Something that a material may ask for.
-struct Wish {
-    bool (*isAsked)(const Material&);
-    const char* answer;
+/// A feature of materials that is not drawn.
+struct Feature {
+    bool (*isUsed)(const Material&);
+    const char* text;
 };
 
-constexpr Wish kWishes[] = {
+constexpr Feature kFeatures[] = {
     {[](const Material& m) { return m.occlusionTexture.given; },
      "occlusion textures are not drawn"},
     {[](const Material& m) { return m.metallicRoughnessTexture.given; },
@@ -68,12 +68,12 @@ constexpr Wish kWishes[] = {
      "textures that move by themselves stand still"},
 };
 
-/// Lines, and by line the materials that it is about.
-class Lacks {
+/// Collects the lines, and the materials that each is about.
+class UnsupportedReport {
   public:
-    Lacks(const GltfSource& source, Scene& scene) : source_(source), scene_(scene) {}
+    UnsupportedReport(const GltfSource& source, Scene& scene) : source_(source), scene_(scene) {}
 
-    void tell() {
+    void run() {
         const std::vector<Material>& materials = source_.document.materials;
         for (std::size_t i = 0; i < materials.size(); ++i)
             readMaterial(materials[i], i);
@@ -92,7 +92,7 @@ class Lacks {
     }
 
     std::set<std::size_t>& notDrawn(std::string_view extension) {
-        told_.insert(extension);
+        reported_.insert(extension);
         return line(notDrawnText(extension));
     }
 
@@ -101,23 +101,23 @@ class Lacks {
     }
 
     void readMaterial(const Material& material, std::size_t index) {
-        for (const Wish& wish : kWishes) {
-            if (wish.isAsked(material)) line(wish.answer).insert(index);
+        for (const Feature& feature : kFeatures) {
+            if (feature.isUsed(material)) line(feature.text).insert(index);
         }
         for (const std::string_view extension : material.extensions.names) {
             if (supportOf(extension) != Support::Read) notDrawn(extension).insert(index);
         }
     }
 
-    /// Of pictures in a format that is not read another stands in, or the texture
-    /// is not used.
+    /// A texture whose format is not read is drawn with another image that the file has for
+    /// it, or not used.
     void readTextures() {
         for (const gltf::Texture& texture : source_.document.textures) {
             if (!texture.hasImage() && texture.extensions.names.empty())
                 line("textures that name no image are left out");
             for (const std::string_view extension : texture.extensions.names) {
                 if (supportOf(extension) == Support::Read) continue;
-                told_.insert(extension);
+                reported_.insert(extension);
                 line(
                     fmt::format("textures stored for {} are not read, others stand in where the "
                                 "file has them",
@@ -129,10 +129,10 @@ class Lacks {
     void readExtensions() {
         for (const std::string_view name : source_.document.extensionsUsed) {
             const Support support = supportOf(name);
-            if (support == Support::Missed) {
+            if (support == Support::Incomplete) {
                 scene_.warnings.push_back(
                     oneLine(fmt::format("{}: {}", source_.path, notDrawnText(name))));
-            } else if (support != Support::Read && told_.count(name) == 0) {
+            } else if (support != Support::Read && reported_.count(name) == 0) {
                 notDrawn(name);
             }
         }
@@ -148,15 +148,15 @@ class Lacks {
 
     const GltfSource& source_;
     Scene& scene_;
-    std::set<std::string_view> told_;  // extensions
-    std::vector<std::string> order_;
+    std::set<std::string_view> reported_;  // extensions
+    std::vector<std::string> order_;       // of the lines
     std::map<std::string, std::set<std::size_t>> lines_;
 };
 
 }  // namespace
 
-void tellLacks(const GltfSource& source, Scene& scene) {
-    Lacks(source, scene).tell();
+void reportUnsupported(const GltfSource& source, Scene& scene) {
+    UnsupportedReport(source, scene).run();
 }
 
 }  // namespace tavora::studio
