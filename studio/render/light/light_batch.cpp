@@ -30,72 +30,74 @@ struct PunctualSamples {
     double* __restrict levels;
 };
 
-template <class Sampler>
-inline void sampleAll(const Sampler& sampler, const PunctualLight& shared, const Vectors& at,
-                      std::size_t count, const PunctualSamples& samples) {
+/// samplePunctual() for many positions.
+template <bool isSpot, bool hasFalloff>
+inline void sampleAll(const PunctualLight& shared, const Vectors& at, std::size_t count,
+                      const PunctualSamples& samples) {
     const PunctualLight light = shared;  // a copy that no store in the loop can change
+    const double* __restrict px = at.x;
+    const double* __restrict py = at.y;
+    const double* __restrict pz = at.z;
+    double* __restrict x = samples.x;
+    double* __restrict y = samples.y;
+    double* __restrict z = samples.z;
+    double* __restrict distances = samples.distances;
+    double* __restrict levels = samples.levels;
     for (std::size_t i = 0; i < count; ++i) {
-        const PunctualSample sample = sampler(light, at.x[i], at.y[i], at.z[i]);
-        samples.x[i] = sample.x;
-        samples.y[i] = sample.y;
-        samples.z[i] = sample.z;
-        samples.distances[i] = sample.distance;
-        samples.levels[i] = sample.level;
+        const PunctualSample sample =
+            samplePunctual<isSpot, hasFalloff>(light, px[i], py[i], pz[i]);
+        x[i] = sample.x;
+        y[i] = sample.y;
+        z[i] = sample.z;
+        distances[i] = sample.distance;
+        levels[i] = sample.level;
     }
 }
 
 TAVORA_VECTOR_LOOPS
 void samplePoints(const PunctualLight& light, const Vectors& at, std::size_t count,
                   const PunctualSamples& samples) {
-    sampleAll([](const PunctualLight& l, double x, double y,
-                 double z) { return samplePunctual<false, false>(l, x, y, z); },
-              light, at, count, samples);
+    sampleAll<false, false>(light, at, count, samples);
 }
 
 TAVORA_VECTOR_LOOPS
 void sampleFallingPoints(const PunctualLight& light, const Vectors& at, std::size_t count,
                          const PunctualSamples& samples) {
-    sampleAll([](const PunctualLight& l, double x, double y,
-                 double z) { return samplePunctual<false, true>(l, x, y, z); },
-              light, at, count, samples);
+    sampleAll<false, true>(light, at, count, samples);
 }
 
 TAVORA_VECTOR_LOOPS
 void sampleSpots(const PunctualLight& light, const Vectors& at, std::size_t count,
                  const PunctualSamples& samples) {
-    sampleAll([](const PunctualLight& l, double x, double y,
-                 double z) { return samplePunctual<true, false>(l, x, y, z); },
-              light, at, count, samples);
+    sampleAll<true, false>(light, at, count, samples);
 }
 
 TAVORA_VECTOR_LOOPS
 void sampleFallingSpots(const PunctualLight& light, const Vectors& at, std::size_t count,
                         const PunctualSamples& samples) {
-    sampleAll([](const PunctualLight& l, double x, double y,
-                 double z) { return samplePunctual<true, true>(l, x, y, z); },
-              light, at, count, samples);
+    sampleAll<true, true>(light, at, count, samples);
 }
 
 /// How a point faces a light: its shading normal turns away, or towards it, or no light gets
 /// to its side at all. Numbers, because loops that write them vectorise.
-constexpr std::uint8_t kAway = 0;
-constexpr std::uint8_t kTowards = 1;
-constexpr std::uint8_t kDark = 2;
+constexpr std::int32_t kAway = 0;
+constexpr std::int32_t kTowards = 1;
+constexpr std::int32_t kDark = 2;
 
 /// How a point faces light that travels along (x, y, z).
-inline std::uint8_t facingOf(double x, double y, double z, const Vectors& normals,
+inline std::int32_t facingOf(double x, double y, double z, const Vectors& normals,
                              const Vectors& smooth, const Vectors& polygon, std::size_t i) {
     const double cosine = -(x * normals.x[i] + y * normals.y[i] + z * normals.z[i]);
     const double alongSmooth = x * smooth.x[i] + y * smooth.y[i] + z * smooth.z[i];
     const double alongPolygon = x * polygon.x[i] + y * polygon.y[i] + z * polygon.z[i];
     const bool isBehindBoth = (alongSmooth >= 0) & (alongPolygon >= 0);
-    const std::uint8_t seen = cosine > 0 ? kTowards : kAway;
+    const std::int32_t seen = cosine > 0 ? kTowards : kAway;
     return isBehindBoth ? kDark : seen;
 }
 
 TAVORA_VECTOR_LOOPS
 void faceDirectional(const V3d& direction, const Vectors& normals, const Vectors& smooth,
-                     const Vectors& polygon, std::size_t count, std::uint8_t* __restrict facing) {
+                     const Vectors& polygon, std::size_t count, std::int32_t* __restrict facing) {
     const double x = direction.x;
     const double y = direction.y;
     const double z = direction.z;
@@ -106,9 +108,9 @@ void faceDirectional(const V3d& direction, const Vectors& normals, const Vectors
 TAVORA_VECTOR_LOOPS
 void facePunctual(const Vectors& directions, const double* __restrict levels,
                   const Vectors& normals, const Vectors& smooth, const Vectors& polygon,
-                  std::size_t count, std::uint8_t* __restrict facing) {
+                  std::size_t count, std::int32_t* __restrict facing) {
     for (std::size_t i = 0; i < count; ++i) {
-        const std::uint8_t lit = facingOf(directions.x[i], directions.y[i], directions.z[i],
+        const std::int32_t lit = facingOf(directions.x[i], directions.y[i], directions.z[i],
                                           normals, smooth, polygon, i);
         facing[i] = levels[i] > 0 ? lit : kDark;
     }
@@ -247,7 +249,7 @@ void LightBatch::findFacing(std::size_t light, const PointRange& range) {
     const Vectors normals = vectorsOf(points_->normals(), first);
     const Vectors smooth = vectorsOf(points_->smoothNormals(), first);
     const Vectors polygon = vectorsOf(points_->polygonNormals(), first);
-    std::uint8_t* facing = facing_.data() + first;
+    std::int32_t* facing = facing_.data() + first;
     if (isDirectional(light)) {
         faceDirectional(lights_->lights[light].light->direction, normals, smooth, polygon, count,
                         facing);
@@ -426,16 +428,11 @@ Visibility LightBatch::traceOne(std::size_t light, std::size_t point) {
                                       from.position, sample, &from.smoothNormal, shadowRays_));
 }
 
-bool LightBatch::illuminate(std::size_t light, std::size_t point, V3d& direction, V3d& color) {
+bool LightBatch::workOut(std::size_t light, std::size_t point) {
     const LightArrays& arrays = begun(light);
     if (!isDirectional(light)) sampleOne(light, point);
     if (!arrays.visibilities[point].isKnown()) set(light, point, traceOne(light, point));
-    const double visibility = arrays.visibilities[point].fraction();
-    if (!(visibility > 0)) return false;
-    const LightSample sample = sampleOf(light, point);
-    direction = sample.direction;
-    color = sample.color * visibility;
-    return true;
+    return arrays.visibilities[point].fraction() > 0;
 }
 
 double LightBatch::cosine(std::size_t light, std::size_t point) {
@@ -448,7 +445,7 @@ double LightBatch::cosine(std::size_t light, std::size_t point) {
 }
 
 bool LightBatch::illuminateElsewhere(std::size_t light, std::size_t point, const V3d& position,
-                                     V3d& direction, V3d& color) {
+                                     double direction[3], double color[3]) {
     const ResolvedLight& resolved = lights_->lights[light];
     const std::optional<LightSample> sample = sampleLight(*lights_, resolved, position);
     if (!sample) return false;
@@ -460,8 +457,10 @@ bool LightBatch::illuminateElsewhere(std::size_t light, std::size_t point, const
         visibility =
             traceVisibility(*scene_, start, resolved, position, *sample, nullptr, shadowRays_);
     }
-    direction = sample->direction;
-    color = sample->color * visibility;
+    for (int i = 0; i < 3; ++i) {
+        direction[i] = sample->direction[i];
+        color[i] = sample->color[i] * visibility;
+    }
     return visibility > 0;
 }
 

@@ -44,7 +44,23 @@ class LightBatch {
     /// What arrives of a light at a point: its direction as in LightSample and its colour,
     /// shadows counted in. False where it does not reach the point; the rest is then
     /// unspecified.
-    bool illuminate(std::size_t light, std::size_t point, Imath::V3d& direction, Imath::V3d& color);
+    bool illuminate(std::size_t light, std::size_t point, double direction[3], double color[3]) {
+        const LightArrays& arrays = arrays_[light];
+        const bool isReady = arrays.isBegun && arrays.visibilities[point].isKnown() &&
+                             (arrays.isSampled.empty() || arrays.isSampled[point] != 0);
+        if (!isReady && !workOut(light, point)) return false;
+        const double visibility = arrays.visibilities[point].fraction();
+        if (!(visibility > 0)) return false;
+        const ResolvedLight& resolved = lights_->lights[light];
+        if (arrays.isSampled.empty()) {
+            write(resolved.light->direction, direction);
+            write(resolved.color * visibility, color);
+            return true;
+        }
+        write({arrays.x[point], arrays.y[point], arrays.z[point]}, direction);
+        write(resolved.color * arrays.levels[point] * visibility, color);
+        return true;
+    }
 
     /// How far the point's shading normal faces the light: 1 straight, 0 and below not, or
     /// where the light is dark. Traces nothing.
@@ -58,7 +74,7 @@ class LightBatch {
     /// illuminate() at any position in the world, as it falls on the point's surface. Nothing
     /// is kept.
     bool illuminateElsewhere(std::size_t light, std::size_t point, const Imath::V3d& position,
-                             Imath::V3d& direction, Imath::V3d& color);
+                             double direction[3], double color[3]);
 
     std::uint64_t shadowRays() const { return shadowRays_; }
 
@@ -67,11 +83,17 @@ class LightBatch {
     struct LightArrays {
         bool isBegun = false;  ///< in this batch
         std::vector<Visibility> visibilities;
-        // Of point and spot lights, as in PunctualSample:
+        // Of point and spot lights, as in PunctualSample; else empty:
         std::vector<std::uint8_t> isSampled;
         std::vector<double> x, y, z, distances, levels;
     };
 
+    static void write(const Imath::V3d& from, double to[3]) {
+        to[0] = from.x;
+        to[1] = from.y;
+        to[2] = from.z;
+    }
+    bool workOut(std::size_t light, std::size_t point);
     LightArrays& begun(std::size_t light);
     bool isDirectional(std::size_t light) const {
         return lights_->lights[light].light->kind == LightKind::Directional;
@@ -102,7 +124,7 @@ class LightBatch {
     bool haveCaches_ = false;
     Occlusion occlusion_;
     // By point, for the light at work:
-    std::vector<std::uint8_t> facing_;
+    std::vector<std::int32_t> facing_;
     std::vector<float> rayX_, rayY_, rayZ_, rayEnds_;
     std::vector<double> rayLengths_;
     // The rays to be traced:

@@ -147,14 +147,13 @@ void CameraSampler::fillBatch(std::span<const CameraSample> samples, bool isFirs
     for (std::size_t i = 0; i < active_.size(); ++i) {
         ActiveRay& active = active_[order_[i]];
         const Facet& facet = facets_[facetOf_[order_[i]]];
-        SurfacePoint point = surfacePointAt(facet, rays_.ray(active.ray));
-        const BaseColor color = lookUpSurface(*scene_, point, active.prior);
+        const SurfacePoint& point =
+            batch.add(*scene_, facet, rays_.ray(active.ray), active.hit, active.prior);
         const NeighbourVisibility* neighbours = samples[active.ray].neighbours;
-        active.prior.neighbours =
+        batch.priors.back().neighbours =
             isFirst && neighbours != nullptr
                 ? neighbours->at(facet.mesh, static_cast<float>(point.distance))
                 : nullptr;
-        batch.add(point, active.hit, color, active.prior);
         rayOf_[i] = active.ray;
     }
 }
@@ -163,7 +162,7 @@ void CameraSampler::shadeBatch(std::span<ShadedSample> results, bool isFirst) {
     const HitBatch& batch = shader_.batch();
     for (std::size_t i = 0; i < batch.points.size(); ++i) {
         ShadedSample& result = results[rayOf_[i]];
-        appearances_[i] = shader_.shade(i, rays_.ray(rayOf_[i]));
+        appearances_[i] = shader_.shade(i, rays_, rayOf_[i]);
         result.surfaces.add(shader_.takeShaded());
         if (!isFirst) continue;
         const SurfacePoint& point = batch.points[i];

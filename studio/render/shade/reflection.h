@@ -30,7 +30,7 @@ Imath::V3d reflect(const SampleValues& values, unsigned exponent, const Imath::V
         if (!(facing > 0)) continue;
         Imath::V3d direction;
         Imath::V3d color;
-        if (!illuminate(i, direction, color)) continue;
+        if (!illuminate(i, &direction.x, &color.x)) continue;
         scattered += color * facing;
         if (values.specular == 0 || !lights.lights[i].light->makesHighlights) continue;
         const Imath::V3d half = (toViewer - direction).normalized();

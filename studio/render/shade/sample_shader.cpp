@@ -54,12 +54,13 @@ void HitBatch::clear() {
     priors.clear();
 }
 
-void HitBatch::add(const SurfacePoint& point, const Hit& hit, const BaseColor& color,
-                   const PriorVisibility& prior) {
-    points.add(point);
+SurfacePoint& HitBatch::add(const RayScene& scene, const Facet& facet, const Ray& ray,
+                            const Hit& hit, const PriorVisibility& prior) {
+    SurfacePoint& point = points.add(facet, ray);
     hits.push_back(hit);
-    colors.push_back(color);
+    colors.push_back(lookUpSurface(scene, point, prior));
     priors.push_back(prior);
+    return point;
 }
 
 /// One depth of nested samples: a batch, and what is at hand for the callbacks of the sample
@@ -68,10 +69,19 @@ struct SampleShader::Level {
     Level(const RayScene& scene, const LightSet& lights, std::size_t capacity)
         : batch(scene, lights, capacity) {}
 
+    /// The sample asked for the light.
+    void note(std::size_t light) {
+        if (light < LightBits::kMost) seen = static_cast<std::uint16_t>(seen | 1U << light);
+    }
+    /// That hit the point which is shaded.
+    Ray rayToPoint() const { return cameraRays != nullptr ? cameraRays->ray(rayNumber) : ray; }
+
     HitBatch batch;
-    Facet facet;             ///< of a nested hit
-    Ray ray;                 ///< that hit the point
-    std::size_t point = 0;   ///< that is shaded
+    Facet facet;                                 ///< of a nested hit
+    Ray ray;                                     ///< to a nested hit
+    const CameraRayBatch* cameraRays = nullptr;  ///< of camera hits
+    std::size_t rayNumber = 0;                   ///< of the point that is shaded, among those
+    std::size_t point = 0;                       ///< that is shaded
     std::uint16_t seen = 0;  ///< lights that it asked for, a bit for each of the first
     HostSample record{};     ///< of camera samples; traced ones belong to their caller
     FacetKey recorded;       ///< the facet that `record` is filled for
@@ -132,12 +142,13 @@ void SampleShader::light(Level& level, bool areAllAsked) {
     }
 }
 
-Appearance SampleShader::shade(std::size_t point, const Ray& ray) {
+Appearance SampleShader::shade(std::size_t point, const CameraRayBatch& rays, std::size_t ray) {
     working = this;
     Level& level = *levels_.front();
-    level.ray = ray;
+    level.cameraRays = &rays;
+    level.rayNumber = ray;
     const double distance = level.batch.points[point].distance;
-    return shade(level, point, {ray.origin, ray.direction, distance}, level.record);
+    return shade(level, point, {rays.origins[ray], rays.directions[ray], distance}, level.record);
 }
 
 LightBits SampleShader::seenLights() const {
@@ -170,10 +181,9 @@ Appearance SampleShader::shade(Level& level, std::size_t number, const Viewpoint
     }
     Imath::V3d shown = values.color * values.luminosity;
     if (needsLight(values)) {
-        const auto ask = [&](std::size_t light, Imath::V3d& direction, Imath::V3d& color) {
+        const auto ask = [&](std::size_t light, double direction[3], double color[3]) {
             askedLights(surface)[light] = 1;
-            if (light < LightBits::kMost)
-                level.seen = static_cast<std::uint16_t>(level.seen | 1U << light);
+            level.note(light);
             return level.batch.lights.illuminate(light, number, direction, color);
         };
         const auto cosine = [&](std::size_t light) {
@@ -221,21 +231,12 @@ int SampleShader::illuminate(HostItemId light, const double position[3], double 
     const auto number = static_cast<std::size_t>(index);
     const SurfacePoint& point = level.batch.points[level.point];
     const Imath::V3d& here = point.position;
-    Imath::V3d along;
-    Imath::V3d arriving;
-    if (position[0] != here.x || position[1] != here.y || position[2] != here.z) {
-        if (!level.batch.lights.illuminateElsewhere(number, level.point, vector(position), along,
-                                                    arriving))
-            return 0;
-    } else {
-        working->askedLights(point.surfaceIndex())[number] = 1;
-        if (number < LightBits::kMost)
-            level.seen = static_cast<std::uint16_t>(level.seen | 1U << number);
-        if (!level.batch.lights.illuminate(number, level.point, along, arriving)) return 0;
-    }
-    copyTo(direction, along);
-    copyTo(color, arriving);
-    return 1;
+    LightBatch& lights = level.batch.lights;
+    if (position[0] != here.x || position[1] != here.y || position[2] != here.z)
+        return lights.illuminateElsewhere(number, level.point, vector(position), direction, color);
+    level.note(number);
+    working->askedLights(point.surfaceIndex())[number] = 1;
+    return lights.illuminate(number, level.point, direction, color);
 }
 
 double SampleShader::traceAndShade(const double position[3], const double direction[3],
@@ -267,11 +268,12 @@ double SampleShader::trace(const Viewpoint& from, HostSample& hit) {
 double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSample& hit) {
     Level& level = *level_;
     const SurfacePoint& point = outer.batch.points[outer.point];
+    const Ray outerRay = outer.rayToPoint();
     Hit after;
     PriorVisibility prior;
-    if (from.position == point.position && isSameDirection(from.direction, outer.ray.direction)) {
+    if (from.position == point.position && isSameDirection(from.direction, outerRay.direction)) {
         // The camera ray goes on: what it passed is known exactly.
-        level.ray = outer.ray;
+        level.ray = outerRay;
         after = outer.batch.hits[outer.point];
         prior.cache = outer.batch.priors[outer.point].cache;
         prior.node = outer.batch.priors[outer.point].node;
@@ -281,16 +283,15 @@ double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSa
         level.ray.direction = from.direction;
         level.ray.tMin = 4 * roundingMargin(magnitudeOf(from.position));
         level.ray.footprint = point.footprint;
-        level.ray.coneSpread = outer.ray.coneSpread;
+        level.ray.coneSpread = outerRay.coneSpread;
     }
     const Hit next = nested_.nextHit(level.ray, after, prior);
     const Hit hitSurface = nested_.visibleHit(level.ray, next, prior);
     if (hitSurface.isNone()) return -1;
     level.facet = facetAt(*scene_, level.ray, hitSurface);
-    SurfacePoint traced = surfacePointAt(level.facet, level.ray);
-    const BaseColor color = lookUpSurface(*scene_, traced, prior);
     level.batch.clear();
-    level.batch.add(traced, hitSurface, color, prior);
+    const SurfacePoint& traced =
+        level.batch.add(*scene_, level.facet, level.ray, hitSurface, prior);
     light(level, prior.cache != nullptr);
     const double distance = (traced.position - from.position).length();
     copyTo(hit.color, shade(level, 0, {from.position, from.direction, distance}, hit).color);

@@ -17,6 +17,7 @@
 #include "studio/render/shade/surface_finder.h"
 #include "studio/render/shade/worker_shaders.h"
 #include "studio/render/surface/shading_points.h"
+#include "studio/render/trace/camera_rays.h"
 #include "studio/render/trace/ray_scene.h"
 #include "studio/scene/lighting/light_set.h"
 
@@ -33,8 +34,9 @@ struct HitBatch {
     HitBatch(const RayScene& scene, const LightSet& lightSet, std::size_t capacity);
 
     void clear();
-    void add(const SurfacePoint& point, const Hit& hit, const BaseColor& color,
-             const PriorVisibility& prior);
+    /// Adds the hit of `ray` on `facet`, for which `prior` stands.
+    SurfacePoint& add(const RayScene& scene, const Facet& facet, const Ray& ray, const Hit& hit,
+                      const PriorVisibility& prior);
 
     ShadingPoints points;
     std::vector<Hit> hits;
@@ -65,8 +67,9 @@ class SampleShader {
     /// those that samples of the surface asked for before. Where caches want to know, all.
     void light();
 
-    /// Shades a point of the batch, which `ray` hits.
-    Appearance shade(std::size_t point, const Ray& ray);
+    /// Shades a point of the batch, which ray `ray` of `rays` hits; these must stay as they are
+    /// meanwhile.
+    Appearance shade(std::size_t point, const CameraRayBatch& rays, std::size_t ray);
 
     /// What the last shade() saw of the lights that it asked for: this depends on nothing but
     /// the sample.

@@ -20,8 +20,9 @@ Hit SurfaceFinder::nextHit(const Ray& ray, const Hit& after, PriorVisibility& pr
 double SurfaceFinder::alphaOf(const Ray& ray, const Hit& hit) const {
     const Facet facet = facetAt(*scene_, ray, hit);
     if (facet.uniformColor != nullptr) return facet.uniformColor->alpha;
-    return alphaAt(scene_->index(), *facet.source().surface,
-                   surfacePointAt(facet, ray).meshPoint());
+    SurfacePoint point;
+    setSurfacePoint(facet, ray, point);
+    return alphaAt(scene_->index(), *facet.source().surface, point.meshPoint());
 }
 
 Hit SurfaceFinder::visibleHit(const Ray& ray, Hit hit, PriorVisibility& prior) {

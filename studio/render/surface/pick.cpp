@@ -11,7 +11,8 @@ std::optional<Picked> pick(const RayScene& scene, const Camera& camera, int widt
     const Ray ray = CameraRays(camera, width, height, 1).through(x + 0.5, y + 0.5);
     for (Hit hit; scene.nextHit(ray, hit, hit);) {
         const Facet facet = facetAt(scene, ray, hit);
-        const SurfacePoint point = surfacePointAt(facet, ray);
+        SurfacePoint point;
+        setSurfacePoint(facet, ray, point);
         const int surface = point.surfaceIndex();
         const BaseColor color =
             baseColorAt(scene.index(), scene.material(surface), point.meshPoint());

@@ -17,12 +17,14 @@ void ShadingPoints::clear() {
     meshes_.clear();
 }
 
-void ShadingPoints::add(const SurfacePoint& point) {
+SurfacePoint& ShadingPoints::add(const Facet& facet, const Ray& ray) {
     const auto number = static_cast<std::uint32_t>(points_.size());
-    const SceneMesh& mesh = point.source();
+    const SceneMesh& mesh = facet.source();
     if (meshes_.empty() || meshes_.back().mesh != &mesh) meshes_.push_back({number, number, &mesh});
     meshes_.back().last = number + 1;
-    points_.push_back(point);
+    SurfacePoint& point = points_.emplace_back();
+    setSurfacePoint(facet, ray, point);
+    return point;
 }
 
 void ShadingPoints::finish(bool areLit) {

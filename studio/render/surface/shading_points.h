@@ -25,8 +25,9 @@ class ShadingPoints {
     explicit ShadingPoints(std::size_t capacity);
 
     void clear();
-    /// Points of one mesh, and of one facet, should come one after the other.
-    void add(const SurfacePoint& point);
+    /// Adds the point where `ray` hits `facet`, as setSurfacePoint() gives it. Points of one
+    /// mesh, and of one facet, should come one after the other.
+    SurfacePoint& add(const Facet& facet, const Ray& ray);
     /// Once all are there: finds what they have in common and where shadow rays start.
     void finish(bool areLit);
 

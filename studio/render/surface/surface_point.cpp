@@ -38,8 +38,7 @@ MeshPoint SurfacePoint::meshPoint() const {
     return point;
 }
 
-SurfacePoint surfacePointAt(const Facet& facet, const Ray& ray) {
-    SurfacePoint point;
+void setSurfacePoint(const Facet& facet, const Ray& ray, SurfacePoint& point) {
     point.facet = &facet;
     if (facet.eye.position == ray.origin) {
         setWeights(facet, facet.eye, ray.direction, point.weights);
@@ -53,7 +52,6 @@ SurfacePoint surfacePointAt(const Facet& facet, const Ray& ray) {
     point.normal = point.smoothNormal;
     point.distance = std::sqrt((point.position - ray.origin).length2());
     point.footprint = ray.footprintAt(point.distance);
-    return point;
 }
 
 Imath::V3d shadowRayOrigin(const SurfacePoint& point) {

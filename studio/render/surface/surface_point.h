@@ -25,9 +25,9 @@ struct SurfacePoint {
     MeshPoint meshPoint() const;
 };
 
-/// Where `ray`, which is known to hit `facet`, does so; as though there were no normal map.
-/// `facet` must outlive the result.
-SurfacePoint surfacePointAt(const Facet& facet, const Ray& ray);
+/// Sets `point` to where `ray`, which is known to hit `facet`, does so; as though there were
+/// no normal map. `facet` must outlive it.
+void setSurfacePoint(const Facet& facet, const Ray& ray, SurfacePoint& point);
 
 /// Where shadow rays from `point` start: lifted off its polygon as far as rounding needs, and
 /// where the mesh is smooth and bulges outwards, up to the surface that its vertex normals
