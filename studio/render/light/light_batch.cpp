@@ -35,22 +35,15 @@ template <bool isSpot, bool hasFalloff>
 inline void sampleAll(const PunctualLight& shared, const Vectors& at, std::size_t count,
                       const PunctualSamples& samples) {
     const PunctualLight light = shared;  // a copy that no store in the loop can change
-    const double* __restrict px = at.x;
-    const double* __restrict py = at.y;
-    const double* __restrict pz = at.z;
-    double* __restrict x = samples.x;
-    double* __restrict y = samples.y;
-    double* __restrict z = samples.z;
-    double* __restrict distances = samples.distances;
-    double* __restrict levels = samples.levels;
+    TAVORA_NO_ALIASES
     for (std::size_t i = 0; i < count; ++i) {
         const PunctualSample sample =
-            samplePunctual<isSpot, hasFalloff>(light, px[i], py[i], pz[i]);
-        x[i] = sample.x;
-        y[i] = sample.y;
-        z[i] = sample.z;
-        distances[i] = sample.distance;
-        levels[i] = sample.level;
+            samplePunctual<isSpot, hasFalloff>(light, at.x[i], at.y[i], at.z[i]);
+        samples.x[i] = sample.x;
+        samples.y[i] = sample.y;
+        samples.z[i] = sample.z;
+        samples.distances[i] = sample.distance;
+        samples.levels[i] = sample.level;
     }
 }
 
@@ -178,8 +171,11 @@ LightBatch::LightBatch(const RayScene& scene, const LightSet& lights, std::size_
 void LightBatch::begin(const ShadingPoints& points, std::span<const PriorVisibility> priors) {
     points_ = &points;
     priors_ = priors;
-    haveCaches_ = std::any_of(priors.begin(), priors.end(),
-                              [](const PriorVisibility& prior) { return prior.cache != nullptr; });
+    haveCaches_ = haveNeighbours_ = false;
+    for (const PriorVisibility& prior : priors) {
+        haveCaches_ |= prior.cache != nullptr;
+        haveNeighbours_ |= prior.neighbours != nullptr;
+    }
     for (LightArrays& light : arrays_)
         light.isBegun = false;
 }
@@ -294,6 +290,7 @@ void LightBatch::find(std::size_t light, std::span<const PointRange> ranges) {
 
 void LightBatch::set(std::size_t light, std::size_t point, Visibility visibility) {
     arrays_[light].visibilities[point] = visibility;
+    if (!haveCaches_) return;
     const PriorVisibility& prior = priors_[point];
     if (prior.cache != nullptr) prior.cache->keepVisibility(prior.node, light, visibility);
 }
@@ -312,6 +309,7 @@ bool LightBatch::needsRay(std::size_t light, std::size_t point, bool isShadowed)
         set(light, point, Visibility(1));
         return false;
     }
+    if (!haveNeighbours_) return true;
     const LightBits* neighbours = priors_[point].neighbours;
     if (neighbours == nullptr) return true;
     const Visibility known = neighbours->visibility(light);

@@ -122,6 +122,7 @@ class LightBatch {
     const ShadingPoints* points_ = nullptr;
     std::span<const PriorVisibility> priors_;
     bool haveCaches_ = false;
+    bool haveNeighbours_ = false;
     Occlusion occlusion_;
     // By point, for the light at work:
     std::vector<std::int32_t> facing_;

@@ -36,6 +36,7 @@ CameraSampler::CameraSampler(const RayScene& scene, const LightSet& lights,
       y_(kBatch),
       rays_(kBatch),
       hits_(kBatch),
+      nodes_(kBatch),
       facetOf_(kBatch),
       countOf_(facets_.capacity()),
       order_(kBatch),
@@ -85,27 +86,25 @@ void CameraSampler::sampleBatch(const CameraRays& camera, std::span<const Camera
 /// By what is cached, else all together. Rays that hit nothing are done.
 void CameraSampler::findFirstHits(std::size_t count, std::span<CachedPath> paths) {
     unknown_.clear();
-    active_.clear();
     for (std::uint32_t i = 0; i < count; ++i) {
-        ActiveRay active{i, {}, {}};
-        bool isKnown = false;
         hits_[i] = {};
-        if (!paths.empty() && paths[i].isKept()) {
-            active.prior.cache = &paths[i];
-            isKnown = paths[i].next(active.prior.node, hits_[i]) != CachedPath::Step::Unknown;
-        }
+        nodes_[i] = CachedPath::kStart;
+        const bool isKnown =
+            !paths.empty() && paths[i].next(nodes_[i], hits_[i]) != CachedPath::Step::Unknown;
         if (!isKnown) unknown_.push_back(i);
-        active_.push_back(active);
     }
     firstHits_.find(rays_, unknown_, hits_);
     cameraRays_ += unknown_.size();
-    for (const std::uint32_t i : unknown_) {
-        PriorVisibility& prior = active_[i].prior;
-        if (prior.cache != nullptr) prior.cache->keep(prior.node, hits_[i]);
+    if (!paths.empty()) {
+        for (const std::uint32_t i : unknown_)
+            paths[i].keep(nodes_[i], hits_[i]);
     }
-    for (ActiveRay& active : active_)
-        active.hit = hits_[active.ray];
-    std::erase_if(active_, [](const ActiveRay& active) { return active.hit.isNone(); });
+    active_.clear();
+    for (std::uint32_t i = 0; i < count; ++i) {
+        if (hits_[i].isNone()) continue;
+        CachedPath* cache = !paths.empty() && paths[i].isKept() ? &paths[i] : nullptr;
+        active_.push_back({i, hits_[i], {nullptr, cache, nodes_[i]}});
+    }
 }
 
 /// Brings rays whose hit is on a wholly transparent surface to the first hit that is not.

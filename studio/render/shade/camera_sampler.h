@@ -101,10 +101,11 @@ class CameraSampler {
     std::vector<double> x_;        ///< of the samples, as the next
     std::vector<double> y_;
     CameraRayBatch rays_;
-    std::vector<Hit> hits_;               ///< by ray
-    std::vector<std::uint32_t> unknown_;  ///< rays whose first hit has to be traced
-    std::vector<ActiveRay> active_;       ///< of this wave
-    std::vector<ActiveRay> going_;        ///< of the next
+    std::vector<Hit> hits_;                ///< by ray
+    std::vector<CachedPath::Node> nodes_;  ///< by ray: what is cached of its first hit
+    std::vector<std::uint32_t> unknown_;   ///< rays whose first hit has to be traced
+    std::vector<ActiveRay> active_;        ///< of this wave
+    std::vector<ActiveRay> going_;         ///< of the next
     // For sorting:
     std::vector<std::uint32_t> facetOf_;  ///< by active ray: number in `facets_`
     std::vector<std::uint32_t> met_;      ///< facets of this wave

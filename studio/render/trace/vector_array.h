@@ -14,6 +14,14 @@
 #define TAVORA_VECTOR_LOOPS
 #endif
 
+/// Before a loop that writes to none of the arrays that it reads, where there are too many for
+/// the compiler to check.
+#if defined(__GNUC__) && !defined(__clang__)
+#define TAVORA_NO_ALIASES _Pragma("GCC ivdep")
+#else
+#define TAVORA_NO_ALIASES
+#endif
+
 namespace tavora::studio {
 
 /// Vectors as structure of arrays. The arrays do not move.
