@@ -61,7 +61,7 @@ class CameraSampler {
 
     /// How many samples are worked on together: so many that they share their way through the
     /// scene, so few that what belongs to them stays in the processor's cache.
-    static constexpr std::size_t kBatch = 512;
+    static constexpr std::size_t kBatch = 256;
 
     std::uint64_t cameraRays() const { return cameraRays_ + finder_.rays() + shader_.tracedRays(); }
     std::uint64_t shadowRays() const { return shader_.shadowRays(); }
