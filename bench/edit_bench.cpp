@@ -223,7 +223,7 @@ void run(const char* file, const char* module, int rounds, int threads) {
     printGoal(median(rows.front().first), median(whole));
     const LiveStats stats = live.picture().stats();
     std::printf("kept %.0f MB, %.0f%% of the samples %s\n",
-                static_cast<double>(stats.keptBytes) / 1e6, 100 * stats.keptShare,
+                static_cast<double>(stats.cachedBytes) / 1e6, 100 * stats.cachedFraction,
                 stats.notice.c_str());
 }
 

@@ -60,7 +60,7 @@ struct RenderOptions {
 
 /// How a render reports to its caller.
 struct RenderWatch {
-    /// Called now and then, by the thread that called render(), with the share of the work
+    /// Called now and then, by the thread that called render(), with the fraction of the work
     /// that is done, 0..1. May be empty.
     std::function<void(double done)> progress;
     /// Set by any thread to stop the render; may be null.

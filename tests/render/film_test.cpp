@@ -20,8 +20,8 @@ using Imath::M44d, Imath::V3d, Imath::V3f;
 Picture shot(Renderer& renderer, const TestScene& test, RenderStats* stats = nullptr,
              RenderOptions options = squareOptions(48)) {
     options.samples = 2;
-    return renderer.render(roomCamera(), test.rig, SurfaceShaders(test.scene.surfaces.size()), {},
-                           options, {}, stats);
+    return renderer.render(roomCamera(), test.lightSet, SurfaceShaders(test.scene.surfaces.size()),
+                           {}, options, {}, stats);
 }
 
 TEST(Film, ASceneBroughtUpToDateShowsWhatANewOneShows) {
@@ -87,8 +87,8 @@ TEST(Film, EachFrameIsAPassOfItsTimeForEverySurface) {
         RenderOptions options = squareOptions(4);
         for (const int frame : {7, -8}) {
             options.time = {frame, frame / 2.0};
-            renderer.render(frontCamera({0, 0, 5}, 1), quad.rig, shading, PROBE_MODULE, options, {},
-                            nullptr);
+            renderer.render(frontCamera({0, 0, 5}, 1), quad.lightSet, shading, PROBE_MODULE,
+                            options, {}, nullptr);
         }
         EXPECT_EQ(told,
                   "loaded 0;loaded 0;init 0;newTime 7 3.5;init 0;newTime 7 3.5;"
@@ -96,8 +96,8 @@ TEST(Film, EachFrameIsAPassOfItsTimeForEverySurface) {
                   "init 0;newTime -8 -4;init 0;newTime -8 -4;cleanup 0;cleanup 0;");
         told.clear();
         std::get<std::int32_t>(shading[1]->block[1]) = 4;
-        renderer.render(frontCamera({0, 0, 5}, 1), quad.rig, shading, PROBE_MODULE, options, {},
-                        nullptr);
+        renderer.render(frontCamera({0, 0, 5}, 1), quad.lightSet, shading, PROBE_MODULE, options,
+                        {}, nullptr);
         EXPECT_THAT(told, testing::StartsWith("loaded 0;loaded 4;init")) << "other settings";
     }
     setMessageSink({});
@@ -123,8 +123,9 @@ TEST(MotionBlur, SpreadsSamplesOverTheShutterAndLeavesWhatStandsStill) {
     options.background.reset();
     Renderer renderer(room.scene, SceneUse::Film);
     const auto render = [&] {
-        return renderer.render(roomCamera(), room.rig, SurfaceShaders(room.scene.surfaces.size()),
-                               {}, options, {}, nullptr);
+        return renderer.render(roomCamera(), room.lightSet,
+                               SurfaceShaders(room.scene.surfaces.size()), {}, options, {},
+                               nullptr);
     };
     const Picture still = render();
     Exposure exposure;

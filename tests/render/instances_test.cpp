@@ -72,7 +72,7 @@ std::vector<std::pair<std::uint32_t, std::uint32_t>> hitsAlong(const RayScene& s
     return hits;
 }
 
-TEST(Instances, MeetAllRaysAsCopiesDo) {
+TEST(Instances, HitWhatCopiesHit) {
     const Crowd crowd;
     const SceneIndex index(crowd.scene);
     const RayScene copies(index);

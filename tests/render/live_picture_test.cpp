@@ -104,22 +104,22 @@ std::shared_ptr<const LightSet> lights(double sun, double right, int points, dou
     for (int i = 0; i < points; ++i)
         made->addLight(LightKind::Point, V3d(0.2, 0.3, 0.5) / points).position = {2, 3.0 - i, 4};
     made->soften(size, size);
-    made->rig.lights[1].castsShadow = false;
-    made->rig.ambient = V3d(0.1);
-    return {made, &made->rig};
+    made->lightSet.lights[1].castsShadow = false;
+    made->lightSet.ambient = V3d(0.1);
+    return {made, &made->lightSet};
 }
 
 /// What is to be seen, shown by a live picture and by a render.
-struct Wish {
+struct Preview {
     Room room;
     Camera camera = roomCamera();
     int width = 50;
     int height = 40;
-    std::shared_ptr<const LightSet> rig = lights(0.7, -0.3, 1);
+    std::shared_ptr<const LightSet> lightSet = lights(0.7, -0.3, 1);
     SurfaceShaders shading = SurfaceShaders(kSign + 1);
     LiveOptions options;
 
-    Wish() {
+    Preview() {
         options.threads = 2;
         options.samples = 6;
         shading[kBall] = styled({{"edgeEnable", true}, {"highlightEnable", "On"}});
@@ -132,12 +132,13 @@ struct Wish {
         wanted.samples = options.samples;
         wanted.background = options.background;
         Renderer renderer(room.scene);
-        return pixel8Of(renderer.render(camera, *rig, shading, TAVORA_MODULE, wanted, {}, nullptr));
+        return pixel8Of(
+            renderer.render(camera, *lightSet, shading, TAVORA_MODULE, wanted, {}, nullptr));
     }
 
     std::uint64_t show(LivePicture& picture) const {
         picture.setView(camera, width, height);
-        picture.setLights(rig);
+        picture.setLights(lightSet);
         return picture.setShading(shading);
     }
 };
@@ -152,19 +153,19 @@ bool shows(const std::shared_ptr<const LiveFrame>& frame, const Bytes& expected)
 struct Edit {
     Place surface = kBall;
     std::optional<SurfaceShader> shader = {};
-    std::shared_ptr<const LightSet> rig = {};
+    std::shared_ptr<const LightSet> lightSet = {};
     int width = 0;  ///< of another view
 
-    /// Changes the wish and tells the picture.
-    std::uint64_t make(Wish& wish, LivePicture& picture) const {
-        if (rig != nullptr) return picture.setLights(wish.rig = rig);
-        if (width == 0) return picture.setSurface(surface, wish.shading[surface] = shader);
-        wish.camera = frontCamera({0.375, 0.225, 8}, 2);
-        return picture.setView(wish.camera, wish.width = width, wish.height);
+    /// Changes the preview and tells the picture.
+    std::uint64_t make(Preview& preview, LivePicture& picture) const {
+        if (lightSet != nullptr) return picture.setLights(preview.lightSet = lightSet);
+        if (width == 0) return picture.setSurface(surface, preview.shading[surface] = shader);
+        preview.camera = frontCamera({0.375, 0.225, 8}, 2);
+        return picture.setView(preview.camera, preview.width = width, preview.height);
     }
 };
 
-Edit wear(Place surface, const Json& changes) {
+Edit withShading(Place surface, const Json& changes) {
     return {surface, styled(changes)};
 }
 
@@ -182,27 +183,27 @@ std::vector<Edit> edits() {
                    {"inkoverColor", {0, 0, 0}},
                    {"inkoverPaintColor", {0, 1, 0}},
                    {"maxTraceDepth", 2}};
-    return {wear(kWall, allZones("trans", 0.5)),
-            wear(kBall, allZones("trans", 0.5)),
-            wear(kBall, allZones("trans", 1)),
-            wear(kWall, allZones("color", {0, 0, 0})),
-            wear(kBall, ink),
-            wear(kWall, setting("slopeEnable", true)),  // which the ink-over finds
-            {.rig = lights(0.3, -0.3, 1)},
-            wear(kBall, setting("slopeEnable", true)),
-            wear(kPane, allZones("trans", 0.2)),
-            wear(kLeaf, setting("edgeEnable", true)),
-            {.rig = lights(0.3, -0.3, 1, 0.4)},
-            wear(kBall, setting("edgeEnable", true)),
-            {.rig = lights(0.5, 0.6, 1)},
-            {.rig = lights(0.5, -0.6, 1)},
-            wear(kSign, setting("slopeEnable", true)),
-            wear(kPane, allZones("trans", 0.6)),
-            {.rig = lights(0.3, -0.3, 20)},
+    return {withShading(kWall, allZones("trans", 0.5)),
+            withShading(kBall, allZones("trans", 0.5)),
+            withShading(kBall, allZones("trans", 1)),
+            withShading(kWall, allZones("color", {0, 0, 0})),
+            withShading(kBall, ink),
+            withShading(kWall, setting("slopeEnable", true)),  // which the ink-over finds
+            {.lightSet = lights(0.3, -0.3, 1)},
+            withShading(kBall, setting("slopeEnable", true)),
+            withShading(kPane, allZones("trans", 0.2)),
+            withShading(kLeaf, setting("edgeEnable", true)),
+            {.lightSet = lights(0.3, -0.3, 1, 0.4)},
+            withShading(kBall, setting("edgeEnable", true)),
+            {.lightSet = lights(0.5, 0.6, 1)},
+            {.lightSet = lights(0.5, -0.6, 1)},
+            withShading(kSign, setting("slopeEnable", true)),
+            withShading(kPane, allZones("trans", 0.6)),
+            {.lightSet = lights(0.3, -0.3, 20)},
             {kBall},
             {kWall},
             {.width = 50},
-            wear(kBall, setting("useAllLights", false)),
+            withShading(kBall, setting("useAllLights", false)),
             {.width = 40},
             {kPane}};
 }
@@ -212,58 +213,40 @@ TEST(LivePicture, ShowsEveryEditAsARenderAnewWould) {
     std::vector<Bytes> expected;
     for (const std::size_t memory :
          {std::size_t{512} << 20, std::size_t{0}, std::size_t{100'000}}) {
-        Wish wish;
-        wish.options.memory = memory;
-        LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
-        EXPECT_TRUE(shows(live.clean(wish.show(live.picture())), wish.rendered()));
+        Preview preview;
+        preview.options.memory = memory;
+        LiveView live(preview.room.scene, TAVORA_MODULE, preview.options);
+        EXPECT_TRUE(shows(live.clean(preview.show(live.picture())), preview.rendered()));
         for (std::size_t i = 0; i < all.size(); ++i) {
-            const auto frame = live.clean(all[i].make(wish, live.picture()));
-            if (i == expected.size()) expected.push_back(wish.rendered());
+            const auto frame = live.clean(all[i].make(preview, live.picture()));
+            if (i == expected.size()) expected.push_back(preview.rendered());
             EXPECT_TRUE(shows(frame, expected[i])) << i;
             EXPECT_TRUE(i == 0 || expected[i] != expected[i - 1]) << i << " shows nothing new";
         }
     }
 }
 
-/// Squares where the faces of Embree's boxes lie, and shadow rays in planes of these.
-TEST(LivePicture, MeetsRayByRayWhatARenderMeetsByRowsOfRays) {
-    Wish wish;
-    for (int i = 0; i < 9 * 9 * 9; i += 4)
-        wish.room.addQuad(V3d(i % 9 - 4, i / 9 % 9 - 4, i / 81 - 4), 0.5, i % 3 + kLeaf);
-    TestScene noon;
-    noon.addSun({0, 0, -1});
-    wish.rig = {&noon.rig, [](const LightSet*) {}};
-    wish.shading.assign(kSign + 1, {});
-    wish.options.samples = 1;
-    wish.height = wish.width = 160;
-    LiveView live(wish.room.scene, {}, wish.options);
-    for (const double height : {8.0, 3.6, 1.6, 0.6, -0.4}) {
-        wish.camera = frontCamera({1 / 64.0, 1 / 64.0, height}, 2.5);
-        EXPECT_TRUE(shows(live.clean(wish.show(live.picture())), wish.rendered())) << height;
-    }
-}
-
 TEST(LivePicture, SaysWhatItHasNoMemoryFor) {
-    Wish wish;
+    Preview preview;
     for (const bool isRoomy : {false, true}) {
-        if (!isRoomy) wish.options.memory = 100'000;
-        LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
-        ASSERT_NE(live.clean(wish.show(live.picture())), nullptr);
+        if (!isRoomy) preview.options.memory = 100'000;
+        LiveView live(preview.room.scene, TAVORA_MODULE, preview.options);
+        ASSERT_NE(live.clean(preview.show(live.picture())), nullptr);
         const LiveStats stats = live.picture().stats();
-        EXPECT_GT(stats.keptBytes, 50'000U);
-        EXPECT_LE(stats.keptBytes, wish.options.memory);
-        EXPECT_GT(stats.keptShare, isRoomy ? 0.99 : 0.1);
-        EXPECT_EQ(stats.keptShare < 0.8, !isRoomy);
+        EXPECT_GT(stats.cachedBytes, 50'000U);
+        EXPECT_LE(stats.cachedBytes, preview.options.memory);
+        EXPECT_GT(stats.cachedFraction, isRoomy ? 0.99 : 0.1);
+        EXPECT_EQ(stats.cachedFraction < 0.8, !isRoomy);
         EXPECT_EQ(stats.notice.empty(), isRoomy);
-        wish.options = Wish().options;
+        preview.options = Preview().options;
     }
 }
 
 TEST(LivePicture, TracesAndShadesAgainOnlyWhatAnEditChanges) {
-    Wish wish;
-    wish.room.scene.surfaces[kPane].alphaMode = AlphaMode::Opaque;
-    wish.rig = lights(0.7, -0.3, 2, 0.4);
-    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    Preview preview;
+    preview.room.scene.surfaces[kPane].alphaMode = AlphaMode::Opaque;
+    preview.lightSet = lights(0.7, -0.3, 2, 0.4);
+    LiveView live(preview.room.scene, TAVORA_MODULE, preview.options);
     LiveStats before;
     const auto costsOf = [&](std::uint64_t revision) {
         EXPECT_NE(live.clean(revision), nullptr);
@@ -274,7 +257,7 @@ TEST(LivePicture, TracesAndShadesAgainOnlyWhatAnEditChanges) {
         return costs;
     };
     const std::uint64_t samples = 50U * 40 * 6;
-    const auto first = costsOf(wish.show(live.picture()));
+    const auto first = costsOf(preview.show(live.picture()));
     const SurfaceShader changed = styled(setting("slopeEnable", true));
     const auto ball = costsOf(live.picture().setSurface(kBall, changed));
     EXPECT_EQ(ball.first, 0U);
@@ -289,21 +272,21 @@ TEST(LivePicture, TracesAndShadesAgainOnlyWhatAnEditChanges) {
 }
 
 TEST(LivePicture, BeginsCoarseWhereItMustAndGetsFiner) {
-    Wish wish;
-    wish.width = 1201;  // far more than there is time for, by the guess it starts with
-    wish.height = 903;
-    wish.shading.assign(kSign + 1, {});
-    LiveView live(wish.room.scene, {}, wish.options);
-    wish.show(live.picture());
+    Preview preview;
+    preview.width = 1201;  // far more than there is time for, by the guess it starts with
+    preview.height = 903;
+    preview.shading.assign(kSign + 1, {});
+    LiveView live(preview.room.scene, {}, preview.options);
+    preview.show(live.picture());
     const auto frame = live.after(nullptr);
     const int block = frame->blockSize;
     ASSERT_GT(block, 1);
     const auto pixel = [&](int x, int y) {
-        return &frame->rgba[4 * static_cast<std::size_t>(y * wish.width + x)];
+        return &frame->rgba[4 * static_cast<std::size_t>(y * preview.width + x)];
     };
-    for (int i = 0; i < wish.width * wish.height; ++i) {
-        const int x = i % wish.width;
-        const int y = i / wish.width;
+    for (int i = 0; i < preview.width * preview.height; ++i) {
+        const int x = i % preview.width;
+        const int y = i / preview.width;
         const std::uint8_t* const corner = pixel(x - x % block, y - y % block);
         ASSERT_TRUE(std::equal(corner, corner + 4, pixel(x, y))) << x << ' ' << y;
     }
@@ -313,25 +296,25 @@ TEST(LivePicture, BeginsCoarseWhereItMustAndGetsFiner) {
 }
 
 TEST(LivePicture, QuickEditsEndInTheLastOnesPicture) {
-    Wish wish;
-    wish.options.background = V3d(0.2, 0.4, 0.6);
-    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
-    std::uint64_t revision = wish.show(live.picture());
+    Preview preview;
+    preview.options.background = V3d(0.2, 0.4, 0.6);
+    LiveView live(preview.room.scene, TAVORA_MODULE, preview.options);
+    std::uint64_t revision = preview.show(live.picture());
     const std::vector<Edit> all = edits();
     for (std::size_t i = 0; i < 200; ++i) {
-        const std::uint64_t next = all[i * 7 % all.size()].make(wish, live.picture());
+        const std::uint64_t next = all[i * 7 % all.size()].make(preview, live.picture());
         EXPECT_EQ(next, revision + 1);
         revision = next;
         std::this_thread::sleep_for(std::chrono::microseconds(i % 10 * 400));
     }
-    EXPECT_TRUE(shows(live.clean(revision), wish.rendered()));
+    EXPECT_TRUE(shows(live.clean(revision), preview.rendered()));
 }
 
 /// Changes the Room as an animation would: the ball moves, the leaf bends, and every third
 /// time the sign is not there.
 class Moving {
   public:
-    explicit Moving(Wish& wish) : wish_(wish), all_(wish.room.scene.objects) {}
+    explicit Moving(Preview& preview) : wish_(preview), all_(preview.room.scene.objects) {}
 
     std::uint64_t moveTo(double place, LivePicture& picture) {
         return picture.pose([&] {
@@ -355,52 +338,52 @@ class Moving {
         if (++times_ % 3 == 0) wish_.room.scene.objects.pop_back();
     }
 
-    Wish& wish_;
+    Preview& wish_;
     const std::vector<std::shared_ptr<const Object>> all_;
     int times_ = 0;
 };
 
 TEST(LivePicture, ShowsASceneThatIsPosedAnewAsARenderWould) {
-    Wish wish;
-    Moving scene(wish);
-    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
-    const Bytes atRest = wish.rendered();
-    EXPECT_TRUE(shows(live.clean(wish.show(live.picture())), atRest));
+    Preview preview;
+    Moving scene(preview);
+    LiveView live(preview.room.scene, TAVORA_MODULE, preview.options);
+    const Bytes atRest = preview.rendered();
+    EXPECT_TRUE(shows(live.clean(preview.show(live.picture())), atRest));
     Bytes before = atRest;
     for (const double place : {0.2, 0.4, 0.7, 0.5, 0.0}) {
         const auto frame = live.clean(scene.moveTo(place, live.picture()));
-        const Bytes expected = wish.rendered();
+        const Bytes expected = preview.rendered();
         EXPECT_TRUE(shows(frame, expected)) << place;
         EXPECT_NE(expected, before) << place << " shows nothing new";
         before = expected;
-        const auto worn = live.clean(edits()[1].make(wish, live.picture()));
-        EXPECT_TRUE(shows(worn, wish.rendered())) << place;
-        wish.shading[kBall] = Wish().shading[kBall];
-        live.picture().setSurface(kBall, wish.shading[kBall]);
+        const auto worn = live.clean(edits()[1].make(preview, live.picture()));
+        EXPECT_TRUE(shows(worn, preview.rendered())) << place;
+        preview.shading[kBall] = Preview().shading[kBall];
+        live.picture().setSurface(kBall, preview.shading[kBall]);
     }
 }
 
 /// What was not posed must not be seen; who asks what a pixel shows waits for it.
 TEST(LivePicture, IsPosedAtAnyMoment) {
-    Wish wish;
-    Moving scene(wish);
-    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    Preview preview;
+    Moving scene(preview);
+    LiveView live(preview.room.scene, TAVORA_MODULE, preview.options);
     EXPECT_THROW(live.picture().pose([]() -> FrameTime { throw std::bad_alloc(); }),
                  std::bad_alloc);
-    wish.show(live.picture());
+    preview.show(live.picture());
     EXPECT_FALSE(live.picture().pickAt(25, 20));
     scene.moveTo(0.1, live.picture());
     ASSERT_NE(live.after(nullptr), nullptr);
     const std::vector<Edit> all = edits();
     std::uint64_t revision = 0;
     for (std::size_t i = 0; i < 100; ++i) {
-        all[i * 7 % all.size()].make(wish, live.picture());
+        all[i * 7 % all.size()].make(preview, live.picture());
         if (i % 4 != 3)
             std::this_thread::sleep_for(std::chrono::microseconds(i % 10 * i % 10 * 300));
         revision = scene.moveTo(static_cast<double>(i % 8) / 10, live.picture());
         EXPECT_TRUE(i % 5 != 0 || live.picture().pickAt(25, 20)) << i;
     }
-    EXPECT_TRUE(shows(live.clean(revision), wish.rendered()));
+    EXPECT_TRUE(shows(live.clean(revision), preview.rendered()));
 }
 
 TEST(LivePicture, SaysWhyNothingIsRenderedAndTriesAgain) {
@@ -408,39 +391,40 @@ TEST(LivePicture, SaysWhyNothingIsRenderedAndTriesAgain) {
         return SurfaceShader{
             .block = {int{behaviour}, int{HOST_SHADER_COLOR}, 1.0F, 0.5F, 0.0F, 0.0F}};
     };
-    Wish wish;
-    wish.shading.assign(kSign + 1, probe(kPaint));
-    LiveView live(wish.room.scene, PROBE_MODULE, wish.options);
-    const auto good = live.clean(wish.show(live.picture()));
+    Preview preview;
+    preview.shading.assign(kSign + 1, probe(kPaint));
+    LiveView live(preview.room.scene, PROBE_MODULE, preview.options);
+    const auto good = live.clean(preview.show(live.picture()));
     ASSERT_NE(good, nullptr);
     live.picture().setSurface(kLeaf, probe(kRefuse));
     EXPECT_THAT(live.failure(), testing::HasSubstr("these settings are refused"));
-    live.picture().setView(wish.camera, wish.width, wish.height);
+    live.picture().setView(preview.camera, preview.width, preview.height);
     EXPECT_EQ(live.picture().latest()->revision, good->revision);
-    EXPECT_TRUE(shows(live.clean(live.picture().setShading(wish.shading)), good->rgba));
+    EXPECT_TRUE(shows(live.clean(live.picture().setShading(preview.shading)), good->rgba));
     EXPECT_EQ(live.picture().failure(), "");
 
-    LiveView missing(wish.room.scene, "/no/module.so", wish.options);
-    wish.show(missing.picture());
+    LiveView missing(preview.room.scene, "/no/module.so", preview.options);
+    preview.show(missing.picture());
     EXPECT_THAT(missing.failure(), testing::HasSubstr("/no/module.so"));
-    wish.shading.assign(kSign + 1, {});
-    EXPECT_TRUE(shows(missing.clean(missing.picture().setShading(wish.shading)), wish.rendered()));
+    preview.shading.assign(kSign + 1, {});
+    EXPECT_TRUE(
+        shows(missing.clean(missing.picture().setShading(preview.shading)), preview.rendered()));
 }
 
 TEST(LivePicture, EndsAtAnyMoment) {
-    Wish wish;
+    Preview preview;
     for (int i = 0; i < 40; ++i) {
-        LivePicture picture(wish.room.scene, TAVORA_MODULE, wish.options, [] {});
-        if (i > 0) wish.show(picture);
+        LivePicture picture(preview.room.scene, TAVORA_MODULE, preview.options, [] {});
+        if (i > 0) preview.show(picture);
         std::this_thread::sleep_for(std::chrono::microseconds(i * i * 20));
     }
 }
 
 TEST(LivePicture, KnowsWhatAPixelShows) {
-    Wish wish;
-    LiveView live(wish.room.scene, TAVORA_MODULE, wish.options);
+    Preview preview;
+    LiveView live(preview.room.scene, TAVORA_MODULE, preview.options);
     EXPECT_FALSE(live.picture().pickAt(5, 5));
-    ASSERT_NE(live.clean(wish.show(live.picture())), nullptr);
+    ASSERT_NE(live.clean(preview.show(live.picture())), nullptr);
     // Ten pixels a unit, the eye at 0.1, 0.
     const auto at = [&](double x, double y) {
         return live.picture().pickAt(static_cast<int>(25 + (x - 0.1) * 10),
@@ -453,7 +437,7 @@ TEST(LivePicture, KnowsWhatAPixelShows) {
     EXPECT_NEAR(at(0.5, -0.9)->position.z, -2, 1e-9) << "through a hole of the leaf";
     EXPECT_FALSE(at(-2.2, 1.9));
     EXPECT_FALSE(live.picture().pickAt(-1, 5));
-    EXPECT_FALSE(live.picture().pickAt(5, wish.height));
+    EXPECT_FALSE(live.picture().pickAt(5, preview.height));
 }
 
 }  // namespace

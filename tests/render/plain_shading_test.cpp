@@ -21,7 +21,7 @@ const V3d kDown(0, 0, -1);  // straight at a quad
 TEST(PlainShading, ScattersLightByTheCosine) {
     QuadScene test;
     test.surface().baseColor = {0.5F, 0.25F, 1, 1};
-    test.rig.ambient = {0.25, 0.25, 0.25};
+    test.lightSet.ambient = {0.25, 0.25, 0.25};
     const double angle = std::numbers::pi / 3;
     test.addSun({std::sin(angle), 0, -std::cos(angle)});
     const V3d base(toEncoded(0.5), toEncoded(0.25), 1);
@@ -97,9 +97,9 @@ TEST(PlainShading, LightsAndSurfacesMayGoWithoutShadows) {
         floor.receivesShadows = false;
         EXPECT_TRUE(isLit() && stats.shadowRays == 0);
         floor.receivesShadows = true;
-        test.rig.lights[0].castsShadow = false;
+        test.lightSet.lights[0].castsShadow = false;
         EXPECT_TRUE(isLit() && stats.shadowRays == 0);
-        test.rig.lights[0].castsShadow = true;
+        test.lightSet.lights[0].castsShadow = true;
         // Spared is the surface itself: no other, and none on another object.
         floor.selfShadow = roof.selfShadow = false;
         EXPECT_LT(test.level(stats), 0.6);
@@ -182,7 +182,7 @@ int addClear(TestScene& test, const Imath::V4f& color) {
 
 TEST(PlainShading, ClearSurfacesLieOverWhatIsBehind) {
     TestScene test;
-    test.rig.ambient = V3d(1);
+    test.lightSet.ambient = V3d(1);
     test.addSurface().baseColor = {0, 1, 0, 1};
     const int red = addClear(test, {1, 0, 0, 0.25F});
     const int blue = addClear(test, {0, 0, 1, 0.5F});

@@ -73,7 +73,7 @@ TEST_P(Sampling, IsTheSameInSmallCrops) {
     options.samples = 4;
     if (GetParam()) options.maxSamples = 64;
     const auto render = [&] {
-        return renderer.render(roomCamera(), test.rig, plain, {}, options, {}, nullptr);
+        return renderer.render(roomCamera(), test.lightSet, plain, {}, options, {}, nullptr);
     };
     const Picture whole = render();
     for (int i = 0; i < 150; ++i) {
@@ -92,7 +92,7 @@ int ownShadows(const std::shared_ptr<Mesh>& mesh, double scale) {
     int dark = 0;
     for (int turn = 0; turn < 9; ++turn) {
         const double angle = 0.1 + 0.33 * turn;
-        test.rig.lights.clear();
+        test.lightSet.lights.clear();
         test.addSun({-std::sin(angle), -0.3, -std::cos(angle)});
         const auto render = [&](bool selfShadow) {
             test.scene.surfaces[0].selfShadow = selfShadow;
@@ -164,7 +164,8 @@ TEST(Robustness, StoppingAndWatching) {
     RenderWatch watch;
     const auto render = [&] {
         const SurfaceShaders plain(kSign + 1);
-        Renderer(test.scene).render(roomCamera(), test.rig, plain, {}, options, watch, nullptr);
+        Renderer(test.scene)
+            .render(roomCamera(), test.lightSet, plain, {}, options, watch, nullptr);
     };
     for (const int most : {0, 16}) {
         options.maxSamples = most;

@@ -55,7 +55,7 @@ void Room::addLights(double radius, double angle) {
     addLight(LightKind::Point, Imath::V3d(0.2, 0.3, 0.5)).position = {2, 3, 4};
     addLight(LightKind::Spot, Imath::V3d(0.5)).position = {0, 0, 6};
     soften(radius, angle);
-    rig.ambient = Imath::V3d(0.1);
+    lightSet.ambient = Imath::V3d(0.1);
 }
 
 Shapes::Shapes(bool unlit) {
@@ -75,7 +75,7 @@ Shapes::Shapes(bool unlit) {
     addSun({0.5, -0.3, -1}, Imath::V3d(0.3));
     addSun({-0.6, 0.2, -1}, Imath::V3d(0.2, 0.3, 0.3));
     addLight(LightKind::Point, Imath::V3d(0.4)).position = {-1, 0, 5};
-    rig.ambient = Imath::V3d(0.1);
+    lightSet.ambient = Imath::V3d(0.1);
 }
 
 std::shared_ptr<Mesh> tangentQuadMesh(double halfSide) {

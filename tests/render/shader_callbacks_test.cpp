@@ -197,7 +197,7 @@ TEST(NormalMap, PointsAlongTheImageAndTurnsWithTheSurface) {
 
 TEST(FlagWord, NamesWhatAShaderMayChange) {
     QuadScene test;
-    test.rig.ambient = V3d(0.5);
+    test.lightSet.ambient = V3d(0.5);
     test.scene.surfaces[0].baseColor = {1, 0, 0, 1};
     const auto paint = [&](std::int32_t flags, float transparency = 0.25F) {
         return colorOf(test, probe(kPaint, flags, 0, 0, 1, transparency));
@@ -225,12 +225,12 @@ TEST(ShaderResults, GlossRemainsWithItsShare) {
     test.addSun({0, 0, -1}, {1, 0.5, 0});
     // Mirrored straight back: the lobe's peak.
     expectColor(gloss(), V3d(0.25, 0.125, 0));
-    test.rig.lights.clear();
+    test.lightSet.lights.clear();
     test.addSun({std::sin(0.5), 0, -std::cos(0.5)});
     expectColor(gloss(), V3d(0.25 * std::pow(std::cos(0.25), 30)));
     test.addSun({0, 0, -1});
-    test.rig.lights.erase(test.rig.lights.begin());
-    const_cast<Light*>(test.rig.lights[0].light)->makesHighlights = false;
+    test.lightSet.lights.erase(test.lightSet.lights.begin());
+    const_cast<Light*>(test.lightSet.lights[0].light)->makesHighlights = false;
     expectColor(gloss(), V3d(0));
 }
 
@@ -259,7 +259,7 @@ TEST(Illumination, AnswersHereAndElsewhere) {
     expectColor(colorOf(shadowed, probe(kMeasureLight, kAll, 0.75F, 0, 0)), V3d(0, 0.25, 0));
 }
 
-TEST(Tracing, GoesOnAlongTheViewingRay) {
+TEST(Tracing, GoesOnAlongTheCameraRay) {
     TestScene test;
     test.addSurface();
     for (int i = 0; i < 3; ++i)
@@ -280,14 +280,14 @@ TEST(Tracing, GoesOnAlongTheViewingRay) {
     }
 }
 
-TEST(Tracing, ShadesWhatItMeets) {
+TEST(Tracing, ShadesWhatItHits) {
     TestScene test;
     test.addSurface();
     Surface& clear = test.addSurface();
     clear.alphaMode = AlphaMode::Blend;
     clear.baseColor = {1, 1, 1, 0};
     test.addSurface().baseColor = {1, 0, 0, 1};
-    test.rig.ambient = V3d(0.5);
+    test.lightSet.ambient = V3d(0.5);
     const Object& own = test.addQuad({2, -2, 0.5}, 4, 0);  // of which one triangle is seen
     test.addQuad({0, 0, 2}, 1, 1);                         // wholly clear: not there
     const Object& red = test.addObject(quadMesh(1), 2, kTurned * M44d().translate(V3d(0, 0, 3)));
@@ -297,7 +297,8 @@ TEST(Tracing, ShadesWhatItMeets) {
     RenderOptions options = squareOptions(1);
     options.samples = 2;
     Renderer(test.scene)
-        .render(frontCamera({0, 0, 1}, 0.5), test.rig, shading, PROBE_MODULE, options, {}, nullptr);
+        .render(frontCamera({0, 0, 1}, 0.5), test.lightSet, shading, PROBE_MODULE, options, {},
+                nullptr);
     // Twice alike, though the first overwrote the record.
     Numbers hit{2.5, 0.5, 0, 0, 0.5, 2.5, asNumber(&red), asNumber(&own)};
     hit.insert(hit.end(), hit.begin(), hit.begin() + 8);
@@ -353,10 +354,10 @@ TEST(Avatars, ZonesAreTheFormulaWhereTheyCanBe) {
         }
         ball.addObject(sphereMesh(1, 128, 64), 0);
         ball.addSun({-1, 0, 0});
-        ball.rig.ambient = V3d(0.25);
+        ball.lightSet.ambient = V3d(0.25);
         const ToonZones zones = toonZones(ball.scene, surface);
         EXPECT_EQ(zones.inexact.empty(), avatar.most == kExact);
-        const std::vector<std::string> lights{ball.rig.lights[0].light->name};
+        const std::vector<std::string> lights{ball.lightSet.lights[0].light->name};
         const Picture picture =
             renderWith(ball, frontCamera({0, 0, 5}, 1), squareOptions(96), TAVORA_MODULE,
                        withChanges(look(), zones.settings, "test", lights));

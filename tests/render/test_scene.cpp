@@ -39,7 +39,7 @@ Light& TestScene::addLight(LightKind kind, const Imath::V3d& color) {
     Light& light = *made_.emplace_back(std::make_unique<Light>());
     light.name = "light " + std::to_string(made_.size());
     light.kind = kind;
-    rig.lights.push_back({&light, color, 1});
+    lightSet.lights.push_back({&light, color, 1});
     return light;
 }
 
@@ -48,7 +48,7 @@ void TestScene::addSun(const Imath::V3d& direction, const Imath::V3d& color) {
 }
 
 void TestScene::soften(double radius, double angle) {
-    for (ResolvedLight& light : rig.lights) {
+    for (ResolvedLight& light : lightSet.lights) {
         light.points = light.light->kind == LightKind::Directional
                            ? directionalLightPoints(*light.light, angle)
                            : punctualLightPoints(*light.light, radius);
@@ -145,7 +145,7 @@ Picture renderWith(const TestScene& test, const Camera& camera, const RenderOpti
     std::optional<SurfaceShader> shader;
     if (block) shader = SurfaceShader{.block = *block};
     const SurfaceShaders shading(test.scene.surfaces.size(), shader);
-    return Renderer(test.scene).render(camera, test.rig, shading, module, options, {}, stats);
+    return Renderer(test.scene).render(camera, test.lightSet, shading, module, options, {}, stats);
 }
 
 Picture renderPlain(const TestScene& test, const Camera& camera, const RenderOptions& options,

@@ -19,7 +19,7 @@ namespace tavora::studio {
 /// functions refer to them by number.
 struct TestScene {
     Scene scene;
-    LightSet rig;
+    LightSet lightSet;
 
     /// A white, opaque, single-sided, rough surface; change it as needed.
     Surface& addSurface();

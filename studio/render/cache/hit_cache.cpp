@@ -24,7 +24,7 @@ TileCache& HitCache::open(std::size_t tile) {
     return tiles_[tile];
 }
 
-double HitCache::keptShare() const {
+double HitCache::cachedFraction() const {
     std::size_t kept = 0;
     for (const TileCache& tile : tiles_)
         kept += tile.keptSamples();

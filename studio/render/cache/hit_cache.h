@@ -29,8 +29,8 @@ class HitCache {
     TileCache& open(std::size_t tile);
 
     std::size_t bytes() const { return budget_.taken(); }
-    /// Share of the samples for which there is room so far, 0..1.
-    double keptShare() const;
+    /// Fraction of the samples for which there is room so far, 0..1.
+    double cachedFraction() const;
     /// Whether there was no room for some sample.
     bool wasExceeded() const { return budget_.wasExceeded(); }
 

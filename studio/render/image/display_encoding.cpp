@@ -67,7 +67,7 @@ unsigned levelOfLight(double linear, unsigned top) {
 /// A channel of a pixel which is laid over others: scene-linear, premultiplied.
 struct Layer {
     double color;
-    double through;  ///< share of what is behind that shows
+    double through;  ///< fraction of what is behind that shows
 
     /// What a display shows, in steps of 255, with `behind` behind.
     double shownOver(double behind) const {

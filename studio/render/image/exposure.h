@@ -8,7 +8,7 @@
 
 namespace tavora::studio {
 
-/// When, while a shutter is open, each of a pixel's samples is taken: shares of that time,
+/// When, while a shutter is open, each of a pixel's samples is taken: fractions of that time,
 /// 0..1, evenly spread over time and, by the order of the samples, over the pixel. The
 /// same for every pixel and every frame, so that what stands still does not flicker.
 /// Formula: the van der Corput sequence of base 3, by rank; the places of samples are of

@@ -27,14 +27,14 @@ struct LiveFrame {
     int width = 0;
     int height = 0;
     std::vector<std::uint8_t> rgba;  ///< sRGB-encoded, not premultiplied, rows from the top
-    double refined = 0;              ///< share of the samples that are in, 0..1; 1: clean
+    double refined = 0;              ///< fraction of the samples that are in, 0..1; 1: clean
     int blockSize = 1;               ///< width in pixels of the blocks it is drawn in
 };
 
 /// What the picture costs, for -v and benchmarks.
 struct LiveStats {
-    std::size_t keptBytes = 0;       ///< of hits and light kept between edits
-    double keptShare = 0;            ///< share of the samples whose hits are kept
+    std::size_t cachedBytes = 0;     ///< of hits and light kept between edits
+    double cachedFraction = 0;       ///< fraction of the samples whose hits are kept
     double firstPictureSeconds = 0;  ///< from the last change to its first whole picture
     std::uint64_t tracedRays = 0;    ///< since the start, shadow rays included
     std::uint64_t evaluations = 0;

@@ -209,14 +209,14 @@ void ProgressiveRenderer::publish(int blockSize, const PreviewWatch& watch) {
 }
 
 void ProgressiveRenderer::countUp() {
-    stats_.keptBytes = cache_->bytes();
-    stats_.keptShare = cache_->keptShare();
+    stats_.cachedBytes = cache_->bytes();
+    stats_.cachedFraction = cache_->cachedFraction();
     stats_.notice.clear();
     if (cache_->wasExceeded()) {
         stats_.notice = fmt::format(
             "{} MB hold the hits of {:.0f}% of the samples: the others are traced anew after each "
             "change; a smaller window or fewer samples would fit",
-            options_.memory >> 20, 100 * stats_.keptShare);
+            options_.memory >> 20, 100 * stats_.cachedFraction);
     }
     stats_.tracedRays = stats_.evaluations = 0;
     for (const auto& worker : workers_) {

@@ -9,7 +9,7 @@ namespace {
 /// Steps of 255 within which samples show the same colour.
 constexpr int kSame = 2;
 
-/// A share is wrong by about a sixth of the uncertainty: by less than from 64 samples spread
+/// A fraction is wrong by about a sixth of the uncertainty: by less than from 64 samples spread
 /// evenly, even where the edge runs along the pixel's sides, and they do best.
 constexpr double kFine = 0.025;
 
@@ -119,15 +119,15 @@ bool EdgeSearch::isDone() const {
 }
 
 std::array<float, 4> EdgeSearch::pixel() const {
-    const double share = edge_.coverage();
+    const double fraction = edge_.coverage();
     std::array<float, 4> near{};
     std::array<float, 4> far{};
     sides_[0].sum.resolve(sides_[0].count, near.data());
     sides_[1].sum.resolve(sides_[1].count, far.data());
     std::array<float, 4> mixed{};
     for (std::size_t i = 0; i < mixed.size(); ++i) {
-        mixed[i] = static_cast<float>(static_cast<double>(near[i]) * (1 - share) +
-                                      static_cast<double>(far[i]) * share);
+        mixed[i] = static_cast<float>(static_cast<double>(near[i]) * (1 - fraction) +
+                                      static_cast<double>(far[i]) * fraction);
     }
     return mixed;
 }

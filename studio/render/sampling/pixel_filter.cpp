@@ -10,7 +10,7 @@ namespace {
 
 constexpr double kBellRadius = 1.5;  // pixels
 
-/// Share of the bell's weight left of `x`, with `x` 0..1 across its width: the
+/// Fraction of the bell's weight left of `x`, with `x` 0..1 across its width: the
 /// integral of the Blackman-Harris window. The coefficients are its own.
 double bellUpTo(double x) {
     const double turn = 2 * std::numbers::pi;
@@ -20,30 +20,30 @@ double bellUpTo(double x) {
     return sum / 0.35875;
 }
 
-/// Where bellUpTo() is `share`.
-double bellPlace(double share) {
+/// Where bellUpTo() is `fraction`.
+double bellPlace(double fraction) {
     double low = 0;
     double high = 1;
     for (int step = 0; step < 40; ++step) {
         const double middle = (low + high) / 2;
-        (bellUpTo(middle) < share ? low : high) = middle;
+        (bellUpTo(middle) < fraction ? low : high) = middle;
     }
     return (low + high) / 2;
 }
 
 /// From -1 to 1 as the weights of a tent are.
-double tentPlace(double share) {
-    return share < 0.5 ? std::sqrt(2 * share) - 1 : 1 - std::sqrt(2 - 2 * share);
+double tentPlace(double fraction) {
+    return fraction < 0.5 ? std::sqrt(2 * fraction) - 1 : 1 - std::sqrt(2 - 2 * fraction);
 }
 
-double spread(PixelFilter filter, double share) {
+double spread(PixelFilter filter, double fraction) {
     switch (filter) {
         case PixelFilter::Tent:
-            return 0.5 + tentPlace(share);
+            return 0.5 + tentPlace(fraction);
         case PixelFilter::BlackmanHarris:
-            return 0.5 + kBellRadius * (2 * bellPlace(share) - 1);
+            return 0.5 + kBellRadius * (2 * bellPlace(fraction) - 1);
         default:
-            return share;
+            return fraction;
     }
 }
 

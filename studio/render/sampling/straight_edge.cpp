@@ -48,9 +48,9 @@ bool StraightEdge::add(const Imath::V2d& position, bool isFar) {
         const Line& last = corners_[(i + count_ - 1) % count_];
         const double here = fits(corner);
         if ((here > 0) != (before > 0)) {
-            const double share = before / (before - here);
-            kept[count++] = {last.height + share * (corner.height - last.height),
-                             last.slope + share * (corner.slope - last.slope)};
+            const double fraction = before / (before - here);
+            kept[count++] = {last.height + fraction * (corner.height - last.height),
+                             last.slope + fraction * (corner.slope - last.slope)};
         }
         if (here > 0) kept[count++] = corner;
         before = here;
@@ -119,8 +119,8 @@ std::array<Imath::V2d, StraightEdge::kProbes> StraightEdge::probes() const {
     std::array<Imath::V2d, kProbes> positions;
     std::size_t next = 0;
     for (const End& end : ends()) {
-        for (const double share : {1.0 / 3, 2.0 / 3}) {
-            const double height = end.least + share * (end.most - end.least);
+        for (const double fraction : {1.0 / 3, 2.0 / 3}) {
+            const double height = end.least + fraction * (end.most - end.least);
             const Imath::V2d position = kCentre + along_ * end.along + across_ * height;
             positions[next++] = {std::clamp(position.x, 0.0, 1.0),
                                  std::clamp(position.y, 0.0, 1.0)};

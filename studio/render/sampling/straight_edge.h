@@ -23,7 +23,7 @@ class StraightEdge {
     /// then tells nothing.
     bool add(const Imath::V2d& position, bool isFar);
 
-    /// Share of the pixel on the far side, 0..1, by the middle of the lines.
+    /// Fraction of the pixel on the far side, 0..1, by the middle of the lines.
     double coverage() const;
 
     /// How far the outermost lines lie apart where the middle one enters and leaves

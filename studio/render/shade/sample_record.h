@@ -6,7 +6,7 @@
 
 namespace tavora::studio {
 
-/// From where a viewing or traced ray comes, as modules see it.
+/// From where a camera ray or traced ray comes, as modules see it.
 struct Viewpoint {
     Imath::V3d position{0, 0, 0};
     Imath::V3d direction{0, 0, -1};  ///< unit, of the ray

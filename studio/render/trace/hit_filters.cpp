@@ -139,7 +139,7 @@ bool isOnEdge(const TrianglePoint& point) {
     return std::min({point.weights[0], point.weights[1], point.weights[2]}) <= kEdge;
 }
 
-/// Whether a hit is the same passage as one before, met by the other triangle.
+/// Whether a hit is the same passage as one before, on the other triangle.
 bool isSamePassage(const HitKey& before, const HitKey& key, const HitAtFilter& at) {
     constexpr float kRounding = 1e-6F;
     return key.mesh == before.mesh && key.distance - before.distance <= kRounding * key.distance &&

@@ -32,7 +32,7 @@ struct HitKey {
 float hitDistance(const Imath::V3f& origin, const Imath::V3f& direction,
                   const std::array<Imath::V3f, 3>& corners);
 
-/// Share of a distance by which two hits must lie apart for Embree to tell which
+/// Fraction of a distance by which two hits must lie apart for Embree to tell which
 /// comes first: several times as much as its distances are off.
 inline constexpr float kDistanceDoubt = 1.0F / (1 << 19);
 

@@ -292,7 +292,7 @@ RTCGeometry RayScene::newInstance(const SceneMesh& source) {
 /// The key of a hit of the ray. What an instance is traced by, Embree knows alone; so
 /// the ray is sent once more to ask, along the stretch where the hit must be.
 HitKey RayScene::keyOf(const RTCRayHit& rayHit, const Hit& hit) const {
-    constexpr float kAround = 1e-3F;  // share of the distance; far more than rounding
+    constexpr float kAround = 1e-3F;  // fraction of the distance; far more than rounding
     const MeshGeometry& geometry = geometries_[hit.mesh];
     const RTCRay& ray = rayHit.ray;
     const float distance =

@@ -30,7 +30,7 @@ struct OcclusionState;
 
 /// The scene's triangles, ready for rays. Any number of threads may trace.
 ///
-/// Viewing rays pass the backs of single-sided surfaces and what is cut out.
+/// Camera rays pass the backs of single-sided surfaces and what is cut out.
 /// Shadow rays stop at backs too: a wall without a back still keeps light out.
 class RayScene {
   public:
@@ -71,11 +71,11 @@ class RayScene {
     /// False only where no triangle lies within `radius` of a position in the world.
     bool mayTouch(const Imath::V3d& position, double radius) const;
 
-    /// The first hit of a viewing ray after `after`, which it meets (none: from its
-    /// start). False when there is none; then `hit` is none.
+    /// The first hit of a camera ray after its hit `after` (none: from its start). False when
+    /// there is none; then `hit` is none.
     bool nextHit(const Ray& ray, const Hit& after, Hit& hit) const;
 
-    /// Share of the light that passes along `ray`: 0 behind anything solid, the
+    /// Fraction of the light that passes along `ray`: 0 behind anything solid, the
     /// product of the transparencies of clear surfaces on the way otherwise.
     double transmittance(const Ray& ray) const;
     /// The same along a ray as Embree takes it, with the state that it starts with.

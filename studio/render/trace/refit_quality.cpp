@@ -31,8 +31,8 @@ std::uint32_t curvePlace(const V3f& point, const Box3f& box) {
     std::uint32_t code = 0;
     for (int axis = 0; axis < 3; ++axis) {
         const float size = box.max[axis] - box.min[axis];
-        const float share = size > 0 ? (point[axis] - box.min[axis]) / size : 0;
-        const auto cell = static_cast<std::uint32_t>(std::clamp(share, 0.0F, 1.0F) * 1023.0F);
+        const float fraction = size > 0 ? (point[axis] - box.min[axis]) / size : 0;
+        const auto cell = static_cast<std::uint32_t>(std::clamp(fraction, 0.0F, 1.0F) * 1023.0F);
         code |= spreadBits(cell) << static_cast<unsigned>(axis);
     }
     return code;
