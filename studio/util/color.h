@@ -10,7 +10,8 @@ namespace tavora::studio {
 double toLinear(double encoded);
 double toEncoded(double linear);
 
-/// toLinear() of each number, into as many of `linear`.
+/// The same of many numbers, into as many of the result, which may be where they are.
 void toLinear(std::span<const double> encoded, std::span<double> linear);
+void toEncoded(std::span<const double> linear, std::span<double> encoded);
 
 }  // namespace tavora::studio

@@ -8,8 +8,14 @@
 namespace tavora::studio {
 namespace {
 
-Imath::V3d mapChannels(const Imath::V3d& v, double (*map)(double)) {
-    return {map(v.x), map(v.y), map(v.z)};
+Imath::V3d linearOf(Imath::V3d encoded) {
+    toLinear({&encoded.x, 3}, {&encoded.x, 3});
+    return encoded;
+}
+
+Imath::V3d encodedOf(Imath::V3d linear) {
+    toEncoded({&linear.x, 3}, {&linear.x, 3});
+    return linear;
 }
 
 bool hasTransparentTexels(const Image& image) {
@@ -69,14 +75,14 @@ Imath::V3d baseColor(const SceneIndex& scene, const Material& material, const Me
         color = {texel.x, texel.y, texel.z};
         if (material.isWhite && !tinted) return color;
     }
-    color = mapChannels(color, toLinear);
+    color = linearOf(color);
     const Imath::V4f& factor = surface.baseColor;
     color *= Imath::V3d(Imath::V3f(factor.x, factor.y, factor.z));
     if (tinted) {
         const Imath::V4d tint = vertexColor(point);
         color *= Imath::V3d(tint.x, tint.y, tint.z);
     }
-    return mapChannels(color, toEncoded);
+    return encodedOf(color);
 }
 
 /// Display-referred.
@@ -84,9 +90,9 @@ Imath::V3d emission(const SceneIndex& scene, const Surface& surface, const MeshP
     Imath::V3d light(surface.emissive);
     if (surface.emissiveTexture) {
         const Imath::V4d texel = lookUpTexture(scene, *surface.emissiveTexture, point);
-        light *= mapChannels({texel.x, texel.y, texel.z}, toLinear);
+        light *= linearOf({texel.x, texel.y, texel.z});
     }
-    return mapChannels(light, toEncoded);
+    return encodedOf(light);
 }
 
 void addEmission(BaseColor& base, const Imath::V3d& emitted) {
@@ -114,7 +120,7 @@ Material materialOf(const Surface& surface, const SceneIndex& scene) {
     material.roughness = surface.roughness;
     material.alphaMode = effectiveAlphaMode(surface, scene);
     const Imath::V3f factor(surface.baseColor.x, surface.baseColor.y, surface.baseColor.z);
-    material.color = mapChannels(Imath::V3d(factor), toEncoded);
+    material.color = encodedOf(Imath::V3d(factor));
     material.isWhite = factor == Imath::V3f(1.0F);
     material.isEmissive = surface.emissive != Imath::V3f(0.0F);
     const auto roughness = static_cast<double>(surface.roughness);
