@@ -40,7 +40,7 @@ double toEncoded(double linear) {
 namespace {
 
 /// So many numbers are converted at once.
-constexpr std::size_t kBlock = 32;
+constexpr std::size_t kBlock = 8;
 
 /// Calls `convert(first, count)` for blocks of as many numbers.
 template <class Convert>
@@ -65,23 +65,6 @@ void toLinear(std::span<const double> encoded, std::span<double> linear) {
             const double size = std::abs(v);
             const double result = size <= 0.04045 ? size / 12.92 : squares[i] * roots[i];
             linear[first + i] = std::copysign(result, v);
-        }
-    });
-}
-
-void toEncoded(std::span<const double> linear, std::span<double> encoded) {
-    inBlocks(linear.size(), [&](std::size_t first, std::size_t count) {
-        double sizes[kBlock] = {};
-        double roots[kBlock] = {};
-        for (std::size_t i = 0; i < count; ++i)
-            sizes[i] = std::abs(linear[first + i]);
-        deterministic::cubeRoots(sizes, count, roots);
-        for (std::size_t i = 0; i < count; ++i) {
-            const double size = sizes[i];
-            const double power = std::sqrt(std::sqrt(size)) * std::sqrt(roots[i]);
-            const double curve = size == 1 ? 1 : 1.055 * power - 0.055;
-            encoded[first + i] =
-                std::copysign(size <= 0.0031308 ? size * 12.92 : curve, linear[first + i]);
         }
     });
 }

@@ -10,8 +10,7 @@ namespace tavora::studio {
 double toLinear(double encoded);
 double toEncoded(double linear);
 
-/// The same of many numbers, into as many of the result, which may be where they are.
+/// toLinear() of many numbers, into as many of the result, which may be where they are.
 void toLinear(std::span<const double> encoded, std::span<double> linear);
-void toEncoded(std::span<const double> linear, std::span<double> encoded);
 
 }  // namespace tavora::studio

@@ -62,11 +62,6 @@ inline void rootsOf(const double* x, std::size_t count, double* roots) {
 }  // namespace
 
 TAVORA_VECTOR_LOOPS
-void cubeRoots(const double* x, std::size_t count, double* roots) {
-    rootsOf<3>(x, count, roots);
-}
-
-TAVORA_VECTOR_LOOPS
 void fifthRoots(const double* x, std::size_t count, double* roots) {
     rootsOf<5>(x, count, roots);
 }

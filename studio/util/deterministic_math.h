@@ -12,8 +12,7 @@ namespace tavora::studio::deterministic {
 /// infinity.
 double cubeRoot(double x);
 double fifthRoot(double x);
-/// The same of `count` numbers into as many of `roots`, which lie apart from `x`.
-void cubeRoots(const double* x, std::size_t count, double* roots);
+/// fifthRoot() of `count` numbers into as many of `roots`, which lie apart from `x`.
 void fifthRoots(const double* x, std::size_t count, double* roots);
 
 /// x^n by repeated multiplication; the rounding errors of all multiplications accumulate.

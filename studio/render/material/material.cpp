@@ -8,14 +8,12 @@
 namespace tavora::studio {
 namespace {
 
-Imath::V3d linearOf(Imath::V3d encoded) {
-    toLinear({&encoded.x, 3}, {&encoded.x, 3});
-    return encoded;
+Imath::V3d linearOf(const Imath::V3d& encoded) {
+    return {toLinear(encoded.x), toLinear(encoded.y), toLinear(encoded.z)};
 }
 
-Imath::V3d encodedOf(Imath::V3d linear) {
-    toEncoded({&linear.x, 3}, {&linear.x, 3});
-    return linear;
+Imath::V3d encodedOf(const Imath::V3d& linear) {
+    return {toEncoded(linear.x), toEncoded(linear.y), toEncoded(linear.z)};
 }
 
 bool hasTransparentTexels(const Image& image) {
