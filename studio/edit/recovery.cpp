@@ -20,7 +20,7 @@ constexpr std::size_t kMostBytes = std::size_t{1} << 30;
 constexpr std::size_t kMostNameBytes = 100;  // of the scene's name, which is only there for people
 constexpr const char* kLockSuffix = ".lock";
 
-/// Empty when the environment names none. The XDG Base Directory Specification says to ignore
+/// Empty when the environment names none. Desktop programs agree (XDG base directories) to ignore
 /// relative paths.
 fs::path recoveryFolder() {
     const char* state = std::getenv("XDG_STATE_HOME");

@@ -34,7 +34,7 @@ void setSettingsFolder(const fs::path& folder) {
 std::optional<fs::path> settingsFolder() {
     if (!overridden.empty()) return overridden;
     if (fs::path folder = fromEnvironment("TAVORA_DEFAULTS"); !folder.empty()) return folder;
-    // The XDG Base Directory Specification says to ignore relative paths.
+    // Desktop programs agree (XDG base directories) to ignore relative paths.
     if (const fs::path base = fromEnvironment("XDG_CONFIG_HOME"); base.is_absolute()) {
         return base / "tavora";
     }
