@@ -45,11 +45,8 @@ HostItemId next(HostItemId item) {
     if (binding == nullptr) return nullptr;
     // Lights are tested first, since shaders iterate over them in every sample.
     const std::vector<ResolvedLight>& lights = binding->lights().lights;
-    const std::ptrdiff_t light = lightIndex(binding->lights(), item);
-    if (light >= 0) {
-        const auto after = static_cast<std::size_t>(light) + 1;
-        return after < lights.size() ? itemId(lights[after]) : nullptr;
-    }
+    if (const auto light = lightIndex(binding->lights(), item))
+        return *light + 1 < lights.size() ? itemId(lights[*light + 1]) : nullptr;
     if (const auto camera = cameraIndex(binding->scene().scene(), item))
         return itemAt(*binding, HOST_ITEM_CAMERA, *camera + 1);
     if (const auto object = binding->scene().objectIndex(item))
@@ -61,10 +58,8 @@ const char* name(HostItemId item) {
     const ServiceBinding* binding = ServiceBinding::current();
     if (binding == nullptr) return nullptr;
     const Scene& scene = binding->scene().scene();
-    const std::ptrdiff_t light = lightIndex(binding->lights(), item);
-    if (light >= 0) {
-        return binding->lights().lights[static_cast<std::size_t>(light)].light->name.c_str();
-    }
+    if (const auto light = lightIndex(binding->lights(), item))
+        return binding->lights().lights[*light].light->name.c_str();
     if (const auto camera = cameraIndex(scene, item)) return scene.cameras[*camera].name.c_str();
     if (const auto object = binding->scene().objectIndex(item))
         return scene.objects[*object]->name.c_str();

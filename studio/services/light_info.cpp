@@ -1,29 +1,24 @@
 #include <algorithm>
 
+#include "studio/scene/vectors.h"
 #include "studio/services/service_binding.h"
 #include "studio/services/service_tables.h"
 
 namespace tavora::studio {
 namespace {
 
-void fill(const Imath::V3d& from, double to[3]) {
-    to[0] = from.x;
-    to[1] = from.y;
-    to[2] = from.z;
-}
-
 const ResolvedLight* find(HostItemId light) {
     const ServiceBinding* binding = ServiceBinding::current();
     if (binding == nullptr) return nullptr;
-    const std::ptrdiff_t index = lightIndex(binding->lights(), light);
-    return index < 0 ? nullptr : &binding->lights().lights[static_cast<std::size_t>(index)];
+    const auto index = lightIndex(binding->lights(), light);
+    return index ? &binding->lights().lights[*index] : nullptr;
 }
 
 /// Ignores the time, like color(): lights are resolved for the time of the frame.
 void ambient(double /*seconds*/, double color[3]) {
     const ServiceBinding* binding = ServiceBinding::current();
     if (binding != nullptr) {
-        fill(binding->lights().ambient, color);
+        writeVector(binding->lights().ambient, color);
     } else {
         std::fill_n(color, 3, 0.0);
     }
@@ -41,7 +36,7 @@ int flags(HostItemId light) {
 
 void color(HostItemId light, double /*seconds*/, double result[3]) {
     const ResolvedLight* resolved = find(light);
-    fill(resolved == nullptr ? Imath::V3d(0) : resolved->color, result);
+    writeVector(resolved == nullptr ? Imath::V3d(0) : resolved->color, result);
 }
 
 }  // namespace

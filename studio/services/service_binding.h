@@ -1,5 +1,8 @@
 #pragma once
 
+#include <cstdint>
+#include <optional>
+
 #include "studio/scene/lighting/light_set.h"
 #include "studio/services/scene_index.h"
 
@@ -33,13 +36,13 @@ inline HostItemId itemId(const ResolvedLight& light) {
     return reinterpret_cast<HostItemId>(const_cast<ResolvedLight*>(&light));
 }
 
-/// The index of a light in `lights.lights`, or -1 when it is none of them.
-inline std::ptrdiff_t lightIndex(const LightSet& lights, HostItemId id) {
+/// The index of a light in `lights.lights`; empty when it is none of them.
+inline std::optional<std::size_t> lightIndex(const LightSet& lights, HostItemId id) {
     const auto first = reinterpret_cast<std::uintptr_t>(lights.lights.data());
     const auto offset = reinterpret_cast<std::uintptr_t>(id) - first;  // wraps for others
-    if (id == nullptr || offset % sizeof(ResolvedLight) != 0) return -1;
+    if (id == nullptr || offset % sizeof(ResolvedLight) != 0) return std::nullopt;
     const std::uintptr_t index = offset / sizeof(ResolvedLight);
-    return index < lights.lights.size() ? static_cast<std::ptrdiff_t>(index) : -1;
+    return index < lights.lights.size() ? std::optional<std::size_t>(index) : std::nullopt;
 }
 
 }  // namespace tavora::studio

@@ -37,36 +37,4 @@ double toEncoded(double linear) {
     return linear < 0 ? -encode(-linear) : encode(linear);
 }
 
-namespace {
-
-/// So many numbers are converted at once.
-constexpr std::size_t kBlock = 8;
-
-/// Calls `convert(first, count)` for blocks of as many numbers.
-template <class Convert>
-void inBlocks(std::size_t count, const Convert& convert) {
-    for (std::size_t first = 0; first < count; first += kBlock)
-        convert(first, std::min(kBlock, count - first));
-}
-
-}  // namespace
-
-void toLinear(std::span<const double> encoded, std::span<double> linear) {
-    inBlocks(encoded.size(), [&](std::size_t first, std::size_t count) {
-        double squares[kBlock] = {};
-        double roots[kBlock] = {};
-        for (std::size_t i = 0; i < count; ++i) {
-            const double base = (std::abs(encoded[first + i]) + 0.055) / 1.055;
-            squares[i] = base * base;
-        }
-        deterministic::fifthRoots(squares, count, roots);
-        for (std::size_t i = 0; i < count; ++i) {
-            const double v = encoded[first + i];
-            const double size = std::abs(v);
-            const double result = size <= 0.04045 ? size / 12.92 : squares[i] * roots[i];
-            linear[first + i] = std::copysign(result, v);
-        }
-    });
-}
-
 }  // namespace tavora::studio

@@ -1,7 +1,5 @@
 #pragma once
 
-#include <span>
-
 /// Conversions between display-referred (sRGB-encoded) and scene-linear values. Formula:
 /// IEC 61966-2-1, extended above 1 by the same power law and below 0 by symmetry. The same
 /// results on every processor. Any thread.
@@ -9,8 +7,5 @@ namespace tavora::studio {
 
 double toLinear(double encoded);
 double toEncoded(double linear);
-
-/// toLinear() of many numbers, into as many of the result, which may be where they are.
-void toLinear(std::span<const double> encoded, std::span<double> linear);
 
 }  // namespace tavora::studio

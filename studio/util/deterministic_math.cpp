@@ -6,8 +6,6 @@
 #include <limits>
 #include <sleef.h>
 
-#include "studio/util/vector_loops.h"
-
 namespace tavora::studio::deterministic {
 namespace {
 
@@ -35,36 +33,7 @@ double rootOf(double x) {
     return root;
 }
 
-/// Roots of a few numbers at once, each as rootOf() gives it: step by step for all of them,
-/// so that none waits for another's divisions.
-template <unsigned N>
-inline void rootsOf(const double* x, std::size_t count, double* roots) {
-    constexpr std::uint64_t kOne = std::bit_cast<std::uint64_t>(1.0);
-    constexpr int kSteps = 3;
-    for (std::size_t i = 0; i < count; ++i)
-        roots[i] =
-            std::bit_cast<double>(std::bit_cast<std::uint64_t>(x[i]) / N + (kOne - kOne / N));
-    for (int step = 0; step < kSteps; ++step) {
-        TAVORA_NO_ALIASES
-        for (std::size_t i = 0; i < count; ++i) {
-            double power = roots[i];
-            for (unsigned k = 1; k < N; ++k)
-                power *= roots[i];
-            roots[i] += roots[i] * (2 * (x[i] - power) / ((N + 1) * power + (N - 1) * x[i]));
-        }
-    }
-    constexpr double kLarge = 1e300;
-    for (std::size_t i = 0; i < count; ++i) {
-        if (!(x[i] > 0 && x[i] <= kLarge)) roots[i] = rootOf<N>(x[i]);
-    }
-}
-
 }  // namespace
-
-TAVORA_VECTOR_LOOPS
-void fifthRoots(const double* x, std::size_t count, double* roots) {
-    rootsOf<5>(x, count, roots);
-}
 
 double cubeRoot(double x) {
     return rootOf<3>(x);

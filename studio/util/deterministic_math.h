@@ -1,7 +1,5 @@
 #pragma once
 
-#include <cstddef>
-
 /// Elementary functions with the same results, bit by bit, on every processor, so that pictures
 /// are the same too. Those of the C library differ in the last place between processors with
 /// and without fused multiply-add. Most of these are SLEEF's functions without fused
@@ -12,8 +10,6 @@ namespace tavora::studio::deterministic {
 /// infinity.
 double cubeRoot(double x);
 double fifthRoot(double x);
-/// fifthRoot() of `count` numbers into as many of `roots`, which lie apart from `x`.
-void fifthRoots(const double* x, std::size_t count, double* roots);
 
 /// x^n by repeated multiplication; the rounding errors of all multiplications accumulate.
 double power(double x, unsigned n);

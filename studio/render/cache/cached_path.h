@@ -68,6 +68,32 @@ class CachedPath {
     std::size_t pixel_ = kNoPixel;
 };
 
+/// A hit on a cached path, or the path's start; or, by default, none that is cached: nothing is
+/// known then, and nothing is kept.
+struct CachedHit {
+    CachedPath* path = nullptr;
+    CachedPath::Node node = CachedPath::kStart;
+
+    bool isCached() const { return path != nullptr; }
+    /// These are CachedPath's, at `node`.
+    CachedPath::Step next(Hit& hit) {
+        return isCached() ? path->next(node, hit) : CachedPath::Step::Unknown;
+    }
+    void keep(const Hit& hit) {
+        if (isCached()) path->keep(node, hit);
+    }
+    Visibility visibility(std::size_t light) const {
+        return isCached() ? path->visibility(node, light) : Visibility();
+    }
+    void keepVisibility(std::size_t light, Visibility visibility) const {
+        if (isCached()) path->keepVisibility(node, light, visibility);
+    }
+    const BaseColor* baseColor() const { return isCached() ? path->baseColor(node) : nullptr; }
+    void keepBaseColor(const BaseColor& color) const {
+        if (isCached()) path->keepBaseColor(node, color);
+    }
+};
+
 /// Bytes that the cache may take, and has taken. Any thread.
 class CacheBudget {
   public:

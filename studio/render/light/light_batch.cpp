@@ -48,27 +48,17 @@ inline void sampleAll(const PunctualLight& shared, const Vectors& at, std::size_
 }
 
 TAVORA_VECTOR_LOOPS
-void samplePoints(const PunctualLight& light, const Vectors& at, std::size_t count,
-                  const PunctualSamples& samples) {
-    sampleAll<false, false>(light, at, count, samples);
-}
-
-TAVORA_VECTOR_LOOPS
-void sampleFallingPoints(const PunctualLight& light, const Vectors& at, std::size_t count,
-                         const PunctualSamples& samples) {
-    sampleAll<false, true>(light, at, count, samples);
-}
-
-TAVORA_VECTOR_LOOPS
-void sampleSpots(const PunctualLight& light, const Vectors& at, std::size_t count,
-                 const PunctualSamples& samples) {
-    sampleAll<true, false>(light, at, count, samples);
-}
-
-TAVORA_VECTOR_LOOPS
-void sampleFallingSpots(const PunctualLight& light, const Vectors& at, std::size_t count,
-                        const PunctualSamples& samples) {
-    sampleAll<true, true>(light, at, count, samples);
+void sampleAll(bool isSpot, bool hasFalloff, const PunctualLight& light, const Vectors& at,
+               std::size_t count, const PunctualSamples& samples) {
+    if (isSpot && hasFalloff) {
+        sampleAll<true, true>(light, at, count, samples);
+    } else if (isSpot) {
+        sampleAll<true, false>(light, at, count, samples);
+    } else if (hasFalloff) {
+        sampleAll<false, true>(light, at, count, samples);
+    } else {
+        sampleAll<false, false>(light, at, count, samples);
+    }
 }
 
 /// How a point faces a light: its shading normal turns away, or towards it, or no light gets
@@ -173,7 +163,7 @@ void LightBatch::begin(const ShadingPoints& points, std::span<const PriorVisibil
     priors_ = priors;
     haveCaches_ = haveNeighbours_ = false;
     for (const PriorVisibility& prior : priors) {
-        haveCaches_ |= prior.cache != nullptr;
+        haveCaches_ |= prior.cached.isCached();
         haveNeighbours_ |= prior.neighbours != nullptr;
     }
     for (LightArrays& light : arrays_)
@@ -198,11 +188,8 @@ LightBatch::LightArrays& LightBatch::begun(std::size_t light) {
     std::fill_n(arrays.visibilities.begin(), count, Visibility());
     if (!arrays.isSampled.empty()) std::fill_n(arrays.isSampled.begin(), count, std::uint8_t{0});
     if (!haveCaches_) return arrays;
-    for (std::size_t i = 0; i < count; ++i) {
-        const PriorVisibility& prior = priors_[i];
-        if (prior.cache != nullptr)
-            arrays.visibilities[i] = prior.cache->visibility(prior.node, light);
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        arrays.visibilities[i] = priors_[i].cached.visibility(light);
     return arrays;
 }
 
@@ -211,16 +198,11 @@ void LightBatch::sample(std::size_t light, const PointRange& range) {
     const std::size_t first = range.first;
     const std::size_t count = range.last - range.first;
     const ResolvedLight& resolved = lights_->lights[light];
-    const PunctualLight punctual(resolved);
     const Vectors at = vectorsOf(points_->positions(), first);
     const PunctualSamples samples{&arrays.x[first], &arrays.y[first], &arrays.z[first],
                                   &arrays.distances[first], &arrays.levels[first]};
-    const bool isSpot = resolved.light->kind == LightKind::Spot;
-    if (lights_->falloff) {
-        (isSpot ? sampleFallingSpots : sampleFallingPoints)(punctual, at, count, samples);
-    } else {
-        (isSpot ? sampleSpots : samplePoints)(punctual, at, count, samples);
-    }
+    sampleAll(resolved.light->kind == LightKind::Spot, lights_->falloff, PunctualLight(resolved),
+              at, count, samples);
     std::fill_n(arrays.isSampled.begin() + range.first, count, std::uint8_t{1});
 }
 
@@ -290,9 +272,7 @@ void LightBatch::find(std::size_t light, std::span<const PointRange> ranges) {
 
 void LightBatch::set(std::size_t light, std::size_t point, Visibility visibility) {
     arrays_[light].visibilities[point] = visibility;
-    if (!haveCaches_) return;
-    const PriorVisibility& prior = priors_[point];
-    if (prior.cache != nullptr) prior.cache->keepVisibility(prior.node, light, visibility);
+    if (haveCaches_) priors_[point].cached.keepVisibility(light, visibility);
 }
 
 /// Whether a ray has to tell how much of the light reaches a point of the range at work. Says
@@ -455,10 +435,8 @@ bool LightBatch::illuminateElsewhere(std::size_t light, std::size_t point, const
         visibility =
             traceVisibility(*scene_, start, resolved, position, *sample, nullptr, shadowRays_);
     }
-    for (int i = 0; i < 3; ++i) {
-        direction[i] = sample->direction[i];
-        color[i] = sample->color[i] * visibility;
-    }
+    writeVector(sample->direction, direction);
+    writeVector(sample->color * visibility, color);
     return visibility > 0;
 }
 

@@ -13,14 +13,14 @@
 #include "studio/render/surface/shading_points.h"
 #include "studio/render/trace/occlusion.h"
 #include "studio/scene/lighting/light_sample.h"
+#include "studio/scene/vectors.h"
 
 namespace tavora::studio {
 
 /// What is known of the lights at a point before any ray is traced.
 struct PriorVisibility {
-    const LightBits* neighbours = nullptr;  ///< null: nothing
-    CachedPath* cache = nullptr;            ///< null: nothing, and nothing is kept
-    CachedPath::Node node = CachedPath::kStart;
+    const LightBits* neighbours = nullptr;  ///< as the pixels around saw them; null: nothing
+    CachedHit cached;                       ///< the point's hit
 };
 
 /// The lights at a batch of shading points: what each brings to each point, and how much of
@@ -38,6 +38,9 @@ class LightBatch {
     /// each point. Both must stay as they are until the next call.
     void begin(const ShadingPoints& points, std::span<const PriorVisibility> priors);
 
+    /// Whether what becomes known of some point is cached.
+    bool isCached() const { return haveCaches_; }
+
     /// Works a light out for the points of `ranges` that face it.
     void find(std::size_t light, std::span<const PointRange> ranges);
 
@@ -53,12 +56,12 @@ class LightBatch {
         if (!(visibility > 0)) return false;
         const ResolvedLight& resolved = lights_->lights[light];
         if (arrays.isSampled.empty()) {
-            write(resolved.light->direction, direction);
-            write(resolved.color * visibility, color);
+            writeVector(resolved.light->direction, direction);
+            writeVector(resolved.color * visibility, color);
             return true;
         }
-        write({arrays.x[point], arrays.y[point], arrays.z[point]}, direction);
-        write(resolved.color * arrays.levels[point] * visibility, color);
+        writeVector({arrays.x[point], arrays.y[point], arrays.z[point]}, direction);
+        writeVector(resolved.color * arrays.levels[point] * visibility, color);
         return true;
     }
 
@@ -88,11 +91,6 @@ class LightBatch {
         std::vector<double> x, y, z, distances, levels;
     };
 
-    static void write(const Imath::V3d& from, double to[3]) {
-        to[0] = from.x;
-        to[1] = from.y;
-        to[2] = from.z;
-    }
     bool workOut(std::size_t light, std::size_t point);
     LightArrays& begun(std::size_t light);
     bool isDirectional(std::size_t light) const {

@@ -163,8 +163,8 @@ void LivePicture::Parts::work() {
     }
 }
 
-/// Waits for a request that can be painted, and lets go of the scene while its owner holds
-/// it. False when all is to end.
+/// Waits for a request that can be rendered, and releases the scene while its owner holds it. False
+/// when all is to end.
 bool LivePicture::Parts::take(PreviewRequest& wanted) {
     std::unique_lock lock(mutex);
     for (;;) {

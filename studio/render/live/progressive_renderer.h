@@ -19,14 +19,14 @@
 
 namespace tavora::studio {
 
-/// How a live picture talks to its owner while it is painted.
+/// How a live picture talks to its owner while it is rendered.
 struct PreviewWatch {
     std::function<bool()> superseded;          ///< something else is requested; any thread
     std::function<bool()> ending;              ///< nothing is requested any more; any thread
     std::function<void(LiveFrame)> published;  ///< called by the renderer's thread
 };
 
-/// Brings a framebuffer in line with one request after the other, on a team of threads.
+/// Brings a framebuffer in line with one request after the other, on workers of its own.
 /// One thread, always the same.
 class ProgressiveRenderer {
   public:
@@ -34,7 +34,7 @@ class ProgressiveRenderer {
     ProgressiveRenderer(const RayScene& scene, std::filesystem::path module,
                         const LiveOptions& options);
 
-    /// Paints until the picture is clean or, once a first picture is out, `request`
+    /// Renders until the picture is clean or, once a first picture is out, `request`
     /// is superseded. That first one is not dropped: while changes come faster
     /// than pictures, something must be seen. What it throws (Fault::Module,
     /// std::bad_alloc) leaves it ready for another try.

@@ -62,7 +62,7 @@ bool isIn(const PixelBox& box, int x, int y) {
     return x >= box.left && x < box.right && y >= box.top && y < box.bottom;
 }
 
-PixelState* roomFor(const PixelBox& area) {
+PixelState* allocate(const PixelBox& area) {
     static_assert(std::is_trivially_destructible_v<PixelState>);
     const auto count =
         static_cast<std::size_t>(area.width()) * static_cast<std::size_t>(area.height());
@@ -100,14 +100,14 @@ void widenSides(PixelState& pixel, const Imath::V2d& position, std::uint8_t leve
 }  // namespace
 
 AdaptiveSampler::AdaptiveSampler(const PixelBox& window, const PixelBox& whole)
-    : window_(window), area_(grown(window, kReach, whole)), pixels_(roomFor(area_)) {}
+    : window_(window), area_(grown(window, kReach, whole)), pixels_(allocate(area_)) {}
 
 void AdaptiveSampler::begin(const PixelBox& tile) {
-    const PixelBox needsSamples = grown(window_, kDecisionsWithNeighbours, area_);
+    const PixelBox near = grown(window_, kDecisionsWithNeighbours, area_);
     for (int y = tile.top; y < tile.bottom; ++y) {
         for (int x = tile.left; x < tile.right; ++x) {
             PixelState& pixel = *std::construct_at(&pixels_[offset(x, y)]);
-            pixel.needsSamples = isIn(needsSamples, x, y);
+            pixel.needsSamples = isIn(near, x, y);
         }
     }
 }
@@ -165,7 +165,7 @@ bool AdaptiveSampler::differsFromNeighbours(int x, int y) const {
 }
 
 /// Whether what a neighbour shows near `side`, which it shares with `pixel`, is
-/// another colour than the pixel's: a edge between both may go on in there.
+/// another colour than the pixel's: an edge between both may go on in there.
 bool AdaptiveSampler::isEdgeReaching(const PixelState& pixel, int x, int y,
                                      std::size_t side) const {
     if (!isIn(area_, x, y)) return false;
@@ -184,7 +184,7 @@ bool AdaptiveSampler::isEdgeReaching(int x, int y) const {
 }
 
 bool AdaptiveSampler::needsMore(int x, int y, int decision) const {
-    // What a pixel's first few samples missed, its neighbours' may have met.
+    // What a pixel's first few samples missed, its neighbours' may have hit.
     if (decision == 1) return differsFromNeighbours(x, y);
     const PixelState& pixel = at(x, y);
     if (!pixel.needsSamples) return false;
@@ -194,13 +194,13 @@ bool AdaptiveSampler::needsMore(int x, int y, int decision) const {
 
 std::size_t AdaptiveSampler::decide(const PixelBox& tile, int decision) {
     std::size_t count = 0;
-    // Pixels around the window matter as far as later rounds look at them.
+    // Pixels around the window matter as far as later passes look at them.
     const PixelBox judged = grown(window_, std::max(kDecisionsWithNeighbours - decision, 0), area_);
     for (int y = tile.top; y < tile.bottom; ++y) {
         for (int x = tile.left; x < tile.right; ++x) {
-            const bool wants = isIn(judged, x, y) && needsMore(x, y, decision);
-            pixels_[offset(x, y)].needsSamples = wants;
-            count += wants ? 1U : 0U;
+            const bool needs = isIn(judged, x, y) && needsMore(x, y, decision);
+            pixels_[offset(x, y)].needsSamples = needs;
+            count += needs ? 1U : 0U;
         }
     }
     return count;

@@ -44,10 +44,11 @@ bool isSame(const Pixel8& a, const Pixel8& b) {
     return distance(a, b) <= kSame;
 }
 
-/// Which of two colours it is; -1: neither, or either.
-int whichOf(const Pixel8& encoded, const Pixel8& near, const Pixel8& far) {
+/// Which of two colours it is: 0 or 1; empty where it is neither, or either.
+std::optional<std::size_t> sideOfColor(const Pixel8& encoded, const Pixel8& near,
+                                       const Pixel8& far) {
     const bool isNear = isSame(encoded, near);
-    if (isNear == isSame(encoded, far)) return -1;
+    if (isNear == isSame(encoded, far)) return std::nullopt;
     return isNear ? 0 : 1;
 }
 
@@ -66,27 +67,26 @@ std::optional<EdgeSearch> EdgeSearch::begin(std::span<const Imath::V2d> position
     std::array<Imath::V2d, 2> sums{Imath::V2d(0), Imath::V2d(0)};
     std::array<int, 2> counts{};
     for (std::size_t i = 0; i < encoded.size(); ++i) {
-        const int side = whichOf(encoded[i], sides[0].encoded, sides[1].encoded);
-        if (side < 0) return {};
-        sums[static_cast<std::size_t>(side)] += positions[i];
-        ++counts[static_cast<std::size_t>(side)];
+        const auto side = sideOfColor(encoded[i], sides[0].encoded, sides[1].encoded);
+        if (!side) return {};
+        sums[*side] += positions[i];
+        ++counts[*side];
     }
     StraightEdge edge(sums[0] / counts[0], sums[1] / counts[1]);
     for (std::size_t i = 0; i < encoded.size(); ++i) {
-        const bool isFar = whichOf(encoded[i], sides[0].encoded, sides[1].encoded) == 1;
+        const bool isFar = sideOfColor(encoded[i], sides[0].encoded, sides[1].encoded) == 1U;
         if (!edge.add(positions[i], isFar)) return {};
     }
     return EdgeSearch(sides, edge, cornersWithoutSample(positions, edge.probes()));
 }
 
-void EdgeSearch::color(int side, const Radiance& radiance) {
-    Side& seen = sides_[static_cast<std::size_t>(side)];
-    seen.sum.add(radiance);
-    ++seen.count;
+void EdgeSearch::addColor(std::size_t side, const Radiance& radiance) {
+    sides_[side].sum.add(radiance);
+    ++sides_[side].count;
 }
 
-void EdgeSearch::color(const Radiance& radiance) {
-    color(sideOf(radiance), radiance);
+void EdgeSearch::addColor(const Radiance& radiance) {
+    if (const auto side = sideOf(radiance)) addColor(*side, radiance);
 }
 
 EdgeSearch::Positions EdgeSearch::nextPositions() {
@@ -103,14 +103,14 @@ EdgeSearch::Positions EdgeSearch::nextPositions() {
 }
 
 bool EdgeSearch::add(const Imath::V2d& position, const Radiance& radiance) {
-    const int side = sideOf(radiance);
-    if (side < 0) return false;
-    color(side, radiance);
-    return edge_.add(position, side == 1);
+    const auto side = sideOf(radiance);
+    if (!side) return false;
+    addColor(*side, radiance);
+    return edge_.add(position, *side == 1);
 }
 
-int EdgeSearch::sideOf(const Radiance& radiance) const {
-    return whichOf(radiance.encoded, sides_[0].encoded, sides_[1].encoded);
+std::optional<std::size_t> EdgeSearch::sideOf(const Radiance& radiance) const {
+    return sideOfColor(radiance.encoded, sides_[0].encoded, sides_[1].encoded);
 }
 
 bool EdgeSearch::isDone() const {

@@ -34,7 +34,7 @@ class EdgeSearch {
                                            std::span<const Pixel8> encoded);
 
     /// Lets a sample that begin() knew count for the colour of its side.
-    void color(const Radiance& radiance);
+    void addColor(const Radiance& radiance);
 
     /// All of them are to be looked at.
     Positions nextPositions();
@@ -58,8 +58,8 @@ class EdgeSearch {
 
     EdgeSearch(const std::array<Side, 2>& sides, const StraightEdge& edge, std::uint8_t corners)
         : sides_(sides), edge_(edge), corners_(corners) {}
-    int sideOf(const Radiance& radiance) const;
-    void color(int side, const Radiance& radiance);
+    std::optional<std::size_t> sideOf(const Radiance& radiance) const;
+    void addColor(std::size_t side, const Radiance& radiance);
 
     std::array<Side, 2> sides_;  ///< the near one, the far one
     StraightEdge edge_;

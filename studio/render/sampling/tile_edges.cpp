@@ -20,7 +20,7 @@ void TileEdges::add(const Pixel& pixel, std::span<const Imath::V2d> positions,
     std::optional<EdgeSearch> search = EdgeSearch::begin(positions, encoded_);
     if (!search) return;
     for (const ShadedSample& sample : samples)
-        search->color(sample.radiance);
+        search->addColor(sample.radiance);
     edges_.push_back({pixel, *search, 0});
 }
 

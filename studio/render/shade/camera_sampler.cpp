@@ -36,7 +36,7 @@ CameraSampler::CameraSampler(const RayScene& scene, const LightSet& lights,
       y_(kBatch),
       rays_(kBatch),
       hits_(kBatch),
-      nodes_(kBatch),
+      cached_(kBatch),
       facetOf_(kBatch),
       countOf_(facets_.capacity()),
       order_(kBatch),
@@ -46,8 +46,8 @@ CameraSampler::CameraSampler(const RayScene& scene, const LightSet& lights,
       layers_(kBatch) {
     unknown_.reserve(kBatch);
     active_.reserve(kBatch);
-    going_.reserve(kBatch);
-    met_.reserve(kBatch);
+    next_.reserve(kBatch);
+    hitFacets_.reserve(kBatch);
     encoded_.reserve(3 * kBatch);
     light_.resize(3 * kBatch);
 }
@@ -88,55 +88,50 @@ void CameraSampler::findFirstHits(std::size_t count, std::span<CachedPath> paths
     unknown_.clear();
     for (std::uint32_t i = 0; i < count; ++i) {
         hits_[i] = {};
-        nodes_[i] = CachedPath::kStart;
-        const bool isKnown =
-            !paths.empty() && paths[i].next(nodes_[i], hits_[i]) != CachedPath::Step::Unknown;
-        if (!isKnown) unknown_.push_back(i);
+        cached_[i] = {};
+        if (!paths.empty() && paths[i].isKept()) cached_[i].path = &paths[i];
+        if (cached_[i].next(hits_[i]) == CachedPath::Step::Unknown) unknown_.push_back(i);
     }
     firstHits_.find(rays_, unknown_, hits_);
     cameraRays_ += unknown_.size();
-    if (!paths.empty()) {
-        for (const std::uint32_t i : unknown_)
-            paths[i].keep(nodes_[i], hits_[i]);
-    }
+    for (const std::uint32_t i : unknown_)
+        cached_[i].keep(hits_[i]);
     active_.clear();
     for (std::uint32_t i = 0; i < count; ++i) {
-        if (hits_[i].isNone()) continue;
-        CachedPath* cache = !paths.empty() && paths[i].isKept() ? &paths[i] : nullptr;
-        active_.push_back({i, hits_[i], {nullptr, cache, nodes_[i]}});
+        if (!hits_[i].isNone()) active_.push_back({i, hits_[i], cached_[i]});
     }
 }
 
 /// Brings rays whose hit is on a wholly transparent surface to the first hit that is not.
 void CameraSampler::skipTransparent() {
     for (ActiveRay& active : active_)
-        active.hit = finder_.visibleHit(rays_.ray(active.ray), active.hit, active.prior);
+        active.hit = finder_.visibleHit(rays_.ray(active.ray), active.hit, active.cached);
     std::erase_if(active_, [](const ActiveRay& active) { return active.hit.isNone(); });
 }
 
 /// Orders the active rays so that those which hit one mesh, and one facet, follow one another.
 void CameraSampler::sortByFacet() {
     facets_.reserve(active_.size());
-    met_.clear();
+    hitFacets_.clear();
     for (std::size_t i = 0; i < active_.size(); ++i) {
         const std::uint32_t facet = facets_.numberAt(rays_.ray(active_[i].ray), active_[i].hit);
         facetOf_[i] = facet;
-        if (countOf_[facet]++ == 0) met_.push_back(facet);
+        if (countOf_[facet]++ == 0) hitFacets_.push_back(facet);
     }
     const auto isBefore = [this](std::uint32_t a, std::uint32_t b) {
         return facets_[a].mesh < facets_[b].mesh;
     };
-    if (!std::is_sorted(met_.begin(), met_.end(), isBefore))
-        std::sort(met_.begin(), met_.end(), isBefore);
+    if (!std::is_sorted(hitFacets_.begin(), hitFacets_.end(), isBefore))
+        std::sort(hitFacets_.begin(), hitFacets_.end(), isBefore);
     std::uint32_t next = 0;
-    for (const std::uint32_t facet : met_) {
+    for (const std::uint32_t facet : hitFacets_) {
         const std::uint32_t count = countOf_[facet];
         countOf_[facet] = next;
         next += count;
     }
     for (std::uint32_t i = 0; i < active_.size(); ++i)
         order_[countOf_[facetOf_[i]]++] = i;
-    for (const std::uint32_t facet : met_)
+    for (const std::uint32_t facet : hitFacets_)
         countOf_[facet] = 0;
 }
 
@@ -144,15 +139,15 @@ void CameraSampler::fillBatch(std::span<const CameraSample> samples, bool isFirs
     HitBatch& batch = shader_.batch();
     batch.clear();
     for (std::size_t i = 0; i < active_.size(); ++i) {
-        ActiveRay& active = active_[order_[i]];
+        const ActiveRay& active = active_[order_[i]];
         const Facet& facet = facets_[facetOf_[order_[i]]];
         const SurfacePoint& point =
-            batch.add(*scene_, facet, rays_.ray(active.ray), active.hit, active.prior);
+            batch.add(*scene_, facet, rays_.ray(active.ray), active.hit, {nullptr, active.cached});
         const NeighbourVisibility* neighbours = samples[active.ray].neighbours;
-        batch.priors.back().neighbours =
-            isFirst && neighbours != nullptr
-                ? neighbours->at(facet.mesh, static_cast<float>(point.distance))
-                : nullptr;
+        if (isFirst && neighbours != nullptr) {
+            batch.priors.back().neighbours =
+                neighbours->at(facet.mesh, static_cast<float>(point.distance));
+        }
         rayOf_[i] = active.ray;
     }
 }
@@ -192,19 +187,20 @@ void CameraSampler::toLight() {
         }
         lightOf_[i] = last;
     }
-    toLinear(encoded_, light_);
+    std::transform(encoded_.begin(), encoded_.end(), light_.begin(),
+                   [](double value) { return toLinear(value); });
 }
 
 void CameraSampler::composite(std::span<ShadedSample> results, bool isFirst) {
-    going_.clear();
+    next_.clear();
     for (std::size_t i = 0; i < shader_.batch().points.size(); ++i) {
         ShadedSample& result = results[rayOf_[i]];
         if (!addLayer(i, result, isFirst)) continue;
         ActiveRay next = active_[order_[i]];
-        next.hit = finder_.nextHit(rays_.ray(next.ray), next.hit, next.prior);
-        if (!next.hit.isNone()) going_.push_back(next);
+        next.hit = finder_.nextHit(rays_.ray(next.ray), next.hit, next.cached);
+        if (!next.hit.isNone()) next_.push_back(next);
     }
-    active_.swap(going_);
+    active_.swap(next_);
 }
 
 /// Lays a point's surface under those before it on its ray. Whether more shows behind it.

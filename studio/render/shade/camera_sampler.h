@@ -46,16 +46,15 @@ struct ShadedSample {
 /// Turns camera samples into shaded samples, many at once: the core of every picture. Camera
 /// rays find their first hits; the hits are lit, then shaded; and where surfaces let light
 /// through, the rays go on to their next hits, wave after wave. One thread at a time, with
-/// its ServiceBinding in place. Allocates nothing once made.
+/// its ServiceBinding in place.
 class CameraSampler {
   public:
     /// All must outlive it.
     CameraSampler(const RayScene& scene, const LightSet& lights, const WorkerShaders& shaders);
 
     /// `results[i]` becomes what `camera` sees at `samples[i]`. `paths` is empty, or has an
-    /// entry for each sample: what is cached of it, which is brought up to date. Costs least where
-    /// neighbours in the picture stand next to each other; what shows at a sample does not
-    /// depend on the others.
+    /// entry for each sample: what is cached of it, which is brought up to date. It costs least
+    /// where neighbours in the picture are next to each other. No result depends on the others.
     void sample(const CameraRays& camera, std::span<const CameraSample> samples,
                 std::span<CachedPath> paths, std::span<ShadedSample> results);
 
@@ -72,7 +71,7 @@ class CameraSampler {
     struct ActiveRay {
         std::uint32_t ray;
         Hit hit;
-        PriorVisibility prior;
+        CachedHit cached;
     };
     /// Surfaces over each other along a ray, front to back, in linear light.
     struct Layers {
@@ -101,16 +100,16 @@ class CameraSampler {
     std::vector<double> x_;        ///< of the samples, as the next
     std::vector<double> y_;
     CameraRayBatch rays_;
-    std::vector<Hit> hits_;                ///< by ray
-    std::vector<CachedPath::Node> nodes_;  ///< by ray: what is cached of its first hit
-    std::vector<std::uint32_t> unknown_;   ///< rays whose first hit has to be traced
-    std::vector<ActiveRay> active_;        ///< of this wave
-    std::vector<ActiveRay> going_;         ///< of the next
+    std::vector<Hit> hits_;               ///< by ray
+    std::vector<CachedHit> cached_;       ///< by ray: its first hit
+    std::vector<std::uint32_t> unknown_;  ///< rays whose first hit has to be traced
+    std::vector<ActiveRay> active_;       ///< of this wave
+    std::vector<ActiveRay> next_;         ///< of the next
     // For sorting:
-    std::vector<std::uint32_t> facetOf_;  ///< by active ray: number in `facets_`
-    std::vector<std::uint32_t> met_;      ///< facets of this wave
-    std::vector<std::uint32_t> countOf_;  ///< by facet: active rays that hit it
-    std::vector<std::uint32_t> order_;    ///< active rays, by mesh and facet
+    std::vector<std::uint32_t> facetOf_;    ///< by active ray: number in `facets_`
+    std::vector<std::uint32_t> hitFacets_;  ///< of this wave, each once
+    std::vector<std::uint32_t> countOf_;    ///< by facet: active rays that hit it
+    std::vector<std::uint32_t> order_;      ///< active rays, by mesh and facet
     // By point of the batch:
     std::vector<std::uint32_t> rayOf_;
     std::vector<Appearance> appearances_;

@@ -4,15 +4,10 @@
 #include <cmath>
 
 #include "host/handler.h"
+#include "studio/scene/vectors.h"
 
 namespace tavora::studio {
 namespace {
-
-void fill(const Imath::V3d& from, double to[3]) {
-    to[0] = from.x;
-    to[1] = from.y;
-    to[2] = from.z;
-}
 
 HostPointId vertexId(const Mesh& mesh, std::uint32_t vertex) {
     return reinterpret_cast<HostPointId>(const_cast<Imath::V3f*>(&mesh.positions[vertex]));
@@ -53,7 +48,7 @@ double finiteOr(double value, double other) {
 }  // namespace
 
 void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record) {
-    fill(facet.normal, record.geometricNormal);
+    writeVector(facet.normal, record.geometricNormal);
     std::copy_n(facet.key.geometry->objectTransform, 9, record.objectTransform);
     std::copy_n(facet.key.geometry->worldTransform, 9, record.worldTransform);
     fillIdentities(scene, facet, record);
@@ -62,13 +57,13 @@ void fillFacet(const RayScene& scene, const Facet& facet, HostSample& record) {
 }
 
 void fillPoint(const SurfacePoint& point, const Viewpoint& from, HostSample& record) {
-    fill(toObject(*point.facet->key.geometry, point.position), record.objectPosition);
-    fill(point.position, record.worldPosition);
-    fill(point.normal, record.worldNormal);
+    writeVector(toObject(*point.facet->key.geometry, point.position), record.objectPosition);
+    writeVector(point.position, record.worldPosition);
+    writeVector(point.normal, record.worldNormal);
     for (std::size_t i = 0; i < 3; ++i)
         record.vertexWeights[i] = static_cast<float>(point.weights[i]);
     record.spotSize = point.footprint;
-    fill(from.position, record.raySource);
+    writeVector(from.position, record.raySource);
     record.rayLength = from.distance;
     record.cosine = std::clamp(-from.direction.dot(point.normal), 0.0, 1.0);
 }

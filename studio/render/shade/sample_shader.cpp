@@ -6,6 +6,7 @@
 #include "host/handler.h"
 #include "studio/render/shade/reflection.h"
 #include "studio/render/trace/rounding_margin.h"
+#include "studio/scene/vectors.h"
 #include "studio/services/service_binding.h"
 
 namespace tavora::studio {
@@ -16,12 +17,6 @@ thread_local SampleShader* working = nullptr;
 
 Imath::V3d vector(const double v[3]) {
     return {v[0], v[1], v[2]};
-}
-
-void copyTo(double to[3], const Imath::V3d& from) {
-    to[0] = from.x;
-    to[1] = from.y;
-    to[2] = from.z;
 }
 
 /// The last ray that a sample's shader traced. Shaders may ask for the same one again and
@@ -58,7 +53,7 @@ SurfacePoint& HitBatch::add(const RayScene& scene, const Facet& facet, const Ray
                             const Hit& hit, const PriorVisibility& prior) {
     SurfacePoint& point = points.add(facet, ray);
     hits.push_back(hit);
-    colors.push_back(lookUpSurface(scene, point, prior));
+    colors.push_back(lookUpSurface(scene, point, prior.cached));
     priors.push_back(prior);
     return point;
 }
@@ -116,18 +111,16 @@ std::uint64_t SampleShader::shadowRays() const {
 }
 
 void SampleShader::light() {
-    Level& level = *levels_.front();
-    const auto& priors = level.batch.priors;
-    const bool areCached = !priors.empty() && priors.front().cache != nullptr;
-    light(level, areCached);
+    light(*levels_.front());
 }
 
-void SampleShader::light(Level& level, bool areAllAsked) {
+void SampleShader::light(Level& level) {
     HitBatch& batch = level.batch;
-    batch.points.finish(true);
+    batch.points.finish();
     batch.lights.begin(batch.points, batch.priors);
-    // A nested sample works its lights out one by one as its shader asks for them. What is
-    // cached serves later edits, which may ask for others.
+    // What is cached serves later edits, which may ask for other lights.
+    const bool areAllAsked = batch.lights.isCached();
+    // A nested sample works its lights out one by one, as its shader asks for them.
     if (&level != levels_.front().get() && !areAllAsked) return;
     for (std::size_t light = 0; light < lights_->lights.size(); ++light) {
         asking_.clear();
@@ -226,17 +219,16 @@ void SampleShader::evaluate(Level& level, const ActiveShader& active, HostSample
 int SampleShader::illuminate(HostItemId light, const double position[3], double direction[3],
                              double color[3]) {
     Level& level = *working->level_;
-    const std::ptrdiff_t index = lightIndex(*working->lights_, light);
-    if (index < 0) return 0;
-    const auto number = static_cast<std::size_t>(index);
+    const auto index = lightIndex(*working->lights_, light);
+    if (!index) return 0;
     const SurfacePoint& point = level.batch.points[level.point];
     const Imath::V3d& here = point.position;
     LightBatch& lights = level.batch.lights;
     if (position[0] != here.x || position[1] != here.y || position[2] != here.z)
-        return lights.illuminateElsewhere(number, level.point, vector(position), direction, color);
-    level.note(number);
-    working->askedLights(point.surfaceIndex())[number] = 1;
-    return lights.illuminate(number, level.point, direction, color);
+        return lights.illuminateElsewhere(*index, level.point, vector(position), direction, color);
+    level.note(*index);
+    working->askedLights(point.surfaceIndex())[*index] = 1;
+    return lights.illuminate(*index, level.point, direction, color);
 }
 
 double SampleShader::traceAndShade(const double position[3], const double direction[3],
@@ -275,8 +267,7 @@ double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSa
         // The camera ray goes on: what it passed is known exactly.
         level.ray = outerRay;
         after = outer.batch.hits[outer.point];
-        prior.cache = outer.batch.priors[outer.point].cache;
-        prior.node = outer.batch.priors[outer.point].node;
+        prior.cached = outer.batch.priors[outer.point].cached;
     } else {
         level.ray = Ray{};
         level.ray.origin = from.position;
@@ -285,16 +276,16 @@ double SampleShader::traceAnew(const Level& outer, const Viewpoint& from, HostSa
         level.ray.footprint = point.footprint;
         level.ray.coneSpread = outerRay.coneSpread;
     }
-    const Hit next = nested_.nextHit(level.ray, after, prior);
-    const Hit hitSurface = nested_.visibleHit(level.ray, next, prior);
+    const Hit next = nested_.nextHit(level.ray, after, prior.cached);
+    const Hit hitSurface = nested_.visibleHit(level.ray, next, prior.cached);
     if (hitSurface.isNone()) return -1;
     level.facet = facetAt(*scene_, level.ray, hitSurface);
     level.batch.clear();
     const SurfacePoint& traced =
         level.batch.add(*scene_, level.facet, level.ray, hitSurface, prior);
-    light(level, prior.cache != nullptr);
+    light(level);
     const double distance = (traced.position - from.position).length();
-    copyTo(hit.color, shade(level, 0, {from.position, from.direction, distance}, hit).color);
+    writeVector(shade(level, 0, {from.position, from.direction, distance}, hit).color, hit.color);
     return distance;
 }
 

@@ -34,7 +34,7 @@ struct HitBatch {
     HitBatch(const RayScene& scene, const LightSet& lightSet, std::size_t capacity);
 
     void clear();
-    /// Adds the hit of `ray` on `facet`, for which `prior` stands.
+    /// Adds the hit of `ray` on `facet`.
     SurfacePoint& add(const RayScene& scene, const Facet& facet, const Ray& ray, const Hit& hit,
                       const PriorVisibility& prior);
 
@@ -50,7 +50,7 @@ inline constexpr std::size_t kDeepestTrace = 8;
 
 /// Shades hits for one worker: fills the module's record, lets the surface's shader work on
 /// it, answers its callbacks, and adds the light that the surface scatters. Used on one
-/// thread, with its ServiceBinding in place. Allocates nothing once made.
+/// thread, with its ServiceBinding in place.
 class SampleShader {
   public:
     /// Batches of camera hits have room for `capacity`. All must outlive it.
@@ -87,7 +87,7 @@ class SampleShader {
   private:
     struct Level;
 
-    void light(Level& level, bool areAllAsked);
+    void light(Level& level);
     Appearance shade(Level& level, std::size_t point, const Viewpoint& from, HostSample& record);
     void fill(Level& level, const Viewpoint& from, const SampleValues& values,
               HostSample& record) const;

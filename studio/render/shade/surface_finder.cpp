@@ -4,16 +4,14 @@
 
 namespace tavora::studio {
 
-Hit SurfaceFinder::nextHit(const Ray& ray, const Hit& after, PriorVisibility& prior) {
+Hit SurfaceFinder::nextHit(const Ray& ray, const Hit& after, CachedHit& cached) {
     Hit hit;
-    if (prior.cache != nullptr) {
-        const CachedPath::Step step = prior.cache->next(prior.node, hit);
-        if (step == CachedPath::Step::Hit) return hit;
-        if (step == CachedPath::Step::Miss) return {};
-    }
+    const CachedPath::Step step = cached.next(hit);
+    if (step == CachedPath::Step::Hit) return hit;
+    if (step == CachedPath::Step::Miss) return {};
     ++rays_;
     scene_->nextHit(ray, after, hit);
-    if (prior.cache != nullptr) prior.cache->keep(prior.node, hit);
+    cached.keep(hit);
     return hit;
 }
 
@@ -25,11 +23,11 @@ double SurfaceFinder::alphaOf(const Ray& ray, const Hit& hit) const {
     return alphaAt(scene_->index(), *facet.source().surface, point.meshPoint());
 }
 
-Hit SurfaceFinder::visibleHit(const Ray& ray, Hit hit, PriorVisibility& prior) {
+Hit SurfaceFinder::visibleHit(const Ray& ray, Hit hit, CachedHit& cached) {
     while (!hit.isNone()) {
         const int surface = scene_->index().meshes()[hit.mesh].surfaceIndex;
         if (scene_->material(surface).alphaMode != AlphaMode::Blend || alphaOf(ray, hit) > 0) break;
-        hit = nextHit(ray, hit, prior);
+        hit = nextHit(ray, hit, cached);
     }
     return hit;
 }
@@ -37,23 +35,21 @@ Hit SurfaceFinder::visibleHit(const Ray& ray, Hit hit, PriorVisibility& prior) {
 namespace {
 
 BaseColor cachedBaseColor(const RayScene& scene, const SurfacePoint& point,
-                          const PriorVisibility& prior) {
-    if (prior.cache != nullptr) {
-        if (const BaseColor* known = prior.cache->baseColor(prior.node)) return *known;
-    }
+                          const CachedHit& cached) {
+    if (const BaseColor* known = cached.baseColor()) return *known;
     const Material& material = scene.material(point.surfaceIndex());
     const BaseColor color = baseColorAt(scene.index(), material, point.meshPoint());
-    if (prior.cache != nullptr) prior.cache->keepBaseColor(prior.node, color);
+    cached.keepBaseColor(color);
     return color;
 }
 
 }  // namespace
 
-BaseColor lookUpSurface(const RayScene& scene, SurfacePoint& point, const PriorVisibility& prior) {
+BaseColor lookUpSurface(const RayScene& scene, SurfacePoint& point, const CachedHit& cached) {
     const Facet& facet = *point.facet;
     if (facet.isMapped) applyNormalMap(scene.index(), point);
     return facet.uniformColor != nullptr ? *facet.uniformColor
-                                         : cachedBaseColor(scene, point, prior);
+                                         : cachedBaseColor(scene, point, cached);
 }
 
 }  // namespace tavora::studio

@@ -2,7 +2,7 @@
 
 #include <cstdint>
 
-#include "studio/render/light/light_batch.h"
+#include "studio/render/cache/cached_path.h"
 #include "studio/render/material/material.h"
 #include "studio/render/surface/facet.h"
 #include "studio/render/surface/surface_point.h"
@@ -17,13 +17,13 @@ class SurfaceFinder {
     /// `scene` must outlive it.
     explicit SurfaceFinder(const RayScene& scene) : scene_(&scene) {}
 
-    /// The hit of `ray` after `after` (none: the first), or none. `prior` stands for `after`,
-    /// and for the result afterwards.
-    Hit nextHit(const Ray& ray, const Hit& after, PriorVisibility& prior);
+    /// The hit of `ray` after `after` (none: the first), or none. `cached` is `after`'s, and the
+    /// result's afterwards.
+    Hit nextHit(const Ray& ray, const Hit& after, CachedHit& cached);
 
-    /// `hit`, for which `prior` stands, or the next one along `ray` whose surface is not
-    /// wholly transparent there; or none.
-    Hit visibleHit(const Ray& ray, Hit hit, PriorVisibility& prior);
+    /// `hit` or the next one along `ray` whose surface is not wholly transparent there; or
+    /// none. `cached` is `hit`'s, and the result's afterwards.
+    Hit visibleHit(const Ray& ray, Hit hit, CachedHit& cached);
 
     /// Rays that were traced.
     std::uint64_t rays() const { return rays_; }
@@ -35,8 +35,8 @@ class SurfaceFinder {
     std::uint64_t rays_ = 0;
 };
 
-/// The base colour at `point`, for which `prior` stands. Also turns the point's shading normal
-/// as the surface's normal map says.
-BaseColor lookUpSurface(const RayScene& scene, SurfacePoint& point, const PriorVisibility& prior);
+/// The base colour at `point`, whose hit is `cached`. Also turns the point's shading normal as
+/// the surface's normal map says.
+BaseColor lookUpSurface(const RayScene& scene, SurfacePoint& point, const CachedHit& cached);
 
 }  // namespace tavora::studio

@@ -27,12 +27,11 @@ SurfacePoint& ShadingPoints::add(const Facet& facet, const Ray& ray) {
     return point;
 }
 
-void ShadingPoints::finish(bool areLit) {
+void ShadingPoints::finish() {
     for (std::size_t i = 0; i < points_.size(); ++i) {
         const SurfacePoint& point = points_[i];
         positions_.set(i, point.position);
         normals_.set(i, point.normal);
-        if (!areLit) continue;
         smoothNormals_.set(i, point.smoothNormal);
         polygonNormals_.set(i, point.facet->normal);
         const Imath::V3d origin = shadowRayOrigin(point);

@@ -29,7 +29,7 @@ class ShadingPoints {
     /// mesh, and of one facet, should come one after the other.
     SurfacePoint& add(const Facet& facet, const Ray& ray);
     /// Once all are there: finds what they have in common and where shadow rays start.
-    void finish(bool areLit);
+    void finish();
 
     std::size_t size() const { return points_.size(); }
     const SurfacePoint& operator[](std::size_t i) const { return points_[i]; }
