@@ -158,7 +158,7 @@ LightBatch::LightBatch(const RayScene& scene, const LightSet& lights, std::size_
     rayPoints_.reserve(capacity);
 }
 
-void LightBatch::begin(const ShadingPoints& points, std::span<const PriorVisibility> priors) {
+void LightBatch::begin(ShadingPoints& points, std::span<const PriorVisibility> priors) {
     points_ = &points;
     priors_ = priors;
     haveCaches_ = haveNeighbours_ = false;
@@ -207,8 +207,18 @@ void LightBatch::sample(std::size_t light, const PointRange& range) {
 }
 
 void LightBatch::sampleOne(std::size_t light, std::size_t point) {
-    const auto first = static_cast<std::uint32_t>(point);
-    if (arrays_[light].isSampled[point] == 0) sample(light, {first, first + 1, nullptr});
+    LightArrays& arrays = arrays_[light];
+    if (arrays.isSampled[point] != 0) return;
+    const ResolvedLight& resolved = lights_->lights[light];
+    const PunctualSample sample =
+        samplePunctual(resolved.light->kind == LightKind::Spot, lights_->falloff,
+                       PunctualLight(resolved), (*points_)[point].position);
+    arrays.x[point] = sample.x;
+    arrays.y[point] = sample.y;
+    arrays.z[point] = sample.z;
+    arrays.distances[point] = sample.distance;
+    arrays.levels[point] = sample.level;
+    arrays.isSampled[point] = 1;
 }
 
 LightSample LightBatch::sampleOf(std::size_t light, std::size_t point) const {
@@ -249,6 +259,7 @@ void LightBatch::aimShadowRays(std::size_t light, const PointRange& range) {
 
 void LightBatch::find(std::size_t light, std::span<const PointRange> ranges) {
     begun(light);
+    points_->fillArrays();
     const bool isArea = !lights_->lights[light].points.empty();
     rayPoints_.clear();
     areaRays_.clear();

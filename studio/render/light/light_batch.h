@@ -36,7 +36,7 @@ class LightBatch {
 
     /// Begins with other points, of whose lights nothing is known but `priors`, an entry for
     /// each point. Both must stay as they are until the next call.
-    void begin(const ShadingPoints& points, std::span<const PriorVisibility> priors);
+    void begin(ShadingPoints& points, std::span<const PriorVisibility> priors);
 
     /// Whether what becomes known of some point is cached.
     bool isCached() const { return haveCaches_; }
@@ -117,7 +117,7 @@ class LightBatch {
     std::size_t capacity_;
     std::vector<LightArrays> arrays_;            ///< by light
     std::vector<std::uint8_t> mayEndOnSurface_;  ///< by light: something may be where it is
-    const ShadingPoints* points_ = nullptr;
+    ShadingPoints* points_ = nullptr;
     std::span<const PriorVisibility> priors_;
     bool haveCaches_ = false;
     bool haveNeighbours_ = false;

@@ -72,8 +72,8 @@ Imath::V3d baseColor(const SceneIndex& scene, const Material& material, const Me
         const Imath::V4d texel = lookUpTexture(scene, *surface.baseColorTexture, point);
         color = {texel.x, texel.y, texel.z};
         if (material.isWhite && !tinted) return color;
+        color = linearOf(color);
     }
-    color = linearOf(color);
     const Imath::V4f& factor = surface.baseColor;
     color *= Imath::V3d(Imath::V3f(factor.x, factor.y, factor.z));
     if (tinted) {

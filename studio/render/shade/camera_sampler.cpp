@@ -70,6 +70,7 @@ void CameraSampler::sampleBatch(const CameraRays& camera, std::span<const Camera
         results[i] = {};
     }
     camera.generate(x_.data(), y_.data(), samples.size(), rays_);
+    ray_ = rays_.ray(0);
     findFirstHits(samples.size(), paths);
     for (bool isFirst = true;; isFirst = false) {
         if (hasTransparent_) skipTransparent();
@@ -81,6 +82,13 @@ void CameraSampler::sampleBatch(const CameraRays& camera, std::span<const Camera
         toLight();
         composite(results, isFirst);
     }
+}
+
+/// A camera ray of the batch; valid until the next call. They differ by these two alone.
+const Ray& CameraSampler::ray(std::uint32_t number) {
+    ray_.origin = rays_.origins[number];
+    ray_.direction = rays_.directions[number];
+    return ray_;
 }
 
 /// By what is cached, else all together. Rays that hit nothing are done.
@@ -105,7 +113,7 @@ void CameraSampler::findFirstHits(std::size_t count, std::span<CachedPath> paths
 /// Brings rays whose hit is on a wholly transparent surface to the first hit that is not.
 void CameraSampler::skipTransparent() {
     for (ActiveRay& active : active_)
-        active.hit = finder_.visibleHit(rays_.ray(active.ray), active.hit, active.cached);
+        active.hit = finder_.visibleHit(ray(active.ray), active.hit, active.cached);
     std::erase_if(active_, [](const ActiveRay& active) { return active.hit.isNone(); });
 }
 
@@ -114,7 +122,7 @@ void CameraSampler::sortByFacet() {
     facets_.reserve(active_.size());
     hitFacets_.clear();
     for (std::size_t i = 0; i < active_.size(); ++i) {
-        const std::uint32_t facet = facets_.numberAt(rays_.ray(active_[i].ray), active_[i].hit);
+        const std::uint32_t facet = facets_.numberAt(ray(active_[i].ray), active_[i].hit);
         facetOf_[i] = facet;
         if (countOf_[facet]++ == 0) hitFacets_.push_back(facet);
     }
@@ -142,7 +150,7 @@ void CameraSampler::fillBatch(std::span<const CameraSample> samples, bool isFirs
         const ActiveRay& active = active_[order_[i]];
         const Facet& facet = facets_[facetOf_[order_[i]]];
         const SurfacePoint& point =
-            batch.add(*scene_, facet, rays_.ray(active.ray), active.hit, {nullptr, active.cached});
+            batch.add(*scene_, facet, ray(active.ray), active.hit, {nullptr, active.cached});
         const NeighbourVisibility* neighbours = samples[active.ray].neighbours;
         if (isFirst && neighbours != nullptr) {
             batch.priors.back().neighbours =
@@ -197,7 +205,7 @@ void CameraSampler::composite(std::span<ShadedSample> results, bool isFirst) {
         ShadedSample& result = results[rayOf_[i]];
         if (!addLayer(i, result, isFirst)) continue;
         ActiveRay next = active_[order_[i]];
-        next.hit = finder_.nextHit(rays_.ray(next.ray), next.hit, next.cached);
+        next.hit = finder_.nextHit(ray(next.ray), next.hit, next.cached);
         if (!next.hit.isNone()) next_.push_back(next);
     }
     active_.swap(next_);

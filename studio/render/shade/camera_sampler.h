@@ -81,6 +81,7 @@ class CameraSampler {
 
     void sampleBatch(const CameraRays& camera, std::span<const CameraSample> samples,
                      std::span<CachedPath> paths, std::span<ShadedSample> results);
+    const Ray& ray(std::uint32_t number);
     void findFirstHits(std::size_t count, std::span<CachedPath> paths);
     void skipTransparent();
     void sortByFacet();
@@ -100,6 +101,7 @@ class CameraSampler {
     std::vector<double> x_;        ///< of the samples, as the next
     std::vector<double> y_;
     CameraRayBatch rays_;
+    Ray ray_;                             ///< one of them
     std::vector<Hit> hits_;               ///< by ray
     std::vector<CachedHit> cached_;       ///< by ray: its first hit
     std::vector<std::uint32_t> unknown_;  ///< rays whose first hit has to be traced

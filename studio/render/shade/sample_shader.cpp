@@ -116,7 +116,6 @@ void SampleShader::light() {
 
 void SampleShader::light(Level& level) {
     HitBatch& batch = level.batch;
-    batch.points.finish();
     batch.lights.begin(batch.points, batch.priors);
     // What is cached serves later edits, which may ask for other lights.
     const bool areAllAsked = batch.lights.isCached();

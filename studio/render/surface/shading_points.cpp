@@ -15,6 +15,7 @@ ShadingPoints::ShadingPoints(std::size_t capacity)
 void ShadingPoints::clear() {
     points_.clear();
     meshes_.clear();
+    areFilled_ = false;
 }
 
 SurfacePoint& ShadingPoints::add(const Facet& facet, const Ray& ray) {
@@ -27,7 +28,9 @@ SurfacePoint& ShadingPoints::add(const Facet& facet, const Ray& ray) {
     return point;
 }
 
-void ShadingPoints::finish() {
+void ShadingPoints::fillArrays() {
+    if (areFilled_) return;
+    areFilled_ = true;
     for (std::size_t i = 0; i < points_.size(); ++i) {
         const SurfacePoint& point = points_[i];
         positions_.set(i, point.position);

@@ -28,15 +28,14 @@ class ShadingPoints {
     /// Adds the point where `ray` hits `facet`, as setSurfacePoint() gives it. Points of one
     /// mesh, and of one facet, should come one after the other.
     SurfacePoint& add(const Facet& facet, const Ray& ray);
-    /// Once all are there: finds what they have in common and where shadow rays start.
-    void finish();
+    /// Fills the arrays below from the points; until clear(), only once.
+    void fillArrays();
 
     std::size_t size() const { return points_.size(); }
     const SurfacePoint& operator[](std::size_t i) const { return points_[i]; }
-    SurfacePoint& at(std::size_t i) { return points_[i]; }
     std::span<const PointRange> meshes() const { return meshes_; }
 
-    // By point, as in SurfacePoint, in the world:
+    // By point, as in SurfacePoint, in the world, once fillArrays() was called:
     const VectorArray& positions() const { return positions_; }
     const VectorArray& normals() const { return normals_; }
     const VectorArray& smoothNormals() const { return smoothNormals_; }
@@ -49,6 +48,7 @@ class ShadingPoints {
   private:
     std::vector<SurfacePoint> points_;
     std::vector<PointRange> meshes_;
+    bool areFilled_ = false;
     VectorArray positions_;
     VectorArray normals_;
     VectorArray smoothNormals_;
