@@ -79,6 +79,27 @@ struct Roofed : TestScene {
     }
 };
 
+/// The darkest and the brightest pixel of some, of which the last are lit in batches.
+std::pair<double, double> levelsOf(const TestScene& test, const V3d& eye) {
+    const Picture picture = renderPlain(test, frontCamera(eye, 0.2), squareOptions(40));
+    std::pair<double, double> levels(1, 0);
+    for (int i = 0; i < 40 * 40; ++i) {
+        const double level = displayed(picture, i % 40, i / 40).x;
+        levels = {std::min(levels.first, level), std::max(levels.second, level)};
+    }
+    return levels;
+}
+
+TEST(PlainShading, ALampInASurfaceShinesPastIt) {
+    for (const float alpha : {1.0F, 0.5F}) {
+        Roofed test(LightKind::Point, 0, 0, alpha);
+        const_cast<Light*>(test.lightSet.lights[0].light)->position.z = 1;
+        EXPECT_GT(levelsOf(test, {0, 0, 0.5}).first, 0.9) << alpha;
+        const_cast<Light*>(test.lightSet.lights[0].light)->position.z = 1.0001;
+        EXPECT_LT(levelsOf(test, {0, 0, 0.5}).second, 0.75) << alpha;
+    }
+}
+
 TEST(PlainShading, LightsAndSurfacesMayGoWithoutShadows) {
     for (std::size_t i = 0; i < 12; ++i) {
         const auto kind =

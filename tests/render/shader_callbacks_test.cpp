@@ -195,6 +195,23 @@ TEST(NormalMap, PointsAlongTheImageAndTurnsWithTheSurface) {
                tangent * 0.48 - normal.cross(tangent) * 0.6 + normal * 0.64, "blended");
 }
 
+/// A map turns a normal to a light that is behind the surface, which stays dark.
+TEST(NormalMap, BringsNoLightThroughTheSurface) {
+    TestScene test;
+    Surface& surface = test.addSurface();
+    surface.normalTexture.emplace().isData = true;
+    surface.normalTexture->image = test.addImage(1, 1, {250, 128, 163, 255});
+    test.addObject(tangentQuadMesh(1), 0);
+    test.addSun(V3d(-0.9, 0, 0.3).normalized());
+    RenderOptions options = squareOptions(40);
+    const Picture dark = renderPlain(test, frontCamera({0, 0, 5}, 1), options);
+    for (int i = 0; i < 40 * 40; ++i)
+        ASSERT_EQ(displayed(dark, i % 40, i / 40), V3d(0));
+    test.lightSet.lights.clear();
+    test.addSun(V3d(-0.9, 0, -0.3).normalized());
+    EXPECT_GT(displayed(renderPlain(test, frontCamera({0, 0, 5}, 1), options), 20, 20).x, 0.5);
+}
+
 TEST(FlagWord, NamesWhatAShaderMayChange) {
     QuadScene test;
     test.lightSet.ambient = V3d(0.5);
