@@ -155,17 +155,12 @@ struct Edit {
     std::optional<SurfaceShader> shader = {};
     std::shared_ptr<const LightSet> lightSet = {};
     int width = 0;  ///< of another view
-    bool isBehind = false;
 
     /// Changes the preview and tells the picture.
     std::uint64_t make(Preview& preview, LivePicture& picture) const {
         if (lightSet != nullptr) return picture.setLights(preview.lightSet = lightSet);
         if (width == 0) return picture.setSurface(surface, preview.shading[surface] = shader);
         preview.camera = frontCamera({0.375, 0.225, 8}, 2);
-        if (isBehind) {
-            preview.camera.cameraToWorld =
-                Imath::M44d().rotate(V3d(0, 3, 0)) * Imath::M44d().translate(V3d(1, 0.225, -8));
-        }
         return picture.setView(preview.camera, preview.width = width, preview.height);
     }
 };
@@ -210,8 +205,6 @@ std::vector<Edit> edits() {
             {.width = 50},
             withShading(kBall, setting("useAllLights", false)),
             {.width = 40},
-            {.width = 41, .isBehind = true},
-            {.width = 42},
             {kPane}};
 }
 

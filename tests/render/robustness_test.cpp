@@ -9,6 +9,7 @@
 #include <string>
 #include <utility>
 
+#include "studio/render/surface/facet.h"
 #include "tests/render/test_scene.h"
 
 namespace tavora::studio {
@@ -81,6 +82,26 @@ TEST_P(Sampling, IsTheSameInSmallCrops) {
         const int top = i * 23 % 60;
         options.crop = PixelBox{left, top, left + 1 + i % 5, top + 1 + i % 3};
         ASSERT_TRUE(isPartOf(render(), whole)) << left << ' ' << top;
+    }
+}
+
+/// A view that turned finds the facets that the one before left.
+TEST(FacetCache, TellsTheSidesOfATriangleApart) {
+    QuadScene test;
+    test.surface().doubleSided = true;
+    const SceneIndex index(test.scene);
+    const RayScene scene(index);
+    FacetCache facets(scene, 8);
+    for (const double side : {1.0, -1.0, 1.0}) {
+        Ray ray;
+        ray.origin = V3d(0.2, 0.1, 3 * side);
+        ray.direction = V3d(0, 0, -side);
+        Hit hit;
+        ASSERT_TRUE(scene.nextHit(ray, {}, hit));
+        facets.reserve(1);
+        const Facet& facet = facets[facets.numberAt(ray, hit)];
+        EXPECT_EQ(facet.normal, V3d(0, 0, side));
+        EXPECT_EQ(facet.eye.position, ray.origin);
     }
 }
 
