@@ -195,10 +195,12 @@ TEST(NormalMap, PointsAlongTheImageAndTurnsWithTheSurface) {
                tangent * 0.48 - normal.cross(tangent) * 0.6 + normal * 0.64, "blended");
 }
 
-/// A map turns a normal to a light that is behind the surface, which stays dark.
+/// A map turns a normal to a light that is behind the surface, which stays dark, also where it
+/// casts no shadow on itself.
 TEST(NormalMap, BringsNoLightThroughTheSurface) {
     TestScene test;
     Surface& surface = test.addSurface();
+    surface.selfShadow = false;
     surface.normalTexture.emplace().isData = true;
     surface.normalTexture->image = test.addImage(1, 1, {250, 128, 163, 255});
     test.addObject(tangentQuadMesh(1), 0);
