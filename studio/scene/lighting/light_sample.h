@@ -27,8 +27,7 @@ inline double coneAttenuation(double innerCosine, double outerCosine, double cos
 }
 
 /// What a light's range, in scene units, leaves of it at a distance: 1 near it, 0 from the
-/// range on. Formula:
-/// KHR_lights_punctual, without the inverse square.
+/// range on. Formula: KHR_lights_punctual, without the inverse square.
 inline double rangeAttenuation(float range, double distance) {
     if (!std::isfinite(range)) return 1.0;
     const double ratio = distance / static_cast<double>(range);
