@@ -120,7 +120,7 @@ class Live {
     LivePicture picture_;
 };
 
-/// A surface that wears the shader.
+/// A surface that has the shader.
 struct Seen {
     std::size_t surface = 0;
     int places = 0;  ///< of a grid over the picture
@@ -168,6 +168,16 @@ void edit(Live& live, const SurfaceShader& shader, std::size_t surface, Row& row
     row.clean.push_back(secondsSince(start));
 }
 
+/// Turns the camera a little, another way each round. Returns after how long there was a first
+/// picture, which may be coarse.
+double turn(Live& live, const Work& work, int round) {
+    Camera camera = work.camera;
+    camera.cameraToWorld =
+        Imath::M44d().rotate(Imath::V3d(0, 0.01 * (round + 1), 0)) * camera.cameraToWorld;
+    live.wait(live.picture().setView(camera, kWidth, kHeight), true);
+    return live.picture().stats().firstPictureSeconds;
+}
+
 double renderAnew(Renderer& renderer, const Work& work, int threads) {
     RenderOptions options;
     options.width = kWidth;
@@ -186,12 +196,9 @@ void print(const Row& row, double whole) {
 }
 
 /// For scripts/bench: metric|ours|reference|ratio|goal|met.
-void printGoal(double first, double whole) {
-    const double ratio = first / whole;
-    std::printf(
-        "edit to a full picture, beside rendering anew|%.1f ms|%.0f ms|%.3f|"
-        "at most 0.1, under 60 ms|%s\n",
-        1000 * first, 1000 * whole, ratio, ratio <= 0.1 && first < 0.06 ? "yes" : "no");
+void printGoal(const char* metric, double ours, double whole, double goal) {
+    std::printf("%s, beside rendering anew|%.1f ms|%.0f ms|%.3f|under %.0f ms|%s\n", metric,
+                1000 * ours, 1000 * whole, ours / whole, 1000 * goal, ours < goal ? "yes" : "no");
 }
 
 Row rowFor(const Work& work, const Seen& seen) {
@@ -207,20 +214,24 @@ void run(const char* file, const char* module, int rounds, int threads) {
     Renderer renderer(work.scene);
     Live live(work, threads);
     const std::vector<Seen> seen = seenSurfaces(work, live.picture());
-    if (seen.empty()) throw std::runtime_error("the scene shows no surface that wears the shader");
+    if (seen.empty()) throw std::runtime_error("the scene shows no surface that has the shader");
     const std::array<Seen, 2> edits{seen.front(), seen[seen.size() * 3 / 4]};
     std::array<Row, 2> rows{rowFor(work, edits[0]), rowFor(work, edits[1])};
     std::vector<double> whole;
+    std::vector<double> turns;
     for (int round = 0; round < rounds; ++round) {
         whole.push_back(renderAnew(renderer, work, threads));
         for (std::size_t i = 0; i < 2; ++i)
             edit(live, edited(*work.shading[edits[i].surface], round), edits[i].surface, rows[i]);
     }
+    for (int round = 0; round < rounds; ++round)
+        turns.push_back(turn(live, work, round));
     std::printf("%-34s %9.1f ms\n", "render anew", 1000 * median(whole));
     std::printf("%-34s %12s  %8s %12s\n", "", "first whole", "", "clean");
     for (const Row& row : rows)
         print(row, median(whole));
-    printGoal(median(rows.front().first), median(whole));
+    printGoal("edit to a full picture", median(rows.front().first), median(whole), 0.02);
+    printGoal("turn of the view to a first picture", median(turns), median(whole), 0.06);
     const LiveStats stats = live.picture().stats();
     std::printf("kept %.0f MB, %.0f%% of the samples %s\n",
                 static_cast<double>(stats.cachedBytes) / 1e6, 100 * stats.cachedFraction,
