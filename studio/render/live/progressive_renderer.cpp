@@ -15,7 +15,7 @@ namespace {
 using Clock = std::chrono::steady_clock;
 
 /// A first picture that would take longer is coarse.
-constexpr double kSoon = 0.06;
+constexpr double kSoon = 0.05;
 constexpr int kCoarsest = 8;
 /// Before anything was measured.
 constexpr double kGuessedSeconds = 2e-6;
